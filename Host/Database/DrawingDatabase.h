@@ -1,0 +1,142 @@
+// One drawing in memory: records first, objects on demand.
+//
+// The file's text stays in memory as it was read; every object has a Slot that says where its bytes are. Opening an
+// object gives it a host-interface object over its record; changing it edits the record's tags; saving copies the bytes
+// of everything untouched. Geometry for pictures and selections is read from the records, without objects.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "Database/Record.h"
+#include "Database/Slot.h"
+#include "Text/Codec.h"
+#include "acadstrc.h"
+#include "dbid.h"
+#include "dbmain.h"
+
+namespace host::database {
+
+/// A block: its record, its BLOCK and ENDBLK, its entities in file order, erased ones included.
+struct BlockContents {
+  Slot* record = nullptr;
+  Slot* begin = nullptr;
+  Slot* end = nullptr;
+  std::vector<Slot*> entities;
+};
+
+/// Something wrong in a drawing that could be read all the same.
+struct Problem {
+  std::size_t line = 0;      // of the file; 0 when it is not about one line
+  std::uint64_t handle = 0;  // 0 when it is not about one object
+  std::string text;          // UTF-8, one sentence without file name
+};
+
+enum class DrawingVersion { R12 = 1009, R13 = 1012, R14 = 1014, V2000 = 1015, V2004 = 1018, V2007 = 1021, V2010 = 1024,
+                            V2013 = 1027, V2018 = 1032 };
+
+class DrawingDatabase {
+ public:
+  DrawingDatabase(AcDbDatabase* facade);
+  ~DrawingDatabase();
+  DrawingDatabase(const DrawingDatabase&) = delete;
+  DrawingDatabase& operator=(const DrawingDatabase&) = delete;
+
+  AcDbDatabase* facade() const;
+  DrawingVersion version() const;
+  const text::Codec& codec() const;
+  std::string_view lineEnd() const;
+  /// A writer for this drawing's encoding and line ends.
+  TagWriter tagWriter() const { return TagWriter(codec(), lineEnd()); }
+  /// Copies bytes into memory that lives as long as the drawing.
+  std::string_view keep(std::string bytes);
+
+  // ---- names ------------------------------------------------------------------------------------------------------
+  std::string_view typeName(DxfType type) const;
+  std::string_view typeName(const Slot& slot) const { return typeName(slot.type); }
+  /// Layer of an entity slot: its table record, or null when the drawing has no such layer.
+  Slot* layerRecord(std::uint32_t layerIndex) const;
+  std::wstring layerName(std::uint32_t layerIndex) const;
+  /// Index of a layer name (without regard to case); 0 when no entity and no layer has it.
+  std::uint32_t findLayer(std::wstring_view name) const;
+
+  // ---- objects ----------------------------------------------------------------------------------------------------
+  Slot* findHandle(std::uint64_t handle) const;
+  /// All slots in file order, then in the order they were made.
+  void forEachSlot(const std::function<void(Slot&)>& visit) const;
+  std::size_t slotCount() const;
+
+  Slot* table(DxfType recordType) const;                                // table head of e.g. DxfType::Layer
+  Slot* findRecord(DxfType recordType, std::wstring_view name) const;   // living record by name, or null
+  const std::vector<Slot*>& records(DxfType recordType) const;          // file order, erased included
+  std::wstring recordName(const Slot& record) const;                    // tag 2, decoded
+  Slot* rootDictionary() const;
+
+  const BlockContents* block(const Slot* blockRecord) const;
+  const BlockContents* findBlock(std::wstring_view name) const;
+  const BlockContents& modelSpace() const;
+  /// Layouts in tab order with their names: "Model" first.
+  std::vector<std::pair<std::wstring, const BlockContents*>> layouts() const;
+  /// Living entities of a block, bottom first, by its sort-entities table.
+  std::vector<Slot*> drawOrder(const BlockContents& block) const;
+
+  // ---- header variables -------------------------------------------------------------------------------------------
+  /// Value of one group of a variable ("$CLAYER", 8), decoded; nothing when the header lacks it.
+  std::optional<std::wstring> headerText(std::string_view name, int code) const;
+  std::optional<double> headerReal(std::string_view name, int code) const;
+  std::optional<std::int64_t> headerInteger(std::string_view name, int code) const;
+  void setHeaderText(std::string_view name, int code, std::wstring_view value);
+  void setHeaderReal(std::string_view name, int code, double value);
+  void setHeaderInteger(std::string_view name, int code, std::int64_t value);
+
+  // ---- changing ---------------------------------------------------------------------------------------------------
+  Acad::ErrorStatus open(AcDbObject*& object, Slot* slot, AcDb::OpenMode mode, bool openErased);
+  /// Called by the editor when no handler runs: frees closed objects. Open ones (a fault of the plug-in) are closed and
+  /// counted; the number is the answer.
+  int releaseObjects();
+  bool isModified() const;
+  void setUnmodified();
+  /// Version counter: grows with every change; for caches of pictures and selections.
+  std::uint64_t changeCount() const;
+
+  // ---- undo -------------------------------------------------------------------------------------------------------
+  void beginUndoStep(std::wstring name);
+  void endUndoStep();
+  /// Takes back / repeats the last step that changed anything; its name, or nothing when there is none.
+  std::optional<std::wstring> undo();
+  std::optional<std::wstring> redo();
+
+  // ---- problems ---------------------------------------------------------------------------------------------------
+  const std::vector<Problem>& problems() const;
+
+  // Everything else (loading, saving, the object classes) works on the parts behind this door.
+  struct Parts;
+  Parts& parts() { return *parts_; }
+  const Parts& parts() const { return *parts_; }
+
+ private:
+  std::unique_ptr<Parts> parts_;
+};
+
+/// The database behind a host-interface one.
+inline DrawingDatabase& databaseOf(const AcDbDatabase* db) { return db->hostDatabase(); }
+/// Common values of an entity's record, read in one walk.
+struct EntityProperties {
+  std::string_view linetype;   // empty = by layer, in the drawing's encoding
+  int color = 256;             // 0 by block, 256 by layer
+  std::int64_t trueColor = -1; // 0xRRGGBB, or -1
+  int lineweight = -1;         // hundredths of a millimetre; -1 by layer, -2 by block, -3 default
+  double linetypeScale = 1;
+  bool invisible = false;
+  std::int64_t transparency = 0;  // tag 440 as it stands; 0 = none
+};
+EntityProperties entityProperties(const Slot& slot);
+
+}  // namespace host::database

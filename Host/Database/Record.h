@@ -1,0 +1,103 @@
+// The tags of one object, as they stand in the drawing file.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Text/Codec.h"
+
+namespace host::database {
+
+/// One tag: a group code and a value, in the drawing's own encoding.
+struct Tag {
+  int code = 0;
+  std::string_view value;  // without the line end, blanks kept
+  std::string_view bytes;  // both lines with their line ends
+
+  double real() const;            // 0 when not a number; never NaN or infinite
+  std::int64_t integer() const;   // 0 when not a number
+  std::uint64_t handle() const;   // 0 when not a handle
+  std::string_view trimmed() const;
+};
+
+/// Reads the tag at the start of `text` and moves past it. False at the end. A code that is not a number reads as -9999.
+bool readTag(std::string_view& text, Tag& tag);
+
+/// Walks the tags of a record. Copies are cheap.
+class TagCursor {
+ public:
+  TagCursor() = default;
+  explicit TagCursor(std::string_view single) : current_(single) {}
+  explicit TagCursor(const std::vector<std::string_view>& pieces)
+      : next_(pieces.data()), end_(pieces.data() + pieces.size()) {}
+  bool next(Tag& tag);
+
+ private:
+  std::string_view current_;
+  const std::string_view* next_ = nullptr;
+  const std::string_view* end_ = nullptr;
+};
+
+/// An object's tags as a rope of byte pieces: those nobody changed are the very bytes of the file. Piece memory belongs
+/// to the database (file text or its arena), so copies are cheap and old copies stay valid for undo.
+class Record {
+ public:
+  Record() = default;
+  explicit Record(std::string_view bytes) { pieces_.push_back(bytes); }
+
+  TagCursor tags() const { return TagCursor(pieces_); }
+  const std::vector<std::string_view>& pieces() const { return pieces_; }
+  bool isEmpty() const { return pieces_.empty(); }
+  std::size_t size() const;
+  std::string bytes() const;
+
+  /// Number of tags.
+  std::size_t count() const;
+  /// Replaces `count` tags starting at tag number `index` by `bytes` (whole tags, in memory that outlives the record).
+  void replace(std::size_t index, std::size_t count, std::string_view bytes);
+  void assign(std::string_view bytes) { pieces_.assign(1, bytes); }
+  bool operator==(const Record& other) const { return pieces_.data() == other.pieces_.data(); }
+
+ private:
+  std::vector<std::string_view> pieces_;
+};
+
+/// Spells tags in the form of one drawing: its line ends and its encoding.
+class TagWriter {
+ public:
+  explicit TagWriter(const text::Codec& codec, std::string_view lineEnd = "\n") : codec_(&codec), lineEnd_(lineEnd) {}
+  TagWriter& raw(int code, std::string_view value);          // bytes already in the drawing's encoding
+  TagWriter& text(int code, std::wstring_view value);        // encoded and escaped
+  TagWriter& real(int code, double value);
+  TagWriter& integer(int code, std::int64_t value);          // width as DXF writers use: 16-bit 6, 32-bit 9 characters
+  TagWriter& handle(int code, std::uint64_t value);
+  TagWriter& point(int code, double x, double y, double z);  // code, code + 10, code + 20
+  TagWriter& point(int code, double x, double y);
+  TagWriter& bytes(std::string_view tags);                   // whole tags, copied as they are
+  const std::string& str() const { return out_; }
+  std::string take() { return std::move(out_); }
+
+ private:
+  const text::Codec* codec_;
+  std::string_view lineEnd_;
+  std::string out_;
+};
+
+/// Where the parts of an entity's or object's record lie, as tag numbers. [begin, end) each.
+struct RecordLayout {
+  std::size_t handle = npos;                       // tag 5 or 105
+  std::size_t reactorsBegin = npos, reactorsEnd = npos;      // 102 {ACAD_REACTORS ... 102 }
+  std::size_t dictionaryBegin = npos, dictionaryEnd = npos;  // 102 {ACAD_XDICTIONARY ... 102 }
+  std::size_t owner = npos;                        // the 330 outside those groups
+  std::size_t firstSubclass = npos;                // first 100
+  std::size_t secondSubclass = npos;               // second 100
+  std::size_t xdata = npos;                        // first 1001, or the end
+  std::size_t end = 0;                             // number of tags
+  static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+};
+RecordLayout layoutOf(const Record& record);
+
+}  // namespace host::database

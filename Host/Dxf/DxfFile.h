@@ -1,0 +1,29 @@
+// Drawing files in and out.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "Database/DrawingDatabase.h"
+
+namespace host::dxf {
+
+/// What reading or saving came to. `message` is one sentence in UTF-8 naming the file (and line), empty when ok.
+struct FileResult {
+  bool ok = true;
+  std::string message;
+};
+
+/// Reads an ASCII drawing AC1015 to AC1032 into an empty database. On failure the database stays empty.
+FileResult readDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
+/// The same from text already in memory; `name` is what messages call it.
+FileResult readDrawingText(database::DrawingDatabase& db, std::string text, const std::string& name);
+/// The drawing as it would be saved.
+std::string drawingText(database::DrawingDatabase& db);
+/// Writes to a temporary file beside the target, flushes it and renames it over the target; a failure leaves the old
+/// file whole. Untouched records keep their bytes.
+FileResult saveDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
+/// Any bytes the same way (pictures).
+FileResult writeFileWhole(const std::filesystem::path& file, std::string_view bytes);
+
+}  // namespace host::dxf

@@ -1,0 +1,4 @@
+// Array of numbers.
+#pragma once
+
+#include "acarray.h"

@@ -1,0 +1,36 @@
+// Wide and UTF-8 text, numbers as drawings spell them, comparison without case.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace host::text {
+
+/// UTF-8 to wide. Bytes that are not UTF-8 become U+FFFD.
+std::wstring fromUtf8(std::string_view bytes);
+/// Wide to UTF-8. Works with 16-bit and 32-bit wide characters; lone surrogates become U+FFFD.
+std::string toUtf8(std::wstring_view text);
+
+/// Lower-case form for comparing names (simple folding, Finnish, Greek and Cyrillic letters included).
+std::wstring folded(std::wstring_view text);
+bool equalFolded(std::wstring_view a, std::wstring_view b);
+
+/// The number at the start of the text after blanks, whatever the locale; nothing when there is none.
+/// Accepts ".5", "+1.0E+02", "1D3"; gives infinity for 1e999 and NaN for "nan": callers check finiteness.
+std::optional<double> parseReal(std::string_view text);
+std::optional<std::int64_t> parseInteger(std::string_view text);
+/// Hexadecimal handle text; 0 when there is no hexadecimal digit.
+std::uint64_t parseHandle(std::string_view text);
+
+/// Shortest text that reads back as the same number, always with a "." or an exponent ("1.0", "0.15", "1e+20").
+std::string formatReal(double value);
+/// Upper-case hexadecimal without leading zeros.
+std::string formatHandle(std::uint64_t handle);
+
+/// Name against a pattern of the host: # digit, @ letter, . other, * any, ? one, ~ not, [..] set, [~..] not in set,
+/// ',' alternatives, ` takes the next character as it is. Without regard to case.
+bool matchesWildcard(std::wstring_view text, std::wstring_view pattern);
+
+}  // namespace host::text
