@@ -1,0 +1,51 @@
+// The drawn shape of entities as plain paths, read straight from their records: what pictures paint and what picks,
+// windows and extents are tested against.
+#pragma once
+
+#include <limits>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+
+namespace host::geometry {
+
+struct Point {
+  double x = 0, y = 0;
+};
+
+/// Plan box; empty until something is added.
+struct Box {
+  double minX = std::numeric_limits<double>::infinity(), minY = std::numeric_limits<double>::infinity();
+  double maxX = -std::numeric_limits<double>::infinity(), maxY = -std::numeric_limits<double>::infinity();
+  bool isEmpty() const { return minX > maxX; }
+  void add(Point p);
+  void add(const Box& other);
+  bool contains(Point p) const { return p.x >= minX && p.x <= maxX && p.y >= minY && p.y <= maxY; }
+  bool intersects(const Box& other) const;
+};
+
+/// One connected piece of an entity in plan (world X, Y).
+struct Path {
+  std::vector<Point> points;
+  bool closed = false;
+  bool filled = false;   // inside belongs to the entity (solids, solid hatches, text boxes)
+};
+
+/// The pieces of one entity: curves flattened so that no point is off by more than `deviation` drawing units; text as its
+/// box; hatches as their loops; references through their blocks (nested, arrayed, mirrored; at most 64 deep, cycles cut).
+/// Coordinates that are not finite leave the piece out.
+std::vector<Path> entityPaths(const database::Slot& entity, double deviation);
+/// Box around those pieces; empty for an entity without a drawn shape. Infinite lines give their base point only.
+Box entityExtents(const database::Slot& entity);
+/// Box around the living, visible entities of a block.
+Box blockExtents(const database::DrawingDatabase& db, const database::BlockContents& block);
+
+/// Distance from a point to the nearest piece, 0 inside a filled one; infinity for an entity without a shape.
+double distanceTo(const database::Slot& entity, Point p, double within);
+enum class Window { Inside, Crossing };
+/// True when the entity lies wholly inside the polygon, or (Crossing) also when it touches it.
+bool isInWindow(const database::Slot& entity, const std::vector<Point>& polygon, Window kind);
+/// True when the entity crosses an open line of points (a fence).
+bool crossesFence(const database::Slot& entity, const std::vector<Point>& fence);
+
+}  // namespace host::geometry

@@ -1,0 +1,28 @@
+// Predefined hatch patterns and pattern files.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Hatching/PatternFill.h"
+
+namespace host::hatching {
+
+struct Pattern {
+  std::string name;                   // capitals
+  std::string description;
+  std::vector<PatternLine> families;  // unscaled; offsets along and across the line as the file gives them
+};
+
+/// Patterns of a pattern file's text; `problems` gets one sentence per line that cannot be read, with its number.
+std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<std::string>& problems);
+/// A predefined pattern by name (without regard to case): from acad.pat, or acadiso.pat in a metric drawing, on the
+/// support path. Nothing when unknown.
+std::optional<Pattern> findPattern(std::wstring_view name, bool metric);
+/// The pattern's lines as a hatch stores them: angle f + a, base rotated by a and scaled, offset rotated by f + a and
+/// scaled, dashes scaled.
+std::vector<PatternLine> scaledPattern(const Pattern& pattern, double angleRad, double scale);
+
+}  // namespace host::hatching
