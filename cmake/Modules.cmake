@@ -25,3 +25,16 @@ function(tolmex_host_module name)
   endforeach()
   target_link_libraries(${target} PRIVATE tolmex_options ${arg_LINK})
 endfunction()
+
+# tolmex_uses_host(<target> modules...): lets a program or test include the named modules of the host and links the
+# libraries that hold them.
+function(tolmex_uses_host target)
+  target_link_libraries(${target} PRIVATE tolmexhost host_sdk tolmex_options)
+  foreach(module IN LISTS ARGN)
+    string(TOLOWER ${module} lower)
+    target_include_directories(${target} PRIVATE $<TARGET_PROPERTY:host_${lower},INTERFACE_INCLUDE_DIRECTORIES>)
+    if(module STREQUAL "Picture")
+      target_link_libraries(${target} PRIVATE tolmexpicture)
+    endif()
+  endforeach()
+endfunction()

@@ -30,6 +30,9 @@ struct ClassEntry {
 };
 /// Called from namespace-scope initialisers of the module that implements the class. Always answers true.
 bool registerClass(const ClassEntry& entry);
+const ClassEntry* classEntry(DxfType type);  // null when no module registered the type
+/// The type a class was registered for; Unknown for none.
+DxfType typeOfClass(const AcRxClass* description);
 /// The class of a type; AcDbProxyEntity / AcDbProxyObject for types no module registered.
 AcRxClass* classOf(DxfType type, bool isEntity);
 
@@ -43,14 +46,14 @@ struct HostObjectAccess {
   using Slot = host::database::Slot;
 
   static Slot* slot(const AcDbObject& object) { return object.slot_; }
+  /// Ties an object outside any database to a slot; its detached record goes.
+  static void bind(AcDbObject& object, Slot& slot);
   static DrawingDatabase* database(const AcDbObject& object);
 
   /// Makes the record of an object that is not in a database: "0 <dxf name>", for entities "100 AcDbEntity", then `own`
-  /// (tags in UTF-8, from the object's own subclass marker on; may be empty when an ObjectData writes them).
+  /// (tags in UTF-8, from the object's own subclass marker on; may be empty when an ObjectData writes them). Does nothing
+  /// while the database makes an object for a slot (ClassEntry::create), so default constructors simply call it.
   static void initDetached(AcDbObject& object, std::string_view dxfName, bool isEntity, std::string_view own = {});
-  /// For objects made by ClassEntry::create: no record of their own; the database binds them to a slot.
-  /// (Every class's default constructor makes a detached object; create functions need nothing else: binding drops the
-  /// detached record.)
 
   /// The tags as they stand (detached, changed or the file's bytes), without pending ObjectData changes.
   static host::database::TagCursor tags(const AcDbObject& object);

@@ -58,12 +58,17 @@ class Record {
   std::size_t count() const;
   /// Replaces `count` tags starting at tag number `index` by `bytes` (whole tags, in memory that outlives the record).
   void replace(std::size_t index, std::size_t count, std::string_view bytes);
+  /// Adds whole tags at the end; constant time.
+  void append(std::string_view bytes);
   void assign(std::string_view bytes) { pieces_.assign(1, bytes); }
   bool operator==(const Record& other) const { return pieces_.data() == other.pieces_.data(); }
 
  private:
   std::vector<std::string_view> pieces_;
 };
+
+/// An integer as DXF writers spell it: right-justified to 9 characters under 32-bit codes, to 6 under others.
+std::string spelledInteger(int code, std::int64_t value);
 
 /// Spells tags in the form of one drawing: its line ends and its encoding.
 class TagWriter {

@@ -39,6 +39,7 @@ enum SlotFlag : std::uint16_t {
   kPaper = 16,       // stands in the ENTITIES section for a paper layout (67 1)
   kChanged = 32,     // its record differs from the file
   kHasXData = 64,    // the record in the file has extended data
+  kNeedsHandle = 128,  // the file gives it no handle: one is written as soon as anything is saved
 };
 
 /// What exists only while an object is open, was changed or is new.

@@ -189,19 +189,9 @@ class ADESK_EXPORT AcDbDatabase : public AcRxObject {
   ACRX_DECLARE_MEMBERS(AcDbDatabase);
 
  public:
-  enum OpenMode { kForReadAndReadShare = 1, kForReadAndWriteNoShare = 2, kForReadAndAllShare = 3 };
-
   /// True: the standard tables and dictionaries, metric. False: empty, for readDwgFile.
   explicit AcDbDatabase(bool buildDefaultDrawing = true, bool noDocument = false);
   ~AcDbDatabase() override;
-
-  /// Reads a drawing into an empty database. eFileNotFound, eNotAcadFile.
-  Acad::ErrorStatus readDwgFile(const ACHAR* fileName, OpenMode mode = kForReadAndReadShare,
-                                bool allowCPConversion = false, const wchar_t* password = nullptr);
-  /// The source's model space as a block of the given name; the target's layers, linetypes and styles win.
-  /// eSelfReference when the source holds a block of that name.
-  Acad::ErrorStatus insert(AcDbObjectId& blockId, const ACHAR* blockName, AcDbDatabase* source,
-                           bool preserveSource = true);
 
   Acad::ErrorStatus getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
   Acad::ErrorStatus getLinetypeTable(AcDbLinetypeTable*& table, AcDb::OpenMode mode = AcDb::kForRead);

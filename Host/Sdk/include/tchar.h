@@ -7,6 +7,7 @@
 
 #include "adesk.h"
 
+// The names are Microsoft's. NOLINTBEGIN(bugprone-reserved-identifier)
 /// Leading number with "." as decimal mark whatever the locale; 0 without one.
 ADESK_EXPORT double _wtof(const ACHAR* text);
 /// Leading decimal integer, saturating; 0 without one.
@@ -23,3 +24,4 @@ ADESK_EXPORT std::FILE* _wfsopen(const ACHAR* name, const ACHAR* mode, int share
 /// 0 when the file exists and can be accessed in the mode (0 exists, 2 write, 4 read), -1 otherwise.
 ADESK_EXPORT int _waccess(const ACHAR* name, int mode);
 inline constexpr int _SH_DENYNO = 0x40;
+// NOLINTEND(bugprone-reserved-identifier)

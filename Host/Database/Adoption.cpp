@@ -1,0 +1,133 @@
+// How objects made outside become part of a drawing.
+#include "Database/Adoption.h"
+
+#include <algorithm>
+
+#include "Database/ObjectAccess.h"
+#include "Database/Polylines.h"
+#include "Database/ResbufTypes.h"
+#include "dbents.h"
+
+namespace host::database {
+
+namespace {
+
+/// Tags from one encoding in another; text values only are touched.
+void recode(TagCursor tags, const text::Codec& from, TagWriter& out) {
+  Tag tag;
+  while (tags.next(tag)) {
+    const ValueKind kind = valueKind(tag.code);
+    if (kind == ValueKind::Text && std::any_of(tag.value.begin(), tag.value.end(), [](char c) { return c < 0; })) {
+      out.text(tag.code, from.decode(tag.value));
+    } else {
+      out.raw(tag.code, tag.value);
+    }
+  }
+}
+
+}  // namespace
+
+void bindNew(AcDbObject& object, Slot& slot, std::string bytes) {
+  DrawingDatabase::Parts& parts = slot.database().parts();
+  parts.setRecord(slot, std::move(bytes));
+  HostObjectAccess::bind(object, slot);
+  Live& live = parts.live(slot);
+  live.object = &object;
+  live.writer = true;
+  live.isAppending = true;
+  parts.opened.push_back(&slot);
+  ++parts.openCount;
+}
+
+std::string ownTags(const AcDbObject& object, DrawingDatabase& db, bool isEntity) {
+  TagWriter out = db.tagWriter();
+  const text::Codec& from = HostObjectAccess::codec(object);
+  TagCursor tags = HostObjectAccess::tags(object);
+  Tag tag;
+  tags.next(tag);  // "0 <type>"
+  if (isEntity) tags.next(tag);  // "100 AcDbEntity"
+  recode(tags, from, out);
+  if (const ObjectData* const data = HostObjectAccess::data(object)) data->write(out);
+  return out.take();
+}
+
+namespace {
+
+/// Makes the vertices and the end of an old-style polyline as objects of their own.
+void addVertices(Slot& polyline, const OldPolyline& data, const std::string& common) {
+  DrawingDatabase& db = polyline.database();
+  DrawingDatabase::Parts& parts = db.parts();
+  Slot** link = &polyline.firstSub;
+  const auto add = [&](DxfType type, std::string_view name, const std::string& own) {
+    Slot* const sub = parts.makeSlot(type, &polyline, kEntity | kSubEntity);
+    sub->layer = polyline.layer;
+    TagWriter out = db.tagWriter();
+    out.raw(0, name).handle(5, sub->handle).handle(330, polyline.handle).raw(100, "AcDbEntity").bytes(common).bytes(own);
+    parts.setRecord(*sub, out.take());
+    *link = sub;
+    link = &sub->nextSub;
+  };
+  for (std::size_t i = 0; i < data.vertices.size(); ++i) {
+    add(data.is3d() ? DxfType::Vertex3d : DxfType::Vertex2d, "VERTEX", data.vertexTags(i, db.codec(), db.lineEnd()));
+  }
+  add(DxfType::SeqEnd, "SEQEND", {});
+}
+
+}  // namespace
+
+Acad::ErrorStatus appendEntity(Slot& blockRecord, AcDbEntity& entity) {
+  if (HostObjectAccess::slot(entity) != nullptr) return Acad::eAlreadyInDb;
+  DrawingDatabase& db = blockRecord.database();
+  DrawingDatabase::Parts& parts = db.parts();
+  entity.setDatabaseDefaults(db.facade());
+  DxfType type = typeOfClass(entity.isA());
+  if (type == DxfType::Unknown) return Acad::eWrongObjectType;
+
+  Slot* const slot = parts.makeSlot(type, &blockRecord, kEntity);
+  TagWriter head = db.tagWriter();
+  head.raw(0, fixedTypeName(type)).handle(5, slot->handle).handle(330, blockRecord.handle).raw(100, "AcDbEntity");
+  if (&blockRecord == parts.paperSpaceRecord) {
+    head.integer(67, 1);
+    slot->flags |= kPaper;
+    for (const auto& [name, block] : db.layouts()) {
+      if (block->record == &blockRecord) head.text(410, name);
+    }
+  }
+  // Layer, colour and linetype are the vertices' too.
+  const std::string own = ownTags(entity, db, true);
+  std::string common;
+  Tag tag;
+  for (TagCursor cursor{std::string_view(own)}; cursor.next(tag) && tag.code != 100;) {
+    common += tag.bytes;
+    if (tag.code == 8) slot->layer = parts.internLayer(tag.value);
+  }
+  bindNew(entity, *slot, head.bytes(own).take());
+  if (type == DxfType::Polyline2d || type == DxfType::Polyline3d) {
+    addVertices(*slot, static_cast<const OldPolyline&>(*HostObjectAccess::data(entity)), common);
+  }
+  if (ObjectData* const data = HostObjectAccess::data(entity)) data->changed = false;
+  parts.contents(&blockRecord).entities.push_back(slot);
+  return Acad::eOk;
+}
+
+void beginBlock(Slot& blockRecord, std::wstring_view name) {
+  DrawingDatabase& db = blockRecord.database();
+  DrawingDatabase::Parts& parts = db.parts();
+  BlockContents& block = parts.contents(&blockRecord);
+  block.record = &blockRecord;
+  const auto add = [&](DxfType type) {
+    Slot* const slot = parts.makeSlot(type, &blockRecord, kEntity | kSubEntity);
+    TagWriter out = db.tagWriter();
+    out.raw(0, fixedTypeName(type)).handle(5, slot->handle).handle(330, blockRecord.handle).raw(100, "AcDbEntity");
+    out.raw(8, "0").raw(100, type == DxfType::Block ? "AcDbBlockBegin" : "AcDbBlockEnd");
+    if (type == DxfType::Block) out.text(2, name).integer(70, 0).point(10, 0, 0, 0).text(3, name).raw(1, "");
+    slot->layer = parts.internLayer("0");
+    parts.setRecord(*slot, out.take());
+    return slot;
+  };
+  block.begin = add(DxfType::Block);
+  block.end = add(DxfType::EndBlk);
+  parts.blockOrder.push_back(&blockRecord);
+}
+
+}  // namespace host::database

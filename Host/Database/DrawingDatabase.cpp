@@ -1,0 +1,379 @@
+#include "Database/DrawingDatabase.h"
+
+#include <algorithm>
+
+#include "Database/ObjectAccess.h"
+#include "Database/Parts.h"
+#include "Text/Text.h"
+#include "dbsymtb.h"
+
+namespace host::database {
+
+DrawingDatabase::DrawingDatabase(AcDbDatabase* facade) : parts_(std::make_unique<Parts>(*this, facade)) {}
+
+DrawingDatabase::~DrawingDatabase() {
+  for (AcDbDatabaseReactor* const reactor : std::vector(parts_->reactors)) reactor->goodbye(facade());
+  releaseObjects();
+  parts_->slots.forEach([](Slot& slot) { delete slot.live; });
+}
+
+AcDbDatabase* DrawingDatabase::facade() const { return parts_->facade; }
+DrawingVersion DrawingDatabase::version() const { return parts_->version; }
+const text::Codec& DrawingDatabase::codec() const { return parts_->codec; }
+std::string_view DrawingDatabase::lineEnd() const { return parts_->lineEnd; }
+std::string_view DrawingDatabase::keep(std::string bytes) { return parts_->arena.keep(bytes); }
+
+// ---- layers ---------------------------------------------------------------------------------------------------------
+
+std::uint32_t DrawingDatabase::Parts::internLayer(std::string_view raw) {
+  if (const auto found = layerByRaw.find(raw); found != layerByRaw.end()) return found->second;
+  const std::wstring folded = text::folded(codec.decode(raw));
+  std::uint32_t index = 0;
+  if (const auto found = layerByFolded.find(folded); found != layerByFolded.end()) {
+    index = found->second;
+  } else {
+    index = static_cast<std::uint32_t>(layers.size());
+    layers.push_back({std::string(raw), folded, nullptr});
+    layerByFolded.emplace(folded, index);
+  }
+  layerByRaw.emplace(std::string(raw), index);
+  return index;
+}
+
+void DrawingDatabase::Parts::bindLayerRecord(Slot* record) {
+  Tag tag;
+  if (!findTag(*record, "AcDbLayerTableRecord", 2, tag) && !findTag(*record, "", 2, tag)) return;
+  LayerName& layer = layers[internLayer(tag.value)];
+  if (layer.record == nullptr || layer.record->isErased()) layer.record = record;
+}
+
+Slot* DrawingDatabase::layerRecord(std::uint32_t layerIndex) const {
+  return layerIndex < parts_->layers.size() ? parts_->layers[layerIndex].record : nullptr;
+}
+
+std::wstring DrawingDatabase::layerName(std::uint32_t layerIndex) const {
+  if (layerIndex == 0 || layerIndex >= parts_->layers.size()) return {};
+  const Parts::LayerName& layer = parts_->layers[layerIndex];
+  return layer.record != nullptr ? recordName(*layer.record) : codec().decode(layer.raw);
+}
+
+std::uint32_t DrawingDatabase::findLayer(std::wstring_view name) const {
+  const auto found = parts_->layerByFolded.find(text::folded(name));
+  return found != parts_->layerByFolded.end() ? found->second : 0;
+}
+
+// ---- slots ----------------------------------------------------------------------------------------------------------
+
+Slot* DrawingDatabase::Parts::makeSlot(DxfType type, Slot* owner, std::uint16_t flags) {
+  Slot* const slot = slots.make();
+  slot->type = type;
+  slot->owner = owner;
+  slot->flags = static_cast<std::uint16_t>(flags | kNew);
+  slot->handle = nextHandle++;
+  byHandle.push_back(slot);  // the newest handle is the highest: the order holds
+  if (inStep) {
+    Live& state = live(*slot);
+    state.journalMark = stepNumber;
+    currentStep.states.push_back({slot, static_cast<std::uint16_t>(slot->flags | kErased), 0, {}});
+  }
+  ++changes;
+  return slot;
+}
+
+void DrawingDatabase::Parts::indexHandles() {
+  byHandle.clear();
+  byHandle.reserve(slots.size());
+  slots.forEach([&](Slot& slot) {
+    if (slot.handle != 0) byHandle.push_back(&slot);
+  });
+  // Files list objects mostly by ascending handle within each section; ties keep file order, so the first one counts.
+  std::stable_sort(byHandle.begin(), byHandle.end(), [](const Slot* a, const Slot* b) { return a->handle < b->handle; });
+  if (!byHandle.empty()) nextHandle = std::max(nextHandle, byHandle.back()->handle + 1);
+}
+
+Slot* DrawingDatabase::findHandle(std::uint64_t handle) const {
+  const std::vector<Slot*>& index = parts_->byHandle;
+  const auto found = std::lower_bound(index.begin(), index.end(), handle,
+                                      [](const Slot* slot, std::uint64_t value) { return slot->handle < value; });
+  return found != index.end() && (*found)->handle == handle ? *found : nullptr;
+}
+
+void DrawingDatabase::forEachSlot(const std::function<void(Slot&)>& visit) const { parts_->slots.forEach(visit); }
+
+std::size_t DrawingDatabase::slotCount() const { return parts_->slots.size(); }
+
+Live& DrawingDatabase::Parts::live(Slot& slot) {
+  if (slot.live == nullptr) slot.live = new Live;
+  return *slot.live;
+}
+
+Record DrawingDatabase::Parts::current(const Slot& slot) const {
+  if (slot.live != nullptr && (slot.flags & (kNew | kChanged)) != 0) return slot.live->record;
+  return slot.begin != nullptr ? Record(slot.fileBytes()) : Record();
+}
+
+void DrawingDatabase::Parts::journal(Slot& slot) {
+  ++changes;
+  if (!inStep) return;
+  Live& state = live(slot);
+  if (state.journalMark == stepNumber) return;
+  state.journalMark = stepNumber;
+  currentStep.states.push_back({&slot, slot.flags, slot.layer, state.record});
+}
+
+Record& DrawingDatabase::Parts::edit(Slot& slot) {
+  journal(slot);
+  Live& state = live(slot);
+  if ((slot.flags & (kNew | kChanged)) == 0) {
+    state.record = Record(slot.fileBytes());
+    slot.flags |= kChanged;
+  }
+  state.modified = true;
+  return state.record;
+}
+
+void DrawingDatabase::Parts::setRecord(Slot& slot, std::string bytes) { edit(slot).assign(arena.keep(bytes)); }
+
+// ---- tables and blocks ----------------------------------------------------------------------------------------------
+
+Slot* DrawingDatabase::table(DxfType recordType) const {
+  const auto found = parts_->tables.find(recordType);
+  return found != parts_->tables.end() ? found->second.head : nullptr;
+}
+
+const std::vector<Slot*>& DrawingDatabase::records(DxfType recordType) const {
+  static const std::vector<Slot*> kNone;
+  const auto found = parts_->tables.find(recordType);
+  return found != parts_->tables.end() ? found->second.records : kNone;
+}
+
+std::wstring DrawingDatabase::recordName(const Slot& record) const {
+  Tag tag;
+  // The name is the first tag 2 after the record's own subclass marker; every table record has it there.
+  if (!findTagIn(record.tags(), "", 2, tag)) return {};
+  return codec().decode(tag.value);
+}
+
+Slot* DrawingDatabase::findRecord(DxfType recordType, std::wstring_view name) const {
+  const auto table = parts_->tables.find(recordType);
+  if (table == parts_->tables.end()) return nullptr;
+  const std::wstring folded = text::folded(name);
+  const auto found = table->second.byName.find(folded);
+  if (found == table->second.byName.end()) return nullptr;
+  if (!found->second->isErased()) return found->second;
+  // An erased record may hide a living one of the same name (made again, or brought back by undo).
+  for (Slot* const record : table->second.records) {
+    if (!record->isErased() && text::folded(recordName(*record)) == folded) return record;
+  }
+  return nullptr;
+}
+
+Slot* DrawingDatabase::rootDictionary() const { return parts_->root; }
+
+const BlockContents* DrawingDatabase::block(const Slot* blockRecord) const {
+  const auto found = parts_->blocks.find(blockRecord);
+  return found != parts_->blocks.end() ? &found->second : nullptr;
+}
+
+const BlockContents* DrawingDatabase::findBlock(std::wstring_view name) const {
+  const Slot* const record = findRecord(DxfType::BlockRecord, name);
+  return record != nullptr ? block(record) : nullptr;
+}
+
+const BlockContents& DrawingDatabase::modelSpace() const { return parts_->contents(parts_->modelSpaceRecord); }
+
+BlockContents& DrawingDatabase::Parts::contents(const Slot* blockRecord) {
+  BlockContents& block = blocks[blockRecord];
+  return block;
+}
+
+std::vector<std::pair<std::wstring, const BlockContents*>> DrawingDatabase::layouts() const {
+  struct Found {
+    std::int64_t tab;
+    std::wstring name;
+    const BlockContents* block;
+  };
+  std::vector<Found> found;
+  parts_->slots.forEach([&](Slot& slot) {
+    if (slot.type != DxfType::Layout || slot.isErased()) return;
+    Tag tag;
+    Found layout{0, {}, nullptr};
+    if (findTagIn(slot.tags(), "AcDbLayout", 1, tag)) layout.name = codec().decode(tag.value);
+    if (findTagIn(slot.tags(), "AcDbLayout", 71, tag)) layout.tab = tag.integer();
+    if (findTagIn(slot.tags(), "AcDbLayout", 330, tag)) layout.block = block(findHandle(tag.handle()));
+    if (layout.block != nullptr) found.push_back(std::move(layout));
+  });
+  std::stable_sort(found.begin(), found.end(), [&](const Found& a, const Found& b) {
+    const bool aModel = a.block->record == parts_->modelSpaceRecord;
+    const bool bModel = b.block->record == parts_->modelSpaceRecord;
+    return aModel != bModel ? aModel : a.tab < b.tab;
+  });
+  std::vector<std::pair<std::wstring, const BlockContents*>> result;
+  if (found.empty() || found.front().block->record != parts_->modelSpaceRecord) {
+    result.emplace_back(L"Model", &modelSpace());
+  }
+  for (Found& layout : found) result.emplace_back(std::move(layout.name), layout.block);
+  return result;
+}
+
+// ---- header ---------------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Finds the group of a variable; `index` is its tag number, or where it would have to be added (found false), or npos
+/// when the header lacks the variable.
+bool findVariable(TagCursor cursor, std::string_view name, int code, Tag& tag, std::size_t& index) {
+  bool inside = false;
+  std::size_t number = 0;
+  index = RecordLayout::npos;
+  for (; cursor.next(tag); ++number) {
+    if (tag.code == 9) {
+      if (inside) return false;
+      inside = tag.trimmed() == name;
+    } else if (inside && tag.code == code) {
+      index = number;
+      return true;
+    }
+    if (inside) index = number + 1;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::optional<std::wstring> DrawingDatabase::headerText(std::string_view name, int code) const {
+  Tag tag;
+  std::size_t index = 0;
+  if (parts_->header == nullptr || !findVariable(parts_->header->tags(), name, code, tag, index)) return std::nullopt;
+  return codec().decode(tag.value);
+}
+
+std::optional<double> DrawingDatabase::headerReal(std::string_view name, int code) const {
+  Tag tag;
+  std::size_t index = 0;
+  if (parts_->header == nullptr || !findVariable(parts_->header->tags(), name, code, tag, index)) return std::nullopt;
+  return tag.real();
+}
+
+std::optional<std::int64_t> DrawingDatabase::headerInteger(std::string_view name, int code) const {
+  Tag tag;
+  std::size_t index = 0;
+  if (parts_->header == nullptr || !findVariable(parts_->header->tags(), name, code, tag, index)) return std::nullopt;
+  return tag.integer();
+}
+
+namespace {
+
+void setVariable(DrawingDatabase& db, std::string_view name, int code, const std::string& bytes) {
+  DrawingDatabase::Parts& parts = db.parts();
+  if (parts.header == nullptr) return;
+  Tag tag;
+  std::size_t index = 0;
+  const bool found = findVariable(parts.header->tags(), name, code, tag, index);
+  if (found && tag.bytes == bytes) return;
+  Record& record = parts.edit(*parts.header);
+  if (found) {
+    record.replace(index, 1, parts.arena.keep(bytes));
+  } else if (index != RecordLayout::npos) {
+    record.replace(index, 0, parts.arena.keep(bytes));
+  } else {
+    record.append(parts.arena.keep(db.tagWriter().raw(9, name).bytes(bytes).take()));
+  }
+}
+
+}  // namespace
+
+void DrawingDatabase::setHeaderText(std::string_view name, int code, std::wstring_view value) {
+  setVariable(*this, name, code, tagWriter().text(code, value).take());
+}
+
+void DrawingDatabase::setHeaderReal(std::string_view name, int code, double value) {
+  setVariable(*this, name, code, tagWriter().real(code, value).take());
+}
+
+void DrawingDatabase::setHeaderInteger(std::string_view name, int code, std::int64_t value) {
+  setVariable(*this, name, code, tagWriter().integer(code, value).take());
+}
+
+// ---- state ----------------------------------------------------------------------------------------------------------
+
+bool DrawingDatabase::isModified() const { return parts_->changes != parts_->savedChanges; }
+void DrawingDatabase::setUnmodified() { parts_->savedChanges = parts_->changes; }
+std::uint64_t DrawingDatabase::changeCount() const { return parts_->changes; }
+const std::vector<Problem>& DrawingDatabase::problems() const { return parts_->problems; }
+
+// ---- undo -----------------------------------------------------------------------------------------------------------
+
+void DrawingDatabase::beginUndoStep(std::wstring name) {
+  endUndoStep();
+  parts_->currentStep = UndoStep{std::move(name), {}, {}};
+  parts_->inStep = true;
+  ++parts_->stepNumber;
+}
+
+void DrawingDatabase::endUndoStep() {
+  if (!parts_->inStep) return;
+  parts_->inStep = false;
+  if (parts_->currentStep.isEmpty()) return;
+  parts_->undoSteps.push_back(std::move(parts_->currentStep));
+  parts_->currentStep = {};
+  parts_->redoSteps.clear();
+}
+
+namespace {
+
+/// Swaps the states of a step with those of the drawing: the step then leads the other way.
+void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
+  for (SlotState& state : step.states) {
+    Slot& slot = *state.slot;
+    Live& live = parts.live(slot);
+    std::swap(state.flags, slot.flags);
+    std::swap(state.layer, slot.layer);
+    std::swap(state.record, live.record);
+    parts.dictionaries.erase(&slot);
+    if (slot.type == DxfType::Layer && !slot.isErased()) parts.bindLayerRecord(&slot);
+  }
+  for (auto change = step.order.rbegin(); change != step.order.rend(); ++change) {
+    SortContents& contents = parts.sortTable(*change->table);
+    const auto found = contents.keys.find(change->entity);
+    const bool hadNow = found != contents.keys.end();
+    const OrderKey keyNow = hadNow ? found->second : OrderKey{};
+    if (change->had) {
+      contents.keys[change->entity] = change->key;
+    } else if (hadNow) {
+      contents.keys.erase(found);
+    }
+    change->had = hadNow;
+    change->key = keyNow;
+    contents.changed = true;
+  }
+  std::reverse(step.order.begin(), step.order.end());
+  ++parts.changes;
+}
+
+}  // namespace
+
+std::optional<std::wstring> DrawingDatabase::undo() {
+  endUndoStep();
+  if (parts_->undoSteps.empty()) return std::nullopt;
+  releaseObjects();
+  UndoStep step = std::move(parts_->undoSteps.back());
+  parts_->undoSteps.pop_back();
+  swapStep(*parts_, step);
+  std::wstring name = step.name;
+  parts_->redoSteps.push_back(std::move(step));
+  return name;
+}
+
+std::optional<std::wstring> DrawingDatabase::redo() {
+  if (parts_->redoSteps.empty()) return std::nullopt;
+  releaseObjects();
+  UndoStep step = std::move(parts_->redoSteps.back());
+  parts_->redoSteps.pop_back();
+  swapStep(*parts_, step);
+  std::wstring name = step.name;
+  parts_->undoSteps.push_back(std::move(step));
+  return name;
+}
+
+}  // namespace host::database

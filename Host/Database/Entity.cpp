@@ -1,0 +1,232 @@
+// What all entities share: layer, colour, linetype, and becoming part of a drawing.
+#include <string>
+
+#include "Database/ObjectAccess.h"
+#include "Database/Palette.h"
+#include "Database/Parts.h"
+#include "Text/Text.h"
+#include "acutmem.h"
+#include "dbapserv.h"
+#include "dbents.h"
+#include "dbmain.h"
+#include "dbsymtb.h"
+
+using host::database::DrawingDatabase;
+using host::database::DxfType;
+using host::database::Slot;
+using host::database::Tag;
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbEntity, AcDbObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbProxyEntity, AcDbEntity)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbCurve, AcDbEntity)
+
+namespace {
+
+constexpr std::string_view kEntity = "AcDbEntity";
+constexpr std::uint16_t kColorNone = AcCmEntityColor::kACInone;
+constexpr std::uint16_t kColorByLayer = AcCmEntityColor::kACIbyLayer;
+
+/// Database that names of a detached entity are looked up in: that of the drawing being worked on.
+DrawingDatabase* databaseFor(const AcDbObject& object) {
+  if (DrawingDatabase* const own = HostObjectAccess::database(object)) return own;
+  AcDbDatabase* const working = acdbHostApplicationServices()->workingDatabase();
+  return working != nullptr ? &working->hostDatabase() : nullptr;
+}
+
+/// The name of a record in the encoding of the entity's own record.
+std::string nameFor(const AcDbObject& entity, const Slot& record) {
+  return HostObjectAccess::codec(entity).encode(record.database().recordName(record));
+}
+
+/// Sets a name (tag 8 or 6) on an entity and, when asked, on its vertices.
+void setName(AcDbEntity& entity, int code, const std::string& name, bool doSubents) {
+  HostObjectAccess::setTag(entity, kEntity, code, name);
+  Slot* const slot = HostObjectAccess::slot(entity);
+  if (slot == nullptr || !doSubents || slot->type == DxfType::Insert) return;
+  DrawingDatabase::Parts& parts = slot->database().parts();
+  for (Slot* sub = slot->firstSub; sub != nullptr; sub = sub->nextSub) {
+    if (!sub->isErased()) parts.setTag(*sub, kEntity, code, name);
+  }
+}
+
+}  // namespace
+
+AcDbObjectId AcDbEntity::layerId() const {
+  DrawingDatabase* const db = databaseFor(*this);
+  if (db == nullptr) return AcDbObjectId::kNull;
+  if (slot_ != nullptr) return AcDbObjectId(db->layerRecord(slot_->layer));
+  Tag tag;
+  if (!HostObjectAccess::findTag(*this, kEntity, 8, tag)) return AcDbObjectId::kNull;
+  return AcDbObjectId(db->findRecord(DxfType::Layer, HostObjectAccess::codec(*this).decode(tag.value)));
+}
+
+ACHAR* AcDbEntity::layer() const {
+  std::wstring name;
+  if (slot_ != nullptr) {
+    name = slot_->database().layerName(slot_->layer);
+  } else if (Tag tag; HostObjectAccess::findTag(*this, kEntity, 8, tag)) {
+    name = HostObjectAccess::codec(*this).decode(tag.value);
+  }
+  ACHAR* copy = nullptr;
+  acutNewString(name.c_str(), copy);
+  return copy;
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(const ACHAR* name, Adesk::Boolean doSubents, bool allowHidden) {
+  if (name == nullptr) return Acad::eInvalidInput;
+  DrawingDatabase* const db = databaseFor(*this);
+  if (db == nullptr) return Acad::eNoDatabase;
+  Slot* const record = db->findRecord(DxfType::Layer, name);
+  if (record == nullptr) {
+    const auto& table = db->parts().tables;
+    const auto found = table.find(DxfType::Layer);
+    const bool wasErased = found != table.end() && found->second.byName.count(host::text::folded(name)) > 0;
+    return wasErased ? Acad::eDeletedEntry : Acad::eKeyNotFound;
+  }
+  return setLayer(AcDbObjectId(record), doSubents, allowHidden);
+}
+
+Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, Adesk::Boolean doSubents, bool) {
+  if (layer.isNull()) return Acad::eNullObjectId;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  Slot& record = *layer.slot();
+  if (record.type != DxfType::Layer) return Acad::eWrongObjectType;
+  if (record.isErased()) return Acad::eDeletedEntry;
+  // The host opens the layer for read to look at it.
+  if (record.live != nullptr && record.live->writer) return Acad::eWasOpenForWrite;
+  if (slot_ != nullptr && &record.database() != &slot_->database()) return Acad::eWrongObjectType;
+  setName(*this, 8, nameFor(*this, record), doSubents);
+  if (slot_ != nullptr) {
+    Tag tag;
+    DrawingDatabase::Parts& parts = slot_->database().parts();
+    if (!HostObjectAccess::findTag(*this, kEntity, 8, tag)) return Acad::eOk;
+    slot_->layer = parts.internLayer(tag.value);
+    if (doSubents) {
+      for (Slot* sub = slot_->firstSub; sub != nullptr; sub = sub->nextSub) {
+        if (slot_->type != DxfType::Insert) sub->layer = slot_->layer;
+      }
+    }
+  }
+  return Acad::eOk;
+}
+
+Adesk::UInt16 AcDbEntity::colorIndex() const {
+  Tag tag;
+  if (HostObjectAccess::findTag(*this, kEntity, 62, tag)) return static_cast<Adesk::UInt16>(tag.integer());
+  return slot_ != nullptr ? kColorByLayer : kColorNone;
+}
+
+Acad::ErrorStatus AcDbEntity::setColorIndex(Adesk::UInt16 index, Adesk::Boolean) {
+  AcCmColor value;
+  if (value.setColorIndex(index) != Acad::eOk) return Acad::eBadColorIndex;
+  return setColor(value);
+}
+
+AcCmColor AcDbEntity::color() const {
+  AcCmColor value;
+  Tag tag;
+  if (HostObjectAccess::findTag(*this, kEntity, 420, tag)) {
+    const std::int64_t rgb = tag.integer();
+    value.setRGB(static_cast<Adesk::UInt8>(rgb >> 16), static_cast<Adesk::UInt8>(rgb >> 8),
+                 static_cast<Adesk::UInt8>(rgb));
+  } else if (HostObjectAccess::findTag(*this, kEntity, 62, tag)) {
+    value.setColorIndex(static_cast<Adesk::UInt16>(tag.integer()));
+  }
+  return value;
+}
+
+Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& color, bool, AcDbDatabase*) {
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  HostObjectAccess::removeTag(*this, kEntity, 430);
+  if (color.isByColor()) {
+    HostObjectAccess::setTag(*this, kEntity, 420,
+                             std::to_string((color.red() << 16) | (color.green() << 8) | color.blue()));
+  } else {
+    HostObjectAccess::removeTag(*this, kEntity, 420);
+  }
+  // In a drawing an entity without the tag is by layer; a detached one has not been given a colour yet.
+  if (slot_ != nullptr && color.isByLayer()) {
+    HostObjectAccess::removeTag(*this, kEntity, 62);
+  } else {
+    HostObjectAccess::setTag(*this, kEntity, 62, host::database::spelledInteger(62, color.colorIndex()));
+  }
+  return Acad::eOk;
+}
+
+AcDbObjectId AcDbEntity::linetypeId() const {
+  DrawingDatabase* const db = databaseFor(*this);
+  if (db == nullptr) return AcDbObjectId::kNull;
+  Tag tag;
+  if (HostObjectAccess::findTag(*this, kEntity, 6, tag)) {
+    return AcDbObjectId(db->findRecord(DxfType::LineType, HostObjectAccess::codec(*this).decode(tag.value)));
+  }
+  return slot_ != nullptr ? AcDbObjectId(db->findRecord(DxfType::LineType, L"ByLayer")) : AcDbObjectId::kNull;
+}
+
+Acad::ErrorStatus AcDbEntity::setLinetype(const ACHAR* name, Adesk::Boolean doSubents) {
+  DrawingDatabase* const db = databaseFor(*this);
+  if (db == nullptr) return Acad::eNoDatabase;
+  Slot* const record = name != nullptr ? db->findRecord(DxfType::LineType, name) : nullptr;
+  return record != nullptr ? setLinetype(AcDbObjectId(record), doSubents) : Acad::eKeyNotFound;
+}
+
+Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetype, Adesk::Boolean doSubents) {
+  if (linetype.isNull()) return Acad::eNullObjectId;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (linetype.slot()->type != DxfType::LineType) return Acad::eWrongObjectType;
+  if (linetype.isErased()) return Acad::eDeletedEntry;
+  setName(*this, 6, nameFor(*this, *linetype.slot()), doSubents);
+  return Acad::eOk;
+}
+
+void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db) {
+  if (slot_ != nullptr) return;  // a resident entity has got its own long ago
+  if (db == nullptr) db = acdbHostApplicationServices()->workingDatabase();
+  if (db == nullptr) return;
+  const DrawingDatabase& drawing = db->hostDatabase();
+  Tag tag;
+  const auto setText = [&](int code, const std::wstring& value) {
+    HostObjectAccess::setTag(*this, kEntity, code, HostObjectAccess::codec(*this).encode(value));
+  };
+  if (!HostObjectAccess::findTag(*this, kEntity, 8, tag)) {
+    setText(8, drawing.headerText("$CLAYER", 8).value_or(L"0"));
+  }
+  if (!HostObjectAccess::findTag(*this, kEntity, 6, tag)) {
+    const std::wstring linetype = drawing.headerText("$CELTYPE", 6).value_or(L"ByLayer");
+    if (!host::text::equalFolded(linetype, L"ByLayer")) setText(6, linetype);
+  }
+  if (!HostObjectAccess::findTag(*this, kEntity, 62, tag)) {
+    const std::int64_t color = drawing.headerInteger("$CECOLOR", 62).value_or(kColorByLayer);
+    if (color != kColorByLayer) setText(62, std::to_wstring(color));
+  } else if (tag.integer() == kColorByLayer) {
+    HostObjectAccess::removeTag(*this, kEntity, 62);  // by layer is what no tag means from now on
+  }
+  if (!HostObjectAccess::findTag(*this, kEntity, 370, tag)) {
+    const std::int64_t weight = drawing.headerInteger("$CELWEIGHT", 370).value_or(-1);
+    if (weight != -1) setText(370, std::to_wstring(weight));
+  }
+  if (!HostObjectAccess::findTag(*this, kEntity, 48, tag)) {
+    const double scale = drawing.headerReal("$CELTSCALE", 40).value_or(1.0);
+    if (scale != 1.0 && scale > 0) setText(48, host::text::fromUtf8(host::text::formatReal(scale)));
+  }
+}
+
+Acad::ErrorStatus AcDbEntity::highlight() const { return isReadEnabled() ? Acad::eOk : Acad::eNotOpenForRead; }
+Acad::ErrorStatus AcDbEntity::unhighlight() const { return highlight(); }
+
+// ---- colours --------------------------------------------------------------------------------------------------------
+
+Acad::ErrorStatus AcCmColor::setColorIndex(Adesk::UInt16 index) {
+  if (index > AcCmEntityColor::kACIbyLayer) return Acad::eBadColorIndex;
+  index_ = index;
+  hasRgb_ = false;
+  rgb_ = 0;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcCmColor::setRGB(Adesk::UInt8 red, Adesk::UInt8 green, Adesk::UInt8 blue) {
+  hasRgb_ = true;
+  rgb_ = static_cast<Adesk::UInt32>((red << 16) | (green << 8) | blue);
+  index_ = static_cast<Adesk::UInt16>(host::database::nearestColorIndex(rgb_));
+  return Acad::eOk;
+}

@@ -1,0 +1,503 @@
+// Opening, closing and the life of objects.
+#include <algorithm>
+
+#include "Database/ObjectAccess.h"
+#include "Database/Parts.h"
+#include "Text/Text.h"
+#include "dbdict.h"
+#include "dbmain.h"
+#include "dbsymtb.h"
+
+using host::database::classEntry;
+using host::database::classOf;
+using host::database::ClassEntry;
+using host::database::createTable;
+using host::database::DrawingDatabase;
+using host::database::DxfType;
+using host::database::Live;
+using host::database::ObjectData;
+using host::database::Record;
+using host::database::RecordLayout;
+using host::database::Slot;
+using host::database::Tag;
+using host::database::TagCursor;
+using host::database::TagWriter;
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbObject, AcGiDrawable)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbProxyObject, AcDbObject)
+
+namespace {
+
+constexpr int kMostReaders = 256;
+
+/// The record of an object outside any database, with the memory its pieces point to.
+struct DetachedRecord : Record {
+  host::database::Arena arena{512};
+};
+
+/// Set while an object is made for a slot: its constructor then makes no record of its own.
+thread_local bool isBinding = false;
+
+const host::text::Codec& utf8() {
+  static const host::text::Codec codec;
+  return codec;
+}
+
+}  // namespace
+
+// ---- the way in -----------------------------------------------------------------------------------------------------
+
+DrawingDatabase* HostObjectAccess::database(const AcDbObject& object) {
+  return object.slot_ != nullptr ? &object.slot_->database() : nullptr;
+}
+
+void HostObjectAccess::initDetached(AcDbObject& object, std::string_view dxfName, bool isEntity, std::string_view own) {
+  if (isBinding) return;
+  auto* const record = new DetachedRecord;
+  TagWriter writer(utf8());
+  writer.raw(0, dxfName);
+  if (isEntity) writer.raw(100, "AcDbEntity");
+  writer.bytes(own);
+  record->assign(record->arena.keep(writer.str()));
+  delete static_cast<DetachedRecord*>(object.detached_);
+  object.detached_ = record;
+}
+
+void HostObjectAccess::bind(AcDbObject& object, Slot& slot) {
+  object.slot_ = &slot;
+  delete static_cast<DetachedRecord*>(object.detached_);
+  object.detached_ = nullptr;
+}
+
+TagCursor HostObjectAccess::tags(const AcDbObject& object) {
+  if (object.slot_ != nullptr) return object.slot_->tags();
+  return object.detached_ != nullptr ? object.detached_->tags() : TagCursor();
+}
+
+const host::text::Codec& HostObjectAccess::codec(const AcDbObject& object) {
+  return object.slot_ != nullptr ? object.slot_->database().codec() : utf8();
+}
+
+bool HostObjectAccess::canWrite(const AcDbObject& object) {
+  if (object.slot_ == nullptr) return object.detached_ != nullptr;
+  return object.slot_->live != nullptr && object.slot_->live->writer;
+}
+
+Record& HostObjectAccess::editRecord(AcDbObject& object) {
+  return object.slot_ != nullptr ? object.slot_->database().parts().edit(*object.slot_) : *object.detached_;
+}
+
+std::string_view HostObjectAccess::keep(const AcDbObject& object, std::string bytes) {
+  if (object.slot_ != nullptr) return object.slot_->database().keep(std::move(bytes));
+  return static_cast<DetachedRecord*>(object.detached_)->arena.keep(bytes);
+}
+
+TagWriter HostObjectAccess::tagWriter(const AcDbObject& object) {
+  return object.slot_ != nullptr ? object.slot_->database().tagWriter() : TagWriter(utf8());
+}
+
+bool HostObjectAccess::findTag(const AcDbObject& object, std::string_view subclass, int code, Tag& tag) {
+  return host::database::findTagIn(tags(object), subclass, code, tag);
+}
+
+void HostObjectAccess::setTag(AcDbObject& object, std::string_view subclass, int code, std::string_view value) {
+  const std::string bytes = tagWriter(object).raw(code, value).take();
+  host::database::setTagIn(editRecord(object), subclass, code, keep(object, bytes));
+}
+
+void HostObjectAccess::removeTag(AcDbObject& object, std::string_view subclass, int code) {
+  Tag tag;
+  if (findTag(object, subclass, code, tag)) host::database::removeTagIn(editRecord(object), subclass, code);
+}
+
+void HostObjectAccess::setData(const AcDbObject& object, ObjectData* data) {
+  delete object.data_;
+  object.data_ = data;
+}
+
+// ---- objects --------------------------------------------------------------------------------------------------------
+
+AcDbObject::AcDbObject() = default;
+
+AcDbObject::~AcDbObject() {
+  delete data_;
+  delete static_cast<DetachedRecord*>(detached_);
+}
+
+AcDbObjectId AcDbObject::objectId() const { return AcDbObjectId(slot_); }
+
+AcDbObjectId AcDbObject::ownerId() const { return AcDbObjectId(slot_ != nullptr ? slot_->owner : nullptr); }
+
+AcDbDatabase* AcDbObject::database() const { return slot_ != nullptr ? slot_->database().facade() : nullptr; }
+
+void AcDbObject::getAcDbHandle(AcDbHandle& handle) const {
+  handle = AcDbHandle(slot_ != nullptr ? slot_->handle : 0);
+}
+
+Adesk::Boolean AcDbObject::isErased() const { return slot_ != nullptr && slot_->isErased(); }
+
+Adesk::Boolean AcDbObject::isReadEnabled() const {
+  return slot_ == nullptr || (slot_->live != nullptr && (slot_->live->writer || slot_->live->readers > 0));
+}
+
+Adesk::Boolean AcDbObject::isWriteEnabled() const { return HostObjectAccess::canWrite(*this); }
+
+Adesk::Boolean AcDbObject::isNewObject() const {
+  return slot_ == nullptr || (slot_->live != nullptr && slot_->live->isAppending);
+}
+
+Adesk::Boolean AcDbObject::isModified() const {
+  return slot_ != nullptr && slot_->live != nullptr && slot_->live->modified;
+}
+
+Acad::ErrorStatus AcDbObject::close() {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  return slot_->database().parts().closeObject(*this);
+}
+
+Acad::ErrorStatus AcDbObject::upgradeOpen() {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  Live* const live = slot_->live;
+  if (live != nullptr && live->writer) return Acad::eWasOpenForWrite;
+  if (live == nullptr || live->readers == 0) return Acad::eNotOpenForRead;
+  if (live->readers > 1) return Acad::eHadMultipleReaders;
+  if (slot_->isErased()) return Acad::eWasErased;
+  if (slot_->isEntity()) {
+    const Slot* const layer = slot_->database().layerRecord(slot_->layer);
+    Tag tag;
+    if (layer != nullptr && host::database::findTagIn(layer->tags(), "", 70, tag) && (tag.integer() & 4) != 0) {
+      return Acad::eOnLockedLayer;
+    }
+  }
+  live->readers = 0;
+  live->writer = true;
+  live->modified = false;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::downgradeOpen() {
+  if (!HostObjectAccess::canWrite(*this) || slot_ == nullptr) return Acad::eNotOpenForWrite;
+  DrawingDatabase& db = slot_->database();
+  const Slot* const slot = slot_;
+  const Acad::ErrorStatus status = db.parts().closeObject(*this);
+  if (status != Acad::eOk) return status;
+  slot->live->readers = 1;
+  ++db.parts().openCount;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (slot_->isErased() == erasing) return erasing ? Acad::eWasErased : Acad::eOk;
+  slot_->database().parts().eraseSlot(*slot_, erasing);
+  for (AcDbDatabaseReactor* const reactor : std::vector(slot_->database().parts().reactors)) {
+    reactor->objectErased(database(), this, erasing);
+  }
+  return Acad::eOk;
+}
+
+namespace {
+
+/// The group "102 {name ... 102 }" of a record: its tag numbers, npos when there is none.
+std::pair<std::size_t, std::size_t> controlGroup(const Record& record, bool reactors) {
+  const RecordLayout layout = host::database::layoutOf(record);
+  return reactors ? std::pair(layout.reactorsBegin, layout.reactorsEnd)
+                  : std::pair(layout.dictionaryBegin, layout.dictionaryEnd);
+}
+
+/// Handles in a control group.
+std::vector<std::uint64_t> handlesIn(TagCursor cursor, std::string_view group) {
+  std::vector<std::uint64_t> handles;
+  bool inside = false;
+  Tag tag;
+  while (cursor.next(tag)) {
+    if (tag.code >= 1000) break;
+    if (tag.code == 102) {
+      inside = tag.trimmed() == group;
+    } else if (inside && (tag.code == 330 || tag.code == 360)) {
+      handles.push_back(tag.handle());
+    }
+  }
+  return handles;
+}
+
+/// Where a control group belongs: behind the handle, or in front when there is none.
+std::size_t controlGroupPlace(const Record& record) {
+  const RecordLayout layout = host::database::layoutOf(record);
+  return layout.handle != RecordLayout::npos ? layout.handle + 1 : 1;
+}
+
+}  // namespace
+
+AcDbObjectId AcDbObject::extensionDictionary() const {
+  if (slot_ == nullptr) return AcDbObjectId::kNull;
+  const std::vector<std::uint64_t> handles = handlesIn(slot_->tags(), "{ACAD_XDICTIONARY");
+  Slot* const found = handles.empty() ? nullptr : slot_->database().findHandle(handles.front());
+  return AcDbObjectId(found != nullptr && !found->isErased() ? found : nullptr);
+}
+
+Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (!extensionDictionary().isNull()) return Acad::eAlreadyInDb;
+  DrawingDatabase& db = slot_->database();
+  Slot* const dictionary = db.parts().makeSlot(host::database::DxfType::Dictionary, slot_, 0);
+  db.parts().setRecord(*dictionary, db.tagWriter()
+                                        .raw(0, "DICTIONARY")
+                                        .handle(5, dictionary->handle)
+                                        .handle(330, slot_->handle)
+                                        .raw(100, "AcDbDictionary")
+                                        .integer(280, 1)
+                                        .integer(281, 1)
+                                        .take());
+  Record& record = HostObjectAccess::editRecord(*this);
+  const auto [begin, end] = controlGroup(record, false);
+  const std::string group =
+      db.tagWriter().raw(102, "{ACAD_XDICTIONARY").handle(360, dictionary->handle).raw(102, "}").take();
+  if (begin != RecordLayout::npos && end != RecordLayout::npos) {
+    record.replace(begin, end - begin, db.keep(group));  // the old group names a dictionary that is gone
+  } else {
+    record.replace(controlGroupPlace(record), 0, db.keep(group));
+  }
+  return Acad::eOk;
+}
+
+bool AcDbObject::hasPersistentReactor(AcDbObjectId reactor) const {
+  if (slot_ == nullptr || reactor.isNull()) return false;
+  const std::vector<std::uint64_t> handles = handlesIn(slot_->tags(), "{ACAD_REACTORS");
+  return std::find(handles.begin(), handles.end(), reactor.slot()->handle) != handles.end();
+}
+
+Acad::ErrorStatus AcDbObject::addPersistentReactor(AcDbObjectId reactor) {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  if (reactor.isNull()) return Acad::eNullObjectId;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (hasPersistentReactor(reactor)) return Acad::eOk;
+  DrawingDatabase& db = slot_->database();
+  Record& record = HostObjectAccess::editRecord(*this);
+  const auto [begin, end] = controlGroup(record, true);
+  const std::string entry = db.tagWriter().handle(330, reactor.slot()->handle).take();
+  if (begin != RecordLayout::npos && end != RecordLayout::npos) {
+    record.replace(end - 1, 0, db.keep(entry));
+  } else {
+    record.replace(controlGroupPlace(record), 0,
+                   db.keep(db.tagWriter().raw(102, "{ACAD_REACTORS").bytes(entry).raw(102, "}").take()));
+  }
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::removePersistentReactor(AcDbObjectId reactor) {
+  if (slot_ == nullptr || reactor.isNull()) return Acad::eNullObjectId;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (!hasPersistentReactor(reactor)) return Acad::eKeyNotFound;
+  Record& record = HostObjectAccess::editRecord(*this);
+  const auto [begin, end] = controlGroup(record, true);
+  if (begin == RecordLayout::npos || end == RecordLayout::npos) return Acad::eKeyNotFound;
+  if (end - begin <= 3) {  // the only one: the whole group goes
+    record.replace(begin, end - begin, {});
+    return Acad::eOk;
+  }
+  std::size_t index = 0;
+  Tag tag;
+  for (TagCursor cursor = record.tags(); cursor.next(tag); ++index) {
+    if (index > begin && index < end && tag.code == 330 && tag.handle() == reactor.slot()->handle) {
+      record.replace(index, 1, {});
+      return Acad::eOk;
+    }
+  }
+  return Acad::eKeyNotFound;
+}
+
+// ---- opening and closing --------------------------------------------------------------------------------------------
+
+DxfType DrawingDatabase::Parts::tableRecordType(const Slot& head) const {
+  for (const auto& [type, table] : tables) {
+    if (table.head == &head) return type;
+  }
+  return DxfType::Unknown;
+}
+
+AcDbObject* DrawingDatabase::Parts::objectFor(Slot& slot) {
+  Live& state = live(slot);
+  if (state.object == nullptr) {
+    const ClassEntry* const entry = classEntry(slot.type);
+    AcDbObject* object = nullptr;
+    isBinding = true;
+    if (slot.type == DxfType::TableHead) {
+      object = createTable(tableRecordType(slot));
+      if (object == nullptr) object = new AcDbProxyObject;
+    } else if (entry != nullptr) {
+      object = entry->create();
+    } else if (slot.isEntity()) {
+      object = new AcDbProxyEntity;
+    } else {
+      object = new AcDbProxyObject;
+    }
+    isBinding = false;
+    HostObjectAccess::setData(*object, nullptr);
+    object->slot_ = &slot;
+    state.object = object;
+    opened.push_back(&slot);
+  }
+  return state.object;
+}
+
+Acad::ErrorStatus DrawingDatabase::open(AcDbObject*& object, Slot* slot, AcDb::OpenMode mode, bool openErased) {
+  if (slot == nullptr) return Acad::eNullObjectId;
+  if (slot->isErased() && !openErased) return Acad::eWasErased;
+  if (slot->live != nullptr && slot->live->writer) return Acad::eWasOpenForWrite;
+  if (mode == AcDb::kForWrite) {
+    if (slot->live != nullptr && slot->live->readers > 0) return Acad::eWasOpenForRead;
+    if (slot->isEntity()) {
+      const Slot* const layer = layerRecord(slot->layer);
+      Tag tag;
+      if (layer != nullptr && findTagIn(layer->tags(), "", 70, tag) && (tag.integer() & 4) != 0) {
+        return Acad::eOnLockedLayer;
+      }
+    }
+    AcDbObject* const made = parts_->objectFor(*slot);
+    slot->live->writer = true;
+    slot->live->modified = false;
+    object = made;
+  } else {
+    if (slot->live != nullptr && slot->live->readers >= kMostReaders) return Acad::eAtMaxReaders;
+    AcDbObject* const made = parts_->objectFor(*slot);
+    ++slot->live->readers;
+    object = made;
+  }
+  ++parts_->openCount;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
+  Slot& slot = *object.slot_;
+  Live* const state = slot.live;
+  if (state == nullptr || state->object != &object || (!state->writer && state->readers == 0)) {
+    return Acad::eNotOpenForRead;
+  }
+  --openCount;
+  if (!state->writer) {
+    if (--state->readers == 0) HostObjectAccess::setData(object, nullptr);
+    return Acad::eOk;
+  }
+  if (object.data_ != nullptr && object.data_->changed) {
+    Record& record = edit(slot);
+    TagWriter writer = self.tagWriter();
+    object.data_->write(writer);
+    const RecordLayout layout = layoutOf(record);
+    const std::size_t begin = slot.isEntity() ? layout.secondSubclass : layout.firstSubclass;
+    const std::size_t from = begin != RecordLayout::npos ? begin : layout.xdata;
+    record.replace(from, layout.xdata - from, arena.keep(writer.str()));
+  }
+  HostObjectAccess::setData(object, nullptr);
+  const bool appended = state->isAppending;
+  const bool modified = state->modified;
+  state->writer = false;
+  state->isAppending = false;
+  state->modified = false;
+  if (!reactors.empty() && (appended || modified)) {
+    for (AcDbDatabaseReactor* const reactor : std::vector(reactors)) {
+      if (appended) {
+        reactor->objectAppended(facade, &object);
+      } else {
+        reactor->objectModified(facade, &object);
+      }
+    }
+  }
+  return Acad::eOk;
+}
+
+void DrawingDatabase::Parts::eraseSlot(Slot& slot, bool erasing) {
+  journal(slot);
+  const auto mark = [&](Slot& target) {
+    journal(target);
+    if (erasing) {
+      target.flags |= kErased;
+    } else {
+      target.flags = static_cast<std::uint16_t>(target.flags & ~kErased);
+    }
+  };
+  mark(slot);
+  for (Slot* sub = slot.firstSub; sub != nullptr; sub = sub->nextSub) mark(*sub);
+  // A dictionary forgets an erased object; its entry comes back with undo, as the dictionary's record does.
+  if (slot.owner != nullptr && erasing &&
+      (slot.owner->type == DxfType::Dictionary || slot.owner->type == DxfType::DictionaryWithDefault)) {
+    DictionaryContents& contents = dictionary(*slot.owner);
+    const auto found = contents.byObject.find(&slot);
+    if (found != contents.byObject.end()) removeDictionaryEntry(*slot.owner, found->second);
+  }
+  if (live(slot).object != nullptr) live(slot).modified = true;
+}
+
+int DrawingDatabase::releaseObjects() {
+  int stillOpen = 0;
+  std::vector<Slot*> slots;
+  slots.swap(parts_->opened);
+  for (Slot* const slot : slots) {
+    Live* const live = slot->live;
+    if (live == nullptr || live->object == nullptr) continue;
+    if (live->writer || live->readers > 0) {
+      ++stillOpen;
+      while (parts_->closeObject(*live->object) == Acad::eOk) {
+      }
+    }
+    delete live->object;
+    live->object = nullptr;
+    if ((slot->flags & (kNew | kChanged)) == 0) {
+      slot->live = nullptr;
+      delete live;
+    }
+  }
+  parts_->openCount = 0;
+  return stillOpen;
+}
+
+Acad::ErrorStatus acdbOpenAcDbObject(AcDbObject*& object, AcDbObjectId id, AcDb::OpenMode mode, bool openErased) {
+  if (id.isNull()) return Acad::eNullObjectId;
+  return id.slot()->database().open(object, id.slot(), mode, openErased);
+}
+
+Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& entity, AcDbObjectId id, AcDb::OpenMode mode, bool openErased) {
+  if (id.isNull()) return Acad::eNullObjectId;
+  if (!id.slot()->isEntity()) return Acad::eNotAnEntity;
+  AcDbObject* object = nullptr;
+  const Acad::ErrorStatus status = acdbOpenAcDbObject(object, id, mode, openErased);
+  if (status == Acad::eOk) entity = static_cast<AcDbEntity*>(object);
+  return status;
+}
+
+// ---- ids and handles ------------------------------------------------------------------------------------------------
+
+bool AcDbObjectId::isErased() const { return slot_ == nullptr || slot_->isErased(); }
+AcDbHandle AcDbObjectId::handle() const { return AcDbHandle(slot_ != nullptr ? slot_->handle : 0); }
+AcDbDatabase* AcDbObjectId::database() const { return slot_ != nullptr ? slot_->database().facade() : nullptr; }
+AcRxClass* AcDbObjectId::objectClass() const {
+  return slot_ != nullptr ? classOf(slot_->type, slot_->isEntity()) : nullptr;
+}
+
+AcDbHandle::AcDbHandle(const ACHAR* text) {
+  if (text == nullptr) return;
+  value_ = host::text::parseHandle(host::text::toUtf8(text));
+}
+
+bool AcDbHandle::getIntoAsciiBuffer(ACHAR* buffer, std::size_t size) const {
+  const std::string text = host::text::formatHandle(value_);
+  if (buffer == nullptr || size <= text.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) buffer[i] = static_cast<ACHAR>(text[i]);
+  buffer[text.size()] = 0;
+  return true;
+}
+
+Acad::ErrorStatus acdbGetObjectId(AcDbObjectId& id, const ads_name name) {
+  if (ads_name_nil(name)) return Acad::eInvalidInput;
+  id = AcDbObjectId(reinterpret_cast<Slot*>(name[0]));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus acdbGetAdsName(ads_name& name, AcDbObjectId id) {
+  if (id.isNull()) return Acad::eNullObjectId;
+  name[0] = id.asOldId();
+  name[1] = 0;
+  return Acad::eOk;
+}

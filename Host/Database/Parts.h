@@ -1,0 +1,244 @@
+// The inside of a drawing database, shared by the loader, the saver and the object classes.
+#pragma once
+
+#include <array>
+#include <list>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+
+namespace host::database {
+
+/// Slots in blocks whose addresses tell their database: the head of each block holds it.
+class SlotPool {
+ public:
+  explicit SlotPool(DrawingDatabase* database) : database_(database) {}
+  SlotPool(const SlotPool&) = delete;
+  SlotPool& operator=(const SlotPool&) = delete;
+  ~SlotPool();
+
+  Slot* make();
+  std::size_t size() const { return count_; }
+  static DrawingDatabase& databaseOf(const Slot* slot);
+
+  template <class Visit>
+  void forEach(Visit&& visit) const {
+    std::size_t left = count_;
+    for (char* const block : blocks_) {
+      Slot* const slots = firstSlot(block);
+      const std::size_t here = std::min(left, kSlotsPerBlock);
+      for (std::size_t i = 0; i < here; ++i) visit(slots[i]);
+      left -= here;
+    }
+  }
+
+ private:
+  static constexpr std::size_t kBlockBytes = 65536;
+  static constexpr std::size_t kHeadBytes = 64;
+  static constexpr std::size_t kSlotsPerBlock = (kBlockBytes - kHeadBytes) / sizeof(Slot);
+  static Slot* firstSlot(char* block) { return reinterpret_cast<Slot*>(block + kHeadBytes); }
+
+  DrawingDatabase* database_;
+  std::vector<char*> blocks_;
+  std::size_t count_ = 0;
+};
+
+/// Bytes that live as long as the drawing.
+class Arena {
+ public:
+  explicit Arena(std::size_t chunkBytes = std::size_t{1} << 18) : chunkBytes_(chunkBytes) {}
+  std::string_view keep(std::string_view bytes);
+  std::size_t used() const { return used_; }
+
+ private:
+  std::vector<std::unique_ptr<char[]>> chunks_;
+  std::size_t chunkBytes_;
+  char* next_ = nullptr;
+  std::size_t left_ = 0;
+  std::size_t used_ = 0;
+};
+
+/// Position in the draw order of a block: entities are drawn by ascending key. An entity that nobody moved has its own
+/// handle; one moved to the top has the highest handle of that moment and a count that grows with every move.
+struct OrderKey {
+  std::uint64_t handle = 0;
+  std::int64_t move = 0;
+  auto operator<=>(const OrderKey&) const = default;
+};
+
+/// Parsed contents of a dictionary; its record is kept in step with every change.
+struct DictionaryContents {
+  struct Entry {
+    std::wstring key;
+    Slot* object = nullptr;
+  };
+  std::vector<Entry> entries;  // file order; removed ones have no object
+  std::unordered_map<std::wstring, std::size_t> byKey;  // folded key -> index
+  std::unordered_map<const Slot*, std::size_t> byObject;
+  std::uint64_t nextAnonymous = 1;
+  void add(std::wstring key, Slot* object);
+};
+
+/// Parsed contents of a sort-entities table; written back when the drawing is saved.
+struct SortContents {
+  Slot* block = nullptr;
+  std::unordered_map<const Slot*, OrderKey> keys;
+  std::int64_t moves = 0;   // counts moves to the top
+  std::int64_t sinks = 0;   // counts moves to the bottom
+  bool changed = false;
+};
+
+/// A symbol table: its head and records in file order.
+struct SymbolTable {
+  Slot* head = nullptr;
+  std::vector<Slot*> records;                       // erased ones included
+  std::unordered_map<std::wstring, Slot*> byName;   // folded
+  std::size_t insertAt = 0;                         // offset of ENDTAB in the file text
+};
+
+struct SlotState {
+  Slot* slot = nullptr;
+  std::uint16_t flags = 0;
+  std::uint32_t layer = 0;
+  Record record;
+};
+
+struct UndoStep {
+  std::wstring name;
+  std::vector<SlotState> states;  // before the step (for undo) or after it (for redo)
+  struct OrderChange {
+    Slot* table = nullptr;
+    const Slot* entity = nullptr;
+    bool had = false;
+    OrderKey key;
+  };
+  std::vector<OrderChange> order;
+  bool isEmpty() const { return states.empty() && order.empty(); }
+};
+
+struct NameHash {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
+};
+
+struct DrawingDatabase::Parts {
+  explicit Parts(DrawingDatabase& owner, AcDbDatabase* facadeIn) : facade(facadeIn), self(owner), slots(&owner) {}
+
+  AcDbDatabase* facade;
+  DrawingDatabase& self;
+
+  // The file.
+  std::string text;
+  std::string fileName;  // as messages call it
+  DrawingVersion version = DrawingVersion::V2013;
+  text::Codec codec;
+  std::string lineEnd = "\n";
+  std::size_t tablesEnd = 0;     // offsets of the ENDSEC of each section; 0 when the file lacks it
+  std::size_t blocksEnd = 0;
+  std::size_t entitiesEnd = 0;
+  std::size_t objectsEnd = 0;
+  std::size_t fileEnd = 0;       // offset of EOF
+  std::vector<Problem> problems;
+  Arena arena;
+
+  // Objects.
+  SlotPool slots;
+  std::vector<Slot*> byHandle;   // ascending
+  std::uint64_t nextHandle = 1;
+  std::vector<Slot*> opened;     // slots whose Live holds an object
+  std::size_t openCount = 0;     // objects open at the moment
+
+  // Names.
+  std::vector<std::string> otherTypes;  // names from DxfType::FirstOther on
+  std::unordered_map<std::string, DxfType, NameHash, std::equal_to<>> otherTypeIndex;
+  struct LayerName {
+    std::string raw;       // in the drawing's encoding, as first met
+    std::wstring folded;
+    Slot* record = nullptr;
+  };
+  std::vector<LayerName> layers{LayerName{}};
+  std::unordered_map<std::string, std::uint32_t, NameHash, std::equal_to<>> layerByRaw;
+  std::unordered_map<std::wstring, std::uint32_t> layerByFolded;
+
+  // Containers.
+  std::map<DxfType, SymbolTable> tables;  // by record type
+  std::unordered_map<const Slot*, BlockContents> blocks;
+  std::vector<const Slot*> blockOrder;    // block records in the order of their BLOCKs
+  Slot* modelSpaceRecord = nullptr;
+  Slot* paperSpaceRecord = nullptr;       // the active one, whose entities stand in ENTITIES
+  Slot* header = nullptr;
+  Slot* classes = nullptr;
+  Slot* root = nullptr;
+  std::unordered_map<const Slot*, std::unique_ptr<DictionaryContents>> dictionaries;
+  std::unordered_map<const Slot*, std::unique_ptr<SortContents>> sortTables;
+
+  // Undo.
+  std::vector<UndoStep> undoSteps;
+  std::vector<UndoStep> redoSteps;
+  UndoStep currentStep;
+  bool inStep = false;
+  std::uint32_t stepNumber = 0;
+
+  std::uint64_t changes = 0;
+  std::uint64_t savedChanges = 0;
+  std::vector<AcDbDatabaseReactor*> reactors;
+
+  // ---- names ----
+  DxfType typeOf(std::string_view name);
+  std::uint32_t internLayer(std::string_view raw);
+  void bindLayerRecord(Slot* record);
+
+  // ---- slots ----
+  /// A new object of this session with a fresh handle.
+  Slot* makeSlot(DxfType type, Slot* owner, std::uint16_t flags);
+  void indexHandles();  // after loading
+  Live& live(Slot& slot);
+  /// Puts the slot's state into the undo journal, once per step.
+  void journal(Slot& slot);
+  /// Record of the slot for editing: journals, marks changed.
+  Record& edit(Slot& slot);
+  /// Record as it stands.
+  Record current(const Slot& slot) const;
+  void setRecord(Slot& slot, std::string bytes);
+  Acad::ErrorStatus closeObject(AcDbObject& object);
+  void eraseSlot(Slot& slot, bool erasing);
+  AcDbObject* objectFor(Slot& slot);
+
+  // ---- tag edits on slots ----
+  bool findTag(const Slot& slot, std::string_view subclass, int code, Tag& tag) const;
+  void setTag(Slot& slot, std::string_view subclass, int code, std::string_view value);
+
+  // ---- containers ----
+  DxfType tableRecordType(const Slot& head) const;  // which table a head belongs to
+  SymbolTable& tableFor(DxfType recordType);  // made when the file lacks it
+  DictionaryContents& dictionary(const Slot& slot);
+  void removeDictionaryEntry(Slot& dictionarySlot, std::size_t index);
+  SortContents& sortTable(const Slot& slot);
+  Slot* ensureRoot();
+  Slot* dictionaryIn(Slot& parent, std::wstring_view key);  // made when missing
+  void setOrderKey(Slot& table, const Slot& entity, OrderKey key);
+  /// Writes pending sort tables, table counts, classes and the hand seed into their records, before saving.
+  void settle();
+  BlockContents& contents(const Slot* blockRecord);
+};
+
+/// The record edit that both slots and detached objects use.
+bool findTagIn(TagCursor cursor, std::string_view subclass, int code, Tag& tag, std::size_t* index = nullptr);
+/// Replaces the tag or adds it at the end of the subclass; `bytes` is a whole tag.
+void setTagIn(Record& record, std::string_view subclass, int code, std::string_view bytes);
+void removeTagIn(Record& record, std::string_view subclass, int code);
+
+/// Fixed DXF names of types ("LWPOLYLINE"); empty from FirstOther on.
+std::string_view fixedTypeName(DxfType type);
+bool isTableRecord(DxfType type);
+/// The table object of a table whose records have the type; null for tables without a class of their own.
+AcDbObject* createTable(DxfType recordType);
+
+}  // namespace host::database

@@ -1,0 +1,208 @@
+#include "Database/Record.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "Text/Text.h"
+
+namespace host::database {
+
+namespace {
+
+constexpr int kNoCode = -9999;
+
+std::string_view trimmedView(std::string_view text) {
+  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
+  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
+  return text;
+}
+
+/// One line without its end; `text` moves past it.
+std::string_view takeLine(std::string_view& text) {
+  const char* const begin = text.data();
+  const void* const found = std::memchr(begin, '\n', text.size());
+  if (found == nullptr) {
+    const std::string_view line = text;
+    text.remove_prefix(text.size());
+    return line;
+  }
+  const std::size_t length = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
+  text.remove_prefix(length + 1);
+  return {begin, length > 0 && begin[length - 1] == '\r' ? length - 1 : length};
+}
+
+int parseCode(std::string_view line) {
+  line = trimmedView(line);
+  int code = 0;
+  const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), code);
+  return error == std::errc() && end == line.data() + line.size() ? code : kNoCode;
+}
+
+}  // namespace
+
+std::string_view Tag::trimmed() const { return trimmedView(value); }
+
+double Tag::real() const {
+  const std::optional<double> number = text::parseReal(value);
+  return number && std::isfinite(*number) ? *number : 0;
+}
+
+std::int64_t Tag::integer() const { return text::parseInteger(value).value_or(0); }
+
+std::uint64_t Tag::handle() const { return text::parseHandle(trimmed()); }
+
+bool readTag(std::string_view& text, Tag& tag) {
+  if (text.empty()) return false;
+  const char* const begin = text.data();
+  tag.code = parseCode(takeLine(text));
+  tag.value = takeLine(text);
+  tag.bytes = {begin, static_cast<std::size_t>(text.data() - begin)};
+  return true;
+}
+
+bool TagCursor::next(Tag& tag) {
+  while (current_.empty()) {
+    if (next_ == end_) return false;
+    current_ = *next_++;
+  }
+  return readTag(current_, tag);
+}
+
+std::size_t Record::size() const {
+  std::size_t total = 0;
+  for (const std::string_view piece : pieces_) total += piece.size();
+  return total;
+}
+
+std::string Record::bytes() const {
+  std::string all;
+  all.reserve(size());
+  for (const std::string_view piece : pieces_) all += piece;
+  return all;
+}
+
+std::size_t Record::count() const {
+  std::size_t number = 0;
+  Tag tag;
+  for (TagCursor cursor = tags(); cursor.next(tag);) ++number;
+  return number;
+}
+
+void Record::append(std::string_view bytes) {
+  if (!bytes.empty()) pieces_.push_back(bytes);
+}
+
+void Record::replace(std::size_t index, std::size_t count, std::string_view bytes) {
+  std::vector<std::string_view> result;
+  result.reserve(pieces_.size() + 2);
+  std::size_t number = 0;
+  std::size_t position = 0;
+  std::string_view tail;  // of the piece in which the replaced tags end
+  for (; position < pieces_.size() && tail.empty(); ++position) {
+    const std::string_view piece = pieces_[position];
+    std::string_view rest = piece;
+    std::size_t head = 0;
+    Tag tag;
+    while (readTag(rest, tag)) {
+      if (number >= index + count) {
+        tail = piece.substr(static_cast<std::size_t>(tag.bytes.data() - piece.data()));
+        break;
+      }
+      if (number < index) head = static_cast<std::size_t>(rest.data() - piece.data());
+      ++number;
+    }
+    if (head > 0) result.push_back(piece.substr(0, head));
+  }
+  if (!bytes.empty()) result.push_back(bytes);
+  if (!tail.empty()) result.push_back(tail);
+  result.insert(result.end(), pieces_.begin() + static_cast<std::ptrdiff_t>(position), pieces_.end());
+  pieces_ = std::move(result);
+}
+
+TagWriter& TagWriter::raw(int code, std::string_view value) {
+  char buffer[16];
+  const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, code);
+  (void)error;
+  const std::size_t digits = static_cast<std::size_t>(end - buffer);
+  if (digits < 3) out_.append(3 - digits, ' ');
+  out_.append(buffer, digits);
+  out_ += lineEnd_;
+  out_ += value;
+  out_ += lineEnd_;
+  return *this;
+}
+
+TagWriter& TagWriter::text(int code, std::wstring_view value) { return raw(code, codec_->encode(value)); }
+
+TagWriter& TagWriter::real(int code, double value) { return raw(code, host::text::formatReal(value)); }
+
+std::string spelledInteger(int code, std::int64_t value) {
+  std::string digits = std::to_string(value);
+  const bool isLong = (code >= 90 && code <= 99) || (code >= 420 && code <= 429) || (code >= 440 && code <= 459) ||
+                      code == 1071;
+  const std::size_t width = isLong ? 9 : 6;
+  if (digits.size() < width) digits.insert(0, width - digits.size(), ' ');
+  return digits;
+}
+
+TagWriter& TagWriter::integer(int code, std::int64_t value) { return raw(code, spelledInteger(code, value)); }
+
+TagWriter& TagWriter::handle(int code, std::uint64_t value) { return raw(code, host::text::formatHandle(value)); }
+
+TagWriter& TagWriter::point(int code, double x, double y, double z) {
+  return real(code, x).real(code + 10, y).real(code + 20, z);
+}
+
+TagWriter& TagWriter::point(int code, double x, double y) { return real(code, x).real(code + 10, y); }
+
+TagWriter& TagWriter::bytes(std::string_view tags) {
+  out_ += tags;
+  return *this;
+}
+
+RecordLayout layoutOf(const Record& record) {
+  RecordLayout layout;
+  std::size_t index = 0;
+  bool inGroup = false;
+  Tag tag;
+  for (TagCursor cursor = record.tags(); cursor.next(tag); ++index) {
+    if (tag.code >= 1000 && layout.xdata == RecordLayout::npos) {
+      layout.xdata = index;
+      inGroup = false;
+    }
+    if (layout.xdata != RecordLayout::npos) continue;
+    if (tag.code == 102) {
+      const std::string_view value = tag.trimmed();
+      if (!value.empty() && value.front() == '{') {
+        inGroup = true;
+        if (value == "{ACAD_REACTORS" && layout.reactorsBegin == RecordLayout::npos) layout.reactorsBegin = index;
+        if (value == "{ACAD_XDICTIONARY" && layout.dictionaryBegin == RecordLayout::npos) layout.dictionaryBegin = index;
+      } else {
+        inGroup = false;
+        if (layout.reactorsBegin != RecordLayout::npos && layout.reactorsEnd == RecordLayout::npos) {
+          layout.reactorsEnd = index + 1;
+        } else if (layout.dictionaryBegin != RecordLayout::npos && layout.dictionaryEnd == RecordLayout::npos) {
+          layout.dictionaryEnd = index + 1;
+        }
+      }
+      continue;
+    }
+    if (inGroup) continue;
+    if (tag.code == 100) {
+      if (layout.firstSubclass == RecordLayout::npos) {
+        layout.firstSubclass = index;
+      } else if (layout.secondSubclass == RecordLayout::npos) {
+        layout.secondSubclass = index;
+      }
+    } else if (layout.firstSubclass == RecordLayout::npos) {
+      if ((tag.code == 5 || tag.code == 105) && layout.handle == RecordLayout::npos) layout.handle = index;
+      if (tag.code == 330 && layout.owner == RecordLayout::npos) layout.owner = index;
+    }
+  }
+  layout.end = index;
+  if (layout.xdata == RecordLayout::npos) layout.xdata = index;
+  return layout;
+}
+
+}  // namespace host::database

@@ -1,0 +1,338 @@
+// Draw order: sort-entities tables.
+//
+// In the file a table pairs entities with sort handles, and a block is drawn by ascending sort handle; an entity without
+// a pair sorts by its own handle. Here every entity has a key (see OrderKey) that sorts the same way and lets one entity
+// move to the top in constant time. Sort handles, a permutation of the entities' own, are assigned when the drawing is
+// saved.
+#include <algorithm>
+
+#include "Database/ObjectAccess.h"
+#include "Database/Parts.h"
+#include "Text/Text.h"
+#include "sorttab.h"
+
+using host::database::BlockContents;
+using host::database::DrawingDatabase;
+using host::database::DxfType;
+using host::database::OrderKey;
+using host::database::Slot;
+using host::database::SortContents;
+using host::database::Tag;
+using host::database::TagCursor;
+using host::database::TagWriter;
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbSortentsTable, AcDbObject)
+
+namespace {
+
+constexpr std::string_view kSortents = "AcDbSortentsTable";
+
+[[maybe_unused]] const bool registered = host::database::registerClass(
+    {DxfType::SortentsTable, &AcDbSortentsTable::desc, []() -> AcDbObject* { return new AcDbSortentsTable; }});
+
+OrderKey keyOf(const SortContents& contents, const Slot& entity) {
+  const auto found = contents.keys.find(&entity);
+  return found != contents.keys.end() ? found->second : OrderKey{entity.handle, 0};
+}
+
+}  // namespace
+
+namespace host::database {
+
+SortContents& DrawingDatabase::Parts::sortTable(const Slot& slot) {
+  std::unique_ptr<SortContents>& contents = sortTables[&slot];
+  if (contents != nullptr) return *contents;
+  contents = std::make_unique<SortContents>();
+  const Slot* entity = nullptr;
+  bool inside = false;
+  Tag tag;
+  for (TagCursor cursor = slot.tags(); cursor.next(tag) && tag.code < 1000;) {
+    if (tag.code == 100) inside = tag.trimmed() == kSortents;
+    if (!inside) continue;
+    if (tag.code == 330) contents->block = self.findHandle(tag.handle());
+    if (tag.code == 331) entity = self.findHandle(tag.handle());
+    if (tag.code == 5 && entity != nullptr) {
+      if (tag.handle() != entity->handle) contents->keys[entity] = {tag.handle(), 0};
+      entity = nullptr;
+    }
+  }
+  return *contents;
+}
+
+void DrawingDatabase::Parts::setOrderKey(Slot& table, const Slot& entity, OrderKey key) {
+  SortContents& contents = sortTable(table);
+  const auto [found, isNew] = contents.keys.try_emplace(&entity, key);
+  if (inStep) currentStep.order.push_back({&table, &entity, !isNew, isNew ? OrderKey{} : found->second});
+  found->second = key;
+  contents.changed = true;
+  ++changes;
+}
+
+namespace {
+
+/// The sort table of a block, or null.
+const Slot* sortTableOf(const DrawingDatabase& db, const Slot* blockRecord) {
+  if (blockRecord == nullptr) return nullptr;
+  bool inGroup = false;
+  Tag tag;
+  for (TagCursor cursor = blockRecord->tags(); cursor.next(tag) && tag.code < 1000;) {
+    if (tag.code == 102) inGroup = tag.trimmed() == "{ACAD_XDICTIONARY";
+    if (!inGroup || tag.code != 360) continue;
+    const Slot* const dictionary = db.findHandle(tag.handle());
+    if (dictionary == nullptr || dictionary->isErased() || dictionary->type != DxfType::Dictionary) return nullptr;
+    const DictionaryContents& contents =
+        const_cast<DrawingDatabase&>(db).parts().dictionary(*dictionary);
+    const auto found = contents.byKey.find(L"acad_sortents");
+    if (found == contents.byKey.end()) return nullptr;
+    const Slot* const table = contents.entries[found->second].object;
+    return table != nullptr && !table->isErased() && table->type == DxfType::SortentsTable ? table : nullptr;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::vector<Slot*> DrawingDatabase::drawOrder(const BlockContents& block) const {
+  std::vector<Slot*> living;
+  living.reserve(block.entities.size());
+  for (Slot* const slot : block.entities) {
+    if (!slot->isErased()) living.push_back(slot);
+  }
+  const Slot* const table = sortTableOf(*this, block.record);
+  if (table == nullptr) {
+    // Without a table entities are drawn in the order of the file, which is that of their handles but for odd files.
+    return living;
+  }
+  const SortContents& contents = parts_->sortTable(*table);
+  std::vector<std::pair<OrderKey, Slot*>> keyed;
+  keyed.reserve(living.size());
+  for (Slot* const slot : living) keyed.emplace_back(keyOf(contents, *slot), slot);
+  std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::transform(keyed.begin(), keyed.end(), living.begin(), [](const auto& entry) { return entry.second; });
+  return living;
+}
+
+namespace {
+
+/// Writes the pairs of a changed table into its record: the i-th entity drawn gets the i-th smallest handle.
+void settleSortTable(DrawingDatabase& db, Slot& table, SortContents& contents) {
+  DrawingDatabase::Parts& parts = db.parts();
+  contents.changed = false;
+  if (contents.block == nullptr) return;
+  const BlockContents* const block = db.block(contents.block);
+  if (block == nullptr) return;
+  const std::vector<Slot*> order = db.drawOrder(*block);
+  std::vector<std::uint64_t> handles;
+  handles.reserve(order.size());
+  for (const Slot* const slot : order) handles.push_back(slot->handle);
+  std::sort(handles.begin(), handles.end());
+  TagWriter out = db.tagWriter();
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (order[i]->handle != handles[i]) out.handle(331, order[i]->handle).handle(5, handles[i]);
+  }
+  Record& record = parts.edit(table);
+  std::size_t number = 0;
+  std::size_t begin = 0;
+  bool inside = false;
+  Tag tag;
+  for (TagCursor cursor = record.tags(); cursor.next(tag) && tag.code < 1000; ++number) {
+    if (tag.code == 100) inside = tag.trimmed() == kSortents;
+    if (inside && (tag.code == 100 || tag.code == 330)) begin = number + 1;
+  }
+  record.replace(begin, number - begin, parts.arena.keep(out.str()));
+}
+
+/// Sets a tag when it differs; nothing is touched otherwise.
+void settleInteger(DrawingDatabase::Parts& parts, Slot& slot, std::string_view subclass, int code, std::int64_t value) {
+  Tag tag;
+  if (findTagIn(slot.tags(), subclass, code, tag) && tag.integer() == value) return;
+  parts.setTag(slot, subclass, code, spelledInteger(code, value));
+}
+
+}  // namespace
+
+void DrawingDatabase::Parts::settle() {
+  std::uint64_t highest = 0;
+  bool hasSortTable = false;
+  bool hasNew = false;
+  for (auto& [slot, contents] : sortTables) {
+    if (contents->changed && !slot->isErased()) settleSortTable(self, const_cast<Slot&>(*slot), *contents);
+  }
+  slots.forEach([&](Slot& slot) {
+    if (slot.isErased()) return;
+    if ((slot.flags & (kNew | kNeedsHandle)) != 0) hasNew = true;
+    highest = std::max(highest, slot.handle);
+    hasSortTable = hasSortTable || slot.type == DxfType::SortentsTable;
+  });
+  for (auto& [type, table] : tables) {
+    if (table.head == nullptr) continue;
+    const bool grew = std::any_of(table.records.begin(), table.records.end(), [](const Slot* record) {
+      return (record->flags & kNew) != 0 && !record->isErased();
+    });
+    if (!grew && (table.head->flags & kNew) == 0) continue;
+    const auto living = std::count_if(table.records.begin(), table.records.end(),
+                                      [](const Slot* record) { return !record->isErased(); });
+    settleInteger(*this, *table.head, "AcDbSymbolTable", 70, living);
+  }
+  // Programs need the sort table's class declared when the file did not use it before.
+  if (hasNew && hasSortTable && classes != nullptr) {
+    bool isDeclared = false;
+    Tag tag;
+    for (TagCursor cursor = classes->tags(); cursor.next(tag);) {
+      isDeclared = isDeclared || (tag.code == 1 && tag.trimmed() == "SORTENTSTABLE");
+    }
+    if (!isDeclared) {
+      TagWriter out = self.tagWriter();
+      out.raw(0, "CLASS").raw(1, "SORTENTSTABLE").raw(2, "AcDbSortentsTable").raw(3, "ObjectDBX Classes").integer(90, 0);
+      if (version >= DrawingVersion::V2004) out.integer(91, 1);
+      out.integer(280, 0).integer(281, 0);
+      edit(*classes).append(arena.keep(out.str()));
+    }
+  }
+  if (hasNew) {
+    const std::wstring seed = text::fromUtf8(text::formatHandle(std::max(nextHandle, highest + 1)));
+    if (text::parseHandle(text::toUtf8(self.headerText("$HANDSEED", 5).value_or(L""))) <= highest) {
+      self.setHeaderText("$HANDSEED", 5, seed);
+    }
+  }
+}
+
+}  // namespace host::database
+
+AcDbSortentsTable::AcDbSortentsTable() {
+  const host::text::Codec codec;
+  HostObjectAccess::initDetached(*this, "SORTENTSTABLE", false, TagWriter(codec).raw(100, kSortents).take());
+}
+
+AcDbObjectId AcDbSortentsTable::blockId() const {
+  return AcDbObjectId(slot_ != nullptr ? slot_->database().parts().sortTable(*slot_).block : nullptr);
+}
+
+Acad::ErrorStatus AcDbSortentsTable::setBlockId(AcDbObjectId block) {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (block.isNull()) return Acad::eNullObjectId;
+  if (block.slot()->type != DxfType::BlockRecord) return Acad::eWrongObjectType;
+  HostObjectAccess::setTag(*this, kSortents, 330, host::text::formatHandle(block.slot()->handle));
+  slot_->database().parts().sortTable(*slot_).block = block.slot();
+  return Acad::eOk;
+}
+
+namespace {
+
+/// Everything a move needs, checked: the table is open for write and every id is a living entity of its block.
+struct Move {
+  DrawingDatabase::Parts* parts = nullptr;
+  SortContents* contents = nullptr;
+  Acad::ErrorStatus status = Acad::eOk;
+};
+
+Move beginMove(AcDbSortentsTable& table, const AcDbObjectIdArray& ids) {
+  Move move;
+  Slot* const slot = HostObjectAccess::slot(table);
+  if (slot == nullptr) {
+    move.status = Acad::eNotInDatabase;
+    return move;
+  }
+  move.parts = &slot->database().parts();
+  move.contents = &move.parts->sortTable(*slot);
+  if (!HostObjectAccess::canWrite(table)) move.status = Acad::eNotOpenForWrite;
+  for (const AcDbObjectId& id : ids) {
+    if (id.isNull() || !id.slot()->isEntity() || id.slot()->owner != move.contents->block) {
+      move.status = Acad::eNotInBlock;
+    }
+  }
+  return move;
+}
+
+/// Gives every entity of the block a key of its own in the given order; for moves that are not to an end.
+void renumber(Move& move, Slot& table, const std::vector<Slot*>& order) {
+  std::vector<OrderKey> keys;
+  keys.reserve(order.size());
+  for (const Slot* const slot : order) keys.push_back({slot->handle, 0});
+  std::sort(keys.begin(), keys.end());
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    if (keyOf(*move.contents, *order[i]) != keys[i]) move.parts->setOrderKey(table, *order[i], keys[i]);
+  }
+}
+
+Acad::ErrorStatus moveBeside(AcDbSortentsTable& table, const AcDbObjectIdArray& ids, AcDbObjectId target, bool above) {
+  AcDbObjectIdArray all = ids;
+  all.append(target);
+  Move move = beginMove(table, all);
+  if (move.status != Acad::eOk) return move.status;
+  if (ids.contains(target)) return Acad::eInvalidInput;
+  Slot& slot = *HostObjectAccess::slot(table);
+  std::vector<Slot*> order = slot.database().drawOrder(*slot.database().block(move.contents->block));
+  std::vector<Slot*> moved;
+  for (const AcDbObjectId& id : ids) moved.push_back(id.slot());
+  order.erase(std::remove_if(order.begin(), order.end(),
+                             [&](Slot* entity) { return std::find(moved.begin(), moved.end(), entity) != moved.end(); }),
+              order.end());
+  auto place = std::find(order.begin(), order.end(), target.slot());
+  if (place == order.end()) return Acad::eWasErased;
+  if (above) ++place;
+  order.insert(place, moved.begin(), moved.end());
+  renumber(move, slot, order);
+  return Acad::eOk;
+}
+
+}  // namespace
+
+Acad::ErrorStatus AcDbSortentsTable::moveToTop(const AcDbObjectIdArray& ids) {
+  Move move = beginMove(*this, ids);
+  if (move.status != Acad::eOk) return move.status;
+  // The highest handle of this moment: entities made later come above, as they do in the file.
+  const std::uint64_t top = move.parts->nextHandle - 1;
+  for (const AcDbObjectId& id : ids) move.parts->setOrderKey(*slot_, *id.slot(), {top, ++move.contents->moves});
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSortentsTable::moveToBottom(const AcDbObjectIdArray& ids) {
+  Move move = beginMove(*this, ids);
+  if (move.status != Acad::eOk) return move.status;
+  for (int i = ids.length() - 1; i >= 0; --i) {
+    move.parts->setOrderKey(*slot_, *ids[i].slot(), {0, --move.contents->sinks});
+  }
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSortentsTable::moveAbove(const AcDbObjectIdArray& ids, AcDbObjectId target) {
+  return moveBeside(*this, ids, target, true);
+}
+
+Acad::ErrorStatus AcDbSortentsTable::moveBelow(const AcDbObjectIdArray& ids, AcDbObjectId target) {
+  return moveBeside(*this, ids, target, false);
+}
+
+Acad::ErrorStatus AcDbSortentsTable::swapOrder(AcDbObjectId first, AcDbObjectId second) {
+  AcDbObjectIdArray ids;
+  ids.append(first);
+  ids.append(second);
+  Move move = beginMove(*this, ids);
+  if (move.status != Acad::eOk) return move.status;
+  const OrderKey firstKey = keyOf(*move.contents, *first.slot());
+  const OrderKey secondKey = keyOf(*move.contents, *second.slot());
+  move.parts->setOrderKey(*slot_, *first.slot(), secondKey);
+  move.parts->setOrderKey(*slot_, *second.slot(), firstKey);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSortentsTable::firstEntityIsDrawnBeforeSecond(AcDbObjectId first, AcDbObjectId second,
+                                                                    bool& isBefore) const {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  if (first.isNull() || second.isNull()) return Acad::eNullObjectId;
+  const SortContents& contents = slot_->database().parts().sortTable(*slot_);
+  isBefore = keyOf(contents, *first.slot()) < keyOf(contents, *second.slot());
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSortentsTable::getFullDrawOrder(AcDbObjectIdArray& ids, Adesk::UInt8) const {
+  if (slot_ == nullptr) return Acad::eNotInDatabase;
+  DrawingDatabase& db = slot_->database();
+  const BlockContents* const block = db.block(db.parts().sortTable(*slot_).block);
+  if (block == nullptr) return Acad::eNullObjectId;
+  ids.removeAll();
+  for (Slot* const slot : db.drawOrder(*block)) ids.append(AcDbObjectId(slot));
+  return Acad::eOk;
+}

@@ -1,0 +1,268 @@
+// Extended data.
+#include <algorithm>
+#include <cmath>
+
+#include "Database/ObjectAccess.h"
+#include "Database/Parts.h"
+#include "Database/ResbufTypes.h"
+#include "Text/Text.h"
+#include "acdbads.h"
+#include "acutads.h"
+#include "dbapserv.h"
+#include "dbmain.h"
+#include "dbsymtb.h"
+
+using host::database::Chain;
+using host::database::DrawingDatabase;
+using host::database::DxfType;
+using host::database::Record;
+using host::database::Tag;
+using host::database::TagCursor;
+using host::database::TagWriter;
+using host::database::ValueKind;
+using host::database::valueKind;
+
+namespace {
+
+constexpr std::size_t kMostXDataBytes = 16383;  // per object, all applications together
+constexpr std::size_t kMostTextBytes = 255;
+
+/// One application's data in a record: tag numbers from its 1001 to the next one, and its size as the host counts it.
+struct ApplicationSpan {
+  std::wstring name;  // folded
+  std::size_t begin = 0, end = 0;
+  std::size_t bytes = 0;
+};
+
+std::size_t storedBytes(const Tag& tag) {
+  switch (valueKind(tag.code)) {
+    case ValueKind::Text: return tag.code == 1005 ? 9 : tag.code == 1002 ? 2 : 4 + tag.value.size();
+    case ValueKind::Binary: return 2 + tag.value.size() / 2;
+    case ValueKind::Point: return tag.code < 1020 ? 25 : 0;  // counted once for its three tags
+    case ValueKind::Real: return 9;
+    case ValueKind::Short: return 3;
+    case ValueKind::Long: return 5;
+    default: return 0;
+  }
+}
+
+std::vector<ApplicationSpan> spansOf(TagCursor cursor, const host::text::Codec& codec) {
+  std::vector<ApplicationSpan> spans;
+  std::size_t number = 0;
+  Tag tag;
+  for (; cursor.next(tag); ++number) {
+    if (tag.code == 1001) {
+      if (!spans.empty()) spans.back().end = number;
+      spans.push_back({host::text::folded(codec.decode(tag.value)), number, number, 0});
+    }
+    if (tag.code >= 1000 && !spans.empty()) spans.back().bytes += storedBytes(tag);
+  }
+  if (!spans.empty()) spans.back().end = number;
+  return spans;
+}
+
+int hexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return -1;
+}
+
+void setBinary(resbuf& item, std::string_view hex) {
+  const std::size_t count = std::min<std::size_t>(hex.size() / 2, 127);
+  auto* const buffer = static_cast<char*>(std::calloc(count + 1, 1));
+  if (buffer == nullptr) throw std::bad_alloc();
+  for (std::size_t i = 0; i < count; ++i) {
+    buffer[i] = static_cast<char>(std::max(hexDigit(hex[2 * i]), 0) * 16 + std::max(hexDigit(hex[2 * i + 1]), 0));
+  }
+  item.resval.rbinary = {static_cast<short>(count), buffer};
+}
+
+std::string hexText(const ads_binary& binary) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string text;
+  for (int i = 0; i < binary.clen; ++i) {
+    const auto byte = static_cast<unsigned char>(binary.buf[i]);
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  return text;
+}
+
+void writeItem(TagWriter& out, const resbuf& item) {
+  switch (valueKind(item.restype)) {
+    case ValueKind::Text: {
+      const std::wstring value = item.resval.rstring != nullptr ? item.resval.rstring : L"";
+      if (item.restype == 1005) {
+        out.handle(1005, host::text::parseHandle(host::text::toUtf8(value)));
+      } else {
+        out.text(item.restype, value);
+      }
+      break;
+    }
+    case ValueKind::Point:
+      out.point(item.restype, item.resval.rpoint[0], item.resval.rpoint[1], item.resval.rpoint[2]);
+      break;
+    case ValueKind::Real: out.real(item.restype, item.resval.rreal); break;
+    case ValueKind::Short: out.integer(item.restype, item.resval.rint); break;
+    case ValueKind::Long: out.integer(item.restype, item.resval.rlong); break;
+    case ValueKind::Binary: out.raw(item.restype, hexText(item.resval.rbinary)); break;
+    default: break;
+  }
+}
+
+/// Whether one item may stand in extended data.
+Acad::ErrorStatus checkItem(const resbuf& item) {
+  if (item.restype < 1000 || item.restype > 1071) return Acad::eInvalidDxfCode;
+  switch (valueKind(item.restype)) {
+    case ValueKind::Unknown:
+    case ValueKind::None: return Acad::eInvalidDxfCode;
+    case ValueKind::Text:
+      if (item.resval.rstring == nullptr) return Acad::eInvalidInput;
+      return host::text::toUtf8(item.resval.rstring).size() > kMostTextBytes ? Acad::eXdataSizeExceeded : Acad::eOk;
+    case ValueKind::Real: return std::isfinite(item.resval.rreal) ? Acad::eOk : Acad::eInvalidInput;
+    case ValueKind::Point:
+      for (const double value : item.resval.rpoint) {
+        if (!std::isfinite(value)) return Acad::eInvalidInput;
+      }
+      return Acad::eOk;
+    default: return Acad::eOk;
+  }
+}
+
+}  // namespace
+
+resbuf* AcDbObject::xData(const ACHAR* regappName) const {
+  const host::text::Codec& codec = HostObjectAccess::codec(*this);
+  const std::wstring wanted = regappName != nullptr ? host::text::folded(regappName) : std::wstring();
+  Chain chain;
+  bool inside = false;
+  Tag tag;
+  for (TagCursor cursor = HostObjectAccess::tags(*this); cursor.next(tag);) {
+    if (tag.code < 1000) continue;
+    if (tag.code == 1001) inside = regappName == nullptr || host::text::folded(codec.decode(tag.value)) == wanted;
+    if (!inside) continue;
+    switch (valueKind(tag.code)) {
+      case ValueKind::Text: chain.addText(tag.code, codec.decode(tag.code == 1005 ? tag.trimmed() : tag.value)); break;
+      case ValueKind::Point: {
+        // X comes first, then Y and Z under codes 10 and 20 higher.
+        if (tag.code >= 1020) break;
+        resbuf* const item = chain.add(tag.code);
+        item->resval.rpoint[0] = tag.real();
+        for (int axis = 1; axis < 3; ++axis) {
+          TagCursor ahead = cursor;
+          Tag next;
+          if (!ahead.next(next) || next.code != item->restype + 10 * axis) break;
+          item->resval.rpoint[axis] = next.real();
+          cursor = ahead;
+        }
+        break;
+      }
+      case ValueKind::Real: chain.add(tag.code)->resval.rreal = tag.real(); break;
+      case ValueKind::Short: chain.add(tag.code)->resval.rint = static_cast<short>(tag.integer()); break;
+      case ValueKind::Long: chain.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer()); break;
+      case ValueKind::Binary: setBinary(*chain.add(tag.code), tag.trimmed()); break;
+      default: break;
+    }
+  }
+  return chain.release();
+}
+
+Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata) {
+  if (xdata == nullptr) return Acad::eNullObjectPointer;
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (xdata->restype != 1001) return Acad::eBadDxfSequence;
+  const DrawingDatabase* db = HostObjectAccess::database(*this);
+  if (db == nullptr) {
+    AcDbDatabase* const working = acdbHostApplicationServices()->workingDatabase();
+    if (working == nullptr) return Acad::eNoDatabase;
+    db = &working->hostDatabase();
+  }
+
+  // Everything is checked before anything changes.
+  struct Application {
+    const resbuf* begin;
+    const resbuf* end;
+    std::wstring name;
+  };
+  std::vector<Application> applications;
+  int depth = 0;
+  for (const resbuf* item = xdata; item != nullptr; item = item->rbnext) {
+    if (const Acad::ErrorStatus status = checkItem(*item); status != Acad::eOk) return status;
+    if (item->restype == 1001) {
+      if (depth != 0) return Acad::eBadDxfSequence;
+      const std::wstring name = host::text::folded(item->resval.rstring);
+      if (db->findRecord(DxfType::AppId, name) == nullptr) return Acad::eRegappIdNotFound;
+      for (const Application& other : applications) {
+        if (other.name == name) return Acad::eBadDxfSequence;
+      }
+      if (!applications.empty()) applications.back().end = item;
+      applications.push_back({item, nullptr, name});
+    } else if (item->restype == 1002) {
+      const std::wstring_view brace = item->resval.rstring;
+      if (brace == L"{") {
+        ++depth;
+      } else if (brace == L"}") {
+        if (--depth < 0) return Acad::eBadDxfSequence;
+      } else {
+        return Acad::eInvalidInput;
+      }
+    }
+  }
+  if (depth != 0) return Acad::eBadDxfSequence;
+
+  const host::text::Codec& codec = HostObjectAccess::codec(*this);
+  std::size_t total = 0;
+  for (const ApplicationSpan& span : spansOf(HostObjectAccess::tags(*this), codec)) {
+    const bool isReplaced = std::any_of(applications.begin(), applications.end(),
+                                        [&](const Application& app) { return app.name == span.name; });
+    if (!isReplaced) total += span.bytes;
+  }
+  std::vector<std::string> spelled;
+  for (const Application& application : applications) {
+    TagWriter writer = HostObjectAccess::tagWriter(*this);
+    // A name with nothing after it removes that application's data.
+    if (application.begin->rbnext != application.end) {
+      for (const resbuf* item = application.begin; item != application.end; item = item->rbnext) {
+        writeItem(writer, *item);
+      }
+    }
+    spelled.push_back(writer.take());
+    for (const ApplicationSpan& span : spansOf(TagCursor(std::string_view(spelled.back())), codec)) total += span.bytes;
+  }
+  if (total > kMostXDataBytes) return Acad::eXdataSizeExceeded;
+
+  for (std::size_t i = 0; i < applications.size(); ++i) {
+    const std::vector<ApplicationSpan> spans = spansOf(HostObjectAccess::tags(*this), codec);
+    const auto old = std::find_if(spans.begin(), spans.end(),
+                                  [&](const ApplicationSpan& span) { return span.name == applications[i].name; });
+    if (old == spans.end() && spelled[i].empty()) continue;
+    Record& record = HostObjectAccess::editRecord(*this);
+    const std::string_view bytes = HostObjectAccess::keep(*this, spelled[i]);
+    if (old != spans.end()) {
+      record.replace(old->begin, old->end - old->begin, bytes);
+    } else {
+      record.append(bytes);
+    }
+  }
+  return Acad::eOk;
+}
+
+int acdbRegApp(const ACHAR* name) {
+  AcDbDatabase* const db = acdbHostApplicationServices()->workingDatabase();
+  if (db == nullptr || name == nullptr || *name == 0) return RTERROR;
+  AcDbRegAppTable* table = nullptr;
+  if (db->getRegAppTable(table, AcDb::kForWrite) != Acad::eOk) return RTERROR;
+  int result = RTERROR;
+  if (!table->has(name)) {
+    auto* const record = new AcDbRegAppTableRecord;
+    if (record->setName(name) == Acad::eOk && table->add(record) == Acad::eOk) {
+      record->close();
+      result = RTNORM;
+    } else {
+      delete record;
+    }
+  }
+  table->close();
+  return result;
+}

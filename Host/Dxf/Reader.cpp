@@ -1,0 +1,565 @@
+// Reading a drawing: one pass over the text that makes a slot for every object and parses none of them.
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <fstream>
+
+#include "Database/DefaultDrawing.h"
+#include "Database/ObjectAccess.h"
+#include "Database/Parts.h"
+#include "Dxf/DxfFile.h"
+#include "Dxf/Scanner.h"
+#include "Text/Text.h"
+
+namespace host::dxf {
+
+using database::BlockContents;
+using database::DrawingDatabase;
+using database::DrawingVersion;
+using database::DxfType;
+using database::Slot;
+using database::SymbolTable;
+using database::Tag;
+using database::TagCursor;
+
+namespace {
+
+/// A sentence that ends the reading.
+struct ReadError {
+  std::string message;
+};
+
+/// What the loader keeps of a slot until all handles are known.
+struct PendingOwner {
+  Slot* slot;
+  std::uint64_t owner;
+};
+
+class Reader {
+ public:
+  Reader(DrawingDatabase& db, std::string name) : db_(db), parts_(db.parts()), name_(std::move(name)) {}
+
+  void read(std::string text) {
+    parts_.text = std::move(text);
+    parts_.fileName = name_;
+    scanner_ = Scanner(parts_.text);
+    const std::size_t firstLine = parts_.text.find('\n');
+    parts_.lineEnd = firstLine != std::string::npos && firstLine > 0 && parts_.text[firstLine - 1] == '\r' ? "\r\n" : "\n";
+    refuseOtherForms();
+    readSections();
+    finish();
+  }
+
+ private:
+  [[noreturn]] void fail(std::size_t offset, const std::string& what) const {
+    throw ReadError{name_ + ":" + std::to_string(scanner_.lineAt(offset)) + ": " + what};
+  }
+
+  void refuseOtherForms() const {
+    const std::string_view text = parts_.text;
+    if (text.substr(0, 22) == "AutoCAD Binary DXF\r\n\x1a" || text.substr(0, 18) == "AutoCAD Binary DXF") {
+      throw ReadError{name_ + ": binary DXF cannot be read yet; save the drawing as ASCII DXF"};
+    }
+    if (text.size() >= 6 && text.substr(0, 4) == "AC10" && text.find('\0') != std::string_view::npos) {
+      throw ReadError{name_ + ": this is a DWG file; only DXF drawings can be read yet"};
+    }
+    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) throw ReadError{name_ + ": the file is empty"};
+  }
+
+  void readSections() {
+    Token token;
+    while (scanner_.next(token)) {
+      if (token.code == 999) continue;
+      if (token.code != 0) fail(token.offset, "expected a section, found group " + spelled(token));
+      if (token.value == "EOF") {
+        parts_.fileEnd = token.offset;
+        sawEof_ = true;
+        return;
+      }
+      if (token.value != "SECTION") fail(token.offset, "expected a section, found " + std::string(token.value));
+      if (!scanner_.next(token) || token.code != 2) fail(token.offset, "a section has no name");
+      const std::string section(token.value);
+      if (section == "HEADER") {
+        readHeader();
+      } else if (section == "CLASSES") {
+        parts_.classes = partSlot(DxfType::Classes);
+      } else if (section == "TABLES") {
+        readTables();
+      } else if (section == "BLOCKS") {
+        readBlocks();
+      } else if (section == "ENTITIES") {
+        parts_.entitiesEnd = readEntities(nullptr);
+      } else if (section == "OBJECTS") {
+        readObjects();
+      } else {
+        skipToEnd();
+      }
+    }
+    throw ReadError{name_ + ":" + std::to_string(scanner_.lineAt(parts_.text.size())) +
+                    ": the file ends in the middle (EOF is missing)"};
+  }
+
+  static std::string spelled(const Token& token) {
+    if (token.code == kBadCode) return "\"" + std::string(token.codeText.substr(0, 40)) + "\"";
+    return std::to_string(token.code);
+  }
+
+  /// Leaves the scanner behind ENDSEC; answers the offset of ENDSEC.
+  std::size_t skipToEnd() {
+    Token token;
+    while (scanner_.next(token)) {
+      if (token.code == 0 && token.value == "ENDSEC") return token.offset;
+      if (token.code == 0 && (token.value == "SECTION" || token.value == "EOF")) {
+        fail(token.offset, "a section is not ended by ENDSEC");
+      }
+    }
+    fail(parts_.text.size(), "the file ends inside a section");
+  }
+
+  /// A section whose whole content is edited as one record.
+  Slot* partSlot(DxfType type) {
+    const std::size_t begin = scanner_.offset();
+    const std::size_t end = skipToEnd();
+    Slot* const slot = parts_.slots.make();
+    slot->type = type;
+    slot->begin = parts_.text.data() + begin;
+    slot->length = checkedLength(begin, end);
+    return slot;
+  }
+
+  std::uint32_t checkedLength(std::size_t begin, std::size_t end) const {
+    constexpr std::size_t kMost = 0xFFFFFFFFU;
+    if (end - begin > kMost) fail(begin, "an object is larger than 4 GB");
+    return static_cast<std::uint32_t>(end - begin);
+  }
+
+  void readHeader() {
+    parts_.header = partSlot(DxfType::Header);
+    const std::string version = text::toUtf8(db_.headerText("$ACADVER", 1).value_or(L""));
+    checkVersion(version);
+    if (parts_.version < DrawingVersion::V2007) {
+      parts_.codec =
+          text::Codec::forCodePage(text::toUtf8(db_.headerText("$DWGCODEPAGE", 3).value_or(L"ANSI_1252")));
+    }
+    if (const auto seed = db_.headerText("$HANDSEED", 5)) {
+      parts_.nextHandle = std::max<std::uint64_t>(text::parseHandle(text::toUtf8(*seed)), 1);
+    }
+  }
+
+  void checkVersion(const std::string& version) {
+    int number = 0;
+    if (version.size() >= 6 && version.compare(0, 2, "AC") == 0) {
+      std::from_chars(version.data() + 2, version.data() + 6, number);
+    }
+    if (number < 1015) {
+      throw ReadError{name_ + ": " + (version.empty() ? "the drawing names no version" : "drawing version " + version) +
+                      "; only versions AC1015 (2000) to AC1032 (2018) can be read yet"};
+    }
+    // Versions are even numbers of the format, not of the program; newer ones than 2018 have the same structure.
+    static constexpr int kVersions[] = {1015, 1018, 1021, 1024, 1027, 1032};
+    int known = kVersions[0];
+    for (const int candidate : kVersions) {
+      if (candidate <= number) known = candidate;
+    }
+    parts_.version = static_cast<DrawingVersion>(known);
+    versionKnown_ = true;
+  }
+
+  void needVersion(std::size_t offset) const {
+    if (!versionKnown_) {
+      fail(offset, "the drawing has no HEADER with a version before its data; only versions AC1015 (2000) to AC1032 "
+                   "(2018) can be read yet");
+    }
+  }
+
+  // ---- records ----
+
+  struct Scanned {
+    Slot* slot = nullptr;
+    std::string_view type;
+    std::uint64_t owner = 0;
+    std::string_view name;  // first tag 2
+    bool paper = false;
+    int flags = 0;          // tag 70, of old-style polylines and vertices
+    bool hasAttributes = false;
+  };
+
+  /// Reads the record that `head` (a tag 0) begins; stops in front of the next tag 0.
+  enum class Kind { Entity, Object, TablePart };
+
+  Scanned scanRecord(const Token& head, Kind what) {
+    const bool isEntity = what == Kind::Entity;
+    Scanned scanned;
+    scanned.type = head.value;
+    DxfType type = parts_.typeOf(head.value);
+    Slot* const slot = parts_.slots.make();
+    slot->begin = parts_.text.data() + head.offset;
+    if (isEntity) slot->flags |= database::kEntity;
+    bool inGroup = false;
+    bool hasName = false;
+    int subclasses = 0;
+    Token token;
+    while (scanner_.peek(token)) {
+      if (token.code == 0) break;
+      scanner_.take(token);
+      if (token.code >= 1000) {
+        slot->flags |= database::kHasXData;
+        scanner_.skipRecord();
+        break;
+      }
+      if (token.code == 102) {
+        inGroup = !token.value.empty() && token.trimmed().front() == '{';
+        continue;
+      }
+      if (inGroup) continue;
+      switch (token.code) {
+        case 5:
+          if (subclasses == 0 && slot->handle == 0 && type != DxfType::DimStyle) slot->handle = handleOf(token);
+          break;
+        case 105:
+          if (subclasses == 0 && slot->handle == 0) slot->handle = handleOf(token);
+          break;
+        case 330:
+          if (subclasses == 0 && scanned.owner == 0) scanned.owner = handleOf(token);
+          break;
+        case 8:
+          if (isEntity && slot->layer == 0) slot->layer = parts_.internLayer(token.value);
+          break;
+        case 67: scanned.paper = isEntity && token.integer() != 0; break;
+        case 66:
+          if (isEntity) scanned.hasAttributes = token.integer() != 0;
+          break;
+        case 70: scanned.flags = token.integer(); break;
+        case 2:
+          if (!hasName) scanned.name = token.value;
+          hasName = true;
+          break;
+        case 100:
+          ++subclasses;
+          // Common data end here; what follows matters for few types only.
+          if (isEntity ? subclasses >= 2 && !needsOwnData(type) : what == Kind::Object) skipTail(*slot);
+          break;
+        case kBadCode: fail(token.offset, "expected a group code, found " + spelled(token));
+        default: break;
+      }
+    }
+    if (type == DxfType::Polyline2d) type = polylineType(scanned.flags);
+    if (type == DxfType::Vertex2d) type = vertexType(scanned.flags);
+    slot->type = type;
+    slot->length = checkedLength(head.offset, scanner_.offset());
+    if (slot->handle == 0) slot->flags |= database::kNeedsHandle;
+    scanned.slot = slot;
+    if (scanned.owner != 0) pending_.push_back({slot, scanned.owner});
+    return scanned;
+  }
+
+  static bool needsOwnData(DxfType type) {
+    return type == DxfType::Polyline2d || type == DxfType::Vertex2d || type == DxfType::Insert ||
+           type == DxfType::Block;
+  }
+
+  /// Runs to the end of the record; only whether there is extended data matters.
+  void skipTail(Slot& slot) {
+    if (scanner_.skipRecord()) slot.flags |= database::kHasXData;
+  }
+
+  static DxfType polylineType(int flags) {
+    if ((flags & 64) != 0) return DxfType::PolyFaceMesh;
+    if ((flags & 16) != 0) return DxfType::PolygonMesh;
+    return (flags & 8) != 0 ? DxfType::Polyline3d : DxfType::Polyline2d;
+  }
+
+  static DxfType vertexType(int flags) {
+    if ((flags & (64 | 128)) != 0) return DxfType::VertexOther;
+    return (flags & 32) != 0 ? DxfType::Vertex3d : DxfType::Vertex2d;
+  }
+
+  static std::uint64_t handleOf(const Token& token) { return text::parseHandle(token.trimmed()); }
+
+  // ---- sections ----
+
+  void readTables() {
+    Token token;
+    while (scanner_.next(token)) {
+      if (token.code == 999) continue;
+      if (token.code != 0) fail(token.offset, "expected a table, found group " + spelled(token));
+      if (token.value == "ENDSEC") {
+        parts_.tablesEnd = token.offset;
+        return;
+      }
+      if (token.value != "TABLE") fail(token.offset, "expected a table, found " + std::string(token.value));
+      needVersion(token.offset);
+      readTable(token);
+    }
+    fail(parts_.text.size(), "the file ends inside the TABLES section");
+  }
+
+  void readTable(const Token& begin) {
+    const Scanned head = scanRecord(begin, Kind::TablePart);
+    head.slot->type = DxfType::TableHead;
+    const DxfType recordType = parts_.typeOf(head.name);
+    SymbolTable& table = parts_.tables[recordType];
+    const bool isFirst = table.head == nullptr;  // a table twice: records join, the first head stays
+    if (isFirst) table.head = head.slot;
+    Token token;
+    while (scanner_.next(token)) {
+      if (token.value == "ENDTAB") {
+        if (isFirst) table.insertAt = token.offset;
+        return;
+      }
+      if (token.value == "ENDSEC" || token.value == "EOF") break;
+      const Scanned record = scanRecord(token, Kind::TablePart);
+      record.slot->owner = table.head;
+      table.records.push_back(record.slot);
+      table.byName.try_emplace(text::folded(parts_.codec.decode(record.name)), record.slot);
+    }
+    fail(token.offset, "a table is not ended by ENDTAB");
+  }
+
+  void readBlocks() {
+    Token token;
+    while (scanner_.next(token)) {
+      if (token.code == 999) continue;
+      if (token.code != 0) fail(token.offset, "expected a block, found group " + spelled(token));
+      if (token.value == "ENDSEC") {
+        parts_.blocksEnd = token.offset;
+        return;
+      }
+      if (token.value != "BLOCK") fail(token.offset, "expected a block, found " + std::string(token.value));
+      needVersion(token.offset);
+      Scanned begin = scanRecord(token, Kind::Entity);
+      begin.slot->flags |= database::kSubEntity;
+      blocks_.push_back({begin.slot, begin.owner, begin.name, {}, nullptr});
+      readEntities(&blocks_.back());
+    }
+    fail(parts_.text.size(), "the file ends inside the BLOCKS section");
+  }
+
+  struct PendingBlock {
+    Slot* begin;
+    std::uint64_t owner;
+    std::string_view name;
+    std::vector<Slot*> entities;
+    Slot* end;
+  };
+
+  /// Entities up to ENDSEC (block null) or ENDBLK; answers the offset of the end.
+  std::size_t readEntities(PendingBlock* block) {
+    Slot* compound = nullptr;  // polyline or reference whose parts follow
+    Slot** link = nullptr;
+    Token token;
+    while (scanner_.next(token)) {
+      if (token.code == 999) continue;
+      if (token.code != 0) fail(token.offset, "expected an entity, found group " + spelled(token));
+      if (token.value == "ENDSEC" || token.value == "EOF" || token.value == "SECTION") {
+        if (block != nullptr) fail(token.offset, "a block is not ended by ENDBLK");
+        if (token.value != "ENDSEC") fail(token.offset, "a section is not ended by ENDSEC");
+        return token.offset;
+      }
+      needVersion(token.offset);
+      const Scanned scanned = scanRecord(token, Kind::Entity);
+      Slot* const slot = scanned.slot;
+      if (slot->type == DxfType::EndBlk) {
+        if (block == nullptr) fail(token.offset, "ENDBLK outside a block");
+        slot->flags |= database::kSubEntity;
+        block->end = slot;
+        return token.offset;
+      }
+      const bool isPart = compound != nullptr && isPartType(slot->type);
+      if (isPart) {
+        slot->flags |= database::kSubEntity;
+        slot->owner = compound;
+        *link = slot;
+        link = &slot->nextSub;
+        if (slot->type == DxfType::SeqEnd) compound = nullptr;
+        continue;
+      }
+      compound = nullptr;
+      if (isOldPolyline(slot->type) || (slot->type == DxfType::Insert && scanned.hasAttributes)) {
+        compound = slot;
+        link = &slot->firstSub;
+      }
+      if (block != nullptr) {
+        block->entities.push_back(slot);
+      } else {
+        if (scanned.paper) slot->flags |= database::kPaper;
+        entities_.push_back(slot);
+      }
+    }
+    fail(parts_.text.size(), "the file ends inside entities");
+  }
+
+  static bool isPartType(DxfType type) {
+    return type == DxfType::Vertex2d || type == DxfType::Vertex3d || type == DxfType::VertexOther ||
+           type == DxfType::Attrib || type == DxfType::SeqEnd;
+  }
+  static bool isOldPolyline(DxfType type) { return type >= DxfType::Polyline2d && type <= DxfType::PolyFaceMesh; }
+
+  void readObjects() {
+    Token token;
+    while (scanner_.next(token)) {
+      if (token.code == 999) continue;
+      if (token.code != 0) fail(token.offset, "expected an object, found group " + spelled(token));
+      if (token.value == "ENDSEC") {
+        parts_.objectsEnd = token.offset;
+        return;
+      }
+      if (token.value == "EOF" || token.value == "SECTION") fail(token.offset, "a section is not ended by ENDSEC");
+      needVersion(token.offset);
+      const Scanned object = scanRecord(token, Kind::Object);
+      const bool isDictionary = object.slot->type == DxfType::Dictionary;
+      if (parts_.root == nullptr && isDictionary && object.owner == 0) parts_.root = object.slot;
+      if (firstDictionary_ == nullptr && isDictionary) firstDictionary_ = object.slot;
+    }
+    fail(parts_.text.size(), "the file ends inside the OBJECTS section");
+  }
+
+  // ---- when all is read ----
+
+  void finish() {
+    if (!versionKnown_) checkVersion("");
+    if (parts_.root == nullptr) parts_.root = firstDictionary_;
+    parts_.indexHandles();
+    reportRepeatedHandles();
+    giveMissingHandles();
+    std::uint64_t lastHandle = 0;  // neighbours mostly have one owner
+    Slot* lastOwner = nullptr;
+    for (const PendingOwner& pending : pending_) {
+      if (pending.slot->owner != nullptr) continue;
+      if (pending.owner != lastHandle) {
+        lastHandle = pending.owner;
+        lastOwner = db_.findHandle(pending.owner);
+      }
+      pending.slot->owner = lastOwner;
+    }
+    for (Slot* const layer : db_.records(DxfType::Layer)) parts_.bindLayerRecord(layer);
+    bindBlocks();
+    parts_.savedChanges = parts_.changes;
+  }
+
+  void reportRepeatedHandles() {
+    const std::vector<Slot*>& index = parts_.byHandle;
+    for (std::size_t i = 1; i < index.size(); ++i) {
+      if (index[i]->handle != index[i - 1]->handle) continue;
+      addProblem(*index[i], "the handle is used twice; the first object keeps it");
+    }
+  }
+
+  void addProblem(const Slot& slot, std::string text) {
+    const std::size_t offset = static_cast<std::size_t>(slot.begin - parts_.text.data());
+    parts_.problems.push_back({scanner_.lineAt(offset), slot.handle, std::move(text)});
+  }
+
+  void giveMissingHandles() {
+    parts_.slots.forEach([&](Slot& slot) {
+      if ((slot.flags & database::kNeedsHandle) == 0) return;
+      slot.handle = parts_.nextHandle++;
+      parts_.byHandle.push_back(&slot);
+    });
+  }
+
+  void bindBlocks() {
+    for (PendingBlock& pending : blocks_) {
+      Slot* record = db_.findHandle(pending.owner);
+      if (record == nullptr || record->type != DxfType::BlockRecord) {
+        record = db_.findRecord(DxfType::BlockRecord, parts_.codec.decode(pending.name));
+      }
+      if (record == nullptr) {
+        addProblem(*pending.begin, "the block has no block record; it is kept but cannot be used");
+        continue;
+      }
+      BlockContents& block = parts_.contents(record);
+      block.record = record;
+      block.begin = pending.begin;
+      block.end = pending.end;
+      pending.begin->owner = record;
+      if (pending.end != nullptr) pending.end->owner = record;
+      for (Slot* const entity : pending.entities) entity->owner = record;
+      block.entities = std::move(pending.entities);
+      parts_.blockOrder.push_back(record);
+    }
+    parts_.modelSpaceRecord = spaceRecord(L"*Model_Space");
+    parts_.paperSpaceRecord = db_.findRecord(DxfType::BlockRecord, L"*Paper_Space");
+    if (parts_.paperSpaceRecord != nullptr) parts_.contents(parts_.paperSpaceRecord).record = parts_.paperSpaceRecord;
+    for (Slot* const entity : entities_) {
+      Slot* owner = entity->owner;
+      if (owner == nullptr || owner->type != DxfType::BlockRecord) {
+        const bool inPaper = (entity->flags & database::kPaper) != 0 && parts_.paperSpaceRecord != nullptr;
+        owner = inPaper ? parts_.paperSpaceRecord : parts_.modelSpaceRecord;
+        entity->owner = owner;
+      }
+      parts_.contents(owner).entities.push_back(entity);
+    }
+  }
+
+  /// The model space's record; a drawing without one gets it at once, since nothing can be drawn without.
+  Slot* spaceRecord(std::wstring_view name) {
+    Slot* record = db_.findRecord(DxfType::BlockRecord, name);
+    if (record == nullptr) {
+      SymbolTable& table = parts_.tableFor(DxfType::BlockRecord);
+      record = parts_.makeSlot(DxfType::BlockRecord, table.head, 0);
+      parts_.setRecord(*record, db_.tagWriter()
+                                    .raw(0, "BLOCK_RECORD")
+                                    .handle(5, record->handle)
+                                    .handle(330, table.head->handle)
+                                    .raw(100, "AcDbSymbolTableRecord")
+                                    .raw(100, "AcDbBlockTableRecord")
+                                    .text(2, name)
+                                    .handle(340, 0)
+                                    .take());
+      table.records.push_back(record);
+      table.byName.emplace(text::folded(name), record);
+    }
+    parts_.contents(record).record = record;
+    return record;
+  }
+
+  DrawingDatabase& db_;
+  DrawingDatabase::Parts& parts_;
+  std::string name_;
+  Scanner scanner_;
+  std::vector<PendingOwner> pending_;
+  std::vector<PendingBlock> blocks_;
+  std::vector<Slot*> entities_;
+  Slot* firstDictionary_ = nullptr;
+  bool versionKnown_ = false;
+  bool sawEof_ = false;
+};
+
+}  // namespace
+
+FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::string& name) {
+  try {
+    Reader(db, name).read(std::move(text));
+    return {};
+  } catch (const ReadError& error) {
+    return {false, error.message};
+  } catch (const std::bad_alloc&) {
+    return {false, name + ": not enough memory to read the drawing"};
+  }
+}
+
+FileResult readDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
+  const std::string name = file.string();
+  std::error_code error;
+  if (std::filesystem::is_directory(file, error)) return {false, name + ": this is a folder, not a drawing"};
+  std::ifstream in(file, std::ios::binary | std::ios::ate);
+  if (!in) return {false, name + ": cannot be opened: " + std::strerror(errno)};
+  std::string text;
+  try {
+    text.resize(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)));
+  } catch (const std::bad_alloc&) {
+    return {false, name + ": not enough memory to read the drawing"};
+  }
+  in.seekg(0);
+  in.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (static_cast<std::size_t>(in.gcount()) != text.size()) return {false, name + ": cannot be read to its end"};
+  return readDrawingText(db, std::move(text), name);
+}
+
+namespace {
+[[maybe_unused]] const bool textReaderGiven = database::setTextReader(
+    [](DrawingDatabase& db, std::string text) { return readDrawingText(db, std::move(text), "empty drawing").ok; });
+}
+
+}  // namespace host::dxf

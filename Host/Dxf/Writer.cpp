@@ -1,0 +1,219 @@
+// Saving: the file's own text with edits. What nobody touched is copied byte for byte; a drawing that was not changed
+// comes out as it went in.
+#include <algorithm>
+#include <map>
+
+#include "Database/Parts.h"
+#include "Dxf/DxfFile.h"
+
+namespace host::dxf {
+
+using database::BlockContents;
+using database::DrawingDatabase;
+using database::DxfType;
+using database::kChanged;
+using database::kNeedsHandle;
+using database::kNew;
+using database::Slot;
+using database::SymbolTable;
+using database::TagWriter;
+
+namespace {
+
+/// Replaces `remove` bytes at an offset of the file's text.
+struct Edit {
+  std::size_t at = 0;
+  std::size_t remove = 0;
+  std::vector<std::string_view> pieces;
+};
+
+class Writer {
+ public:
+  explicit Writer(DrawingDatabase& db) : db_(db), parts_(db.parts()) {}
+
+  std::string write() {
+    parts_.settle();
+    collectChanges();
+    if (edits_.empty() && insertions_.empty()) return parts_.text;
+    collectMissingHandles();
+    insertNew();
+    return merge();
+  }
+
+ private:
+  std::size_t offsetOf(const Slot& slot) const { return static_cast<std::size_t>(slot.begin - parts_.text.data()); }
+
+  void collectChanges() {
+    parts_.slots.forEach([&](Slot& slot) {
+      if ((slot.flags & kNew) != 0) {
+        if (!slot.isErased()) insertions_.push_back(&slot);
+        return;
+      }
+      if (slot.isErased()) {
+        edits_.push_back({offsetOf(slot), slot.length, {}});
+      } else if ((slot.flags & kChanged) != 0) {
+        edits_.push_back({offsetOf(slot), slot.length, slot.live->record.pieces()});
+      }
+    });
+  }
+
+  /// Objects without a handle in the file get theirs as soon as anything is written, for other objects may name them.
+  void collectMissingHandles() {
+    parts_.slots.forEach([&](Slot& slot) {
+      if ((slot.flags & kNeedsHandle) == 0 || slot.isErased() || (slot.flags & kNew) != 0) return;
+      const std::string_view handle = parts_.arena.keep(db_.tagWriter().handle(5, slot.handle).str());
+      database::Record record = parts_.current(slot);
+      record.replace(1, 0, handle);
+      const auto existing = std::find_if(edits_.begin(), edits_.end(), [&](const Edit& edit) {
+        return edit.at == offsetOf(slot) && edit.remove == slot.length;
+      });
+      if (existing != edits_.end()) {
+        existing->pieces = record.pieces();
+      } else {
+        edits_.push_back({offsetOf(slot), slot.length, record.pieces()});
+      }
+    });
+  }
+
+  void append(std::vector<std::string_view>& out, const Slot& slot) const {
+    const std::vector<std::string_view>& pieces = slot.live->record.pieces();
+    out.insert(out.end(), pieces.begin(), pieces.end());
+    for (const Slot* sub = slot.firstSub; sub != nullptr; sub = sub->nextSub) {
+      if (!sub->isErased() && (sub->flags & kNew) != 0) {
+        const std::vector<std::string_view>& own = sub->live->record.pieces();
+        out.insert(out.end(), own.begin(), own.end());
+      }
+    }
+  }
+
+  std::string_view kept(const TagWriter& writer) const { return parts_.arena.keep(writer.str()); }
+
+  /// Where text goes that a section without a place in the file has to hold: a section of its own.
+  void insertInSection(std::size_t sectionEnd, std::string_view name, std::size_t orElseAt,
+                       std::vector<std::string_view> pieces) {
+    if (pieces.empty()) return;
+    if (sectionEnd != 0) {
+      edits_.push_back({sectionEnd, 0, std::move(pieces)});
+      return;
+    }
+    pieces.insert(pieces.begin(), kept(db_.tagWriter().raw(0, "SECTION").raw(2, name)));
+    pieces.push_back(kept(db_.tagWriter().raw(0, "ENDSEC")));
+    edits_.push_back({orElseAt, 0, std::move(pieces)});
+  }
+
+  void insertNew() {
+    std::vector<std::string_view> tables;
+    std::vector<std::string_view> blocks;
+    std::vector<std::string_view> entities;
+    std::vector<std::string_view> objects;
+    std::map<DxfType, std::vector<std::string_view>> records;
+    std::map<const Slot*, std::vector<std::string_view>> blockEntities;
+    for (const Slot* const slot : insertions_) {
+      if (slot->isSubEntity() || slot->type == DxfType::TableHead || slot->type == DxfType::Header ||
+          slot->type == DxfType::Classes) {
+        continue;  // written with what they belong to
+      }
+      if (database::isTableRecord(slot->type)) {
+        append(records[slot->type], *slot);
+      } else if (slot->isEntity()) {
+        const bool inSection = slot->owner == parts_.modelSpaceRecord || slot->owner == parts_.paperSpaceRecord;
+        append(inSection ? entities : blockEntities[slot->owner], *slot);
+      } else {
+        append(objects, *slot);
+      }
+    }
+
+    for (auto& [type, table] : parts_.tables) {
+      std::vector<std::string_view>& own = records[type];
+      if (table.head == nullptr || (table.head->flags & kNew) == 0) {
+        if (!own.empty()) edits_.push_back({table.insertAt, 0, std::move(own)});
+        continue;
+      }
+      if (own.empty() || table.head->isErased()) continue;
+      append(tables, *table.head);
+      tables.insert(tables.end(), own.begin(), own.end());
+      tables.push_back(kept(db_.tagWriter().raw(0, "ENDTAB")));
+    }
+    for (const Slot* const record : parts_.blockOrder) {
+      const BlockContents& block = *db_.block(record);
+      std::vector<std::string_view>& own = blockEntities[record];
+      if (block.begin == nullptr || (block.begin->flags & kNew) == 0) {
+        if (!own.empty() && block.end != nullptr) edits_.push_back({offsetOf(*block.end), 0, std::move(own)});
+        continue;
+      }
+      if (record->isErased()) continue;
+      append(blocks, *block.begin);
+      blocks.insert(blocks.end(), own.begin(), own.end());
+      append(blocks, *block.end);
+    }
+    // Sections stand in this order; a missing one goes in front of the next that is there.
+    const std::size_t end = parts_.fileEnd;
+    insertInSection(parts_.tablesEnd, "TABLES", firstSection({"BLOCKS", "ENTITIES", "OBJECTS"}), std::move(tables));
+    insertInSection(parts_.blocksEnd, "BLOCKS", firstSection({"ENTITIES", "OBJECTS"}), std::move(blocks));
+    insertInSection(parts_.entitiesEnd, "ENTITIES", firstSection({"OBJECTS"}), std::move(entities));
+    insertInSection(parts_.objectsEnd, "OBJECTS", end, std::move(objects));
+  }
+
+  /// Offset of the first of the named sections that the file has; its end when it has none.
+  std::size_t firstSection(std::initializer_list<std::string_view> names) const {
+    std::size_t first = parts_.fileEnd;
+    for (const std::string_view name : names) {
+      // A section begins with "0 SECTION" and "2 name"; searching the text is right, for this is rare and exact.
+      const std::string tag = "SECTION" + parts_.lineEnd;
+      for (std::size_t at = parts_.text.find(tag); at != std::string::npos; at = parts_.text.find(tag, at + 1)) {
+        const std::size_t codeEnd = parts_.text.find('\n', at + tag.size());
+        if (codeEnd == std::string::npos) break;
+        if (parts_.text.compare(codeEnd + 1, name.size() + parts_.lineEnd.size(),
+                                std::string(name) + parts_.lineEnd) != 0) {
+          continue;
+        }
+        const std::size_t lineBefore = parts_.text.rfind('\n', at - std::min<std::size_t>(at, 2));
+        first = std::min(first, lineBefore == std::string::npos ? 0 : lineBefore + 1);
+        break;
+      }
+    }
+    return first;
+  }
+
+  std::string merge() {
+    std::stable_sort(edits_.begin(), edits_.end(), [](const Edit& a, const Edit& b) {
+      // What is inserted in front of a changed record comes before it.
+      return a.at != b.at ? a.at < b.at : (a.remove == 0) > (b.remove == 0);
+    });
+    std::size_t size = parts_.text.size();
+    for (const Edit& edit : edits_) {
+      for (const std::string_view piece : edit.pieces) size += piece.size();
+    }
+    std::string out;
+    out.reserve(size);
+    std::size_t position = 0;
+    for (const Edit& edit : edits_) {
+      out.append(parts_.text, position, edit.at - position);
+      for (const std::string_view piece : edit.pieces) out += piece;
+      position = edit.at + edit.remove;
+    }
+    out.append(parts_.text, position);
+    return out;
+  }
+
+  DrawingDatabase& db_;
+  DrawingDatabase::Parts& parts_;
+  std::vector<Edit> edits_;
+  std::vector<const Slot*> insertions_;
+};
+
+}  // namespace
+
+std::string drawingText(DrawingDatabase& db) { return Writer(db).write(); }
+
+FileResult saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
+  try {
+    const FileResult result = writeFileWhole(file, drawingText(db));
+    if (result.ok) db.setUnmodified();
+    return result;
+  } catch (const std::bad_alloc&) {
+    return {false, file.string() + ": not enough memory to save the drawing"};
+  }
+}
+
+}  // namespace host::dxf

@@ -1,0 +1,193 @@
+// What saving promises: nothing changes that nobody changed.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "Database/DrawingDatabase.h"
+#include "Database/Support.h"
+#include "Dxf/DxfFile.h"
+#include "acutads.h"
+#include "dbdict.h"
+#include "dbents.h"
+#include "dbgroup.h"
+#include "dbpl.h"
+#include "dbsymtb.h"
+#include "sorttab.h"
+
+namespace {
+
+using namespace host::database;
+using tests::fileText;
+using tests::lineDifference;
+using tests::OpenDrawing;
+
+std::vector<std::filesystem::path> realDrawings() {
+  std::vector<std::filesystem::path> files;
+  const std::filesystem::path folder = tests::realDrawingFolder();
+  if (folder.empty()) return files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() == ".dxf") files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+TEST(Fidelity, UntouchedRealDrawingsComeOutByteForByte) {
+  const auto files = realDrawings();
+  if (files.empty()) GTEST_SKIP() << "the folder of real drawings is not here";
+  int read = 0;
+  for (const auto& file : files) {
+    AcDbDatabase db(false);
+    const auto result = host::dxf::readDrawing(databaseOf(&db), file);
+    if (!result.ok) {
+      // Other forms (R12, binary) are refused in one sentence that names the file.
+      EXPECT_NE(result.message.find(file.filename().string()), std::string::npos) << result.message;
+      EXPECT_NE(result.message.find("yet"), std::string::npos) << result.message;
+      continue;
+    }
+    ++read;
+    EXPECT_TRUE(host::dxf::drawingText(databaseOf(&db)) == fileText(file)) << file;
+  }
+  EXPECT_GE(read, 9);
+}
+
+TEST(Fidelity, ReadingObjectsChangesNothing) {
+  const auto files = realDrawings();
+  if (files.empty()) GTEST_SKIP() << "the folder of real drawings is not here";
+  for (const auto& file : files) {
+    AcDbDatabase db(false);
+    DrawingDatabase& drawing = databaseOf(&db);
+    if (!host::dxf::readDrawing(drawing, file).ok) continue;
+    std::size_t opened = 0;
+    drawing.forEachSlot([&](Slot& slot) {
+      AcDbObject* object = nullptr;
+      if (acdbOpenAcDbObject(object, AcDbObjectId(&slot), AcDb::kForRead) != Acad::eOk) return;
+      ++opened;
+      if (auto* const polyline = AcDbPolyline::cast(object)) {
+        AcGePoint3d point;
+        EXPECT_EQ(polyline->getPointAt(0, point), polyline->numVerts() > 0 ? Acad::eOk : Acad::eInvalidIndex);
+      }
+      acutRelRb(object->xData());
+      EXPECT_EQ(object->close(), Acad::eOk);
+      EXPECT_EQ(object->close(), Acad::eNotOpenForRead);  // closing twice is answered, not undefined
+    });
+    EXPECT_EQ(drawing.releaseObjects(), 0);
+    EXPECT_GT(opened, 20U) << file;
+    EXPECT_TRUE(host::dxf::drawingText(drawing) == fileText(file)) << file;
+  }
+}
+
+// A probe with everything that must survive: odd number spellings, blanks, comments, foreign data of all kinds.
+TEST(Fidelity, OneChangedEntityLeavesEveryOtherByteAlone) {
+  for (const char* const lineEnd : {"\n", "\r\n"}) {
+    OpenDrawing drawing(tests::probeDrawing(lineEnd));
+    const std::string before = drawing.text();
+    AcDbEntity* entity = nullptr;
+    ASSERT_EQ(acdbOpenAcDbEntity(entity, drawing.id(0x51), AcDb::kForWrite), Acad::eOk);
+    EXPECT_EQ(entity->setLayer(ACRX_T("Metsä")), Acad::eOk);
+    EXPECT_EQ(entity->close(), Acad::eOk);
+    const std::string after = drawing.text();
+    const tests::Difference difference = lineDifference(before, after);
+    EXPECT_EQ(difference.removed, std::vector<std::string>{"vanha"});
+    ASSERT_EQ(difference.added.size(), 1U);
+    EXPECT_EQ(drawing.decoded(difference.added[0]), L"metsä");
+  }
+}
+
+TEST(Fidelity, NewObjectsTouchOnlySeedCountsAndTheirOwnPlaces) {
+  OpenDrawing drawing(tests::probeDrawing("\n"));
+  const std::string before = drawing.text();
+  {
+    AcDbBlockTable* table = nullptr;
+    ASSERT_EQ(drawing->getBlockTable(table, AcDb::kForRead), Acad::eOk);
+    AcDbBlockTableRecord* space = nullptr;
+    ASSERT_EQ(table->getAt(ACRX_T("*MODEL_SPACE"), space, AcDb::kForWrite), Acad::eOk);
+    table->close();
+    auto* const line = new AcDbLine({1, 2, 0}, {3, 4, 0});
+    ASSERT_EQ(space->appendAcDbEntity(line), Acad::eOk);
+    EXPECT_EQ(line->close(), Acad::eOk);
+    space->close();
+    AcDbLayerTable* layers = nullptr;
+    ASSERT_EQ(drawing->getLayerTable(layers, AcDb::kForWrite), Acad::eOk);
+    auto* const layer = new AcDbLayerTableRecord;
+    EXPECT_EQ(layer->setName(ACRX_T("a<b")), Acad::eInvalidInput);
+    ASSERT_EQ(layer->setName(ACRX_T("uusi")), Acad::eOk);
+    ASSERT_EQ(layers->add(layer), Acad::eOk);
+    layer->close();
+    layers->close();
+  }
+  const tests::Difference difference = lineDifference(before, drawing.text());
+  // The hand seed and the layer table's count are replaced; everything else is only added.
+  EXPECT_EQ(difference.removed.size(), 2U) << testing::PrintToString(difference.removed);
+  AcDbDatabase again(false);
+  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), drawing.text(), "again").ok);
+  EXPECT_NE(databaseOf(&again).findRecord(DxfType::Layer, L"UUSI"), nullptr);
+  EXPECT_EQ(databaseOf(&again).modelSpace().entities.size(),
+            drawing.database().modelSpace().entities.size());
+}
+
+TEST(Fidelity, AFailedSaveLeavesTheOldFile) {
+  OpenDrawing drawing(tests::probeDrawing("\n"));
+  const auto folder = std::filesystem::temp_directory_path() / "tolmex-save-test";
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder / "folder.dxf");
+  const auto file = folder / "plan.dxf";
+  ASSERT_TRUE(host::dxf::saveDrawing(drawing.database(), file).ok);
+  EXPECT_EQ(fileText(file), drawing.text());
+  const auto refused = host::dxf::saveDrawing(drawing.database(), folder / "folder.dxf");
+  EXPECT_FALSE(refused.ok);
+  EXPECT_NE(refused.message.find("folder"), std::string::npos);
+  EXPECT_FALSE(host::dxf::saveDrawing(drawing.database(), folder / "gone" / "plan.dxf").ok);
+  // A link goes on naming its target, which is what is replaced.
+  std::filesystem::create_symlink("plan.dxf", folder / "link.dxf");
+  ASSERT_TRUE(host::dxf::writeFileWhole(folder / "link.dxf", "new").ok);
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.dxf"));
+  EXPECT_EQ(fileText(file), "new");
+  // Nothing temporary is left behind.
+  std::size_t entries = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder)) ++entries;
+  EXPECT_EQ(entries, 3U);
+  std::filesystem::remove_all(folder);
+}
+
+TEST(Fidelity, AKilledSaveLeavesTheOldFile) {
+  OpenDrawing drawing(tests::probeDrawing("\n"));
+  const auto folder = std::filesystem::temp_directory_path() / "tolmex-kill-test";
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  const auto file = folder / "plan.dxf";
+  std::ofstream(file) << "old";
+  const std::string text(8 << 20, 'x');
+  for (int round = 0; round < 20; ++round) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      host::dxf::writeFileWhole(file, text);
+      ::_exit(0);
+    }
+    ::usleep(static_cast<useconds_t>(round * 400));
+    ::kill(child, SIGKILL);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    const std::string now = fileText(file);
+    EXPECT_TRUE(now == "old" || now == text) << now.size();
+    std::ofstream(file) << "old";
+  }
+  std::filesystem::remove_all(folder);
+}
+
+TEST(Fidelity, ANewDrawingIsComplete) {
+  AcDbDatabase db;
+  EXPECT_EQ(db.measurement(), AcDb::kMetric);
+  EXPECT_FALSE(db.layerZero().isNull());
+  EXPECT_EQ(db.clayer(), db.layerZero());
+  EXPECT_FALSE(db.continuousLinetype().isNull());
+  AcDbDictionary* groups = nullptr;
+  ASSERT_EQ(db.getGroupDictionary(groups, AcDb::kForWrite), Acad::eOk);
+  EXPECT_EQ(groups->numEntries(), 0U);
+  groups->close();
+  EXPECT_EQ(databaseOf(&db).layouts().size(), 2U);
+}
+
+}  // namespace
