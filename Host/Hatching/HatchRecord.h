@@ -14,12 +14,12 @@ namespace host::hatching {
 
 struct HatchRecord {
   bool solid = false;
-  int style = 0;                    // 0 normal (even-odd), 1 outer, 2 ignore inner loops
+  int style = 0;  // 0 normal (even-odd), 1 outer, 2 ignore inner loops
   double elevation = 0;
   AcGeVector3d normal{0, 0, 1};
-  std::vector<Polygon> loops;       // in the hatch's plane, arcs, ellipses and splines flattened
-  std::vector<int> loopTypes;       // tag 92 of each
-  std::vector<PatternLine> pattern; // empty for solid
+  std::vector<Polygon> loops;        // in the hatch's plane, arcs, ellipses and splines flattened
+  std::vector<int> loopTypes;        // tag 92 of each
+  std::vector<PatternLine> pattern;  // empty for solid
   bool gradient = false;
   std::vector<std::uint32_t> gradientColors;  // 0xRRGGBB, first and last
 };

@@ -10,7 +10,7 @@
 namespace host::hatching {
 
 struct Linetype {
-  std::string name;          // as in the file, UTF-8
+  std::string name;  // as in the file, UTF-8
   std::string description;
   std::vector<double> dashes;  // positive dash, negative gap, 0 dot; empty: unbroken
 };

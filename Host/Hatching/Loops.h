@@ -19,8 +19,8 @@ using Polygon = std::vector<Point2>;  // closed, first point not repeated
 
 enum class LoopFault { None, NotFinite, NotClosed, TooFewPoints, ZeroArea, SelfCrossing };
 
-/// Takes a polyline's vertices as a loop: drops consecutive duplicate points, accepts a last point equal to the first in
-/// place of the closed flag. `loop` is set on None only.
+/// Takes a polyline's vertices as a loop: drops consecutive duplicate points, accepts a last point equal to the first
+/// in place of the closed flag. `loop` is set on None only.
 LoopFault makeLoop(const std::vector<LoopVertex>& vertices, bool closedFlag, Loop& loop);
 
 /// Arcs become chords that stay within `deviation` of the arc (at least one point every quarter turn).

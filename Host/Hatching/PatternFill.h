@@ -23,9 +23,11 @@ struct PatternSegment {
 
 enum class FillOutcome { Done, TooDense, Degenerate };
 
-/// Gives the pieces of the pattern inside the area bounded by the polygons (even-odd rule: islands are left out), family
-/// by family, line by line. Stops with TooDense before giving more than `limit` pieces in all; Degenerate when a family
-/// has no spacing. Works near the area's own origin, so coordinates in the millions keep their precision.
+/// Gives the pieces of the pattern inside the area bounded by the polygons (even-odd rule: islands are left out),
+/// family by family, line by line. Dashes begin at each line's base point. Stops with TooDense before giving more than
+/// `limit` pieces in all, or when ten million stretches gave none; Degenerate when a family has no spacing, dashes
+/// without length or numbers that are not finite: it is left out, the others are given. Polygons that are not finite
+/// are left out. Works near the area's own origin, so coordinates in the millions keep their precision.
 FillOutcome fillPattern(const std::vector<PatternLine>& families, const std::vector<Polygon>& area, std::size_t limit,
                         const std::function<void(const PatternSegment&)>& give);
 

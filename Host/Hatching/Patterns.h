@@ -11,16 +11,19 @@
 namespace host::hatching {
 
 struct Pattern {
-  std::string name;                   // capitals
+  std::string name;  // capitals, UTF-8
   std::string description;
   std::vector<PatternLine> families;  // unscaled; offsets along and across the line as the file gives them
 };
 
-/// Patterns of a pattern file's text; `problems` gets one sentence per line that cannot be read, with its number.
+/// Patterns of a pattern file's text; `problems` gets one sentence per line that cannot be read, with its number. Such
+/// a line is left out; a pattern that has no line left is left out whole. SOLID has no families.
 std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<std::string>& problems);
 /// A predefined pattern by name (without regard to case): from acad.pat, or acadiso.pat in a metric drawing, on the
-/// support path. Nothing when unknown.
+/// support path. SOLID is known without a file. Nothing when unknown.
 std::optional<Pattern> findPattern(std::wstring_view name, bool metric);
+/// A custom pattern: the one of that name in a file of that name ("gravel.pat") on the support path.
+std::optional<Pattern> findCustomPattern(std::wstring_view name);
 /// The pattern's lines as a hatch stores them: angle f + a, base rotated by a and scaled, offset rotated by f + a and
 /// scaled, dashes scaled.
 std::vector<PatternLine> scaledPattern(const Pattern& pattern, double angleRad, double scale);

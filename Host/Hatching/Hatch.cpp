@@ -1,0 +1,267 @@
+#include <cmath>
+#include <cwctype>
+
+#include "Database/ObjectAccess.h"
+#include "Hatching/Boundary.h"
+#include "Hatching/HatchData.h"
+#include "Hatching/Patterns.h"
+#include "Text/Text.h"
+#include "dbapserv.h"
+#include "dbhatch.h"
+#include "dbobjptr.h"
+
+namespace {
+
+using host::database::dataOf;
+using host::database::dataToChange;
+using host::hatching::HatchData;
+using host::hatching::HatchLoop;
+using host::hatching::Loop;
+using host::hatching::LoopFault;
+using host::hatching::LoopVertex;
+using host::hatching::Pattern;
+using host::hatching::PatternLine;
+using host::hatching::Polygon;
+
+constexpr std::size_t kMostPieces = 1'000'000;  // pattern lines and dashes of one hatch
+constexpr double kDensityDetail = 1e-4;         // deviation of arcs while counting, of the loop's size
+
+const HatchData& dataOf(const AcDbHatch& hatch) { return dataOf<HatchData>(hatch); }
+
+const std::string& emptyHatch() {
+  static const std::string tags = [] {
+    const host::text::Codec utf8;
+    host::database::TagWriter out(utf8);
+    HatchData().write(out);
+    return out.take();
+  }();
+  return tags;
+}
+
+const bool registered = host::database::registerClass(
+    {host::database::DxfType::Hatch, &AcDbHatch::desc, []() -> AcDbObject* { return new AcDbHatch; }});
+
+bool isMetric(const AcDbHatch& hatch) {
+  const AcDbDatabase* db = hatch.database();
+  if (db == nullptr && acdbHostApplicationServices() != nullptr) db = acdbHostApplicationServices()->workingDatabase();
+  return db == nullptr || db->measurement() == AcDb::kMetric;
+}
+
+/// A user-defined pattern: one family of unbroken lines a unit apart.
+Pattern parallelLines() {
+  PatternLine line;
+  line.offsetY = 1;
+  return {"_USER", {}, {line}};
+}
+
+std::optional<Pattern> patternFor(const AcDbHatch& hatch, AcDbHatch::HatchPatternType type, const ACHAR* name) {
+  switch (type) {
+    case AcDbHatch::kUserDefined:
+      return parallelLines();
+    case AcDbHatch::kPreDefined:
+      return host::hatching::findPattern(name, isMetric(hatch));
+    case AcDbHatch::kCustomDefined:
+      return host::hatching::findCustomPattern(name);
+  }
+  return std::nullopt;
+}
+
+std::wstring capitals(std::wstring_view name) {
+  std::wstring upper(name);
+  for (wchar_t& c : upper) c = static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(c)));
+  return upper;
+}
+
+HatchLoop polylineLoop(Adesk::Int32 type, Loop loop) {
+  HatchLoop made;
+  made.type = type | AcDbHatch::kPolyline;
+  made.vertices = std::move(loop);
+  return made;
+}
+
+/// Makes every source tell the hatch of its changes. Those that cannot be written to leave the hatch as it was.
+Acad::ErrorStatus linkSources(const AcDbObjectIdArray& sources, AcDbObjectId hatch) {
+  for (const AcDbObjectId id : sources) {
+    const AcDbObjectPointer<AcDbEntity> source(id, AcDb::kForWrite);
+    if (source.openStatus() != Acad::eOk) return source.openStatus();
+    if (source->hasPersistentReactor(hatch)) continue;
+    const Acad::ErrorStatus status = source->addPersistentReactor(hatch);
+    if (status != Acad::eOk) return status;
+  }
+  return Acad::eOk;
+}
+
+double sizeOf(const Polygon& polygon) {
+  double size = 0;
+  for (const auto& p : polygon) {
+    size = std::max({size, std::abs(p.x - polygon.front().x), std::abs(p.y - polygon.front().y)});
+  }
+  return size;
+}
+
+}  // namespace
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbHatch, AcDbEntity)
+
+AcDbHatch::AcDbHatch() { HostObjectAccess::initDetached(*this, "HATCH", true, emptyHatch()); }
+
+AcGeVector3d AcDbHatch::normal() const { return dataOf(*this).content.normal; }
+
+Acad::ErrorStatus AcDbHatch::setNormal(const AcGeVector3d& normal) {
+  const double size = normal.length();
+  if (!std::isfinite(size) || size == 0) return Acad::eInvalidInput;
+  HatchData* const data = dataToChange<HatchData>(*this);
+  if (data == nullptr) return Acad::eNotOpenForWrite;
+  data->content.normal = size == 1 ? normal : normal.normal();
+  return Acad::eOk;
+}
+
+double AcDbHatch::elevation() const { return dataOf(*this).content.elevation; }
+
+Acad::ErrorStatus AcDbHatch::setElevation(double elevation) {
+  if (!std::isfinite(elevation)) return Acad::eInvalidInput;
+  HatchData* const data = dataToChange<HatchData>(*this);
+  if (data == nullptr) return Acad::eNotOpenForWrite;
+  data->content.elevation = elevation;
+  return Acad::eOk;
+}
+
+bool AcDbHatch::associative() const { return dataOf(*this).content.isAssociative; }
+
+Acad::ErrorStatus AcDbHatch::setAssociative(bool associative) {
+  HatchData* const data = dataToChange<HatchData>(*this);
+  if (data == nullptr) return Acad::eNotOpenForWrite;
+  data->content.isAssociative = associative;
+  if (!associative) {
+    for (HatchLoop& loop : data->content.loops) loop.sources.clear();
+  }
+  return Acad::eOk;
+}
+
+AcDbHatch::HatchStyle AcDbHatch::hatchStyle() const {
+  const int style = dataOf(*this).content.style;
+  return style == kOuter || style == kIgnore ? static_cast<HatchStyle>(style) : kNormal;
+}
+
+Acad::ErrorStatus AcDbHatch::setHatchStyle(HatchStyle style) {
+  HatchData* const data = dataToChange<HatchData>(*this);
+  if (data == nullptr) return Acad::eNotOpenForWrite;
+  data->content.style = style;
+  return Acad::eOk;
+}
+
+const ACHAR* AcDbHatch::patternName() const { return dataOf(*this).name.c_str(); }
+
+AcDbHatch::HatchPatternType AcDbHatch::patternType() const {
+  const int type = dataOf(*this).content.type;
+  return type == kUserDefined || type == kCustomDefined ? static_cast<HatchPatternType>(type) : kPreDefined;
+}
+
+bool AcDbHatch::isSolidFill() const { return dataOf(*this).content.isSolid; }
+
+double AcDbHatch::patternAngle() const { return dataOf(*this).content.angleRad; }
+
+Acad::ErrorStatus AcDbHatch::setPatternAngle(double radians) {
+  if (!std::isfinite(radians)) return Acad::eInvalidInput;
+  HatchData* const data = dataToChange<HatchData>(*this);
+  if (data == nullptr) return Acad::eNotOpenForWrite;
+  data->content.angleRad = radians;
+  return Acad::eOk;
+}
+
+double AcDbHatch::patternScale() const { return dataOf(*this).content.scale; }
+
+Acad::ErrorStatus AcDbHatch::setPatternScale(double scale) {
+  if (!std::isfinite(scale) || scale <= 0) return Acad::eInvalidInput;
+  HatchData* const data = dataToChange<HatchData>(*this);
+  if (data == nullptr) return Acad::eNotOpenForWrite;
+  data->content.scale = scale;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbHatch::setPattern(HatchPatternType type, const ACHAR* name) {
+  if (name == nullptr || *name == 0) return Acad::eInvalidInput;
+  const std::optional<Pattern> pattern = patternFor(*this, type, name);
+  if (!pattern) return Acad::eInvalidInput;
+  HatchData* const data = dataToChange<HatchData>(*this);
+  if (data == nullptr) return Acad::eNotOpenForWrite;
+  data->name = capitals(name);
+  data->content.type = type;
+  data->content.isSolid = pattern->families.empty();
+  data->content.pattern = scaledPattern(*pattern, data->content.angleRad, data->content.scale);
+  if (data->content.isGradient) {
+    data->content.isGradient = false;  // a pattern takes the gradient's place
+    data->content.gradientColors.clear();
+    data->content.tail.clear();
+  }
+  return Acad::eOk;
+}
+
+int AcDbHatch::numPatternDefinitions() const { return static_cast<int>(dataOf(*this).content.pattern.size()); }
+
+Acad::ErrorStatus AcDbHatch::getPatternDefinitionAt(int index, double& angle, double& baseX, double& baseY,
+                                                    double& offsetX, double& offsetY, AcGeDoubleArray& dashes) const {
+  if (index < 0 || index >= numPatternDefinitions()) return Acad::eInvalidIndex;
+  const PatternLine& line = dataOf(*this).content.pattern[static_cast<std::size_t>(index)];
+  angle = line.angleRad;
+  baseX = line.baseX;
+  baseY = line.baseY;
+  offsetX = line.offsetX;
+  offsetY = line.offsetY;
+  dashes.removeAll();
+  for (const double dash : line.dashes) dashes.append(dash);
+  return Acad::eOk;
+}
+
+int AcDbHatch::numLoops() const { return static_cast<int>(dataOf(*this).content.loops.size()); }
+
+Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcDbObjectIdArray& boundaries) {
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (associative() && objectId().isNull()) return Acad::eNotInDatabase;
+  Loop loop;
+  const Acad::ErrorStatus status = host::hatching::boundaryLoop(boundaries, normal(), loop);
+  if (status != Acad::eOk) return status;
+  HatchLoop made = polylineLoop(loopType, std::move(loop));
+  if (associative()) {
+    const Acad::ErrorStatus linked = linkSources(boundaries, objectId());
+    if (linked != Acad::eOk) return linked;
+    for (const AcDbObjectId id : boundaries) made.sources.push_back(static_cast<Adesk::UInt64>(id.handle()));
+  }
+  dataToChange<HatchData>(*this)->content.loops.push_back(std::move(made));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcGePoint2dArray& vertices,
+                                        const AcGeDoubleArray& bulges) {
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (!bulges.isEmpty() && bulges.length() != vertices.length()) return Acad::eInvalidInput;
+  std::vector<LoopVertex> points;
+  for (int i = 0; i < vertices.length(); ++i) {
+    points.push_back({vertices[i].x, vertices[i].y, bulges.isEmpty() ? 0 : bulges[i]});
+  }
+  Loop loop;
+  if (host::hatching::makeLoop(points, true, loop) != LoopFault::None) return Acad::eInvalidInput;
+  dataToChange<HatchData>(*this)->content.loops.push_back(polylineLoop(loopType, std::move(loop)));
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbHatch::evaluateHatch(bool /*underestimateNumLines*/) {
+  if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  const HatchData& data = dataOf(*this);
+  if (data.content.loops.empty() || !data.hasPattern()) return Acad::eInvalidInput;
+  if (data.content.isSolid) return Acad::eOk;
+  std::vector<Polygon> area;
+  for (const HatchLoop& loop : data.content.loops) {
+    const Polygon rough = flatten(loop, INFINITY);
+    if (!rough.empty()) area.push_back(flatten(loop, sizeOf(rough) * kDensityDetail));
+  }
+  switch (host::hatching::fillPattern(data.content.pattern, area, kMostPieces, [](const auto&) {})) {
+    case host::hatching::FillOutcome::TooDense:
+      return Acad::eHatchTooDense;
+    case host::hatching::FillOutcome::Degenerate:
+      return Acad::eInvalidInput;
+    case host::hatching::FillOutcome::Done:
+      break;
+  }
+  return Acad::eOk;
+}

@@ -1,0 +1,73 @@
+#include "Hatching/HatchData.h"
+
+#include <algorithm>
+#include <numbers>
+
+namespace host::hatching {
+
+namespace {
+
+using database::TagWriter;
+
+constexpr double kDegreesPerRad = 180 / std::numbers::pi;
+
+std::int64_t countOf(std::size_t size) { return static_cast<std::int64_t>(size); }
+
+void writePolyline(const HatchLoop& loop, TagWriter& out) {
+  const bool hasBulge =
+      std::any_of(loop.vertices.begin(), loop.vertices.end(), [](const LoopVertex& v) { return v.bulge != 0; });
+  out.integer(72, hasBulge ? 1 : 0).integer(73, 1).integer(93, countOf(loop.vertices.size()));
+  for (const LoopVertex& v : loop.vertices) {
+    out.point(10, v.x, v.y);
+    if (hasBulge) out.real(42, v.bulge);
+  }
+}
+
+void writeLoop(const HatchLoop& loop, TagWriter& out) {
+  out.integer(92, loop.type);
+  if (loop.raw.empty()) {
+    writePolyline(loop, out);
+  } else {
+    out.bytes(loop.raw);
+  }
+  out.integer(97, countOf(loop.sources.size()));
+  for (const std::uint64_t source : loop.sources) out.handle(330, source);
+}
+
+void writePattern(const HatchContent& content, TagWriter& out) {
+  out.real(52, content.angleRad * kDegreesPerRad).real(41, content.scale).integer(77, content.isDouble ? 1 : 0);
+  out.integer(78, countOf(content.pattern.size()));
+  for (const PatternLine& line : content.pattern) {
+    out.real(53, line.angleRad * kDegreesPerRad);
+    out.real(43, line.baseX).real(44, line.baseY).real(45, line.offsetX).real(46, line.offsetY);
+    out.integer(79, countOf(line.dashes.size()));
+    for (const double dash : line.dashes) out.real(49, dash);
+  }
+}
+
+}  // namespace
+
+void HatchData::read(database::TagCursor tags, const text::Codec& codec) {
+  content = parseHatch(tags, RawLoops::Keep);
+  name = codec.decode(content.name);
+}
+
+void HatchData::write(TagWriter& out) const {
+  out.raw(100, "AcDbHatch");
+  out.point(10, 0, 0, content.elevation);
+  out.point(210, content.normal.x, content.normal.y, content.normal.z);
+  out.text(2, name);
+  out.integer(70, content.isSolid ? 1 : 0).integer(71, content.isAssociative ? 1 : 0);
+  out.integer(91, countOf(content.loops.size()));
+  for (const HatchLoop& loop : content.loops) writeLoop(loop, out);
+  out.integer(75, content.style).integer(76, content.type);
+  if (!content.isSolid) writePattern(content, out);
+  if (content.pixelSize) out.real(47, *content.pixelSize);
+  // One seed at the origin is what readers expect of a hatch made without a pick.
+  const std::vector<Point2> seeds = content.seeds.empty() ? std::vector<Point2>{{0, 0}} : content.seeds;
+  out.integer(98, countOf(seeds.size()));
+  for (const Point2 seed : seeds) out.point(10, seed.x, seed.y);
+  out.bytes(content.tail);
+}
+
+}  // namespace host::hatching

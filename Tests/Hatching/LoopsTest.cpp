@@ -1,0 +1,191 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <numbers>
+#include <sstream>
+
+#include "Hatching/Arcs.h"
+#include "Hatching/Loops.h"
+
+namespace host::hatching {
+
+void PrintTo(LoopFault fault, std::ostream* out) {
+  static const char* const names[] = {"None", "NotFinite", "NotClosed", "TooFewPoints", "ZeroArea", "SelfCrossing"};
+  *out << names[static_cast<int>(fault)];
+}
+
+namespace {
+
+using Vertices = std::vector<LoopVertex>;
+
+struct HardLoop {
+  std::string name;
+  LoopFault fault = LoopFault::None;
+  bool closed = false;
+  Vertices vertices;
+};
+
+std::vector<HardLoop> hardLoops() {
+  static const std::map<std::string, LoopFault> faults{
+      {"None", LoopFault::None},           {"NotFinite", LoopFault::NotFinite},
+      {"NotClosed", LoopFault::NotClosed}, {"TooFewPoints", LoopFault::TooFewPoints},
+      {"ZeroArea", LoopFault::ZeroArea},   {"SelfCrossing", LoopFault::SelfCrossing}};
+  std::ifstream file(std::filesystem::path(__FILE__).replace_filename("loops.txt"));
+  std::vector<HardLoop> loops;
+  for (std::string line; std::getline(file, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    std::istringstream words(line);
+    HardLoop loop;
+    std::string fault;
+    std::string closed;
+    words >> loop.name >> fault >> closed;
+    loop.fault = faults.at(fault);
+    loop.closed = closed == "closed";
+    for (std::string point; words >> point;) {
+      double values[3] = {0, 0, 0};
+      std::istringstream fields(point);
+      std::string field;
+      for (int i = 0; i < 3 && std::getline(fields, field, ','); ++i) values[i] = std::stod(field);
+      loop.vertices.push_back({values[0], values[1], values[2]});
+    }
+    loops.push_back(std::move(loop));
+  }
+  return loops;
+}
+
+Vertices moved(Vertices vertices, double dx, double dy) {
+  for (LoopVertex& v : vertices) {
+    v.x += dx;
+    v.y += dy;
+  }
+  return vertices;
+}
+
+/// The same way round the other side: each piece keeps its arc.
+Vertices reversed(const Vertices& vertices) {
+  Vertices back;
+  for (std::size_t i = vertices.size(); i-- > 0;) {
+    const double bulge = vertices[(i + vertices.size() - 1) % vertices.size()].bulge;
+    back.push_back({vertices[i].x, vertices[i].y, bulge == 0 ? 0 : -bulge});
+  }
+  return back;
+}
+
+Vertices rotated(Vertices vertices) {
+  if (vertices.size() > 2) std::rotate(vertices.begin(), vertices.begin() + 2, vertices.end());
+  return vertices;
+}
+
+Loop made(const Vertices& vertices, bool closed = true) {
+  Loop loop;
+  EXPECT_EQ(makeLoop(vertices, closed, loop), LoopFault::None);
+  return loop;
+}
+
+TEST(Loops, HardOnesAreJudgedTheSameInEveryDress) {
+  const std::vector<HardLoop> loops = hardLoops();
+  ASSERT_GT(loops.size(), 30u);
+  for (const HardLoop& hard : loops) {
+    std::vector<std::pair<const char*, Vertices>> dresses{{"as is", hard.vertices}};
+    dresses.emplace_back("reversed", reversed(hard.vertices));
+    if (hard.closed) dresses.emplace_back("rotated", rotated(hard.vertices));
+    for (std::size_t i = 0, count = dresses.size(); i < count; ++i) {
+      dresses.emplace_back("moved", moved(dresses[i].second, 25'500'000, 6'700'000));
+    }
+    const double own = hard.fault == LoopFault::None ? area(made(hard.vertices, hard.closed)) : 0;
+    for (const auto& [dress, vertices] : dresses) {
+      SCOPED_TRACE(hard.name + " " + dress);
+      Loop loop{{1, 2, 3}};
+      EXPECT_EQ(makeLoop(vertices, hard.closed, loop), hard.fault);
+      if (hard.fault != LoopFault::None) {
+        EXPECT_EQ(loop.size(), 1u);  // left alone
+      } else {
+        EXPECT_NEAR(std::abs(area(loop)), std::abs(own), 1e-6);
+      }
+    }
+  }
+}
+
+TEST(Loops, DroppedRepeatsKeepTheArcThatFollows) {
+  const Loop loop = made({{0, 0, 0.7}, {0, 0, 1}, {10, 0, 0}, {10, 0, 1}, {0, 0, 0.2}}, false);
+  ASSERT_EQ(loop.size(), 2u);
+  EXPECT_EQ(loop[0].bulge, 1);
+  EXPECT_EQ(loop[1].bulge, 1);
+  EXPECT_NEAR(area(loop), std::numbers::pi * 25, 1e-9);
+}
+
+TEST(Loops, AreaCountsArcsWithTheirSide) {
+  const auto squareWith = [](double bulge) { return area(Loop{{0, 0, bulge}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}}); };
+  EXPECT_NEAR(squareWith(1), 100 + std::numbers::pi * 12.5, 1e-9);  // counter-clockwise: outwards
+  EXPECT_NEAR(squareWith(-1), 100 - std::numbers::pi * 12.5, 1e-9);
+  // The series for flat arcs and the closed form meet.
+  for (const double bulge : {1e-9, 1e-4, 3.1e-3, 3.2e-3, 1e-2}) {
+    const double radius = 10 * (1 + bulge * bulge) / (4 * bulge);
+    const double half = 2 * std::atan(bulge);
+    const double triangle = 5 * radius * std::cos(half);
+    const double expected = radius * radius * half - triangle;
+    EXPECT_NEAR(squareWith(bulge) - 100, expected, 1e-9 + 1e-13 * radius * radius) << bulge;
+  }
+}
+
+TEST(Loops, FlatteningStaysWithinItsDeviation) {
+  for (const double bulge : {0.05, 0.414, 1.0, 2.5, -1.7, 30.0}) {
+    const Loop loop = moved({{0, 0, bulge}, {7, 3, 0}, {2, 9, 0}}, 25'500'000, 6'700'000);
+    const Arc arc = arcOf({0, 0}, {7, 3}, bulge);
+    for (const double deviation : {1.0, 0.01, 1e-5}) {
+      const Polygon polygon = flatten(loop, deviation);
+      ASSERT_GE(polygon.size(), 3u);
+      // Up to the second corner all is arc: corners on it, middles of chords within the deviation.
+      for (std::size_t i = 0; i + 2 < polygon.size(); ++i) {
+        const Point2 a = polygon[i] - Point2{25'500'000, 6'700'000};
+        const Point2 b = polygon[i + 1] - Point2{25'500'000, 6'700'000};
+        EXPECT_NEAR(distance(a, arc.centre), arc.radius, 1e-6);
+        EXPECT_LE(arc.radius - distance((a + b) * 0.5, arc.centre), std::max(deviation, arc.radius * 3e-7) + 1e-7);
+      }
+    }
+  }
+  EXPECT_GE(flatten(Loop{{0, 0, 1}, {10, 0, 1}}, 1e9).size(), 4u);
+  EXPECT_LE(flatten(Loop{{0, 0, 1}, {10, 0, 1}}, 0).size(), 4096u);
+}
+
+/// A closed saw-tooth band: `teeth` long teeth side by side, turned by an angle.
+Vertices longTeeth(int teeth, double angle) {
+  Vertices vertices;
+  const auto add = [&](double x, double y) {
+    vertices.push_back({x * std::cos(angle) - y * std::sin(angle), x * std::sin(angle) + y * std::cos(angle), 0});
+  };
+  for (int i = 0; i < teeth; ++i) {
+    add(i, 0);
+    add(i + 0.5, teeth);
+  }
+  add(teeth, -1);
+  add(0, -1);
+  return vertices;
+}
+
+TEST(Loops, LargeOnesAreJudgedInTime) {
+  Vertices round;
+  for (int i = 0; i < 100'000; ++i) {
+    const double a = 2 * std::numbers::pi * i / 100'000;
+    const double r = 500 + (i % 2 == 0 ? 0.01 : 0);
+    round.push_back({25'500'000 + r * std::cos(a), 6'700'000 + r * std::sin(a), i % 3 == 0 ? 0.2 : 0});
+  }
+  made(round);
+  std::swap(round[70'000], round[70'003]);
+  Loop loop;
+  EXPECT_EQ(makeLoop(round, true, loop), LoopFault::SelfCrossing);
+
+  for (const double angle : {0.0, std::numbers::pi / 4, 1.0}) {
+    Vertices teeth = longTeeth(20'000, angle);
+    made(teeth);
+    std::swap(teeth[20'001], teeth[20'003]);
+    EXPECT_EQ(makeLoop(teeth, true, loop), LoopFault::SelfCrossing) << angle;
+  }
+}
+
+}  // namespace
+}  // namespace host::hatching
