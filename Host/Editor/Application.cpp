@@ -1,0 +1,108 @@
+#include "Editor/Application.h"
+
+#include "Editor/DialogInput.h"
+#include "Editor/Session.h"
+#include "Text/Text.h"
+
+namespace host::editor {
+namespace {
+
+Session& host() { return Session::instance(); }
+
+}  // namespace
+
+Application::Application(ApplicationOptions options) { host().begin(std::move(options)); }
+Application::~Application() { host().end(); }
+
+Result Application::openDrawing(const std::filesystem::path& file) { return host().openDrawing(file); }
+Result Application::newDrawing() { return host().newDrawing(); }
+
+void Application::closeDrawing() {
+  if (Document* const document = host().documents.current()) host().closeDocument(*document);
+}
+
+database::DrawingDatabase* Application::drawing() const {
+  const Document* const document = host().documents.current();
+  return document != nullptr ? &document->drawing() : nullptr;
+}
+
+std::filesystem::path Application::drawingFile() const {
+  const Document* const document = host().documents.current();
+  return document != nullptr ? document->file() : std::filesystem::path();
+}
+
+Result Application::saveDrawing(const std::filesystem::path& file) {
+  Document* const document = host().documents.current();
+  if (document == nullptr) return {RunStatus::OutputFailed, file.string() + ": no drawing is open"};
+  return host().saveDrawing(*document, file);
+}
+
+Result Application::loadModule(const std::filesystem::path& file) { return host().modules.load(file); }
+Result Application::unloadModule(std::wstring_view name) { return host().modules.unload(name); }
+
+std::vector<std::wstring> Application::moduleNames() const {
+  std::vector<std::wstring> names;
+  for (const auto& module : host().modules.all()) names.push_back(module->name);
+  return names;
+}
+
+Result Application::setVariable(std::wstring_view name, std::wstring_view value) {
+  const Variable* const variable = host().variables.find(name);
+  if (variable == nullptr) {
+    std::string hint;
+    for (const std::wstring& near : nearestNames(name, host().variables.names()))
+      hint += (hint.empty() ? "; nearest: " : ", ") + text::toUtf8(near);
+    return {RunStatus::WrongUsage, "unknown system variable \"" + text::toUtf8(name) + "\"" + hint};
+  }
+  if (const std::optional<std::wstring> problem = host().variables.setText(*variable, value))
+    return {RunStatus::WrongUsage, text::toUtf8(variable->name) + ": " + text::toUtf8(*problem)};
+  return {};
+}
+
+Result Application::run(InputSource& input) { return host().run(input); }
+bool Application::quitRequested() const { return host().quitRequested; }
+void Application::interrupt() { Session::interrupted = true; }
+
+void Application::addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler) {
+  host().commands.addBuiltIn(std::move(name), flags, std::move(handler));
+}
+
+std::vector<std::wstring> Application::commandNames() const { return host().commands.names(); }
+
+void Application::setPickfirst(const std::vector<database::Slot*>& entities) {
+  Document* const document = host().documents.current();
+  if (document == nullptr) return;
+  document->pickfirst = entities;
+  host().editor.tell(&AcEditorReactor::pickfirstModified);
+}
+
+const std::vector<database::Slot*>& Application::pickfirst() const {
+  static const std::vector<database::Slot*> none;
+  const Document* const document = host().documents.current();
+  return document != nullptr ? document->pickfirst : none;
+}
+
+const database::BlockContents* Application::currentSpace() const {
+  return host().documents.current() != nullptr ? &host().currentSpace() : nullptr;
+}
+
+std::wstring Application::currentLayoutName() const {
+  const Document* const document = host().documents.current();
+  return document != nullptr ? document->currentLayout : std::wstring();
+}
+
+std::size_t Application::openSelectionSets() const { return host().sets.count(); }
+void Application::refuseLocks(bool refuse) { host().documents.refuseLocks = refuse; }
+
+// ---- dialogs --------------------------------------------------------------------------------------------------------
+
+Answer nextDialogLine(std::wstring_view what) { return host().dialogLine(what); }
+bool refuseDialogLine(std::wstring_view sentence) { return host().refuse(sentence); }
+
+void showNotice(std::wstring_view caption, std::wstring_view text) {
+  host().transcript.line(L"[" + std::wstring(caption) + L"] " + std::wstring(text));
+}
+
+std::wstring_view programName() { return host().options().programName; }
+
+}  // namespace host::editor

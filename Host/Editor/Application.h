@@ -1,0 +1,92 @@
+// The editor of the host: what programs (command line, terminal, window) open, run and ask.
+//
+// One Application at a time stands for the process-wide host that plug-ins see (document manager, command stack,
+// registry). Destroying it closes the drawings and unloads the modules.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Editor/InputSource.h"
+#include "Editor/Prompter.h"
+#include "Editor/Result.h"
+#include "Editor/Transcript.h"
+
+namespace host::editor {
+
+class Session;
+
+/// Progress of long work; `fraction` 0 to 1, negative when the meter goes away.
+using MeterSink = std::function<void(std::wstring_view label, double fraction)>;
+
+struct ApplicationOptions {
+  std::wstring programName = L"tolmex";  // caption of message boxes
+  Transcript::Sink transcript;
+  std::function<void(std::string_view)> problem;  // one UTF-8 sentence without line end
+  MeterSink meter;
+  std::function<void()> regenerate;  // REGEN and ads_regen
+  std::vector<std::filesystem::path> supportFolders;
+};
+
+class Application {
+ public:
+  explicit Application(ApplicationOptions options = {});
+  ~Application();
+  Application(const Application&) = delete;
+  Application& operator=(const Application&) = delete;
+
+  /// Opens a drawing as a further document and makes it the current one. Status 2 with one sentence on failure.
+  Result openDrawing(const std::filesystem::path& file);
+  /// A new drawing with the standard tables, metric, as a further document.
+  Result newDrawing();
+  /// Closes the current document without saving; the one before it becomes current.
+  void closeDrawing();
+  /// The current drawing, or null.
+  database::DrawingDatabase* drawing() const;
+  /// File of the current drawing; empty for a new one.
+  std::filesystem::path drawingFile() const;
+  /// Writes the current drawing; status 4. The drawing keeps its own name.
+  Result saveDrawing(const std::filesystem::path& file);
+
+  /// Loads a module and tells it about the open drawings. A module that is loaded already stays as it is.
+  Result loadModule(const std::filesystem::path& file);
+  /// Refused while the module is locked.
+  Result unloadModule(std::wstring_view name);
+  std::vector<std::wstring> moduleNames() const;
+
+  /// "LTSCALE", "0.5": the value as SETVAR takes it. Status 1.
+  Result setVariable(std::wstring_view name, std::wstring_view value);
+
+  /// Runs commands until the input ends, fails or says QUIT. The first failure is the answer.
+  Result run(InputSource& input);
+  /// QUIT was said.
+  bool quitRequested() const;
+  /// Makes the running command's next question end in Esc and stops the script. Safe from signal handlers and threads.
+  static void interrupt();
+
+  /// A command of the program itself. The handler uses `Prompter` for questions and failures. Names are in capitals.
+  void addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler);
+  /// Global and local names of all commands, sorted: for completion.
+  std::vector<std::wstring> commandNames() const;
+
+  /// The set selected before a command starts; for windows. Handed to the next command that takes it.
+  void setPickfirst(const std::vector<database::Slot*>& entities);
+  const std::vector<database::Slot*>& pickfirst() const;
+  /// What the input-point monitors say at a point of the current space, lines separated by "\n".
+  std::wstring tooltipAt(const AcGePoint3d& point);
+
+  /// Block of the current layout.
+  const database::BlockContents* currentSpace() const;
+  std::wstring currentLayoutName() const;
+
+  /// Selection sets that nobody has freed.
+  std::size_t openSelectionSets() const;
+  /// Makes every document lock of plug-ins fail from now on, for trying out what they do then.
+  void refuseLocks(bool refuse);
+};
+
+}  // namespace host::editor

@@ -1,0 +1,183 @@
+#include "Editor/Documents.h"
+
+#include <algorithm>
+
+#include "Editor/Modules.h"
+#include "Editor/Session.h"
+#include "Text/Text.h"
+#include "axlock.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcApDocument, AcRxObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcApDocManagerReactor, AcRxObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcApDocManager, AcRxObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcEdInputPointManager, AcRxObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcEdInputPointMonitor, AcRxObject)
+
+namespace host::editor {
+
+Acad::ErrorStatus InputPointManager::addPointMonitor(AcEdInputPointMonitor* monitor) {
+  if (monitor == nullptr) return Acad::eNullObjectPointer;
+  if (std::find(monitors.begin(), monitors.end(), monitor) == monitors.end()) monitors.push_back(monitor);
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus InputPointManager::removePointMonitor(AcEdInputPointMonitor* monitor) {
+  return std::erase(monitors, monitor) > 0 ? Acad::eOk : Acad::eKeyNotFound;
+}
+
+Acad::ErrorStatus InputPointManager::turnOnForcedPick() {
+  ++forcedPicks;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus InputPointManager::turnOffForcedPick() {
+  if (forcedPicks == 0) return Acad::eInvalidInput;
+  --forcedPicks;
+  return Acad::eOk;
+}
+
+void Document::setFile(const std::filesystem::path& file) {
+  file_ = file;
+  fileName_ = text::fromUtf8(file.string());
+}
+
+void Document::setUntitled(int number) {
+  file_.clear();
+  fileName_ = L"Drawing" + std::to_wstring(number) + L".dxf";
+}
+
+template <class Tell>
+void DocumentManager::tell(const Tell& message) {
+  // A reactor may remove itself or others while it is told.
+  const std::vector<AcApDocManagerReactor*> told = reactors_;
+  for (AcApDocManagerReactor* reactor : told) {
+    if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end()) message(*reactor);
+  }
+}
+
+bool DocumentManager::owns(const AcApDocument* document) const {
+  return std::any_of(documents_.begin(), documents_.end(), [document](const auto& d) { return d.get() == document; });
+}
+
+AcApDocument* DocumentManager::document(const AcDbDatabase* db) const {
+  for (const auto& document : documents_) {
+    if (document->database() == db) return document.get();
+  }
+  return nullptr;
+}
+
+void DocumentManager::addReactor(AcApDocManagerReactor* reactor) {
+  if (reactor != nullptr && std::find(reactors_.begin(), reactors_.end(), reactor) == reactors_.end())
+    reactors_.push_back(reactor);
+}
+
+void DocumentManager::removeReactor(AcApDocManagerReactor* reactor) { std::erase(reactors_, reactor); }
+
+int DocumentManager::forgetModule(const void* base) {
+  return static_cast<int>(std::erase_if(
+      reactors_, [base](const AcApDocManagerReactor* reactor) { return moduleOfObject(reactor) == base; }));
+}
+
+Acad::ErrorStatus DocumentManager::lockDocument(AcApDocument* document, AcAp::DocLockMode, const ACHAR*, const ACHAR*,
+                                                bool) {
+  if (document == nullptr || !owns(document)) return Acad::eNoDatabase;
+  if (refuseLocks) return Acad::eLockViolation;
+  ++static_cast<Document*>(document)->locks;
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus DocumentManager::unlockDocument(AcApDocument* document) {
+  if (document == nullptr || !owns(document)) return Acad::eNoDatabase;
+  int& locks = static_cast<Document*>(document)->locks;
+  if (locks == 0) return Acad::eLockViolation;
+  --locks;
+  return Acad::eOk;
+}
+
+void DocumentManager::pushResourceHandle(HINSTANCE resources) {
+  (current_ != nullptr ? current_->resources : resourcesWithoutDocument_).push_back(resources);
+}
+
+void DocumentManager::popResourceHandle() {
+  std::vector<HINSTANCE>& stack = current_ != nullptr ? current_->resources : resourcesWithoutDocument_;
+  if (!stack.empty()) stack.pop_back();
+}
+
+HINSTANCE DocumentManager::topResource() const {
+  const std::vector<HINSTANCE>& stack = current_ != nullptr ? current_->resources : resourcesWithoutDocument_;
+  return stack.empty() ? nullptr : stack.back();
+}
+
+void DocumentManager::setCurrent(Document* document) {
+  current_ = document;
+  Session::instance().services.working = document != nullptr ? document->database() : nullptr;
+}
+
+Document& DocumentManager::add(std::unique_ptr<Document> document) {
+  Document* const added = document.get();
+  documents_.push_back(std::move(document));
+  tell([added](AcApDocManagerReactor& r) { r.documentCreateStarted(added); });
+  // With nothing else to be current, reactors that ask for the current document find the new one.
+  if (current_ == nullptr) setCurrent(added);
+  tell([added](AcApDocManagerReactor& r) { r.documentCreated(added); });
+  if (Document* const former = current_; former != added) {
+    tell([former](AcApDocManagerReactor& r) { r.documentToBeDeactivated(former); });
+    setCurrent(added);
+  }
+  tell([added](AcApDocManagerReactor& r) { r.documentBecameCurrent(added); });
+  tell([added](AcApDocManagerReactor& r) { r.documentToBeActivated(added); });
+  tell([added](AcApDocManagerReactor& r) { r.documentActivated(added); });
+  return *added;
+}
+
+void DocumentManager::close(Document& document) {
+  setCurrent(&document);
+  tell([&document](AcApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
+  const std::wstring name = document.fileName();
+  const auto place = std::find_if(documents_.begin(), documents_.end(),
+                                  [&document](const auto& d) { return d.get() == &document; });
+  const std::unique_ptr<Document> closing = std::move(*place);
+  documents_.erase(place);
+  Document* const next = documents_.empty() ? nullptr : documents_.back().get();
+  setCurrent(next);
+  tell([&name](AcApDocManagerReactor& r) { r.documentDestroyed(name.c_str()); });
+  if (next == nullptr) return;
+  tell([next](AcApDocManagerReactor& r) { r.documentBecameCurrent(next); });
+  tell([next](AcApDocManagerReactor& r) { r.documentActivated(next); });
+}
+
+}  // namespace host::editor
+
+Acad::ErrorStatus AcEdInputPointMonitor::monitorInputPoint(
+    bool& appendToTooltipStr, ACHAR*&, AcGiViewportDraw*, AcApDocument*, bool, int, const AcGePoint3d&,
+    const AcGePoint3d&, const AcGePoint3d&, const AcGePoint3d&, const AcGePoint3d&, AcDb::OsnapMask,
+    const AcArray<AcDbCustomOsnapMode*>&, AcDb::OsnapMask, const AcArray<AcDbCustomOsnapMode*>&,
+    const AcArray<AcDbObjectId>&, const AcArrayObjectCopy<AcDbObjectIdArray>&, const AcArray<Adesk::GsMarker>&,
+    const AcArray<AcDbObjectId>&, const AcArrayObjectCopy<AcDbObjectIdArray>&, const AcArray<Adesk::GsMarker>&,
+    const AcArray<AcGeCurve3d*>&, const AcGePoint3d&, const ACHAR*) {
+  appendToTooltipStr = false;
+  return Acad::eOk;
+}
+
+AcApDocManager* acDocManagerPtr() { return &host::editor::Session::instance().documents; }
+
+AcDbDatabase* acdbCurDwg() {
+  const host::editor::Document* const document = host::editor::Session::instance().documents.current();
+  return document != nullptr ? document->database() : nullptr;
+}
+
+AcAxDocLock::AcAxDocLock(DocLockType) : document_(acDocManager->curDocument()) {
+  status_ = acDocManager->lockDocument(document_);
+}
+
+AcAxDocLock::AcAxDocLock(const AcDbObjectId& id, DocLockType type)
+    : AcAxDocLock(id.isNull() ? nullptr : id.database(), type) {}
+
+AcAxDocLock::AcAxDocLock(AcDbDatabase* db, DocLockType) : document_(acDocManager->document(db)) {
+  // A drawing outside the editor needs no lock.
+  status_ = db != nullptr && document_ == nullptr ? Acad::eOk : acDocManager->lockDocument(document_);
+}
+
+AcAxDocLock::~AcAxDocLock() {
+  if (status_ == Acad::eOk && document_ != nullptr) acDocManager->unlockDocument(document_);
+}

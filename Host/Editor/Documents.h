@@ -1,0 +1,97 @@
+// Open drawings as plug-ins see them.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Geometry/EntityPaths.h"
+#include "acdocman.h"
+
+namespace host::editor {
+
+class InputPointManager final : public AcEdInputPointManager {
+ public:
+  Acad::ErrorStatus addPointMonitor(AcEdInputPointMonitor* monitor) override;
+  Acad::ErrorStatus removePointMonitor(AcEdInputPointMonitor* monitor) override;
+  Acad::ErrorStatus turnOnForcedPick() override;
+  Acad::ErrorStatus turnOffForcedPick() override;
+
+  std::vector<AcEdInputPointMonitor*> monitors;
+  int forcedPicks = 0;
+};
+
+/// A drawing with what the editor remembers about it.
+class Document final : public AcApDocument {
+ public:
+  explicit Document(std::unique_ptr<AcDbDatabase> database) : database_(std::move(database)) {}
+
+  AcDbDatabase* database() const override { return database_.get(); }
+  const ACHAR* fileName() const override { return fileName_.c_str(); }
+  AcEdInputPointManager* inputPointManager() const override { return &pointManager; }
+  AcAp::DocLockMode myLockMode() const override { return locks > 0 ? AcAp::kWrite : AcAp::kNotLocked; }
+
+  database::DrawingDatabase& drawing() const { return database_->hostDatabase(); }
+  const std::filesystem::path& file() const { return file_; }
+  /// Full path of the drawing; "Drawing1.dxf" without a folder for a new one.
+  void setFile(const std::filesystem::path& file);
+  void setUntitled(int number);
+
+  int locks = 0;
+  mutable InputPointManager pointManager;
+  std::vector<HINSTANCE> resources;
+  AcGePoint3d lastPoint;
+  std::vector<database::Slot*> previousSelection;
+  std::vector<database::Slot*> pickfirst;
+  geometry::Box view;                        // empty until ZOOM: the extents then
+  std::vector<geometry::Box> formerViews;
+  std::wstring currentLayout = L"Model";
+
+ private:
+  std::unique_ptr<AcDbDatabase> database_;
+  std::filesystem::path file_;
+  std::wstring fileName_;
+};
+
+class DocumentManager final : public AcApDocManager {
+ public:
+  AcApDocument* curDocument() const override { return current_; }
+  AcApDocument* mdiActiveDocument() const override { return current_; }
+  AcApDocument* document(const AcDbDatabase* db) const override;
+  void addReactor(AcApDocManagerReactor* reactor) override;
+  void removeReactor(AcApDocManagerReactor* reactor) override;
+  Acad::ErrorStatus lockDocument(AcApDocument* document, AcAp::DocLockMode mode, const ACHAR* globalCommand,
+                                 const ACHAR* localCommand, bool prompt) override;
+  Acad::ErrorStatus unlockDocument(AcApDocument* document) override;
+  void pushResourceHandle(HINSTANCE resources) override;
+  void popResourceHandle() override;
+
+  Document* current() const { return current_; }
+  const std::vector<std::unique_ptr<Document>>& all() const { return documents_; }
+  bool owns(const AcApDocument* document) const;
+  /// Takes a new document over, tells the reactors, makes it the current one.
+  Document& add(std::unique_ptr<Document> document);
+  /// Tells the reactors and destroys it; the last other document becomes current.
+  void close(Document& document);
+  /// Makes it current without telling anybody; for messages about one document. Null: none.
+  void setCurrent(Document* document);
+  /// Resource handle on top of the current document's stack, or null.
+  HINSTANCE topResource() const;
+  /// Drops reactors whose code lies in a module that goes away; how many there were.
+  int forgetModule(const void* base);
+
+  bool refuseLocks = false;
+
+ private:
+  template <class Tell>
+  void tell(const Tell& message);
+
+  std::vector<std::unique_ptr<Document>> documents_;
+  std::vector<AcApDocManagerReactor*> reactors_;
+  std::vector<HINSTANCE> resourcesWithoutDocument_;
+  Document* current_ = nullptr;
+};
+
+}  // namespace host::editor

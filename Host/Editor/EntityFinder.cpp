@@ -1,0 +1,215 @@
+#include "Editor/EntityFinder.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace host::editor {
+namespace {
+
+using database::DxfType;
+using database::Slot;
+
+bool hasEndlessShape(const Slot& entity) { return entity.type == DxfType::XLine || entity.type == DxfType::Ray; }
+
+/// Drawn by the entity's own tags alone, so that nothing but a change of its record moves it.
+bool drawsItself(const Slot& entity) {
+  switch (entity.type) {
+    case DxfType::Insert:
+    case DxfType::Dimension:
+    case DxfType::Leader:
+    case DxfType::MultiLeader:
+    case DxfType::Table:
+      return false;
+    default:
+      return entity.firstSub == nullptr && (entity.flags & (database::kNew | database::kChanged)) == 0;
+  }
+}
+
+geometry::Box boxAround(const std::vector<geometry::Point>& points) {
+  geometry::Box box;
+  for (const geometry::Point& point : points) box.add(point);
+  return box;
+}
+
+bool isInside(const geometry::Box& inner, const geometry::Box& outer) {
+  return inner.minX >= outer.minX && inner.maxX <= outer.maxX && inner.minY >= outer.minY && inner.maxY <= outer.maxY;
+}
+
+bool isHidden(const Slot& entity) {
+  database::Tag tag;
+  for (database::TagCursor tags = entity.tags(); tags.next(tag);) {
+    if (tag.code == 60) return tag.integer() != 0;
+    // Common tags end with the entity's own subclass; group 60 stands before it.
+    if (tag.code == 100 && tag.trimmed() != "AcDbEntity") return false;
+  }
+  return false;
+}
+
+}  // namespace
+
+void EntityFinder::forget() { *this = EntityFinder(); }
+
+void EntityFinder::refresh(Drawing& drawing) {
+  if (drawing_ != &drawing) {
+    forget();
+    drawing_ = &drawing;
+  } else if (changeCount_ == drawing.changeCount()) {
+    return;
+  }
+  changeCount_ = drawing.changeCount();
+  layers_.clear();
+  orders_.clear();
+  boxes_.clear();
+}
+
+LayerState EntityFinder::layerState(const Slot& entity) {
+  refresh(entity.database());
+  const auto [found, isNew] = layers_.try_emplace(entity.layer);
+  LayerState& state = found->second;
+  if (!isNew) return state;
+  const Slot* const record = entity.database().layerRecord(entity.layer);
+  if (record == nullptr) return state;
+  database::Tag tag;
+  for (database::TagCursor tags = record->tags(); tags.next(tag);) {
+    if (tag.code == 70) {
+      state.frozen = (tag.integer() & 1) != 0;
+      state.locked = (tag.integer() & 4) != 0;
+    } else if (tag.code == 62) {
+      state.off = tag.integer() < 0;
+    } else if (tag.code == 1001) {
+      break;
+    }
+  }
+  return state;
+}
+
+bool EntityFinder::isVisible(const Slot& entity) {
+  if (entity.isErased()) return false;
+  const LayerState state = layerState(entity);
+  return !state.off && !state.frozen && !isHidden(entity);
+}
+
+std::vector<Slot*> EntityFinder::visibleNewestFirst(const Space& space) {
+  std::vector<Slot*> found;
+  for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
+    if (isVisible(**it)) found.push_back(*it);
+  }
+  return found;
+}
+
+const geometry::Box& EntityFinder::boxOf(const Slot& entity) {
+  refresh(entity.database());
+  auto& cache = drawsItself(entity) ? fileBoxes_ : boxes_;
+  const auto [found, isNew] = cache.try_emplace(&entity);
+  if (isNew) found->second = geometry::entityExtents(entity);
+  return found->second;
+}
+
+geometry::Box EntityFinder::extents(Drawing& drawing, const Space& space) {
+  refresh(drawing);
+  geometry::Box box;
+  for (const Slot* entity : space.entities) {
+    if (entity->isErased() || hasEndlessShape(*entity) || !isVisible(*entity)) continue;
+    const geometry::Box& own = boxOf(*entity);
+    if (!own.isEmpty()) box.add(own);
+  }
+  return box;
+}
+
+const std::vector<Slot*>& EntityFinder::drawOrder(Drawing& drawing, const Space& space) {
+  refresh(drawing);
+  const auto [found, isNew] = orders_.try_emplace(space.record);
+  if (isNew) found->second = drawing.drawOrder(space);
+  return found->second;
+}
+
+std::vector<Slot*> EntityFinder::at(Drawing& drawing, const Space& space, geometry::Point point, double aperture,
+                                    bool all) {
+  std::vector<Slot*> found;
+  const std::vector<Slot*>& order = drawOrder(drawing, space);
+  for (auto it = order.rbegin(); it != order.rend(); ++it) {
+    const Slot& entity = **it;
+    const LayerState state = layerState(entity);
+    if (entity.isErased() || state.off || state.frozen) continue;
+    if (!hasEndlessShape(entity)) {
+      const geometry::Box& box = boxOf(entity);
+      if (box.isEmpty() || point.x < box.minX - aperture || point.x > box.maxX + aperture ||
+          point.y < box.minY - aperture || point.y > box.maxY + aperture)
+        continue;
+    }
+    if (isHidden(entity) || !(geometry::distanceTo(entity, point, aperture) <= aperture)) continue;
+    found.push_back(*it);
+    if (!all) break;
+  }
+  return found;
+}
+
+std::vector<Slot*> EntityFinder::inWindow(const Space& space, const std::vector<geometry::Point>& polygon,
+                                          geometry::Window kind) {
+  std::vector<Slot*> found;
+  const geometry::Box window = boxAround(polygon);
+  for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
+    const Slot& entity = **it;
+    if (!isVisible(entity)) continue;
+    if (!hasEndlessShape(entity)) {
+      const geometry::Box& box = boxOf(entity);
+      if (box.isEmpty()) continue;
+      if (kind == geometry::Window::Inside ? !isInside(box, window) : !box.intersects(window)) continue;
+    }
+    if (geometry::isInWindow(entity, polygon, kind)) found.push_back(*it);
+  }
+  return found;
+}
+
+std::vector<Slot*> EntityFinder::onFence(const Space& space, const std::vector<geometry::Point>& fence) {
+  std::vector<Slot*> found;
+  const geometry::Box around = boxAround(fence);
+  for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
+    const Slot& entity = **it;
+    if (!isVisible(entity)) continue;
+    if (!hasEndlessShape(entity) && !boxOf(entity).intersects(around)) continue;
+    if (geometry::crossesFence(entity, fence)) found.push_back(*it);
+  }
+  return found;
+}
+
+std::vector<Slot*> EntityFinder::withGroups(Slot* entity) {
+  // Members carry their group's handle among their reactors.
+  std::vector<const Slot*> groups;
+  const Drawing& drawing = entity->database();
+  database::Tag tag;
+  bool inReactors = false;
+  for (database::TagCursor tags = entity->tags(); tags.next(tag);) {
+    if (tag.code == 102) {
+      if (inReactors) break;
+      inReactors = tag.trimmed() == "{ACAD_REACTORS";
+    } else if (tag.code == 100) {
+      break;
+    } else if (inReactors && tag.code == 330) {
+      const Slot* const reactor = drawing.findHandle(tag.handle());
+      if (reactor != nullptr && reactor->type == DxfType::Group && !reactor->isErased()) groups.push_back(reactor);
+    }
+  }
+  std::vector<Slot*> members{entity};
+  if (groups.empty()) return members;
+  std::unordered_set<const Slot*> known{entity};
+  for (const Slot* group : groups) {
+    std::vector<Slot*> others;
+    bool selectable = false;
+    bool isMember = false;
+    for (database::TagCursor tags = group->tags(); tags.next(tag);) {
+      if (tag.code == 71) selectable = tag.integer() != 0;
+      if (tag.code != 340) continue;
+      Slot* const member = drawing.findHandle(tag.handle());
+      if (member == entity) isMember = true;
+      if (member != nullptr && member->owner == entity->owner && isVisible(*member)) others.push_back(member);
+    }
+    if (!selectable || !isMember) continue;
+    for (Slot* member : others) {
+      if (known.insert(member).second) members.push_back(member);
+    }
+  }
+  return members;
+}
+
+}  // namespace host::editor

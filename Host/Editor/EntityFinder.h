@@ -1,0 +1,62 @@
+// Finding entities on the screen that is not there: picks, windows, fences, layers' states, groups.
+//
+// The pick aperture is PICKBOX pixels of a notional screen 1000 pixels wide that shows the current view, or the extents
+// of the space before any ZOOM: ZOOM in to pick more finely, as at a screen.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Geometry/EntityPaths.h"
+
+namespace host::editor {
+
+struct LayerState {
+  bool off = false, frozen = false, locked = false;
+};
+
+/// Answers about one drawing at a time, with caches that follow its change counter.
+class EntityFinder {
+ public:
+  using Slot = database::Slot;
+  using Drawing = database::DrawingDatabase;
+  using Space = database::BlockContents;
+
+  static constexpr double kScreenPixels = 1000;
+
+  /// Drops what is known, when a drawing is closed.
+  void forget();
+
+  LayerState layerState(const Slot& entity);
+  /// On a layer that is on and thawed, and not hidden by itself.
+  bool isVisible(const Slot& entity);
+  /// Living entities of the space that are visible, newest first.
+  std::vector<Slot*> visibleNewestFirst(const Space& space);
+  /// Box around the visible entities.
+  geometry::Box extents(Drawing& drawing, const Space& space);
+
+  /// Visible entities within `aperture` of the point, topmost first; only the first one unless `all`.
+  std::vector<Slot*> at(Drawing& drawing, const Space& space, geometry::Point point, double aperture, bool all);
+  /// Visible entities inside the polygon, or touching it; newest first.
+  std::vector<Slot*> inWindow(const Space& space, const std::vector<geometry::Point>& polygon, geometry::Window kind);
+  /// Visible entities that the open line crosses; newest first.
+  std::vector<Slot*> onFence(const Space& space, const std::vector<geometry::Point>& fence);
+  /// The entity with the living members of its selectable groups; the entity alone when it is in none.
+  std::vector<Slot*> withGroups(Slot* entity);
+
+ private:
+  void refresh(Drawing& drawing);
+  const geometry::Box& boxOf(const Slot& entity);
+  const std::vector<Slot*>& drawOrder(Drawing& drawing, const Space& space);
+
+  const Drawing* drawing_ = nullptr;
+  std::uint64_t changeCount_ = 0;
+  std::unordered_map<std::uint32_t, LayerState> layers_;
+  std::unordered_map<const Slot*, std::vector<Slot*>> orders_;  // by block record
+  std::unordered_map<const Slot*, geometry::Box> fileBoxes_;    // of entities that are as in the file
+  std::unordered_map<const Slot*, geometry::Box> boxes_;        // of the others, until the next change
+};
+
+}  // namespace host::editor

@@ -1,0 +1,24 @@
+// The host's own commands.
+#pragma once
+
+#include <span>
+
+#include "Editor/CommandStack.h"
+
+namespace host::editor {
+
+struct HostCommand {
+  const wchar_t* name;
+  Adesk::Int32 flags;
+  void (*handler)(Prompter&);
+};
+
+std::span<const HostCommand> fileCommands();     // OPEN, QSAVE, ARX, SCRIPT ...
+std::span<const HostCommand> editCommands();     // U, ERASE, SELECT, SETVAR ...
+std::span<const HostCommand> drawCommands();     // LINE, PLINE
+std::span<const HostCommand> layerCommands();    // LAYER, LINETYPE
+std::span<const HostCommand> inspectCommands();  // LIST, LAYOUT, ZOOM, HOVER
+
+void addHostCommands(CommandStack& commands);
+
+}  // namespace host::editor

@@ -1,0 +1,234 @@
+// LIST, LAYOUT, ZOOM, HOVER.
+#include <cmath>
+
+#include "Editor/HostCommands.h"
+#include "Editor/Session.h"
+#include "Editor/Spaces.h"
+#include "Hatching/Loops.h"
+#include "Text/Text.h"
+#include "dbents.h"
+#include "dbpl.h"
+
+namespace host::editor {
+namespace {
+
+using database::Slot;
+
+database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents.current()->drawing(); }
+
+// ---- LIST -----------------------------------------------------------------------------------------------------------
+
+void listLine(Prompter& prompter, const AcDbLine& line) {
+  const AcGePoint3d from = line.startPoint(), to = line.endPoint();
+  prompter.line(L"    from " + shownPoint(from) + L" to " + shownPoint(to) + L"  length " +
+                shownNumber(from.distanceTo(to)));
+}
+
+void listPolyline(Prompter& prompter, const AcDbPolyline& polyline) {
+  std::vector<hatching::LoopVertex> vertices;
+  double length = 0;
+  for (unsigned i = 0; i < polyline.numVerts(); ++i) {
+    AcGePoint2d point;
+    double bulge = 0;
+    polyline.getPointAt(i, point);
+    polyline.getBulgeAt(i, bulge);
+    vertices.push_back({point.x, point.y, bulge});
+    prompter.line(L"    at " + shownNumber(point.x) + L"," + shownNumber(point.y) +
+                  (bulge != 0 ? L"  bulge " + shownNumber(bulge) : std::wstring()));
+  }
+  const std::size_t pieces = vertices.empty() ? 0 : vertices.size() - (polyline.isClosed() ? 0 : 1);
+  for (std::size_t i = 0; i < pieces; ++i) {
+    const hatching::LoopVertex& a = vertices[i];
+    const hatching::LoopVertex& b = vertices[(i + 1) % vertices.size()];
+    const double chord = std::hypot(b.x - a.x, b.y - a.y);
+    const double quarter = std::atan(std::abs(a.bulge));
+    length += a.bulge == 0 ? chord : chord * 2 * quarter / std::sin(2 * quarter);
+  }
+  std::wstring summary = polyline.isClosed() ? L"    closed" : L"    open";
+  summary += L"  length " + shownNumber(length);
+  if (polyline.isClosed()) summary += L"  area " + shownNumber(std::abs(hatching::area(vertices)));
+  prompter.line(summary);
+}
+
+void listEntity(Prompter& prompter, Slot& slot) {
+  const database::DrawingDatabase& drawing = slot.database();
+  std::wstring line = L"  " + text::fromUtf8(drawing.typeName(slot)) + L"  Layer: \"" + drawing.layerName(slot.layer) +
+                      L"\"  Space: " + (slot.owner == drawing.modelSpace().record ? L"Model" : L"Paper") +
+                      L"  Handle = " + text::fromUtf8(text::formatHandle(slot.handle));
+  const database::EntityProperties properties = database::entityProperties(slot);
+  if (properties.color == 0) {
+    line += L"  Color: BYBLOCK";
+  } else if (properties.color != 256) {
+    line += L"  Color: " + std::to_wstring(properties.color);
+  }
+  if (!properties.linetype.empty()) line += L"  Linetype: \"" + drawing.codec().decode(properties.linetype) + L"\"";
+  prompter.line(line);
+  AcDbEntity* entity = nullptr;
+  if (acdbOpenAcDbEntity(entity, AcDbObjectId(&slot), AcDb::kForRead) != Acad::eOk) return;
+  if (const auto* asLine = AcDbLine::cast(entity)) listLine(prompter, *asLine);
+  if (const auto* asPolyline = AcDbPolyline::cast(entity)) listPolyline(prompter, *asPolyline);
+  entity->close();
+}
+
+void list(Prompter& prompter) {
+  Session& session = prompter.session();
+  std::vector<Slot*> entities;
+  if (session.mayTakePickfirst()) entities = std::exchange(session.documents.current()->pickfirst, {});
+  if (entities.empty()) entities = prompter.select().value;
+  for (Slot* entity : entities) {
+    if (!entity->isErased()) listEntity(prompter, *entity);
+  }
+}
+
+// ---- LAYOUT ---------------------------------------------------------------------------------------------------------
+
+void switchTo(Prompter& prompter, const std::wstring& name) {
+  Session& session = prompter.session();
+  if (text::equalFolded(session.documents.current()->currentLayout, name)) return;
+  if (!session.switchLayout(name)) {
+    std::wstring known;
+    for (const auto& [layout, block] : drawingOf(prompter).layouts()) known += (known.empty() ? L"" : L", ") + layout;
+    prompter.refuse(L"No layout is named \"" + name + L"\"; there are: " + known + L".");
+  }
+}
+
+void layout(Prompter& prompter) {
+  Document& document = *prompter.session().documents.current();
+  Limits limits;
+  limits.keywords = Keywords(L"? Set");
+  const auto option = prompter.word(L"Enter layout option [Set/?] <Set>: ", limits);
+  if (option.outcome == Outcome::Cancel) return;
+  if (option.outcome == Outcome::Value) {
+    switchTo(prompter, option.value);
+    return;
+  }
+  if (option.outcome == Outcome::Keyword && option.keyword == L"?") {
+    for (const auto& [name, block] : drawingOf(prompter).layouts())
+      prompter.line(name + (text::equalFolded(name, document.currentLayout) ? L"  (current)" : L""));
+    return;
+  }
+  const auto name = prompter.word(L"Enter layout to make current <" + document.currentLayout + L">: ");
+  if (name) switchTo(prompter, name.value);
+}
+
+// ---- ZOOM -----------------------------------------------------------------------------------------------------------
+
+geometry::Box boxAbout(double x, double y, double width, double height) {
+  geometry::Box box;
+  box.add(geometry::Point{x - width / 2, y - height / 2});
+  box.add(geometry::Point{x + width / 2, y + height / 2});
+  return box;
+}
+
+void show(Prompter& prompter, const geometry::Box& view) {
+  Document& document = *prompter.session().documents.current();
+  constexpr std::size_t kRemembered = 10;
+  document.formerViews.push_back(document.view);
+  if (document.formerViews.size() > kRemembered) document.formerViews.erase(document.formerViews.begin());
+  document.view = view;
+}
+
+void showWindow(Prompter& prompter, const AcGePoint3d& a, const AcGePoint3d& b) {
+  if (a.x == b.x && a.y == b.y) {
+    prompter.refuse(L"The window has no size.");
+    return;
+  }
+  geometry::Box box;
+  box.add(geometry::Point{a.x, a.y});
+  box.add(geometry::Point{b.x, b.y});
+  show(prompter, box);
+}
+
+void scaleView(Prompter& prompter, double factor) {
+  const geometry::Box view = currentView(prompter.session());
+  show(prompter, boxAbout((view.minX + view.maxX) / 2, (view.minY + view.maxY) / 2, (view.maxX - view.minX) / factor,
+                          (view.maxY - view.minY) / factor));
+}
+
+/// "2x", "0.5": how much larger things are to look.
+bool scaleByText(Prompter& prompter, std::wstring text) {
+  if (!text.empty() && (text.back() == L'x' || text.back() == L'X')) text.pop_back();
+  const auto factor = parseNumber(text);
+  if (!factor || *factor < 1e-9 || *factor > 1e9) return prompter.refuse(L"Requires a scale factor, as 2x or 0.5x.");
+  scaleView(prompter, *factor);
+  return false;
+}
+
+void zoomCenter(Prompter& prompter) {
+  Limits limits;
+  limits.bits = RSG_NONULL;
+  const auto center = prompter.point(L"Specify center point: ", limits);
+  if (!center) return;
+  const geometry::Box view = currentView(prompter.session());
+  limits.bits = RSG_NOZERO | RSG_NONEG;
+  const double present = view.maxY - view.minY;
+  const auto height = prompter.real(L"Enter height <" + shownNumber(present) + L">: ", limits);
+  if (height.outcome == Outcome::Cancel) return;
+  const double wanted = height ? height.value : present;
+  const double width = present > 0 ? (view.maxX - view.minX) * wanted / present : wanted;
+  show(prompter, boxAbout(center.value.x, center.value.y, width, wanted));
+}
+
+void zoom(Prompter& prompter) {
+  Document& document = *prompter.session().documents.current();
+  Limits limits;
+  limits.bits = RSG_OTHER;
+  limits.keywords = Keywords(L"All Center Extents Previous Scale Window");
+  for (;;) {
+    const auto reply = prompter.point(
+        L"Specify corner of window, enter a scale factor (nX), or [All/Center/Extents/Previous/Scale/Window]: ", limits);
+    if (reply.outcome == Outcome::Cancel || reply.outcome == Outcome::Enter) return;
+    Limits needed;
+    needed.bits = RSG_NONULL;
+    if (reply) {
+      const auto corner = prompter.point(L"Specify opposite corner: ", needed);
+      if (corner) showWindow(prompter, reply.value, corner.value);
+    } else if (reply.keyword == L"All" || reply.keyword == L"Extents") {
+      show(prompter, {});
+    } else if (reply.keyword == L"Center") {
+      zoomCenter(prompter);
+    } else if (reply.keyword == L"Previous") {
+      if (document.formerViews.empty()) {
+        prompter.line(L"No previous view.");
+      } else {
+        document.view = document.formerViews.back();
+        document.formerViews.pop_back();
+      }
+    } else if (reply.keyword == L"Window") {
+      const auto first = prompter.point(L"Specify first corner: ", needed);
+      if (!first) return;
+      const auto second = prompter.point(L"Specify opposite corner: ", needed);
+      if (second) showWindow(prompter, first.value, second.value);
+    } else if (reply.keyword == L"Scale") {
+      const auto factor = prompter.word(L"Enter a scale factor (nX): ", needed);
+      if (factor) scaleByText(prompter, factor.value);
+    } else if (scaleByText(prompter, reply.keyword)) {
+      continue;
+    }
+    return;
+  }
+}
+
+// ---- HOVER ----------------------------------------------------------------------------------------------------------
+
+void hover(Prompter& prompter) {
+  Limits limits;
+  limits.bits = RSG_NONULL;
+  const auto point = prompter.point(L"Specify point: ", limits);
+  if (!point) return;
+  const std::wstring tooltip = tooltipAt(prompter.session(), point.value);
+  prompter.line(tooltip.empty() ? std::wstring(L"No tooltip.") : tooltip);
+}
+
+constexpr HostCommand kCommands[] = {
+    {L"LIST", ACRX_CMD_USEPICKSET | ACRX_CMD_NO_UNDO_MARKER, list},
+    {L"LAYOUT", ACRX_CMD_MODAL, layout},
+    {L"ZOOM", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, zoom},
+    {L"HOVER", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, hover},
+};
+
+}  // namespace
+
+std::span<const HostCommand> inspectCommands() { return kCommands; }
+
+}  // namespace host::editor

@@ -1,0 +1,188 @@
+#include "Editor/Modules.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <exception>
+
+#include "Editor/Session.h"
+#include "Text/Text.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcRxDynamicLinker, AcRxObject)
+
+namespace host::editor {
+namespace {
+
+template <class Function>
+Function symbol(void* library, const char* name) {
+  return reinterpret_cast<Function>(dlsym(library, name));
+}
+
+}  // namespace
+
+std::filesystem::path libraryFile() {
+  Dl_info info{};
+  const void* const here = reinterpret_cast<const void*>(&libraryFile);
+  return dladdr(here, &info) != 0 && info.dli_fname != nullptr ? info.dli_fname : std::filesystem::path();
+}
+
+const void* moduleBase(const void* address) {
+  Dl_info info{};
+  return address != nullptr && dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
+}
+
+const void* moduleOfObject(const void* object) {
+  // An object with virtual functions begins with the address of its class's table, which lies in its module.
+  return object != nullptr ? moduleBase(*static_cast<const void* const*>(object)) : nullptr;
+}
+
+Module* ModuleList::find(void* appId) const {
+  for (const auto& module : modules_) {
+    if (module.get() == appId) return module.get();
+  }
+  return nullptr;
+}
+
+bool ModuleList::unlockApplication(void* appId) const {
+  Module* const module = find(appId);
+  if (module != nullptr) module->locked = false;
+  return module != nullptr;
+}
+
+bool ModuleList::lockApplication(void* appId) const {
+  Module* const module = find(appId);
+  if (module != nullptr) module->locked = true;
+  return module != nullptr;
+}
+
+bool ModuleList::registerAppMDIAware(void* appId) const {
+  Module* const module = find(appId);
+  if (module != nullptr) module->severalDrawings = true;
+  return module != nullptr;
+}
+
+bool ModuleList::registerAppNotMDIAware(void* appId) const {
+  Module* const module = find(appId);
+  if (module != nullptr) module->severalDrawings = false;
+  return module != nullptr;
+}
+
+AcRx::AppRetCode ModuleList::tell(Module& module, AcRx::AppMsgCode message, void* packet) {
+  try {
+    return module.entry(message, packet);
+  } catch (const std::exception& error) {
+    session_.reportProblem(module.file.string() + ": failed in its entry point: " + error.what());
+  } catch (...) {
+    session_.reportProblem(module.file.string() + ": failed in its entry point");
+  }
+  return AcRx::kRetError;
+}
+
+void ModuleList::tellAll(AcRx::AppMsgCode message, Document* document) {
+  Document* const former = session_.documents.current();
+  if (document != nullptr) session_.documents.setCurrent(document);
+  for (const auto& module : modules_) tell(*module, message, nullptr);
+  if (document != nullptr) session_.documents.setCurrent(former);
+}
+
+const Module* ModuleList::blocksFurtherDrawing() const {
+  if (session_.documents.all().empty()) return nullptr;
+  for (const auto& module : modules_) {
+    if (!module->severalDrawings) return module.get();
+  }
+  return nullptr;
+}
+
+Result ModuleList::load(const std::filesystem::path& file) {
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::weakly_canonical(file, error);
+  const std::string shown = file.string();
+  if (!std::filesystem::is_regular_file(path, error)) return {RunStatus::WrongUsage, shown + ": no such module"};
+  for (const auto& module : modules_) {
+    if (module->file == path) return {};
+  }
+  auto owned = std::make_unique<Module>();
+  Module& module = *owned;
+  module.file = path;
+  module.name = text::fromUtf8(path.filename().string());
+  module.library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (module.library == nullptr) {
+    const char* const reason = dlerror();
+    return {RunStatus::WrongUsage, shown + ": cannot be loaded: " + (reason != nullptr ? reason : "no reason given")};
+  }
+  const auto refuse = [&](const std::string& why) {
+    dlclose(module.library);
+    return Result{RunStatus::WrongUsage, shown + ": " + why};
+  };
+  module.entry = symbol<decltype(module.entry)>(module.library, "acrxEntryPoint");
+  const auto version = symbol<int (*)()>(module.library, "acrxGetApiVersion");
+  if (module.entry == nullptr || version == nullptr)
+    return refuse(std::string("is no module of this host: it has no ") +
+                  (module.entry == nullptr ? "acrxEntryPoint" : "acrxGetApiVersion"));
+  if (const int number = version(); number != ACRX_API_VERSION)
+    return refuse("is made for interface version " + std::to_string(number) + "; this host has version " +
+                  std::to_string(ACRX_API_VERSION));
+  module.base = moduleBase(reinterpret_cast<const void*>(module.entry));
+
+  modules_.push_back(std::move(owned));
+  const auto giveUp = [&](const std::string& why) {
+    tell(module, AcRx::kUnloadAppMsg, &module);
+    drop(module);
+    return Result{RunStatus::WrongUsage, shown + ": " + why};
+  };
+  if (tell(module, AcRx::kInitAppMsg, &module) == AcRx::kRetError) return giveUp("refused to start");
+  if (!module.severalDrawings && session_.documents.all().size() > 1)
+    return giveUp("works with one open drawing only, and " + std::to_string(session_.documents.all().size()) +
+                  " are open");
+  Document* const former = session_.documents.current();
+  bool refused = false;
+  for (const auto& document : session_.documents.all()) {
+    session_.documents.setCurrent(document.get());
+    refused = tell(module, AcRx::kLoadDwgMsg, nullptr) == AcRx::kRetError;
+    if (refused) break;
+  }
+  session_.documents.setCurrent(former);
+  return refused ? giveUp("refused an open drawing") : Result{};
+}
+
+Result ModuleList::unload(std::wstring_view name) {
+  const auto found = std::find_if(modules_.begin(), modules_.end(), [name](const auto& module) {
+    return text::equalFolded(module->name, name) ||
+           text::equalFolded(text::fromUtf8(module->file.stem().string()), name) ||
+           text::equalFolded(text::fromUtf8(module->file.string()), name);
+  });
+  if (found == modules_.end()) return {RunStatus::WrongUsage, text::toUtf8(name) + ": no such module is loaded"};
+  Module& module = **found;
+  if (module.locked) return {RunStatus::WrongUsage, text::toUtf8(module.name) + ": the module is locked, it cannot be unloaded"};
+  tell(module, AcRx::kUnloadAppMsg, &module);
+  drop(module);
+  return {};
+}
+
+void ModuleList::unloadAll() {
+  while (!modules_.empty()) {
+    Module& module = *modules_.back();
+    tell(module, AcRx::kQuitMsg, nullptr);
+    tell(module, AcRx::kUnloadAppMsg, &module);
+    drop(module);
+  }
+}
+
+void ModuleList::drop(Module& module) {
+  // What the module left behind would be called after its code is gone.
+  int left = session_.commands.forgetModule(module.base);
+  left += session_.editor.forgetModule(module.base);
+  left += session_.documents.forgetModule(module.base);
+  for (const auto& document : session_.documents.all())
+    left += static_cast<int>(std::erase_if(document->pointManager.monitors, [&module](const auto* monitor) {
+      return moduleOfObject(monitor) == module.base;
+    }));
+  if (left > 0)
+    session_.reportProblem(text::toUtf8(module.name) + ": left " + std::to_string(left) +
+                           " commands or reactors behind; they are removed");
+  void* const library = module.library;
+  std::erase_if(modules_, [&module](const auto& other) { return other.get() == &module; });
+  dlclose(library);
+}
+
+}  // namespace host::editor

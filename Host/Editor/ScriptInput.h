@@ -1,0 +1,58 @@
+// Answers from lines of text.
+//
+// A line end ends an answer, and so does a blank where the prompt takes no blanks; an empty line is Enter. A line that
+// begins with ";" is a comment, "^C" is Esc, text in quotes ("" for a quote inside) is one answer.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Editor/InputSource.h"
+
+namespace host::editor {
+
+/// Cuts lines into answers; where the lines come from is the derived class's affair.
+class LineInput : public InputSource {
+ public:
+  Answer next(const Question& question) final;
+  int lineNumber() const { return lineNumber_; }
+
+ protected:
+  /// The next line without its end; nothing at the end of the input.
+  virtual std::optional<std::wstring> readLine(const Question& question) = 0;
+
+ private:
+  bool fetchLine(const Question& question);
+  Answer takeRest(AnswerForm form);
+  Answer takeWord();
+  std::wstring takeQuoted();
+  std::wstring takeParenthesized();
+  void endWord();
+
+  std::wstring line_;
+  std::size_t position_ = 0;
+  bool hasLine_ = false;
+  int lineNumber_ = 0;
+};
+
+/// A script in UTF-8, with or without byte order mark, any line ends.
+class ScriptInput final : public LineInput {
+ public:
+  /// `name` is what messages call it.
+  ScriptInput(std::string_view utf8, std::string name);
+  /// Null when the file cannot be read.
+  static std::unique_ptr<ScriptInput> fromFile(const std::filesystem::path& file);
+  std::string place() const override { return name_ + ":" + std::to_string(lineNumber()); }
+
+ protected:
+  std::optional<std::wstring> readLine(const Question& question) override;
+
+ private:
+  std::string text_;
+  std::string name_;
+  std::size_t next_ = 0;
+};
+
+}  // namespace host::editor

@@ -1,0 +1,346 @@
+// "Select object" and "Select objects".
+#include <algorithm>
+#include <unordered_set>
+
+#include "Editor/Prompter.h"
+#include "Editor/Session.h"
+#include "Editor/Spaces.h"
+#include "Text/Text.h"
+
+namespace host::editor {
+namespace {
+
+using database::Slot;
+using geometry::Point;
+
+constexpr std::wstring_view kOptions =
+    L"Window Last Crossing BOX ALL Fence WPolygon CPolygon Group Add Remove Multiple Previous Undo AUto SIngle";
+constexpr std::wstring_view kInvalid =
+    L"*Invalid selection*  Expects a point or "
+    L"Window/Last/Crossing/BOX/ALL/Fence/WPolygon/CPolygon/Group/Add/Remove/Multiple/Previous/Undo/AUto/SIngle";
+
+Point flat(const AcGePoint3d& point) { return {point.x, point.y}; }
+
+std::vector<Point> rectangle(const AcGePoint3d& a, const AcGePoint3d& b) {
+  return {{a.x, a.y}, {b.x, a.y}, {b.x, b.y}, {a.x, b.y}};
+}
+
+/// A point on the entity, for picks by name.
+AcGePoint3d pointOn(const Slot& entity) {
+  for (const geometry::Path& path : geometry::entityPaths(entity, 1e-3)) {
+    if (!path.points.empty()) return {path.points.front().x, path.points.front().y, 0};
+  }
+  return {};
+}
+
+/// The selection as it grows, with the messages that go with it.
+class Selection {
+ public:
+  Selection(Session& session, const SelectOptions& options) : session_(session), options_(options) {}
+
+  void take(std::vector<Slot*> found, bool expandGroups) {
+    undo_.push_back(members_);
+    if (expandGroups && (session_.variables.integer(L"PICKSTYLE") & 1) != 0) found = withGroups(found);
+    std::size_t elsewhere = 0, locked = 0, filtered = 0, duplicate = 0, count = 0;
+    const Slot* const space = session_.currentSpace().record;
+    for (Slot* entity : found) {
+      if (entity->owner != space) {
+        ++elsewhere;
+      } else if (options_.skipLocked && session_.finder.layerState(*entity).locked) {
+        ++locked;
+      } else if (options_.accepts && !options_.accepts(*entity)) {
+        ++filtered;
+        ++count;
+      } else {
+        ++count;
+        if (!(removing ? remove(entity) : add(entity))) ++duplicate;
+      }
+    }
+    if (removing) std::erase_if(members_, [this](Slot* member) { return !known_.contains(member); });
+    report(count, duplicate, filtered, locked, elsewhere);
+  }
+
+  void undo() {
+    if (undo_.empty()) return;
+    members_ = std::move(undo_.back());
+    undo_.pop_back();
+    known_.clear();
+    known_.insert(members_.begin(), members_.end());
+  }
+
+  bool isEmpty() const { return members_.empty(); }
+  std::vector<Slot*> release() { return std::move(members_); }
+
+  bool removing = false;
+
+ private:
+  std::vector<Slot*> withGroups(const std::vector<Slot*>& found) {
+    std::vector<Slot*> all;
+    std::unordered_set<Slot*> seen;
+    for (Slot* entity : found) {
+      for (Slot* member : session_.finder.withGroups(entity)) {
+        if (seen.insert(member).second) all.push_back(member);
+      }
+    }
+    return all;
+  }
+
+  bool add(Slot* entity) {
+    if (!known_.insert(entity).second) return false;
+    members_.push_back(entity);
+    return true;
+  }
+
+  bool remove(Slot* entity) {
+    return known_.erase(entity) > 0;  // `take` then clears up the members
+  }
+
+  void report(std::size_t count, std::size_t duplicate, std::size_t filtered, std::size_t locked,
+              std::size_t elsewhere) {
+    std::wstring text = std::to_wstring(count) + L" found";
+    if (filtered > 0) text += L", " + std::to_wstring(filtered) + L" filtered out";
+    if (removing) {
+      text += L", " + std::to_wstring(count - filtered - duplicate) + L" removed";
+    } else if (duplicate > 0) {
+      text += L" (" + std::to_wstring(duplicate) + L" duplicate)";
+    }
+    if (removing || reported_) text += L", " + std::to_wstring(members_.size()) + L" total";
+    session_.transcript.line(text);
+    if (locked > 0)
+      session_.transcript.line(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
+    if (elsewhere > 0)
+      session_.transcript.line(std::to_wstring(elsewhere) + (elsewhere == 1 ? L" was" : L" were") +
+                               L" not in current space.");
+    reported_ = true;
+  }
+
+  Session& session_;
+  const SelectOptions& options_;
+  std::vector<Slot*> members_;
+  std::unordered_set<Slot*> known_;
+  std::vector<std::vector<Slot*>> undo_;
+  bool reported_ = false;
+};
+
+/// One "Select objects" dialogue.
+class Selector {
+ public:
+  Selector(Session& session, const SelectOptions& options)
+      : session_(session), prompter_(session), options_(options), selection_(session, options) {}
+
+  Reply<std::vector<Slot*>> run() {
+    Reply<std::vector<Slot*>> reply;
+    const Keywords keywords(kOptions);
+    while (!done_) {
+      const Answer answer =
+          session_.ask(selection_.removing ? options_.removePrompt : options_.prompt, AnswerForm::Word);
+      if (answer.kind == Answer::Kind::Cancel || answer.kind == Answer::Kind::End) return reply;
+      if (answer.kind == Answer::Kind::Enter) break;
+      if (!handle(answer, keywords)) return reply;
+    }
+    reply.outcome = selection_.isEmpty() ? Outcome::Enter : Outcome::Value;
+    reply.value = selection_.release();
+    if (reply) session_.documents.current()->previousSelection = reply.value;
+    return reply;
+  }
+
+ private:
+  /// False: the dialogue has ended in Esc or a failure.
+  bool handle(const Answer& answer, const Keywords& keywords) {
+    if (answer.kind == Answer::Kind::Entity) return take({answer.entity.slot()}, true);
+    if (answer.kind == Answer::Kind::Point) return pick(answer.point, true);
+    if (const std::optional<std::uint64_t> handle = parseHandent(answer.text)) return takeHandle(*handle);
+    if (text::equalFolded(answer.text, L"(entlast)")) return option(L"Last");
+    if (const std::optional<AcGePoint3d> point = parsePoint(answer.text, session_.documents.current()->lastPoint))
+      return pick(*point, false);
+    if (const std::optional<std::wstring> keyword = keywords.match(answer.text)) return option(*keyword);
+    return prompter_.refuse(kInvalid);
+  }
+
+  bool take(std::vector<Slot*> found, bool expandGroups) {
+    const bool any = !found.empty();
+    selection_.take(std::move(found), expandGroups);
+    if (any && (options_.single || single_)) done_ = true;
+    return true;
+  }
+
+  bool takeHandle(std::uint64_t handle) {
+    Slot* const entity = entityByHandle(session_, handle);
+    if (entity == nullptr) return prompter_.refuse(noSuchEntity(handle));
+    return take({entity}, true);
+  }
+
+  bool pick(const AcGePoint3d& point, bool pointedAt) {
+    Document& document = *session_.documents.current();
+    document.lastPoint = point;
+    std::vector<Slot*> found =
+        session_.finder.at(document.drawing(), session_.currentSpace(), flat(point), pickAperture(session_),
+                           options_.everything);
+    if (!found.empty() || !pointedAt) return take(std::move(found), true);
+    // Pointing at nothing opens a window: to the right inside, to the left crossing.
+    Limits limits;
+    limits.base = point;
+    const Reply<AcGePoint3d> corner = prompter_.point(L"Specify opposite corner: ", limits);
+    if (!corner) return corner.outcome == Outcome::Enter;
+    return window(point, corner.value,
+                  corner.value.x >= point.x ? geometry::Window::Inside : geometry::Window::Crossing);
+  }
+
+  bool window(const AcGePoint3d& a, const AcGePoint3d& b, geometry::Window kind) {
+    return take(session_.finder.inWindow(session_.currentSpace(), rectangle(a, b), kind), true);
+  }
+
+  bool askWindow(std::wstring_view name) {
+    Limits limits;
+    limits.bits = RSG_NONULL;
+    const Reply<AcGePoint3d> first = prompter_.point(L"Specify first corner: ", limits);
+    if (!first) return false;
+    limits.base = first.value;
+    const Reply<AcGePoint3d> second = prompter_.point(L"Specify opposite corner: ", limits);
+    if (!second) return false;
+    const bool crossing = name == L"Crossing" || (name == L"BOX" && second.value.x < first.value.x);
+    return window(first.value, second.value, crossing ? geometry::Window::Crossing : geometry::Window::Inside);
+  }
+
+  bool askPolygon(std::wstring_view name) {
+    const bool isFence = name == L"Fence";
+    std::vector<Point> points;
+    Limits limits;
+    limits.bits = RSG_NONULL;
+    limits.keywords = Keywords(L"Undo");
+    std::wstring_view prompt = isFence ? L"Specify first fence point: " : L"First polygon point: ";
+    for (;;) {
+      const Reply<AcGePoint3d> reply = prompter_.point(prompt, limits);
+      if (reply.outcome == Outcome::Cancel) return false;
+      if (reply.outcome == Outcome::Enter) break;
+      if (reply.outcome == Outcome::Keyword) {
+        if (!points.empty()) points.pop_back();
+      } else {
+        points.push_back(flat(reply.value));
+        limits.base = reply.value;
+      }
+      limits.bits = points.empty() ? RSG_NONULL : 0;
+      prompt = isFence ? L"Specify next fence point or [Undo]: " : L"Specify endpoint of line or [Undo]: ";
+    }
+    if (points.size() < (isFence ? 2U : 3U))
+      return prompter_.refuse(isFence ? L"A fence needs two points." : L"A polygon needs three points.");
+    const database::BlockContents& space = session_.currentSpace();
+    if (isFence) return take(session_.finder.onFence(space, points), true);
+    return take(session_.finder.inWindow(space, points,
+                                         name == L"WPolygon" ? geometry::Window::Inside : geometry::Window::Crossing),
+                true);
+  }
+
+  bool askGroup() {
+    const Reply<std::wstring> name = prompter_.word(L"Enter group name: ");
+    if (name.outcome == Outcome::Cancel) return false;
+    if (!name) return true;
+    const std::optional<std::vector<Slot*>> members =
+        groupMembers(session_.documents.current()->drawing(), name.value);
+    if (!members) return prompter_.refuse(L"No group is named \"" + name.value + L"\".");
+    return take(*members, false);
+  }
+
+  bool option(std::wstring_view name) {
+    Document& document = *session_.documents.current();
+    if (name == L"Window" || name == L"Crossing" || name == L"BOX") return askWindow(name);
+    if (name == L"WPolygon" || name == L"CPolygon" || name == L"Fence") return askPolygon(name);
+    if (name == L"Group") return askGroup();
+    if (name == L"ALL") return take(selectAll(session_), false);
+    if (name == L"Last") {
+      Slot* const last = lastEntity(session_);
+      return take(last != nullptr ? std::vector<Slot*>{last} : std::vector<Slot*>{}, true);
+    }
+    if (name == L"Previous") {
+      std::vector<Slot*> former = document.previousSelection;
+      std::erase_if(former, [](const Slot* entity) { return entity->isErased(); });
+      if (former.empty()) return prompter_.refuse(L"No previous selection set.");
+      return take(std::move(former), false);
+    }
+    if (name == L"Remove") selection_.removing = true;
+    if (name == L"Add") selection_.removing = false;
+    if (name == L"Undo") selection_.undo();
+    if (name == L"SIngle") single_ = true;
+    return true;  // Multiple and AUto are how picks work anyway
+  }
+
+  Session& session_;
+  Prompter prompter_;
+  const SelectOptions& options_;
+  Selection selection_;
+  bool single_ = false;
+  bool done_ = false;
+};
+
+}  // namespace
+
+Reply<std::vector<Slot*>> Prompter::select(const SelectOptions& options) {
+  Document* const document = session_.documents.current();
+  if (document == nullptr) return {};
+  return Selector(session_, options).run();
+}
+
+Reply<EntityPick> Prompter::entity(std::wstring_view prompt, const Limits& limits) {
+  Document* const document = session_.documents.current();
+  if (document == nullptr) return {};
+  Reply<EntityPick> reply;
+  for (;;) {
+    const Answer answer = session_.ask(prompt, AnswerForm::Word);
+    std::optional<AcGePoint3d> point;
+    Slot* named = nullptr;
+    std::wstring why = L"*Invalid selection*  Expects a point or Last";
+    switch (answer.kind) {
+      case Answer::Kind::Cancel:
+      case Answer::Kind::End:
+        return reply;
+      case Answer::Kind::Enter:
+        if ((limits.bits & RSG_NONULL) == 0) {
+          reply.outcome = Outcome::Enter;
+          return reply;
+        }
+        why = L"An answer is needed here.";
+        break;
+      case Answer::Kind::Entity:
+        named = answer.entity.slot();
+        break;
+      case Answer::Kind::Point:
+        point = answer.point;
+        break;
+      case Answer::Kind::Text:
+        if (const auto keyword = limits.keywords.match(answer.text)) {
+          reply.outcome = Outcome::Keyword;
+          reply.keyword = *keyword;
+          return reply;
+        }
+        if (const std::optional<std::uint64_t> handle = parseHandent(answer.text)) {
+          named = entityByHandle(session_, *handle);
+          if (named == nullptr) why = noSuchEntity(*handle);
+        } else if (Keywords(L"Last").match(answer.text) || text::equalFolded(answer.text, L"(entlast)")) {
+          named = lastEntity(session_);
+          if (named == nullptr) why = L"The drawing has no visible entity.";
+        } else {
+          point = parsePoint(answer.text, document->lastPoint);
+        }
+        break;
+    }
+    if (named != nullptr && named->owner != session_.currentSpace().record) {
+      named = nullptr;
+      why = L"The entity is not in current space.";
+    }
+    if (named != nullptr || point) {
+      reply.outcome = Outcome::Value;
+      reply.value.entity = named;
+      reply.value.point = point.value_or(named != nullptr ? pointOn(*named) : AcGePoint3d());
+      if (point) {
+        const std::vector<Slot*> found = session_.finder.at(document->drawing(), session_.currentSpace(), flat(*point),
+                                                            pickAperture(session_), false);
+        if (!found.empty()) reply.value.entity = found.front();
+      }
+      document->lastPoint = reply.value.point;
+      return reply;
+    }
+    if (!refuse(why)) return reply;
+  }
+}
+
+}  // namespace host::editor

@@ -1,0 +1,180 @@
+#include "Editor/Services.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "Editor/Modules.h"
+#include "Editor/Session.h"
+#include "Text/Text.h"
+#include "acdbads.h"
+#include "acedads.h"
+#include "rxmfcapi.h"
+
+ACRX_NO_CONS_DEFINE_MEMBERS(AcRxDictionary, AcRxObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcRxEventReactor, AcRxObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcEditorReactor, AcRxEventReactor)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcEditor, AcRxObject)
+ACRX_NO_CONS_DEFINE_MEMBERS(AcDbHostApplicationServices, AcRxObject)
+
+namespace host::editor {
+namespace {
+
+/// The file in the folder, also when only the case of its name differs.
+std::filesystem::path inFolder(const std::filesystem::path& folder, const std::filesystem::path& name) {
+  std::error_code error;
+  const std::filesystem::path exact = folder / name;
+  if (std::filesystem::is_regular_file(exact, error)) return exact;
+  const std::filesystem::path parent = exact.parent_path();
+  const std::wstring wanted = text::fromUtf8(exact.filename().string());
+  for (std::filesystem::directory_iterator it(parent, error), end; !error && it != end; it.increment(error)) {
+    std::error_code entryError;
+    if (text::equalFolded(text::fromUtf8(it->path().filename().string()), wanted) && it->is_regular_file(entryError))
+      return it->path();
+  }
+  return {};
+}
+
+/// Folder of support files that comes with the host, beside its library.
+const std::filesystem::path& ownSupportFolder() {
+  static const std::filesystem::path folder = [] {
+    std::error_code error;
+    const std::filesystem::path library = libraryFile();
+    return library.empty() ? library : std::filesystem::absolute(library, error).parent_path() / "support";
+  }();
+  return folder;
+}
+
+AcColorSettings& colors() {
+  static AcColorSettings settings = [] {
+    AcColorSettings initial;
+    initial.dwGfxLayoutBkColor = 0x00FFFFFF;
+    initial.dwBEditBkColor = 0;
+    initial.dwCmdLineBkColor = 0x00FFFFFF;
+    initial.dwPlotPrevBkColor = 0x00FFFFFF;
+    return initial;
+  }();
+  return settings;
+}
+
+}  // namespace
+
+AcRxObject* Registry::at(const ACHAR* key) const {
+  if (key == nullptr) return nullptr;
+  const std::wstring_view name = key;
+  if (name == ACRX_DYNAMIC_LINKER) return &session_.modules;
+  if (name == ACRX_COMMAND_DOCK) return &session_.commands;
+  if (name == ACED_EDITOR_OBJ) return &session_.editor;
+  return nullptr;
+}
+
+void EditorService::addReactor(AcEditorReactor* reactor) {
+  if (reactor != nullptr && !has(reactor)) reactors_.push_back(reactor);
+}
+
+void EditorService::removeReactor(AcEditorReactor* reactor) { std::erase(reactors_, reactor); }
+
+bool EditorService::has(const AcEditorReactor* reactor) const {
+  return std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end();
+}
+
+int EditorService::forgetModule(const void* base) {
+  return static_cast<int>(
+      std::erase_if(reactors_, [base](const AcEditorReactor* reactor) { return moduleOfObject(reactor) == base; }));
+}
+
+std::filesystem::path HostServices::find(const std::filesystem::path& name, const AcDbDatabase* db) {
+  std::error_code error;
+  if (name.empty()) return {};
+  if (name.is_absolute()) return std::filesystem::is_regular_file(name, error) ? name : std::filesystem::path();
+  const Session& session = Session::instance();
+  std::vector<std::filesystem::path> folders{std::filesystem::current_path(error)};
+  const auto* document = static_cast<const Document*>(session.documents.document(db));
+  if (document == nullptr) document = session.documents.current();
+  if (document != nullptr && !document->file().empty()) folders.push_back(document->file().parent_path());
+  folders.insert(folders.end(), session.options().supportFolders.begin(), session.options().supportFolders.end());
+  folders.push_back(ownSupportFolder());
+  for (const std::filesystem::path& folder : folders) {
+    if (folder.empty()) continue;
+    const std::filesystem::path found = inFolder(folder, name);
+    if (!found.empty()) return std::filesystem::absolute(found, error).lexically_normal();
+  }
+  return {};
+}
+
+Acad::ErrorStatus HostServices::findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName, AcDbDatabase* db,
+                                         FindFileHint) {
+  if (pathOut == nullptr || fileName == nullptr || bufferLength <= 0) return Acad::eInvalidInput;
+  const std::filesystem::path found = find(text::toUtf8(fileName), db);
+  if (found.empty()) return Acad::eFileNotFound;
+  const std::wstring path = text::fromUtf8(found.string());
+  if (path.size() >= static_cast<std::size_t>(bufferLength)) return Acad::eBufferTooSmall;
+  std::copy(path.begin(), path.end(), pathOut);
+  pathOut[path.size()] = 0;
+  return Acad::eOk;
+}
+
+}  // namespace host::editor
+
+AcRxDictionary* acrxSysRegistry() { return &host::editor::Session::instance().registry; }
+
+AcDbDatabase* AcDbHostApplicationServices::workingDatabase() const {
+  return static_cast<const host::editor::HostServices*>(this)->working;
+}
+
+void AcDbHostApplicationServices::setWorkingDatabase(AcDbDatabase* db) {
+  static_cast<host::editor::HostServices*>(this)->working = db;
+}
+
+AcDbHostApplicationServices* acdbHostApplicationServices() { return &host::editor::Session::instance().services; }
+
+int acedGetCurrentColors(AcColorSettings* settings) {
+  if (settings == nullptr) return 0;
+  *settings = host::editor::colors();
+  return 1;
+}
+
+int acedSetCurrentColors(const AcColorSettings* settings) {
+  if (settings == nullptr) return 0;
+  host::editor::colors() = *settings;
+  return 1;
+}
+
+// The user coordinate system is always World.
+int acdbUcs2Wcs(const ads_point p, ads_point q, bool) {
+  if (p == nullptr || q == nullptr) return RTERROR;
+  if (p != q) ads_point_set(p, q);
+  return RTNORM;
+}
+
+int acdbWcs2Ucs(const ads_point p, ads_point q, bool vec) { return acdbUcs2Wcs(p, q, vec); }
+
+extern "C" int ads_regen(void) {
+  host::editor::Session::instance().regenerate();
+  return RTNORM;
+}
+
+int acedSetStatusBarProgressMeter(const ACHAR* label, int min, int max) {
+  if (max < min) return -1;
+  auto& session = host::editor::Session::instance();
+  session.meter = {true, label != nullptr ? label : L"", min, max, min};
+  if (session.options().meter) session.options().meter(session.meter.label, 0);
+  return 0;
+}
+
+int acedSetStatusBarProgressMeterPos(int position) {
+  auto& session = host::editor::Session::instance();
+  auto& meter = session.meter;
+  if (!meter.isShown) return -1;
+  const long long wanted = position >= 0 ? position : static_cast<long long>(meter.position) - position;
+  meter.position = static_cast<int>(std::clamp<long long>(wanted, meter.minimum, meter.maximum));
+  const double range = static_cast<double>(meter.maximum) - meter.minimum;
+  if (session.options().meter)
+    session.options().meter(meter.label, range > 0 ? (static_cast<double>(meter.position) - meter.minimum) / range : 1);
+  return 0;
+}
+
+void acedRestoreStatusBar() {
+  auto& session = host::editor::Session::instance();
+  if (session.meter.isShown && session.options().meter) session.options().meter(session.meter.label, -1);
+  session.meter = {};
+}

@@ -1,0 +1,62 @@
+// Services of the host by name, editor reactors, file search, progress.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "aced.h"
+#include "dbapserv.h"
+
+namespace host::editor {
+
+class Session;
+
+class Registry final : public AcRxDictionary {
+ public:
+  explicit Registry(Session& session) : session_(session) {}
+  AcRxObject* at(const ACHAR* key) const override;
+
+ private:
+  Session& session_;
+};
+
+class EditorService final : public AcEditor {
+ public:
+  void addReactor(AcEditorReactor* reactor) override;
+  void removeReactor(AcEditorReactor* reactor) override;
+
+  template <class... Parameters, class... Values>
+  void tell(void (AcEditorReactor::*message)(Parameters...), Values... values) {
+    // A reactor may remove itself or others while it is told.
+    const std::vector<AcEditorReactor*> told = reactors_;
+    for (AcEditorReactor* reactor : told) {
+      if (has(reactor)) (reactor->*message)(values...);
+    }
+  }
+  bool has(const AcEditorReactor* reactor) const;
+  /// Drops reactors whose code lies in a module that goes away; how many there were.
+  int forgetModule(const void* base);
+
+ private:
+  std::vector<AcEditorReactor*> reactors_;
+};
+
+class HostServices final : public AcDbHostApplicationServices {
+ public:
+  Acad::ErrorStatus findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName, AcDbDatabase* db,
+                             FindFileHint hint) override;
+  /// Current folder, the drawing's folder, the support folders, the host's own `support` folder; empty when not found.
+  static std::filesystem::path find(const std::filesystem::path& name, const AcDbDatabase* db);
+
+  AcDbDatabase* working = nullptr;
+};
+
+/// The status bar's progress meter.
+struct ProgressMeter {
+  bool isShown = false;
+  std::wstring label;
+  int minimum = 0, maximum = 100, position = 0;
+};
+
+}  // namespace host::editor

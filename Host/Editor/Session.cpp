@@ -1,0 +1,281 @@
+#include "Editor/Session.h"
+
+#include "Dxf/DxfFile.h"
+#include "Editor/HostCommands.h"
+#include "Text/Text.h"
+#include "dbsymtb.h"
+
+namespace host::editor {
+
+std::atomic<bool> Session::interrupted = false;
+
+Session& Session::instance() {
+  static Session& session = *new Session;
+  return session;
+}
+
+Session::Session() { addHostCommands(commands); }
+
+void Session::begin(ApplicationOptions options) {
+  options_ = std::move(options);
+  transcript = {};
+  transcript.setSink(options_.transcript);
+  failure_.reset();
+  quitRequested = false;
+  interrupted = false;
+  documents.refuseLocks = false;
+  lastCommand_.clear();
+  untitledCount_ = 0;
+}
+
+void Session::end() {
+  while (!documents.all().empty()) closeDocument(*documents.all().back());
+  modules.unloadAll();
+  transcript.finishLine();
+  variables.reset();
+  sets.clear();
+  finder.forget();
+  nextLimits = {};
+  lastInput.clear();
+  meter = {};
+  options_ = {};
+  transcript = {};
+}
+
+void Session::reportProblem(std::string_view sentence) const {
+  if (options_.problem) options_.problem(sentence);
+}
+
+void Session::regenerate() {
+  if (options_.regenerate) options_.regenerate();
+}
+
+// ---- documents ------------------------------------------------------------------------------------------------------
+
+Result Session::openDrawing(const std::filesystem::path& file) {
+  if (const Module* module = modules.blocksFurtherDrawing())
+    return {RunStatus::DrawingUnreadable,
+            file.string() + ": not opened: " + text::toUtf8(module->name) + " works with one open drawing only"};
+  auto db = std::make_unique<AcDbDatabase>(false, true);
+  const dxf::FileResult read = dxf::readDrawing(db->hostDatabase(), file);
+  if (!read.ok) return {RunStatus::DrawingUnreadable, read.message};
+  auto document = std::make_unique<Document>(std::move(db));
+  std::error_code error;
+  const std::filesystem::path full = std::filesystem::absolute(file, error).lexically_normal();
+  document->setFile(error ? file : full);
+  if (document->drawing().headerInteger("$TILEMODE", 70).value_or(1) == 0) {
+    const auto layouts = document->drawing().layouts();
+    const database::BlockContents* const paper = document->drawing().findBlock(ACDB_PAPER_SPACE);
+    for (const auto& [name, block] : layouts) {
+      if (block == paper) document->currentLayout = name;
+    }
+  }
+  Document& added = documents.add(std::move(document));
+  modules.tellAll(AcRx::kLoadDwgMsg, &added);
+  added.drawing().releaseObjects();
+  return {};
+}
+
+Result Session::newDrawing() {
+  if (const Module* module = modules.blocksFurtherDrawing())
+    return {RunStatus::DrawingUnreadable,
+            "no new drawing: " + text::toUtf8(module->name) + " works with one open drawing only"};
+  auto document = std::make_unique<Document>(std::make_unique<AcDbDatabase>(true, false));
+  document->setUntitled(++untitledCount_);
+  document->drawing().setUnmodified();
+  Document& added = documents.add(std::move(document));
+  modules.tellAll(AcRx::kLoadDwgMsg, &added);
+  added.drawing().releaseObjects();
+  return {};
+}
+
+void Session::closeDocument(Document& document) {
+  modules.tellAll(AcRx::kUnloadDwgMsg, &document);
+  sets.forget(document.drawing());
+  finder.forget();
+  documents.close(document);
+}
+
+Result Session::saveDrawing(Document& document, const std::filesystem::path& file) {
+  std::error_code error;
+  if (std::filesystem::is_directory(file, error))
+    return {RunStatus::OutputFailed, file.string() + ": is a folder; a drawing needs a file name"};
+  modules.tellAll(AcRx::kSaveMsg, &document);
+  const dxf::FileResult saved = dxf::saveDrawing(document.drawing(), file);
+  if (!saved.ok) return {RunStatus::OutputFailed, saved.message};
+  return {};
+}
+
+const database::BlockContents& Session::currentSpace() const {
+  const Document& document = *documents.current();
+  for (const auto& [name, block] : document.drawing().layouts()) {
+    if (block != nullptr && text::equalFolded(name, document.currentLayout)) return *block;
+  }
+  return document.drawing().modelSpace();
+}
+
+bool Session::switchLayout(std::wstring_view name) {
+  Document& document = *documents.current();
+  bool isModel = true;
+  for (const auto& [layout, block] : document.drawing().layouts()) {
+    if (block != nullptr && text::equalFolded(layout, name)) {
+      document.currentLayout = layout;
+      document.view = {};
+      document.formerViews.clear();
+      const int tileMode = isModel ? 1 : 0;
+      if (document.drawing().headerInteger("$TILEMODE", 70).value_or(1) != tileMode)
+        document.drawing().setHeaderInteger("$TILEMODE", 70, tileMode);
+      const std::wstring switched = layout;
+      editor.tell(&AcEditorReactor::layoutSwitched, switched.c_str());
+      return true;
+    }
+    isModel = false;
+  }
+  return false;
+}
+
+// ---- input ----------------------------------------------------------------------------------------------------------
+
+std::string Session::place() const {
+  for (auto frame = frames_.rbegin(); frame != frames_.rend(); ++frame) {
+    const std::string here = frame->source->place();
+    if (!here.empty()) return here;
+  }
+  return {};
+}
+
+bool Session::isInteractive() const { return !frames_.empty() && frames_.back().source->isInteractive(); }
+
+bool Session::isStopping() const {
+  return failure_.has_value() || interrupted || (!frames_.empty() && frames_.back().failed);
+}
+
+void Session::pushScript(std::unique_ptr<InputSource> script) {
+  InputFrame frame;
+  frame.source = script.get();
+  frame.owned = std::move(script);
+  frames_.push_back(std::move(frame));
+}
+
+Answer Session::pull(const Question& question) {
+  while (!frames_.empty()) {
+    Answer answer = frames_.back().source->next(question);
+    // A script that another one called hands back to it; a run's own input and code's answers just end.
+    if (answer.kind != Answer::Kind::End || frames_.back().owned == nullptr || frames_.back().fromCode) return answer;
+    frames_.pop_back();
+  }
+  return {};
+}
+
+void Session::fail(RunStatus status, std::string sentence) {
+  if (inputFromCode()) {
+    transcript.line(text::fromUtf8(sentence));
+    frames_.back().failed = true;
+    return;
+  }
+  const std::string here = place();
+  Result result{status, here.empty() ? std::move(sentence) : here + ": " + sentence};
+  if (isInteractive()) {
+    reportProblem(result.message);
+    return;
+  }
+  if (!failure_) failure_ = std::move(result);
+}
+
+bool Session::refuse(std::wstring_view sentence) {
+  transcript.line(sentence);
+  if (isInteractive()) return true;
+  if (inputFromCode()) {
+    frames_.back().failed = true;
+  } else {
+    std::string message = text::toUtf8(sentence);
+    if (const std::wstring names = runningNames(); !names.empty()) message = text::toUtf8(names) + ": " + message;
+    fail(RunStatus::ScriptFailed, std::move(message));
+  }
+  return false;
+}
+
+void Session::answersRanOut(std::wstring_view waiting) {
+  if (inputFromCode()) {
+    frames_.back().failed = true;
+    return;
+  }
+  std::string sentence = "the input ended while ";
+  sentence += running_.empty() ? "the host" : text::toUtf8(running_.back()->global);
+  std::wstring_view prompt = waiting;
+  while (prompt.starts_with(L'\n')) prompt.remove_prefix(1);
+  while (prompt.ends_with(L' ')) prompt.remove_suffix(1);
+  sentence += " waited for an answer";
+  if (!prompt.empty()) sentence += " to \"" + text::toUtf8(prompt) + "\"";
+  const std::string here = place();
+  // Even somebody who can be asked again is gone when the input has ended.
+  if (!failure_) failure_ = Result{RunStatus::ScriptFailed, here.empty() ? sentence : here + ": " + sentence};
+}
+
+Answer Session::ask(std::wstring_view prompt, AnswerForm form) {
+  Answer cancel;
+  cancel.kind = Answer::Kind::Cancel;
+  for (;;) {
+    if (isStopping()) return cancel;
+    transcript.prompt(prompt);
+    Answer answer = pull({prompt, form});
+    if (interrupted) answer.kind = Answer::Kind::Cancel;
+    switch (answer.kind) {
+      case Answer::Kind::End:
+        answersRanOut(prompt);
+        transcript.echo(L"*Cancel*");
+        return cancel;
+      case Answer::Kind::Cancel:
+        transcript.echo(L"*Cancel*");
+        cancelled_ = true;
+        return answer;
+      case Answer::Kind::Enter:
+        transcript.echo({});
+        break;
+      case Answer::Kind::Point:
+        transcript.echo(shownPoint(answer.point));
+        break;
+      case Answer::Kind::Entity:
+        transcript.echo(L"<entity " + text::fromUtf8(text::formatHandle(answer.entity.handle())) + L">");
+        break;
+      case Answer::Kind::Text:
+        transcript.echo(answer.text);
+        break;
+    }
+    cancelled_ = false;
+    const bool mayBeCommand = answer.kind == Answer::Kind::Text && form == AnswerForm::Word && !answer.quoted &&
+                              answer.text.size() > 1 && answer.text.front() == L'\'';
+    if (!mayBeCommand) return answer;
+    const std::shared_ptr<Command> command = commands.find(answer.text);
+    if (command == nullptr) return answer;
+    if ((command->flags & ACRX_CMD_TRANSPARENT) == 0) {
+      if (!refuse(L"** " + command->global + L" may not be invoked transparently **")) return cancel;
+      continue;
+    }
+    const std::wstring resumed = running_.empty() ? std::wstring() : running_.back()->global;
+    // The question stands apart from the command that interrupts it.
+    const Limits limits = std::exchange(nextLimits, {});
+    execute(command, true);
+    nextLimits = limits;
+    cancelled_ = false;
+    if (!resumed.empty() && !isStopping()) transcript.line(L"Resuming " + resumed + L" command.");
+  }
+}
+
+Answer Session::dialogLine(std::wstring_view what) {
+  Answer cancel;
+  cancel.kind = Answer::Kind::Cancel;
+  if (isStopping()) return cancel;
+  const Answer answer = pull({what, AnswerForm::Line});
+  if (answer.kind != Answer::Kind::End) return answer;
+  if (inputFromCode()) {
+    frames_.back().failed = true;
+  } else if (!failure_) {
+    const std::string here = place();
+    const std::string sentence = text::toUtf8(what) + " was left without an answer";
+    failure_ = Result{RunStatus::ScriptFailed, here.empty() ? sentence : here + ": " + sentence};
+  }
+  return cancel;
+}
+
+}  // namespace host::editor

@@ -1,0 +1,118 @@
+// The parts of the running host and what they do together. Private to the editor.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Editor/Application.h"
+#include "Editor/CommandStack.h"
+#include "Editor/Documents.h"
+#include "Editor/EntityFinder.h"
+#include "Editor/Modules.h"
+#include "Editor/Prompter.h"
+#include "Editor/SelectionSets.h"
+#include "Editor/Services.h"
+#include "Editor/SystemVariables.h"
+#include "Editor/Transcript.h"
+
+namespace host::editor {
+
+/// One level of input: a run's own source, a script called from it, or the answers of a command run from code.
+struct InputFrame {
+  InputSource* source = nullptr;
+  std::unique_ptr<InputSource> owned;
+  bool fromCode = false;
+  bool failed = false;  // answers of code that were refused or ran out
+};
+
+class Session {
+ public:
+  /// Made on first use and never destroyed: plug-ins' globals may reach it before and after main.
+  static Session& instance();
+
+  void begin(ApplicationOptions options);
+  void end();
+  const ApplicationOptions& options() const { return options_; }
+
+  Transcript transcript;
+  DocumentManager documents;
+  CommandStack commands;
+  EditorService editor;
+  ModuleList modules{*this};
+  Registry registry{*this};
+  HostServices services;
+  SystemVariables variables{*this};
+  SelectionSets sets;
+  EntityFinder finder;
+  ProgressMeter meter;
+  Limits nextLimits;            // of acedInitGet, for the next question
+  std::wstring lastInput;       // of acedGetInput
+  bool quitRequested = false;
+  static std::atomic<bool> interrupted;
+
+  Result openDrawing(const std::filesystem::path& file);
+  Result newDrawing();
+  void closeDocument(Document& document);
+  Result saveDrawing(Document& document, const std::filesystem::path& file);
+  /// Makes a layout current. False when there is none of that name.
+  bool switchLayout(std::wstring_view name);
+  /// Block of the current layout; the model space when the layout is gone.
+  const database::BlockContents& currentSpace() const;
+  void reportProblem(std::string_view sentence) const;
+  void regenerate();
+
+  // ---- input ------------------------------------------------------------------------------------------------------
+  /// Shows the prompt, takes the answer, echoes it; runs transparent commands given as answers. Cancel when the input has
+  /// failed or ended.
+  Answer ask(std::wstring_view prompt, AnswerForm form);
+  Answer dialogLine(std::wstring_view what);
+  /// The input ends after its present line.
+  void pushScript(std::unique_ptr<InputSource> script);
+  std::size_t inputDepth() const { return frames_.size(); }
+  bool inputFromCode() const { return !frames_.empty() && frames_.back().fromCode; }
+  /// Says why an answer cannot be used; true when it can be asked for again.
+  bool refuse(std::wstring_view sentence);
+  /// Records a failure with the input's place; for input that can be asked again it is only reported.
+  void fail(RunStatus status, std::string sentence);
+
+  // ---- commands ---------------------------------------------------------------------------------------------------
+  Result run(InputSource& input);
+  /// Answers given by code, the first being a command: acedCommandS.
+  int runFromCode(std::unique_ptr<InputSource> answers);
+  /// Depth of nested commands; 0 when idle.
+  std::size_t commandDepth() const { return running_.size(); }
+  bool isTransparentRunning() const { return transparentDepth_ > 0; }
+  std::wstring runningNames() const;
+  /// The running command may take the set selected before it.
+  bool mayTakePickfirst() const;
+  std::wstring pendingVariable;  // SETVAR: a variable named in place of a command
+
+ private:
+  Session();
+  bool isStopping() const;
+  Answer pull(const Question& question);
+  std::string place() const;
+  bool isInteractive() const;
+  void answersRanOut(std::wstring_view waiting);
+  void runTyped(const Answer& answer);
+  void reportUnknown(std::wstring_view name);
+  void execute(const std::shared_ptr<Command>& command, bool transparent);
+  bool mayRun(const Command& command);
+  void callHandler(Command& command);
+  void afterCommand(Document* document);
+
+  ApplicationOptions options_;
+  std::vector<InputFrame> frames_;
+  std::vector<std::shared_ptr<Command>> running_;
+  int transparentDepth_ = 0;
+  bool cancelled_ = false;       // the running command's last question ended in Esc
+  bool commandFailed_ = false;   // its handler threw
+  std::optional<Result> failure_;
+  std::wstring lastCommand_;
+  int untitledCount_ = 0;
+};
+
+}  // namespace host::editor

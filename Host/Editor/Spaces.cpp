@@ -1,0 +1,129 @@
+#include "Editor/Spaces.h"
+
+#include <algorithm>
+
+#include "Editor/Session.h"
+#include "Text/Text.h"
+
+namespace host::editor {
+namespace {
+
+using database::Slot;
+
+constexpr int kHistoryNotInteractive = 0x100000;
+
+}  // namespace
+
+geometry::Box currentView(Session& session) {
+  Document& document = *session.documents.current();
+  if (!document.view.isEmpty()) return document.view;
+  geometry::Box extents = session.finder.extents(document.drawing(), session.currentSpace());
+  if (extents.isEmpty()) {
+    extents.add(geometry::Point{0, 0});
+    extents.add(geometry::Point{1, 1});
+  }
+  return extents;
+}
+
+double pickAperture(Session& session) {
+  const geometry::Box view = currentView(session);
+  const double side = std::max(view.maxX - view.minX, view.maxY - view.minY);
+  const double pixels = static_cast<double>(session.variables.integer(L"PICKBOX"));
+  // Even a pick box of no size hits what the point lies on, within rounding.
+  const double smallest = 1e-9 * std::max({1.0, side, std::abs(view.maxX), std::abs(view.maxY), std::abs(view.minX),
+                                           std::abs(view.minY)});
+  return std::max(side * pixels / EntityFinder::kScreenPixels, smallest);
+}
+
+std::vector<Slot*> selectAll(Session& session) {
+  std::vector<Slot*> found;
+  const database::BlockContents& space = session.currentSpace();
+  for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
+    if ((*it)->isErased() || (*it)->isSubEntity()) continue;
+    const LayerState state = session.finder.layerState(**it);
+    if (!state.frozen && !state.locked) found.push_back(*it);
+  }
+  return found;
+}
+
+Slot* lastEntity(Session& session) {
+  const database::BlockContents& space = session.currentSpace();
+  for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
+    if (session.finder.isVisible(**it)) return *it;
+  }
+  return nullptr;
+}
+
+Slot* entityByHandle(Session& session, std::uint64_t handle) {
+  Slot* const slot = session.documents.current()->drawing().findHandle(handle);
+  return slot != nullptr && slot->isEntity() && !slot->isSubEntity() && !slot->isErased() ? slot : nullptr;
+}
+
+std::wstring noSuchEntity(std::uint64_t handle) {
+  return handle == 0 ? std::wstring(L"(handent ...) needs a handle in quotes, hexadecimal.")
+                     : L"No entity has the handle " + text::fromUtf8(text::formatHandle(handle)) + L".";
+}
+
+std::optional<std::vector<Slot*>> groupMembers(const database::DrawingDatabase& drawing, std::wstring_view name) {
+  const Slot* const root = drawing.rootDictionary();
+  if (root == nullptr) return std::nullopt;
+  // Entries of a dictionary: a name (3), then its object (350 or 360).
+  const auto entry = [&drawing](const Slot& dictionary, std::wstring_view wanted) -> const Slot* {
+    database::Tag tag;
+    bool matches = false;
+    for (database::TagCursor tags = dictionary.tags(); tags.next(tag);) {
+      if (tag.code == 3) matches = text::equalFolded(drawing.codec().decode(tag.value), wanted);
+      if ((tag.code == 350 || tag.code == 360) && matches) return drawing.findHandle(tag.handle());
+    }
+    return nullptr;
+  };
+  const Slot* const groups = entry(*root, L"ACAD_GROUP");
+  const Slot* const group = groups != nullptr ? entry(*groups, name) : nullptr;
+  if (group == nullptr || group->isErased()) return std::nullopt;
+  std::vector<Slot*> members;
+  database::Tag tag;
+  for (database::TagCursor tags = group->tags(); tags.next(tag);) {
+    if (tag.code != 340) continue;
+    Slot* const member = drawing.findHandle(tag.handle());
+    if (member != nullptr && member->isEntity() && !member->isErased()) members.push_back(member);
+  }
+  return members;
+}
+
+std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
+  Document& document = *session.documents.current();
+  AcArray<AcDbObjectId> entities;
+  AcArrayObjectCopy<AcDbObjectIdArray> nested;
+  AcArray<Adesk::GsMarker> markers;
+  for (Slot* slot : session.finder.at(document.drawing(), session.currentSpace(), {point.x, point.y},
+                                      pickAperture(session), true)) {
+    entities.append(AcDbObjectId(slot));
+    nested.append(AcDbObjectIdArray());
+    markers.append(0);
+  }
+  std::wstring tooltip;
+  const std::vector<AcEdInputPointMonitor*> monitors = document.pointManager.monitors;
+  for (AcEdInputPointMonitor* monitor : monitors) {
+    bool append = false;
+    ACHAR* addition = nullptr;
+    const Acad::ErrorStatus status = monitor->monitorInputPoint(
+        append, addition, nullptr, &document, true, kHistoryNotInteractive, document.lastPoint, point, point, point,
+        point, AcDb::kOsMaskNone, {}, AcDb::kOsMaskNone, {}, entities, nested, markers, {}, {}, {}, {}, point,
+        tooltip.c_str());
+    if (status != Acad::eOk || !append || addition == nullptr || *addition == 0) continue;
+    if (!tooltip.empty()) tooltip += L"\n";
+    tooltip += addition;
+  }
+  while (tooltip.starts_with(L'\n')) tooltip.erase(0, 1);
+  return tooltip;
+}
+
+std::wstring Application::tooltipAt(const AcGePoint3d& point) {
+  Session& session = Session::instance();
+  if (session.documents.current() == nullptr) return {};
+  std::wstring text = editor::tooltipAt(session, point);
+  if (session.commandDepth() == 0) session.documents.current()->drawing().releaseObjects();
+  return text;
+}
+
+}  // namespace host::editor

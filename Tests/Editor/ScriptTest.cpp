@@ -1,0 +1,229 @@
+// How scripts are cut into answers, and how runs end.
+#include <filesystem>
+#include <fstream>
+
+#include "Editor/Answers.h"
+#include "Support.h"
+#include "acedads.h"
+#include "acedCmdNF.h"
+
+namespace {
+
+using host::editor::Answer;
+using host::editor::AnswerForm;
+using host::editor::ScriptInput;
+
+/// Answers of a script as one text: "a|b|<enter>|<esc>"; `forms` says how each is asked for (w, t, l), the last one goes on.
+std::string answersOf(std::string_view script, std::string_view forms) {
+  ScriptInput input(script, "s");
+  std::string all;
+  for (std::size_t i = 0;; ++i) {
+    const char form = forms[std::min(i, forms.size() - 1)];
+    const Answer answer = input.next(
+        {L"", form == 'w' ? AnswerForm::Word : form == 't' ? AnswerForm::Text : AnswerForm::Line});
+    if (answer.kind == Answer::Kind::End) return all;
+    if (!all.empty()) all += '|';
+    all += answer.kind == Answer::Kind::Enter    ? "<enter>"
+           : answer.kind == Answer::Kind::Cancel ? "<esc>"
+                                                 : host::text::toUtf8(answer.text);
+  }
+}
+
+TEST(ScriptWords, EndAtBlanksAndLineEnds) {
+  EXPECT_EQ(answersOf("LINE 0,0 10,0\n\n", "w"), "LINE|0,0|10,0|<enter>");
+  EXPECT_EQ(answersOf("A\r\nB\r\n", "w"), "A|B");
+  EXPECT_EQ(answersOf("\xEF\xBB\xBF"
+                      "A B",
+                      "w"),
+            "A|B");
+  // A blank after an answer ends it, so one before the line end leaves an Enter.
+  EXPECT_EQ(answersOf("A \nB\n", "w"), "A|<enter>|B");
+  EXPECT_EQ(answersOf("A  B\n", "w"), "A|<enter>|B");
+}
+
+TEST(ScriptWords, QuotesListsCommentsAndEsc) {
+  EXPECT_EQ(answersOf("N \"my layer\" X\n", "w"), "N|my layer|X");
+  EXPECT_EQ(answersOf("\"say \"\"so\"\"\"\n", "w"), "say \"so\"");
+  EXPECT_EQ(answersOf("(handent \"2F\") Y\n", "w"), "(handent \"2F\")|Y");
+  EXPECT_EQ(answersOf("A\n; a comment\nB ;no\n", "w"), "A|B|;no");
+  EXPECT_EQ(answersOf("^C\nLINE\n", "w"), "<esc>|LINE");
+  EXPECT_EQ(answersOf("^C^C_LINE\n", "w"), "<esc>|<esc>|_LINE");
+  EXPECT_EQ(answersOf("\"\"\n", "w"), "");  // an empty text, which is no Enter
+}
+
+TEST(ScriptTexts, TakeTheRestOfTheLine) {
+  EXPECT_EQ(answersOf("OPEN my plan.dxf\nQSAVE\n", "wtw"), "OPEN|my plan.dxf|QSAVE");
+  EXPECT_EQ(answersOf("OPEN \"my plan.dxf\"\n", "wt"), "OPEN|my plan.dxf");
+  EXPECT_EQ(answersOf("T \"a\" and \"b\"\n", "wt"), "T|\"a\" and \"b\"");
+  EXPECT_EQ(answersOf("CMD\n30206 2.8\n30255 \"\"\n", "wl"), "CMD|30206 2.8|30255 \"\"");
+  EXPECT_EQ(answersOf("T\n\n", "wt"), "T|<enter>");
+}
+
+TEST(TypedPoints, AbsoluteRelativePolarAndRefused) {
+  using host::editor::parsePoint;
+  const AcGePoint3d origin(100, 200, 3);
+  struct Row {
+    const wchar_t* text;
+    AcGePoint3d point;
+  };
+  for (const Row& row : {Row{L"10,5", {10, 5, 0}}, Row{L"10,5,2", {10, 5, 2}}, Row{L"@5,0", {105, 200, 3}},
+                         Row{L"@10<90", {100, 210, 3}}, Row{L"@10<-90", {100, 190, 3}}, Row{L"2<180", {-2, 0, 0}},
+                         Row{L"@", {100, 200, 3}}, Row{L"#1,2", {1, 2, 0}}, Row{L"-1e3,.5", {-1000, 0.5, 0}}}) {
+    const auto point = parsePoint(row.text, origin);
+    ASSERT_TRUE(point) << host::text::toUtf8(row.text);
+    EXPECT_EQ(*point, row.point) << host::text::toUtf8(row.text);
+  }
+  const auto slanted = parsePoint(L"@2<30", origin);
+  ASSERT_TRUE(slanted);
+  EXPECT_NEAR(slanted->x, 101.7320508075689, 1e-12);
+  for (const wchar_t* text : {L"10", L"1,2,3,4", L"1,", L"a,b", L"1<x", L"nan,1", L"1,inf", L"1e999,0", L"1 ,2", L""})
+    EXPECT_FALSE(parsePoint(text, origin)) << host::text::toUtf8(text);
+}
+
+TEST(KeywordLists, AbbreviationsAndGlobalNames) {
+  const host::editor::Keywords words(L"Close CEnter Undo");
+  EXPECT_EQ(words.match(L"c"), L"Close");
+  EXPECT_EQ(words.match(L"CE"), L"CEnter");
+  EXPECT_EQ(words.match(L"_clo"), L"Close");
+  EXPECT_FALSE(words.match(L"x"));
+  EXPECT_FALSE(words.match(L"closest"));
+  const host::editor::Keywords local(L"Ja Nein _Yes No");
+  EXPECT_EQ(local.match(L"j"), L"Yes");
+  EXPECT_EQ(local.match(L"_n"), L"No");
+  EXPECT_FALSE(local.match(L"_ja"));
+}
+
+class Runs : public test::Host {};
+
+TEST_F(Runs, CommandsByAnySpelling) {
+  expectDone("_.line 0,0 1,1\n\nLINE 0,0 2,2\n\n-L 0,0 3,3\n\n");
+  EXPECT_EQ(entities().size(), 3U);
+  EXPECT_TRUE(said(L"Command: LINE\nSpecify first point: 0,0\nSpecify next point or [Undo]: 2,2\n"))
+      << host::text::toUtf8(transcript);
+}
+
+TEST_F(Runs, BlankLinesBetweenCommandsDoNothing) {
+  expectDone("LINE 0,0 1,1\n\n\n\nLINE 0,0 2,2\n\n\n");
+  EXPECT_EQ(entities().size(), 2U);
+}
+
+TEST_F(Runs, UnknownCommandNamesItsNeighboursAndLine) {
+  expectFailure("LINE 0,0 1,1\n\n; here\nLAYR\n", "plan.scr:4: unknown command \"LAYR\"; nearest: LAYER");
+  EXPECT_TRUE(said(L"Unknown command \"LAYR\"."));
+  expectFailure("XYZZYQQ\n", "plan.scr:1: unknown command \"XYZZYQQ\"");
+}
+
+TEST_F(Runs, AnswersRunOutInsideACommandButNotBetween) {
+  expectFailure("LINE 0,0\n5,5\n", "plan.scr:2: the input ended while LINE waited");
+  // What was drawn before is one step that can be undone.
+  EXPECT_EQ(entities().size(), 1U);
+  expectDone("");
+}
+
+TEST_F(Runs, RefusedAnswersAreSaidAndFail) {
+  expectFailure("LINE 0,0 5\n9,9\n\n", "plan.scr:1: LINE: Invalid point.");
+  EXPECT_TRUE(said(L"Invalid point."));
+  expectFailure("ERASE (handent \"FFFFFF\")\n\n", "No entity has the handle FFFFFF");
+  expectFailure("SETVAR LTSCALE big\n", "LTSCALE needs a number");
+}
+
+TEST_F(Runs, TransparentCommandInsideAPrompt) {
+  expectDone("LINE 0,0 'SETVAR LTSCALE 2 'ZOOM W 0,0 10,10 5,0\n\n");
+  EXPECT_TRUE(said(L"Resuming LINE command."));
+  ASSERT_EQ(entities().size(), 1U);
+  EXPECT_EQ(values(*entities()[0], 11), std::vector<std::string>{"5.0"});
+  EXPECT_EQ(app.drawing()->headerReal("$LTSCALE", 40), 2.0);
+  expectFailure("LINE 0,0 'ERASE\n", "ERASE may not be invoked transparently");
+}
+
+TEST_F(Runs, EscEndsTheCommandAndKeepsTheScript) {
+  expectDone("LINE 0,0 ^C\nLINE 0,0 4,4\n\n");
+  EXPECT_EQ(entities().size(), 1U);
+}
+
+TEST_F(Runs, ScriptsCallScripts) {
+  const std::filesystem::path folder = testing::TempDir() + "/called_scripts";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "inner.scr") << "LINE 0,0 1,0\n\n";
+  std::ofstream(folder / "endless.scr") << "SCRIPT " << (folder / "endless.scr").string() << "\n";
+  expectDone("SCRIPT " + (folder / "inner").string() + "\nDELAY 500\nRESUME\nLINE 0,0 2,0\n\n");
+  EXPECT_EQ(entities().size(), 2U);
+  expectFailure("LINE 0,0 1,1\n\nRSCRIPT\n", "plan.scr:3: RSCRIPT: RSCRIPT is not supported");
+  expectFailure("SCRIPT " + (folder / "endless.scr").string() + "\n", "too deeply");
+  expectFailure("SCRIPT " + (folder / "none.scr").string() + "\n", "cannot be read");
+  std::filesystem::remove_all(folder);
+}
+
+TEST_F(Runs, ExceptionsOfACommandAreItsFailure) {
+  command(L"THROWS", [] { throw std::runtime_error("out of paint"); });
+  expectFailure("THROWS\n", "plan.scr:1: THROWS failed: out of paint");
+  expectDone("LINE 0,0 1,1\n\n");
+}
+
+TEST_F(Runs, QuitAsksOnlyForChanges) {
+  expectDone("QUIT\n");
+  EXPECT_TRUE(app.quitRequested());
+  expectDone("LINE 0,0 1,1\n\nQUIT N\nLINE 0,0 2,2\n\nQUIT Y\nNONSENSE\n");
+  EXPECT_TRUE(app.quitRequested());
+  EXPECT_EQ(entities().size(), 2U);
+}
+
+TEST_F(Runs, QuestionsOfPlugins) {
+  static std::vector<int> results;
+  static std::vector<double> numbers;
+  results.clear();
+  numbers.clear();
+  command(L"ASKS", [] {
+    ads_point p{};
+    double real = 7;
+    int whole = 0;
+    wchar_t text[32] = L"";
+    results.push_back(acedGetPoint(nullptr, L"\nPoint: ", p));
+    numbers.insert(numbers.end(), {p[0], p[1]});
+    const ads_point base{10, 10, 0};
+    results.push_back(acedGetPoint(base, L"\nNext: ", p));
+    numbers.insert(numbers.end(), {p[0], p[1]});
+    results.push_back(acedGetReal(L"\nHeight [2.5]:", &real));
+    numbers.push_back(real);
+    acedInitGet(RSG_NOZERO, L"Yes No");
+    results.push_back(acedGetReal(L"\nOr yes: ", &real));
+    acedGetInput(text, 32);
+    acutPrintf(L"\ngot %s %d %ls", text, 5, L"wide");
+    results.push_back(acedGetInt(L"\nCount: ", &whole));
+    numbers.push_back(whole);
+    results.push_back(acedGetString(1, L"\nName: ", text, 5));
+    acutPrintf(L"\n[%s]", text);
+    acedAlert(L"Mind the gap");
+  });
+  expectDone("ASKS 1,2 @5,0\n\nY 12 long name\n");
+  EXPECT_EQ(results, (std::vector<int>{RTNORM, RTNORM, RTNONE, RTKWORD, RTNORM, RTNORM}));
+  EXPECT_EQ(numbers, (std::vector<double>{1, 2, 15, 10, 7, 12}));
+  EXPECT_EQ(transcript,
+            L"Command: ASKS\nPoint: 1,2\nNext: @5,0\nHeight [2.5]:\nOr yes: Y\ngot Yes 5 wide\nCount: 12\n"
+            L"Name: long name\n[long]\n[tolmex] Mind the gap\nCommand: \n");
+}
+
+TEST_F(Runs, CommandsFromCode) {
+  static std::vector<int> results;
+  results.clear();
+  command(L"DRAWS", [] {
+    const ads_point end{8, 0, 0};
+    results.push_back(acedCommandS(RTSTR, L"_.LINE", RTSTR, L"0,0", RT3DPOINT, end, RTSTR, L"", RTNONE));
+    results.push_back(acedCommandS(RTSTR, L"LINE", RTSTR, L"0,0", RTNONE));
+    results.push_back(acedCommandS(RTSTR, L"NOTHINGOFTHEKIND", RTNONE));
+    // An unknown linetype: said, and the command is over.
+    results.push_back(acedCommandS(RTSTR, L"linetype", RTSTR, L"s", RTSTR, L"NO_SUCH_DASHES", RTSTR, L"", RTNONE));
+    double real = 0;
+    results.push_back(acedGetReal(L"\nNumber: ", &real));
+  }, ACRX_CMD_TRANSPARENT);
+  expectDone("DRAWS 3\n");
+  EXPECT_EQ(results, (std::vector<int>{RTNORM, RTERROR, RTERROR, RTNORM, RTNORM}));
+  EXPECT_TRUE(said(L"Cannot find linetype \"NO_SUCH_DASHES\"."));
+  EXPECT_EQ(entities().size(), 1U);
+  // Inside another command the host runs none for code.
+  results.clear();
+  expectDone("LINE 0,0 'DRAWS 3 ^C\n");
+  EXPECT_EQ(results, (std::vector<int>{RTERROR, RTERROR, RTERROR, RTERROR, RTNORM}));
+}
+
+}  // namespace
