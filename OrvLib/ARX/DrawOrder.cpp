@@ -1,0 +1,80 @@
+#include "OrvLib/ARX/DrawOrder.h"
+
+#include <memory>
+
+#include "OrvLib/ARX/Selection.h"
+
+namespace OrvLib {
+namespace {
+
+constexpr const ACHAR* kSortentsKey = L"ACAD_SORTENTS";
+constexpr short kEverythingSorted = 127;
+
+/// The extension dictionary of the block, open for read; made when missing.
+Opened<AcDbDictionary> extensionDictionaryOf(AcDbObjectId blockId) {
+  const Opened<AcDbBlockTableRecord> block(blockId, AcDb::kForRead);
+  if (!block) return {};
+  if (block->extensionDictionary().isNull() &&
+      (!makeWritable(*block) || block->createExtensionDictionary() != Acad::eOk)) {
+    return {};
+  }
+  return Opened<AcDbDictionary>(block->extensionDictionary(), AcDb::kForRead);
+}
+
+}  // namespace
+
+void honorDrawOrder() {
+  if (acdbHostApplicationServices()->workingDatabase() == nullptr) return;
+  resbuf variable{};
+  if (acedGetVar(L"SORTENTS", &variable) != RTNORM) return;
+  const short value = variable.resval.rint;
+  if ((value & kEverythingSorted) == kEverythingSorted) return;
+  variable.restype = RTSHORT;
+  variable.resval.rint = static_cast<short>(value | kEverythingSorted);
+  acedSetVar(L"SORTENTS", &variable);
+}
+
+Opened<AcDbSortentsTable> sortTableOf(const AcDbEntity& entity) {
+  const AcDbObjectId blockId = entity.ownerId();
+  const Opened<AcDbDictionary> dictionary = extensionDictionaryOf(blockId);
+  if (!dictionary) return {};
+  auto present = Opened<AcDbSortentsTable>::by(
+      [&](AcDbSortentsTable*& open) { return dictionary->getAt(kSortentsKey, open, AcDb::kForWrite); });
+  if (present || present.status() != Acad::eKeyNotFound || !makeWritable(*dictionary)) return present;
+  auto table = std::make_unique<AcDbSortentsTable>();
+  AcDbObjectId id;
+  if (dictionary->setAt(kSortentsKey, table.get(), id) != Acad::eOk) return {};
+  table->setBlockId(blockId);
+  return Opened<AcDbSortentsTable>(table.release());
+}
+
+bool DrawOrder::moveToTop(AcDbObjectId entity) { return move(entity, &AcDbSortentsTable::moveToTop); }
+
+bool DrawOrder::moveToBottom(AcDbObjectId entity) { return move(entity, &AcDbSortentsTable::moveToBottom); }
+
+bool DrawOrder::move(AcDbObjectId id, Move moveIn) {
+  if (!honored_) honorDrawOrder();
+  honored_ = true;
+  AcDbObjectIdArray one;
+  one.append(id);
+  // A table refuses entities of other blocks, so success needs no look at the entity.
+  if (table_ && (table_.get()->*moveIn)(one) == Acad::eOk) return true;
+  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+  if (!entity || (table_ && entity->ownerId() == block_)) return false;
+  table_.close();
+  table_ = sortTableOf(*entity);
+  block_ = entity->ownerId();
+  return table_ && (table_.get()->*moveIn)(one) == Acad::eOk;
+}
+
+bool bringLayerToTop(const ACHAR* layer) {
+  DrawOrder order;
+  for (const AcDbObjectId id : selectLayer(layer)) {
+    if (!order.moveToTop(id)) return false;
+  }
+  return true;
+}
+
+void regenerate() { ads_regen(); }
+
+}  // namespace OrvLib

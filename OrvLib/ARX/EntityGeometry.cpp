@@ -1,0 +1,80 @@
+#include "OrvLib/ARX/EntityGeometry.h"
+
+#include <memory>
+
+#include "OrvLib/ARX/Opened.h"
+
+namespace OrvLib {
+namespace {
+
+double bulgeFromAbove(double bulge, const AcGeVector3d& normal) { return normal.z < 0 ? -bulge : bulge; }
+
+PolyArc readLightweight(const AcDbPolyline& polyline) {
+  PolyArc course;
+  course.setClosed(polyline.isClosed());
+  const AcGeVector3d normal = polyline.normal();
+  for (unsigned int i = 0; i < polyline.numVerts(); ++i) {
+    AcGePoint3d point;
+    double bulge = 0;
+    if (polyline.getPointAt(i, point) != Acad::eOk || polyline.getBulgeAt(i, bulge) != Acad::eOk) continue;
+    course.append({toPoint3d(point), bulgeFromAbove(bulge, normal)});
+  }
+  return course;
+}
+
+/// Calls `visit` with every vertex of an old-style polyline, whether it is in a drawing or not.
+template <class Vertex, class Polyline, class Visit>
+void visitVertices(const Polyline& polyline, const Visit& visit) {
+  const std::unique_ptr<AcDbObjectIterator> iterator(polyline.vertexIterator());
+  if (!iterator) return;
+  for (iterator->start(); !iterator->done(); iterator->step()) {
+    const auto opened = Opened<Vertex>::by(
+        [&](Vertex*& vertex) { return polyline.openVertex(vertex, iterator->objectId(), AcDb::kForRead); });
+    const Vertex* const vertex = opened ? opened.get() : Vertex::cast(iterator->entity());
+    if (vertex != nullptr) visit(*vertex);
+  }
+}
+
+PolyArc read2d(const AcDb2dPolyline& polyline) {
+  PolyArc course;
+  course.setClosed(polyline.isClosed());
+  const AcGeVector3d normal = polyline.normal();
+  visitVertices<AcDb2dVertex>(polyline, [&](const AcDb2dVertex& vertex) {
+    if (vertex.vertexType() == AcDb::k2dSplineCtlVertex) return;
+    course.append({toPoint3d(polyline.vertexPosition(vertex)), bulgeFromAbove(vertex.bulge(), normal)});
+  });
+  return course;
+}
+
+PolyArc read3d(const AcDb3dPolyline& polyline) {
+  PolyArc course;
+  course.setClosed(polyline.isClosed());
+  visitVertices<AcDb3dPolylineVertex>(polyline, [&](const AcDb3dPolylineVertex& vertex) {
+    if (vertex.vertexType() != AcDb::k3dControlVertex) course.append({toPoint3d(vertex.position())});
+  });
+  return course;
+}
+
+}  // namespace
+
+bool isBoundary(const AcDbEntity& entity) {
+  for (const AcRxClass* const type : {AcDbPolyline::desc(), AcDb2dPolyline::desc(), AcDb3dPolyline::desc(),
+                                      AcDbRegion::desc(), AcDbLine::desc(), AcDbPoint::desc()}) {
+    if (entity.isKindOf(type)) return true;
+  }
+  return false;
+}
+
+std::optional<PolyArc> readPolyArc(const AcDbEntity& entity) {
+  if (const auto* const lightweight = AcDbPolyline::cast(&entity)) return readLightweight(*lightweight);
+  if (const auto* const old2d = AcDb2dPolyline::cast(&entity)) return read2d(*old2d);
+  if (const auto* const old3d = AcDb3dPolyline::cast(&entity)) return read3d(*old3d);
+  if (const auto* const line = AcDbLine::cast(&entity)) {
+    return PolyArc({{toPoint3d(line->startPoint())}, {toPoint3d(line->endPoint())}});
+  }
+  if (const auto* const point = AcDbPoint::cast(&entity)) return PolyArc({{toPoint3d(point->position())}});
+  if (AcDbRegion::cast(&entity) != nullptr) return PolyArc();
+  return std::nullopt;
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,86 @@
+#include "OrvLib/ARX/EntityMakers.h"
+
+#include <memory>
+#include <new>
+
+#include "OrvLib/ARX/EntityGeometry.h"
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/Opened.h"
+
+namespace OrvLib {
+namespace {
+
+/// Appends to model space. On failure nothing is left of the entity.
+AcDbObjectId appendToModelSpace(std::unique_ptr<AcDbEntity> entity, AcDbDatabase& db) {
+  const auto blocks =
+      Opened<AcDbBlockTable>::by([&](AcDbBlockTable*& open) { return db.getBlockTable(open, AcDb::kForRead); });
+  if (!blocks) return {};
+  const auto modelSpace = Opened<AcDbBlockTableRecord>::by(
+      [&](AcDbBlockTableRecord*& open) { return blocks->getAt(ACDB_MODEL_SPACE, open, AcDb::kForWrite); });
+  AcDbObjectId id;
+  if (!modelSpace || modelSpace->appendAcDbEntity(id, entity.get()) != Acad::eOk) return {};
+  entity.release()->close();
+  return id;
+}
+
+// The colour's status is ignored on purpose: a colour the host refuses means "none given".
+bool setColorAndLayer(AcDbEntity& entity, int colorIndex, const ACHAR* layer, AcDbDatabase& db) {
+  entity.setColorIndex(static_cast<Adesk::UInt16>(colorIndex));
+  if (layer == nullptr) return true;
+  const AcDbObjectId layerId = layerMadeIfMissing(layer, &db);
+  return !layerId.isNull() && entity.setLayer(layerId) == Acad::eOk;
+}
+
+bool setPattern(AcDbHatch& hatch, const HatchPattern& pattern) {
+  // The host computes the pattern's lines from the angle and scale that are there when the name is set.
+  return hatch.setPatternAngle(pattern.angleRad) == Acad::eOk && hatch.setPatternScale(pattern.scale) == Acad::eOk &&
+         hatch.setPattern(AcDbHatch::kPreDefined, pattern.name) == Acad::eOk;
+}
+
+bool canBound(AcDbObjectId id) {
+  const Opened<AcDbEntity> boundary(id, AcDb::kForRead);
+  return boundary && isBoundary(*boundary);
+}
+
+}  // namespace
+
+AcDbObjectId makeHatch(AcDbObjectId boundary, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
+                       AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr || !canBound(boundary)) return {};
+  auto hatch = std::make_unique<AcDbHatch>();
+  hatch->setNormal(AcGeVector3d::kZAxis);
+  hatch->setElevation(0);
+  hatch->setAssociative(false);
+  AcDbObjectIdArray loop;
+  loop.append(boundary);
+  if (!setColorAndLayer(*hatch, colorIndex, layer, *db) || !setPattern(*hatch, pattern) ||
+      hatch->appendLoop(AcDbHatch::kExternal, loop) != Acad::eOk || hatch->evaluateHatch() != Acad::eOk) {
+    return {};
+  }
+  return appendToModelSpace(std::move(hatch), *db);
+}
+
+AcDbObjectId makeLine(const Line& line, int colorIndex, const ACHAR* layer, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return {};
+  std::unique_ptr<AcDbLine> entity(new (std::nothrow) AcDbLine(toHost(line.start), toHost(line.end)));
+  if (!entity) throw OrvExpAcad(L"Allocation of AcDbLine failed");
+  if (!setColorAndLayer(*entity, colorIndex, layer, *db)) return {};
+  return appendToModelSpace(std::move(entity), *db);
+}
+
+AcDbObjectId makeClosed3dPolyline(const PolyLine& points, int colorIndex, const ACHAR* layer, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return {};
+  AcGePoint3dArray vertices;
+  vertices.setPhysicalLength(static_cast<int>(points.size()));
+  for (const Point3d& point : points.points()) vertices.append(toHost(point));
+  std::unique_ptr<AcDb3dPolyline> entity(new (std::nothrow) AcDb3dPolyline(AcDb::k3dSimplePoly, vertices, true));
+  if (!entity) throw OrvExpAcad(L"Initialization of AcDb3dPolyLine failed");
+  if (!setColorAndLayer(*entity, colorIndex, layer, *db)) return {};
+  return appendToModelSpace(std::move(entity), *db);
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,37 @@
+// The three ways in which the system puts entities into a drawing: always into model space, on a layer that is made
+// when it is missing (layerMadeIfMissing). A null database means the working one.
+#pragma once
+
+#include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/GeomEnts/Line.h"
+#include "OrvLib/GeomStructs/PolyLine.h"
+
+namespace OrvLib {
+
+inline constexpr int kColorByLayer = 256;
+/// No colour given; the host refuses it, and the new entity takes the drawing's current colour.
+inline constexpr int kNoColor = 65535;
+
+/// A predefined pattern of the host.
+struct HatchPattern {
+  const ACHAR* name = L"SOLID";
+  double angleRad = 0;
+  double scale = 1;
+};
+
+/// A non-associative hatch with `boundary` as its one outer loop. The boundary must not be open for write.
+/// Null id, and nothing made, when the boundary is none (isBoundary) or the host cannot fill it: an open or
+/// self-crossing course, an unknown pattern, too dense a pattern.
+AcDbObjectId makeHatch(AcDbObjectId boundary, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
+                       AcDbDatabase* db = nullptr);
+
+/// A line. A null layer leaves it on the drawing's current one. Null id when the host refuses it. Throws OrvExpAcad
+/// when it cannot be allocated.
+AcDbObjectId makeLine(const Line& line, int colorIndex, const ACHAR* layer, AcDbDatabase* db = nullptr);
+
+/// A closed 3D polyline of the simple kind through the points. Null id when the host refuses it. Throws OrvExpAcad when
+/// it cannot be allocated.
+AcDbObjectId makeClosed3dPolyline(const PolyLine& points, int colorIndex, const ACHAR* layer,
+                                  AcDbDatabase* db = nullptr);
+
+}  // namespace OrvLib

@@ -1,0 +1,119 @@
+// Failures of the library and of host calls, and how they are told to the user.
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace OrvLib {
+
+/// A place in the source. std::source_location would do, but not every compiler and checker in use has it yet.
+struct SourcePlace {
+  const char* file;
+  int line;
+
+  /// As a default argument: the place of the call.
+  static constexpr SourcePlace current(const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
+    return {file, line};
+  }
+};
+
+/// Root of the failures. Carries a message and the place in the source that raised it. A command handler catches it, so
+/// that it never reaches the host.
+class OrvExpBase {
+ public:
+  static constexpr std::size_t kLongestMessage = 4096;  // characters; the rest is cut
+
+  explicit OrvExpBase(std::wstring message, SourcePlace place = SourcePlace::current());
+  OrvExpBase(const OrvExpBase&) = default;
+  OrvExpBase& operator=(const OrvExpBase&) = default;
+  virtual ~OrvExpBase();
+
+  /// Tells the user: "message (Error location: file:line)". Never throws.
+  virtual void report() const noexcept;
+  /// Title of the report.
+  virtual const wchar_t* title() const { return L"Error"; }
+
+  const std::wstring& message() const { return message_; }
+  /// Path below the source root without its leading folders, for instance "ARX/Layers.cpp".
+  const std::wstring& file() const { return file_; }
+  int line() const { return line_; }
+
+ private:
+  std::wstring message_;
+  std::wstring file_;
+  int line_;
+};
+
+// Every class below has its own constructor: an inherited one would take the class for the place of the failure.
+
+/// A fault of the library itself.
+class OrvExpInternal : public OrvExpBase {
+ public:
+  explicit OrvExpInternal(std::wstring message, SourcePlace place = SourcePlace::current())
+      : OrvExpBase(std::move(message), place) {}
+};
+
+/// A failed allocation.
+class OrvExpNoMem : public OrvExpInternal {
+ public:
+  explicit OrvExpNoMem(std::wstring message, SourcePlace place = SourcePlace::current())
+      : OrvExpInternal(std::move(message), place) {}
+  const wchar_t* title() const override { return L"Out of memory"; }
+};
+
+/// An index outside a container.
+class OrvExpRange : public OrvExpBase {
+ public:
+  explicit OrvExpRange(std::wstring message, SourcePlace place = SourcePlace::current())
+      : OrvExpBase(std::move(message), place) {}
+};
+
+/// A failed host call or allocation of a host object.
+class OrvExpAcad : public OrvExpBase {
+ public:
+  explicit OrvExpAcad(std::wstring message, SourcePlace place = SourcePlace::current())
+      : OrvExpBase(std::move(message), place) {}
+};
+
+/// A refusal that the user can do something about.
+class OrvExpUser : public OrvExpBase {
+ public:
+  explicit OrvExpUser(std::wstring message, SourcePlace place = SourcePlace::current())
+      : OrvExpBase(std::move(message), place) {}
+};
+
+/// The user cancelled an action.
+class OrvExpActionCancelled : public OrvExpBase {
+ public:
+  explicit OrvExpActionCancelled(SourcePlace place = SourcePlace::current());
+};
+
+/// A structured system exception turned into a failure of the library.
+class OrvExpWinSeException : public OrvExpBase {
+ public:
+  explicit OrvExpWinSeException(std::wstring message, SourcePlace place = SourcePlace::current())
+      : OrvExpBase(std::move(message), place) {}
+};
+
+/// Tells of a failure without an exception object of the library; null means that nothing is known about it.
+void reportFailure(const wchar_t* message, SourcePlace place = SourcePlace::current()) noexcept;
+
+/// The same with the narrow text of a standard exception.
+void reportFailure(const char* message, SourcePlace place = SourcePlace::current()) noexcept;
+
+/// Runs `body` and reports whatever it throws: the door through which the host calls the plug-in.
+template <class Body>
+void guarded(Body&& body, SourcePlace place = SourcePlace::current()) noexcept {
+  try {
+    std::forward<Body>(body)();
+  } catch (const OrvExpBase& failure) {
+    failure.report();
+  } catch (const std::exception& failure) {
+    reportFailure(failure.what(), place);
+  } catch (...) {
+    reportFailure(static_cast<const wchar_t*>(nullptr), place);
+  }
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,31 @@
+#include "OrvLib/ARX/Groups.h"
+
+#include <memory>
+
+#include "OrvLib/ARX/Opened.h"
+
+namespace OrvLib {
+
+NumberedGroups::NumberedGroups(const ACHAR* prefix, AcDbDatabase* db) : prefix_(prefix), db_(orWorkingDatabase(db)) {}
+
+AcDbObjectId NumberedGroups::make(const ACHAR* description) {
+  if (db_ == nullptr) return {};
+  const auto groups =
+      Opened<AcDbDictionary>::by([&](AcDbDictionary*& open) { return db_->getGroupDictionary(open, AcDb::kForWrite); });
+  if (!groups) return {};
+  std::wstring name = prefix_ + std::to_wstring(next_);
+  while (groups->has(name.c_str())) name = prefix_ + std::to_wstring(++next_);
+  auto group = std::make_unique<AcDbGroup>();
+  AcDbObjectId id;
+  if (groups->setAt(name.c_str(), group.get(), id) != Acad::eOk) return {};
+  const Opened<AcDbGroup> resident(group.release());
+  resident->setDescription(description);
+  return id;
+}
+
+bool appendToGroup(AcDbObjectId groupId, const AcDbObjectIdArray& members) {
+  const Opened<AcDbGroup> group(groupId, AcDb::kForWrite);
+  return group && group->append(members) == Acad::eOk;
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,123 @@
+#include "OrvLib/ARX/Layers.h"
+
+#include <memory>
+#include <new>
+
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Opened.h"
+
+namespace OrvLib {
+namespace {
+
+constexpr const ACHAR* kContinuous = L"CONTINUOUS";
+constexpr const ACHAR* kLinetypeFile = L"acad.lin";
+
+template <class Table>
+AcDbObjectId recordId(AcDbDatabase& db, const ACHAR* name) {
+  AcDbObjectId id;
+  const auto table = Opened<Table>::by([&](Table*& open) { return db.getSymbolTable(open, AcDb::kForRead); });
+  if (!table || table->getAt(name, id) != Acad::eOk) return {};
+  return id;
+}
+
+/// A new layer, open for write; empty when the host refuses the name or the table.
+Opened<AcDbLayerTableRecord> makeLayer(AcDbDatabase& db, const ACHAR* name) {
+  const auto table =
+      Opened<AcDbLayerTable>::by([&](AcDbLayerTable*& open) { return db.getLayerTable(open, AcDb::kForWrite); });
+  if (!table) return {};
+  std::unique_ptr<AcDbLayerTableRecord> layer(new (std::nothrow) AcDbLayerTableRecord);
+  if (!layer) throw OrvExpAcad(L"Allocation of layerTableRecord failed");
+  if (layer->setName(name) != Acad::eOk || table->add(layer.get()) != Acad::eOk) return {};
+  return Opened<AcDbLayerTableRecord>(layer.release());
+}
+
+// A layer cannot be "by block" or "by layer", though the host's colours can.
+std::optional<AcCmColor> colorOfLayer(int colorIndex) {
+  AcCmColor color;
+  if (colorIndex < 1 || colorIndex > 255) return std::nullopt;
+  if (color.setColorIndex(static_cast<Adesk::UInt16>(colorIndex)) != Acad::eOk) return std::nullopt;
+  return color;
+}
+
+/// Writes only what differs, so that a layer that is right already stays untouched in the drawing file.
+bool setLayerProperties(AcDbLayerTableRecord& layer, int colorIndex, AcDbObjectId linetype) {
+  const std::optional<AcCmColor> color = colorOfLayer(colorIndex);
+  const bool setsColor = color && !(layer.color() == *color);
+  const bool setsLinetype = !linetype.isNull() && layer.linetypeObjectId() != linetype;
+  if (!setsColor && !setsLinetype) return true;
+  if (!makeWritable(layer)) return false;
+  if (setsColor) layer.setColor(*color);
+  if (setsLinetype) layer.setLinetypeObjectId(linetype);
+  return true;
+}
+
+}  // namespace
+
+EnsuredLayer ensureLayer(const ACHAR* name, int colorIndex, const ACHAR* linetype, MakeCurrent makeCurrent,
+                         AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return EnsuredLayer::Failed;
+  const AcDbObjectId linetypeId = findOrLoadLinetype(linetype, db);
+  AcDbObjectId layerId = recordId<AcDbLayerTable>(*db, name);
+  const bool isNew = layerId.isNull();
+  {
+    const Opened<AcDbLayerTableRecord> layer =
+        isNew ? makeLayer(*db, name) : Opened<AcDbLayerTableRecord>(layerId, AcDb::kForRead);
+    if (!layer || !setLayerProperties(*layer, colorIndex, linetypeId)) return EnsuredLayer::Failed;
+    layerId = layer->objectId();
+  }
+  if (linetypeId.isNull()) return EnsuredLayer::WithoutLinetype;
+  if (makeCurrent == MakeCurrent::Yes && db->setClayer(layerId) != Acad::eOk) return EnsuredLayer::Failed;
+  return isNew ? EnsuredLayer::Created : EnsuredLayer::Existed;
+}
+
+AcDbObjectId layerMadeIfMissing(const ACHAR* name, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return {};
+  const AcDbObjectId existing = recordId<AcDbLayerTable>(*db, name);
+  if (!existing.isNull()) return existing;
+  const AcDbObjectId linetype = findOrLoadLinetype(kContinuous, db);
+  const Opened<AcDbLayerTableRecord> layer = makeLayer(*db, name);
+  if (!layer) return {};
+  if (!linetype.isNull()) layer->setLinetypeObjectId(linetype);
+  return layer->objectId();
+}
+
+std::optional<int> layerColor(const ACHAR* name, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return std::nullopt;
+  const Opened<AcDbLayerTableRecord> layer(recordId<AcDbLayerTable>(*db, name), AcDb::kForRead);
+  if (!layer) return std::nullopt;
+  return layer->color().colorIndex();
+}
+
+bool setLayerColor(const ACHAR* name, int colorIndex, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr || !colorOfLayer(colorIndex)) return false;
+  const Opened<AcDbLayerTableRecord> layer(recordId<AcDbLayerTable>(*db, name), AcDb::kForRead);
+  return layer && setLayerProperties(*layer, colorIndex, {});
+}
+
+bool setLayerState(const ACHAR* name, const LayerState& state, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return false;
+  const Opened<AcDbLayerTableRecord> layer(recordId<AcDbLayerTable>(*db, name), AcDb::kForRead);
+  if (!layer) return false;
+  if (layer->isOff() == state.off && layer->isFrozen() == state.frozen && layer->isLocked() == state.locked)
+    return true;
+  if (!makeWritable(*layer)) return false;
+  layer->setIsOff(state.off);
+  layer->setIsLocked(state.locked);
+  return layer->isFrozen() == state.frozen || layer->setIsFrozen(state.frozen) == Acad::eOk;
+}
+
+AcDbObjectId findOrLoadLinetype(const ACHAR* name, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return {};
+  const AcDbObjectId present = recordId<AcDbLinetypeTable>(*db, name);
+  if (!present.isNull()) return present;
+  if (acdbLoadLineTypeFile(name, kLinetypeFile, db) != Acad::eOk) return {};
+  return recordId<AcDbLinetypeTable>(*db, name);
+}
+
+}  // namespace OrvLib

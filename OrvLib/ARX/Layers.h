@@ -1,0 +1,41 @@
+// Layers and linetypes of a drawing. Names compare without regard to case; a null database means the working one.
+#pragma once
+
+#include <optional>
+
+#include "OrvLib/ARX/HostInterface.h"
+
+namespace OrvLib {
+
+enum class MakeCurrent { No, Yes };
+enum class EnsuredLayer { Failed = 0, Created = 1, Existed = 2, WithoutLinetype = 3 };
+
+/// Makes sure that the layer exists with the colour index (1 to 255; any other leaves the layer's own) and linetype,
+/// overwriting those of an existing layer. A linetype that is neither in the drawing nor in the host's linetype file
+/// leaves the layer's own and answers WithoutLinetype. Throws OrvExpAcad when no layer record can be allocated.
+EnsuredLayer ensureLayer(const ACHAR* name, int colorIndex, const ACHAR* linetype,
+                         MakeCurrent makeCurrent = MakeCurrent::No, AcDbDatabase* db = nullptr);
+
+/// The layer's id. A missing layer is made with the linetype CONTINUOUS and otherwise the host's defaults; an existing
+/// one is left as it is. Null id on failure. Throws as ensureLayer.
+AcDbObjectId layerMadeIfMissing(const ACHAR* name, AcDbDatabase* db = nullptr);
+
+/// Colour index of the layer (of a true colour the nearest one); nothing when the layer is missing.
+std::optional<int> layerColor(const ACHAR* name, AcDbDatabase* db = nullptr);
+
+/// False for a missing layer and for an index outside 1 to 255; nothing is changed then.
+bool setLayerColor(const ACHAR* name, int colorIndex, AcDbDatabase* db = nullptr);
+
+struct LayerState {
+  bool off = false;
+  bool frozen = false;
+  bool locked = false;
+};
+
+/// Sets all three properties as given. False for a missing layer and when the host refuses (freezing the current one).
+bool setLayerState(const ACHAR* name, const LayerState& state, AcDbDatabase* db = nullptr);
+
+/// The linetype's id; a missing one is loaded from the host's "acad.lin". Null id when it is not there either.
+AcDbObjectId findOrLoadLinetype(const ACHAR* name, AcDbDatabase* db = nullptr);
+
+}  // namespace OrvLib

@@ -1,0 +1,38 @@
+// Chains of result buffers.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "OrvLib/ARX/HostInterface.h"
+
+namespace OrvLib {
+
+/// Owns a chain with its texts. Movable, not copyable.
+class ResbufChain {
+ public:
+  ResbufChain() = default;
+  /// Takes over a chain from the host; null makes an empty one.
+  explicit ResbufChain(resbuf* chain) : first_(chain) {}
+  ResbufChain(ResbufChain&& other) noexcept
+      : first_(std::exchange(other.first_, nullptr)), last_(std::exchange(other.last_, nullptr)) {}
+  ResbufChain& operator=(ResbufChain&& other) noexcept;
+  ResbufChain(const ResbufChain&) = delete;
+  ResbufChain& operator=(const ResbufChain&) = delete;
+  ~ResbufChain() { acutRelRb(first_); }
+
+  const resbuf* get() const { return first_; }
+  bool isEmpty() const { return first_ == nullptr; }
+
+  /// Appends an item that holds a text, such as 1000, 1001 and 1005. Throws OrvExpAcad when memory is out.
+  void append(short code, const ACHAR* text);
+  void append(short code, const std::wstring& text) { append(code, text.c_str()); }
+
+ private:
+  resbuf* appendItem(short code);
+
+  resbuf* first_ = nullptr;
+  resbuf* last_ = nullptr;
+};
+
+}  // namespace OrvLib

@@ -1,0 +1,86 @@
+#include "OrvLib/ARX/Selection.h"
+
+#include <string>
+#include <string_view>
+
+#include "OrvLib/ARX/ResbufChain.h"
+
+namespace OrvLib {
+namespace {
+
+/// One of the host's selection sets, of which it has few; gives it back.
+class SelectionSet {
+ public:
+  /// `mode` null asks the user. Only with no filter the entities selected before the command are taken.
+  SelectionSet(const ACHAR* mode, const resbuf* filter) {
+    exists_ = acedSSGet(mode, nullptr, nullptr, filter, set_) == RTNORM;
+  }
+  SelectionSet(const SelectionSet&) = delete;
+  SelectionSet& operator=(const SelectionSet&) = delete;
+  ~SelectionSet() {
+    if (exists_) acedSSFree(set_);
+  }
+
+  std::vector<AcDbObjectId> ids() const {
+    std::vector<AcDbObjectId> ids;
+    Adesk::Int32 length = 0;
+    if (!exists_ || acedSSLength(set_, &length) != RTNORM || length <= 0) return ids;
+    ids.reserve(static_cast<std::size_t>(length));
+    for (Adesk::Int32 i = 0; i < length; ++i) {
+      ads_name name = {0, 0};
+      AcDbObjectId id;
+      if (acedSSName(set_, i, name) == RTNORM && acdbGetObjectId(id, name) == Acad::eOk) ids.push_back(id);
+    }
+    return ids;
+  }
+
+ private:
+  ads_name set_ = {0, 0};
+  bool exists_ = false;
+};
+
+/// A layer's name as a filter takes it literally: pattern characters escaped.
+std::wstring literalPattern(const ACHAR* name) {
+  static constexpr std::wstring_view kPatternCharacters = L"#@.*?~[]-,`";
+  std::wstring pattern;
+  for (const ACHAR c : std::wstring_view(name)) {
+    if (kPatternCharacters.find(c) != std::wstring_view::npos) pattern += L'`';
+    pattern += c;
+  }
+  return pattern;
+}
+
+std::vector<AcDbObjectId> polylinesOf(std::vector<AcDbObjectId> ids) {
+  std::erase_if(ids, [](AcDbObjectId id) { return !isPolyline(id); });
+  return ids;
+}
+
+constexpr short kTypeCode = 0;
+constexpr short kLayerCode = 8;
+
+}  // namespace
+
+std::vector<AcDbObjectId> selectByUser() { return SelectionSet(nullptr, nullptr).ids(); }
+
+std::vector<AcDbObjectId> selectPolylinesByUser() { return polylinesOf(selectByUser()); }
+
+std::vector<AcDbObjectId> selectAllPolylines() {
+  // The type name POLYLINE covers meshes too, which the class tells apart.
+  ResbufChain filter;
+  filter.append(kTypeCode, L"LWPOLYLINE,POLYLINE");
+  return polylinesOf(SelectionSet(L"X", filter.get()).ids());
+}
+
+std::vector<AcDbObjectId> selectLayer(const ACHAR* layer) {
+  ResbufChain filter;
+  filter.append(kLayerCode, literalPattern(layer).c_str());
+  return SelectionSet(L"X", filter.get()).ids();
+}
+
+bool isPolyline(AcDbObjectId id) {
+  const AcRxClass* const type = id.objectClass();
+  return type != nullptr && (type->isDerivedFrom(AcDbPolyline::desc()) || type->isDerivedFrom(AcDb2dPolyline::desc()) ||
+                             type->isDerivedFrom(AcDb3dPolyline::desc()));
+}
+
+}  // namespace OrvLib

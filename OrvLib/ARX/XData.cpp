@@ -1,0 +1,31 @@
+#include "OrvLib/ARX/XData.h"
+
+#include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/ResbufChain.h"
+
+namespace OrvLib {
+
+std::optional<std::wstring> readXDataValue(const AcDbObject& object, const ACHAR* application, const ACHAR* key,
+                                           short keyCode) {
+  const ResbufChain chain(object.xData(application));
+  return valueInChain(chain.get(), application, key, keyCode);
+}
+
+bool setXDataRegistered(AcDbObject& object, const ACHAR* application, const resbuf* chain) {
+  Acad::ErrorStatus status = object.setXData(chain);
+  if (status == Acad::eRegappIdNotFound && acdbRegApp(application) == RTNORM) status = object.setXData(chain);
+  return status == Acad::eOk;
+}
+
+bool removeXData(AcDbObject& object, const ACHAR* application) {
+  if (ResbufChain(object.xData(application)).isEmpty()) return true;
+  const bool wasWritable = object.isWriteEnabled();
+  if (!makeWritable(object)) return false;
+  ResbufChain nameOnly;
+  nameOnly.append(kXDataApplication, application);
+  const Acad::ErrorStatus status = object.setXData(nameOnly.get());
+  if (!wasWritable) object.downgradeOpen();
+  return status == Acad::eOk || status == Acad::eRegappIdNotFound;
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,57 @@
+// The colours of one drawing's element categories and their form in the file tolm.ini.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace OrvLib {
+
+/// Host colour indices, 1 to 255; a file may hold any number, which layers then refuse.
+struct ColorScheme {
+  int asphalt = 254;
+  int gravel = 31;
+  int yardPaving = 252;
+  int path = 31;
+  int boardFence = 7;
+  int stoneFence = 7;
+  int hedge = 92;
+  int forest = 105;
+  int grass = 70;
+  int roofFillShadow = 45;
+  int roofFillSun = 42;
+  int roof = 250;
+
+  bool operator==(const ColorScheme&) const = default;
+};
+
+/// A colour that the user can choose.
+struct SchemeColor {
+  int ColorScheme::*field;
+  const wchar_t* key;        // in the file
+  const wchar_t* areaLayer;  // whose colour it is; null for the roof fills, which are coloured one by one
+};
+
+/// In the order of the file's lines.
+inline constexpr std::array<SchemeColor, 9> kSchemeColors{{
+    {&ColorScheme::asphalt, L"asfaltti", L"tma_asf"},
+    {&ColorScheme::grass, L"nurmi", L"tma_nurmi"},
+    {&ColorScheme::gravel, L"sora", L"tma_sora"},
+    {&ColorScheme::yardPaving, L"pihalaatta", L"tma_laatta"},
+    {&ColorScheme::path, L"polku", L"tma_polku"},
+    {&ColorScheme::hedge, L"pensasviiva", L"tma_pensas"},
+    {&ColorScheme::forest, L"metsa", L"tma_metsa"},
+    {&ColorScheme::roofFillShadow, L"kattotayttovarjo", nullptr},
+    {&ColorScheme::roofFillSun, L"kattotayttoaurinko", nullptr},
+}};
+
+/// Takes the colours from lines of the form "key value", case of the key ignored, the first line of a key winning. A
+/// value without a leading number is 0. Keys that are missing or have no value leave their colour as it is.
+void readSchemeLines(const std::vector<std::wstring>& lines, ColorScheme& scheme);
+
+/// The file's text: for every colour its key, a tab, the index and a line feed.
+std::wstring schemeText(const ColorScheme& scheme);
+
+}  // namespace OrvLib

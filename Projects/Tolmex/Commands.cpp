@@ -1,0 +1,113 @@
+#include "Tolmex/Commands.h"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/HostInterface.h"
+#include "Tolmex/DrawingCommands.h"
+#include "Tolmex/ElementCommands.h"
+#include "Tolmex/FirstUse.h"
+#include "Tolmex/ParkingCommand.h"
+
+namespace OrvLib {
+namespace {
+
+constexpr const ACHAR* kCommandGroup = L"ORV_TOLMEX";
+constexpr std::size_t kCommandCount = 30;
+
+struct Command {
+  const ACHAR* globalName;
+  const ACHAR* localName;
+  void (*body)();  // null: not available yet
+};
+
+constexpr Command sameName(const ACHAR* name, void (*body)()) { return {name, name, body}; }
+constexpr Command notYet(const ACHAR* name) { return {name, name, nullptr}; }
+
+// In the order of registration.
+constexpr std::array<Command, kCommandCount> kCommands{{
+    notYet(L"TLM_MUOK_VARIT"),
+    sameName(L"TLM_MUOK_VARIT_PAALLE", showFills),
+    sameName(L"TLM_MUOK_VARIT_POIS", hideFills),
+    sameName(L"TLM_MUOK_ASFALTTI", [] { makeElements(elements::kAsphalt); }),
+    notYet(L"TLM_MUOK_RAKENNUS"),
+    notYet(L"TLM_MUOK_HARJAVIIVA"),
+    sameName(L"TLM_PARK_PAIKKA_TEE", makeParkingPlaces),
+    // The local name lacks a letter; users of localised hosts know it so.
+    {L"TLM_MUOK_NURMIKKO", L"TLM_MUOK_NURMKKO", [] { makeElements(elements::kGrass); }},
+    sameName(L"TLM_MUOK_SORA", [] { makeElements(elements::kGravel); }),
+    sameName(L"TLM_MUOK_METSA", [] { makeElements(elements::kForest); }),
+    notYet(L"TLM_LIS_SYMBOLI"),
+    sameName(L"TLM_MUOK_PENSAS", [] { makeElements(elements::kHedge); }),
+    sameName(L"TLM_MUOK_PIHALAATTA", [] { makeElements(elements::kYardPaving); }),
+    sameName(L"TLM_MUOK_AITA_LAUTA", [] { makeElements(elements::kBoardFence); }),
+    sameName(L"TLM_MUOK_AITA_KIVI", [] { makeElements(elements::kStoneFence); }),
+    sameName(L"TLM_VIIVA_JATKUVA", [] { setCurrentLinetype(L"CONTINUOUS"); }),
+    sameName(L"TLM_VIIVA_KATKO", [] { setCurrentLinetype(L"HIDDEN2"); }),
+    sameName(L"TLM_VIIVA_PISTE", [] { setCurrentLinetype(L"DOTS"); }),
+    sameName(L"TLM_VIE_TAAKSE", sendSelectedToBack),
+    sameName(L"TLM_TUO_ETEEN", bringSelectedToFront),
+    sameName(L"TLM_MUOK_POLKU", [] { makeElements(elements::kPath); }),
+    notYet(L"TLM_VARJO_OMINAISUUDET"),
+    notYet(L"TLM_VARJO_PAIVITA"),
+    notYet(L"TLM_VARJO_POISTA"),
+    notYet(L"TLM_ASETA_KORKEUS"),
+    notYet(L"TLM_KATTO_RAST_TEE_4_VARJO"),
+    notYet(L"TLM_KATTO_RAST_TEE_3_VARJO"),
+    notYet(L"TLM_KATTO_RAST_TEE_4_AURINKO"),
+    notYet(L"TLM_KATTO_RAST_TEE_3_AURINKO"),
+    sameName(L"TLM_POISTA_TIEDOT", removeDataFromSelected),
+}};
+
+constexpr bool namesAreUnique() {
+  for (std::size_t i = 0; i < kCommandCount; ++i) {
+    for (std::size_t k = 0; k < i; ++k) {
+      const std::wstring_view name = kCommands[i].globalName;
+      if (name == kCommands[k].globalName || name == kCommands[k].localName) return false;
+    }
+  }
+  return true;
+}
+static_assert(namesAreUnique(), "the host refuses a second command of the same name");
+
+/// What the host calls: nothing thrown in a command gets past it.
+template <std::size_t index>
+void runCommand() {
+  guarded([] {
+    const Command& command = kCommands[index];
+    prepareCurrentDocument();
+    if (command.body != nullptr) {
+      command.body();
+    } else {
+      acutPrintf(L"\nKomento %s ei ole vielä käytettävissä.\n", command.globalName);
+    }
+  });
+}
+
+template <std::size_t... indices>
+constexpr std::array<AcRxFunctionPtr, kCommandCount> entryPoints(std::index_sequence<indices...>) {
+  return {&runCommand<indices>...};
+}
+constexpr auto kEntryPoints = entryPoints(std::make_index_sequence<kCommandCount>());
+
+AcEdCommandStack* commandStack() { return acedRegCmds; }
+
+}  // namespace
+
+void registerCommands() {
+  AcEdCommandStack* const stack = commandStack();
+  if (stack == nullptr) return;
+  for (std::size_t i = 0; i < kCommandCount; ++i) {
+    stack->addCommand(kCommandGroup, kCommands[i].globalName, kCommands[i].localName,
+                      ACRX_CMD_TRANSPARENT | ACRX_CMD_USEPICKSET, kEntryPoints[i]);
+  }
+}
+
+void removeCommands() {
+  if (AcEdCommandStack* const stack = commandStack()) stack->removeGroup(kCommandGroup);
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,32 @@
+#include "Tolmex/DocData.h"
+
+#include "Tolmex/DataManager.h"
+#include "Tolmex/InputPointMonitor.h"
+#include "Tolmex/Reactors.h"
+
+namespace OrvLib {
+namespace {
+
+AsdkDataManager<CDocData> documents;
+
+}  // namespace
+
+CDocData::CDocData() = default;
+
+CDocData::~CDocData() = default;
+
+void CDocData::attachTo(AcApDocument& document) {
+  if (!reactor_) reactor_ = std::make_unique<DocDataReactor>(true, &document);
+  if (!monitor_) monitor_ = std::make_unique<InputPointMonitor>(true, &document);
+}
+
+CDocData& currentDocData() { return documents.current(); }
+
+void attachToDocuments() {
+  documents.start();
+  documents.attachCurrent();
+}
+
+void detachFromDocuments() { documents.stop(); }
+
+}  // namespace OrvLib

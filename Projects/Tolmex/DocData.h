@@ -1,0 +1,47 @@
+// What the system knows about each open drawing.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "Tolmex/ColorScheme.h"
+
+class AcApDocument;
+
+namespace OrvLib {
+
+class DocDataReactor;
+class InputPointMonitor;
+
+/// The record of one open drawing.
+class CDocData {
+ public:
+  CDocData();
+  CDocData(const CDocData&) = delete;
+  CDocData& operator=(const CDocData&) = delete;
+  ~CDocData();
+
+  /// Makes the reactor and the monitor of the document if the record has none yet; they go with the record.
+  void attachTo(AcApDocument& document);
+
+  bool colorsFromDrawing = false;     // an area layer was in the drawing before the system made its layers
+  bool colorsChosen = false;          // the user has confirmed the colour dialog
+  std::uint32_t backgroundColor = 0;  // of the current layout, 0x00BBGGRR
+  ColorScheme colors;
+  bool prepared = false;  // the first command has run
+
+ private:
+  std::unique_ptr<DocDataReactor> reactor_;
+  std::unique_ptr<InputPointMonitor> monitor_;
+};
+
+/// The current document's record. Throws OrvExpAcad when no drawing is open.
+CDocData& currentDocData();
+
+/// Follows the host's documents and attaches to the current one, if there is one.
+void attachToDocuments();
+
+/// Detaches from all documents and forgets what is known about them.
+void detachFromDocuments();
+
+}  // namespace OrvLib

@@ -1,0 +1,60 @@
+#include "Tolmex/DrawingCommands.h"
+
+#include <vector>
+
+#include "OrvLib/ARX/DrawOrder.h"
+#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Selection.h"
+#include "Tolmex/EntityTag.h"
+
+namespace OrvLib {
+namespace {
+
+void moveSelected(const ACHAR* prompt, bool (DrawOrder::*move)(AcDbObjectId)) {
+  acutPrintf(L"%s", prompt);
+  const std::vector<AcDbObjectId> selected = selectByUser();
+  if (selected.empty()) return;
+  {
+    DrawOrder order;
+    for (const AcDbObjectId id : selected) (order.*move)(id);
+  }
+  regenerate();
+}
+
+void setFillLayers(const LayerState& state) {
+  for (const ACHAR* const layer :
+       {L"tma_asf", L"tma_sora", L"tma_laatta", L"tma_polku", L"tma_aita_kivi", L"tma_aita_lauta", L"tma_pensas",
+        L"tma_metsa", L"tma_nurmi", layers::kRoofFillSun, layers::kRoofFillShadow}) {
+    setLayerState(layer, state);
+  }
+}
+
+}  // namespace
+
+void bringSelectedToFront() { moveSelected(L"\nValitse objektit, jotka tuodaan eteen:\n", &DrawOrder::moveToTop); }
+
+void sendSelectedToBack() { moveSelected(L"\nValitse objektit, jotka viedään taakse:\n", &DrawOrder::moveToBottom); }
+
+void setCurrentLinetype(const ACHAR* name) {
+  const int result = acedCommandS(RTSTR, L"linetype", RTSTR, L"s", RTSTR, name, RTSTR, L"", RTNONE);
+  if (result < 0) acedAlert(L"linetype-cmd");
+}
+
+void showFills() { setFillLayers({}); }
+
+void hideFills() {
+  LayerState hidden;
+  hidden.off = true;
+  setFillLayers(hidden);
+}
+
+void removeDataFromSelected() {
+  acutPrintf(L"\nValitse kohteet, joista poistetaan tiedot:\n");
+  for (const AcDbObjectId id : selectByUser()) {
+    const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity) removeTags(*entity);
+  }
+}
+
+}  // namespace OrvLib

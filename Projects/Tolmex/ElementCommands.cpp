@@ -1,0 +1,48 @@
+#include "Tolmex/ElementCommands.h"
+
+#include "OrvLib/ARX/EntityMakers.h"
+#include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Selection.h"
+#include "Tolmex/DisplayFinish.h"
+#include "Tolmex/DocumentLock.h"
+#include "Tolmex/EntityTag.h"
+
+namespace OrvLib {
+namespace {
+
+void eraseEntity(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
+  if (entity) entity->erase();
+}
+
+void makeElement(AcDbObjectId polyline, Category category) {
+  const CategoryRow& kind = row(category);
+  AcDbObjectId fill;
+  // The host opens the boundary itself, so the fill comes before the polyline is opened.
+  if (kind.fillPattern != nullptr) {
+    fill =
+        makeHatch(polyline, kColorByLayer, kind.fillLayer, {kind.fillPattern, kind.patternAngleRad, kind.patternScale});
+  }
+  const Opened<AcDbEntity> outline(polyline, AcDb::kForWrite);
+  if (!outline) {
+    // A polyline on a locked layer cannot become an element; its fill would belong to nobody.
+    if (!fill.isNull()) eraseEntity(fill);
+    return;
+  }
+  outline->setLayer(kind.outlineLayer);
+  writeTag(category, fill, *outline);
+}
+
+}  // namespace
+
+void makeElements(const ElementCommand& command) {
+  acutPrintf(L"%s", command.prompt);
+  {
+    const DocumentLock lock;
+    if (!lock) return;
+    for (const AcDbObjectId polyline : selectPolylinesByUser()) makeElement(polyline, command.category);
+  }
+  finishDisplay();
+}
+
+}  // namespace OrvLib

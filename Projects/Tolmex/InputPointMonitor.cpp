@@ -1,0 +1,60 @@
+#include "Tolmex/InputPointMonitor.h"
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Opened.h"
+#include "OrvLib/DataStruct/Text.h"
+#include "Tolmex/BuildingRecord.h"
+#include "Tolmex/EntityTag.h"
+
+namespace OrvLib {
+namespace {
+
+// The host copies the text after the call, so it must outlive it.
+std::array<ACHAR, 512> tooltipBuffer;
+
+std::optional<std::wstring> tooltipOf(const AcDbEntity& entity) {
+  if (const std::optional<Category> category = knownCategory(entity)) return row(*category).tag;
+  const std::optional<BuildingTexts> building = readBuildingTexts(entity);
+  if (!building) return std::nullopt;
+  const std::wstring start = L"Rakennus (" + formatNumber(leadingNumber(building->nrFloors)) + L" kerrosta): ";
+  if (!building->roofLineHandle) return start + L"harjaviivaa ei määritelty.";
+  return start + L"harjaviiva määritelty (" + building->roofHeight + L" m).";
+}
+
+}  // namespace
+
+InputPointMonitor::InputPointMonitor(bool autoAttach, AcApDocument* document) {
+  if (!autoAttach || document == nullptr) return;
+  if (document->inputPointManager()->addPointMonitor(this) == Acad::eOk) document_ = document;
+}
+
+InputPointMonitor::~InputPointMonitor() {
+  if (document_ != nullptr) document_->inputPointManager()->removePointMonitor(this);
+}
+
+Acad::ErrorStatus InputPointMonitor::monitorInputPoint(
+    bool& appendToTooltipStr, ACHAR*& additionalTooltipString, AcGiViewportDraw*, AcApDocument*, bool, int,
+    const AcGePoint3d&, const AcGePoint3d&, const AcGePoint3d&, const AcGePoint3d&, const AcGePoint3d&, AcDb::OsnapMask,
+    const AcArray<AcDbCustomOsnapMode*>&, AcDb::OsnapMask, const AcArray<AcDbCustomOsnapMode*>&,
+    const AcArray<AcDbObjectId>& apertureEntities, const NestedIds&, const AcArray<Adesk::GsMarker>&,
+    const AcArray<AcDbObjectId>&, const NestedIds&, const AcArray<Adesk::GsMarker>&, const AcArray<AcGeCurve3d*>&,
+    const AcGePoint3d&, const ACHAR*) {
+  guarded([&] {
+    if (apertureEntities.isEmpty()) return;
+    const Opened<AcDbEntity> entity(apertureEntities.first(), AcDb::kForRead);
+    if (!entity) return;
+    const std::optional<std::wstring> text = tooltipOf(*entity);
+    if (!text) return;
+    const std::size_t length = text->copy(tooltipBuffer.data(), tooltipBuffer.size() - 1);
+    tooltipBuffer[length] = L'\0';
+    appendToTooltipStr = true;
+    additionalTooltipString = tooltipBuffer.data();
+  });
+  return Acad::eOk;
+}
+
+}  // namespace OrvLib
