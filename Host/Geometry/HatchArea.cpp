@@ -1,0 +1,29 @@
+#include "Geometry/HatchArea.h"
+
+#include "Geometry/EntityPaths.h"
+#include "Geometry/PlaneTests.h"
+
+namespace host::geometry {
+
+std::vector<hatching::Polygon> filledLoops(const hatching::HatchRecord& hatch) {
+  constexpr std::size_t kMostNestedLoops = 2000;  // the nesting is found loop by loop
+  enum Style { kNormal = 0, kOuter = 1, kIgnore = 2 };
+  const std::size_t count = hatch.loops.size();
+  if (hatch.style == kNormal || count < 2 || count > kMostNestedLoops) return hatch.loops;
+  std::vector<Box> boxes(count);
+  for (std::size_t i = 0; i < count; ++i)
+    for (const auto& p : hatch.loops[i]) boxes[i].add(Point{p.x, p.y});
+  std::vector<hatching::Polygon> kept;
+  const int deepest = hatch.style == kIgnore ? 0 : 1;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (hatch.loops[i].empty()) continue;
+    const Point p{hatch.loops[i].front().x, hatch.loops[i].front().y};
+    int depth = 0;
+    for (std::size_t j = 0; j < count && depth <= deepest; ++j)
+      if (j != i && boxes[j].contains(p) && isInsideRing(hatch.loops[j], p)) ++depth;
+    if (depth <= deepest) kept.push_back(hatch.loops[i]);
+  }
+  return kept;
+}
+
+}  // namespace host::geometry

@@ -1,0 +1,47 @@
+// Entities that stand for a block: inserts, dimensions, tables.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Geometry/Transform.h"
+
+namespace host::geometry {
+
+constexpr int kDeepestNesting = 64;
+
+/// Where the content of a block comes to stand; arrays repeat it in columns and rows.
+struct BlockReference {
+  const database::BlockContents* block = nullptr;
+  Transform first;  // block coordinates to those around the reference, for the first cell
+  AcGeVector3d columnStep, rowStep;
+  std::int64_t columns = 1, rows = 1;
+
+  Transform cell(std::int64_t column, std::int64_t row) const {
+    return first.movedBy(columnStep * static_cast<double>(column) + rowStep * static_cast<double>(row));
+  }
+};
+
+bool isReference(database::DxfType type);
+/// Nothing for other entities, an unknown block, or a place or scale that is not finite.
+std::optional<BlockReference> readReference(const database::Slot& entity);
+
+/// False for what a reference does not show of its block: erased entities, definitions of variable attributes.
+bool isDrawnInReference(const database::Slot& entity);
+/// Flag 1 of an attribute: invisible.
+bool isInvisibleAttribute(const database::Slot& attribute);
+
+/// The blocks entered so far, outermost first.
+class ReferenceChain {
+ public:
+  /// False when the block is being drawn already or the nesting is too deep.
+  bool enter(const database::BlockContents* block);
+  void leave() { blocks_.pop_back(); }
+  bool isEmpty() const { return blocks_.empty(); }
+
+ private:
+  std::vector<const database::BlockContents*> blocks_;
+};
+
+}  // namespace host::geometry

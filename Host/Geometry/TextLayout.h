@@ -1,0 +1,70 @@
+// Texts of drawings laid out: which characters stand where, for painters and for boxes.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Geometry/Transform.h"
+
+namespace host::geometry {
+
+/// Advance of a character for text of height 1 (height of capitals) and width factor 1.
+using CharacterWidth = std::function<double(wchar_t character, bool bold)>;
+/// A mean width, for boxes where no font is at hand.
+double meanCharacterWidth(wchar_t character, bool bold);
+
+/// Characters of one form in a row. Text coordinates: x along the line, y up, capitals `height` tall above y.
+struct TextRun {
+  std::wstring text;
+  double x = 0, y = 0;  // start on the base line
+  double width = 0;
+  double height = 0;
+  double widthFactor = 1;
+  double obliqueRad = 0;
+  double tracking = 1;           // factor of the advance
+  bool bold = false;
+  int color = -1;                // colour index, -1 the entity's
+  std::int64_t trueColor = -1;   // 0xRRGGBB, or -1
+};
+
+/// A line that belongs to a text: underline, fraction bar.
+struct TextRule {
+  Point from, to;
+  int color = -1;
+  std::int64_t trueColor = -1;
+};
+
+struct TextBlock {
+  Transform frame;  // text coordinates to those of the block the entity stands in
+  std::vector<TextRun> runs;
+  std::vector<TextRule> rules;
+  Box box;          // text coordinates
+  bool masked = false;           // a filled box behind the text
+  Box mask;
+  int maskColor = -1;            // -1: the background
+  std::int64_t maskTrueColor = -1;
+};
+
+/// Lays out TEXT, MTEXT, ATTRIB or ATTDEF (its tag name). Nothing for other entities, an empty text, or a text without a
+/// usable place or height.
+std::optional<TextBlock> layoutText(const database::Slot& entity, const CharacterWidth& width);
+
+/// Multi-line text from its parts, for entities that carry one inside.
+struct MTextParts {
+  std::wstring contents;
+  AcGePoint3d position;
+  AcGeVector3d direction{1, 0, 0}, normal{0, 0, 1};
+  double height = 0;
+  double referenceWidth = 0;     // 0: no wrapping
+  int attachment = 1;            // 1 top left ... 9 bottom right
+  double lineSpacing = 1;
+  bool exactSpacing = false;
+  double widthFactor = 1;
+  double obliqueRad = 0;
+};
+std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWidth& width);
+
+}  // namespace host::geometry

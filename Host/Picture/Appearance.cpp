@@ -1,0 +1,142 @@
+#include "Picture/Appearance.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+
+#include "Database/Palette.h"
+#include "Hatching/Linetypes.h"
+#include "Text/Text.h"
+
+namespace host::picture {
+namespace {
+
+enum SpecialColor { kByBlock = 0, kInk = 7, kByLayer = 256 };
+enum SpecialLineweight { kLineweightByLayer = -1, kLineweightByBlock = -2 };
+constexpr int kHeaviestLineweight = 1000;
+
+bool isName(std::string_view text, std::string_view upper) {
+  return std::ranges::equal(text, upper, [](unsigned char a, unsigned char b) { return std::toupper(a) == b; });
+}
+
+/// Tag 440: kind in the highest byte (0 by layer, 1 by block, 2 given), opacity in the lowest.
+std::optional<std::uint8_t> givenAlpha(std::int64_t transparency) {
+  if ((transparency >> 24 & 0xFF) != 2) return {};
+  return static_cast<std::uint8_t>(transparency & 0xFF);
+}
+
+}  // namespace
+
+Appearances::Appearances(const database::DrawingDatabase& db, const PictureOptions& options)
+    : db_(db), options_(options), layers_(db), pattern_(text::fromUtf8(options.layers)) {
+  const double scale = db.headerReal("$LTSCALE", 40).value_or(1);
+  if (std::isfinite(scale) && scale > 0) linetypeScale_ = scale;
+}
+
+const Appearances::LayerChoice& Appearances::choice(std::uint32_t layer) {
+  const auto [entry, isNew] = choices_.try_emplace(layer);
+  if (isNew) {
+    const geometry::LayerState& state = layers_.at(layer);
+    const bool isPlot = options_.paper || options_.scale;
+    const bool isLeftOut = isPlot && (!state.plottable || text::equalFolded(state.name, L"Defpoints"));
+    entry->second.frozen = state.frozen;
+    entry->second.shown = state.isDrawn() && !isLeftOut && (options_.layers == "*" || text::matchesWildcard(state.name, pattern_));
+  }
+  return entry->second;
+}
+
+std::uint32_t Appearances::effectiveLayer(const database::Slot& entity, const Surroundings& surroundings) {
+  return surroundings.layer != 0 && layers_.at(entity.layer).name == L"0" ? surroundings.layer : entity.layer;
+}
+
+bool Appearances::isShown(const database::Slot& entity, std::uint32_t effectiveLayer) {
+  const LayerChoice& layer = choice(effectiveLayer);
+  if (layer.frozen) return false;
+  if (std::ranges::find(viewportFrozen_, effectiveLayer) != viewportFrozen_.end()) return false;
+  return layer.shown || entity.type == database::DxfType::Insert;
+}
+
+const std::vector<double>* Appearances::dashes(std::string_view linetype) {
+  auto entry = linetypes_.find(linetype);
+  if (entry == linetypes_.end()) {
+    std::vector<double> pattern;
+    if (const auto* record = db_.findRecord(database::DxfType::LineType, db_.codec().decode(linetype)))
+      pattern = hatching::linetypeDashes(record->tags());
+    if (!std::ranges::all_of(pattern, [](double d) { return std::isfinite(d); })) pattern.clear();
+    entry = linetypes_.emplace(std::string(linetype), std::move(pattern)).first;
+  }
+  return entry->second.empty() ? nullptr : &entry->second;
+}
+
+void Appearances::setIndexColor(Appearance& appearance, int index) {
+  appearance.isInk = index == kInk || index <= 0 || index > 255;
+  if (!appearance.isInk) appearance.rgb = database::paletteColor(index);
+}
+
+Appearance Appearances::resolve(const database::EntityProperties& own, std::uint32_t effectiveLayer,
+                                const Surroundings& surroundings) {
+  const geometry::LayerState& layer = layers_.at(effectiveLayer);
+  const Appearance& block = surroundings.appearance;
+  Appearance result;
+  const auto setTrueColor = [&](std::int64_t rgb) {
+    result.isInk = false;
+    result.rgb = static_cast<std::uint32_t>(rgb);
+  };
+  if (own.trueColor >= 0) setTrueColor(own.trueColor);
+  else if (own.color == kByBlock) {
+    result.isInk = block.isInk;
+    result.rgb = block.rgb;
+  } else if (own.color != kByLayer) setIndexColor(result, own.color);
+  else if (layer.trueColor >= 0) setTrueColor(layer.trueColor);
+  else setIndexColor(result, layer.color);
+
+  const int lineweight = own.lineweight == kLineweightByLayer ? layer.lineweight : own.lineweight;
+  if (lineweight >= 0) result.lineweightMm = std::min(lineweight, kHeaviestLineweight) / 100.0;
+  else result.lineweightMm = lineweight == kLineweightByBlock ? block.lineweightMm : Appearance{}.lineweightMm;
+
+  if (isName(own.linetype, "BYBLOCK")) result.dashes = block.dashes;
+  else if (own.linetype.empty() || isName(own.linetype, "BYLAYER")) result.dashes = dashes(layer.linetype);
+  else result.dashes = dashes(own.linetype);
+  if (std::isfinite(own.linetypeScale) && own.linetypeScale > 0) result.linetypeScale = own.linetypeScale;
+
+  const bool isAlphaByBlock = (own.transparency >> 24 & 0xFF) == 1;
+  if (const auto alpha = givenAlpha(own.transparency)) result.alpha = *alpha;
+  else if (isAlphaByBlock) result.alpha = block.alpha;
+  else result.alpha = givenAlpha(layer.transparency).value_or(255);
+  return result;
+}
+
+Color Appearances::background() const {
+  const std::uint32_t rgb = options_.background.value_or(0xFFFFFF);
+  return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb), 255};
+}
+
+Color Appearances::ofMode(std::uint32_t rgb, std::uint8_t alpha) const {
+  Color c{static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb), alpha};
+  if (options_.colors == ColorMode::Grayscale) {
+    // Luma of the usual video weights, in thousandths.
+    const auto grey = static_cast<std::uint8_t>((299 * c.red + 587 * c.green + 114 * c.blue + 500) / 1000);
+    c.red = c.green = c.blue = grey;
+  }
+  return c;
+}
+
+Color Appearances::color(const Appearance& appearance) const {
+  if (!appearance.isInk && options_.colors != ColorMode::Monochrome) return ofMode(appearance.rgb, appearance.alpha);
+  const Color b = background();
+  const bool isDark = 299 * b.red + 587 * b.green + 114 * b.blue < 128 * 1000;
+  return isDark ? Color{255, 255, 255, appearance.alpha} : Color{0, 0, 0, appearance.alpha};
+}
+
+Color Appearances::color(int index, std::int64_t trueColor, const Appearance& otherwise) const {
+  Appearance own = otherwise;
+  if (trueColor >= 0) {
+    own.isInk = false;
+    own.rgb = static_cast<std::uint32_t>(trueColor & 0xFFFFFF);
+  } else if (index > 0 && index < kByLayer) {
+    setIndexColor(own, index);
+  }
+  return color(own);
+}
+
+}  // namespace host::picture

@@ -1,0 +1,73 @@
+// Colour, linetype, lineweight and transparency of entities: own, by layer, by block.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Geometry/Layers.h"
+#include "Picture/DisplayList.h"
+#include "Picture/Picture.h"
+
+namespace host::picture {
+
+/// What an entity is drawn with, before options of the picture apply.
+struct Appearance {
+  bool isInk = true;               // colour 7: black or white, whichever stands out
+  std::uint32_t rgb = 0;           // when not
+  std::uint8_t alpha = 255;
+  double lineweightMm = 0.25;
+  const std::vector<double>* dashes = nullptr;  // null: unbroken; lengths before linetype scales
+  double linetypeScale = 1;
+};
+
+/// What the content of a block takes from the reference to it.
+struct Surroundings {
+  std::uint32_t layer = 0;         // stands in for layer "0"; 0 outside blocks
+  Appearance appearance;           // of what is "by block"
+};
+
+class Appearances {
+ public:
+  Appearances(const database::DrawingDatabase& db, const PictureOptions& options);
+
+  /// Layer that decides, inside blocks.
+  std::uint32_t effectiveLayer(const database::Slot& entity, const Surroundings& surroundings);
+  /// False on layers that are off (references only when frozen: what they show may lie on other layers), frozen, left out
+  /// by the options, or not plotted on paper.
+  bool isShown(const database::Slot& entity, std::uint32_t effectiveLayer);
+  Appearance resolve(const database::EntityProperties& own, std::uint32_t effectiveLayer,
+                     const Surroundings& surroundings);
+  /// Layers hidden in the viewport that is being drawn, as layer indices.
+  void setViewportFrozen(std::vector<std::uint32_t> layers) { viewportFrozen_ = std::move(layers); }
+
+  /// The colour after the picture's colour mode.
+  Color color(const Appearance& appearance) const;
+  Color color(int index, std::int64_t trueColor, const Appearance& otherwise) const;
+  Color background() const;
+  double globalLinetypeScale() const { return linetypeScale_; }
+
+ private:
+  struct LayerChoice {
+    bool shown = true, frozen = false;
+  };
+  const LayerChoice& choice(std::uint32_t layer);
+  const std::vector<double>* dashes(std::string_view linetype);
+  static void setIndexColor(Appearance& appearance, int index);
+  Color ofMode(std::uint32_t rgb, std::uint8_t alpha) const;
+
+  const database::DrawingDatabase& db_;
+  const PictureOptions& options_;
+  geometry::LayerStates layers_;
+  std::unordered_map<std::uint32_t, LayerChoice> choices_;
+  std::map<std::string, std::vector<double>, std::less<>> linetypes_;
+  std::vector<std::uint32_t> viewportFrozen_;
+  std::wstring pattern_;
+  double linetypeScale_ = 1;
+};
+
+}  // namespace host::picture

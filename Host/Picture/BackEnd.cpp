@@ -1,0 +1,194 @@
+#include "Picture/BackEnd.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QImage>
+#include <QImageWriter>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPdfWriter>
+#include <QSvgGenerator>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace host::picture {
+namespace {
+
+constexpr double kMmPerInch = 25.4;
+/// Lines up to this many pixels go to the painter's fast way for lines of one pixel.
+constexpr double kThinLinePx = 1.05;
+
+QColor qColor(Color c) { return {c.red, c.green, c.blue, c.alpha}; }
+QColor qColor(std::uint32_t rgb) { return QColor::fromRgb(rgb | 0xFF000000U); }
+
+bool isDot(const DisplayList& list, const DisplayRing& ring) {
+  const Point& first = list.points[ring.first];
+  return ring.count == 1 || (ring.count == 2 && first.x == list.points[ring.first + 1].x &&
+                             first.y == list.points[ring.first + 1].y);
+}
+
+void addToPath(const DisplayList& list, const DisplayRing& ring, QPainterPath& path) {
+  const Point* points = list.points.data() + ring.first;
+  path.moveTo(points[0].x, points[0].y);
+  for (std::uint32_t i = 1; i < ring.count; ++i) path.lineTo(points[i].x, points[i].y);
+  if (ring.closed) path.closeSubpath();
+}
+
+/// Paints the list; `isRaster` lets thin lines be drawn as lines of one pixel.
+void paint(QPainter& painter, const DisplayList& list, bool isRaster) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  QPainterPath path, dots;
+  for (const DisplayItem& item : list.items) {
+    path.clear();
+    dots.clear();
+    const bool isStroke = item.kind == ItemKind::Stroke || item.kind == ItemKind::FlatStroke;
+    for (std::uint32_t i = 0; i < item.ringCount; ++i) {
+      const DisplayRing& ring = list.rings[item.firstRing + i];
+      if (isStroke && isDot(list, ring)) {
+        const Point& c = list.points[ring.first];
+        dots.addEllipse(QPointF(c.x, c.y), item.width / 2, item.width / 2);
+      } else {
+        addToPath(list, ring, path);
+      }
+    }
+    const QColor color = qColor(item.color);
+    if (isStroke) {
+      const bool isThin = isRaster && item.width <= kThinLinePx;
+      const bool isFlat = item.kind == ItemKind::FlatStroke;
+      QPen pen(color, isThin ? 1.0 : item.width, Qt::SolidLine, isFlat ? Qt::FlatCap : Qt::RoundCap,
+               isFlat ? Qt::MiterJoin : Qt::RoundJoin);
+      pen.setCosmetic(isThin);
+      if (!path.isEmpty()) {
+        painter.setPen(pen);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawPath(path);
+      }
+      path.swap(dots);
+    } else {
+      path.setFillRule(item.kind == ItemKind::FillNonzero ? Qt::WindingFill : Qt::OddEvenFill);
+    }
+    if (path.isEmpty()) continue;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawPath(path);
+  }
+}
+
+std::string toString(const QByteArray& bytes) { return {bytes.constData(), static_cast<std::size_t>(bytes.size())}; }
+
+std::string renderPng(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
+  const QSize size(static_cast<int>(page.widthPx), static_cast<int>(page.heightPx));
+  QImage image(size, background ? QImage::Format_RGB32 : QImage::Format_ARGB32_Premultiplied);
+  if (image.isNull()) return {};
+  image.fill(background ? qColor(*background) : QColor(Qt::transparent));
+  const int dotsPerMetre = static_cast<int>(std::lround(page.widthPx / page.widthMm * 1000));
+  image.setDotsPerMeterX(dotsPerMetre);
+  image.setDotsPerMeterY(dotsPerMetre);
+  {
+    QPainter painter(&image);
+    paint(painter, list, true);
+  }
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QImageWriter writer(&buffer, "png");
+  constexpr int kQuickCompression = 20;  // of 100; line drawings hardly grow, and it takes half the time
+  writer.setCompression(kQuickCompression);
+  if (!writer.write(image)) return {};
+  return toString(bytes);
+}
+
+std::string number(double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.3f", value);
+  std::string trimmed(text);
+  trimmed.erase(trimmed.find_last_not_of('0') + 1);
+  if (trimmed.ends_with('.')) trimmed.pop_back();
+  return trimmed;
+}
+
+std::string renderSvg(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QSvgGenerator generator;
+  generator.setOutputDevice(&buffer);
+  generator.setTitle(QStringLiteral("Drawing"));
+  generator.setDescription(QString());
+  generator.setSize(QSize(static_cast<int>(std::ceil(page.widthPx)), static_cast<int>(std::ceil(page.heightPx))));
+  generator.setViewBox(QRectF(0, 0, page.widthPx, page.heightPx));
+  {
+    QPainter painter(&generator);
+    if (background) painter.fillRect(QRectF(0, 0, page.widthPx, page.heightPx), qColor(*background));
+    paint(painter, list, false);
+  }
+  // The generator knows whole pixels only; the size on paper has to be exact.
+  std::string svg = toString(bytes);
+  const std::size_t begin = svg.find("<svg width=\"");
+  const std::size_t end = svg.find("viewBox", begin);
+  if (begin == std::string::npos || end == std::string::npos) return {};
+  svg.replace(begin, end - begin,
+              "<svg width=\"" + number(page.widthMm) + "mm\" height=\"" + number(page.heightMm) + "mm\"\n ");
+  return svg;
+}
+
+/// Takes the date of making out of a PDF, and the offsets of its table of objects with it.
+std::string withoutDate(std::string pdf) {
+  const std::size_t begin = pdf.find("/CreationDate");
+  const std::size_t end = begin == std::string::npos ? begin : pdf.find('\n', begin);
+  const std::size_t table = pdf.rfind("\nxref\n");
+  const std::size_t pointer = pdf.rfind("startxref\n");
+  if (end == std::string::npos || table == std::string::npos || pointer == std::string::npos) return pdf;
+  const std::size_t removed = end + 1 - begin;
+  const std::size_t trailer = pdf.find("trailer", table);
+  std::size_t at = pdf.find('\n', table + 6) + 1;  // after "xref" and "0 count"
+  constexpr std::size_t kEntryBytes = 20, kDigits = 10;
+  for (; at + kEntryBytes <= trailer; at += kEntryBytes) {
+    const std::size_t offset = std::strtoull(pdf.substr(at, kDigits).c_str(), nullptr, 10);
+    if (offset <= begin) continue;
+    char text[kDigits + 1];
+    std::snprintf(text, sizeof text, "%010llu", static_cast<unsigned long long>(offset - removed));
+    pdf.replace(at, kDigits, text);
+  }
+  const std::size_t digits = pointer + 10;
+  const std::size_t last = pdf.find('\n', digits);
+  pdf.replace(digits, last - digits, std::to_string(std::strtoull(pdf.c_str() + digits, nullptr, 10) - removed) + " ");
+  pdf.erase(begin, removed);
+  return pdf;
+}
+
+std::string renderPdf(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
+  constexpr int kDotsPerInch = 2400;  // of the writer's whole-number coordinates
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  {
+    QPdfWriter writer(&buffer);
+    writer.setTitle(QStringLiteral("Drawing"));
+    writer.setPageSize(QPageSize(QSizeF(page.widthMm, page.heightMm), QPageSize::Millimeter, QString(), QPageSize::ExactMatch));
+    writer.setPageMargins(QMarginsF(0, 0, 0, 0));
+    writer.setResolution(kDotsPerInch);
+    QPainter painter;
+    if (!painter.begin(&writer)) return {};
+    const double scale = kDotsPerInch / kMmPerInch * page.widthMm / page.widthPx;
+    painter.scale(scale, scale);
+    if (background) painter.fillRect(QRectF(0, 0, page.widthPx, page.heightPx), qColor(*background));
+    paint(painter, list, false);
+  }
+  return withoutDate(toString(bytes));
+}
+
+}  // namespace
+
+std::string renderPicture(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background,
+                          PictureFormat format) {
+  switch (format) {
+    case PictureFormat::Png: return renderPng(list, page, background);
+    case PictureFormat::Svg: return renderSvg(list, page, background);
+    case PictureFormat::Pdf: return renderPdf(list, page, background);
+  }
+  return {};
+}
+
+}  // namespace host::picture

@@ -1,0 +1,103 @@
+#include "Picture/DisplayList.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Picture/Clipping.h"
+
+namespace host::picture {
+
+void BoundsCanvas::add(Point p) {
+  if (!clip_.isEmpty()) p = {std::clamp(p.x, clip_.minX, clip_.maxX), std::clamp(p.y, clip_.minY, clip_.maxY)};
+  box_.add(p);
+}
+void BoundsCanvas::stroke(const std::vector<Point>& line, bool, const Pen&) {
+  for (const Point p : line) add(p);
+}
+void BoundsCanvas::fill(const std::vector<std::vector<Point>>& rings, FillRule, Color) {
+  for (const auto& ring : rings)
+    for (const Point p : ring) add(p);
+}
+void BoundsCanvas::setClip(const Box& clip) { clip_ = clip; }
+
+void DisplayListCanvas::addRing(const std::vector<Point>& points, bool closed) {
+  list_.rings.push_back({static_cast<std::uint32_t>(list_.points.size()), static_cast<std::uint32_t>(points.size()), closed});
+  list_.points.insert(list_.points.end(), points.begin(), points.end());
+  ++list_.items.back().ringCount;
+}
+
+void DisplayListCanvas::beginStroke(const Pen& pen) {
+  const ItemKind kind = pen.flatEnds ? ItemKind::FlatStroke : ItemKind::Stroke;
+  // Lines of one pen in a row become one item; not when overlaps of a transparent pen would show.
+  if (!list_.items.empty()) {
+    const DisplayItem& last = list_.items.back();
+    if (last.kind == kind && last.color == pen.color && last.width == pen.width && pen.color.alpha == 255) return;
+  }
+  list_.items.push_back({kind, pen.color, pen.width, static_cast<std::uint32_t>(list_.rings.size()), 0});
+}
+
+void DisplayListCanvas::stroke(const std::vector<Point>& line, bool closed, const Pen& pen) {
+  if (line.empty()) return;
+  Box clip = clip_;
+  const double reach = pen.width / 2 + 1;
+  clip = {clip.minX - reach, clip.minY - reach, clip.maxX + reach, clip.maxY + reach};
+  Box box;
+  for (const Point p : line) box.add(p);
+  if (!box.intersects(clip)) return;
+  if (clip.contains({box.minX, box.minY}) && clip.contains({box.maxX, box.maxY})) {
+    beginStroke(pen);
+    addRing(line, closed);
+    return;
+  }
+  // Pieces inside, each as one open line.
+  scratch_.clear();
+  const auto finish = [&] {
+    if (scratch_.size() > 1) {
+      beginStroke(pen);
+      addRing(scratch_, false);
+    }
+    scratch_.clear();
+  };
+  const std::size_t pieces = line.size() - (closed ? 0 : 1);
+  for (std::size_t i = 0; i < pieces; ++i) {
+    Point a = line[i], b = line[(i + 1) % line.size()];
+    const Point end = b;
+    if (!clipSegment(clip, a, b)) {
+      finish();
+      continue;
+    }
+    if (scratch_.empty() || scratch_.back().x != a.x || scratch_.back().y != a.y) {
+      finish();
+      scratch_.push_back(a);
+    }
+    scratch_.push_back(b);
+    if (b.x != end.x || b.y != end.y) finish();
+  }
+  finish();
+}
+
+void DisplayListCanvas::fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) {
+  constexpr double kEdge = 1;  // beyond the clip, so that antialiasing does not fade at the border
+  const Box clip{clip_.minX - kEdge, clip_.minY - kEdge, clip_.maxX + kEdge, clip_.maxY + kEdge};
+  bool isBegun = false;
+  for (const auto& ring : rings) {
+    if (ring.size() < 3) continue;
+    Box box;
+    for (const Point p : ring) box.add(p);
+    if (!box.intersects(clip)) continue;
+    const std::vector<Point>* points = &ring;
+    if (!clip.contains({box.minX, box.minY}) || !clip.contains({box.maxX, box.maxY})) {
+      clipPolygon(clip, ring, scratch_, scratch2_);
+      if (scratch_.size() < 3) continue;
+      points = &scratch_;
+    }
+    if (!isBegun) {
+      const ItemKind kind = rule == FillRule::EvenOdd ? ItemKind::FillEvenOdd : ItemKind::FillNonzero;
+      list_.items.push_back({kind, color, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
+      isBegun = true;
+    }
+    addRing(*points, true);
+  }
+}
+
+}  // namespace host::picture

@@ -1,0 +1,87 @@
+// What a picture shows, bottom first, in picture coordinates: x right, y down, in pixels of the picture.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "Geometry/EntityPaths.h"
+
+namespace host::picture {
+
+using geometry::Box;
+using geometry::Point;
+
+struct Color {
+  std::uint8_t red = 0, green = 0, blue = 0, alpha = 255;
+  bool operator==(const Color&) const = default;
+};
+
+enum class ItemKind : std::uint8_t { FillEvenOdd, FillNonzero, Stroke, FlatStroke };  // strokes: round or square-cut ends
+
+struct DisplayRing {
+  std::uint32_t first = 0, count = 0;  // points
+  bool closed = false;
+};
+
+struct DisplayItem {
+  ItemKind kind = ItemKind::Stroke;
+  Color color;
+  double width = 0;                    // strokes
+  std::uint32_t firstRing = 0, ringCount = 0;
+};
+
+struct DisplayList {
+  std::vector<Point> points;
+  std::vector<DisplayRing> rings;
+  std::vector<DisplayItem> items;
+};
+
+struct Pen {
+  Color color;
+  double width = 1;
+  bool flatEnds = false;
+};
+enum class FillRule { EvenOdd, Nonzero };
+
+/// Where the painter of entities draws to.
+class Canvas {
+ public:
+  virtual ~Canvas() = default;
+  virtual void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) = 0;
+  virtual void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) = 0;
+  /// Part of the picture drawn to from now on.
+  virtual void setClip(const Box& clip) = 0;
+};
+
+/// Collects the box of everything drawn.
+class BoundsCanvas final : public Canvas {
+ public:
+  void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) override;
+  void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
+  void setClip(const Box& clip) override;
+  const Box& box() const { return box_; }
+
+ private:
+  void add(Point p);
+  Box box_;
+  Box clip_;
+};
+
+/// Cuts what is drawn to the clip box and keeps it.
+class DisplayListCanvas final : public Canvas {
+ public:
+  void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) override;
+  void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
+  void setClip(const Box& clip) override { clip_ = clip; }
+  DisplayList take() { return std::move(list_); }
+
+ private:
+  void addRing(const std::vector<Point>& points, bool closed);
+  void beginStroke(const Pen& pen);
+
+  DisplayList list_;
+  Box clip_;
+  std::vector<Point> scratch_, scratch2_;
+};
+
+}  // namespace host::picture

@@ -1,0 +1,93 @@
+// Entities turned into strokes and fills: the front end of every picture.
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Geometry/EntityShapes.h"
+#include "Geometry/References.h"
+#include "Geometry/TextLayout.h"
+#include "Picture/Appearance.h"
+#include "Picture/DisplayList.h"
+#include "Picture/Glyphs.h"
+#include "Picture/Picture.h"
+
+namespace host::picture {
+
+/// How drawing coordinates become picture coordinates.
+struct View {
+  geometry::Transform toPicture;   // plan coordinates to pixels, y down
+  double pixelsPerMm = 1;          // of lineweights
+  double deviation = 0.1;          // pixels; of curves
+  double thinnestLine = 1;         // pixels
+  double barsBelow = 0;            // texts lower than this many pixels become bars
+  Box area;                        // the part of the picture that is drawn to, pixels
+  /// Only extents are wanted: no dashes, no pattern lines, no infinite lines.
+  bool boundsOnly = false;
+};
+
+class EntityPainter {
+ public:
+  EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs, const View& view,
+                Canvas& canvas);
+
+  /// Living, visible entities in draw order.
+  void paint(const database::BlockContents& block);
+  /// Something was left out because the drawing asks for more pieces than a picture can hold.
+  bool isCutShort() const { return cutShort_; }
+
+ private:
+  /// Where and as part of what an entity is drawn.
+  struct Place {
+    geometry::Transform toPicture;
+    Surroundings surroundings;
+  };
+  /// An entity's look in pixels.
+  struct Style {
+    Pen pen;
+    Appearance appearance;
+    std::vector<double> dashes;
+  };
+
+  void paintEntity(const database::Slot& entity, const Place& place);
+  void paintReference(const database::Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own);
+  void paintViewport(const database::Slot& entity);
+  void paintWire(const geometry::Wire& wire, const Place& place, const Style& style);
+  void paintPoint(const AcGePoint3d& p, const Place& place, const Style& style);
+  void paintInfinite(const geometry::InfiniteLine& line, const Place& place, const Style& style);
+  void paintImage(const geometry::ImageFrame& frame, const Place& place, const Style& style);
+  void paintText(const geometry::TextBlock& text, const Place& place, const Style& style);
+  void paintRun(const geometry::TextRun& run, const geometry::Transform& frame, Color color);
+  void paintHatch(const database::Slot& entity, const Place& place, const Style& style);
+
+  Style styleOf(const Appearance& appearance) const;
+  void strokeLine(const std::vector<Point>& line, bool closed, const Style& style, const Pen& pen);
+  void fillChains(const std::vector<geometry::Chain>& rings, const geometry::Transform& toPicture, FillRule rule,
+                  Color color);
+  bool project(const geometry::Chain& chain, const geometry::Transform& toPicture, std::vector<Point>& out) const;
+  double advance(wchar_t character, bool bold) { return glyphs_.glyph(character, bold).advance; }
+  const std::vector<database::Slot*>& drawOrder(const database::BlockContents& block);
+  geometry::CharacterWidth characterWidth();
+
+  const database::DrawingDatabase& db_;
+  GlyphSource& glyphs_;
+  View view_;
+  Canvas& canvas_;
+  Appearances appearances_;
+  double lineweightFactor_;
+  bool lineweightsOff_;
+  double dashScale_;               // pixels for one unit of a linetype
+  geometry::ReferenceChain chain_;
+  std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
+  std::size_t entities_ = 0;
+  std::size_t patternPieces_ = 0;
+  std::size_t dashPieces_ = 0;
+  bool cutShort_ = false;
+  bool isInViewport_ = false;
+  int pointMode_ = 0;
+  double pointSize_ = 0;
+  std::vector<Point> scratch_;
+};
+
+}  // namespace host::picture

@@ -1,0 +1,122 @@
+#include "Picture/Glyphs.h"
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QString>
+#include <QStringList>
+
+#include "Geometry/TextLayout.h"
+
+namespace host::picture {
+
+using geometry::Point;
+
+namespace {
+
+constexpr double kCapitalHeight = 1493.0 / 2048;  // of the em, in DejaVu Sans
+/// The faces drawings name are narrower; texts keep about the room their makers gave them.
+constexpr double kNarrowing = 0.88;
+
+QString fontFile(const char* name) {
+  static const char* const kFolders[] = {"truetype/dejavu", "dejavu", "TTF", "dejavu-sans-fonts", "truetype", ""};
+  QStringList roots = QStandardPaths::standardLocations(QStandardPaths::FontsLocation);
+  roots << QStringLiteral("/usr/share/fonts") << QStringLiteral("/usr/local/share/fonts");
+  for (const QString& root : roots)
+    for (const char* folder : kFolders) {
+      const QString path = root + u'/' + QString::fromLatin1(folder) + u'/' + QString::fromLatin1(name);
+      if (QFileInfo::exists(path)) return path;
+    }
+  return {};
+}
+
+/// Turns the outline calls of the font library into contours.
+struct Decomposer {
+  Glyph* glyph;
+  double scaleX, scaleY;
+  Point at;
+
+  Point point(const FT_Vector* v) const {
+    return {static_cast<double>(v->x) * scaleX, static_cast<double>(v->y) * scaleY};
+  }
+  static int moveTo(const FT_Vector* to, void* self) {
+    auto& d = *static_cast<Decomposer*>(self);
+    d.at = d.point(to);
+    d.glyph->contours.push_back({d.at, {}});
+    return 0;
+  }
+  static int lineTo(const FT_Vector* to, void* self) {
+    auto& d = *static_cast<Decomposer*>(self);
+    d.add({}, d.point(to), true);
+    return 0;
+  }
+  static int conicTo(const FT_Vector* control, const FT_Vector* to, void* self) {
+    auto& d = *static_cast<Decomposer*>(self);
+    d.add(d.point(control), d.point(to), false);
+    return 0;
+  }
+  static int cubicTo(const FT_Vector* c1, const FT_Vector* c2, const FT_Vector* to, void* self) {
+    // TrueType has none; the mean control point comes close.
+    auto& d = *static_cast<Decomposer*>(self);
+    const Point a = d.point(c1), b = d.point(c2), end = d.point(to);
+    d.add({(3 * (a.x + b.x) - d.at.x - end.x) / 4, (3 * (a.y + b.y) - d.at.y - end.y) / 4}, end, false);
+    return 0;
+  }
+  void add(Point control, Point to, bool straight) {
+    if (glyph->contours.empty()) return;
+    glyph->contours.back().pieces.push_back({control, to, straight});
+    at = to;
+  }
+};
+
+}  // namespace
+
+struct GlyphSource::Face {
+  FT_Library library = nullptr;
+  FT_Face face = nullptr;
+
+  explicit Face(const char* fileName) {
+    const QString path = fontFile(fileName);
+    if (path.isEmpty() || FT_Init_FreeType(&library) != 0) return;
+    if (FT_New_Face(library, path.toLocal8Bit().constData(), 0, &face) != 0) face = nullptr;
+  }
+  ~Face() {
+    if (face != nullptr) FT_Done_Face(face);
+    if (library != nullptr) FT_Done_FreeType(library);
+  }
+  Face(const Face&) = delete;
+  Face& operator=(const Face&) = delete;
+
+  bool load(wchar_t character, Glyph& glyph) {
+    if (face == nullptr || face->units_per_EM == 0) return false;
+    const FT_UInt index = FT_Get_Char_Index(face, static_cast<FT_ULong>(character));
+    if (FT_Load_Glyph(face, index, FT_LOAD_NO_SCALE | FT_LOAD_NO_BITMAP) != 0) return false;
+    const double scale = 1.0 / face->units_per_EM / kCapitalHeight;
+    glyph.advance = static_cast<double>(face->glyph->metrics.horiAdvance) * scale * kNarrowing;
+    if (face->glyph->format != FT_GLYPH_FORMAT_OUTLINE) return true;
+    Decomposer decomposer{&glyph, scale * kNarrowing, scale, {}};
+    const FT_Outline_Funcs calls{Decomposer::moveTo, Decomposer::lineTo, Decomposer::conicTo, Decomposer::cubicTo, 0, 0};
+    FT_Outline_Decompose(&face->glyph->outline, &calls, &decomposer);
+    return true;
+  }
+};
+
+GlyphSource::GlyphSource()
+    : regular_(std::make_unique<Face>("DejaVuSans.ttf")), bold_(std::make_unique<Face>("DejaVuSans-Bold.ttf")) {}
+GlyphSource::~GlyphSource() = default;
+
+bool GlyphSource::hasFont() const { return regular_->face != nullptr; }
+
+const Glyph& GlyphSource::glyph(wchar_t character, bool bold) {
+  const auto key = static_cast<std::uint64_t>(character) << 1 | (bold ? 1 : 0);
+  const auto [entry, isNew] = glyphs_.try_emplace(key);
+  Glyph& glyph = entry->second;
+  if (isNew && !(bold && bold_->load(character, glyph)) && !regular_->load(character, glyph))
+    glyph.advance = geometry::meanCharacterWidth(character, bold);
+  return glyph;
+}
+
+}  // namespace host::picture

@@ -1,0 +1,95 @@
+#include "Picture/Picture.h"
+
+#include <algorithm>
+
+#include "Picture/BackEnd.h"
+#include "Picture/EntityPainter.h"
+#include "Picture/PageLayout.h"
+#include "Text/Text.h"
+
+namespace host::picture {
+namespace {
+
+constexpr double kRasterDeviationPx = 0.1;
+constexpr double kVectorDeviationPx = 0.02;   // 0.005 mm on paper
+constexpr double kThinnestVectorPx = 0.34;    // 0.09 mm
+constexpr double kBarsBelowPx = 1.3;
+
+const database::BlockContents* findLayout(const database::DrawingDatabase& db, const std::string& name, std::string& known) {
+  const std::wstring wanted = text::fromUtf8(name);
+  if (text::equalFolded(wanted, L"Model")) return &db.modelSpace();
+  for (const auto& [layoutName, block] : db.layouts()) {
+    if (text::equalFolded(layoutName, wanted)) return block;
+    known += (known.empty() ? "" : ", ") + text::toUtf8(layoutName);
+  }
+  return nullptr;
+}
+
+PictureResult failure(std::string message) { return {false, std::move(message), {}, {}}; }
+
+Box visibleExtents(const database::DrawingDatabase& db, const database::BlockContents& block, const PictureOptions& options,
+                   GlyphSource& glyphs) {
+  View view;
+  view.boundsOnly = true;
+  view.deviation = 0;
+  BoundsCanvas canvas;
+  EntityPainter(db, options, glyphs, view, canvas).paint(block);
+  return canvas.box();
+}
+
+}  // namespace
+
+PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
+  std::string known;
+  const database::BlockContents* block = findLayout(db, options.layout, known);
+  if (block == nullptr) return failure("There is no layout \"" + options.layout + "\"; the drawing has " + known + ".");
+
+  GlyphSource glyphs;
+  const Box extents = visibleExtents(db, *block, options, glyphs);
+  const std::string chosen = options.layers == "*" ? "" : " on layers \"" + options.layers + "\"";
+  if (extents.isEmpty()) return failure("Layout \"" + options.layout + "\" has nothing visible" + chosen + " to draw.");
+  if (options.window && !options.window->intersects(extents))
+    return failure("Nothing visible" + chosen + " lies in the window " + boxText(*options.window) + "; the drawing covers " +
+                   boxText(extents) + ".");
+
+  const PageLayout layout = layOutPage(extents, options, format);
+  if (!layout.error.empty()) return failure(layout.error);
+  const bool isRaster = format == PictureFormat::Png;
+  View view;
+  view.toPicture = layout.toPicture;
+  view.pixelsPerMm = layout.pixelsPerMm;
+  view.deviation = isRaster ? kRasterDeviationPx : kVectorDeviationPx;
+  view.thinnestLine = isRaster ? 1 : kThinnestVectorPx;
+  view.barsBelow = isRaster ? kBarsBelowPx : 0;
+  view.area = {0, 0, layout.page.widthPx, layout.page.heightPx};
+  if (options.window) {
+    // A window on paper shows what is in the window, not what else would fit.
+    Box window;
+    window.add(view.toPicture.plan({options.window->minX, options.window->minY, 0}));
+    window.add(view.toPicture.plan({options.window->maxX, options.window->maxY, 0}));
+    view.area = {std::max(view.area.minX, window.minX), std::max(view.area.minY, window.minY),
+                 std::min(view.area.maxX, window.maxX), std::min(view.area.maxY, window.maxY)};
+  }
+  DisplayListCanvas canvas;
+  EntityPainter painter(db, options, glyphs, view, canvas);
+  painter.paint(*block);
+  const DisplayList list = canvas.take();
+  if (list.items.empty()) {
+    const Box shown = options.window.value_or(layout.area);
+    return failure("Nothing visible" + chosen + " lies in the window " + boxText(shown) + "; the drawing covers " +
+                   boxText(extents) + ".");
+  }
+
+  PictureResult result;
+  result.bytes = renderPicture(list, layout.page, options.background, format);
+  if (result.bytes.empty()) return failure("The picture could not be made; it may be too large for the memory.");
+  result.ok = true;
+  result.drawn = layout.area;
+  const auto note = [&](const std::string& text) { result.message += (result.message.empty() ? "" : " ") + text; };
+  if (!layout.note.empty()) note(layout.note);
+  if (painter.isCutShort()) note("The drawing repeats blocks so often that part of it was left out.");
+  if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
+  return result;
+}
+
+}  // namespace host::picture
