@@ -40,14 +40,29 @@ void bindNew(AcDbObject& object, Slot& slot, std::string bytes) {
 }
 
 std::string ownTags(const AcDbObject& object, DrawingDatabase& db, bool isEntity) {
-  TagWriter out = db.tagWriter();
-  const text::Codec& from = HostObjectAccess::codec(object);
-  TagCursor tags = HostObjectAccess::tags(object);
+  std::string_view common;  // in front of the object's own subclass marker
+  std::string_view own;
+  const std::string all = HostObjectAccess::detachedBytes(object);
+  std::string_view rest = all;
   Tag tag;
-  tags.next(tag);  // "0 <type>"
-  if (isEntity) tags.next(tag);  // "100 AcDbEntity"
-  recode(tags, from, out);
-  if (const ObjectData* const data = HostObjectAccess::data(object)) data->write(out);
+  readTag(rest, tag);                // "0 <type>"
+  if (isEntity) readTag(rest, tag);  // "100 AcDbEntity"
+  common = rest;
+  while (readTag(rest, tag)) {
+    if (tag.code != 100) continue;
+    own = common.substr(static_cast<std::size_t>(tag.bytes.data() - common.data()));
+    common = common.substr(0, common.size() - own.size());
+    break;
+  }
+  TagWriter out = db.tagWriter();
+  recode(TagCursor(common), HostObjectAccess::codec(object), out);
+  // Parsed data tell the object's own part when they differ from its tags, or when it never had any.
+  const ObjectData* const data = HostObjectAccess::data(object);
+  if (data != nullptr && (data->changed || own.empty())) {
+    data->write(out);
+  } else {
+    recode(TagCursor(own), HostObjectAccess::codec(object), out);
+  }
   return out.take();
 }
 

@@ -57,6 +57,8 @@ struct HostObjectAccess {
 
   /// The tags as they stand (detached, changed or the file's bytes), without pending ObjectData changes.
   static host::database::TagCursor tags(const AcDbObject& object);
+  /// The whole record of an object outside any database.
+  static std::string detachedBytes(const AcDbObject& object);
   /// Encoding of those tags: the drawing's, or UTF-8 for detached objects.
   static const host::text::Codec& codec(const AcDbObject& object);
   /// A record to edit. Only for objects that are detached or open for write; marks the object modified.

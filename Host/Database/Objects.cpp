@@ -74,6 +74,10 @@ TagCursor HostObjectAccess::tags(const AcDbObject& object) {
   return object.detached_ != nullptr ? object.detached_->tags() : TagCursor();
 }
 
+std::string HostObjectAccess::detachedBytes(const AcDbObject& object) {
+  return object.detached_ != nullptr ? object.detached_->bytes() : std::string();
+}
+
 const host::text::Codec& HostObjectAccess::codec(const AcDbObject& object) {
   return object.slot_ != nullptr ? object.slot_->database().codec() : utf8();
 }
