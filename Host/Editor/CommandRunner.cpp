@@ -92,7 +92,8 @@ void Session::reportUnknown(std::wstring_view name) {
     fail(RunStatus::ScriptFailed, "expressions are not supported where a command is wanted: " + text::toUtf8(name));
     return;
   }
-  while (!name.empty() && std::wstring_view(L"'_-.").find(name.front()) != std::wstring_view::npos) name.remove_prefix(1);
+  while (!name.empty() && std::wstring_view(L"'_-.").find(name.front()) != std::wstring_view::npos)
+    name.remove_prefix(1);
   std::string sentence = "unknown command " + quoted(name);
   std::string hint;
   for (const std::wstring& near : nearestNames(name, commands.names())) {

@@ -69,8 +69,7 @@ AcEdCommand* CommandStack::lookupCmd(const ACHAR* name, bool globalLookup, bool)
   }
   for (const bool builtIn : {false, true}) {
     for (const auto& command : commands_) {
-      if (command->isBuiltIn() == builtIn &&
-          text::equalFolded(globalLookup ? command->global : command->local, wanted))
+      if (command->isBuiltIn() == builtIn && text::equalFolded(globalLookup ? command->global : command->local, wanted))
         return command.get();
     }
   }

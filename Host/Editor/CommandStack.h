@@ -40,8 +40,8 @@ class CommandStack final : public AcEdCommandStack {
   void addBuiltIn(std::wstring name, Adesk::Int32 flags, std::function<void(Prompter&)> handler);
   /// An abbreviation of a built-in command.
   void addAlias(std::wstring alias, std::wstring name);
-  /// A typed name with any of the prefixes ' _ - . in any order; global and local names, plug-ins' first unless "." asks
-  /// for the host's own. Null when unknown.
+  /// A typed name with any of the prefixes ' _ - . in any order; global and local names, plug-ins' first unless "."
+  /// asks for the host's own. Null when unknown.
   std::shared_ptr<Command> find(std::wstring_view typed) const;
   /// Names for completion and for "did you mean".
   std::vector<std::wstring> names() const;

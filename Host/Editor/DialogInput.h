@@ -7,8 +7,8 @@
 
 namespace host::editor {
 
-/// The next line for a dialog or box: Text (the line as it stands), Enter (an empty line) or Cancel (Esc). When the input
-/// has ended the failure is recorded, naming `what` ("dialog \"Roof\""), and the answer is Cancel.
+/// The next line for a dialog or box: Text (the line as it stands), Enter (an empty line) or Cancel (Esc). When the
+/// input has ended the failure is recorded, naming `what` ("dialog \"Roof\""), and the answer is Cancel.
 Answer nextDialogLine(std::wstring_view what);
 /// The action cannot be done: prints the sentence. True when another line may be asked for, false when the script has
 /// failed and the dialog must be cancelled.

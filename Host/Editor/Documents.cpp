@@ -51,8 +51,12 @@ void DocumentManager::tell(const Tell& message) {
   // A reactor may remove itself or others while it is told.
   const std::vector<AcApDocManagerReactor*> told = reactors_;
   for (AcApDocManagerReactor* reactor : told) {
-    if (std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end()) message(*reactor);
+    if (has(reactor)) message(*reactor);
   }
+}
+
+bool DocumentManager::has(const AcApDocManagerReactor* reactor) const {
+  return std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end();
 }
 
 bool DocumentManager::owns(const AcApDocument* document) const {
@@ -67,15 +71,13 @@ AcApDocument* DocumentManager::document(const AcDbDatabase* db) const {
 }
 
 void DocumentManager::addReactor(AcApDocManagerReactor* reactor) {
-  if (reactor != nullptr && std::find(reactors_.begin(), reactors_.end(), reactor) == reactors_.end())
-    reactors_.push_back(reactor);
+  if (reactor != nullptr && !has(reactor)) reactors_.push_back(reactor);
 }
 
 void DocumentManager::removeReactor(AcApDocManagerReactor* reactor) { std::erase(reactors_, reactor); }
 
-int DocumentManager::forgetModule(const void* base) {
-  return static_cast<int>(std::erase_if(
-      reactors_, [base](const AcApDocManagerReactor* reactor) { return moduleOfObject(reactor) == base; }));
+std::vector<AcApDocManagerReactor*> DocumentManager::reactorsOf(const void* moduleBase) const {
+  return objectsOfModule(reactors_, moduleBase);
 }
 
 Acad::ErrorStatus DocumentManager::lockDocument(AcApDocument* document, AcAp::DocLockMode, const ACHAR*, const ACHAR*,
@@ -134,8 +136,8 @@ void DocumentManager::close(Document& document) {
   setCurrent(&document);
   tell([&document](AcApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
   const std::wstring name = document.fileName();
-  const auto place = std::find_if(documents_.begin(), documents_.end(),
-                                  [&document](const auto& d) { return d.get() == &document; });
+  const auto place =
+      std::find_if(documents_.begin(), documents_.end(), [&document](const auto& d) { return d.get() == &document; });
   const std::unique_ptr<Document> closing = std::move(*place);
   documents_.erase(place);
   Document* const next = documents_.empty() ? nullptr : documents_.back().get();

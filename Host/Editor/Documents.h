@@ -45,7 +45,7 @@ class Document final : public AcApDocument {
   AcGePoint3d lastPoint;
   std::vector<database::Slot*> previousSelection;
   std::vector<database::Slot*> pickfirst;
-  geometry::Box view;                        // empty until ZOOM: the extents then
+  geometry::Box view;  // empty until ZOOM: the extents then
   std::vector<geometry::Box> formerViews;
   std::wstring currentLayout = L"Model";
 
@@ -71,6 +71,7 @@ class DocumentManager final : public AcApDocManager {
   Document* current() const { return current_; }
   const std::vector<std::unique_ptr<Document>>& all() const { return documents_; }
   bool owns(const AcApDocument* document) const;
+  bool has(const AcApDocManagerReactor* reactor) const;
   /// Takes a new document over, tells the reactors, makes it the current one.
   Document& add(std::unique_ptr<Document> document);
   /// Tells the reactors and destroys it; the last other document becomes current.
@@ -79,8 +80,8 @@ class DocumentManager final : public AcApDocManager {
   void setCurrent(Document* document);
   /// Resource handle on top of the current document's stack, or null.
   HINSTANCE topResource() const;
-  /// Drops reactors whose code lies in a module that goes away; how many there were.
-  int forgetModule(const void* base);
+  /// Reactors whose code lies in a module.
+  std::vector<AcApDocManagerReactor*> reactorsOf(const void* moduleBase) const;
 
   bool refuseLocks = false;
 

@@ -52,8 +52,7 @@ void line(Prompter& prompter) {
     Limits limits;
     limits.base = points.back();
     limits.keywords = Keywords(made.size() >= 2 ? L"Close Undo" : L"Undo");
-    const auto reply =
-        prompter.point(L"Specify next point or [" + limits.keywords.shown() + L"]: ", limits);
+    const auto reply = prompter.point(L"Specify next point or [" + limits.keywords.shown() + L"]: ", limits);
     if (reply.outcome == Outcome::Cancel || reply.outcome == Outcome::Enter) return;
     if (reply.outcome == Outcome::Keyword && reply.keyword == L"Undo") {
       if (made.empty()) {
@@ -124,7 +123,8 @@ class PolylineDialogue {
 
   bool askLine() {
     const bool canClose = vertices_.size() >= 3;
-    const Limits next = limits(canClose ? L"Arc Close Halfwidth Length Undo Width" : L"Arc Halfwidth Length Undo Width");
+    const Limits next =
+        limits(canClose ? L"Arc Close Halfwidth Length Undo Width" : L"Arc Halfwidth Length Undo Width");
     const auto reply = prompter_.point(L"Specify next point or [" + next.keywords.shown() + L"]: ", next);
     if (reply.outcome == Outcome::Cancel || reply.outcome == Outcome::Enter) return false;
     if (reply) {
@@ -221,7 +221,8 @@ class PolylineDialogue {
     if (!end) return false;
     const AcGePoint2d from = vertices_.back().point;
     const double halfChord = std::hypot(end->x - from.x, end->y - from.y) / 2;
-    if (halfChord == 0 || halfChord > *radius) return prompter_.refuse(L"No arc of that radius goes through the points.");
+    if (halfChord == 0 || halfChord > *radius)
+      return prompter_.refuse(L"No arc of that radius goes through the points.");
     // The shorter arc, counter-clockwise.
     return addArc(*end, std::tan(std::asin(halfChord / *radius) / 2));
   }
@@ -259,10 +260,12 @@ class PolylineDialogue {
     Limits limits;
     limits.bits = RSG_NONEG;
     const std::wstring what = isHalf ? L"half-width" : L"width";
-    const auto start = prompter_.real(L"Specify starting " + what + L" <" + shownNumber(startWidth_ / factor) + L">: ", limits);
+    const auto start =
+        prompter_.real(L"Specify starting " + what + L" <" + shownNumber(startWidth_ / factor) + L">: ", limits);
     if (start.outcome == Outcome::Cancel) return false;
     if (start) startWidth_ = start.value * factor;
-    const auto end = prompter_.real(L"Specify ending " + what + L" <" + shownNumber(startWidth_ / factor) + L">: ", limits);
+    const auto end =
+        prompter_.real(L"Specify ending " + what + L" <" + shownNumber(startWidth_ / factor) + L">: ", limits);
     if (end.outcome == Outcome::Cancel) return false;
     endWidth_ = end ? end.value * factor : startWidth_;
     return true;

@@ -110,14 +110,10 @@ void setVariable(Prompter& prompter) {
 }
 
 constexpr HostCommand kCommands[] = {
-    {L"U", ACRX_CMD_NO_UNDO_MARKER, undoOnce},
-    {L"UNDO", ACRX_CMD_NO_UNDO_MARKER, undoMany},
-    {L"REDO", ACRX_CMD_NO_UNDO_MARKER, redoOnce},
-    {L"REGEN", ACRX_CMD_NO_UNDO_MARKER, regen},
-    {L"REGENALL", ACRX_CMD_NO_UNDO_MARKER, regen},
-    {L"ERASE", ACRX_CMD_USEPICKSET, erase},
-    {L"SELECT", ACRX_CMD_NO_UNDO_MARKER, select},
-    {L"SETVAR", ACRX_CMD_TRANSPARENT, setVariable},
+    {L"U", ACRX_CMD_NO_UNDO_MARKER, undoOnce},     {L"UNDO", ACRX_CMD_NO_UNDO_MARKER, undoMany},
+    {L"REDO", ACRX_CMD_NO_UNDO_MARKER, redoOnce},  {L"REGEN", ACRX_CMD_NO_UNDO_MARKER, regen},
+    {L"REGENALL", ACRX_CMD_NO_UNDO_MARKER, regen}, {L"ERASE", ACRX_CMD_USEPICKSET, erase},
+    {L"SELECT", ACRX_CMD_NO_UNDO_MARKER, select},  {L"SETVAR", ACRX_CMD_TRANSPARENT, setVariable},
 };
 
 }  // namespace
@@ -129,8 +125,8 @@ void addHostCommands(CommandStack& commands) {
     for (const HostCommand& command : group) commands.addBuiltIn(command.name, command.flags, command.handler);
   }
   static constexpr const wchar_t* kAliases[][2] = {
-      {L"E", L"ERASE"},   {L"L", L"LINE"},    {L"PL", L"PLINE"}, {L"LA", L"LAYER"}, {L"LT", L"LINETYPE"},
-      {L"LI", L"LIST"},   {L"LO", L"LAYOUT"}, {L"RE", L"REGEN"}, {L"Z", L"ZOOM"},   {L"SET", L"SETVAR"},
+      {L"E", L"ERASE"},    {L"L", L"LINE"},     {L"PL", L"PLINE"},  {L"LA", L"LAYER"}, {L"LT", L"LINETYPE"},
+      {L"LI", L"LIST"},    {L"LO", L"LAYOUT"},  {L"RE", L"REGEN"},  {L"Z", L"ZOOM"},   {L"SET", L"SETVAR"},
       {L"SCR", L"SCRIPT"}, {L"SAVE", L"QSAVE"}, {L"EXIT", L"QUIT"},
   };
   for (const auto& [alias, name] : kAliases) commands.addAlias(alias, name);

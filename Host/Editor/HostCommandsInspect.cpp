@@ -176,7 +176,8 @@ void zoom(Prompter& prompter) {
   limits.keywords = Keywords(L"All Center Extents Previous Scale Window");
   for (;;) {
     const auto reply = prompter.point(
-        L"Specify corner of window, enter a scale factor (nX), or [All/Center/Extents/Previous/Scale/Window]: ", limits);
+        L"Specify corner of window, enter a scale factor (nX), or [All/Center/Extents/Previous/Scale/Window]: ",
+        limits);
     if (reply.outcome == Outcome::Cancel || reply.outcome == Outcome::Enter) return;
     Limits needed;
     needed.bits = RSG_NONULL;

@@ -52,11 +52,10 @@ class LayerDialogue {
   void run() {
     prompter_.line(L"Current layer:  \"" + currentName() + L"\"");
     Limits limits;
-    limits.keywords =
-        Keywords(L"? Make Set New Rename ON OFF Color Colour Ltype LWeight Freeze Thaw LOck Unlock");
+    limits.keywords = Keywords(L"? Make Set New ON OFF Color Colour Ltype LWeight Freeze Thaw LOck Unlock");
     for (;;) {
       const auto option = prompter_.keyword(
-          L"Enter an option [?/Make/Set/New/Rename/ON/OFF/Color/Ltype/LWeight/Freeze/Thaw/LOck/Unlock]: ", limits);
+          L"Enter an option [?/Make/Set/New/ON/OFF/Color/Ltype/LWeight/Freeze/Thaw/LOck/Unlock]: ", limits);
       if (option.outcome != Outcome::Keyword) return;
       if (!apply(option.keyword)) return;
     }
@@ -73,13 +72,13 @@ class LayerDialogue {
   /// False ends the command.
   bool apply(const std::wstring& option) {
     if (option == L"?") return list();
-    if (option == L"New") return ask(L"Enter name list for new layer(s): ", [this](auto& names) { return make(names); });
+    if (option == L"New")
+      return ask(L"Enter name list for new layer(s): ", [this](auto& names) { return make(names); });
     if (option == L"Make") return makeCurrent();
     if (option == L"Set") {
       return ask(L"Enter layer name to make current <" + currentName() + L">: ",
                  [this](auto& name) { return setCurrent(name); });
     }
-    if (option == L"Rename") return rename();
     if (option == L"Color" || option == L"Colour") return color();
     if (option == L"Ltype") return linetype();
     if (option == L"LWeight") return lineweight();
@@ -125,7 +124,8 @@ class LayerDialogue {
     const Slot* const current = facadeOf(prompter_).clayer().slot();
     for (Slot* layer : layers) {
       if (freezes && layer == current) {
-        if (layers.size() == 1) return refused(L"Cannot freeze layer \"" + currentName() + L"\": it is the current layer.");
+        if (layers.size() == 1)
+          return refused(L"Cannot freeze layer \"" + currentName() + L"\": it is the current layer.");
         prompter_.line(L"Layer \"" + currentName() + L"\" is current: not frozen.");
         continue;
       }
@@ -169,27 +169,6 @@ class LayerDialogue {
     return ask(L"Enter name for new layer (becomes the current layer) <" + currentName() + L">: ", [this](auto& name) {
       if (drawingOf(prompter_).findRecord(DxfType::Layer, name) == nullptr && !make(name)) return false;
       return stopped_ || setCurrent(name);
-    });
-  }
-
-  bool rename() {
-    std::wstring old;
-    Slot* layer = nullptr;
-    const bool goOn = ask(L"Enter old layer name: ", [&](auto& name) {
-      old = name;
-      layer = drawingOf(prompter_).findRecord(DxfType::Layer, name);
-      return layer != nullptr || refused(L"Cannot find layer \"" + name + L"\".");
-    });
-    if (!goOn || layer == nullptr) return goOn && !stopped_;
-    return ask(L"Enter new layer name: ", [&](auto& name) {
-      const Slot* const other = drawingOf(prompter_).findRecord(DxfType::Layer, name);
-      if (old == L"0" || (other != nullptr && other != layer))
-        return refused(L"Layer \"" + old + L"\" cannot be renamed to \"" + name + L"\".");
-      Record* record = nullptr;
-      if (acdbOpenObject(record, AcDbObjectId(layer), AcDb::kForWrite) != Acad::eOk) return true;
-      const Acad::ErrorStatus status = record->setName(name.c_str());
-      record->close();
-      return status == Acad::eOk || refused(L"\"" + name + L"\" cannot be a layer name.");
     });
   }
 
@@ -268,8 +247,8 @@ void layer(Prompter& prompter) { LayerDialogue(prompter).run(); }
 
 // ---- LINETYPE -------------------------------------------------------------------------------------------------------
 
-/// Answers that a linetype is nowhere: the command ends, the current linetype stays. A script fails, a program that runs
-/// the command goes on.
+/// Answers that a linetype is nowhere: the command ends, the current linetype stays. A script fails, a program that
+/// runs the command goes on.
 void linetypeMissing(Prompter& prompter, const std::wstring& name) {
   const std::wstring sentence = L"Cannot find linetype \"" + name + L"\".";
   if (prompter.session().inputFromCode()) {
@@ -283,8 +262,8 @@ void linetypeMissing(Prompter& prompter, const std::wstring& name) {
 bool setLinetype(Prompter& prompter) {
   SystemVariables& variables = prompter.session().variables;
   const Variable& current = *variables.find(L"CELTYPE");
-  const auto name = prompter.word(L"Specify linetype name or [?] <" +
-                                  std::get<std::wstring>(variables.get(current)) + L">: ");
+  const auto name =
+      prompter.word(L"Specify linetype name or [?] <" + std::get<std::wstring>(variables.get(current)) + L">: ");
   if (name.outcome == Outcome::Cancel) return false;
   if (!name) return true;
   if (linetypeOf(prompter, name.value) == nullptr) {

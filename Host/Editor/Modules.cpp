@@ -153,7 +153,8 @@ Result ModuleList::unload(std::wstring_view name) {
   });
   if (found == modules_.end()) return {RunStatus::WrongUsage, text::toUtf8(name) + ": no such module is loaded"};
   Module& module = **found;
-  if (module.locked) return {RunStatus::WrongUsage, text::toUtf8(module.name) + ": the module is locked, it cannot be unloaded"};
+  if (module.locked)
+    return {RunStatus::WrongUsage, text::toUtf8(module.name) + ": the module is locked, it cannot be unloaded"};
   tell(module, AcRx::kUnloadAppMsg, &module);
   drop(module);
   return {};
@@ -169,20 +170,40 @@ void ModuleList::unloadAll() {
 }
 
 void ModuleList::drop(Module& module) {
-  // What the module left behind would be called after its code is gone.
+  // What the module leaves behind would be called after its code is gone. Its globals may still take themselves out
+  // while it is unloaded, so what is left is seen afterwards, by then as addresses only.
+  const std::vector<AcEditorReactor*> editorReactors = session_.editor.reactorsOf(module.base);
+  const std::vector<AcApDocManagerReactor*> documentReactors = session_.documents.reactorsOf(module.base);
+  std::vector<std::pair<Document*, AcEdInputPointMonitor*>> monitors;
+  for (const auto& document : session_.documents.all()) {
+    for (AcEdInputPointMonitor* monitor : objectsOfModule(document->pointManager.monitors, module.base))
+      monitors.emplace_back(document.get(), monitor);
+  }
   int left = session_.commands.forgetModule(module.base);
-  left += session_.editor.forgetModule(module.base);
-  left += session_.documents.forgetModule(module.base);
-  for (const auto& document : session_.documents.all())
-    left += static_cast<int>(std::erase_if(document->pointManager.monitors, [&module](const auto* monitor) {
-      return moduleOfObject(monitor) == module.base;
-    }));
-  if (left > 0)
-    session_.reportProblem(text::toUtf8(module.name) + ": left " + std::to_string(left) +
-                           " commands or reactors behind; they are removed");
+  const std::string name = text::toUtf8(module.name);
+  const std::filesystem::path file = module.file;
   void* const library = module.library;
   std::erase_if(modules_, [&module](const auto& other) { return other.get() == &module; });
   dlclose(library);
+
+  // A library that the loader keeps in memory does not run its globals' constructors again: they stay registered.
+  if (void* const kept = dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD)) {
+    dlclose(kept);
+  } else {
+    for (AcEditorReactor* reactor : editorReactors) {
+      if (session_.editor.has(reactor)) ++left;
+      session_.editor.removeReactor(reactor);
+    }
+    for (AcApDocManagerReactor* reactor : documentReactors) {
+      if (session_.documents.has(reactor)) ++left;
+      session_.documents.removeReactor(reactor);
+    }
+    for (const auto& [document, monitor] : monitors) {
+      if (document->pointManager.removePointMonitor(monitor) == Acad::eOk) ++left;
+    }
+  }
+  if (left > 0)
+    session_.reportProblem(name + ": left " + std::to_string(left) + " commands or reactors behind; they are removed");
 }
 
 }  // namespace host::editor

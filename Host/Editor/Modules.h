@@ -31,6 +31,15 @@ std::filesystem::path libraryFile();
 const void* moduleBase(const void* address);
 /// The module whose class an object is of: its methods are code of that module.
 const void* moduleOfObject(const void* object);
+/// Those of the objects whose class lies in the module.
+template <class T>
+std::vector<T*> objectsOfModule(const std::vector<T*>& objects, const void* base) {
+  std::vector<T*> found;
+  for (T* object : objects) {
+    if (moduleOfObject(object) == base) found.push_back(object);
+  }
+  return found;
+}
 
 class ModuleList final : public AcRxDynamicLinker {
  public:

@@ -18,8 +18,8 @@ struct DraftVertex {
 /// Bulge of the arc from `from` to `to` that leaves in the direction (radians). Nothing when the points coincide or the
 /// arc would have to turn straight back.
 std::optional<double> tangentBulge(const AcGePoint2d& from, double directionRad, const AcGePoint2d& to);
-/// Bulge of the arc through a point between the ends; nothing when two of the points coincide or `on` lies on the chord's
-/// line outside the chord.
+/// Bulge of the arc through a point between the ends; nothing when two of the points coincide or `on` lies on the
+/// chord's line outside the chord.
 std::optional<double> bulgeThrough(const AcGePoint2d& from, const AcGePoint2d& on, const AcGePoint2d& to);
 /// Bulge of the counter-clockwise arc about the centre from `from` to the direction of `to`; `end` is where it ends.
 std::optional<double> bulgeAbout(const AcGePoint2d& center, const AcGePoint2d& from, const AcGePoint2d& to,

@@ -234,8 +234,8 @@ int acedSetVar(const ACHAR* name, const resbuf* in) {
     case Variable::Type::Point2:
     case Variable::Type::Point3:
       if (in->restype != RTPOINT && in->restype != RT3DPOINT) return RTERROR;
-      value = AcGePoint3d(in->resval.rpoint[0], in->resval.rpoint[1],
-                          in->restype == RT3DPOINT ? in->resval.rpoint[2] : 0);
+      value =
+          AcGePoint3d(in->resval.rpoint[0], in->resval.rpoint[1], in->restype == RT3DPOINT ? in->resval.rpoint[2] : 0);
       break;
   }
   return variables.set(*variable, value) ? RTERROR : RTNORM;

@@ -67,18 +67,18 @@ Reply<T> Prompter::ask(std::wstring_view prompt, AnswerForm form, const Limits& 
 Reply<AcGePoint3d> Prompter::point(std::wstring_view prompt, const Limits& limits) {
   Document* const document = session_.documents.current();
   const AcGePoint3d origin = limits.base.value_or(document != nullptr ? document->lastPoint : AcGePoint3d());
-  Reply<AcGePoint3d> reply = ask<AcGePoint3d>(
-      prompt, AnswerForm::Word, limits, L"Invalid point.",
-      [&origin](const Answer& answer, std::wstring& why) -> std::optional<AcGePoint3d> {
-        if (answer.kind == Answer::Kind::Point) return answer.point;
-        if (answer.kind != Answer::Kind::Text) return std::nullopt;
-        // "_non" before a point turns object snaps off at a screen; there are none here.
-        if (isNoSnap(answer.text)) {
-          why.clear();
-          return std::nullopt;
-        }
-        return parsePoint(answer.text, origin);
-      });
+  Reply<AcGePoint3d> reply =
+      ask<AcGePoint3d>(prompt, AnswerForm::Word, limits, L"Invalid point.",
+                       [&origin](const Answer& answer, std::wstring& why) -> std::optional<AcGePoint3d> {
+                         if (answer.kind == Answer::Kind::Point) return answer.point;
+                         if (answer.kind != Answer::Kind::Text) return std::nullopt;
+                         // "_non" before a point turns object snaps off at a screen; there are none here.
+                         if (isNoSnap(answer.text)) {
+                           why.clear();
+                           return std::nullopt;
+                         }
+                         return parsePoint(answer.text, origin);
+                       });
   if (reply && (limits.bits & RSG_2D) != 0) reply.value.z = 0;
   if (reply && document != nullptr) document->lastPoint = reply.value;
   return reply;

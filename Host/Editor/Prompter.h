@@ -43,8 +43,8 @@ struct EntityPick {
 struct SelectOptions {
   std::wstring prompt = L"Select objects: ";
   std::wstring removePrompt = L"Remove objects: ";
-  bool single = false;          // ends with the first pick that finds something
-  bool everything = false;      // a pick takes all entities in the aperture
+  bool single = false;      // ends with the first pick that finds something
+  bool everything = false;  // a pick takes all entities in the aperture
   bool skipLocked = false;
   std::function<bool(const database::Slot&)> accepts;  // a filter; empty takes all
 };

@@ -173,9 +173,8 @@ class Selector {
   bool pick(const AcGePoint3d& point, bool pointedAt) {
     Document& document = *session_.documents.current();
     document.lastPoint = point;
-    std::vector<Slot*> found =
-        session_.finder.at(document.drawing(), session_.currentSpace(), flat(point), pickAperture(session_),
-                           options_.everything);
+    std::vector<Slot*> found = session_.finder.at(document.drawing(), session_.currentSpace(), flat(point),
+                                                  pickAperture(session_), options_.everything);
     if (!found.empty() || !pointedAt) return take(std::move(found), true);
     // Pointing at nothing opens a window: to the right inside, to the left crossing.
     Limits limits;
@@ -235,8 +234,7 @@ class Selector {
     const Reply<std::wstring> name = prompter_.word(L"Enter group name: ");
     if (name.outcome == Outcome::Cancel) return false;
     if (!name) return true;
-    const std::optional<std::vector<Slot*>> members =
-        groupMembers(session_.documents.current()->drawing(), name.value);
+    const std::optional<std::vector<Slot*>> members = groupMembers(session_.documents.current()->drawing(), name.value);
     if (!members) return prompter_.refuse(L"No group is named \"" + name.value + L"\".");
     return take(*members, false);
   }

@@ -1,7 +1,7 @@
 #include "Editor/SelectionFilter.h"
 
-#include <cmath>
 #include <algorithm>
+#include <cmath>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -17,7 +17,8 @@ enum class ValueKind { None, Text, Real, Integer, Point, Handle };
 
 /// How a group's value is compared, by the ranges of group codes.
 ValueKind kindOf(int code) {
-  if (code == 5 || code == 105 || (code >= 320 && code <= 369) || (code >= 390 && code <= 399)) return ValueKind::Handle;
+  if (code == 5 || code == 105 || (code >= 320 && code <= 369) || (code >= 390 && code <= 399))
+    return ValueKind::Handle;
   if ((code >= 0 && code <= 9) || code == 100 || code == 102 || (code >= 300 && code <= 319) ||
       (code >= 410 && code <= 419) || (code >= 430 && code <= 439) || (code >= 470 && code <= 481))
     return ValueKind::Text;
@@ -288,8 +289,8 @@ class Compiler {
   }
 
   void openGroup(Node& parent, const std::wstring& op, int depth) {
-    const Node::Kind kind = op == L"<and"  ? Node::Kind::And
-                            : op == L"<or" ? Node::Kind::Or
+    const Node::Kind kind = op == L"<and"   ? Node::Kind::And
+                            : op == L"<or"  ? Node::Kind::Or
                             : op == L"<xor" ? Node::Kind::Xor
                                             : Node::Kind::Not;
     std::unique_ptr<Node> group = make(kind);

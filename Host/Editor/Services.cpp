@@ -77,9 +77,8 @@ bool EditorService::has(const AcEditorReactor* reactor) const {
   return std::find(reactors_.begin(), reactors_.end(), reactor) != reactors_.end();
 }
 
-int EditorService::forgetModule(const void* base) {
-  return static_cast<int>(
-      std::erase_if(reactors_, [base](const AcEditorReactor* reactor) { return moduleOfObject(reactor) == base; }));
+std::vector<AcEditorReactor*> EditorService::reactorsOf(const void* moduleBase) const {
+  return objectsOfModule(reactors_, moduleBase);
 }
 
 std::filesystem::path HostServices::find(const std::filesystem::path& name, const AcDbDatabase* db) {

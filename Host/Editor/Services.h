@@ -35,8 +35,8 @@ class EditorService final : public AcEditor {
     }
   }
   bool has(const AcEditorReactor* reactor) const;
-  /// Drops reactors whose code lies in a module that goes away; how many there were.
-  int forgetModule(const void* base);
+  /// Reactors whose code lies in a module.
+  std::vector<AcEditorReactor*> reactorsOf(const void* moduleBase) const;
 
  private:
   std::vector<AcEditorReactor*> reactors_;

@@ -48,8 +48,8 @@ class Session {
   SelectionSets sets;
   EntityFinder finder;
   ProgressMeter meter;
-  Limits nextLimits;            // of acedInitGet, for the next question
-  std::wstring lastInput;       // of acedGetInput
+  Limits nextLimits;       // of acedInitGet, for the next question
+  std::wstring lastInput;  // of acedGetInput
   bool quitRequested = false;
   static std::atomic<bool> interrupted;
 
@@ -65,8 +65,8 @@ class Session {
   void regenerate();
 
   // ---- input ------------------------------------------------------------------------------------------------------
-  /// Shows the prompt, takes the answer, echoes it; runs transparent commands given as answers. Cancel when the input has
-  /// failed or ended.
+  /// Shows the prompt, takes the answer, echoes it; runs transparent commands given as answers. Cancel when the input
+  /// has failed or ended.
   Answer ask(std::wstring_view prompt, AnswerForm form);
   Answer dialogLine(std::wstring_view what);
   /// The input ends after its present line.
@@ -108,8 +108,8 @@ class Session {
   std::vector<InputFrame> frames_;
   std::vector<std::shared_ptr<Command>> running_;
   int transparentDepth_ = 0;
-  bool cancelled_ = false;       // the running command's last question ended in Esc
-  bool commandFailed_ = false;   // its handler threw
+  bool cancelled_ = false;      // the running command's last question ended in Esc
+  bool commandFailed_ = false;  // its handler threw
   std::optional<Result> failure_;
   std::wstring lastCommand_;
   int untitledCount_ = 0;

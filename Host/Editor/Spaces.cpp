@@ -30,8 +30,8 @@ double pickAperture(Session& session) {
   const double side = std::max(view.maxX - view.minX, view.maxY - view.minY);
   const double pixels = static_cast<double>(session.variables.integer(L"PICKBOX"));
   // Even a pick box of no size hits what the point lies on, within rounding.
-  const double smallest = 1e-9 * std::max({1.0, side, std::abs(view.maxX), std::abs(view.maxY), std::abs(view.minX),
-                                           std::abs(view.minY)});
+  const double smallest =
+      1e-9 * std::max({1.0, side, std::abs(view.maxX), std::abs(view.maxY), std::abs(view.minX), std::abs(view.minY)});
   return std::max(side * pixels / EntityFinder::kScreenPixels, smallest);
 }
 
@@ -95,8 +95,8 @@ std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
   AcArray<AcDbObjectId> entities;
   AcArrayObjectCopy<AcDbObjectIdArray> nested;
   AcArray<Adesk::GsMarker> markers;
-  for (Slot* slot : session.finder.at(document.drawing(), session.currentSpace(), {point.x, point.y},
-                                      pickAperture(session), true)) {
+  for (Slot* slot :
+       session.finder.at(document.drawing(), session.currentSpace(), {point.x, point.y}, pickAperture(session), true)) {
     entities.append(AcDbObjectId(slot));
     nested.append(AcDbObjectIdArray());
     markers.append(0);

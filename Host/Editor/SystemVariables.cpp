@@ -313,7 +313,8 @@ std::optional<std::wstring> SystemVariables::set(const Variable& variable, const
       }
     }
     if (const auto* point = std::get_if<AcGePoint3d>(&value)) {
-      if (!std::isfinite(point->x) || !std::isfinite(point->y) || !std::isfinite(point->z)) return L"needs finite numbers";
+      if (!std::isfinite(point->x) || !std::isfinite(point->y) || !std::isfinite(point->z))
+        return L"needs finite numbers";
     }
     bool handled = false;
     std::optional<std::wstring> problem = setSpecial(variable, value, handled);

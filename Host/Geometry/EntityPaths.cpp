@@ -124,7 +124,7 @@ class PathCollector {
   }
 
   void collectHatch(const Slot& entity, const Transform& placement, double deviation) {
-    const auto hatch = hatching::readHatchRecord(entity.tags(), deviation);
+    const auto hatch = readHatch(entity, deviation);
     const database::ObjectAxes axes(hatch.normal);
     const Transform plane = placement.after({axes.ax, axes.ay, axes.az, AcGePoint3d{} + axes.az * hatch.elevation});
     if (hatch.solid || hatch.gradient) addHatchLoops(filledLoops(hatch), true, plane);

@@ -190,11 +190,8 @@ void readImage(const Slot& slot, EntityShape& shape) {
 }
 
 void readViewport(const Slot& slot, EntityShape& shape) {
-  constexpr std::int64_t kSheet = 1;  // the view of the sheet itself, not a window in it
+  if (isSheetViewport(slot)) return;
   const SimpleTags simple(slot);
-  GeometryTags tags(slot.tags());
-  for (Tag tag; tags.next(tag);)
-    if (tag.code == 69 && tag.integer() == kSheet) return;
   const AcGePoint3d& c = simple.p[0];
   const double w = simple.real40 / 2, h = simple.real41 / 2;
   if (!(w > 0) || !(h > 0)) return;
@@ -205,6 +202,20 @@ void readViewport(const Slot& slot, EntityShape& shape) {
 }
 
 }  // namespace
+
+bool isSheetViewport(const Slot& viewport) {
+  AcGePoint3d center, viewCenter;
+  double height = 0, viewHeight = 0;
+  GeometryTags tags(viewport.tags());
+  for (Tag tag; tags.next(tag);) {
+    if (tag.code == 69 && tag.integer() == 1) return true;
+    if (tag.code == 41) height = coordinate(tag);
+    if (tag.code == 45) viewHeight = coordinate(tag);
+    takePoint(tag, 10, center) || takePoint(tag, 12, viewCenter);
+  }
+  // Numbers are missing in layouts that were never looked at, and not always right: the sheet shows itself unmoved.
+  return height == viewHeight && center.x == viewCenter.x && center.y == viewCenter.y;
+}
 
 EntityShape readShape(const Slot& entity, double deviation) {
   EntityShape shape;

@@ -47,4 +47,7 @@ struct EntityShape {
 /// and for what has no drawn shape. Pieces with coordinates that are not finite are left out. `deviation` as in Curves.h.
 EntityShape readShape(const database::Slot& entity, double deviation);
 
+/// True for the VIEWPORT that is the view of a layout's sheet itself and no window in it.
+bool isSheetViewport(const database::Slot& viewport);
+
 }  // namespace host::geometry

@@ -1,9 +1,24 @@
 #include "Geometry/HatchArea.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "Geometry/EntityPaths.h"
 #include "Geometry/PlaneTests.h"
 
 namespace host::geometry {
+
+hatching::HatchRecord readHatch(const database::Slot& entity, double deviation) {
+  constexpr double kRelativeDeviation = 1e-4;
+  if (deviation > 0) return hatching::readHatchRecord(entity.tags(), deviation);
+  hatching::HatchRecord rough = hatching::readHatchRecord(entity.tags(), std::numeric_limits<double>::max());
+  Box box;
+  for (const auto& loop : rough.loops)
+    for (const auto& p : loop) box.add(Point{p.x, p.y});
+  const double size = box.isEmpty() ? 0 : std::max(box.maxX - box.minX, box.maxY - box.minY);
+  if (!(size > 0)) return rough;
+  return hatching::readHatchRecord(entity.tags(), size * kRelativeDeviation);
+}
 
 std::vector<hatching::Polygon> filledLoops(const hatching::HatchRecord& hatch) {
   constexpr std::size_t kMostNestedLoops = 2000;  // the nesting is found loop by loop

@@ -236,6 +236,7 @@ Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcGePoint2d
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   if (!bulges.isEmpty() && bulges.length() != vertices.length()) return Acad::eInvalidInput;
   std::vector<LoopVertex> points;
+  points.reserve(static_cast<std::size_t>(vertices.length()));
   for (int i = 0; i < vertices.length(); ++i) {
     points.push_back({vertices[i].x, vertices[i].y, bulges.isEmpty() ? 0 : bulges[i]});
   }

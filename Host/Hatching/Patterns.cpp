@@ -12,6 +12,17 @@ namespace {
 
 constexpr double kRadPerDegree = std::numbers::pi / 180;
 
+/// Cosine and sine; exactly 0 and 1 at quarter turns, so that upright patterns have plain numbers in files.
+struct Direction {
+  double cosine, sine;
+  explicit Direction(double angle) : cosine(std::cos(angle)), sine(std::sin(angle)) {
+    constexpr double kNoise = 1e-15;
+    if (std::abs(cosine) < kNoise) cosine = 0;
+    if (std::abs(sine) < kNoise) sine = 0;
+  }
+  Point2 turned(double x, double y) const { return {x * cosine - y * sine, x * sine + y * cosine}; }
+};
+
 std::string capitals(std::string_view name) {
   std::string upper(name);
   std::transform(upper.begin(), upper.end(), upper.begin(),
@@ -66,17 +77,16 @@ std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<std::st
 std::vector<PatternLine> scaledPattern(const Pattern& pattern, double angleRad, double scale) {
   std::vector<PatternLine> lines;
   lines.reserve(pattern.families.size());
-  const double baseCosine = std::cos(angleRad) * scale;
-  const double baseSine = std::sin(angleRad) * scale;
+  const Direction hatch(angleRad);
   for (const PatternLine& family : pattern.families) {
     PatternLine line;
     line.angleRad = family.angleRad + angleRad;
-    const double cosine = std::cos(line.angleRad) * scale;
-    const double sine = std::sin(line.angleRad) * scale;
-    line.baseX = family.baseX * baseCosine - family.baseY * baseSine;
-    line.baseY = family.baseX * baseSine + family.baseY * baseCosine;
-    line.offsetX = family.offsetX * cosine - family.offsetY * sine;
-    line.offsetY = family.offsetX * sine + family.offsetY * cosine;
+    const Point2 base = hatch.turned(family.baseX * scale, family.baseY * scale);
+    const Point2 offset = Direction(line.angleRad).turned(family.offsetX * scale, family.offsetY * scale);
+    line.baseX = base.x;
+    line.baseY = base.y;
+    line.offsetX = offset.x;
+    line.offsetY = offset.y;
     for (const double dash : family.dashes) line.dashes.push_back(dash * scale);
     lines.push_back(std::move(line));
   }

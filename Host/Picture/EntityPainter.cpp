@@ -25,10 +25,10 @@ constexpr std::size_t kMostEntities = 5'000'000;
 constexpr std::size_t kMostDashes = 3'000'000;
 constexpr double kShortestRoundPx = 1.5;  // of a linetype; finer ones look unbroken
 
-Transform viewportTransform(const Slot& viewport, Box& frame, std::vector<std::uint64_t>& frozen, bool& isSheet) {
+Transform viewportTransform(const Slot& viewport, Box& frame, std::vector<std::uint64_t>& frozen, bool& isOn) {
   AcGePoint3d center, viewCenter, direction{0, 0, 1}, target;
   double width = 0, height = 0, viewHeight = 0, twistRad = 0;
-  std::int64_t id = 0, status = 1;
+  std::int64_t status = 1;
   geometry::GeometryTags tags(viewport.tags());
   for (database::Tag tag; tags.next(tag);) {
     if (takePoint(tag, 10, center) || takePoint(tag, 12, viewCenter) || takePoint(tag, 16, direction) ||
@@ -40,16 +40,15 @@ Transform viewportTransform(const Slot& viewport, Box& frame, std::vector<std::u
       case 45: viewHeight = geometry::coordinate(tag); break;
       case 51: twistRad = tag.real() * std::numbers::pi / 180; break;
       case 68: status = tag.integer(); break;
-      case 69: id = tag.integer(); break;
       case 331:
       case 341: frozen.push_back(tag.handle()); break;
       default: break;
     }
   }
-  isSheet = id == 1 || status == 0;
+  isOn = status != 0;
   if (!(width > 0) || !(height > 0) || !(viewHeight > 0) || !isUsable(center) || !isUsable(viewCenter) ||
       !isUsable(direction) || !isUsable(target)) {
-    isSheet = true;
+    isOn = false;
     return {};
   }
   frame.add(Point{center.x - width / 2, center.y - height / 2});
@@ -168,12 +167,12 @@ void EntityPainter::paintReference(const Slot& entity, const Place& place, std::
 }
 
 void EntityPainter::paintViewport(const Slot& entity) {
-  if (isInViewport_ || &db_.modelSpace() == db_.block(entity.owner)) return;
+  if (isInViewport_ || &db_.modelSpace() == db_.block(entity.owner) || geometry::isSheetViewport(entity)) return;
   Box frame;
   std::vector<std::uint64_t> frozenHandles;
-  bool isSheet = false;
-  const Transform toPaper = viewportTransform(entity, frame, frozenHandles, isSheet);
-  if (isSheet) return;
+  bool isOn = false;
+  const Transform toPaper = viewportTransform(entity, frame, frozenHandles, isOn);
+  if (!isOn) return;
   Box clip;
   for (const AcGePoint3d& corner : {AcGePoint3d{frame.minX, frame.minY, 0}, AcGePoint3d{frame.maxX, frame.maxY, 0}})
     clip.add(view_.toPicture.plan(corner));

@@ -92,7 +92,7 @@ std::vector<Polygon> cutToPicture(const std::vector<Polygon>& loops, const Trans
 void EntityPainter::paintHatch(const database::Slot& entity, const Place& place, const Style& style) {
   const double outerScale = place.toPicture.planScale();
   const double deviation = view_.deviation > 0 && outerScale > 0 ? view_.deviation / outerScale : 0;
-  const hatching::HatchRecord hatch = hatching::readHatchRecord(entity.tags(), deviation);
+  const hatching::HatchRecord hatch = geometry::readHatch(entity, deviation);
   const database::ObjectAxes axes(hatch.normal);
   const Transform plane =
       place.toPicture.after({axes.ax, axes.ay, axes.az, AcGePoint3d{} + axes.az * hatch.elevation});
@@ -113,7 +113,8 @@ void EntityPainter::paintHatch(const database::Slot& entity, const Place& place,
   const double scale = plane.planScale();
   bool isTooDense = patternPieces_ >= kMostPieces;
   for (const hatching::PatternLine& family : hatch.pattern)
-    if (!(spacing(family) * scale >= kClosestLinesPx)) isTooDense = true;
+    // A family of rare dashes may have its lines close together.
+    if (!(spacing(family) * scale >= kClosestLinesPx * drawnShare(family.dashes, 1 / scale))) isTooDense = true;
   std::vector<hatching::PatternSegment> segments;
   if (!isTooDense) {
     const auto outcome =
