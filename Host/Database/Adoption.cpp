@@ -77,7 +77,12 @@ void addVertices(Slot& polyline, const OldPolyline& data, const std::string& com
     Slot* const sub = parts.makeSlot(type, &polyline, kEntity | kSubEntity);
     sub->layer = polyline.layer;
     TagWriter out = db.tagWriter();
-    out.raw(0, name).handle(5, sub->handle).handle(330, polyline.handle).raw(100, "AcDbEntity").bytes(common).bytes(own);
+    out.raw(0, name)
+        .handle(5, sub->handle)
+        .handle(330, polyline.handle)
+        .raw(100, "AcDbEntity")
+        .bytes(common)
+        .bytes(own);
     parts.setRecord(*sub, out.take());
     *link = sub;
     link = &sub->nextSub;

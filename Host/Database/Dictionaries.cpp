@@ -1,6 +1,4 @@
 // Dictionaries and xrecords.
-#include "dbdict.h"
-
 #include "Database/Adoption.h"
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
@@ -8,6 +6,7 @@
 #include "Text/Text.h"
 #include "acutads.h"
 #include "acutmem.h"
+#include "dbdict.h"
 #include "dbgroup.h"
 #include "dbxrecrd.h"
 #include "sorttab.h"
@@ -131,8 +130,7 @@ void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::ws
   DictionaryContents& contents = parts.dictionary(dictionarySlot);
   Record& record = parts.edit(dictionarySlot);
   Tag tag;
-  const bool isHardOwner =
-      findTagIn(record.tags(), "AcDbDictionary", 280, tag) && tag.integer() != 0;
+  const bool isHardOwner = findTagIn(record.tags(), "AcDbDictionary", 280, tag) && tag.integer() != 0;
   TagWriter out = parts.self.tagWriter();
   out.text(3, key).handle(isHardOwner ? 360 : 350, object.handle);
   const std::string_view bytes = parts.arena.keep(out.str());
@@ -326,19 +324,32 @@ constexpr std::string_view kXrecord = "AcDbXrecord";
 void writeXrecordItem(TagWriter& out, const resbuf& item) {
   const int code = item.restype;
   switch (valueKind(code)) {
-    case ValueKind::Text: out.text(code, item.resval.rstring != nullptr ? item.resval.rstring : L""); break;
-    case ValueKind::Point: out.point(code, item.resval.rpoint[0], item.resval.rpoint[1], item.resval.rpoint[2]); break;
-    case ValueKind::Real: out.real(code, item.resval.rreal); break;
-    case ValueKind::Short: out.integer(code, item.resval.rint); break;
-    case ValueKind::Long: out.integer(code, item.resval.rlong); break;
-    case ValueKind::Long64: out.integer(code, item.resval.mnInt64); break;
+    case ValueKind::Text:
+      out.text(code, item.resval.rstring != nullptr ? item.resval.rstring : L"");
+      break;
+    case ValueKind::Point:
+      out.point(code, item.resval.rpoint[0], item.resval.rpoint[1], item.resval.rpoint[2]);
+      break;
+    case ValueKind::Real:
+      out.real(code, item.resval.rreal);
+      break;
+    case ValueKind::Short:
+      out.integer(code, item.resval.rint);
+      break;
+    case ValueKind::Long:
+      out.integer(code, item.resval.rlong);
+      break;
+    case ValueKind::Long64:
+      out.integer(code, item.resval.mnInt64);
+      break;
     case ValueKind::Name: {
       AcDbObjectId id;
       acdbGetObjectId(id, item.resval.rlname);
       out.handle(code, id.handle());
       break;
     }
-    default: break;
+    default:
+      break;
   }
 }
 
@@ -372,7 +383,9 @@ Acad::ErrorStatus AcDbXrecord::rbChain(resbuf** chain, AcDbDatabase*) const {
   for (TagCursor cursor = HostObjectAccess::tags(*this); cursor.next(tag) && tag.code < 1000; ++number) {
     if (number < begin) continue;
     switch (valueKind(tag.code)) {
-      case ValueKind::Text: items.addText(tag.code, codec.decode(tag.value)); break;
+      case ValueKind::Text:
+        items.addText(tag.code, codec.decode(tag.value));
+        break;
       case ValueKind::Point: {
         resbuf* const item = items.add(tag.code);
         item->resval.rpoint[0] = tag.real();
@@ -386,16 +399,25 @@ Acad::ErrorStatus AcDbXrecord::rbChain(resbuf** chain, AcDbDatabase*) const {
         }
         break;
       }
-      case ValueKind::Real: items.add(tag.code)->resval.rreal = tag.real(); break;
-      case ValueKind::Short: items.add(tag.code)->resval.rint = static_cast<short>(tag.integer()); break;
-      case ValueKind::Long: items.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer()); break;
-      case ValueKind::Long64: items.add(tag.code)->resval.mnInt64 = tag.integer(); break;
+      case ValueKind::Real:
+        items.add(tag.code)->resval.rreal = tag.real();
+        break;
+      case ValueKind::Short:
+        items.add(tag.code)->resval.rint = static_cast<short>(tag.integer());
+        break;
+      case ValueKind::Long:
+        items.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer());
+        break;
+      case ValueKind::Long64:
+        items.add(tag.code)->resval.mnInt64 = tag.integer();
+        break;
       case ValueKind::Name: {
         Slot* const slot = db != nullptr ? db->findHandle(tag.handle()) : nullptr;
         items.add(tag.code)->resval.rlname[0] = AcDbObjectId(slot).asOldId();
         break;
       }
-      default: break;
+      default:
+        break;
     }
   }
   *chain = items.release();

@@ -87,7 +87,8 @@ void DrawingDatabase::Parts::indexHandles() {
     if (slot.handle != 0) byHandle.push_back(&slot);
   });
   // Files list objects mostly by ascending handle within each section; ties keep file order, so the first one counts.
-  std::stable_sort(byHandle.begin(), byHandle.end(), [](const Slot* a, const Slot* b) { return a->handle < b->handle; });
+  std::stable_sort(byHandle.begin(), byHandle.end(),
+                   [](const Slot* a, const Slot* b) { return a->handle < b->handle; });
   if (!byHandle.empty()) nextHandle = std::max(nextHandle, byHandle.back()->handle + 1);
 }
 

@@ -39,8 +39,17 @@ struct Problem {
   std::string text;          // UTF-8, one sentence without file name
 };
 
-enum class DrawingVersion { R12 = 1009, R13 = 1012, R14 = 1014, V2000 = 1015, V2004 = 1018, V2007 = 1021, V2010 = 1024,
-                            V2013 = 1027, V2018 = 1032 };
+enum class DrawingVersion {
+  R12 = 1009,
+  R13 = 1012,
+  R14 = 1014,
+  V2000 = 1015,
+  V2004 = 1018,
+  V2007 = 1021,
+  V2010 = 1024,
+  V2013 = 1027,
+  V2018 = 1032
+};
 
 class DrawingDatabase {
  public:
@@ -73,10 +82,10 @@ class DrawingDatabase {
   void forEachSlot(const std::function<void(Slot&)>& visit) const;
   std::size_t slotCount() const;
 
-  Slot* table(DxfType recordType) const;                                // table head of e.g. DxfType::Layer
-  Slot* findRecord(DxfType recordType, std::wstring_view name) const;   // living record by name, or null
-  const std::vector<Slot*>& records(DxfType recordType) const;          // file order, erased included
-  std::wstring recordName(const Slot& record) const;                    // tag 2, decoded
+  Slot* table(DxfType recordType) const;                               // table head of e.g. DxfType::Layer
+  Slot* findRecord(DxfType recordType, std::wstring_view name) const;  // living record by name, or null
+  const std::vector<Slot*>& records(DxfType recordType) const;         // file order, erased included
+  std::wstring recordName(const Slot& record) const;                   // tag 2, decoded
   Slot* rootDictionary() const;
 
   const BlockContents* block(const Slot* blockRecord) const;
@@ -129,10 +138,10 @@ class DrawingDatabase {
 inline DrawingDatabase& databaseOf(const AcDbDatabase* db) { return db->hostDatabase(); }
 /// Common values of an entity's record, read in one walk.
 struct EntityProperties {
-  std::string_view linetype;   // empty = by layer, in the drawing's encoding
-  int color = 256;             // 0 by block, 256 by layer
-  std::int64_t trueColor = -1; // 0xRRGGBB, or -1
-  int lineweight = -1;         // hundredths of a millimetre; -1 by layer, -2 by block, -3 default
+  std::string_view linetype;    // empty = by layer, in the drawing's encoding
+  int color = 256;              // 0 by block, 256 by layer
+  std::int64_t trueColor = -1;  // 0xRRGGBB, or -1
+  int lineweight = -1;          // hundredths of a millimetre; -1 by layer, -2 by block, -3 default
   double linetypeScale = 1;
   bool invisible = false;
   std::int64_t transparency = 0;  // tag 440 as it stands; 0 = none

@@ -106,8 +106,8 @@ Acad::ErrorStatus AcDbDatabase::setCeltype(AcDbObjectId linetype) {
 
 AcCmColor AcDbDatabase::cecolor() const {
   AcCmColor color;
-  color.setColorIndex(static_cast<Adesk::UInt16>(
-      impl_->headerInteger("$CECOLOR", 62).value_or(AcCmEntityColor::kACIbyLayer)));
+  color.setColorIndex(
+      static_cast<Adesk::UInt16>(impl_->headerInteger("$CECOLOR", 62).value_or(AcCmEntityColor::kACIbyLayer)));
   return color;
 }
 

@@ -1,10 +1,9 @@
 // Groups.
-#include "dbgroup.h"
-
 #include <algorithm>
 
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
+#include "dbgroup.h"
 
 using host::database::dataOf;
 using host::database::dataToChange;
@@ -44,8 +43,8 @@ struct GroupData final : host::database::ObjectData {
   }
 };
 
-[[maybe_unused]] const bool registered = host::database::registerClass(
-    {DxfType::Group, &AcDbGroup::desc, []() -> AcDbObject* { return new AcDbGroup; }});
+[[maybe_unused]] const bool registered =
+    host::database::registerClass({DxfType::Group, &AcDbGroup::desc, []() -> AcDbObject* { return new AcDbGroup; }});
 
 /// Living members as slots.
 std::vector<Slot*> membersOf(const AcDbGroup& group) {

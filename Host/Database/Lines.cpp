@@ -59,11 +59,11 @@ AcDbObject* create() {
   return new T;
 }
 
-[[maybe_unused]] const bool registered = host::database::registerClass({DxfType::Line, &AcDbLine::desc, &create<AcDbLine>}) &&
-                        host::database::registerClass({DxfType::Point, &AcDbPoint::desc, &create<AcDbPoint>}) &&
-                        host::database::registerClass({DxfType::Region, &AcDbRegion::desc, &create<AcDbRegion>}) &&
-                        host::database::registerClass(
-                            {DxfType::Insert, &AcDbBlockReference::desc, &create<AcDbBlockReference>});
+[[maybe_unused]] const bool registered =
+    host::database::registerClass({DxfType::Line, &AcDbLine::desc, &create<AcDbLine>}) &&
+    host::database::registerClass({DxfType::Point, &AcDbPoint::desc, &create<AcDbPoint>}) &&
+    host::database::registerClass({DxfType::Region, &AcDbRegion::desc, &create<AcDbRegion>}) &&
+    host::database::registerClass({DxfType::Insert, &AcDbBlockReference::desc, &create<AcDbBlockReference>});
 
 }  // namespace
 

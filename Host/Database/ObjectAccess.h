@@ -51,8 +51,9 @@ struct HostObjectAccess {
   static DrawingDatabase* database(const AcDbObject& object);
 
   /// Makes the record of an object that is not in a database: "0 <dxf name>", for entities "100 AcDbEntity", then `own`
-  /// (tags in UTF-8, from the object's own subclass marker on; may be empty when an ObjectData writes them). Does nothing
-  /// while the database makes an object for a slot (ClassEntry::create), so default constructors simply call it.
+  /// (tags in UTF-8, from the object's own subclass marker on; may be empty when an ObjectData writes them). Does
+  /// nothing while the database makes an object for a slot (ClassEntry::create), so default constructors simply call
+  /// it.
   static void initDetached(AcDbObject& object, std::string_view dxfName, bool isEntity, std::string_view own = {});
 
   /// The tags as they stand (detached, changed or the file's bytes), without pending ObjectData changes.

@@ -9,8 +9,8 @@
 #include "dbsymtb.h"
 
 using host::database::classEntry;
-using host::database::classOf;
 using host::database::ClassEntry;
+using host::database::classOf;
 using host::database::createTable;
 using host::database::DrawingDatabase;
 using host::database::DxfType;
@@ -134,9 +134,7 @@ AcDbObjectId AcDbObject::ownerId() const { return AcDbObjectId(slot_ != nullptr 
 
 AcDbDatabase* AcDbObject::database() const { return slot_ != nullptr ? slot_->database().facade() : nullptr; }
 
-void AcDbObject::getAcDbHandle(AcDbHandle& handle) const {
-  handle = AcDbHandle(slot_ != nullptr ? slot_->handle : 0);
-}
+void AcDbObject::getAcDbHandle(AcDbHandle& handle) const { handle = AcDbHandle(slot_ != nullptr ? slot_->handle : 0); }
 
 Adesk::Boolean AcDbObject::isErased() const { return slot_ != nullptr && slot_->isErased(); }
 

@@ -32,12 +32,24 @@ std::array<std::uint32_t, 256> makePalette() {
     const double falling = value - (value - low) * fraction;
     std::uint32_t color = 0;
     switch (static_cast<int>(sector)) {
-      case 0: color = packed(value, rising, low); break;
-      case 1: color = packed(falling, value, low); break;
-      case 2: color = packed(low, value, rising); break;
-      case 3: color = packed(low, falling, value); break;
-      case 4: color = packed(rising, low, value); break;
-      default: color = packed(value, low, falling); break;
+      case 0:
+        color = packed(value, rising, low);
+        break;
+      case 1:
+        color = packed(falling, value, low);
+        break;
+      case 2:
+        color = packed(low, value, rising);
+        break;
+      case 3:
+        color = packed(low, falling, value);
+        break;
+      case 4:
+        color = packed(rising, low, value);
+        break;
+      default:
+        color = packed(value, low, falling);
+        break;
     }
     palette[static_cast<std::size_t>(index)] = color;
   }

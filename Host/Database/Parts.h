@@ -79,7 +79,7 @@ struct DictionaryContents {
     std::wstring key;
     Slot* object = nullptr;
   };
-  std::vector<Entry> entries;  // file order; removed ones have no object
+  std::vector<Entry> entries;                           // file order; removed ones have no object
   std::unordered_map<std::wstring, std::size_t> byKey;  // folded key -> index
   std::unordered_map<const Slot*, std::size_t> byObject;
   std::uint64_t nextAnonymous = 1;
@@ -90,17 +90,17 @@ struct DictionaryContents {
 struct SortContents {
   Slot* block = nullptr;
   std::unordered_map<const Slot*, OrderKey> keys;
-  std::int64_t moves = 0;   // counts moves to the top
-  std::int64_t sinks = 0;   // counts moves to the bottom
+  std::int64_t moves = 0;  // counts moves to the top
+  std::int64_t sinks = 0;  // counts moves to the bottom
   bool changed = false;
 };
 
 /// A symbol table: its head and records in file order.
 struct SymbolTable {
   Slot* head = nullptr;
-  std::vector<Slot*> records;                       // erased ones included
-  std::unordered_map<std::wstring, Slot*> byName;   // folded
-  std::size_t insertAt = 0;                         // offset of ENDTAB in the file text
+  std::vector<Slot*> records;                      // erased ones included
+  std::unordered_map<std::wstring, Slot*> byName;  // folded
+  std::size_t insertAt = 0;                        // offset of ENDTAB in the file text
 };
 
 struct SlotState {
@@ -140,26 +140,26 @@ struct DrawingDatabase::Parts {
   DrawingVersion version = DrawingVersion::V2013;
   text::Codec codec;
   std::string lineEnd = "\n";
-  std::size_t tablesEnd = 0;     // offsets of the ENDSEC of each section; 0 when the file lacks it
+  std::size_t tablesEnd = 0;  // offsets of the ENDSEC of each section; 0 when the file lacks it
   std::size_t blocksEnd = 0;
   std::size_t entitiesEnd = 0;
   std::size_t objectsEnd = 0;
-  std::size_t fileEnd = 0;       // offset of EOF
+  std::size_t fileEnd = 0;  // offset of EOF
   std::vector<Problem> problems;
   Arena arena;
 
   // Objects.
   SlotPool slots;
-  std::vector<Slot*> byHandle;   // ascending
+  std::vector<Slot*> byHandle;  // ascending
   std::uint64_t nextHandle = 1;
-  std::vector<Slot*> opened;     // slots whose Live holds an object
-  std::size_t openCount = 0;     // objects open at the moment
+  std::vector<Slot*> opened;  // slots whose Live holds an object
+  std::size_t openCount = 0;  // objects open at the moment
 
   // Names.
   std::vector<std::string> otherTypes;  // names from DxfType::FirstOther on
   std::unordered_map<std::string, DxfType, NameHash, std::equal_to<>> otherTypeIndex;
   struct LayerName {
-    std::string raw;       // in the drawing's encoding, as first met
+    std::string raw;  // in the drawing's encoding, as first met
     std::wstring folded;
     Slot* record = nullptr;
   };
@@ -170,9 +170,9 @@ struct DrawingDatabase::Parts {
   // Containers.
   std::map<DxfType, SymbolTable> tables;  // by record type
   std::unordered_map<const Slot*, BlockContents> blocks;
-  std::vector<const Slot*> blockOrder;    // block records in the order of their BLOCKs
+  std::vector<const Slot*> blockOrder;  // block records in the order of their BLOCKs
   Slot* modelSpaceRecord = nullptr;
-  Slot* paperSpaceRecord = nullptr;       // the active one, whose entities stand in ENTITIES
+  Slot* paperSpaceRecord = nullptr;  // the active one, whose entities stand in ENTITIES
   Slot* header = nullptr;
   Slot* classes = nullptr;
   Slot* root = nullptr;
@@ -217,7 +217,7 @@ struct DrawingDatabase::Parts {
 
   // ---- containers ----
   DxfType tableRecordType(const Slot& head) const;  // which table a head belongs to
-  SymbolTable& tableFor(DxfType recordType);  // made when the file lacks it
+  SymbolTable& tableFor(DxfType recordType);        // made when the file lacks it
   DictionaryContents& dictionary(const Slot& slot);
   void removeDictionaryEntry(Slot& dictionarySlot, std::size_t index);
   SortContents& sortTable(const Slot& slot);

@@ -44,14 +44,30 @@ void LightPolyline::read(TagCursor tags, const text::Codec&) {
     }
     if (!inside) continue;
     switch (tag.code) {
-      case 70: flags = static_cast<int>(tag.integer()); break;
-      case 43: constantWidth = tag.real(); break;
-      case 38: elevation = tag.real(); break;
-      case 39: thickness = tag.real(); break;
-      case 210: normal.x = tag.real(); break;
-      case 220: normal.y = tag.real(); break;
-      case 230: normal.z = tag.real(); break;
-      case 10: vertices.push_back({{tag.real(), 0}, 0, -1, -1}); break;
+      case 70:
+        flags = static_cast<int>(tag.integer());
+        break;
+      case 43:
+        constantWidth = tag.real();
+        break;
+      case 38:
+        elevation = tag.real();
+        break;
+      case 39:
+        thickness = tag.real();
+        break;
+      case 210:
+        normal.x = tag.real();
+        break;
+      case 220:
+        normal.y = tag.real();
+        break;
+      case 230:
+        normal.z = tag.real();
+        break;
+      case 10:
+        vertices.push_back({{tag.real(), 0}, 0, -1, -1});
+        break;
       default:
         if (vertices.empty()) break;
         if (tag.code == 20) vertices.back().point.y = tag.real();
@@ -88,13 +104,26 @@ void OldPolyline::read(TagCursor tags, const text::Codec&) {
     }
     if (!inside) continue;
     switch (tag.code) {
-      case 70: flags = static_cast<int>(tag.integer()); break;
-      case 75: smoothType = static_cast<int>(tag.integer()); break;
-      case 30: elevation = tag.real(); break;
-      case 210: normal.x = tag.real(); break;
-      case 220: normal.y = tag.real(); break;
-      case 230: normal.z = tag.real(); break;
-      default: break;
+      case 70:
+        flags = static_cast<int>(tag.integer());
+        break;
+      case 75:
+        smoothType = static_cast<int>(tag.integer());
+        break;
+      case 30:
+        elevation = tag.real();
+        break;
+      case 210:
+        normal.x = tag.real();
+        break;
+      case 220:
+        normal.y = tag.real();
+        break;
+      case 230:
+        normal.z = tag.real();
+        break;
+      default:
+        break;
     }
   }
 }
@@ -141,8 +170,7 @@ AcDbObject* create() {
     host::database::registerClass({DxfType::PolygonMesh, &AcDbPolygonMesh::desc, &create<AcDbPolygonMesh>}) &&
     host::database::registerClass({DxfType::PolyFaceMesh, &AcDbPolyFaceMesh::desc, &create<AcDbPolyFaceMesh>}) &&
     host::database::registerClass({DxfType::Vertex2d, &AcDb2dVertex::desc, &create<AcDb2dVertex>}) &&
-    host::database::registerClass(
-        {DxfType::Vertex3d, &AcDb3dPolylineVertex::desc, &create<AcDb3dPolylineVertex>}) &&
+    host::database::registerClass({DxfType::Vertex3d, &AcDb3dPolylineVertex::desc, &create<AcDb3dPolylineVertex>}) &&
     host::database::registerClass({DxfType::SeqEnd, &AcDbSequenceEnd::desc, &create<AcDbSequenceEnd>});
 
 /// Vertices of a polyline in a drawing by their ids, of one outside by vertices of their own.
@@ -160,8 +188,7 @@ class VertexIterator final : public AcDbObjectIterator {
       if (data.is3d()) {
         made_.push_back(std::make_unique<AcDb3dPolylineVertex>(vertex.point));
       } else {
-        made_.push_back(
-            std::make_unique<AcDb2dVertex>(vertex.point, vertex.bulge, vertex.startWidth, vertex.endWidth));
+        made_.push_back(std::make_unique<AcDb2dVertex>(vertex.point, vertex.bulge, vertex.startWidth, vertex.endWidth));
       }
     }
   }
@@ -396,7 +423,9 @@ AcDb2dVertex::AcDb2dVertex(const AcGePoint3d& position, double bulge, double sta
   HostObjectAccess::initDetached(*this, "VERTEX", true, one.vertexTags(0, utf8Codec(), "\n"));
 }
 
-AcGePoint3d AcDb2dVertex::position() const { return {vertexReal(*this, 10), vertexReal(*this, 20), vertexReal(*this, 30)}; }
+AcGePoint3d AcDb2dVertex::position() const {
+  return {vertexReal(*this, 10), vertexReal(*this, 20), vertexReal(*this, 30)};
+}
 double AcDb2dVertex::bulge() const { return vertexReal(*this, 42); }
 
 AcDb::Vertex2dType AcDb2dVertex::vertexType() const {

@@ -139,8 +139,8 @@ TagWriter& TagWriter::real(int code, double value) { return raw(code, host::text
 
 std::string spelledInteger(int code, std::int64_t value) {
   std::string digits = std::to_string(value);
-  const bool isLong = (code >= 90 && code <= 99) || (code >= 420 && code <= 429) || (code >= 440 && code <= 459) ||
-                      code == 1071;
+  const bool isLong =
+      (code >= 90 && code <= 99) || (code >= 420 && code <= 429) || (code >= 440 && code <= 459) || code == 1071;
   const std::size_t width = isLong ? 9 : 6;
   if (digits.size() < width) digits.insert(0, width - digits.size(), ' ');
   return digits;
@@ -177,7 +177,8 @@ RecordLayout layoutOf(const Record& record) {
       if (!value.empty() && value.front() == '{') {
         inGroup = true;
         if (value == "{ACAD_REACTORS" && layout.reactorsBegin == RecordLayout::npos) layout.reactorsBegin = index;
-        if (value == "{ACAD_XDICTIONARY" && layout.dictionaryBegin == RecordLayout::npos) layout.dictionaryBegin = index;
+        if (value == "{ACAD_XDICTIONARY" && layout.dictionaryBegin == RecordLayout::npos)
+          layout.dictionaryBegin = index;
       } else {
         inGroup = false;
         if (layout.reactorsBegin != RecordLayout::npos && layout.reactorsEnd == RecordLayout::npos) {

@@ -17,13 +17,14 @@ struct Tag {
   std::string_view value;  // without the line end, blanks kept
   std::string_view bytes;  // both lines with their line ends
 
-  double real() const;            // 0 when not a number; never NaN or infinite
-  std::int64_t integer() const;   // 0 when not a number
-  std::uint64_t handle() const;   // 0 when not a handle
+  double real() const;           // 0 when not a number; never NaN or infinite
+  std::int64_t integer() const;  // 0 when not a number
+  std::uint64_t handle() const;  // 0 when not a handle
   std::string_view trimmed() const;
 };
 
-/// Reads the tag at the start of `text` and moves past it. False at the end. A code that is not a number reads as -9999.
+/// Reads the tag at the start of `text` and moves past it. False at the end. A code that is not a number reads as
+/// -9999.
 bool readTag(std::string_view& text, Tag& tag);
 
 /// Walks the tags of a record. Copies are cheap.
@@ -74,14 +75,14 @@ std::string spelledInteger(int code, std::int64_t value);
 class TagWriter {
  public:
   explicit TagWriter(const text::Codec& codec, std::string_view lineEnd = "\n") : codec_(&codec), lineEnd_(lineEnd) {}
-  TagWriter& raw(int code, std::string_view value);          // bytes already in the drawing's encoding
-  TagWriter& text(int code, std::wstring_view value);        // encoded and escaped
+  TagWriter& raw(int code, std::string_view value);    // bytes already in the drawing's encoding
+  TagWriter& text(int code, std::wstring_view value);  // encoded and escaped
   TagWriter& real(int code, double value);
-  TagWriter& integer(int code, std::int64_t value);          // width as DXF writers use: 16-bit 6, 32-bit 9 characters
+  TagWriter& integer(int code, std::int64_t value);  // width as DXF writers use: 16-bit 6, 32-bit 9 characters
   TagWriter& handle(int code, std::uint64_t value);
   TagWriter& point(int code, double x, double y, double z);  // code, code + 10, code + 20
   TagWriter& point(int code, double x, double y);
-  TagWriter& bytes(std::string_view tags);                   // whole tags, copied as they are
+  TagWriter& bytes(std::string_view tags);  // whole tags, copied as they are
   const std::string& str() const { return out_; }
   std::string take() { return std::move(out_); }
 
@@ -93,14 +94,14 @@ class TagWriter {
 
 /// Where the parts of an entity's or object's record lie, as tag numbers. [begin, end) each.
 struct RecordLayout {
-  std::size_t handle = npos;                       // tag 5 or 105
+  std::size_t handle = npos;                                 // tag 5 or 105
   std::size_t reactorsBegin = npos, reactorsEnd = npos;      // 102 {ACAD_REACTORS ... 102 }
   std::size_t dictionaryBegin = npos, dictionaryEnd = npos;  // 102 {ACAD_XDICTIONARY ... 102 }
-  std::size_t owner = npos;                        // the 330 outside those groups
-  std::size_t firstSubclass = npos;                // first 100
-  std::size_t secondSubclass = npos;               // second 100
-  std::size_t xdata = npos;                        // first 1001, or the end
-  std::size_t end = 0;                             // number of tags
+  std::size_t owner = npos;                                  // the 330 outside those groups
+  std::size_t firstSubclass = npos;                          // first 100
+  std::size_t secondSubclass = npos;                         // second 100
+  std::size_t xdata = npos;                                  // first 1001, or the end
+  std::size_t end = 0;                                       // number of tags
   static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 };
 RecordLayout layoutOf(const Record& record);

@@ -19,14 +19,32 @@ ValueKind valueKind(int code) {
     if (code <= 1070) return ValueKind::Short;
     if (code == 1071) return ValueKind::Long;
     switch (code) {
-      case RTREAL: case RTANG: case RTORINT: return ValueKind::Real;
-      case RTPOINT: case RT3DPOINT: return ValueKind::Point;
-      case RTSHORT: return ValueKind::Short;
-      case RTLONG: return ValueKind::Long;
-      case RTSTR: case RTDXF0: return ValueKind::Text;
-      case RTENAME: case RTPICKS: return ValueKind::Name;
-      case RTVOID: case RTLB: case RTLE: case RTDOTE: case RTNIL: case RTT: return ValueKind::None;
-      default: return ValueKind::Unknown;
+      case RTREAL:
+      case RTANG:
+      case RTORINT:
+        return ValueKind::Real;
+      case RTPOINT:
+      case RT3DPOINT:
+        return ValueKind::Point;
+      case RTSHORT:
+        return ValueKind::Short;
+      case RTLONG:
+        return ValueKind::Long;
+      case RTSTR:
+      case RTDXF0:
+        return ValueKind::Text;
+      case RTENAME:
+      case RTPICKS:
+        return ValueKind::Name;
+      case RTVOID:
+      case RTLB:
+      case RTLE:
+      case RTDOTE:
+      case RTNIL:
+      case RTT:
+        return ValueKind::None;
+      default:
+        return ValueKind::Unknown;
     }
   }
   struct Range {
@@ -34,16 +52,16 @@ ValueKind valueKind(int code) {
     ValueKind kind;
   };
   static constexpr Range kRanges[] = {
-      {-5, -5, ValueKind::Name},    {-4, -4, ValueKind::Text},    {-3, -3, ValueKind::None},
-      {-2, -1, ValueKind::Name},    {0, 9, ValueKind::Text},      {10, 37, ValueKind::Point},
-      {38, 59, ValueKind::Real},    {60, 79, ValueKind::Short},   {90, 99, ValueKind::Long},
-      {100, 105, ValueKind::Text},  {110, 139, ValueKind::Point}, {140, 149, ValueKind::Real},
+      {-5, -5, ValueKind::Name},     {-4, -4, ValueKind::Text},    {-3, -3, ValueKind::None},
+      {-2, -1, ValueKind::Name},     {0, 9, ValueKind::Text},      {10, 37, ValueKind::Point},
+      {38, 59, ValueKind::Real},     {60, 79, ValueKind::Short},   {90, 99, ValueKind::Long},
+      {100, 105, ValueKind::Text},   {110, 139, ValueKind::Point}, {140, 149, ValueKind::Real},
       {160, 169, ValueKind::Long64}, {170, 179, ValueKind::Short}, {210, 239, ValueKind::Point},
-      {270, 299, ValueKind::Short}, {300, 309, ValueKind::Text},  {310, 319, ValueKind::Binary},
-      {320, 329, ValueKind::Text},  {330, 369, ValueKind::Name},  {370, 389, ValueKind::Short},
-      {390, 399, ValueKind::Name},  {400, 409, ValueKind::Short}, {410, 419, ValueKind::Text},
-      {420, 429, ValueKind::Long},  {430, 439, ValueKind::Text},  {440, 459, ValueKind::Long},
-      {460, 469, ValueKind::Real},  {470, 479, ValueKind::Text},  {480, 481, ValueKind::Name},
+      {270, 299, ValueKind::Short},  {300, 309, ValueKind::Text},  {310, 319, ValueKind::Binary},
+      {320, 329, ValueKind::Text},   {330, 369, ValueKind::Name},  {370, 389, ValueKind::Short},
+      {390, 399, ValueKind::Name},   {400, 409, ValueKind::Short}, {410, 419, ValueKind::Text},
+      {420, 429, ValueKind::Long},   {430, 439, ValueKind::Text},  {440, 459, ValueKind::Long},
+      {460, 469, ValueKind::Real},   {470, 479, ValueKind::Text},  {480, 481, ValueKind::Name},
       {999, 999, ValueKind::Text}};
   for (const Range& range : kRanges) {
     if (code >= range.first && code <= range.last) return range.kind;
@@ -78,9 +96,14 @@ int acutRelRb(resbuf* chain) {
   while (chain != nullptr) {
     resbuf* const next = chain->rbnext;
     switch (valueKind(chain->restype)) {
-      case ValueKind::Text: std::free(chain->resval.rstring); break;
-      case ValueKind::Binary: std::free(chain->resval.rbinary.buf); break;
-      default: break;
+      case ValueKind::Text:
+        std::free(chain->resval.rstring);
+        break;
+      case ValueKind::Binary:
+        std::free(chain->resval.rbinary.buf);
+        break;
+      default:
+        break;
     }
     std::free(chain);
     chain = next;
@@ -133,10 +156,18 @@ resbuf* acutBuildList(int rtype, ...) {
         isGood = acutNewString(text != nullptr ? text : ACRX_T(""), item->resval.rstring) == Acad::eOk;
         break;
       }
-      case ValueKind::Real: item->resval.rreal = va_arg(arguments, double); break;
-      case ValueKind::Short: item->resval.rint = static_cast<short>(va_arg(arguments, int)); break;
-      case ValueKind::Long: item->resval.rlong = va_arg(arguments, int); break;
-      case ValueKind::Long64: item->resval.mnInt64 = va_arg(arguments, Adesk::Int64); break;
+      case ValueKind::Real:
+        item->resval.rreal = va_arg(arguments, double);
+        break;
+      case ValueKind::Short:
+        item->resval.rint = static_cast<short>(va_arg(arguments, int));
+        break;
+      case ValueKind::Long:
+        item->resval.rlong = va_arg(arguments, int);
+        break;
+      case ValueKind::Long64:
+        item->resval.mnInt64 = va_arg(arguments, Adesk::Int64);
+        break;
       case ValueKind::Point: {
         const double* const point = va_arg(arguments, const double*);
         isGood = point != nullptr;
@@ -149,9 +180,12 @@ resbuf* acutBuildList(int rtype, ...) {
         for (int i = 0; isGood && i < 2; ++i) item->resval.rlname[i] = name[i];
         break;
       }
-      case ValueKind::None: break;
+      case ValueKind::None:
+        break;
       case ValueKind::Binary:
-      case ValueKind::Unknown: isGood = false; break;
+      case ValueKind::Unknown:
+        isGood = false;
+        break;
     }
   }
   va_end(arguments);

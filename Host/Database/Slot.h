@@ -18,27 +18,81 @@ class DrawingDatabase;
 /// The first ones are fixed, so that walks over slots compare numbers.
 enum class DxfType : std::uint16_t {
   Unknown = 0,
-  Line, Point, LwPolyline, Polyline2d, Polyline3d, PolygonMesh, PolyFaceMesh, Vertex2d, Vertex3d, VertexOther, SeqEnd,
-  Insert, Attrib, AttDef, Circle, Arc, Ellipse, Spline, Text, MText, Solid, Trace, Face3d, Hatch, Region, Dimension,
-  Leader, XLine, Ray, Viewport, Image, Wipeout, MLine, MultiLeader, Solid3d, Body, Shape, Tolerance, Table, Mesh, Proxy,
-  Block, EndBlk,
+  Line,
+  Point,
+  LwPolyline,
+  Polyline2d,
+  Polyline3d,
+  PolygonMesh,
+  PolyFaceMesh,
+  Vertex2d,
+  Vertex3d,
+  VertexOther,
+  SeqEnd,
+  Insert,
+  Attrib,
+  AttDef,
+  Circle,
+  Arc,
+  Ellipse,
+  Spline,
+  Text,
+  MText,
+  Solid,
+  Trace,
+  Face3d,
+  Hatch,
+  Region,
+  Dimension,
+  Leader,
+  XLine,
+  Ray,
+  Viewport,
+  Image,
+  Wipeout,
+  MLine,
+  MultiLeader,
+  Solid3d,
+  Body,
+  Shape,
+  Tolerance,
+  Table,
+  Mesh,
+  Proxy,
+  Block,
+  EndBlk,
   // tables and their records
-  TableHead, Layer, LineType, TextStyle, DimStyle, AppId, BlockRecord, VPort, View, Ucs,
+  TableHead,
+  Layer,
+  LineType,
+  TextStyle,
+  DimStyle,
+  AppId,
+  BlockRecord,
+  VPort,
+  View,
+  Ucs,
   // objects
-  Dictionary, DictionaryWithDefault, Group, XRecord, SortentsTable, Layout,
+  Dictionary,
+  DictionaryWithDefault,
+  Group,
+  XRecord,
+  SortentsTable,
+  Layout,
   // parts of the file that are edited like objects
-  Header, Classes,
+  Header,
+  Classes,
   FirstOther,  // from here on: types met in files
 };
 
 enum SlotFlag : std::uint16_t {
-  kErased = 1,       // gone unless undone
-  kEntity = 2,       // something drawn (in a block, or a part of such an entity)
-  kSubEntity = 4,    // vertex, attribute or sequence end of another entity
-  kNew = 8,          // made in this session, not in the file
-  kPaper = 16,       // stands in the ENTITIES section for a paper layout (67 1)
-  kChanged = 32,     // its record differs from the file
-  kHasXData = 64,    // the record in the file has extended data
+  kErased = 1,         // gone unless undone
+  kEntity = 2,         // something drawn (in a block, or a part of such an entity)
+  kSubEntity = 4,      // vertex, attribute or sequence end of another entity
+  kNew = 8,            // made in this session, not in the file
+  kPaper = 16,         // stands in the ENTITIES section for a paper layout (67 1)
+  kChanged = 32,       // its record differs from the file
+  kHasXData = 64,      // the record in the file has extended data
   kNeedsHandle = 128,  // the file gives it no handle: one is written as soon as anything is saved
 };
 
@@ -48,9 +102,9 @@ struct Live {
   Record record;                 // meaningful when the slot is new or changed
   std::uint16_t readers = 0;
   bool writer = false;
-  bool isAppending = false;      // open for write since it was added
-  std::uint32_t journalMark = 0; // undo step that already holds its former state
-  bool modified = false;         // written to since it was opened for write
+  bool isAppending = false;       // open for write since it was added
+  std::uint32_t journalMark = 0;  // undo step that already holds its former state
+  bool modified = false;          // written to since it was opened for write
 };
 
 /// One object. 64 bytes; addresses are stable and are what AcDbObjectId holds.
@@ -59,10 +113,10 @@ struct Slot {
   const char* begin = nullptr;  // its bytes in the file text; null when new
   Slot* owner = nullptr;        // block record, table, dictionary, polyline ...; null when not known
   Live* live = nullptr;
-  Slot* firstSub = nullptr;     // first vertex or attribute, then along nextSub to the SEQEND
+  Slot* firstSub = nullptr;  // first vertex or attribute, then along nextSub to the SEQEND
   Slot* nextSub = nullptr;
-  std::uint32_t length = 0;     // bytes in the file
-  std::uint32_t layer = 0;      // index into the database's layer names; 0 = none
+  std::uint32_t length = 0;  // bytes in the file
+  std::uint32_t layer = 0;   // index into the database's layer names; 0 = none
   DxfType type = DxfType::Unknown;
   std::uint16_t flags = 0;
 

@@ -1,9 +1,9 @@
 // Draw order: sort-entities tables.
 //
-// In the file a table pairs entities with sort handles, and a block is drawn by ascending sort handle; an entity without
-// a pair sorts by its own handle. Here every entity has a key (see OrderKey) that sorts the same way and lets one entity
-// move to the top in constant time. Sort handles, a permutation of the entities' own, are assigned when the drawing is
-// saved.
+// In the file a table pairs entities with sort handles, and a block is drawn by ascending sort handle; an entity
+// without a pair sorts by its own handle. Here every entity has a key (see OrderKey) that sorts the same way and lets
+// one entity move to the top in constant time. Sort handles, a permutation of the entities' own, are assigned when the
+// drawing is saved.
 #include <algorithm>
 
 #include "Database/ObjectAccess.h"
@@ -80,8 +80,7 @@ const Slot* sortTableOf(const DrawingDatabase& db, const Slot* blockRecord) {
     if (!inGroup || tag.code != 360) continue;
     const Slot* const dictionary = db.findHandle(tag.handle());
     if (dictionary == nullptr || dictionary->isErased() || dictionary->type != DxfType::Dictionary) return nullptr;
-    const DictionaryContents& contents =
-        const_cast<DrawingDatabase&>(db).parts().dictionary(*dictionary);
+    const DictionaryContents& contents = const_cast<DrawingDatabase&>(db).parts().dictionary(*dictionary);
     const auto found = contents.byKey.find(L"acad_sortents");
     if (found == contents.byKey.end()) return nullptr;
     const Slot* const table = contents.entries[found->second].object;
@@ -183,7 +182,11 @@ void DrawingDatabase::Parts::settle() {
     }
     if (!isDeclared) {
       TagWriter out = self.tagWriter();
-      out.raw(0, "CLASS").raw(1, "SORTENTSTABLE").raw(2, "AcDbSortentsTable").raw(3, "ObjectDBX Classes").integer(90, 0);
+      out.raw(0, "CLASS")
+          .raw(1, "SORTENTSTABLE")
+          .raw(2, "AcDbSortentsTable")
+          .raw(3, "ObjectDBX Classes")
+          .integer(90, 0);
       if (version >= DrawingVersion::V2004) out.integer(91, 1);
       out.integer(280, 0).integer(281, 0);
       edit(*classes).append(arena.keep(out.str()));
@@ -266,9 +269,10 @@ Acad::ErrorStatus moveBeside(AcDbSortentsTable& table, const AcDbObjectIdArray& 
   std::vector<Slot*> order = slot.database().drawOrder(*slot.database().block(move.contents->block));
   std::vector<Slot*> moved;
   for (const AcDbObjectId& id : ids) moved.push_back(id.slot());
-  order.erase(std::remove_if(order.begin(), order.end(),
-                             [&](Slot* entity) { return std::find(moved.begin(), moved.end(), entity) != moved.end(); }),
-              order.end());
+  order.erase(
+      std::remove_if(order.begin(), order.end(),
+                     [&](Slot* entity) { return std::find(moved.begin(), moved.end(), entity) != moved.end(); }),
+      order.end());
   auto place = std::find(order.begin(), order.end(), target.slot());
   if (place == order.end()) return Acad::eWasErased;
   if (above) ++place;

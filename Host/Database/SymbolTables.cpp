@@ -66,8 +66,7 @@ constexpr TableKind kTables[] = {
     host::database::registerClass({DxfType::AppId, &AcDbRegAppTableRecord::desc, &create<AcDbRegAppTableRecord>}) &&
     host::database::registerClass(
         {DxfType::TextStyle, &AcDbTextStyleTableRecord::desc, &create<AcDbTextStyleTableRecord>}) &&
-    host::database::registerClass(
-        {DxfType::BlockRecord, &AcDbBlockTableRecord::desc, &create<AcDbBlockTableRecord>});
+    host::database::registerClass({DxfType::BlockRecord, &AcDbBlockTableRecord::desc, &create<AcDbBlockTableRecord>});
 
 bool isValidName(std::wstring_view name) {
   constexpr std::size_t kMostCharacters = 255;
@@ -422,8 +421,9 @@ Acad::ErrorStatus AcDbLayerTableRecord::setLinetypeObjectId(AcDbObjectId linetyp
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   if (linetype.slot()->type != DxfType::LineType) return Acad::eWrongObjectType;
   if (linetypeObjectId() == linetype) return Acad::eOk;
-  HostObjectAccess::setTag(*this, kLayer, 6,
-                           HostObjectAccess::codec(*this).encode(linetype.slot()->database().recordName(*linetype.slot())));
+  HostObjectAccess::setTag(
+      *this, kLayer, 6,
+      HostObjectAccess::codec(*this).encode(linetype.slot()->database().recordName(*linetype.slot())));
   return Acad::eOk;
 }
 
@@ -524,7 +524,8 @@ double AcDbLinetypeTableRecord::dashLengthAt(int index) const {
 
 void AcDbLinetypeTableRecord::setDashLengthAt(int index, double length) {
   changeLinetype(*this, [&](LinetypeData& data) {
-    if (index >= 0 && index < static_cast<int>(data.dashes.size())) data.dashes[static_cast<std::size_t>(index)] = length;
+    if (index >= 0 && index < static_cast<int>(data.dashes.size()))
+      data.dashes[static_cast<std::size_t>(index)] = length;
   });
 }
 

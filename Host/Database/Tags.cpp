@@ -90,14 +90,29 @@ EntityProperties entityProperties(const Slot& slot) {
     }
     if (!inside) continue;
     switch (tag.code) {
-      case 6: properties.linetype = tag.value; break;
-      case 62: properties.color = static_cast<int>(tag.integer()); break;
-      case 420: properties.trueColor = tag.integer() & 0xFFFFFF; break;
-      case 370: properties.lineweight = static_cast<int>(tag.integer()); break;
-      case 48: properties.linetypeScale = tag.real(); break;
-      case 60: properties.invisible = tag.integer() != 0; break;
-      case 440: properties.transparency = tag.integer(); break;
-      default: break;
+      case 6:
+        properties.linetype = tag.value;
+        break;
+      case 62:
+        properties.color = static_cast<int>(tag.integer());
+        break;
+      case 420:
+        properties.trueColor = tag.integer() & 0xFFFFFF;
+        break;
+      case 370:
+        properties.lineweight = static_cast<int>(tag.integer());
+        break;
+      case 48:
+        properties.linetypeScale = tag.real();
+        break;
+      case 60:
+        properties.invisible = tag.integer() != 0;
+        break;
+      case 440:
+        properties.transparency = tag.integer();
+        break;
+      default:
+        break;
     }
   }
   return properties;

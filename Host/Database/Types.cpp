@@ -10,12 +10,15 @@ namespace {
 
 // In the order of DxfType.
 constexpr std::array<std::string_view, static_cast<std::size_t>(DxfType::FirstOther)> kNames = {
-    "", "LINE", "POINT", "LWPOLYLINE", "POLYLINE", "POLYLINE", "POLYLINE", "POLYLINE", "VERTEX", "VERTEX", "VERTEX",
-    "SEQEND", "INSERT", "ATTRIB", "ATTDEF", "CIRCLE", "ARC", "ELLIPSE", "SPLINE", "TEXT", "MTEXT", "SOLID", "TRACE",
-    "3DFACE", "HATCH", "REGION", "DIMENSION", "LEADER", "XLINE", "RAY", "VIEWPORT", "IMAGE", "WIPEOUT", "MLINE",
-    "MULTILEADER", "3DSOLID", "BODY", "SHAPE", "TOLERANCE", "ACAD_TABLE", "MESH", "ACAD_PROXY_ENTITY", "BLOCK",
-    "ENDBLK", "TABLE", "LAYER", "LTYPE", "STYLE", "DIMSTYLE", "APPID", "BLOCK_RECORD", "VPORT", "VIEW", "UCS",
-    "DICTIONARY", "ACDBDICTIONARYWDFLT", "GROUP", "XRECORD", "SORTENTSTABLE", "LAYOUT", "HEADER", "CLASSES"};
+    "",         "LINE",         "POINT",         "LWPOLYLINE", "POLYLINE",   "POLYLINE",   "POLYLINE",
+    "POLYLINE", "VERTEX",       "VERTEX",        "VERTEX",     "SEQEND",     "INSERT",     "ATTRIB",
+    "ATTDEF",   "CIRCLE",       "ARC",           "ELLIPSE",    "SPLINE",     "TEXT",       "MTEXT",
+    "SOLID",    "TRACE",        "3DFACE",        "HATCH",      "REGION",     "DIMENSION",  "LEADER",
+    "XLINE",    "RAY",          "VIEWPORT",      "IMAGE",      "WIPEOUT",    "MLINE",      "MULTILEADER",
+    "3DSOLID",  "BODY",         "SHAPE",         "TOLERANCE",  "ACAD_TABLE", "MESH",       "ACAD_PROXY_ENTITY",
+    "BLOCK",    "ENDBLK",       "TABLE",         "LAYER",      "LTYPE",      "STYLE",      "DIMSTYLE",
+    "APPID",    "BLOCK_RECORD", "VPORT",         "VIEW",       "UCS",        "DICTIONARY", "ACDBDICTIONARYWDFLT",
+    "GROUP",    "XRECORD",      "SORTENTSTABLE", "LAYOUT",     "HEADER",     "CLASSES"};
 static_assert(!kNames.back().empty());
 
 using FixedTypes = std::unordered_map<std::string_view, DxfType>;

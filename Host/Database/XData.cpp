@@ -36,13 +36,20 @@ struct ApplicationSpan {
 
 std::size_t storedBytes(const Tag& tag) {
   switch (valueKind(tag.code)) {
-    case ValueKind::Text: return tag.code == 1005 ? 9 : tag.code == 1002 ? 2 : 4 + tag.value.size();
-    case ValueKind::Binary: return 2 + tag.value.size() / 2;
-    case ValueKind::Point: return tag.code < 1020 ? 25 : 0;  // counted once for its three tags
-    case ValueKind::Real: return 9;
-    case ValueKind::Short: return 3;
-    case ValueKind::Long: return 5;
-    default: return 0;
+    case ValueKind::Text:
+      return tag.code == 1005 ? 9 : tag.code == 1002 ? 2 : 4 + tag.value.size();
+    case ValueKind::Binary:
+      return 2 + tag.value.size() / 2;
+    case ValueKind::Point:
+      return tag.code < 1020 ? 25 : 0;  // counted once for its three tags
+    case ValueKind::Real:
+      return 9;
+    case ValueKind::Short:
+      return 3;
+    case ValueKind::Long:
+      return 5;
+    default:
+      return 0;
   }
 }
 
@@ -103,11 +110,20 @@ void writeItem(TagWriter& out, const resbuf& item) {
     case ValueKind::Point:
       out.point(item.restype, item.resval.rpoint[0], item.resval.rpoint[1], item.resval.rpoint[2]);
       break;
-    case ValueKind::Real: out.real(item.restype, item.resval.rreal); break;
-    case ValueKind::Short: out.integer(item.restype, item.resval.rint); break;
-    case ValueKind::Long: out.integer(item.restype, item.resval.rlong); break;
-    case ValueKind::Binary: out.raw(item.restype, hexText(item.resval.rbinary)); break;
-    default: break;
+    case ValueKind::Real:
+      out.real(item.restype, item.resval.rreal);
+      break;
+    case ValueKind::Short:
+      out.integer(item.restype, item.resval.rint);
+      break;
+    case ValueKind::Long:
+      out.integer(item.restype, item.resval.rlong);
+      break;
+    case ValueKind::Binary:
+      out.raw(item.restype, hexText(item.resval.rbinary));
+      break;
+    default:
+      break;
   }
 }
 
@@ -116,17 +132,20 @@ Acad::ErrorStatus checkItem(const resbuf& item) {
   if (item.restype < 1000 || item.restype > 1071) return Acad::eInvalidDxfCode;
   switch (valueKind(item.restype)) {
     case ValueKind::Unknown:
-    case ValueKind::None: return Acad::eInvalidDxfCode;
+    case ValueKind::None:
+      return Acad::eInvalidDxfCode;
     case ValueKind::Text:
       if (item.resval.rstring == nullptr) return Acad::eInvalidInput;
       return host::text::toUtf8(item.resval.rstring).size() > kMostTextBytes ? Acad::eXdataSizeExceeded : Acad::eOk;
-    case ValueKind::Real: return std::isfinite(item.resval.rreal) ? Acad::eOk : Acad::eInvalidInput;
+    case ValueKind::Real:
+      return std::isfinite(item.resval.rreal) ? Acad::eOk : Acad::eInvalidInput;
     case ValueKind::Point:
       for (const double value : item.resval.rpoint) {
         if (!std::isfinite(value)) return Acad::eInvalidInput;
       }
       return Acad::eOk;
-    default: return Acad::eOk;
+    default:
+      return Acad::eOk;
   }
 }
 
@@ -143,7 +162,9 @@ resbuf* AcDbObject::xData(const ACHAR* regappName) const {
     if (tag.code == 1001) inside = regappName == nullptr || host::text::folded(codec.decode(tag.value)) == wanted;
     if (!inside) continue;
     switch (valueKind(tag.code)) {
-      case ValueKind::Text: chain.addText(tag.code, codec.decode(tag.code == 1005 ? tag.trimmed() : tag.value)); break;
+      case ValueKind::Text:
+        chain.addText(tag.code, codec.decode(tag.code == 1005 ? tag.trimmed() : tag.value));
+        break;
       case ValueKind::Point: {
         // X comes first, then Y and Z under codes 10 and 20 higher.
         if (tag.code >= 1020) break;
@@ -158,11 +179,20 @@ resbuf* AcDbObject::xData(const ACHAR* regappName) const {
         }
         break;
       }
-      case ValueKind::Real: chain.add(tag.code)->resval.rreal = tag.real(); break;
-      case ValueKind::Short: chain.add(tag.code)->resval.rint = static_cast<short>(tag.integer()); break;
-      case ValueKind::Long: chain.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer()); break;
-      case ValueKind::Binary: setBinary(*chain.add(tag.code), tag.trimmed()); break;
-      default: break;
+      case ValueKind::Real:
+        chain.add(tag.code)->resval.rreal = tag.real();
+        break;
+      case ValueKind::Short:
+        chain.add(tag.code)->resval.rint = static_cast<short>(tag.integer());
+        break;
+      case ValueKind::Long:
+        chain.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer());
+        break;
+      case ValueKind::Binary:
+        setBinary(*chain.add(tag.code), tag.trimmed());
+        break;
+      default:
+        break;
     }
   }
   return chain.release();

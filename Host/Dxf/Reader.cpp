@@ -44,7 +44,8 @@ class Reader {
     parts_.fileName = name_;
     scanner_ = Scanner(parts_.text);
     const std::size_t firstLine = parts_.text.find('\n');
-    parts_.lineEnd = firstLine != std::string::npos && firstLine > 0 && parts_.text[firstLine - 1] == '\r' ? "\r\n" : "\n";
+    parts_.lineEnd =
+        firstLine != std::string::npos && firstLine > 0 && parts_.text[firstLine - 1] == '\r' ? "\r\n" : "\n";
     refuseOtherForms();
     readSections();
     finish();
@@ -138,8 +139,7 @@ class Reader {
     const std::string version = text::toUtf8(db_.headerText("$ACADVER", 1).value_or(L""));
     checkVersion(version);
     if (parts_.version < DrawingVersion::V2007) {
-      parts_.codec =
-          text::Codec::forCodePage(text::toUtf8(db_.headerText("$DWGCODEPAGE", 3).value_or(L"ANSI_1252")));
+      parts_.codec = text::Codec::forCodePage(text::toUtf8(db_.headerText("$DWGCODEPAGE", 3).value_or(L"ANSI_1252")));
     }
     if (const auto seed = db_.headerText("$HANDSEED", 5)) {
       parts_.nextHandle = std::max<std::uint64_t>(text::parseHandle(text::toUtf8(*seed)), 1);
@@ -167,8 +167,9 @@ class Reader {
 
   void needVersion(std::size_t offset) const {
     if (!versionKnown_) {
-      fail(offset, "the drawing has no HEADER with a version before its data; only versions AC1015 (2000) to AC1032 "
-                   "(2018) can be read yet");
+      fail(offset,
+           "the drawing has no HEADER with a version before its data; only versions AC1015 (2000) to AC1032 "
+           "(2018) can be read yet");
     }
   }
 
@@ -180,7 +181,7 @@ class Reader {
     std::uint64_t owner = 0;
     std::string_view name;  // first tag 2
     bool paper = false;
-    int flags = 0;          // tag 70, of old-style polylines and vertices
+    int flags = 0;  // tag 70, of old-style polylines and vertices
     bool hasAttributes = false;
   };
 
@@ -225,11 +226,15 @@ class Reader {
         case 8:
           if (isEntity && slot->layer == 0) slot->layer = parts_.internLayer(token.value);
           break;
-        case 67: scanned.paper = isEntity && token.integer() != 0; break;
+        case 67:
+          scanned.paper = isEntity && token.integer() != 0;
+          break;
         case 66:
           if (isEntity) scanned.hasAttributes = token.integer() != 0;
           break;
-        case 70: scanned.flags = token.integer(); break;
+        case 70:
+          scanned.flags = token.integer();
+          break;
         case 2:
           if (!hasName) scanned.name = token.value;
           hasName = true;
@@ -239,8 +244,10 @@ class Reader {
           // Common data end here; what follows matters for few types only.
           if (isEntity ? subclasses >= 2 && !needsOwnData(type) : what == Kind::Object) skipTail(*slot);
           break;
-        case kBadCode: fail(token.offset, "expected a group code, found " + spelled(token));
-        default: break;
+        case kBadCode:
+          fail(token.offset, "expected a group code, found " + spelled(token));
+        default:
+          break;
       }
     }
     if (type == DxfType::Polyline2d) type = polylineType(scanned.flags);

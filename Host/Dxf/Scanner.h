@@ -12,9 +12,9 @@ inline constexpr int kBadCode = -9999;  // a group code that is not a number
 struct Token {
   int code = 0;
   std::string_view codeText;
-  std::string_view value;   // without line end
-  std::size_t offset = 0;   // of the code line
-  std::size_t end = 0;      // behind the value line
+  std::string_view value;  // without line end
+  std::size_t offset = 0;  // of the code line
+  std::size_t end = 0;     // behind the value line
 
   std::string_view trimmed() const {
     std::string_view text = value;

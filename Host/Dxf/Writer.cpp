@@ -163,8 +163,8 @@ class Writer {
       for (std::size_t at = parts_.text.find(tag); at != std::string::npos; at = parts_.text.find(tag, at + 1)) {
         const std::size_t codeEnd = parts_.text.find('\n', at + tag.size());
         if (codeEnd == std::string::npos) break;
-        if (parts_.text.compare(codeEnd + 1, name.size() + parts_.lineEnd.size(),
-                                std::string(name) + parts_.lineEnd) != 0) {
+        if (parts_.text.compare(codeEnd + 1, name.size() + parts_.lineEnd.size(), std::string(name) + parts_.lineEnd) !=
+            0) {
           continue;
         }
         const std::size_t lineBefore = parts_.text.rfind('\n', at - std::min<std::size_t>(at, 2));

@@ -45,6 +45,23 @@ bool isHidden(const Slot& entity) {
   return false;
 }
 
+LayerState readLayerState(const Slot* record) {
+  LayerState state;
+  if (record == nullptr) return state;
+  database::Tag tag;
+  for (database::TagCursor tags = record->tags(); tags.next(tag);) {
+    if (tag.code == 70) {
+      state.frozen = (tag.integer() & 1) != 0;
+      state.locked = (tag.integer() & 4) != 0;
+    } else if (tag.code == 62) {
+      state.off = tag.integer() < 0;
+    } else if (tag.code == 1001) {
+      break;
+    }
+  }
+  return state;
+}
+
 }  // namespace
 
 void EntityFinder::forget() { *this = EntityFinder(); }
@@ -64,23 +81,10 @@ void EntityFinder::refresh(Drawing& drawing) {
 
 LayerState EntityFinder::layerState(const Slot& entity) {
   refresh(entity.database());
-  const auto [found, isNew] = layers_.try_emplace(entity.layer);
-  LayerState& state = found->second;
-  if (!isNew) return state;
-  const Slot* const record = entity.database().layerRecord(entity.layer);
-  if (record == nullptr) return state;
-  database::Tag tag;
-  for (database::TagCursor tags = record->tags(); tags.next(tag);) {
-    if (tag.code == 70) {
-      state.frozen = (tag.integer() & 1) != 0;
-      state.locked = (tag.integer() & 4) != 0;
-    } else if (tag.code == 62) {
-      state.off = tag.integer() < 0;
-    } else if (tag.code == 1001) {
-      break;
-    }
-  }
-  return state;
+  if (entity.layer >= layers_.size()) layers_.resize(entity.layer + 1);
+  std::optional<LayerState>& known = layers_[entity.layer];
+  if (!known) known = readLayerState(entity.database().layerRecord(entity.layer));
+  return *known;
 }
 
 bool EntityFinder::isVisible(const Slot& entity) {
@@ -105,40 +109,38 @@ const geometry::Box& EntityFinder::boxOf(const Slot& entity) {
   return found->second;
 }
 
-geometry::Box EntityFinder::extents(Drawing& drawing, const Space& space) {
-  refresh(drawing);
-  geometry::Box box;
-  for (const Slot* entity : space.entities) {
-    if (entity->isErased() || hasEndlessShape(*entity) || !isVisible(*entity)) continue;
-    const geometry::Box& own = boxOf(*entity);
-    if (!own.isEmpty()) box.add(own);
-  }
-  return box;
-}
-
-const std::vector<Slot*>& EntityFinder::drawOrder(Drawing& drawing, const Space& space) {
+const EntityFinder::Order& EntityFinder::order(Drawing& drawing, const Space& space) {
   refresh(drawing);
   const auto [found, isNew] = orders_.try_emplace(space.record);
-  if (isNew) found->second = drawing.drawOrder(space);
-  return found->second;
+  Order& order = found->second;
+  if (!isNew) return order;
+  order.entities = drawing.drawOrder(space);
+  order.boxes.reserve(order.entities.size());
+  fileBoxes_.reserve(order.entities.size());
+  for (const Slot* entity : order.entities) {
+    const geometry::Box& box = boxOf(*entity);
+    order.boxes.push_back(box);
+    if (box.isEmpty() || hasEndlessShape(*entity) || isInside(box, order.extents)) continue;
+    if (isVisible(*entity)) order.extents.add(box);
+  }
+  return order;
 }
+
+geometry::Box EntityFinder::extents(Drawing& drawing, const Space& space) { return order(drawing, space).extents; }
 
 std::vector<Slot*> EntityFinder::at(Drawing& drawing, const Space& space, geometry::Point point, double aperture,
                                     bool all) {
   std::vector<Slot*> found;
-  const std::vector<Slot*>& order = drawOrder(drawing, space);
-  for (auto it = order.rbegin(); it != order.rend(); ++it) {
-    const Slot& entity = **it;
-    const LayerState state = layerState(entity);
-    if (entity.isErased() || state.off || state.frozen) continue;
-    if (!hasEndlessShape(entity)) {
-      const geometry::Box& box = boxOf(entity);
-      if (box.isEmpty() || point.x < box.minX - aperture || point.x > box.maxX + aperture ||
-          point.y < box.minY - aperture || point.y > box.maxY + aperture)
-        continue;
-    }
-    if (isHidden(entity) || !(geometry::distanceTo(entity, point, aperture) <= aperture)) continue;
-    found.push_back(*it);
+  const Order& sorted = order(drawing, space);
+  geometry::Box around;
+  around.add(geometry::Point{point.x - aperture, point.y - aperture});
+  around.add(geometry::Point{point.x + aperture, point.y + aperture});
+  for (std::size_t i = sorted.entities.size(); i-- > 0;) {
+    Slot* const entity = sorted.entities[i];
+    const geometry::Box& box = sorted.boxes[i];
+    if ((box.isEmpty() || !box.intersects(around)) && !hasEndlessShape(*entity)) continue;
+    if (!isVisible(*entity) || !(geometry::distanceTo(*entity, point, aperture) <= aperture)) continue;
+    found.push_back(entity);
     if (!all) break;
   }
   return found;

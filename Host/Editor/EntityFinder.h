@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -49,14 +50,20 @@ class EntityFinder {
  private:
   void refresh(Drawing& drawing);
   const geometry::Box& boxOf(const Slot& entity);
-  const std::vector<Slot*>& drawOrder(Drawing& drawing, const Space& space);
+  /// Entities of a space in draw order, with their boxes.
+  struct Order {
+    std::vector<Slot*> entities;  // bottom first
+    std::vector<geometry::Box> boxes;
+    geometry::Box extents;  // of the visible ones
+  };
+  const Order& order(Drawing& drawing, const Space& space);
 
   const Drawing* drawing_ = nullptr;
   std::uint64_t changeCount_ = 0;
-  std::unordered_map<std::uint32_t, LayerState> layers_;
-  std::unordered_map<const Slot*, std::vector<Slot*>> orders_;  // by block record
-  std::unordered_map<const Slot*, geometry::Box> fileBoxes_;    // of entities that are as in the file
-  std::unordered_map<const Slot*, geometry::Box> boxes_;        // of the others, until the next change
+  std::vector<std::optional<LayerState>> layers_;             // by layer number
+  std::unordered_map<const Slot*, Order> orders_;             // by block record
+  std::unordered_map<const Slot*, geometry::Box> fileBoxes_;  // of entities that are as in the file
+  std::unordered_map<const Slot*, geometry::Box> boxes_;      // of the others, until the next change
 };
 
 }  // namespace host::editor

@@ -17,11 +17,11 @@ struct CommonOptions {
 };
 
 struct RunOptions : CommonOptions {
-  std::filesystem::path script;                 // empty: only `commands`
-  std::vector<std::string> commands;            // script lines given inline, after the script
-  std::filesystem::path out;                    // empty: the drawing is not saved
+  std::filesystem::path script;       // empty: only `commands`
+  std::vector<std::string> commands;  // script lines given inline, after the script
+  std::filesystem::path out;          // empty: the drawing is not saved
   std::vector<std::filesystem::path> pictures;
-  std::vector<std::string> variables;           // NAME=VALUE
+  std::vector<std::string> variables;  // NAME=VALUE
   bool quiet = false;
 };
 

@@ -75,15 +75,17 @@ Findings lookThrough(const DrawingDatabase& drawing) {
     if (slot.type == DxfType::Group) {
       Tag tag;
       for (TagCursor cursor = slot.tags(); cursor.next(tag);) {
-        if (tag.code == 300 && drawing.codec().decode(tag.value) == L"Pysäköintialueiden viivat") ++findings.parkingRows;
+        if (tag.code == 300 && drawing.codec().decode(tag.value) == L"Pysäköintialueiden viivat")
+          ++findings.parkingRows;
       }
     }
     if (!slot.isEntity() || slot.isSubEntity()) return;
     const TagValues values = tagOf(slot, drawing);
     if (!values.isThere) return;
     const std::string where = std::string(drawing.typeName(slot)) + " " + handleText(slot);
-    const auto row = std::find_if(OrvLib::kCategories.begin(), OrvLib::kCategories.end(),
-                                  [&](const OrvLib::CategoryRow& candidate) { return values.entityType == candidate.tag; });
+    const auto row =
+        std::find_if(OrvLib::kCategories.begin(), OrvLib::kCategories.end(),
+                     [&](const OrvLib::CategoryRow& candidate) { return values.entityType == candidate.tag; });
     if (row == OrvLib::kCategories.end()) {
       findings.problems.push_back(where + ": " +
                                   (values.entityType.empty()

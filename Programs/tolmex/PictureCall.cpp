@@ -20,12 +20,18 @@ namespace {
 /// metres, nobody can know: unitless counts as metres, as the plug-in takes them.
 double metresPerUnit(const host::database::DrawingDatabase& drawing) {
   switch (drawing.headerInteger("$INSUNITS", 70).value_or(0)) {
-    case 1: return 0.0254;
-    case 2: return 0.3048;
-    case 4: return 0.001;
-    case 5: return 0.01;
-    case 7: return 1000;
-    default: return 1;
+    case 1:
+      return 0.0254;
+    case 2:
+      return 0.3048;
+    case 4:
+      return 0.001;
+    case 5:
+      return 0.01;
+    case 7:
+      return 1000;
+    default:
+      return 1;
   }
 }
 

@@ -1,6 +1,5 @@
-#include <cstdio>
-
 #include <csignal>
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 

@@ -57,7 +57,9 @@ int main(int argc, char** argv) {
       ->allow_extra_args(false);
   runCall->add_option("--out", run.out, "where the drawing is saved; without it nothing is written to it")
       ->type_name("FILE");
-  runCall->add_option("--picture", run.pictures, "a picture of the result, .png, .svg or .pdf; may be given more than once")
+  runCall
+      ->add_option("--picture", run.pictures,
+                   "a picture of the result, .png, .svg or .pdf; may be given more than once")
       ->type_name("FILE")
       ->allow_extra_args(false);
   runCall->add_option("--set", run.variables, "sets a system variable first; may be given more than once")
@@ -89,8 +91,8 @@ int main(int argc, char** argv) {
   CLI::Option* const gray = pictureCall->add_flag_callback(
       "--grayscale", [&] { picture.picture.colors = host::picture::ColorMode::Grayscale; }, "shades of grey");
   pictureCall
-      ->add_flag_callback("--monochrome", [&] { picture.picture.colors = host::picture::ColorMode::Monochrome; },
-                          "one colour")
+      ->add_flag_callback(
+          "--monochrome", [&] { picture.picture.colors = host::picture::ColorMode::Monochrome; }, "one colour")
       ->excludes(gray);
   pictureCall->callback([&] { status = tolmex::pictureDrawing(picture); });
 

@@ -124,8 +124,7 @@ TEST(Fidelity, NewObjectsTouchOnlySeedCountsAndTheirOwnPlaces) {
   AcDbDatabase again(false);
   ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), drawing.text(), "again").ok);
   EXPECT_NE(databaseOf(&again).findRecord(DxfType::Layer, L"UUSI"), nullptr);
-  EXPECT_EQ(databaseOf(&again).modelSpace().entities.size(),
-            drawing.database().modelSpace().entities.size());
+  EXPECT_EQ(databaseOf(&again).modelSpace().entities.size(), drawing.database().modelSpace().entities.size());
 }
 
 TEST(Fidelity, AFailedSaveLeavesTheOldFile) {

@@ -156,8 +156,7 @@ TEST_F(Probe, ExtendedDataIsCheckedReplacedAndRemoved) {
   EXPECT_EQ(set(acutBuildList(1000, L"x", RTNONE)), Acad::eBadDxfSequence);
   EXPECT_EQ(set(acutBuildList(1001, L"UUSI", 70, 1, RTNONE)), Acad::eInvalidDxfCode);
   EXPECT_EQ(set(acutBuildList(1001, L"UUSI", 1002, L"{", RTNONE)), Acad::eBadDxfSequence);
-  EXPECT_EQ(set(acutBuildList(1001, L"UUSI", 1000, std::wstring(256, L'x').c_str(), RTNONE)),
-            Acad::eXdataSizeExceeded);
+  EXPECT_EQ(set(acutBuildList(1001, L"UUSI", 1000, std::wstring(256, L'x').c_str(), RTNONE)), Acad::eXdataSizeExceeded);
   resbuf* big = acutBuildList(1001, L"UUSI", RTNONE);
   for (int i = 0; i < 64; ++i) {  // 64 x 259 bytes do not fit beside the other application's data
     resbuf* const item = acutBuildList(1000, std::wstring(255, L'y').c_str(), RTNONE);

@@ -47,7 +47,8 @@ class ADESK_EXPORT AcEdCommandStack : public AcRxObject {
   /// The group is made on demand. eDuplicateKey for a global or local name already in that group.
   virtual Acad::ErrorStatus addCommand(const ACHAR* group, const ACHAR* globalName, const ACHAR* localName,
                                        Adesk::Int32 flags, AcRxFunctionPtr function, AcEdUIContext* ui = nullptr,
-                                       int fcode = -1, HINSTANCE resources = nullptr, AcEdCommand** command = nullptr) = 0;
+                                       int fcode = -1, HINSTANCE resources = nullptr,
+                                       AcEdCommand** command = nullptr) = 0;
   /// eKeyNotFound.
   virtual Acad::ErrorStatus removeCmd(const ACHAR* group, const ACHAR* globalName) = 0;
   /// eKeyNotFound.

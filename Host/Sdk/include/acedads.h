@@ -7,7 +7,8 @@
 #include "adslib.h"
 
 /// Selects entities. RTNORM with at least one member; RTERROR for nothing; RTCAN on Esc. No set exists otherwise.
-ADESK_EXPORT int acedSSGet(const ACHAR* mode, const void* point1, const void* point2, const resbuf* filter, ads_name set);
+ADESK_EXPORT int acedSSGet(const ACHAR* mode, const void* point1, const void* point2, const resbuf* filter,
+                           ads_name set);
 ADESK_EXPORT int acedSSLength(const ads_name set, Adesk::Int32* length);
 ADESK_EXPORT int acedSSName(const ads_name set, Adesk::Int32 index, ads_name entity);
 ADESK_EXPORT int acedSSFree(const ads_name set);

@@ -81,9 +81,8 @@ class ADESK_EXPORT AcDb2dPolyline : public AcDbCurve {
 
  public:
   AcDb2dPolyline();
-  AcDb2dPolyline(AcDb::Poly2dType type, AcGePoint3dArray& vertices, double elevation = 0,
-                 Adesk::Boolean closed = false, double startWidth = 0, double endWidth = 0,
-                 AcGeDoubleArray* bulges = nullptr);
+  AcDb2dPolyline(AcDb::Poly2dType type, AcGePoint3dArray& vertices, double elevation = 0, Adesk::Boolean closed = false,
+                 double startWidth = 0, double endWidth = 0, AcGeDoubleArray* bulges = nullptr);
   AcDb::Poly2dType polyType() const;
   Adesk::Boolean isClosed() const;
   double elevation() const;

@@ -117,8 +117,8 @@ class ADESK_EXPORT AcDbObject : public AcGiDrawable {
   friend class host::database::DrawingDatabase;
   friend struct HostObjectAccess;
 
-  host::database::Slot* slot_ = nullptr;             // null until added to a database
-  host::database::Record* detached_ = nullptr;       // the record of an object outside any database
+  host::database::Slot* slot_ = nullptr;                // null until added to a database
+  host::database::Record* detached_ = nullptr;          // the record of an object outside any database
   mutable host::database::ObjectData* data_ = nullptr;  // parsed geometry or container, made when first asked for
 };
 

@@ -62,20 +62,19 @@ class ADESK_EXPORT AcDbSymbolTable : public AcDbObject {
 };
 
 /// The typed look-up that every table adds to the general one.
-#define ACDB_DECLARE_SYMBOL_TABLE(TABLE, RECORD)                                                               \
-  class ADESK_EXPORT TABLE : public AcDbSymbolTable {                                                          \
-    ACRX_DECLARE_MEMBERS(TABLE);                                                                               \
-                                                                                                               \
-   public:                                                                                                     \
-    TABLE() = default;                                                                                         \
-    using AcDbSymbolTable::getAt;                                                                              \
-    Acad::ErrorStatus getAt(const ACHAR* name, RECORD*& record, AcDb::OpenMode mode, bool openErased = false)  \
-        const {                                                                                                \
-      AcDbSymbolTableRecord* any = nullptr;                                                                    \
-      const Acad::ErrorStatus status = AcDbSymbolTable::getAt(name, any, mode, openErased);                    \
-      if (status == Acad::eOk) record = static_cast<RECORD*>(any);                                             \
-      return status;                                                                                           \
-    }                                                                                                          \
+#define ACDB_DECLARE_SYMBOL_TABLE(TABLE, RECORD)                                                                      \
+  class ADESK_EXPORT TABLE : public AcDbSymbolTable {                                                                 \
+    ACRX_DECLARE_MEMBERS(TABLE);                                                                                      \
+                                                                                                                      \
+   public:                                                                                                            \
+    TABLE() = default;                                                                                                \
+    using AcDbSymbolTable::getAt;                                                                                     \
+    Acad::ErrorStatus getAt(const ACHAR* name, RECORD*& record, AcDb::OpenMode mode, bool openErased = false) const { \
+      AcDbSymbolTableRecord* any = nullptr;                                                                           \
+      const Acad::ErrorStatus status = AcDbSymbolTable::getAt(name, any, mode, openErased);                           \
+      if (status == Acad::eOk) record = static_cast<RECORD*>(any);                                                    \
+      return status;                                                                                                  \
+    }                                                                                                                 \
   }
 
 /// A layer; new ones are white, Continuous, on, thawed, unlocked, plotted.

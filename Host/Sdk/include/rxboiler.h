@@ -3,10 +3,9 @@
 
 #include "rxclass.h"
 
-#define ACRX_NO_CONS_DEFINE_MEMBERS(CLASS, PARENT)            \
-  AcRxClass* CLASS::desc() {                                  \
-    static AcRxClass* const description =                     \
-        new AcRxClass(ACRX_T(#CLASS), PARENT::desc());        \
-    return description;                                       \
-  }                                                           \
+#define ACRX_NO_CONS_DEFINE_MEMBERS(CLASS, PARENT)                                       \
+  AcRxClass* CLASS::desc() {                                                             \
+    static AcRxClass* const description = new AcRxClass(ACRX_T(#CLASS), PARENT::desc()); \
+    return description;                                                                  \
+  }                                                                                      \
   AcRxClass* CLASS::isA() const { return CLASS::desc(); }

@@ -23,15 +23,15 @@ class ADESK_EXPORT AcRxObject {
 };
 
 /// Class members of the run-time class information; every class of the interface has them.
-#define ACRX_DECLARE_MEMBERS(CLASS)                                  \
- public:                                                             \
-  static AcRxClass* desc();                                          \
-  AcRxClass* isA() const override;                                   \
-  static CLASS* cast(const AcRxObject* object) {                     \
-    return object != nullptr && object->isKindOf(CLASS::desc())      \
+#define ACRX_DECLARE_MEMBERS(CLASS)                                    \
+ public:                                                               \
+  static AcRxClass* desc();                                            \
+  AcRxClass* isA() const override;                                     \
+  static CLASS* cast(const AcRxObject* object) {                       \
+    return object != nullptr && object->isKindOf(CLASS::desc())        \
                ? const_cast<CLASS*>(static_cast<const CLASS*>(object)) \
-               : nullptr;                                            \
-  }                                                                  \
-                                                                     \
- private:                                                            \
+               : nullptr;                                              \
+  }                                                                    \
+                                                                       \
+ private:                                                              \
   using rxThisClass = CLASS

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Installs what building, testing and the demo need, from Debian's packages. Quiet and quick when all is there.
+set -euo pipefail
+
+packages=(
+  g++ cmake ninja-build ccache
+  qt6-base-dev libqt6svg6-dev libboost-dev libcli11-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  clang-format-14 clang-tidy-14
+  fonts-dejavu-core
+  python3 python3-ezdxf
+)
+
+installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }
+
+missing=()
+for package in "${packages[@]}"; do
+  # A package may be there under the name that replaced it.
+  case $package in
+    libqt6svg6-dev) installed libqt6svg6-dev || installed qt6-svg-dev || missing+=("$package") ;;
+    *) installed "$package" || missing+=("$package") ;;
+  esac
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    echo "install-deps: these packages are missing and only root can install them: ${missing[*]}" >&2
+    exit 1
+  fi
+}
+
+echo "Installing: ${missing[*]}"
+as_root apt-get update -qq
+as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Checks the form of the sources: formatting and plain-text rules; with --tidy also clang-tidy on every source that
+# changed since it last passed.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+
+failures=0
+check() {  # check <name> <output of the check: empty is good>
+  if [ -z "$2" ]; then
+    echo "OK    $1"
+  else
+    printf 'FAIL  %s\n%s\n' "$1" "$2"
+    failures=$((failures + 1))
+  fi
+}
+
+mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h')
+mapfile -t texts < <(git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h' '*.txt' '*.cmake' '*.sh' '*.py' '*.md' \
+  '*.scr' '*.lin' '*.pat')
+
+check "formatting (clang-format 14)" \
+  "$(clang-format-14 --dry-run --Werror "${sources[@]}" 2>&1 | grep -E 'error:' | cut -d: -f1 | sort -u)"
+check "no trailing blanks or tabs" "$(grep -nE '[[:blank:]]+$' -- "${texts[@]}" | head -n 20)"
+check "line ends are LF" "$(grep -lU $'\r' -- "${texts[@]}" | head -n 20)"
+check "scripts can be run" "$(for f in tools/*.sh .ci/run; do [ -x "$f" ] || echo "$f"; done)"
+
+if [ "${1:-}" = "--tidy" ]; then
+  passed=build/debug/tidy-passed
+  mkdir -p "$passed"
+  rules=$(sha256sum .clang-tidy | cut -c1-16)
+  tidy() {
+    # What a source means depends on every header; the preprocessed dependencies would be the true key, the sum of all
+    # headers is a safe one.
+    local key
+    key=$(cat "$1" | sha256sum | cut -c1-16)-$2
+    [ -e "$3/$key" ] && return 0
+    if clang-tidy-14 -p build/debug --quiet --extra-arg=-fno-sanitize=all "$1" 2>/dev/null >"$3/$key.out"; then
+      mv "$3/$key.out" "$3/$key"
+    else
+      grep -E 'error|warning' "$3/$key.out"
+      rm -f "$3/$key.out"
+    fi
+  }
+  export -f tidy
+  headers=$(git ls-files --cached --others --exclude-standard -- '*.h' | xargs cat | sha256sum | cut -c1-16)
+  check "clang-tidy 14" "$(git ls-files --cached --others --exclude-standard -- 'Host/*.cpp' 'OrvLib/*.cpp' \
+    'Projects/*.cpp' 'Programs/*.cpp' | xargs -P "$(nproc)" -I{} bash -c 'tidy "$@"' _ {} "$rules-$headers" "$passed")"
+fi
+
+[ "$failures" -eq 0 ]
