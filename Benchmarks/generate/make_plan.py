@@ -1,0 +1,102 @@
+#!/usr/bin/env python3
+"""Writes a town plan of any size for measurements.
+
+    python3 make_plan.py N OUT.dxf
+
+N buildings (closed polylines of 4 to 12 vertices, every seventh with an arc in it) stand in blocks of 24 between streets,
+with lawns, trees, yard lines and house numbers, on the coordinates of ETRS-GK27. The same N gives the same bytes; memory
+does not grow with N. About a second for 20 000 buildings.
+"""
+
+from __future__ import annotations
+
+import math
+import pathlib
+import random
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tests" / "data"))
+from dxf_writer import DrawingWriter, Layer  # noqa: E402
+
+ORIGIN = (27_495_000.0, 6_701_000.0)
+COLUMNS, ROWS = 6, 4  # buildings of one block
+PLOT_WIDTH, PLOT_DEPTH = 26.0, 30.0
+STREET_WIDTH = 12.0
+BLOCK_WIDTH = COLUMNS * PLOT_WIDTH + STREET_WIDTH
+BLOCK_DEPTH = ROWS * PLOT_DEPTH + STREET_WIDTH
+
+LAYERS = [
+    Layer("RAKENNUS", 7, 50),
+    Layer("KATU", 8),
+    Layer("NURMI", 82),
+    Layer("PIHA", 9),
+    Layer("PUU", 96),
+    Layer("TEKSTI", 7),
+]
+
+
+def footprint(random_source: random.Random, index: int, x: float, y: float) -> list[tuple[float, ...]]:
+    """A building within 22 by 18 metres round (x, y): a body with 0 to 4 steps cut along its upper edge."""
+    width = random_source.uniform(12.0, 22.0)
+    depth = random_source.uniform(9.0, 18.0)
+    steps = random_source.randrange(5)
+    points: list[tuple[float, ...]] = [(0.0, 0.0), (width, 0.0)]
+    for i in range(steps + 1):
+        height = depth * random_source.uniform(0.6, 1.0)
+        points.append((width * (1.0 - i / (steps + 1)), height))
+        points.append((width * (1.0 - (i + 1) / (steps + 1)), height))
+    if index % 7 == 0:
+        points[0] = (*points[0], random_source.uniform(0.1, 0.5))
+    turn = math.radians(random_source.uniform(-4.0, 4.0))
+    cos, sin = math.cos(turn), math.sin(turn)
+    x -= width / 2.0
+    y -= depth / 2.0
+    return [(x + px * cos - py * sin, y + px * sin + py * cos, *rest) for px, py, *rest in points]
+
+
+def draw_block(drawing: DrawingWriter, random_source: random.Random, left: float, bottom: float, first: int, count: int) -> None:
+    right, top = left + BLOCK_WIDTH - STREET_WIDTH, bottom + BLOCK_DEPTH - STREET_WIDTH
+    drawing.polyline(
+        "KATU", [(left, top), (right + STREET_WIDTH, top), (right + STREET_WIDTH, top + STREET_WIDTH), (left, top + STREET_WIDTH)]
+    )
+    drawing.polyline("KATU", [(right, bottom), (right + STREET_WIDTH, bottom), (right + STREET_WIDTH, top), (right, top)])
+    drawing.line("KATU", (left, top + STREET_WIDTH / 2), (right, top + STREET_WIDTH / 2))
+    drawing.polyline("NURMI", [(left, bottom, -0.02), (right, bottom), (right, top, -0.02), (left, top)])
+    for i in range(count):
+        x = left + (i % COLUMNS + 0.5) * PLOT_WIDTH
+        y = bottom + (i // COLUMNS + 0.5) * PLOT_DEPTH
+        drawing.polyline("RAKENNUS", footprint(random_source, first + i, x, y))
+        drawing.text("TEKSTI", (x, y), 1.5, str(first + i + 1))
+        drawing.line("PIHA", (x - PLOT_WIDTH / 2, y - PLOT_DEPTH / 2), (x - PLOT_WIDTH / 2, y + PLOT_DEPTH / 2))
+        drawing.circle("PUU", (x + random_source.uniform(-11, 11), y + PLOT_DEPTH / 2 - 2.5), random_source.uniform(1.0, 2.3))
+
+
+def write_plan(buildings: int, path: str) -> None:
+    per_block = COLUMNS * ROWS
+    blocks = -(-buildings // per_block)
+    across = max(1, math.isqrt(blocks))
+    extents = (
+        *ORIGIN,
+        ORIGIN[0] + across * BLOCK_WIDTH,
+        ORIGIN[1] + max(1, -(-blocks // across)) * BLOCK_DEPTH,
+    )
+    random_source = random.Random(27)
+    with open(path, "w", encoding="utf-8", newline="\n") as stream:
+        with DrawingWriter(stream, LAYERS, extents) as drawing:
+            for block in range(blocks):
+                left = ORIGIN[0] + block % across * BLOCK_WIDTH
+                bottom = ORIGIN[1] + block // across * BLOCK_DEPTH
+                first = block * per_block
+                draw_block(drawing, random_source, left, bottom, first, min(per_block, buildings - first))
+
+
+def main() -> int:
+    if len(sys.argv) != 3 or not sys.argv[1].isdigit():
+        print("usage: make_plan.py N OUT.dxf (N: number of buildings, 0 or more)", file=sys.stderr)
+        return 1
+    write_plan(int(sys.argv[1]), sys.argv[2])
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

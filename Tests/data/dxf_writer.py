@@ -1,0 +1,338 @@
+"""Writes complete AC1027 drawings (UTF-8, metric, metres) entity by entity, so that size costs no memory.
+
+Plain Python; used by the example, the benchmarks and the tests. The same calls give the same bytes.
+"""
+
+from __future__ import annotations
+
+from typing import Callable, Iterable, NamedTuple, Sequence, TextIO
+
+# Handles of the fixed objects; entities begin at FIRST_ENTITY unless the caller says otherwise.
+VPORT_TABLE, LTYPE_TABLE, LAYER_TABLE, STYLE_TABLE, VIEW_TABLE = 0x8, 0x5, 0x2, 0x3, 0x6
+UCS_TABLE, APPID_TABLE, DIMSTYLE_TABLE, BLOCK_RECORD_TABLE = 0x7, 0x9, 0xA, 0x1
+ROOT_DICTIONARY, GROUP_DICTIONARY, LAYOUT_DICTIONARY, PLOT_STYLE_DICTIONARY = 0xC, 0xD, 0x1A, 0xE
+PLOT_STYLE_NORMAL, MLINESTYLE_DICTIONARY, MLINESTYLE_STANDARD = 0xF, 0x17, 0x18
+LTYPE_BYBLOCK, LTYPE_BYLAYER, LTYPE_CONTINUOUS, STYLE_STANDARD, DIMSTYLE_STANDARD = 0x14, 0x15, 0x16, 0x11, 0x27
+APPID_ACAD, VPORT_ACTIVE = 0x12, 0x29
+MODEL_SPACE, MODEL_BLOCK, MODEL_ENDBLK, MODEL_LAYOUT = 0x1F, 0x20, 0x21, 0x22
+PAPER_SPACE, PAPER_BLOCK, PAPER_ENDBLK, PAPER_LAYOUT = 0x1B, 0x1C, 0x1D, 0x1E
+FIRST_TABLE_ENTRY = 0x30
+FIRST_ENTITY = 0x100
+
+
+class Layer(NamedTuple):
+    name: str
+    color: int  # colour index 1..255
+    lineweight: int = -3  # hundredths of a millimetre; -3 is the default weight
+    linetype: str = "Continuous"
+
+
+class Linetype(NamedTuple):
+    name: str
+    description: str
+    dashes: Sequence[float]  # drawing units; positive dash, negative gap
+
+
+Vertex = Sequence[float]  # x, y and, when the segment that begins here is an arc, its bulge
+
+
+def number(value: float) -> str:
+    """Tenths of a millimetre, without digits that carry nothing."""
+    text = f"{value:.4f}".rstrip("0")
+    return text + "0" if text.endswith(".") else text
+
+
+def escaped(text: str) -> str:
+    return text.replace("^", "^ ").replace("\n", "^J").replace("\t", "^I")
+
+
+class DrawingWriter:
+    """One drawing being written to a seekable text stream opened with newline="\\n" and UTF-8.
+
+    Use it as a context manager: leaving it writes the closing sections. `extents` is (x1, y1, x2, y2) in metres.
+    `blocks` names functions that draw a block's content around its origin by calling the same methods.
+    Every entity method returns the handle of what it wrote.
+    """
+
+    def __init__(
+        self,
+        stream: TextIO,
+        layers: Iterable[Layer],
+        extents: Sequence[float],
+        linetypes: Iterable[Linetype] = (),
+        blocks: dict[str, Callable[["DrawingWriter"], None]] | None = None,
+        first_handle: int = FIRST_ENTITY,
+    ):
+        self._stream = stream
+        self._layers = [Layer("0", 7), *layers]
+        self._linetypes = list(linetypes)
+        self._extents = extents
+        self._blocks = blocks or {}
+        self._next_fixed = FIRST_TABLE_ENTRY
+        self._block_handles = {name: [self._fixed() for _ in range(3)] for name in self._blocks}
+        self._next = first_handle
+        self._owner = MODEL_SPACE
+        self._seed_position = 0
+
+    def __enter__(self) -> "DrawingWriter":
+        self._write_header()
+        self._write_classes()
+        self._write_tables()
+        self._write_blocks()
+        self._pairs(0, "SECTION", 2, "ENTITIES")
+        return self
+
+    def __exit__(self, error_type, error, trace) -> None:
+        if error_type is not None:
+            return
+        self._pairs(0, "ENDSEC")
+        self._write_objects()
+        self._pairs(0, "EOF")
+        self._stream.seek(self._seed_position)
+        self._stream.write(f"{self._next:08X}")
+        self._stream.seek(0, 2)
+
+    def handles_from(self, handle: int) -> None:
+        """The next entities get this handle and the following ones; keeps handles stable when others are added."""
+        if handle < self._next:
+            raise ValueError(f"handle {handle:X} is already used: the next free one is {self._next:X}")
+        self._next = handle
+
+    # Entities. -------------------------------------------------------------------------------------------------
+
+    def polyline(self, layer: str, vertices: Sequence[Vertex], closed: bool = True) -> int:
+        handle = self._begin("LWPOLYLINE", layer)
+        parts = [f"100\nAcDbPolyline\n90\n{len(vertices)}\n70\n{int(closed)}\n43\n0.0\n"]
+        for vertex in vertices:
+            parts.append(f"10\n{number(vertex[0])}\n20\n{number(vertex[1])}\n")
+            if len(vertex) > 2 and vertex[2] != 0.0:
+                parts.append(f"42\n{vertex[2]:.12g}\n")
+        self._stream.write("".join(parts))
+        return handle
+
+    def polyline_2d(self, layer: str, vertices: Sequence[Vertex], closed: bool = True) -> int:
+        """An old-style polyline with a VERTEX for every point."""
+        handle = self._begin("POLYLINE", layer)
+        self._pairs(100, "AcDb2dPolyline", 66, 1, 10, "0.0", 20, "0.0", 30, "0.0", 70, int(closed))
+        for vertex in vertices:
+            self._begin("VERTEX", layer, owner=handle)
+            self._pairs(100, "AcDbVertex", 100, "AcDb2dVertex")
+            self._pairs(10, number(vertex[0]), 20, number(vertex[1]), 30, "0.0")
+            if len(vertex) > 2 and vertex[2] != 0.0:
+                self._pairs(42, f"{vertex[2]:.12g}")
+        self._begin("SEQEND", layer, owner=handle)
+        return handle
+
+    def line(self, layer: str, start: Vertex, end: Vertex) -> int:
+        handle = self._begin("LINE", layer)
+        self._pairs(100, "AcDbLine", 10, number(start[0]), 20, number(start[1]), 30, "0.0")
+        self._pairs(11, number(end[0]), 21, number(end[1]), 31, "0.0")
+        return handle
+
+    def circle(self, layer: str, center: Vertex, radius: float) -> int:
+        handle = self._begin("CIRCLE", layer)
+        self._pairs(100, "AcDbCircle", 10, number(center[0]), 20, number(center[1]), 30, "0.0", 40, number(radius))
+        return handle
+
+    def text(self, layer: str, center: Vertex, height: float, text: str, rotation: float = 0.0) -> int:
+        """One line of text centred on a point; rotation in degrees."""
+        handle = self._begin("TEXT", layer)
+        x, y = number(center[0]), number(center[1])
+        self._pairs(100, "AcDbText", 10, x, 20, y, 30, "0.0", 40, number(height), 1, escaped(text))
+        self._pairs(50, number(rotation), 7, "Standard", 72, 1, 11, x, 21, y, 31, "0.0", 100, "AcDbText", 73, 2)
+        return handle
+
+    def mtext(self, layer: str, point: Vertex, height: float, text: str, width: float, attachment: int = 1) -> int:
+        """Paragraph text ("\\P" begins a line); `attachment` 1 is top left, 5 middle centre."""
+        handle = self._begin("MTEXT", layer)
+        self._pairs(100, "AcDbMText", 10, number(point[0]), 20, number(point[1]), 30, "0.0", 40, number(height))
+        self._pairs(41, number(width), 71, attachment, 72, 1, 1, escaped(text), 7, "Standard")
+        return handle
+
+    def insert(self, layer: str, block: str, point: Vertex, scale: float = 1.0, rotation: float = 0.0) -> int:
+        handle = self._begin("INSERT", layer)
+        factor = number(scale)
+        self._pairs(100, "AcDbBlockReference", 2, block, 10, number(point[0]), 20, number(point[1]), 30, "0.0")
+        self._pairs(41, factor, 42, factor, 43, factor, 50, number(rotation))
+        return handle
+
+    # The frame of the drawing. ---------------------------------------------------------------------------------
+
+    def _pairs(self, *pairs: object) -> None:
+        self._stream.write("".join(f"{item}\n" for item in pairs))
+
+    def _fixed(self) -> int:
+        self._next_fixed += 1
+        if self._next_fixed > FIRST_ENTITY:
+            raise ValueError("too many layers, linetypes and blocks for the handles below the first entity")
+        return self._next_fixed - 1
+
+    def _begin(self, kind: str, layer: str, owner: int | None = None) -> int:
+        handle = self._next
+        self._next += 1
+        # SEQEND and VERTEX belong to their polyline, all else to the space or block being written.
+        self._stream.write(
+            f"0\n{kind}\n5\n{handle:X}\n330\n{self._owner if owner is None else owner:X}\n100\nAcDbEntity\n8\n{layer}\n"
+        )
+        return handle
+
+    def _write_header(self) -> None:
+        x1, y1, x2, y2 = (number(value) for value in self._extents)
+        self._pairs(0, "SECTION", 2, "HEADER")
+        self._pairs(9, "$ACADVER", 1, "AC1027", 9, "$DWGCODEPAGE", 3, "ANSI_1252")
+        self._pairs(9, "$INSBASE", 10, "0.0", 20, "0.0", 30, "0.0")
+        self._pairs(9, "$EXTMIN", 10, x1, 20, y1, 30, "0.0", 9, "$EXTMAX", 10, x2, 20, y2, 30, "0.0")
+        self._pairs(9, "$LIMMIN", 10, x1, 20, y1, 9, "$LIMMAX", 10, x2, 20, y2)
+        self._pairs(9, "$LTSCALE", 40, "1.0", 9, "$TEXTSIZE", 40, "1.5", 9, "$TEXTSTYLE", 7, "Standard")
+        self._pairs(9, "$CLAYER", 8, "0", 9, "$CELTYPE", 6, "ByLayer", 9, "$CECOLOR", 62, 256)
+        self._pairs(9, "$LUNITS", 70, 2, 9, "$LUPREC", 70, 3, 9, "$AUNITS", 70, 0, 9, "$MEASUREMENT", 70, 1)
+        self._pairs(9, "$INSUNITS", 70, 6, 9, "$HANDSEED")
+        self._stream.write("5\n")
+        # Known only at the end: a fixed number of digits is filled in then.
+        self._seed_position = self._stream.tell()
+        self._stream.write("00000000\n")
+        self._pairs(0, "ENDSEC")
+
+    def _write_classes(self) -> None:
+        self._pairs(0, "SECTION", 2, "CLASSES")
+        for name, implementation, count in (
+            ("ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault", 1),
+            ("ACDBPLACEHOLDER", "AcDbPlaceHolder", 1),
+            ("LAYOUT", "AcDbLayout", 2),
+        ):
+            self._pairs(0, "CLASS", 1, name, 2, implementation, 3, "ObjectDBX Classes", 90, 0, 91, count, 280, 0, 281, 0)
+        self._pairs(0, "ENDSEC")
+
+    def _table(self, name: str, handle: int, count: int) -> None:
+        self._pairs(0, "TABLE", 2, name, 5, f"{handle:X}", 330, 0, 100, "AcDbSymbolTable", 70, count)
+
+    def _entry(self, kind: str, handle: int, table: int, subclass: str, name: str, flags: int | None = 0) -> None:
+        self._pairs(0, kind, 105 if kind == "DIMSTYLE" else 5, f"{handle:X}", 330, f"{table:X}")
+        self._pairs(100, "AcDbSymbolTableRecord", 100, subclass, 2, name)
+        if flags is not None:
+            self._pairs(70, flags)
+
+    def _write_tables(self) -> None:
+        x1, y1, x2, y2 = self._extents
+        self._pairs(0, "SECTION", 2, "TABLES")
+
+        self._table("VPORT", VPORT_TABLE, 1)
+        self._entry("VPORT", VPORT_ACTIVE, VPORT_TABLE, "AcDbViewportTableRecord", "*Active")
+        self._pairs(10, "0.0", 20, "0.0", 11, "1.0", 21, "1.0")
+        self._pairs(12, number((x1 + x2) / 2), 22, number((y1 + y2) / 2), 13, "0.0", 23, "0.0")
+        self._pairs(14, "10.0", 24, "10.0", 15, "10.0", 25, "10.0", 16, "0.0", 26, "0.0", 36, "1.0")
+        self._pairs(17, "0.0", 27, "0.0", 37, "0.0", 40, number((y2 - y1) * 1.1), 41, "1.6", 42, "50.0")
+        self._pairs(43, "0.0", 44, "0.0", 50, "0.0", 51, "0.0", 71, 0, 72, 1000, 73, 1, 74, 3, 75, 0, 76, 0, 77, 0, 78, 0)
+        self._pairs(0, "ENDTAB")
+
+        self._table("LTYPE", LTYPE_TABLE, 3 + len(self._linetypes))
+        plain = ((LTYPE_BYBLOCK, "ByBlock", ""), (LTYPE_BYLAYER, "ByLayer", ""), (LTYPE_CONTINUOUS, "Continuous", "Solid line"))
+        for handle, name, description in plain:
+            self._entry("LTYPE", handle, LTYPE_TABLE, "AcDbLinetypeTableRecord", name)
+            self._pairs(3, description, 72, 65, 73, 0, 40, "0.0")
+        for linetype in self._linetypes:
+            self._entry("LTYPE", self._fixed(), LTYPE_TABLE, "AcDbLinetypeTableRecord", linetype.name)
+            length = sum(abs(dash) for dash in linetype.dashes)
+            self._pairs(3, linetype.description, 72, 65, 73, len(linetype.dashes), 40, number(length))
+            for dash in linetype.dashes:
+                self._pairs(49, number(dash), 74, 0)
+        self._pairs(0, "ENDTAB")
+
+        self._table("LAYER", LAYER_TABLE, len(self._layers))
+        for layer in self._layers:
+            handle = 0x10 if layer.name == "0" else self._fixed()
+            self._entry("LAYER", handle, LAYER_TABLE, "AcDbLayerTableRecord", layer.name)
+            self._pairs(62, layer.color, 6, layer.linetype, 370, layer.lineweight, 390, f"{PLOT_STYLE_NORMAL:X}")
+        self._pairs(0, "ENDTAB")
+
+        self._table("STYLE", STYLE_TABLE, 1)
+        self._entry("STYLE", STYLE_STANDARD, STYLE_TABLE, "AcDbTextStyleTableRecord", "Standard")
+        self._pairs(40, "0.0", 41, "1.0", 50, "0.0", 71, 0, 42, "1.5", 3, "arial.ttf", 4, "")
+        self._pairs(0, "ENDTAB")
+        for name, handle in (("VIEW", VIEW_TABLE), ("UCS", UCS_TABLE)):
+            self._table(name, handle, 0)
+            self._pairs(0, "ENDTAB")
+        self._table("APPID", APPID_TABLE, 1)
+        self._entry("APPID", APPID_ACAD, APPID_TABLE, "AcDbRegAppTableRecord", "ACAD")
+        self._pairs(0, "ENDTAB")
+        self._table("DIMSTYLE", DIMSTYLE_TABLE, 1)
+        self._pairs(100, "AcDbDimStyleTable", 71, 0)
+        self._entry("DIMSTYLE", DIMSTYLE_STANDARD, DIMSTYLE_TABLE, "AcDbDimStyleTableRecord", "Standard")
+        self._pairs(340, f"{STYLE_STANDARD:X}", 0, "ENDTAB")
+
+        self._table("BLOCK_RECORD", BLOCK_RECORD_TABLE, 2 + len(self._blocks))
+        records = [("*Model_Space", MODEL_SPACE, MODEL_LAYOUT), ("*Paper_Space", PAPER_SPACE, PAPER_LAYOUT)]
+        records += [(name, handles[0], 0) for name, handles in self._block_handles.items()]
+        for name, handle, layout in records:
+            self._entry("BLOCK_RECORD", handle, BLOCK_RECORD_TABLE, "AcDbBlockTableRecord", name, flags=None)
+            self._pairs(340, f"{layout:X}", 70, 0 if layout else 6, 280, 1, 281, 0)
+        self._pairs(0, "ENDTAB", 0, "ENDSEC")
+
+    def _write_blocks(self) -> None:
+        self._pairs(0, "SECTION", 2, "BLOCKS")
+        spaces = {
+            "*Model_Space": (MODEL_SPACE, MODEL_BLOCK, MODEL_ENDBLK),
+            "*Paper_Space": (PAPER_SPACE, PAPER_BLOCK, PAPER_ENDBLK),
+        }
+        for name, (record, begin, end) in {**spaces, **self._block_handles}.items():
+            self._pairs(0, "BLOCK", 5, f"{begin:X}", 330, f"{record:X}", 100, "AcDbEntity", 8, "0")
+            self._pairs(100, "AcDbBlockBegin", 2, name, 70, 0, 10, "0.0", 20, "0.0", 30, "0.0", 3, name, 1, "")
+            if name in self._blocks:
+                self._owner = record
+                self._blocks[name](self)
+            self._pairs(0, "ENDBLK", 5, f"{end:X}", 330, f"{record:X}", 100, "AcDbEntity", 8, "0", 100, "AcDbBlockEnd")
+        self._owner = MODEL_SPACE
+        self._pairs(0, "ENDSEC")
+
+    def _dictionary(self, handle: int, owner: int, entries: dict[str, int], default: int | None = None) -> None:
+        kind = "DICTIONARY" if default is None else "ACDBDICTIONARYWDFLT"
+        self._object(kind, handle, owner, "AcDbDictionary")
+        self._pairs(281, 1)
+        for name, entry in entries.items():
+            self._pairs(3, name, 350, f"{entry:X}")
+        if default is not None:
+            self._pairs(100, "AcDbDictionaryWithDefault", 340, f"{default:X}")
+
+    def _object(self, kind: str, handle: int, owner: int, subclass: str | None = None) -> None:
+        self._pairs(0, kind, 5, f"{handle:X}", 330, f"{owner:X}")
+        if subclass is not None:
+            self._pairs(100, subclass)
+
+    def _write_objects(self) -> None:
+        self._pairs(0, "SECTION", 2, "OBJECTS")
+        self._dictionary(
+            ROOT_DICTIONARY,
+            0,
+            {
+                "ACAD_GROUP": GROUP_DICTIONARY,
+                "ACAD_LAYOUT": LAYOUT_DICTIONARY,
+                "ACAD_MLINESTYLE": MLINESTYLE_DICTIONARY,
+                "ACAD_PLOTSTYLENAME": PLOT_STYLE_DICTIONARY,
+            },
+        )
+        self._dictionary(GROUP_DICTIONARY, ROOT_DICTIONARY, {})
+        self._dictionary(LAYOUT_DICTIONARY, ROOT_DICTIONARY, {"Model": MODEL_LAYOUT, "Layout1": PAPER_LAYOUT})
+        self._dictionary(MLINESTYLE_DICTIONARY, ROOT_DICTIONARY, {"Standard": MLINESTYLE_STANDARD})
+        self._dictionary(PLOT_STYLE_DICTIONARY, ROOT_DICTIONARY, {"Normal": PLOT_STYLE_NORMAL}, PLOT_STYLE_NORMAL)
+        self._object("ACDBPLACEHOLDER", PLOT_STYLE_NORMAL, PLOT_STYLE_DICTIONARY)
+        self._object("MLINESTYLE", MLINESTYLE_STANDARD, MLINESTYLE_DICTIONARY, "AcDbMlineStyle")
+        self._pairs(2, "STANDARD", 70, 0, 3, "", 62, 256, 51, "90.0", 52, "90.0", 71, 2)
+        self._pairs(49, "0.5", 62, 256, 6, "BYLAYER", 49, "-0.5", 62, 256, 6, "BYLAYER")
+        # Plot flags: the model tab plots its model; 688 is the usual set of a fresh paper layout.
+        self._layout(MODEL_LAYOUT, "Model", 0, MODEL_SPACE, plot_flags=1712, extents=self._extents)
+        self._layout(PAPER_LAYOUT, "Layout1", 1, PAPER_SPACE, plot_flags=688, extents=(0.0, 0.0, 420.0, 297.0))
+        self._pairs(0, "ENDSEC")
+
+    def _layout(
+        self, handle: int, name: str, order: int, record: int, plot_flags: int, extents: Sequence[float]
+    ) -> None:
+        x1, y1, x2, y2 = (number(value) for value in extents)
+        self._object("LAYOUT", handle, LAYOUT_DICTIONARY, "AcDbPlotSettings")
+        self._pairs(1, "", 2, "none_device", 4, "ISO_A3_(420.00_x_297.00_MM)", 6, "")
+        self._pairs(40, "7.5", 41, "20.0", 42, "7.5", 43, "20.0", 44, "420.0", 45, "297.0", 46, "0.0", 47, "0.0")
+        self._pairs(48, "0.0", 49, "0.0", 140, "0.0", 141, "0.0", 142, "1.0", 143, "1.0")
+        self._pairs(70, plot_flags, 72, 1, 73, 0, 74, 5, 7, "", 75, 16, 76, 0, 77, 2, 78, 300, 147, "1.0", 148, "0.0", 149, "0.0")
+        self._pairs(100, "AcDbLayout", 1, name, 70, 1, 71, order, 10, x1, 20, y1, 11, x2, 21, y2)
+        self._pairs(12, "0.0", 22, "0.0", 32, "0.0", 14, x1, 24, y1, 34, "0.0", 15, x2, 25, y2, 35, "0.0", 146, "0.0")
+        self._pairs(13, "0.0", 23, "0.0", 33, "0.0", 16, "1.0", 26, "0.0", 36, "0.0", 17, "0.0", 27, "1.0", 37, "0.0")
+        self._pairs(76, 0, 330, f"{record:X}")
