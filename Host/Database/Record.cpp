@@ -10,8 +10,6 @@ namespace host::database {
 
 namespace {
 
-constexpr int kNoCode = -9999;
-
 std::string_view trimmedView(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
   while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
@@ -32,13 +30,6 @@ std::string_view takeLine(std::string_view& text) {
   return {begin, length > 0 && begin[length - 1] == '\r' ? length - 1 : length};
 }
 
-int parseCode(std::string_view line) {
-  line = trimmedView(line);
-  int code = 0;
-  const auto [end, error] = std::from_chars(line.data(), line.data() + line.size(), code);
-  return error == std::errc() && end == line.data() + line.size() ? code : kNoCode;
-}
-
 }  // namespace
 
 std::string_view Tag::trimmed() const { return trimmedView(value); }
@@ -52,10 +43,28 @@ std::int64_t Tag::integer() const { return text::parseInteger(value).value_or(0)
 
 std::uint64_t Tag::handle() const { return text::parseHandle(trimmed()); }
 
+int parseGroupCode(std::string_view line) {
+  constexpr std::size_t kMostDigits = 6;
+  const char* at = line.data();
+  const char* const end = at + line.size();
+  while (at < end && (*at == ' ' || *at == '\t')) ++at;
+  const bool isNegative = at < end && *at == '-';
+  if (isNegative) ++at;
+  const char* const digits = at;
+  int code = 0;
+  while (at < end && *at >= '0' && *at <= '9' && static_cast<std::size_t>(at - digits) < kMostDigits) {
+    code = code * 10 + (*at++ - '0');
+  }
+  if (at == digits) return kBadCode;
+  while (at < end && (*at == ' ' || *at == '\t')) ++at;
+  if (at != end) return kBadCode;
+  return isNegative ? -code : code;
+}
+
 bool readTag(std::string_view& text, Tag& tag) {
   if (text.empty()) return false;
   const char* const begin = text.data();
-  tag.code = parseCode(takeLine(text));
+  tag.code = parseGroupCode(takeLine(text));
   tag.value = takeLine(text);
   tag.bytes = {begin, static_cast<std::size_t>(text.data() - begin)};
   return true;

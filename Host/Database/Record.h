@@ -23,8 +23,11 @@ struct Tag {
   std::string_view trimmed() const;
 };
 
-/// Reads the tag at the start of `text` and moves past it. False at the end. A code that is not a number reads as
-/// -9999.
+inline constexpr int kBadCode = -9999;  // a group code that is not a number
+
+/// The number of a group code line, blanks around it allowed; kBadCode when it is none.
+int parseGroupCode(std::string_view line);
+/// Reads the tag at the start of `text` and moves past it. False at the end.
 bool readTag(std::string_view& text, Tag& tag);
 
 /// Walks the tags of a record. Copies are cheap.

@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "Database/DrawingDatabase.h"
 
@@ -25,5 +27,6 @@ std::string drawingText(database::DrawingDatabase& db);
 FileResult saveDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
 /// Any bytes the same way (pictures).
 FileResult writeFileWhole(const std::filesystem::path& file, std::string_view bytes);
+FileResult writeFileWhole(const std::filesystem::path& file, const std::vector<std::string_view>& pieces);
 
 }  // namespace host::dxf

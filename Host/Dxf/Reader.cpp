@@ -17,6 +17,7 @@ using database::BlockContents;
 using database::DrawingDatabase;
 using database::DrawingVersion;
 using database::DxfType;
+using database::kBadCode;
 using database::Slot;
 using database::SymbolTable;
 using database::Tag;
@@ -101,7 +102,7 @@ class Reader {
   }
 
   static std::string spelled(const Token& token) {
-    if (token.code == kBadCode) return "\"" + std::string(token.codeText.substr(0, 40)) + "\"";
+    if (token.code == kBadCode) return "\"" + std::string(token.codeText().substr(0, 40)) + "\"";
     return std::to_string(token.code);
   }
 
@@ -233,7 +234,7 @@ class Reader {
           if (isEntity) scanned.hasAttributes = token.integer() != 0;
           break;
         case 70:
-          scanned.flags = token.integer();
+          scanned.flags = static_cast<int>(token.integer());
           break;
         case 2:
           if (!hasName) scanned.name = token.value;

@@ -30,14 +30,22 @@ class TemporaryFile {
 
   bool isOpen() const { return descriptor_ >= 0; }
 
-  bool write(std::string_view bytes) {
-    while (!bytes.empty()) {
-      const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-      if (written < 0 && errno == EINTR) continue;
-      if (written <= 0) return false;
-      bytes.remove_prefix(static_cast<std::size_t>(written));
+  /// Small pieces are gathered, so that a file of many edits is not written by the line.
+  bool write(const std::vector<std::string_view>& pieces) {
+    constexpr std::size_t kGather = std::size_t{1} << 18;
+    std::string gathered;
+    for (const std::string_view piece : pieces) {
+      if (gathered.size() + piece.size() > kGather) {
+        if (!writeBytes(gathered)) return false;
+        gathered.clear();
+      }
+      if (piece.size() > kGather) {
+        if (!writeBytes(piece)) return false;
+      } else {
+        gathered += piece;
+      }
     }
-    return true;
+    return writeBytes(gathered);
   }
 
   /// Flushes and takes the target's place, with the permissions the old file had.
@@ -59,6 +67,16 @@ class TemporaryFile {
   }
 
  private:
+  bool writeBytes(std::string_view bytes) {
+    while (!bytes.empty()) {
+      const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
+      if (written < 0 && errno == EINTR) continue;
+      if (written <= 0) return false;
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+  }
+
   std::filesystem::path target_;
   std::string path_;
   int descriptor_ = -1;
@@ -67,6 +85,10 @@ class TemporaryFile {
 }  // namespace
 
 FileResult writeFileWhole(const std::filesystem::path& file, std::string_view bytes) {
+  return writeFileWhole(file, std::vector<std::string_view>{bytes});
+}
+
+FileResult writeFileWhole(const std::filesystem::path& file, const std::vector<std::string_view>& pieces) {
   const auto failed = [&](const char* what) {
     return FileResult{false, file.string() + ": " + what + ": " + std::strerror(errno)};
   };
@@ -80,7 +102,7 @@ FileResult writeFileWhole(const std::filesystem::path& file, std::string_view by
   }
   TemporaryFile temporary(target);
   if (!temporary.isOpen()) return failed("cannot be written");
-  if (!temporary.write(bytes)) return failed("cannot be written");
+  if (!temporary.write(pieces)) return failed("cannot be written");
   if (!temporary.commit()) return failed("cannot be written");
   return {};
 }

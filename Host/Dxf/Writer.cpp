@@ -31,10 +31,11 @@ class Writer {
  public:
   explicit Writer(DrawingDatabase& db) : db_(db), parts_(db.parts()) {}
 
-  std::string write() {
+  /// The drawing's text in order; the pieces lie in memory of the database.
+  std::vector<std::string_view> write() {
     parts_.settle();
     collectChanges();
-    if (edits_.empty() && insertions_.empty()) return parts_.text;
+    if (edits_.empty() && insertions_.empty()) return {parts_.text};
     collectMissingHandles();
     insertNew();
     return merge();
@@ -175,24 +176,20 @@ class Writer {
     return first;
   }
 
-  std::string merge() {
+  std::vector<std::string_view> merge() {
     std::stable_sort(edits_.begin(), edits_.end(), [](const Edit& a, const Edit& b) {
       // What is inserted in front of a changed record comes before it.
       return a.at != b.at ? a.at < b.at : (a.remove == 0) > (b.remove == 0);
     });
-    std::size_t size = parts_.text.size();
-    for (const Edit& edit : edits_) {
-      for (const std::string_view piece : edit.pieces) size += piece.size();
-    }
-    std::string out;
-    out.reserve(size);
+    const std::string_view text = parts_.text;
+    std::vector<std::string_view> out;
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
-      out.append(parts_.text, position, edit.at - position);
-      for (const std::string_view piece : edit.pieces) out += piece;
+      out.push_back(text.substr(position, edit.at - position));
+      out.insert(out.end(), edit.pieces.begin(), edit.pieces.end());
       position = edit.at + edit.remove;
     }
-    out.append(parts_.text, position);
+    out.push_back(text.substr(position));
     return out;
   }
 
@@ -204,11 +201,15 @@ class Writer {
 
 }  // namespace
 
-std::string drawingText(DrawingDatabase& db) { return Writer(db).write(); }
+std::string drawingText(DrawingDatabase& db) {
+  std::string text;
+  for (const std::string_view piece : Writer(db).write()) text += piece;
+  return text;
+}
 
 FileResult saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
   try {
-    const FileResult result = writeFileWhole(file, drawingText(db));
+    const FileResult result = writeFileWhole(file, Writer(db).write());
     if (result.ok) db.setUnmodified();
     return result;
   } catch (const std::bad_alloc&) {

@@ -8,7 +8,7 @@ namespace host::geometry {
 namespace {
 
 constexpr double kPi = std::numbers::pi;
-constexpr int kMostStepsPerQuarter = 512;
+constexpr int kMostStepsPerQuarter = 4096;
 constexpr int kDeepestSplit = 10;
 constexpr int kHighestDegree = 25;
 constexpr double kRelativeDeviation = 1e-4;

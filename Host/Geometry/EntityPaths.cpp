@@ -19,7 +19,7 @@ using database::DxfType;
 using database::Slot;
 
 /// Nested arrays can ask for more copies than any machine holds; what comes after this many entities is left out.
-constexpr std::size_t kMostEntities = 2'000'000;
+constexpr std::size_t kMostEntities = 1'000'000;
 
 enum class Cells { All, Corners };  // of arrays: the corner cells bound the whole array
 

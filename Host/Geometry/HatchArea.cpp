@@ -9,7 +9,7 @@
 namespace host::geometry {
 
 hatching::HatchRecord readHatch(const database::Slot& entity, double deviation) {
-  constexpr double kRelativeDeviation = 1e-4;
+  constexpr double kRelativeDeviation = 2e-5;
   if (deviation > 0) return hatching::readHatchRecord(entity.tags(), deviation);
   hatching::HatchRecord rough = hatching::readHatchRecord(entity.tags(), std::numeric_limits<double>::max());
   Box box;

@@ -7,7 +7,7 @@
 
 namespace host::geometry {
 
-/// The hatch with its loops flattened; `deviation` of zero or less means a ten-thousandth of the hatch's size.
+/// The hatch with its loops flattened; `deviation` of zero or less means one relative to the hatch's size.
 hatching::HatchRecord readHatch(const database::Slot& entity, double deviation);
 
 /// The loops that bound the filled area under the even-odd rule: all of them (normal), the outermost two levels (outer),

@@ -73,22 +73,27 @@ PlainText withoutPercentCodes(std::wstring_view coded) {
     const wchar_t c = coded[i];
     if (c == L'%' && coded.substr(i, 2) == L"%%" && i + 2 < coded.size()) {
       const wchar_t code = coded[i + 2] >= L'A' && coded[i + 2] <= L'Z' ? coded[i + 2] + 32 : coded[i + 2];
+      Switch* const found = std::ranges::find(switches, code, &Switch::letter);
+      const bool isNumber = isDigit(code) && i + 4 < coded.size() && isDigit(coded[i + 3]) && isDigit(coded[i + 4]);
+      const std::wstring_view signs = L"dpc%";
+      if (found == std::end(switches) && !isNumber && signs.find(code) == std::wstring_view::npos) {
+        plain.text += c;
+        continue;
+      }
       i += 2;
       if (code == L'd') plain.text += L'\u00B0';
       else if (code == L'p') plain.text += L'\u00B1';
       else if (code == L'c') plain.text += L'\u00D8';
       else if (code == L'%') plain.text += L'%';
-      else if (isDigit(code) && i + 2 < coded.size() && isDigit(coded[i + 1]) && isDigit(coded[i + 2])) {
+      else if (isNumber) {
         const int number = (code - L'0') * 100 + (coded[i + 1] - L'0') * 10 + (coded[i + 2] - L'0');
         if (number >= 32) plain.text += static_cast<wchar_t>(number);
         i += 2;
-      } else if (Switch* s = std::ranges::find(switches, code, &Switch::letter); s != std::end(switches)) {
-        if (s->since == std::wstring::npos) {
-          s->since = plain.text.size();
-        } else {
-          plain.rules.push_back({s->since, plain.text.size(), s->y});
-          s->since = std::wstring::npos;
-        }
+      } else if (found->since == std::wstring::npos) {
+        found->since = plain.text.size();
+      } else {
+        plain.rules.push_back({found->since, plain.text.size(), found->y});
+        found->since = std::wstring::npos;
       }
       continue;
     }

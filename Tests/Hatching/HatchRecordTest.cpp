@@ -69,6 +69,17 @@ TEST(HatchRecords, EdgesOfEachKind) {
   EXPECT_NEAR(onlyArea("92 1 93 2 " + line + "72 3 10 0 20 0 11 5 21 0 40 0.4 50 0 51 180 73 1 97 0"), kPi * 5, 0.01);
 }
 
+TEST(HatchRecords, ClockwiseEdgesMeasureTheirAnglesClockwise) {
+  const std::string lines = "72 1 10 5 20 0 11 0 21 0 72 1 10 0 20 0 11 2.5 21 4.3301270189 97 0";
+  for (const char* arc :
+       {"72 2 10 0 20 0 40 5 50 300 51 360 73 0 ", "72 3 10 0 20 0 11 5 21 0 40 1 50 300 51 360 73 0 "}) {
+    const HatchRecord record = readLoops("92 1 93 3 " + (arc + lines));
+    ASSERT_EQ(record.loops.size(), 1u);
+    EXPECT_NEAR(areaOf(record.loops[0]), -kPi * 25 / 6, 0.01);
+    for (const Point2 p : record.loops[0]) EXPECT_TRUE(p.x > -1e-6 && p.y > -1e-6) << p.x << ", " << p.y;
+  }
+}
+
 TEST(HatchRecords, AnglesOfAnEllipseAreReadSoThatTheEdgesJoin) {
   // A quarter-and-more of an ellipse 5 x 2 from parameter 0 to 135 degrees, closed over the centre.
   const double t = kPi * 3 / 4;

@@ -130,6 +130,27 @@ TEST(PatternFill, DashesStartAtTheBasePointOfTheirLine) {
   EXPECT_NEAR(totalLength(mixed), 60, 1e-9);
 }
 
+TEST(PatternFill, LinesThroughCornersAreCountedOnce) {
+  // Sides along the lines and corners on them: each row of unit squares has exactly one line.
+  const Polygon stairs{{0, 0}, {6, 0}, {6, 2}, {4, 2}, {4, 4}, {7, 4}, {7, 6}, {3, 6}, {3, 3}, {1, 3}, {1, 6}, {0, 6}};
+  for (const double angle : {0.0, kPi}) {
+    EXPECT_NEAR(totalLength(filled({family(angle, 0, 1)}, {stairs})), areaOf(stairs), 1e-9);
+  }
+  const Polygon diamond{{5, 0}, {10, 5}, {5, 10}, {0, 5}};
+  EXPECT_NEAR(totalLength(filled({family(0, 0, 1)}, {diamond})), areaOf(diamond), 1e-9);
+}
+
+TEST(PatternFill, OffsetBackwardsIsTheSamePattern) {
+  PatternLine forward = family(0.8, 0.3, 0.7, {1, -0.4}, {3, 1});
+  PatternLine backward = forward;
+  backward.offsetX = -forward.offsetX;
+  backward.offsetY = -forward.offsetY;
+  const Segments one = filled({forward}, {kSquare});
+  const Segments other = filled({backward}, {kSquare});
+  ASSERT_EQ(one.size(), other.size());
+  for (std::size_t i = 0; i < one.size(); ++i) EXPECT_LT(distance(one[i].from, other[i].from), 1e-9);
+}
+
 TEST(PatternFill, DotsHaveNoLengthAndTheirOwnDensity) {
   const Segments segments = filled({family(0.6, 0.5, 1, {0, -1})}, {Polygon{{0, 0}, {100, 0}, {100, 100}, {0, 100}}});
   EXPECT_EQ(totalLength(segments), 0);
