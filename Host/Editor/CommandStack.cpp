@@ -85,6 +85,11 @@ void CommandStack::addBuiltIn(std::wstring name, Adesk::Int32 flags, std::functi
   added->handler = std::move(handler);
 }
 
+void CommandStack::dropBuiltIns() {
+  std::erase_if(commands_, [](const auto& command) { return command->isBuiltIn(); });
+  aliases_.clear();
+}
+
 void CommandStack::addAlias(std::wstring alias, std::wstring name) {
   std::erase_if(aliases_, [&alias](const auto& other) { return other.first == alias; });
   aliases_.emplace_back(std::move(alias), std::move(name));

@@ -38,6 +38,7 @@ class CommandStack final : public AcEdCommandStack {
   AcEdCommand* lookupCmd(const ACHAR* name, bool globalLookup, bool allGroups) const override;
 
   void addBuiltIn(std::wstring name, Adesk::Int32 flags, std::function<void(Prompter&)> handler);
+  void dropBuiltIns();
   /// An abbreviation of a built-in command.
   void addAlias(std::wstring alias, std::wstring name);
   /// A typed name with any of the prefixes ' _ - . in any order; global and local names, plug-ins' first unless "."

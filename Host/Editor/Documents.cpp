@@ -138,10 +138,11 @@ void DocumentManager::close(Document& document) {
   const std::wstring name = document.fileName();
   const auto place =
       std::find_if(documents_.begin(), documents_.end(), [&document](const auto& d) { return d.get() == &document; });
-  const std::unique_ptr<Document> closing = std::move(*place);
+  std::unique_ptr<Document> closing = std::move(*place);
   documents_.erase(place);
   Document* const next = documents_.empty() ? nullptr : documents_.back().get();
   setCurrent(next);
+  closing.reset();
   tell([&name](AcApDocManagerReactor& r) { r.documentDestroyed(name.c_str()); });
   if (next == nullptr) return;
   tell([next](AcApDocManagerReactor& r) { r.documentBecameCurrent(next); });

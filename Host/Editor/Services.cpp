@@ -22,7 +22,7 @@ namespace {
 /// The file in the folder, also when only the case of its name differs.
 std::filesystem::path inFolder(const std::filesystem::path& folder, const std::filesystem::path& name) {
   std::error_code error;
-  const std::filesystem::path exact = folder / name;
+  std::filesystem::path exact = folder / name;
   if (std::filesystem::is_regular_file(exact, error)) return exact;
   const std::filesystem::path parent = exact.parent_path();
   const std::wstring wanted = text::fromUtf8(exact.filename().string());

@@ -14,12 +14,14 @@ Session& Session::instance() {
   return session;
 }
 
-Session::Session() { addHostCommands(commands); }
+Session::Session() = default;
 
 void Session::begin(ApplicationOptions options) {
   options_ = std::move(options);
   transcript = {};
   transcript.setSink(options_.transcript);
+  commands.dropBuiltIns();  // a former program's own commands among them
+  addHostCommands(commands);
   failure_.reset();
   quitRequested = false;
   interrupted = false;
@@ -138,7 +140,7 @@ bool Session::switchLayout(std::wstring_view name) {
 
 std::string Session::place() const {
   for (auto frame = frames_.rbegin(); frame != frames_.rend(); ++frame) {
-    const std::string here = frame->source->place();
+    std::string here = frame->source->place();
     if (!here.empty()) return here;
   }
   return {};
@@ -266,7 +268,7 @@ Answer Session::dialogLine(std::wstring_view what) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
   if (isStopping()) return cancel;
-  const Answer answer = pull({what, AnswerForm::Line});
+  Answer answer = pull({what, AnswerForm::Line});
   if (answer.kind != Answer::Kind::End) return answer;
   if (inputFromCode()) {
     frames_.back().failed = true;

@@ -90,13 +90,27 @@ std::optional<std::vector<Slot*>> groupMembers(const database::DrawingDatabase& 
   return members;
 }
 
+namespace {
+
+/// Entities whose inside belongs to them.
+bool isArea(const Slot& slot) {
+  using database::DxfType;
+  return slot.type == DxfType::Hatch || slot.type == DxfType::Solid || slot.type == DxfType::Trace ||
+         slot.type == DxfType::Wipeout || slot.type == DxfType::Image;
+}
+
+}  // namespace
+
 std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
   Document& document = *session.documents.current();
   AcArray<AcDbObjectId> entities;
   AcArrayObjectCopy<AcDbObjectIdArray> nested;
   AcArray<Adesk::GsMarker> markers;
-  for (Slot* slot :
-       session.finder.at(document.drawing(), session.currentSpace(), {point.x, point.y}, pickAperture(session), true)) {
+  std::vector<Slot*> found =
+      session.finder.at(document.drawing(), session.currentSpace(), {point.x, point.y}, pickAperture(session), true);
+  // A fill covers its outline: who points at the outline means that, not the area around it.
+  std::stable_partition(found.begin(), found.end(), [](const Slot* slot) { return !isArea(*slot); });
+  for (Slot* slot : found) {
     entities.append(AcDbObjectId(slot));
     nested.append(AcDbObjectIdArray());
     markers.append(0);

@@ -7,10 +7,11 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPdfWriter>
-#include <QSvgGenerator>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+
+#include "Picture/SvgWriter.h"
 
 namespace host::picture {
 namespace {
@@ -99,40 +100,6 @@ std::string renderPng(const DisplayList& list, const Page& page, std::optional<s
   return toString(bytes);
 }
 
-std::string number(double value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.3f", value);
-  std::string trimmed(text);
-  trimmed.erase(trimmed.find_last_not_of('0') + 1);
-  if (trimmed.ends_with('.')) trimmed.pop_back();
-  return trimmed;
-}
-
-std::string renderSvg(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  QSvgGenerator generator;
-  generator.setOutputDevice(&buffer);
-  generator.setTitle(QStringLiteral("Drawing"));
-  generator.setDescription(QString());
-  generator.setSize(QSize(static_cast<int>(std::ceil(page.widthPx)), static_cast<int>(std::ceil(page.heightPx))));
-  generator.setViewBox(QRectF(0, 0, page.widthPx, page.heightPx));
-  {
-    QPainter painter(&generator);
-    if (background) painter.fillRect(QRectF(0, 0, page.widthPx, page.heightPx), qColor(*background));
-    paint(painter, list, false);
-  }
-  // The generator knows whole pixels only; the size on paper has to be exact.
-  std::string svg = toString(bytes);
-  const std::size_t begin = svg.find("<svg width=\"");
-  const std::size_t end = svg.find("viewBox", begin);
-  if (begin == std::string::npos || end == std::string::npos) return {};
-  svg.replace(begin, end - begin,
-              "<svg width=\"" + number(page.widthMm) + "mm\" height=\"" + number(page.heightMm) + "mm\"\n ");
-  return svg;
-}
-
 /// Takes the date of making out of a PDF, and the offsets of its table of objects with it.
 std::string withoutDate(std::string pdf) {
   const std::size_t begin = pdf.find("/CreationDate");
@@ -185,7 +152,7 @@ std::string renderPicture(const DisplayList& list, const Page& page, std::option
                           PictureFormat format) {
   switch (format) {
     case PictureFormat::Png: return renderPng(list, page, background);
-    case PictureFormat::Svg: return renderSvg(list, page, background);
+    case PictureFormat::Svg: return writeSvg(list, page, background);
     case PictureFormat::Pdf: return renderPdf(list, page, background);
   }
   return {};

@@ -21,7 +21,7 @@ using geometry::takePoint;
 using geometry::Transform;
 
 /// Nested arrays can ask for more than a picture can show; what comes after is left out, and said.
-constexpr std::size_t kMostEntities = 5'000'000;
+constexpr std::size_t kMostEntities = 2'000'000;
 constexpr std::size_t kMostDashes = 3'000'000;
 constexpr double kShortestRoundPx = 1.5;  // of a linetype; finer ones look unbroken
 
@@ -152,8 +152,11 @@ void EntityPainter::paintReference(const Slot& entity, const Place& place, std::
   const Surroundings inside{layer, own};
   const auto reference = geometry::readReference(entity);
   if (reference && chain_.enter(reference->block)) {
-    for (std::int64_t row = 0; row < reference->rows && !cutShort_; ++row)
-      for (std::int64_t column = 0; column < reference->columns && !cutShort_; ++column) {
+    // The corner cells bound an array.
+    const std::int64_t rowStep = view_.boundsOnly ? std::max<std::int64_t>(reference->rows - 1, 1) : 1;
+    const std::int64_t columnStep = view_.boundsOnly ? std::max<std::int64_t>(reference->columns - 1, 1) : 1;
+    for (std::int64_t row = 0; row < reference->rows && !cutShort_; row += rowStep)
+      for (std::int64_t column = 0; column < reference->columns && !cutShort_; column += columnStep) {
         if (++entities_ >= kMostEntities) cutShort_ = true;  // empty cells count, too
         const Place cell{place.toPicture.after(reference->cell(column, row)), inside};
         for (const Slot* inner : drawOrder(*reference->block))

@@ -3,9 +3,10 @@
 #include <fstream>
 
 #include "Editor/Answers.h"
+#include "Editor/DialogInput.h"
 #include "Support.h"
-#include "acedads.h"
 #include "acedCmdNF.h"
+#include "acedads.h"
 
 namespace {
 
@@ -13,14 +14,16 @@ using host::editor::Answer;
 using host::editor::AnswerForm;
 using host::editor::ScriptInput;
 
-/// Answers of a script as one text: "a|b|<enter>|<esc>"; `forms` says how each is asked for (w, t, l), the last one goes on.
+/// Answers of a script as one text: "a|b|<enter>|<esc>"; `forms` says how each is asked for (w, t, l), the last one
+/// goes on.
 std::string answersOf(std::string_view script, std::string_view forms) {
   ScriptInput input(script, "s");
   std::string all;
   for (std::size_t i = 0;; ++i) {
     const char form = forms[std::min(i, forms.size() - 1)];
-    const Answer answer = input.next(
-        {L"", form == 'w' ? AnswerForm::Word : form == 't' ? AnswerForm::Text : AnswerForm::Line});
+    const Answer answer = input.next({L"", form == 'w'   ? AnswerForm::Word
+                                           : form == 't' ? AnswerForm::Text
+                                                         : AnswerForm::Line});
     if (answer.kind == Answer::Kind::End) return all;
     if (!all.empty()) all += '|';
     all += answer.kind == Answer::Kind::Enter    ? "<enter>"
@@ -48,6 +51,7 @@ TEST(ScriptWords, QuotesListsCommentsAndEsc) {
   EXPECT_EQ(answersOf("A\n; a comment\nB ;no\n", "w"), "A|B|;no");
   EXPECT_EQ(answersOf("^C\nLINE\n", "w"), "<esc>|LINE");
   EXPECT_EQ(answersOf("^C^C_LINE\n", "w"), "<esc>|<esc>|_LINE");
+  EXPECT_EQ(answersOf("^C LINE\n", "w"), "<esc>|LINE");
   EXPECT_EQ(answersOf("\"\"\n", "w"), "");  // an empty text, which is no Enter
 }
 
@@ -203,19 +207,80 @@ TEST_F(Runs, QuestionsOfPlugins) {
             L"Name: long name\n[long]\n[tolmex] Mind the gap\nCommand: \n");
 }
 
+TEST_F(Runs, DialogsTakeWholeLines) {
+  static std::vector<std::wstring> lines;
+  static bool again;
+  lines.clear();
+  command(L"OPENSDIALOG", [] {
+    for (;;) {
+      const Answer answer = host::editor::nextDialogLine(L"dialog \"Roof\"");
+      if (answer.kind == Answer::Kind::Cancel) return;
+      lines.push_back(answer.text);
+      if (answer.text == L"OK") return;
+      if (answer.text == L"99 1") again = host::editor::refuseDialogLine(L"There is no control 99.");
+    }
+  });
+  expectDone("OPENSDIALOG\n30206 2.8\n; not this\n30211 \"a b\"\n\nOK\nLINE 0,0 1,1\n\n");
+  EXPECT_EQ(lines, (std::vector<std::wstring>{L"30206 2.8", L"30211 \"a b\"", L"", L"OK"}));
+  expectFailure("OPENSDIALOG\n30206 1\n", "plan.scr:2: dialog \"Roof\" was left without an answer");
+  expectFailure("OPENSDIALOG\n99 1\nOK\n", "plan.scr:2: OPENSDIALOG: There is no control 99.");
+  EXPECT_FALSE(again);
+}
+
+TEST_F(Runs, InterruptEndsTheCommandAndTheScript) {
+  static int result;
+  command(L"WAITS", [] {
+    host::editor::Application::interrupt();
+    double number = 0;
+    result = acedGetReal(L"\nNumber: ", &number);
+  });
+  expectFailure("WAITS\n5\nLINE 0,0 1,1\n\n", "plan.scr:1: interrupted");
+  EXPECT_EQ(result, RTCAN);
+  EXPECT_TRUE(entities().empty());
+  expectDone("LINE 0,0 1,1\n\n");
+}
+
+/// Stands for somebody at a terminal.
+class Typed : public host::editor::LineInput {
+ public:
+  explicit Typed(std::vector<std::wstring> lines) : lines_(std::move(lines)) {}
+  bool isInteractive() const override { return true; }
+
+ protected:
+  std::optional<std::wstring> readLine(const host::editor::Question&) override {
+    return next_ < lines_.size() ? std::optional(lines_[next_++]) : std::nullopt;
+  }
+
+ private:
+  std::vector<std::wstring> lines_;
+  std::size_t next_ = 0;
+};
+
+TEST_F(Runs, AtATerminalQuestionsAreAskedAgain) {
+  Typed input(
+      {L"LAYR", L"LINE", L"oops", L"0,0", L"1,1", L"", L"", L"2,2", L"3,3", L"", L"LAYER S nowhere", L"0", L""});
+  const host::editor::Result result = app.run(input);
+  EXPECT_TRUE(result) << result.message;
+  EXPECT_EQ(problems.size(), 1U);    // the unknown command
+  EXPECT_EQ(entities().size(), 2U);  // Enter repeated LINE
+}
+
 TEST_F(Runs, CommandsFromCode) {
   static std::vector<int> results;
   results.clear();
-  command(L"DRAWS", [] {
-    const ads_point end{8, 0, 0};
-    results.push_back(acedCommandS(RTSTR, L"_.LINE", RTSTR, L"0,0", RT3DPOINT, end, RTSTR, L"", RTNONE));
-    results.push_back(acedCommandS(RTSTR, L"LINE", RTSTR, L"0,0", RTNONE));
-    results.push_back(acedCommandS(RTSTR, L"NOTHINGOFTHEKIND", RTNONE));
-    // An unknown linetype: said, and the command is over.
-    results.push_back(acedCommandS(RTSTR, L"linetype", RTSTR, L"s", RTSTR, L"NO_SUCH_DASHES", RTSTR, L"", RTNONE));
-    double real = 0;
-    results.push_back(acedGetReal(L"\nNumber: ", &real));
-  }, ACRX_CMD_TRANSPARENT);
+  command(
+      L"DRAWS",
+      [] {
+        const ads_point end{8, 0, 0};
+        results.push_back(acedCommandS(RTSTR, L"_.LINE", RTSTR, L"0,0", RT3DPOINT, end, RTSTR, L"", RTNONE));
+        results.push_back(acedCommandS(RTSTR, L"LINE", RTSTR, L"0,0", RTNONE));
+        results.push_back(acedCommandS(RTSTR, L"NOTHINGOFTHEKIND", RTNONE));
+        // An unknown linetype: said, and the command is over.
+        results.push_back(acedCommandS(RTSTR, L"linetype", RTSTR, L"s", RTSTR, L"NO_SUCH_DASHES", RTSTR, L"", RTNONE));
+        double real = 0;
+        results.push_back(acedGetReal(L"\nNumber: ", &real));
+      },
+      ACRX_CMD_TRANSPARENT);
   expectDone("DRAWS 3\n");
   EXPECT_EQ(results, (std::vector<int>{RTNORM, RTERROR, RTERROR, RTNORM, RTNORM}));
   EXPECT_TRUE(said(L"Cannot find linetype \"NO_SUCH_DASHES\"."));

@@ -1,0 +1,153 @@
+#include "Picture/SvgWriter.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+namespace host::picture {
+namespace {
+
+constexpr double kStepsPerPixel = 100;
+
+/// Builds the text. Coordinates are whole steps, so that rounding never adds up along relative moves.
+class Writer {
+ public:
+  std::string take() { return std::move(out_); }
+
+  void text(std::string_view s) { out_ += s; }
+
+  /// At most three decimals, no zeros at the end.
+  void number(double value) {
+    char text[48];
+    std::snprintf(text, sizeof text, "%.3f", value);
+    std::string_view s(text);
+    while (s.ends_with('0')) s.remove_suffix(1);
+    if (s.ends_with('.')) s.remove_suffix(1);
+    out_ += s == "-0" ? "0" : s;
+  }
+
+  void color(const char* property, Color c) {
+    char text[64];
+    std::snprintf(text, sizeof text, " %s=\"#%02x%02x%02x\"", property, c.red, c.green, c.blue);
+    out_ += text;
+    if (c.alpha == 255) return;
+    std::snprintf(text, sizeof text, " %s-opacity=\"", property);
+    out_ += text;
+    number(c.alpha / 255.0);
+    out_ += '"';
+  }
+
+  void ring(const DisplayList& list, const DisplayRing& ring) {
+    const Point* points = list.points.data() + ring.first;
+    Step at = step(points[0]);
+    out_ += 'M';
+    pair(at);
+    char command = 0;
+    for (std::uint32_t i = 1; i < ring.count; ++i) {
+      const Step next = step(points[i]);
+      const Step move{next.x - at.x, next.y - at.y};
+      if (move.x == 0 && move.y == 0 && command != 0) continue;
+      if (command != 'l') out_ += command = 'l';
+      else if (move.x >= 0) out_ += ' ';
+      pair(move);
+      at = next;
+    }
+    // A dot is a line without length and shows by its round ends.
+    if (command == 0) out_ += "h0";
+    if (ring.closed) out_ += 'z';
+  }
+
+ private:
+  struct Step {
+    long long x = 0, y = 0;
+  };
+  static Step step(Point p) { return {std::llround(p.x * kStepsPerPixel), std::llround(p.y * kStepsPerPixel)}; }
+
+  void pair(Step s) {
+    hundredths(s.x);
+    if (s.y >= 0) out_ += ' ';
+    hundredths(s.y);
+  }
+  void hundredths(long long steps) {
+    char text[32];
+    char* end = text;
+    if (steps < 0) {
+      *end++ = '-';
+      steps = -steps;
+    }
+    const long long whole = steps / 100;
+    const int rest = static_cast<int>(steps % 100);
+    if (whole != 0 || rest == 0) end = std::to_chars(end, text + sizeof text, whole).ptr;
+    if (rest != 0) {
+      *end++ = '.';
+      *end++ = static_cast<char>('0' + rest / 10);
+      if (rest % 10 != 0) *end++ = static_cast<char>('0' + rest % 10);
+    }
+    out_.append(text, end);
+  }
+
+  std::string out_;
+};
+
+bool isStroke(const DisplayItem& item) { return item.kind == ItemKind::Stroke || item.kind == ItemKind::FlatStroke; }
+
+bool sameLook(const DisplayItem& a, const DisplayItem& b) {
+  return a.kind == b.kind && a.color == b.color && a.width == b.width;
+}
+
+void openGroup(Writer& writer, const DisplayItem& item) {
+  writer.text("<g");
+  if (!isStroke(item)) {
+    writer.color("fill", item.color);
+    if (item.kind == ItemKind::FillEvenOdd) writer.text(" fill-rule=\"evenodd\"");
+  } else {
+    writer.text(" fill=\"none\"");
+    writer.color("stroke", item.color);
+    writer.text(" stroke-width=\"");
+    writer.number(item.width);
+    writer.text(item.kind == ItemKind::FlatStroke ? "\" stroke-linecap=\"butt\" stroke-linejoin=\"miter\""
+                                                  : "\" stroke-linecap=\"round\" stroke-linejoin=\"round\"");
+  }
+  writer.text(">\n");
+}
+
+}  // namespace
+
+std::string writeSvg(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
+  Writer writer;
+  writer.text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"");
+  writer.number(page.widthMm);
+  writer.text("mm\" height=\"");
+  writer.number(page.heightMm);
+  writer.text("mm\" viewBox=\"0 0 ");
+  writer.number(page.widthPx);
+  writer.text(" ");
+  writer.number(page.heightPx);
+  writer.text("\">\n");
+  if (background) {
+    writer.text("<rect width=\"");
+    writer.number(page.widthPx);
+    writer.text("\" height=\"");
+    writer.number(page.heightPx);
+    writer.text("\"");
+    writer.color("fill", {static_cast<std::uint8_t>(*background >> 16), static_cast<std::uint8_t>(*background >> 8),
+                          static_cast<std::uint8_t>(*background), 255});
+    writer.text("/>\n");
+  }
+  const DisplayItem* last = nullptr;
+  for (const DisplayItem& item : list.items) {
+    if (last == nullptr || !sameLook(*last, item)) {
+      if (last != nullptr) writer.text("</g>\n");
+      openGroup(writer, item);
+      last = &item;
+    }
+    writer.text("<path d=\"");
+    for (std::uint32_t i = 0; i < item.ringCount; ++i) writer.ring(list, list.rings[item.firstRing + i]);
+    writer.text("\"/>\n");
+  }
+  if (last != nullptr) writer.text("</g>\n");
+  writer.text("</svg>\n");
+  return writer.take();
+}
+
+}  // namespace host::picture

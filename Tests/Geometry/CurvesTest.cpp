@@ -1,0 +1,146 @@
+#include "Geometry/Curves.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <numeric>
+
+#include "Geometry/SmallDrawing.h"
+#include "Geometry/TextLayout.h"
+
+namespace host::geometry {
+namespace {
+
+double area(const std::vector<Chain>& rings) {
+  double twice = 0;
+  for (const Chain& ring : rings)
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+      const AcGePoint3d &a = ring[i], &b = ring[(i + 1) % ring.size()];
+      twice += a.x * b.y - a.y * b.x;
+    }
+  return std::abs(twice) / 2;
+}
+
+TEST(Curves, RationalSplineIsAnExactCircle) {
+  // Nine control points of degree 2, weights 1 and the cosine of 45 degrees; far from the origin.
+  const double w = std::numbers::sqrt2 / 2;
+  Nurbs circle;
+  circle.degree = 2;
+  circle.knots = {0, 0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 4};
+  for (const auto& [x, y] : std::vector<std::pair<double, double>>{
+           {1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}, {1, 0}})
+    circle.controls.push_back({27496000 + x, 6713000 + y, 0});
+  circle.weights = {1, w, 1, w, 1, w, 1, w, 1};
+  const Chain points = flatten(circle, 1e-4);
+  ASSERT_GT(points.size(), 20U);
+  for (const AcGePoint3d& p : points) ASSERT_NEAR(std::hypot(p.x - 27496000, p.y - 6713000), 1, 1e-7);
+}
+
+TEST(Curves, InterpolationMeetsItsPointsAndClosesSmoothly) {
+  const Chain square = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
+  const Chain open = interpolate(square, false, {}, {}, 1e-3), closed = interpolate(square, true, {}, {}, 1e-3);
+  for (const AcGePoint3d& p : square)
+    for (const Chain* chain : {&open, &closed})
+      EXPECT_TRUE(std::ranges::any_of(*chain, [&](const AcGePoint3d& q) { return p.distanceTo(q) < 1e-9; }));
+  EXPECT_LT(closed.front().distanceTo(closed.back()), 1e-9);
+  const AcGeVector3d out = (closed[1] - closed[0]).normal(), in = (closed.back() - closed[closed.size() - 2]).normal();
+  EXPECT_GT(out.dotProduct(in), 0.99) << "no corner where it closes";
+  // Start tangent straight up although the next point lies to the right.
+  const Chain led = interpolate({{0, 0, 0}, {10, 0, 0}, {20, 5, 0}}, false, {0, 1, 0}, {}, 1e-4);
+  EXPECT_GT((led[1] - led[0]).normal().y, 0.95);
+}
+
+TEST(Curves, WideOutlinesHaveTheRightArea) {
+  const Chain corner = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}};
+  EXPECT_NEAR(area(wideOutline(corner, false, {2, 2, 2, 2})), 2 * 20, 1e-9) << "mitred corner";
+  EXPECT_NEAR(area(wideOutline({{0, 0, 0}, {10, 0, 0}}, false, {0, 4})), 20, 1e-9) << "taper";
+  const Chain square = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
+  const auto frame = wideOutline(square, true, {1, 1, 1, 1, 1, 1, 1, 1});
+  EXPECT_EQ(frame.size(), 2U);
+  EXPECT_NEAR(area({frame[0]}) - area({frame[1]}), -40, 1e-9) << "inner ring first, 9 x 9; outer 11 x 11";
+  // Width jumps at the corner, then runs round to the start: two runs, square ends.
+  EXPECT_EQ(wideOutline(square, true, {1, 1, 3, 3, 3, 3, 3, 3}).size(), 2U);
+  EXPECT_TRUE(wideOutline({{5, 5, 0}, {5, 5, 0}}, true, {1, 1, 1, 1}).empty()) << "no length, no direction";
+}
+
+double unitWidth(wchar_t, bool) { return 1; }
+
+TextBlock layout(const std::string& type, const std::string& tags) {
+  tests::SmallDatabase db(tests::SmallDrawing().entity(type, tags));
+  return layoutText(db.at(0), unitWidth).value();
+}
+
+TEST(TextLayout, SingleLinesStandWhereTheirAlignmentSays) {
+  // Every character is as wide as the text is high: "abcd" at height 2 is 8 long.
+  struct Case {
+    const char* tags;
+    double minX, minY, maxX, maxY;  // plan box
+  };
+  for (const Case& c : std::initializer_list<Case>{
+           {"10 5|20 5", 5, 5, 13, 7},
+           {"10 0|20 0|72 1|11 5|21 5", 1, 5, 9, 7},
+           {"10 0|20 0|72 2|73 3|11 5|21 5", -3, 3, 5, 5},
+           {"10 0|20 0|72 4|11 5|21 5", 1, 4, 9, 6},
+           {"10 5|20 5|50 90", 3, 5, 5, 13},
+           {"10 5|20 5|41 0.5", 5, 5, 9, 7},
+           {"10 5|20 5|71 2", -3, 5, 5, 7},                         // backwards
+           {"10 5|20 5|71 4", 5, 3, 13, 5},                         // upside down
+           {"10 5|20 5|210 0|220 0|230 -1", -13, 5, -5, 7},         // from below
+           {"10 5|20 5|72 5|11 9|21 5", 5, 5, 9, 7},                // fit
+           {"10 5|20 5|72 3|11 9|21 5", 5, 5, 9, 6}}) {             // aligned: half the height as well
+    const TextBlock block = layout("TEXT", std::string("40 2|1 abcd|") + c.tags);
+    Box box;
+    for (const auto& [x, y] : {std::pair{block.box.minX, block.box.minY}, std::pair{block.box.maxX, block.box.maxY}})
+      box.add(block.frame.plan({x, y, 0}));
+    EXPECT_NEAR(box.minX, c.minX, 1e-9) << c.tags;
+    EXPECT_NEAR(box.minY, c.minY, 1e-9) << c.tags;
+    EXPECT_NEAR(box.maxX, c.maxX, 1e-9) << c.tags;
+    EXPECT_NEAR(box.maxY, c.maxY, 1e-9) << c.tags;
+  }
+}
+
+std::wstring joined(const TextBlock& block) {
+  std::wstring all;
+  double line = block.runs.front().y;
+  for (const TextRun& run : block.runs) {
+    if (run.y != line) all += L'/';
+    line = run.y;
+    all += run.text;
+  }
+  return all;
+}
+
+TEST(TextLayout, FormattingCodes) {
+  EXPECT_EQ(joined(layout("TEXT", "40 1|1 %%c20%%p5%%d 100%% %%065")), L"\u00D820\u00B15\u00B0 100%% A");
+  EXPECT_EQ(joined(layout("MTEXT", "40 1|10 0|20 0|1 a\\Pb\\~c \\{x\\} {\\fArial\\U+007Cb1;B}\\U+00E4 %%d")),
+            L"a/b\u00A0c {x} B\u00E4 \u00B0");
+  const TextBlock sizes = layout("MTEXT", "40 2|10 0|20 0|1 a{\\H1.5x;\\C1;b}\\H4;c");
+  ASSERT_EQ(sizes.runs.size(), 3U);
+  EXPECT_EQ(sizes.runs[1].height, 3);
+  EXPECT_EQ(sizes.runs[1].color, 1);
+  EXPECT_EQ(sizes.runs[2].height, 4);
+  EXPECT_EQ(sizes.runs[2].color, -1) << "the brace ends the colour";
+  EXPECT_EQ(sizes.runs[2].x, 2 + 3) << "after characters of height 2 and 3";
+  const TextBlock fraction = layout("MTEXT", "40 2|10 0|20 0|1 \\S12/345;");
+  ASSERT_EQ(fraction.runs.size(), 2U);
+  EXPECT_GT(fraction.runs[0].y, fraction.runs[1].y);
+  EXPECT_EQ(fraction.rules.size(), 1U);
+  // Codes that lack their end, braces that lack theirs: text all the same.
+  EXPECT_EQ(joined(layout("MTEXT", "40 1|10 0|20 0|1 }}a{{{b\\")), L"ab\\");
+}
+
+TEST(TextLayout, WrappingAndAttachment) {
+  const std::string words = "40 1|10 0|20 0|1 aa bb cc|41 5";
+  EXPECT_EQ(joined(layout("MTEXT", words + "|71 1")), L"aa bb /cc");
+  for (int attachment = 1; attachment <= 9; ++attachment) {
+    const Box box = layout("MTEXT", words + "|71 " + std::to_string(attachment)).box;
+    const int column = (attachment - 1) % 3, row = (attachment - 1) / 3;
+    EXPECT_NEAR(column == 0 ? box.minX : column == 1 ? (box.minX + box.maxX) / 2 : box.maxX, 0, 1e-9) << attachment;
+    EXPECT_NEAR(row == 0 ? box.maxY : row == 1 ? (box.minY + box.maxY) / 2 : box.minY, 0, 1e-9) << attachment;
+    EXPECT_NEAR(box.maxY - box.minY, 1 + 5.0 / 3, 1e-9);
+  }
+}
+
+}  // namespace
+}  // namespace host::geometry

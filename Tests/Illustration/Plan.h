@@ -1,0 +1,130 @@
+// A plan under the plug-in: the host with the plug-in loaded, a drawing made by commands, scripts run on it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Dxf/DxfFile.h"
+#include "Editor/Application.h"
+#include "Editor/ScriptInput.h"
+#include "Text/Text.h"
+
+namespace tests {
+
+using host::database::DrawingDatabase;
+using host::database::DxfType;
+using host::database::Slot;
+using host::database::Tag;
+using host::database::TagCursor;
+
+class Plan : public testing::Test {
+ protected:
+  Plan() : application_(options(this)) {
+    folder_ = std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid()));
+    std::filesystem::remove_all(folder_);
+    std::filesystem::create_directories(folder_ / "support");
+    EXPECT_TRUE(application_.newDrawing());
+    const auto loaded = application_.loadModule(std::filesystem::path(TOLMEX_BIN_DIR) / "tolmex.arx");
+    EXPECT_TRUE(loaded) << loaded.message;
+  }
+  ~Plan() override { std::filesystem::remove_all(folder_); }
+
+  static host::editor::ApplicationOptions options(Plan* plan) {
+    host::editor::ApplicationOptions options;
+    options.transcript = [plan](std::wstring_view text) { plan->transcript_ += host::text::toUtf8(text); };
+    options.supportFolders = {std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid())) /
+                              "support"};
+    return options;
+  }
+
+  /// Runs a script that must succeed; the answer is what the command line showed.
+  std::string run(const std::string& script) {
+    const host::editor::Result result = tryRun(script);
+    EXPECT_TRUE(result) << result.message << "\n" << transcript_;
+    return transcript_;
+  }
+  host::editor::Result tryRun(const std::string& script) {
+    transcript_.clear();
+    host::editor::ScriptInput input(script, "test.scr");
+    return application_.run(input);
+  }
+
+  DrawingDatabase& drawing() { return *application_.drawing(); }
+  std::string text() { return host::dxf::drawingText(drawing()); }
+  /// Goes on with a drawing given as text.
+  void openText(const std::string& text) {
+    const auto file = folder_ / "plan.dxf";
+    std::ofstream(file, std::ios::binary) << text;
+    application_.closeDrawing();
+    const auto opened = application_.openDrawing(file);
+    ASSERT_TRUE(opened) << opened.message;
+  }
+  void reopen() { openText(text()); }
+
+  // ---- looking at the drawing ----
+  std::vector<Slot*> living(DxfType type, std::wstring_view layer = {}) {
+    std::vector<Slot*> found;
+    for (Slot* const slot : drawing().modelSpace().entities) {
+      if (slot->isErased() || slot->type != type) continue;
+      if (layer.empty() || drawing().layerName(slot->layer) == layer) found.push_back(slot);
+    }
+    return found;
+  }
+  Slot* last(DxfType type) {
+    const auto all = living(type);
+    return all.empty() ? nullptr : all.back();
+  }
+  std::string value(const Slot& slot, int code) {
+    Tag tag;
+    for (TagCursor cursor = slot.tags(); cursor.next(tag) && tag.code < 1000;) {
+      if (tag.code == code) return std::string(tag.trimmed());
+    }
+    return {};
+  }
+  std::wstring layer(const Slot& slot) { return drawing().layerName(slot.layer); }
+  /// "1001 kaava_tolmex|1000 TOLM_VERSION|..." of one application.
+  std::string xdata(const Slot& slot, const std::string& application) {
+    std::string all;
+    bool inside = false;
+    Tag tag;
+    for (TagCursor cursor = slot.tags(); cursor.next(tag);) {
+      if (tag.code < 1000) continue;
+      if (tag.code == 1001) inside = tag.value == application;
+      if (!inside) continue;
+      all += (all.empty() ? "" : "|") + std::to_string(tag.code) + " " +
+             host::text::toUtf8(drawing().codec().decode(tag.value));
+    }
+    return all;
+  }
+  /// The value behind a key of the entity tag.
+  std::string tagValue(const Slot& slot, const std::string& key) {
+    std::stringstream items(xdata(slot, "kaava_tolmex"));
+    bool next = false;
+    for (std::string item; std::getline(items, item, '|');) {
+      if (next) return item.substr(5);
+      next = item == "1000 " + key;
+    }
+    return {};
+  }
+  int layerColor(const std::wstring& name) {
+    const Slot* const record = drawing().findRecord(DxfType::Layer, name);
+    return record != nullptr ? std::stoi(value(*record, 62)) : -1;
+  }
+  int layerFlags(const std::wstring& name) { return std::stoi(value(*drawing().findRecord(DxfType::Layer, name), 70)); }
+  std::string handle(const Slot& slot) { return host::text::formatHandle(slot.handle); }
+  std::string pick(const Slot& slot) { return "(handent \"" + handle(slot) + "\")\n"; }
+  void iniFile(const std::string& text) { std::ofstream(folder_ / "support" / "tolm.ini") << text; }
+
+  std::filesystem::path folder_;
+  std::string transcript_;
+  host::editor::Application application_;
+};
+
+}  // namespace tests

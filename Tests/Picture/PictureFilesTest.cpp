@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "Picture/Rendered.h"
+
+namespace tests {
+namespace {
+
+using host::picture::formatOfFile;
+
+SmallDrawing oneOfMuch() {
+  SmallDrawing drawing;
+  drawing.layer("0", "70 0|62 7");
+  drawing.entity("LINE", "10 0|20 0|11 10|21 0")
+      .entity("CIRCLE", "10 5|20 5|40 4", "8 0|62 1")
+      .entity("TEXT", "10 1|20 1|40 2|1 Teksti \\U+00E4")
+      .entity("HATCH", solidBox(6, 6, 8, 8), "8 0|62 3|440 33554559");
+  return drawing;
+}
+
+TEST(PictureFiles, SameInputGivesSameBytesWithoutDates) {
+  for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg, PictureFormat::Pdf}) {
+    SmallDatabase a(oneOfMuch()), b(oneOfMuch());
+    PictureOptions options;
+    setPaper(options, "A4");
+    const PictureResult first = drawPicture(*a, options, format), second = drawPicture(*b, options, format);
+    ASSERT_TRUE(first.ok) << first.message;
+    EXPECT_EQ(first.bytes, second.bytes);
+    for (const char* word : {"CreationDate", "ModDate", "tIME", "/ID"})
+      EXPECT_EQ(first.bytes.find(word), std::string::npos) << word;
+  }
+}
+
+TEST(PictureFiles, PdfObjectTableIsRight) {
+  SmallDatabase db(oneOfMuch());
+  PictureOptions options;
+  setPaper(options, "A4-landscape");
+  const std::string pdf = drawPicture(*db, options, PictureFormat::Pdf).bytes;
+  const std::size_t table = std::stoul(pdf.substr(pdf.rfind("startxref\n") + 10));
+  ASSERT_EQ(pdf.substr(table, 5), "xref\n");
+  const std::size_t count = std::stoul(pdf.substr(table + 7));
+  ASSERT_GT(count, 5U);
+  std::size_t entry = pdf.find('\n', table + 5) + 1 + 20;  // the first entry is of no object
+  for (std::size_t number = 1; number < count; ++number, entry += 20) {
+    const std::size_t offset = std::stoul(pdf.substr(entry, 10));
+    const std::string head = std::to_string(number) + " 0 obj";
+    EXPECT_EQ(pdf.substr(offset, head.size()), head);
+  }
+  EXPECT_NE(pdf.find("/MediaBox [0 0 842"), std::string::npos);
+}
+
+TEST(PictureFiles, PaperAndScaleAreTrueToSize) {
+  // 100 m at 1:500 are 200 mm.
+  SmallDatabase db(SmallDrawing().entity("LINE", "10 27496000|20 6713000|11 27496100|21 6713000", "8 0|62 1"));
+  PictureOptions options;
+  setPaper(options, "A4");
+  setScale(options, "1:500");
+  options.widthPx = 2970;
+  const PictureResult svg = drawPicture(*db, options, PictureFormat::Svg);
+  ASSERT_TRUE(svg.ok) << svg.message;
+  EXPECT_EQ(svg.message, "");
+  EXPECT_NE(svg.bytes.find("width=\"297mm\" height=\"210mm\""), std::string::npos) << svg.bytes.substr(0, 200);
+  EXPECT_NEAR(svg.drawn.maxX - svg.drawn.minX, 297 * 0.5, 1e-6);
+  for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg}) {
+    const QImage image = Rendered(db, options, format).image();  // ten pixels for a millimetre
+    int left = image.width(), right = 0;
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x)
+        if (qGreen(image.pixel(x, y)) < 128 && qAlpha(image.pixel(x, y)) > 0) {
+          left = std::min(left, x);
+          right = std::max(right, x);
+        }
+    EXPECT_NEAR(right - left, 2000, 6) << "width of the line's own ends included";
+  }
+}
+
+TEST(PictureFiles, WhatDoesNotFitIsSaidWithThePaperThatWouldDo) {
+  struct Case {
+    const char *paper, *scale, *said;
+  };
+  SmallDatabase db(SmallDrawing().entity("LWPOLYLINE", "90 2|70 0|10 0|20 0|10 200|20 150"));
+  for (const Case& c : {Case{"A4", "1:500", "At 1:500 the drawing is 400 x 300 mm and does not fit on A4 landscape: 103 mm too "
+                                            "wide and 90 mm too high; A2 portrait would do."},
+                        Case{"A4-portrait", "1:1000", ""},
+                        Case{"A0", "1:100", "no paper up to A0 would do at this scale, A0 would at 1:179."}}) {
+    PictureOptions options;
+    ASSERT_EQ(setPaper(options, c.paper), "");
+    ASSERT_EQ(setScale(options, c.scale), "");
+    const PictureResult result = drawPicture(*db, options, PictureFormat::Svg);
+    EXPECT_TRUE(result.ok);
+    EXPECT_EQ(result.message.empty(), std::string(c.said).empty());
+    EXPECT_NE(result.message.find(c.said), std::string::npos) << result.message;
+  }
+}
+
+TEST(PictureFiles, NeverBlankByAccident) {
+  SmallDatabase db(SmallDrawing().layer("0", "70 0|62 7").entity("LINE", "10 0|20 0|11 10|21 5"));
+  PictureOptions options;
+  setWindow(options, "100,100,200,150");
+  PictureResult result = drawPicture(*db, options, PictureFormat::Png);
+  EXPECT_FALSE(result.ok);
+  EXPECT_EQ(result.message,
+            "Nothing visible lies in the window (100, 100) - (200, 150); the drawing covers (0, 0) - (10, 5).");
+  setWindow(options, "0,4,1,5");  // within the extents, but the line passes elsewhere
+  EXPECT_FALSE(drawPicture(*db, options, PictureFormat::Pdf).ok);
+
+  options = {};
+  options.layers = "road*";
+  EXPECT_EQ(drawPicture(*db, options, PictureFormat::Png).message,
+            "Layout \"Model\" has nothing visible on layers \"road*\" to draw.");
+  options = {};
+  options.layout = "A3";
+  EXPECT_EQ(drawPicture(*db, options, PictureFormat::Png).message.find("There is no layout \"A3\""), 0U);
+  SmallDatabase empty{SmallDrawing()};
+  EXPECT_FALSE(drawPicture(*empty, {}, PictureFormat::Svg).ok);
+}
+
+TEST(PictureFiles, HostileDrawingsEndQuickly) {
+  SmallDrawing drawing;
+  drawing.linetype("FINE", "3 x|72 65|73 2|40 1e-9|49 5e-10|74 0|49 -5e-10|74 0");
+  drawing.block("loop").entity("INSERT", "2 loop|10 1|20 1").entity("LINE", "10 0|20 0|11 1|21 1");
+  drawing.block("many").entity("POINT", "10 0|20 0");
+  drawing.model()
+      .entity("INSERT", "2 loop|10 0|20 0")
+      .entity("INSERT", "2 many|10 0|20 0|70 32767|71 32767|44 0.001|45 0.001")
+      .entity("LINE", "10 -1e14|20 0|11 1e14|21 10", "8 0|6 FINE")
+      .entity("CIRCLE", "10 0|20 0|40 1e14")
+      .entity("XLINE", "10 5|20 5|11 1|21 1")
+      .entity("MTEXT", "10 1e300|20 0|40 1|1 x")
+      .entity("TEXT", "10 0|20 0|40 1e14|1 huge")
+      .entity("LINE", "10 0|20 nan|11 1|21 inf");
+  const auto begin = std::chrono::steady_clock::now();
+  SmallDatabase db(drawing);
+  const PictureResult result = drawPicture(*db, twentyByTwenty(), PictureFormat::Svg);
+  EXPECT_TRUE(result.ok);
+  EXPECT_NE(result.message.find("part of it was left out"), std::string::npos) << result.message;
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(120)) << "sanitizers included";
+}
+
+TEST(PictureOptions, TextsOfOptions) {
+  struct Case {
+    std::string (*set)(PictureOptions&, std::string_view);
+    const char* text;
+    bool good;
+  };
+  for (const Case& c : std::initializer_list<Case>{
+           {host::picture::setPaper, "a3", true},        {host::picture::setPaper, "A3-Landscape", true},
+           {host::picture::setPaper, "594x420", true},   {host::picture::setPaper, "A7", false},
+           {host::picture::setPaper, "A3-sideways", false}, {host::picture::setPaper, "0x100", false},
+           {host::picture::setPaper, "", false},         {host::picture::setScale, "1:500", true},
+           {host::picture::setScale, "2:1", true},       {host::picture::setScale, "500", false},
+           {host::picture::setScale, "1:0", false},      {host::picture::setScale, "1:-5", false},
+           {host::picture::setScale, "1:2:3", false},    {host::picture::setScale, "1:5x", false},
+           {host::picture::setWindow, "0,0,1,1", true},  {host::picture::setWindow, "1,1,0,0", true},
+           {host::picture::setWindow, "0,0,1", false},   {host::picture::setWindow, "0,0,0,1", false},
+           {host::picture::setWindow, "0,0,nan,1", false}, {host::picture::setWidth, "1600", true},
+           {host::picture::setWidth, "0", false},        {host::picture::setWidth, "1e9", false},
+           {host::picture::setWidth, "12.5", false},     {host::picture::setBackground, "white", true},
+           {host::picture::setBackground, "#A0b0C0", true}, {host::picture::setBackground, "transparent", true},
+           {host::picture::setBackground, "#12", false}, {host::picture::setBackground, "nocolour", false},
+           {host::picture::setLineweights, "off", true}, {host::picture::setLineweights, "2.5", true},
+           {host::picture::setLineweights, "-1", false}, {host::picture::setLineweights, "thick", false}}) {
+    PictureOptions options;
+    const std::string answer = c.set(options, c.text);
+    EXPECT_EQ(answer.empty(), c.good) << c.text << ": " << answer;
+    if (!c.good) {
+      EXPECT_NE(answer.find("\"" + std::string(c.text) + "\""), std::string::npos) << answer;
+    }
+  }
+  EXPECT_EQ(formatOfFile("plan.PNG"), PictureFormat::Png);
+  EXPECT_EQ(formatOfFile("a.b/plan.svg"), PictureFormat::Svg);
+  EXPECT_EQ(formatOfFile("plan.pdf"), PictureFormat::Pdf);
+  EXPECT_FALSE(formatOfFile("png"));
+}
+
+}  // namespace
+}  // namespace tests
