@@ -61,6 +61,7 @@ class ADESK_EXPORT AcDbSymbolTable : public AcDbObject {
   AcDbSymbolTable() = default;
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are class names
 /// The typed look-up that every table adds to the general one.
 #define ACDB_DECLARE_SYMBOL_TABLE(TABLE, RECORD)                                                                      \
   class ADESK_EXPORT TABLE : public AcDbSymbolTable {                                                                 \
@@ -76,6 +77,7 @@ class ADESK_EXPORT AcDbSymbolTable : public AcDbObject {
       return status;                                                                                                  \
     }                                                                                                                 \
   }
+// NOLINTEND(bugprone-macro-parentheses)
 
 /// A layer; new ones are white, Continuous, on, thawed, unlocked, plotted.
 class ADESK_EXPORT AcDbLayerTableRecord : public AcDbSymbolTableRecord {

@@ -22,6 +22,7 @@ class ADESK_EXPORT AcRxObject {
   AcRxObject() = default;
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are class names
 /// Class members of the run-time class information; every class of the interface has them.
 #define ACRX_DECLARE_MEMBERS(CLASS)                                    \
  public:                                                               \
@@ -35,3 +36,4 @@ class ADESK_EXPORT AcRxObject {
                                                                        \
  private:                                                              \
   using rxThisClass = CLASS
+// NOLINTEND(bugprone-macro-parentheses)
