@@ -20,8 +20,6 @@ using database::DxfType;
 using database::kBadCode;
 using database::Slot;
 using database::SymbolTable;
-using database::Tag;
-using database::TagCursor;
 
 namespace {
 
