@@ -11,6 +11,7 @@
 #include "dbxrecrd.h"
 #include "sorttab.h"
 
+using host::database::addValue;
 using host::database::Chain;
 using host::database::DictionaryContents;
 using host::database::DrawingDatabase;
@@ -23,6 +24,7 @@ using host::database::TagCursor;
 using host::database::TagWriter;
 using host::database::ValueKind;
 using host::database::valueKind;
+using host::database::writeValue;
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbDictionary, AcDbObject)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbDictionaryIterator, AcRxObject)
@@ -322,35 +324,10 @@ constexpr std::string_view kXrecord = "AcDbXrecord";
 
 /// Entity and object names in chains are ids; in records they are handles.
 void writeXrecordItem(TagWriter& out, const resbuf& item) {
-  const int code = item.restype;
-  switch (valueKind(code)) {
-    case ValueKind::Text:
-      out.text(code, item.resval.rstring != nullptr ? item.resval.rstring : L"");
-      break;
-    case ValueKind::Point:
-      out.point(code, item.resval.rpoint[0], item.resval.rpoint[1], item.resval.rpoint[2]);
-      break;
-    case ValueKind::Real:
-      out.real(code, item.resval.rreal);
-      break;
-    case ValueKind::Short:
-      out.integer(code, item.resval.rint);
-      break;
-    case ValueKind::Long:
-      out.integer(code, item.resval.rlong);
-      break;
-    case ValueKind::Long64:
-      out.integer(code, item.resval.mnInt64);
-      break;
-    case ValueKind::Name: {
-      AcDbObjectId id;
-      acdbGetObjectId(id, item.resval.rlname);
-      out.handle(code, id.handle());
-      break;
-    }
-    default:
-      break;
-  }
+  if (writeValue(out, item) || valueKind(item.restype) != ValueKind::Name) return;
+  AcDbObjectId id;
+  acdbGetObjectId(id, item.resval.rlname);
+  out.handle(item.restype, id.handle());
 }
 
 /// Tag number where the data begin: behind the subclass marker and its merge flag.
@@ -382,42 +359,11 @@ Acad::ErrorStatus AcDbXrecord::rbChain(resbuf** chain, AcDbDatabase*) const {
   Tag tag;
   for (TagCursor cursor = HostObjectAccess::tags(*this); cursor.next(tag) && tag.code < 1000; ++number) {
     if (number < begin) continue;
-    switch (valueKind(tag.code)) {
-      case ValueKind::Text:
-        items.addText(tag.code, codec.decode(tag.value));
-        break;
-      case ValueKind::Point: {
-        resbuf* const item = items.add(tag.code);
-        item->resval.rpoint[0] = tag.real();
-        for (int axis = 1; axis < 3; ++axis) {
-          TagCursor ahead = cursor;
-          Tag next;
-          if (!ahead.next(next) || next.code != item->restype + 10 * axis) break;
-          item->resval.rpoint[axis] = next.real();
-          cursor = ahead;
-          ++number;
-        }
-        break;
-      }
-      case ValueKind::Real:
-        items.add(tag.code)->resval.rreal = tag.real();
-        break;
-      case ValueKind::Short:
-        items.add(tag.code)->resval.rint = static_cast<short>(tag.integer());
-        break;
-      case ValueKind::Long:
-        items.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer());
-        break;
-      case ValueKind::Long64:
-        items.add(tag.code)->resval.mnInt64 = tag.integer();
-        break;
-      case ValueKind::Name: {
-        Slot* const slot = db != nullptr ? db->findHandle(tag.handle()) : nullptr;
-        items.add(tag.code)->resval.rlname[0] = AcDbObjectId(slot).asOldId();
-        break;
-      }
-      default:
-        break;
+    const std::size_t taken = addValue(items, tag, cursor, codec);
+    if (taken > 1) number += taken - 1;
+    if (taken == 0 && valueKind(tag.code) == ValueKind::Name) {
+      Slot* const slot = db != nullptr ? db->findHandle(tag.handle()) : nullptr;
+      items.add(tag.code)->resval.rlname[0] = AcDbObjectId(slot).asOldId();
     }
   }
   *chain = items.release();

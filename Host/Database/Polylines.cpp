@@ -87,7 +87,10 @@ void LightPolyline::write(TagWriter& out) const {
   if (thickness != 0) out.real(39, thickness);
   for (const Vertex& vertex : vertices) {
     out.point(10, vertex.point.x, vertex.point.y);
-    if (hasWidths) out.real(40, std::max(vertex.startWidth, 0.0)).real(41, std::max(vertex.endWidth, 0.0));
+    if (hasWidths) {
+      out.real(40, vertex.startWidth >= 0 ? vertex.startWidth : constantWidth);
+      out.real(41, vertex.endWidth >= 0 ? vertex.endWidth : constantWidth);
+    }
     if (vertex.bulge != 0) out.real(42, vertex.bulge);
   }
   if (!(normal == AcGeVector3d::kZAxis)) out.point(210, normal.x, normal.y, normal.z);

@@ -81,6 +81,68 @@ void Chain::addText(int type, const std::wstring& value) { acutUpdString(value.c
 
 Chain::~Chain() { acutRelRb(head_); }
 
+std::size_t addValue(Chain& chain, const Tag& tag, TagCursor& cursor, const text::Codec& codec) {
+  switch (valueKind(tag.code)) {
+    case ValueKind::Text:
+      chain.addText(tag.code, codec.decode(tag.value));
+      return 1;
+    case ValueKind::Point: {
+      resbuf* const item = chain.add(tag.code);
+      item->resval.rpoint[0] = tag.real();
+      std::size_t taken = 1;
+      for (int axis = 1; axis < 3; ++axis) {
+        TagCursor ahead = cursor;
+        Tag next;
+        if (!ahead.next(next) || next.code != tag.code + 10 * axis) break;
+        item->resval.rpoint[axis] = next.real();
+        cursor = ahead;
+        ++taken;
+      }
+      return taken;
+    }
+    case ValueKind::Real:
+      chain.add(tag.code)->resval.rreal = tag.real();
+      return 1;
+    case ValueKind::Short:
+      chain.add(tag.code)->resval.rint = static_cast<short>(tag.integer());
+      return 1;
+    case ValueKind::Long:
+      chain.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer());
+      return 1;
+    case ValueKind::Long64:
+      chain.add(tag.code)->resval.mnInt64 = tag.integer();
+      return 1;
+    default:
+      return 0;
+  }
+}
+
+bool writeValue(TagWriter& out, const resbuf& item) {
+  const int code = item.restype;
+  switch (valueKind(code)) {
+    case ValueKind::Text:
+      out.text(code, item.resval.rstring != nullptr ? item.resval.rstring : L"");
+      return true;
+    case ValueKind::Point:
+      out.point(code, item.resval.rpoint[0], item.resval.rpoint[1], item.resval.rpoint[2]);
+      return true;
+    case ValueKind::Real:
+      out.real(code, item.resval.rreal);
+      return true;
+    case ValueKind::Short:
+      out.integer(code, item.resval.rint);
+      return true;
+    case ValueKind::Long:
+      out.integer(code, item.resval.rlong);
+      return true;
+    case ValueKind::Long64:
+      out.integer(code, item.resval.mnInt64);
+      return true;
+    default:
+      return false;
+  }
+}
+
 }  // namespace host::database
 
 using host::database::ValueKind;

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "Database/Record.h"
 #include "adslib.h"
 
 namespace host::database {
@@ -31,5 +32,11 @@ class Chain {
   resbuf* head_ = nullptr;
   resbuf* tail_ = nullptr;
 };
+
+/// Adds the value of a tag to a chain; a point takes its Y and Z from the cursor. Answers the number of tags taken, 0 for
+/// names and binaries, which differ between xrecords and extended data.
+std::size_t addValue(Chain& chain, const Tag& tag, TagCursor& cursor, const text::Codec& codec);
+/// Spells an item's value; false for names and binaries.
+bool writeValue(TagWriter& out, const resbuf& item);
 
 }  // namespace host::database

@@ -12,6 +12,7 @@
 #include "dbmain.h"
 #include "dbsymtb.h"
 
+using host::database::addValue;
 using host::database::Chain;
 using host::database::DrawingDatabase;
 using host::database::DxfType;
@@ -21,6 +22,7 @@ using host::database::TagCursor;
 using host::database::TagWriter;
 using host::database::ValueKind;
 using host::database::valueKind;
+using host::database::writeValue;
 
 namespace {
 
@@ -97,33 +99,10 @@ std::string hexText(const ads_binary& binary) {
 }
 
 void writeItem(TagWriter& out, const resbuf& item) {
-  switch (valueKind(item.restype)) {
-    case ValueKind::Text: {
-      const std::wstring value = item.resval.rstring != nullptr ? item.resval.rstring : L"";
-      if (item.restype == 1005) {
-        out.handle(1005, host::text::parseHandle(host::text::toUtf8(value)));
-      } else {
-        out.text(item.restype, value);
-      }
-      break;
-    }
-    case ValueKind::Point:
-      out.point(item.restype, item.resval.rpoint[0], item.resval.rpoint[1], item.resval.rpoint[2]);
-      break;
-    case ValueKind::Real:
-      out.real(item.restype, item.resval.rreal);
-      break;
-    case ValueKind::Short:
-      out.integer(item.restype, item.resval.rint);
-      break;
-    case ValueKind::Long:
-      out.integer(item.restype, item.resval.rlong);
-      break;
-    case ValueKind::Binary:
-      out.raw(item.restype, hexText(item.resval.rbinary));
-      break;
-    default:
-      break;
+  if (item.restype == 1005) {
+    out.handle(1005, host::text::parseHandle(host::text::toUtf8(item.resval.rstring)));
+  } else if (!writeValue(out, item) && valueKind(item.restype) == ValueKind::Binary) {
+    out.raw(item.restype, hexText(item.resval.rbinary));
   }
 }
 
@@ -161,38 +140,8 @@ resbuf* AcDbObject::xData(const ACHAR* regappName) const {
     if (tag.code < 1000) continue;
     if (tag.code == 1001) inside = regappName == nullptr || host::text::folded(codec.decode(tag.value)) == wanted;
     if (!inside) continue;
-    switch (valueKind(tag.code)) {
-      case ValueKind::Text:
-        chain.addText(tag.code, codec.decode(tag.code == 1005 ? tag.trimmed() : tag.value));
-        break;
-      case ValueKind::Point: {
-        // X comes first, then Y and Z under codes 10 and 20 higher.
-        if (tag.code >= 1020) break;
-        resbuf* const item = chain.add(tag.code);
-        item->resval.rpoint[0] = tag.real();
-        for (int axis = 1; axis < 3; ++axis) {
-          TagCursor ahead = cursor;
-          Tag next;
-          if (!ahead.next(next) || next.code != item->restype + 10 * axis) break;
-          item->resval.rpoint[axis] = next.real();
-          cursor = ahead;
-        }
-        break;
-      }
-      case ValueKind::Real:
-        chain.add(tag.code)->resval.rreal = tag.real();
-        break;
-      case ValueKind::Short:
-        chain.add(tag.code)->resval.rint = static_cast<short>(tag.integer());
-        break;
-      case ValueKind::Long:
-        chain.add(tag.code)->resval.rlong = static_cast<Adesk::Int32>(tag.integer());
-        break;
-      case ValueKind::Binary:
-        setBinary(*chain.add(tag.code), tag.trimmed());
-        break;
-      default:
-        break;
+    if (addValue(chain, tag, cursor, codec) == 0 && valueKind(tag.code) == ValueKind::Binary) {
+      setBinary(*chain.add(tag.code), tag.trimmed());
     }
   }
   return chain.release();

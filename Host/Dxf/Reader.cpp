@@ -141,7 +141,8 @@ class Reader {
       parts_.codec = text::Codec::forCodePage(text::toUtf8(db_.headerText("$DWGCODEPAGE", 3).value_or(L"ANSI_1252")));
     }
     if (const auto seed = db_.headerText("$HANDSEED", 5)) {
-      parts_.nextHandle = std::max<std::uint64_t>(text::parseHandle(text::toUtf8(*seed)), 1);
+      constexpr std::uint64_t kMost = std::uint64_t{1} << 60;
+      parts_.nextHandle = std::clamp<std::uint64_t>(text::parseHandle(text::toUtf8(*seed)), 1, kMost);
     }
   }
 
@@ -280,7 +281,12 @@ class Reader {
     return (flags & 32) != 0 ? DxfType::Vertex3d : DxfType::Vertex2d;
   }
 
-  static std::uint64_t handleOf(const Token& token) { return text::parseHandle(token.trimmed()); }
+  /// Handles no program gives out would leave no room for new ones; an object with one gets another.
+  static std::uint64_t handleOf(const Token& token) {
+    constexpr std::uint64_t kMost = std::uint64_t{1} << 60;
+    const std::uint64_t handle = text::parseHandle(token.trimmed());
+    return handle < kMost ? handle : 0;
+  }
 
   // ---- sections ----
 
