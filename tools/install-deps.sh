@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake ninja-build ccache
-  qt6-base-dev libqt6svg6-dev libcli11-dev
+  qt6-base-dev libqt6svg6-dev libfreetype-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format-14 clang-tidy-14
   fonts-dejavu-core

@@ -22,7 +22,15 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbCurve, AcDbEntity)
 
 namespace {
 
-constexpr std::string_view kEntity = "AcDbEntity";
+/// Where an entity's common values stand: in their own subclass, but anywhere with writers that misplace them.
+std::string_view commonPart(const AcDbObject& entity) {
+  Tag tag;
+  const bool isMisplaced = HostObjectAccess::slot(entity) != nullptr &&
+                           !HostObjectAccess::findTag(entity, "AcDbEntity", 8, tag) &&
+                           HostObjectAccess::findTag(entity, "", 8, tag);
+  return isMisplaced ? std::string_view() : std::string_view("AcDbEntity");
+}
+
 constexpr std::uint16_t kColorNone = AcCmEntityColor::kACInone;
 constexpr std::uint16_t kColorByLayer = AcCmEntityColor::kACIbyLayer;
 
@@ -40,12 +48,12 @@ std::string nameFor(const AcDbObject& entity, const Slot& record) {
 
 /// Sets a name (tag 8 or 6) on an entity and, when asked, on its vertices.
 void setName(AcDbEntity& entity, int code, const std::string& name, bool doSubents) {
-  HostObjectAccess::setTag(entity, kEntity, code, name);
+  HostObjectAccess::setTag(entity, commonPart(entity), code, name);
   Slot* const slot = HostObjectAccess::slot(entity);
   if (slot == nullptr || !doSubents || slot->type == DxfType::Insert) return;
   DrawingDatabase::Parts& parts = slot->database().parts();
   for (Slot* sub = slot->firstSub; sub != nullptr; sub = sub->nextSub) {
-    if (!sub->isErased()) parts.setTag(*sub, kEntity, code, name);
+    if (!sub->isErased()) parts.setTag(*sub, "AcDbEntity", code, name);
   }
 }
 
@@ -56,7 +64,7 @@ AcDbObjectId AcDbEntity::layerId() const {
   if (db == nullptr) return AcDbObjectId::kNull;
   if (slot_ != nullptr) return AcDbObjectId(db->layerRecord(slot_->layer));
   Tag tag;
-  if (!HostObjectAccess::findTag(*this, kEntity, 8, tag)) return AcDbObjectId::kNull;
+  if (!HostObjectAccess::findTag(*this, commonPart(*this), 8, tag)) return AcDbObjectId::kNull;
   return AcDbObjectId(db->findRecord(DxfType::Layer, HostObjectAccess::codec(*this).decode(tag.value)));
 }
 
@@ -64,7 +72,7 @@ ACHAR* AcDbEntity::layer() const {
   std::wstring name;
   if (slot_ != nullptr) {
     name = slot_->database().layerName(slot_->layer);
-  } else if (Tag tag; HostObjectAccess::findTag(*this, kEntity, 8, tag)) {
+  } else if (Tag tag; HostObjectAccess::findTag(*this, commonPart(*this), 8, tag)) {
     name = HostObjectAccess::codec(*this).decode(tag.value);
   }
   ACHAR* copy = nullptr;
@@ -99,7 +107,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, Adesk::Boolean doSube
   if (slot_ != nullptr) {
     Tag tag;
     DrawingDatabase::Parts& parts = slot_->database().parts();
-    if (!HostObjectAccess::findTag(*this, kEntity, 8, tag)) return Acad::eOk;
+    if (!HostObjectAccess::findTag(*this, commonPart(*this), 8, tag)) return Acad::eOk;
     slot_->layer = parts.internLayer(tag.value);
     if (doSubents) {
       for (Slot* sub = slot_->firstSub; sub != nullptr; sub = sub->nextSub) {
@@ -112,7 +120,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, Adesk::Boolean doSube
 
 Adesk::UInt16 AcDbEntity::colorIndex() const {
   Tag tag;
-  if (HostObjectAccess::findTag(*this, kEntity, 62, tag)) return static_cast<Adesk::UInt16>(tag.integer());
+  if (HostObjectAccess::findTag(*this, commonPart(*this), 62, tag)) return static_cast<Adesk::UInt16>(tag.integer());
   return slot_ != nullptr ? kColorByLayer : kColorNone;
 }
 
@@ -125,11 +133,11 @@ Acad::ErrorStatus AcDbEntity::setColorIndex(Adesk::UInt16 index, Adesk::Boolean)
 AcCmColor AcDbEntity::color() const {
   AcCmColor value;
   Tag tag;
-  if (HostObjectAccess::findTag(*this, kEntity, 420, tag)) {
+  if (HostObjectAccess::findTag(*this, commonPart(*this), 420, tag)) {
     const std::int64_t rgb = tag.integer();
     value.setRGB(static_cast<Adesk::UInt8>(rgb >> 16), static_cast<Adesk::UInt8>(rgb >> 8),
                  static_cast<Adesk::UInt8>(rgb));
-  } else if (HostObjectAccess::findTag(*this, kEntity, 62, tag)) {
+  } else if (HostObjectAccess::findTag(*this, commonPart(*this), 62, tag)) {
     value.setColorIndex(static_cast<Adesk::UInt16>(tag.integer()));
   }
   return value;
@@ -137,18 +145,18 @@ AcCmColor AcDbEntity::color() const {
 
 Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& color, bool, AcDbDatabase*) {
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
-  HostObjectAccess::removeTag(*this, kEntity, 430);
+  HostObjectAccess::removeTag(*this, commonPart(*this), 430);
   if (color.isByColor()) {
-    HostObjectAccess::setTag(*this, kEntity, 420,
+    HostObjectAccess::setTag(*this, commonPart(*this), 420,
                              std::to_string((color.red() << 16) | (color.green() << 8) | color.blue()));
   } else {
-    HostObjectAccess::removeTag(*this, kEntity, 420);
+    HostObjectAccess::removeTag(*this, commonPart(*this), 420);
   }
   // In a drawing an entity without the tag is by layer; a detached one has not been given a colour yet.
   if (slot_ != nullptr && color.isByLayer()) {
-    HostObjectAccess::removeTag(*this, kEntity, 62);
+    HostObjectAccess::removeTag(*this, commonPart(*this), 62);
   } else {
-    HostObjectAccess::setTag(*this, kEntity, 62, host::database::spelledInteger(62, color.colorIndex()));
+    HostObjectAccess::setTag(*this, commonPart(*this), 62, host::database::spelledInteger(62, color.colorIndex()));
   }
   return Acad::eOk;
 }
@@ -157,7 +165,7 @@ AcDbObjectId AcDbEntity::linetypeId() const {
   DrawingDatabase* const db = databaseFor(*this);
   if (db == nullptr) return AcDbObjectId::kNull;
   Tag tag;
-  if (HostObjectAccess::findTag(*this, kEntity, 6, tag)) {
+  if (HostObjectAccess::findTag(*this, commonPart(*this), 6, tag)) {
     return AcDbObjectId(db->findRecord(DxfType::LineType, HostObjectAccess::codec(*this).decode(tag.value)));
   }
   return slot_ != nullptr ? AcDbObjectId(db->findRecord(DxfType::LineType, L"ByLayer")) : AcDbObjectId::kNull;
@@ -186,26 +194,26 @@ void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db) {
   const DrawingDatabase& drawing = db->hostDatabase();
   Tag tag;
   const auto setText = [&](int code, const std::wstring& value) {
-    HostObjectAccess::setTag(*this, kEntity, code, HostObjectAccess::codec(*this).encode(value));
+    HostObjectAccess::setTag(*this, commonPart(*this), code, HostObjectAccess::codec(*this).encode(value));
   };
-  if (!HostObjectAccess::findTag(*this, kEntity, 8, tag)) {
+  if (!HostObjectAccess::findTag(*this, commonPart(*this), 8, tag)) {
     setText(8, drawing.headerText("$CLAYER", 8).value_or(L"0"));
   }
-  if (!HostObjectAccess::findTag(*this, kEntity, 6, tag)) {
+  if (!HostObjectAccess::findTag(*this, commonPart(*this), 6, tag)) {
     const std::wstring linetype = drawing.headerText("$CELTYPE", 6).value_or(L"ByLayer");
     if (!host::text::equalFolded(linetype, L"ByLayer")) setText(6, linetype);
   }
-  if (!HostObjectAccess::findTag(*this, kEntity, 62, tag)) {
+  if (!HostObjectAccess::findTag(*this, commonPart(*this), 62, tag)) {
     const std::int64_t color = drawing.headerInteger("$CECOLOR", 62).value_or(kColorByLayer);
     if (color != kColorByLayer) setText(62, std::to_wstring(color));
   } else if (tag.integer() == kColorByLayer) {
-    HostObjectAccess::removeTag(*this, kEntity, 62);  // by layer is what no tag means from now on
+    HostObjectAccess::removeTag(*this, commonPart(*this), 62);  // by layer is what no tag means from now on
   }
-  if (!HostObjectAccess::findTag(*this, kEntity, 370, tag)) {
+  if (!HostObjectAccess::findTag(*this, commonPart(*this), 370, tag)) {
     const std::int64_t weight = drawing.headerInteger("$CELWEIGHT", 370).value_or(-1);
     if (weight != -1) setText(370, std::to_wstring(weight));
   }
-  if (!HostObjectAccess::findTag(*this, kEntity, 48, tag)) {
+  if (!HostObjectAccess::findTag(*this, commonPart(*this), 48, tag)) {
     const double scale = drawing.headerReal("$CELTSCALE", 40).value_or(1.0);
     if (scale != 1.0 && scale > 0) setText(48, host::text::fromUtf8(host::text::formatReal(scale)));
   }

@@ -75,6 +75,7 @@ EntityProperties entityProperties(const Slot& slot) {
   EntityProperties properties;
   bool inside = false;
   bool inGroup = false;
+  bool sawLayer = false;
   Tag tag;
   for (TagCursor cursor = slot.tags(); cursor.next(tag);) {
     if (tag.code >= 1000) break;
@@ -84,11 +85,13 @@ EntityProperties entityProperties(const Slot& slot) {
     }
     if (inGroup) continue;
     if (tag.code == 100) {
-      if (inside) break;
-      inside = tag.trimmed() == "AcDbEntity";
+      // Some writers put the common values behind the entity's own marker.
+      if (inside && sawLayer) break;
+      inside = inside || tag.trimmed() == "AcDbEntity";
       continue;
     }
     if (!inside) continue;
+    sawLayer = sawLayer || tag.code == 8;
     switch (tag.code) {
       case 6:
         properties.linetype = tag.value;

@@ -242,7 +242,10 @@ class Reader {
         case 100:
           ++subclasses;
           // Common data end here; what follows matters for few types only.
-          if (isEntity ? subclasses >= 2 && !needsOwnData(type) : what == Kind::Object) skipTail(*slot);
+          // (Some writers put the layer behind the second marker.)
+          if (isEntity ? subclasses >= 2 && slot->layer != 0 && !needsOwnData(type) : what == Kind::Object) {
+            skipTail(*slot);
+          }
           break;
         case kBadCode:
           fail(token.offset, "expected a group code, found " + spelled(token));

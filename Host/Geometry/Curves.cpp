@@ -195,12 +195,15 @@ Chain flatten(const Nurbs& given, double deviation) {
   const auto degree = static_cast<std::size_t>(given.degree);
   const std::size_t count = given.controls.size();
   if (count < degree + 1) return chain;
-  if (!given.weights.empty() && given.weights.size() != count) return flatten(Nurbs{given.degree, given.knots, given.controls, {}}, deviation);
+  if (!given.weights.empty() && given.weights.size() != count)
+    return flatten(Nurbs{given.degree, given.knots, given.controls, {}}, deviation);
   std::vector<double> knots = given.knots;
-  if (knots.size() != count + degree + 1 || !std::is_sorted(knots.begin(), knots.end()) || knots[degree] >= knots[count]) {
+  if (knots.size() != count + degree + 1 || !std::is_sorted(knots.begin(), knots.end()) ||
+      knots[degree] >= knots[count]) {
     knots.assign(count + degree + 1, 0);
     for (std::size_t i = 0; i < knots.size(); ++i)
-      knots[i] = std::clamp(static_cast<double>(i) - static_cast<double>(degree), 0.0, static_cast<double>(count - degree));
+      knots[i] =
+          std::clamp(static_cast<double>(i) - static_cast<double>(degree), 0.0, static_cast<double>(count - degree));
   }
   if (deviation <= 0) deviation = std::max(sizeOf(given.controls) * kRelativeDeviation, 1e-12);
   DeBoor curve(given, knots);

@@ -127,8 +127,10 @@ class PathCollector {
     const auto hatch = readHatch(entity, deviation);
     const database::ObjectAxes axes(hatch.normal);
     const Transform plane = placement.after({axes.ax, axes.ay, axes.az, AcGePoint3d{} + axes.az * hatch.elevation});
-    if (hatch.solid || hatch.gradient) addHatchLoops(filledLoops(hatch), true, plane);
-    else addHatchLoops(hatch.loops, false, plane);
+    if (hatch.solid || hatch.gradient)
+      addHatchLoops(filledLoops(hatch), true, plane);
+    else
+      addHatchLoops(hatch.loops, false, plane);
   }
 
   void addInfinite(const InfiniteLine& line, const Transform& placement) {

@@ -29,21 +29,21 @@ struct Box {
 struct Path {
   std::vector<Point> points;
   bool closed = false;
-  bool filled = false;   // inside belongs to the entity (solids, solid hatches, text boxes)
+  bool filled = false;     // inside belongs to the entity (solids, solid hatches, text boxes)
   std::uint32_t area = 0;  // filled pieces of one number bound an area together, by the even-odd rule
 };
 
-/// The pieces of one entity: curves flattened so that no point is off by more than `deviation` drawing units; text as its
-/// box; hatches as their loops; references through their blocks (nested, arrayed, mirrored; at most 64 deep, cycles cut).
-/// Coordinates that are not finite leave the piece out.
+/// The pieces of one entity: curves flattened so that no point is off by more than `deviation` drawing units; text as
+/// its box; hatches as their loops; references through their blocks (nested, arrayed, mirrored; at most 64 deep, cycles
+/// cut). Coordinates that are not finite leave the piece out.
 std::vector<Path> entityPaths(const database::Slot& entity, double deviation);
 /// Box around those pieces; empty for an entity without a drawn shape. Infinite lines give their base point only.
 Box entityExtents(const database::Slot& entity);
 /// Box around the living, visible entities of a block.
 Box blockExtents(const database::DrawingDatabase& db, const database::BlockContents& block);
 
-/// Distance from a point to the nearest piece, 0 inside a filled one; infinity for an entity without a shape. Curves are
-/// looked at as closely as `within` (the pick aperture) asks.
+/// Distance from a point to the nearest piece, 0 inside a filled one; infinity for an entity without a shape. Curves
+/// are looked at as closely as `within` (the pick aperture) asks.
 double distanceTo(const database::Slot& entity, Point p, double within);
 enum class Window { Inside, Crossing };
 /// True when the entity lies wholly inside the polygon, or (Crossing) also when it touches it. Two points are opposite

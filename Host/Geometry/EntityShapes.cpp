@@ -33,13 +33,26 @@ struct SimpleTags {
         if (takePoint(tag, 10 + i, p[i])) has[i] = true;
       takePoint(tag, 210, normal);
       switch (tag.code) {
-        case 40: real40 = coordinate(tag); break;
-        case 41: real41 = coordinate(tag); break;
-        case 42: real42 = coordinate(tag); break;
-        case 50: begin = coordinate(tag); break;
-        case 51: end = coordinate(tag); break;
-        case 70: flags = static_cast<int>(tag.integer()); break;
-        default: break;
+        case 40:
+          real40 = coordinate(tag);
+          break;
+        case 41:
+          real41 = coordinate(tag);
+          break;
+        case 42:
+          real42 = coordinate(tag);
+          break;
+        case 50:
+          begin = coordinate(tag);
+          break;
+        case 51:
+          end = coordinate(tag);
+          break;
+        case 70:
+          flags = static_cast<int>(tag.integer());
+          break;
+        default:
+          break;
       }
     }
   }
@@ -125,8 +138,12 @@ void readSpline(const Slot& slot, double deviation, EntityShape& shape) {
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
     switch (tag.code) {
-      case 10: curve.controls.push_back({coordinate(tag), 0, 0}); break;
-      case 11: fit.push_back({coordinate(tag), 0, 0}); break;
+      case 10:
+        curve.controls.push_back({coordinate(tag), 0, 0});
+        break;
+      case 11:
+        fit.push_back({coordinate(tag), 0, 0});
+        break;
       case 20:
       case 30:
         if (!curve.controls.empty()) curve.controls.back()[tag.code == 20 ? 1 : 2] = coordinate(tag);
@@ -135,11 +152,21 @@ void readSpline(const Slot& slot, double deviation, EntityShape& shape) {
       case 31:
         if (!fit.empty()) fit.back()[tag.code == 21 ? 1 : 2] = coordinate(tag);
         break;
-      case 40: curve.knots.push_back(coordinate(tag)); break;
-      case 41: curve.weights.push_back(coordinate(tag)); break;
-      case 70: flags = static_cast<int>(tag.integer()); break;
-      case 71: curve.degree = static_cast<int>(tag.integer()); break;
-      default: takePoint(tag, 12, startTangent) || takePoint(tag, 13, endTangent); break;
+      case 40:
+        curve.knots.push_back(coordinate(tag));
+        break;
+      case 41:
+        curve.weights.push_back(coordinate(tag));
+        break;
+      case 70:
+        flags = static_cast<int>(tag.integer());
+        break;
+      case 71:
+        curve.degree = static_cast<int>(tag.integer());
+        break;
+      default:
+        takePoint(tag, 12, startTangent) || takePoint(tag, 13, endTangent);
+        break;
     }
   }
   if (!std::ranges::all_of(curve.controls, isUsable) || !std::ranges::all_of(fit, isUsable)) return;
@@ -169,15 +196,19 @@ void readImage(const Slot& slot, EntityShape& shape) {
   int clipKind = 1;
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
-    if (takePoint(tag, 10, origin) || takePoint(tag, 11, u) || takePoint(tag, 12, v) || takePoint(tag, 13, size)) continue;
-    if (tag.code == 14) clip.push_back({coordinate(tag), 0});
-    else if (tag.code == 24 && !clip.empty()) clip.back().y = coordinate(tag);
-    else if (tag.code == 71) clipKind = static_cast<int>(tag.integer());
-    else if (tag.code == 280) isClipped = tag.integer() != 0;
+    if (takePoint(tag, 10, origin) || takePoint(tag, 11, u) || takePoint(tag, 12, v) || takePoint(tag, 13, size))
+      continue;
+    if (tag.code == 14)
+      clip.push_back({coordinate(tag), 0});
+    else if (tag.code == 24 && !clip.empty())
+      clip.back().y = coordinate(tag);
+    else if (tag.code == 71)
+      clipKind = static_cast<int>(tag.integer());
+    else if (tag.code == 280)
+      isClipped = tag.integer() != 0;
   }
   const bool isWipeout = slot.type == DxfType::Wipeout;
-  if (clipKind == 1 && clip.size() == 2)
-    clip = {clip[0], {clip[1].x, clip[0].y}, clip[1], {clip[0].x, clip[1].y}};
+  if (clipKind == 1 && clip.size() == 2) clip = {clip[0], {clip[1].x, clip[0].y}, clip[1], {clip[0].x, clip[1].y}};
   if (clip.size() < 3 || (!isClipped && !isWipeout))
     clip = {{-0.5, -0.5}, {size.x - 0.5, -0.5}, {size.x - 0.5, size.y - 0.5}, {-0.5, size.y - 0.5}};
   if (clip.front().x == clip.back().x && clip.front().y == clip.back().y) clip.pop_back();
@@ -220,33 +251,60 @@ bool isSheetViewport(const Slot& viewport) {
 EntityShape readShape(const Slot& entity, double deviation) {
   EntityShape shape;
   switch (entity.type) {
-    case DxfType::Line: readLine(SimpleTags(entity), shape); break;
+    case DxfType::Line:
+      readLine(SimpleTags(entity), shape);
+      break;
     case DxfType::Point: {
       const SimpleTags tags(entity);
       if (isUsable(tags.p[0])) shape.points.push_back(tags.p[0]);
       break;
     }
     case DxfType::Circle:
-    case DxfType::Arc: readCircleOrArc(entity, SimpleTags(entity), deviation, shape); break;
-    case DxfType::Ellipse: readEllipse(SimpleTags(entity), deviation, shape); break;
+    case DxfType::Arc:
+      readCircleOrArc(entity, SimpleTags(entity), deviation, shape);
+      break;
+    case DxfType::Ellipse:
+      readEllipse(SimpleTags(entity), deviation, shape);
+      break;
     case DxfType::Solid:
-    case DxfType::Trace: readSolid(SimpleTags(entity), shape); break;
-    case DxfType::Face3d: readFace(SimpleTags(entity), shape); break;
-    case DxfType::Spline: readSpline(entity, deviation, shape); break;
+    case DxfType::Trace:
+      readSolid(SimpleTags(entity), shape);
+      break;
+    case DxfType::Face3d:
+      readFace(SimpleTags(entity), shape);
+      break;
+    case DxfType::Spline:
+      readSpline(entity, deviation, shape);
+      break;
     case DxfType::XLine:
-    case DxfType::Ray: readInfinite(entity, SimpleTags(entity), shape); break;
+    case DxfType::Ray:
+      readInfinite(entity, SimpleTags(entity), shape);
+      break;
     case DxfType::Image:
-    case DxfType::Wipeout: readImage(entity, shape); break;
-    case DxfType::Viewport: readViewport(entity, shape); break;
+    case DxfType::Wipeout:
+      readImage(entity, shape);
+      break;
+    case DxfType::Viewport:
+      readViewport(entity, shape);
+      break;
     case DxfType::LwPolyline:
     case DxfType::Polyline2d:
-    case DxfType::Polyline3d: readPolyline(entity, deviation, shape.wires); break;
-    case DxfType::Leader: readLeader(entity, deviation, shape.wires); break;
-    case DxfType::MLine: readMultiline(entity, shape.wires); break;
+    case DxfType::Polyline3d:
+      readPolyline(entity, deviation, shape.wires);
+      break;
+    case DxfType::Leader:
+      readLeader(entity, deviation, shape.wires);
+      break;
+    case DxfType::MLine:
+      readMultiline(entity, shape.wires);
+      break;
     case DxfType::PolygonMesh:
     case DxfType::PolyFaceMesh:
-    case DxfType::Mesh: readMesh(entity, shape.wires); break;
-    default: break;
+    case DxfType::Mesh:
+      readMesh(entity, shape.wires);
+      break;
+    default:
+      break;
   }
   std::erase_if(shape.wires,
                 [](const Wire& w) { return w.points.empty() || !std::ranges::all_of(w.points, isUsable); });

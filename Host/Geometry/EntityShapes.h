@@ -17,8 +17,8 @@ struct Wire {
   bool filled = false;
   /// Points where a linetype starts anew; empty when it runs through, as along a curve.
   std::vector<std::uint32_t> corners;
-  /// A polyline with width: rings to fill by the nonzero rule in place of the line. `constantWidth` is its width when that
-  /// is the same all along, or 0.
+  /// A polyline with width: rings to fill by the nonzero rule in place of the line. `constantWidth` is its width when
+  /// that is the same all along, or 0.
   std::vector<Chain> outline;
   double constantWidth = 0;
 };
@@ -43,8 +43,9 @@ struct EntityShape {
   std::optional<ImageFrame> image;
 };
 
-/// Lines, curves, polylines, faces, meshes, leaders, multilines, viewports' frames. Empty for texts, references, hatches
-/// and for what has no drawn shape. Pieces with coordinates that are not finite are left out. `deviation` as in Curves.h.
+/// Lines, curves, polylines, faces, meshes, leaders, multilines, viewports' frames. Empty for texts, references,
+/// hatches and for what has no drawn shape. Pieces with coordinates that are not finite are left out. `deviation` as in
+/// Curves.h.
 EntityShape readShape(const database::Slot& entity, double deviation);
 
 /// True for the VIEWPORT that is the view of a layout's sheet itself and no window in it.

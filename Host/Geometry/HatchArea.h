@@ -10,8 +10,8 @@ namespace host::geometry {
 /// The hatch with its loops flattened; `deviation` of zero or less means one relative to the hatch's size.
 hatching::HatchRecord readHatch(const database::Slot& entity, double deviation);
 
-/// The loops that bound the filled area under the even-odd rule: all of them (normal), the outermost two levels (outer),
-/// or the outermost (ignore).
+/// The loops that bound the filled area under the even-odd rule: all of them (normal), the outermost two levels
+/// (outer), or the outermost (ignore).
 std::vector<hatching::Polygon> filledLoops(const hatching::HatchRecord& hatch);
 
 }  // namespace host::geometry

@@ -13,11 +13,11 @@ namespace host::geometry {
 
 struct LayerState {
   std::wstring name;
-  std::string_view linetype;     // in the drawing's encoding; empty: none given
-  int color = 7;                 // colour index, never negative
-  std::int64_t trueColor = -1;   // 0xRRGGBB, or -1
-  int lineweight = -3;           // hundredths of a millimetre, -3 default
-  std::int64_t transparency = 0; // as tag 440
+  std::string_view linetype;      // in the drawing's encoding; empty: none given
+  int color = 7;                  // colour index, never negative
+  std::int64_t trueColor = -1;    // 0xRRGGBB, or -1
+  int lineweight = -3;            // hundredths of a millimetre, -3 default
+  std::int64_t transparency = 0;  // as tag 440
   bool off = false, frozen = false, plottable = true;
   bool isDrawn() const { return !off && !frozen; }
 };

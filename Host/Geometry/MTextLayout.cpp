@@ -9,8 +9,8 @@
 namespace host::geometry {
 namespace {
 
-constexpr double kLinePitch = 5.0 / 3;   // from base line to base line, of the height
-constexpr double kStackedHeight = 0.7;   // of the height around a fraction
+constexpr double kLinePitch = 5.0 / 3;  // from base line to base line, of the height
+constexpr double kStackedHeight = 0.7;  // of the height around a fraction
 constexpr std::size_t kDeepestBraces = 64;
 constexpr double kSmallestFactor = 0.01, kLargestFactor = 100;
 
@@ -36,7 +36,7 @@ struct Atom {
   wchar_t stackSign = 0;                                // ^ / or #
   double width = 0;
   double height = 0;
-  LineAlign align = LineAlign::Attachment;              // of a break: of the paragraph before it
+  LineAlign align = LineAlign::Attachment;  // of a break: of the paragraph before it
 };
 
 bool isIdeograph(wchar_t c) { return static_cast<unsigned long>(c) >= 0x2E80; }
@@ -60,17 +60,22 @@ class Parser {
  private:
   void step() {
     const wchar_t c = text_[at_++];
-    if (c == L'\\' && at_ < text_.size()) code(text_[at_++]);
+    if (c == L'\\' && at_ < text_.size())
+      code(text_[at_++]);
     else if (c == L'{') {
       if (stack_.size() < kDeepestBraces) stack_.push_back(format_);
     } else if (c == L'}') {
       if (stack_.empty()) return;
       format_ = stack_.back();
       stack_.pop_back();
-    } else if (c == L'%' && text_.substr(at_, 1) == L"%") percent();
-    else if (c == L'\n') lineBreak();
-    else if (c == L' ' || c == L'\t') space(c == L'\t' ? 4 : 1);
-    else if (c >= 32) character(c);
+    } else if (c == L'%' && text_.substr(at_, 1) == L"%")
+      percent();
+    else if (c == L'\n')
+      lineBreak();
+    else if (c == L' ' || c == L'\t')
+      space(c == L'\t' ? 4 : 1);
+    else if (c >= 32)
+      character(c);
   }
 
   void percent() {
@@ -98,21 +103,47 @@ class Parser {
     switch (letter) {
       case L'\\':
       case L'{':
-      case L'}': character(letter); break;
-      case L'~': character(L'\u00A0'); break;
+      case L'}':
+        character(letter);
+        break;
+      case L'~':
+        character(L'\u00A0');
+        break;
       case L'P':
       case L'X':
-      case L'N': lineBreak(); break;
-      case L'L': format_.underline = true; break;
-      case L'l': format_.underline = false; break;
-      case L'O': format_.overline = true; break;
-      case L'o': format_.overline = false; break;
-      case L'K': format_.strike = true; break;
-      case L'k': format_.strike = false; break;
-      case L'S': stacked(argument()); break;
-      case L'H': setFactor(argument(), format_.height, true); break;
-      case L'W': setFactor(argument(), format_.widthFactor, false); break;
-      case L'T': setFactor(argument(), format_.tracking, false); break;
+      case L'N':
+        lineBreak();
+        break;
+      case L'L':
+        format_.underline = true;
+        break;
+      case L'l':
+        format_.underline = false;
+        break;
+      case L'O':
+        format_.overline = true;
+        break;
+      case L'o':
+        format_.overline = false;
+        break;
+      case L'K':
+        format_.strike = true;
+        break;
+      case L'k':
+        format_.strike = false;
+        break;
+      case L'S':
+        stacked(argument());
+        break;
+      case L'H':
+        setFactor(argument(), format_.height, true);
+        break;
+      case L'W':
+        setFactor(argument(), format_.widthFactor, false);
+        break;
+      case L'T':
+        setFactor(argument(), format_.tracking, false);
+        break;
       case L'Q': {
         const double degrees = text::parseReal(text::toUtf8(argument())).value_or(0);
         if (std::abs(degrees) <= 85) format_.obliqueRad = degrees * std::numbers::pi / 180;
@@ -138,9 +169,15 @@ class Parser {
         format_.bold = font.find(L"|b1") != std::wstring_view::npos;
         break;
       }
-      case L'p': paragraph(argument()); break;
-      case L'A': argument(); break;
-      default: character(letter); break;
+      case L'p':
+        paragraph(argument());
+        break;
+      case L'A':
+        argument();
+        break;
+      default:
+        character(letter);
+        break;
     }
   }
 
@@ -157,18 +194,28 @@ class Parser {
     const bool isRelative = !argument.empty() && (argument.back() == L'x' || argument.back() == L'X');
     const double number = text::parseReal(text::toUtf8(argument)).value_or(0);
     if (!(number > 0) || number > kLargestCoordinate) return;
-    if (isRelative && number >= kSmallestFactor && number <= kLargestFactor) value *= number;
-    else if (!isRelative && (isLength || (number >= kSmallestFactor && number <= kLargestFactor))) value = number;
+    if (isRelative && number >= kSmallestFactor && number <= kLargestFactor)
+      value *= number;
+    else if (!isRelative && (isLength || (number >= kSmallestFactor && number <= kLargestFactor)))
+      value = number;
   }
 
   void paragraph(std::wstring_view argument) {
     const std::size_t q = argument.find(L'q');
     if (q == std::wstring_view::npos || q + 1 >= argument.size()) return;
     switch (argument[q + 1]) {
-      case L'l': align_ = LineAlign::Left; break;
-      case L'c': align_ = LineAlign::Center; break;
-      case L'r': align_ = LineAlign::Right; break;
-      default: align_ = LineAlign::Attachment; break;
+      case L'l':
+        align_ = LineAlign::Left;
+        break;
+      case L'c':
+        align_ = LineAlign::Center;
+        break;
+      case L'r':
+        align_ = LineAlign::Right;
+        break;
+      default:
+        align_ = LineAlign::Attachment;
+        break;
     }
   }
 
@@ -178,9 +225,12 @@ class Parser {
     wchar_t sign = 0;
     for (std::size_t i = 0; i < argument.size(); ++i) {
       const wchar_t c = argument[i];
-      if (c == L'\\' && i + 1 < argument.size()) part[sign != 0] += argument[++i];
-      else if (sign == 0 && (c == L'^' || c == L'/' || c == L'#')) sign = c;
-      else if (c >= 32) part[sign != 0] += c;
+      if (c == L'\\' && i + 1 < argument.size())
+        part[sign != 0] += argument[++i];
+      else if (sign == 0 && (c == L'^' || c == L'/' || c == L'#'))
+        sign = c;
+      else if (c >= 32)
+        part[sign != 0] += c;
     }
     if (sign == 0) {
       for (const wchar_t c : part[0]) character(c);
@@ -214,7 +264,8 @@ class Parser {
   }
   void space(int count) {
     endWord();
-    Atom atom{AtomKind::Space, {{std::wstring(static_cast<std::size_t>(count), L' '), format_}}, 0, 0, format_.height, align_};
+    Atom atom{AtomKind::Space, {{std::wstring(static_cast<std::size_t>(count), L' '), format_}}, 0, 0, format_.height,
+              align_};
     atom.width = widthOf(atom.pieces[0].first, format_);
     atoms_.push_back(std::move(atom));
   }
@@ -239,7 +290,7 @@ class Parser {
 
 struct Line {
   std::vector<const Atom*> atoms;
-  double width = 0;   // without blanks at the end
+  double width = 0;  // without blanks at the end
   double height = 0;
   LineAlign align = LineAlign::Attachment;
 };
@@ -279,7 +330,8 @@ class Setter {
 
   void set(const Line& line, double x, double y) {
     for (const Atom* atom : line.atoms) {
-      if (atom->kind == AtomKind::Stack) stack(*atom, x, y);
+      if (atom->kind == AtomKind::Stack)
+        stack(*atom, x, y);
       else {
         double at = x;
         for (const auto& [text, format] : atom->pieces) at += run(text, format, at, y, true);
@@ -291,7 +343,8 @@ class Setter {
  private:
   double run(const std::wstring& text, const Format& format, double x, double y, bool mayJoin) {
     double advance = 0;
-    for (const wchar_t c : text) advance += width_(c, format.bold) * format.height * format.widthFactor * format.tracking;
+    for (const wchar_t c : text)
+      advance += width_(c, format.bold) * format.height * format.widthFactor * format.tracking;
     if (mayJoin && !block_.runs.empty() && last_ == format && block_.runs.back().y == y) {
       TextRun& before = block_.runs.back();
       before.text += text;

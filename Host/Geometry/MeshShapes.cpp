@@ -28,8 +28,10 @@ std::vector<MeshVertex> readVertices(const Slot& mesh) {
     GeometryTags tags(sub->tags());
     for (Tag tag; tags.next(tag);) {
       if (takePoint(tag, 10, v.p)) continue;
-      if (tag.code == 70) v.flags = static_cast<int>(tag.integer());
-      else if (tag.code >= 71 && tag.code <= 74) v.corner[tag.code - 71] = tag.integer();
+      if (tag.code == 70)
+        v.flags = static_cast<int>(tag.integer());
+      else if (tag.code >= 71 && tag.code <= 74)
+        v.corner[tag.code - 71] = tag.integer();
     }
     vertices.push_back(v);
   }
@@ -41,8 +43,10 @@ void readGrid(const Slot& mesh, std::vector<Wire>& wires) {
   int flags = 0;
   GeometryTags tags(mesh.tags());
   for (Tag tag; tags.next(tag);) {
-    if (tag.code == 70) flags = static_cast<int>(tag.integer());
-    else if (tag.code >= 71 && tag.code <= 74) size[tag.code - 71] = static_cast<std::size_t>(std::max<std::int64_t>(tag.integer(), 0));
+    if (tag.code == 70)
+      flags = static_cast<int>(tag.integer());
+    else if (tag.code >= 71 && tag.code <= 74)
+      size[tag.code - 71] = static_cast<std::size_t>(std::max<std::int64_t>(tag.integer(), 0));
   }
   Chain points;
   const bool isSmooth = (flags & kSmooth) != 0;
@@ -93,10 +97,14 @@ void readSubdivisionMesh(const Slot& mesh, std::vector<Wire>& wires) {
   std::size_t faceEntries = 0;
   GeometryTags tags(mesh.tags());
   for (Tag tag; tags.next(tag);) {
-    if (tag.code == 10) points.push_back({coordinate(tag), 0, 0});
-    else if ((tag.code == 20 || tag.code == 30) && !points.empty()) takePoint(tag, 10, points.back());
-    else if (tag.code == 93) faceEntries = static_cast<std::size_t>(std::max<std::int64_t>(tag.integer(), 0));
-    else if (tag.code == 90 && faces.size() < faceEntries) faces.push_back(tag.integer());
+    if (tag.code == 10)
+      points.push_back({coordinate(tag), 0, 0});
+    else if ((tag.code == 20 || tag.code == 30) && !points.empty())
+      takePoint(tag, 10, points.back());
+    else if (tag.code == 93)
+      faceEntries = static_cast<std::size_t>(std::max<std::int64_t>(tag.integer(), 0));
+    else if (tag.code == 90 && faces.size() < faceEntries)
+      faces.push_back(tag.integer());
   }
   for (std::size_t at = 0; at < faces.size();) {
     const std::int64_t corners = faces[at++];
@@ -112,9 +120,12 @@ void readSubdivisionMesh(const Slot& mesh, std::vector<Wire>& wires) {
 }  // namespace
 
 void readMesh(const Slot& entity, std::vector<Wire>& wires) {
-  if (entity.type == DxfType::PolygonMesh) readGrid(entity, wires);
-  else if (entity.type == DxfType::PolyFaceMesh) readFaces(entity, wires);
-  else readSubdivisionMesh(entity, wires);
+  if (entity.type == DxfType::PolygonMesh)
+    readGrid(entity, wires);
+  else if (entity.type == DxfType::PolyFaceMesh)
+    readFaces(entity, wires);
+  else
+    readSubdivisionMesh(entity, wires);
 }
 
 }  // namespace host::geometry

@@ -38,31 +38,41 @@ class Reader {
     const bool opens = tag.trimmed().ends_with("{");
     switch (part_) {
       case Part::Entity:
-        if (tag.code == 300 && opens) part_ = Part::Context;
-        else if (tag.code == 170) lineKind = static_cast<int>(tag.integer());
+        if (tag.code == 300 && opens)
+          part_ = Part::Context;
+        else if (tag.code == 170)
+          lineKind = static_cast<int>(tag.integer());
         break;
       case Part::Context:
-        if (tag.code == 301) part_ = Part::Entity;
+        if (tag.code == 301)
+          part_ = Part::Entity;
         else if (tag.code == 302 && opens) {
           part_ = Part::Leader;
           leaders.emplace_back();
-        } else takeContext(tag, codec);
+        } else
+          takeContext(tag, codec);
         break;
       case Part::Leader: {
         LeaderPart& leader = leaders.back();
-        if (tag.code == 303) part_ = Part::Context;
+        if (tag.code == 303)
+          part_ = Part::Context;
         else if (tag.code == 304 && opens) {
           part_ = Part::Line;
           leader.lines.emplace_back();
-        } else if (tag.code == 40) leader.doglegLength = coordinate(tag);
-        else takePoint(tag, 10, leader.end) || takePoint(tag, 11, leader.dogleg);
+        } else if (tag.code == 40)
+          leader.doglegLength = coordinate(tag);
+        else
+          takePoint(tag, 10, leader.end) || takePoint(tag, 11, leader.dogleg);
         break;
       }
       case Part::Line: {
         Chain& line = leaders.back().lines.back();
-        if (tag.code == 305) part_ = Part::Leader;
-        else if (tag.code == 10) line.push_back({coordinate(tag), 0, 0});
-        else if (!line.empty()) takePoint(tag, 10, line.back());
+        if (tag.code == 305)
+          part_ = Part::Leader;
+        else if (tag.code == 10)
+          line.push_back({coordinate(tag), 0, 0});
+        else if (!line.empty())
+          takePoint(tag, 10, line.back());
         break;
       }
     }
@@ -80,14 +90,29 @@ class Reader {
       return;
     }
     switch (tag.code) {
-      case 41: text.height = coordinate(tag); break;
-      case 43: text.referenceWidth = std::max(0.0, tag.real()); break;
-      case 45: text.lineSpacing = std::clamp(tag.real(), 0.25, 4.0); break;
-      case 140: arrowSize = coordinate(tag); break;
-      case 171: text.attachment = std::clamp(static_cast<int>(tag.integer()), 1, 3); break;
-      case 290: hasText = tag.integer() != 0; break;
-      case 304: text.contents = codec.decode(tag.value); break;
-      default: break;
+      case 41:
+        text.height = coordinate(tag);
+        break;
+      case 43:
+        text.referenceWidth = std::max(0.0, tag.real());
+        break;
+      case 45:
+        text.lineSpacing = std::clamp(tag.real(), 0.25, 4.0);
+        break;
+      case 140:
+        arrowSize = coordinate(tag);
+        break;
+      case 171:
+        text.attachment = std::clamp(static_cast<int>(tag.integer()), 1, 3);
+        break;
+      case 290:
+        hasText = tag.integer() != 0;
+        break;
+      case 304:
+        text.contents = codec.decode(tag.value);
+        break;
+      default:
+        break;
     }
   }
 

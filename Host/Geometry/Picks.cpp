@@ -53,9 +53,7 @@ bool crosses(const std::vector<Path>& paths, const std::vector<Point>& line, boo
 }
 
 /// Curves need to be only as true as the tool is fine.
-double deviationFor(const Box& tool) {
-  return std::max({tool.maxX - tool.minX, tool.maxY - tool.minY, 1e-6}) / 1000;
-}
+double deviationFor(const Box& tool) { return std::max({tool.maxX - tool.minX, tool.maxY - tool.minY, 1e-6}) / 1000; }
 
 }  // namespace
 

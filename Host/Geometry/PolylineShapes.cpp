@@ -36,18 +36,31 @@ Polyline readLightPolyline(const Slot& slot) {
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
     switch (tag.code) {
-      case 10: line.vertices.push_back({.p = {coordinate(tag), 0, 0}}); continue;
-      case 38: elevation = coordinate(tag); continue;
-      case 43: width = usableWidth(coordinate(tag), 0); continue;
-      case 70: line.flags = static_cast<int>(tag.integer()); continue;
-      default: break;
+      case 10:
+        line.vertices.push_back({.p = {coordinate(tag), 0, 0}});
+        continue;
+      case 38:
+        elevation = coordinate(tag);
+        continue;
+      case 43:
+        width = usableWidth(coordinate(tag), 0);
+        continue;
+      case 70:
+        line.flags = static_cast<int>(tag.integer());
+        continue;
+      default:
+        break;
     }
     if (takePoint(tag, 210, line.normal) || line.vertices.empty()) continue;
     Vertex& v = line.vertices.back();
-    if (tag.code == 20) v.p.y = coordinate(tag);
-    else if (tag.code == 40) v.startWidth = coordinate(tag);
-    else if (tag.code == 41) v.endWidth = coordinate(tag);
-    else if (tag.code == 42) v.bulge = coordinate(tag);
+    if (tag.code == 20)
+      v.p.y = coordinate(tag);
+    else if (tag.code == 40)
+      v.startWidth = coordinate(tag);
+    else if (tag.code == 41)
+      v.endWidth = coordinate(tag);
+    else if (tag.code == 42)
+      v.bulge = coordinate(tag);
   }
   line.startWidth = line.endWidth = width;
   for (Vertex& v : line.vertices) v.p.z = std::isfinite(elevation) ? elevation : 0;
@@ -60,9 +73,12 @@ Polyline readOldPolyline(const Slot& slot) {
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
     if (takePoint(tag, 210, line.normal) || takePoint(tag, 10, base)) continue;
-    if (tag.code == 40) line.startWidth = usableWidth(coordinate(tag), 0);
-    else if (tag.code == 41) line.endWidth = usableWidth(coordinate(tag), 0);
-    else if (tag.code == 70) line.flags = static_cast<int>(tag.integer());
+    if (tag.code == 40)
+      line.startWidth = usableWidth(coordinate(tag), 0);
+    else if (tag.code == 41)
+      line.endWidth = usableWidth(coordinate(tag), 0);
+    else if (tag.code == 70)
+      line.flags = static_cast<int>(tag.integer());
   }
   const bool isFlat = slot.type == DxfType::Polyline2d;
   for (const Slot* sub = slot.firstSub; sub != nullptr; sub = sub->nextSub) {
@@ -72,10 +88,14 @@ Polyline readOldPolyline(const Slot& slot) {
     GeometryTags vertexTags(sub->tags());
     for (Tag tag; vertexTags.next(tag);) {
       if (takePoint(tag, 10, v.p)) continue;
-      if (tag.code == 40) v.startWidth = coordinate(tag);
-      else if (tag.code == 41) v.endWidth = coordinate(tag);
-      else if (tag.code == 42) v.bulge = coordinate(tag);
-      else if (tag.code == 70) flags = static_cast<int>(tag.integer());
+      if (tag.code == 40)
+        v.startWidth = coordinate(tag);
+      else if (tag.code == 41)
+        v.endWidth = coordinate(tag);
+      else if (tag.code == 42)
+        v.bulge = coordinate(tag);
+      else if (tag.code == 70)
+        flags = static_cast<int>(tag.integer());
     }
     if ((flags & kSplineFrame) != 0) continue;
     if (isFlat) v.p.z = std::isfinite(base.z) ? base.z : 0;
@@ -178,12 +198,18 @@ void readLeader(const Slot& entity, double deviation, std::vector<Wire>& wires) 
   std::string_view style;
   GeometryTags tags(entity.tags());
   for (Tag tag; tags.next(tag);) {
-    if (tag.code == 10) wire.points.push_back({coordinate(tag), 0, 0});
-    else if (tag.code == 20 && !wire.points.empty()) wire.points.back().y = coordinate(tag);
-    else if (tag.code == 30 && !wire.points.empty()) wire.points.back().z = coordinate(tag);
-    else if (tag.code == 3) style = tag.value;
-    else if (tag.code == 71) hasArrow = tag.integer() != 0;
-    else if (tag.code == 72) isSpline = tag.integer() == 1;
+    if (tag.code == 10)
+      wire.points.push_back({coordinate(tag), 0, 0});
+    else if (tag.code == 20 && !wire.points.empty())
+      wire.points.back().y = coordinate(tag);
+    else if (tag.code == 30 && !wire.points.empty())
+      wire.points.back().z = coordinate(tag);
+    else if (tag.code == 3)
+      style = tag.value;
+    else if (tag.code == 71)
+      hasArrow = tag.integer() != 0;
+    else if (tag.code == 72)
+      isSpline = tag.integer() == 1;
   }
   if (wire.points.size() < 2 || !std::ranges::all_of(wire.points, isUsable)) return;
   const AcGePoint3d tip = wire.points[0], next = wire.points[1];

@@ -57,15 +57,32 @@ struct ReferenceTags {
           if (!hasName) name = tag.value;
           hasName = true;
           break;
-        case 41: scale.x = coordinate(tag); break;
-        case 42: scale.y = coordinate(tag); break;
-        case 43: scale.z = coordinate(tag); break;
-        case 44: columnSpacing = coordinate(tag); break;
-        case 45: rowSpacing = coordinate(tag); break;
-        case 50: rotationRad = tag.real() * std::numbers::pi / 180; break;
-        case 70: columns = std::clamp<std::int64_t>(tag.integer(), 1, kMostCells); break;
-        case 71: rows = std::clamp<std::int64_t>(tag.integer(), 1, kMostCells); break;
-        default: break;
+        case 41:
+          scale.x = coordinate(tag);
+          break;
+        case 42:
+          scale.y = coordinate(tag);
+          break;
+        case 43:
+          scale.z = coordinate(tag);
+          break;
+        case 44:
+          columnSpacing = coordinate(tag);
+          break;
+        case 45:
+          rowSpacing = coordinate(tag);
+          break;
+        case 50:
+          rotationRad = tag.real() * std::numbers::pi / 180;
+          break;
+        case 70:
+          columns = std::clamp<std::int64_t>(tag.integer(), 1, kMostCells);
+          break;
+        case 71:
+          rows = std::clamp<std::int64_t>(tag.integer(), 1, kMostCells);
+          break;
+        default:
+          break;
       }
     }
   }
@@ -104,7 +121,8 @@ std::optional<BlockReference> readReference(const Slot& entity) {
     across = axes.ay * c - axes.ax * s;
   }
   const AcGePoint3d scale = isTable ? AcGePoint3d{1, 1, 1} : tags.scale;
-  const AcGePoint3d position = isTable ? tags.position : axes.toWorld(tags.position.x, tags.position.y, tags.position.z);
+  const AcGePoint3d position =
+      isTable ? tags.position : axes.toWorld(tags.position.x, tags.position.y, tags.position.z);
   reference.first = {along * scale.x, across * scale.y, axes.az * scale.z, position};
   reference.first.origin = reference.first.point(AcGePoint3d{} - base.asVector());
   if (!isTable) {

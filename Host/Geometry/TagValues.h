@@ -23,15 +23,19 @@ inline bool isUsable(const AcGePoint3d& p) { return std::isfinite(p.x) && std::i
 
 /// Takes the tag when it is the x, y or z of the point with code `base`.
 inline bool takePoint(const database::Tag& tag, int base, AcGePoint3d& p) {
-  if (tag.code == base) p.x = coordinate(tag);
-  else if (tag.code == base + 10) p.y = coordinate(tag);
-  else if (tag.code == base + 20) p.z = coordinate(tag);
-  else return false;
+  if (tag.code == base)
+    p.x = coordinate(tag);
+  else if (tag.code == base + 10)
+    p.y = coordinate(tag);
+  else if (tag.code == base + 20)
+    p.z = coordinate(tag);
+  else
+    return false;
   return true;
 }
 
-/// Tags of an entity's own geometry: up to its extended data, and up to an object embedded in it, whose codes mean other
-/// things.
+/// Tags of an entity's own geometry: up to its extended data, and up to an object embedded in it, whose codes mean
+/// other things.
 class GeometryTags {
  public:
   explicit GeometryTags(database::TagCursor tags) : tags_(tags) {}

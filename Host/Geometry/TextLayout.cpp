@@ -37,14 +37,22 @@ SingleLine readSingleLine(const Slot& slot) {
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
     if (takePoint(tag, 10, line.first) || takePoint(tag, 11, line.second) || takePoint(tag, 210, normal)) continue;
-    if (tag.code == textCode) text = tag.value;
-    else if (tag.code == 40) line.height = coordinate(tag);
-    else if (tag.code == 41) line.widthFactor = coordinate(tag);
-    else if (tag.code == 50) line.rotationRad = tag.real() * kRadiansPerDegree;
-    else if (tag.code == 51) line.obliqueRad = tag.real() * kRadiansPerDegree;
-    else if (tag.code == 71) line.generation = static_cast<int>(tag.integer());
-    else if (tag.code == 72) line.horizontal = static_cast<int>(tag.integer());
-    else if (tag.code == verticalCode) line.vertical = static_cast<int>(tag.integer());
+    if (tag.code == textCode)
+      text = tag.value;
+    else if (tag.code == 40)
+      line.height = coordinate(tag);
+    else if (tag.code == 41)
+      line.widthFactor = coordinate(tag);
+    else if (tag.code == 50)
+      line.rotationRad = tag.real() * kRadiansPerDegree;
+    else if (tag.code == 51)
+      line.obliqueRad = tag.real() * kRadiansPerDegree;
+    else if (tag.code == 71)
+      line.generation = static_cast<int>(tag.integer());
+    else if (tag.code == 72)
+      line.horizontal = static_cast<int>(tag.integer());
+    else if (tag.code == verticalCode)
+      line.vertical = static_cast<int>(tag.integer());
   }
   line.text = slot.database().codec().decode(text);
   line.normal = normal.asVector();
@@ -81,10 +89,14 @@ PlainText withoutPercentCodes(std::wstring_view coded) {
         continue;
       }
       i += 2;
-      if (code == L'd') plain.text += L'\u00B0';
-      else if (code == L'p') plain.text += L'\u00B1';
-      else if (code == L'c') plain.text += L'\u00D8';
-      else if (code == L'%') plain.text += L'%';
+      if (code == L'd')
+        plain.text += L'\u00B0';
+      else if (code == L'p')
+        plain.text += L'\u00B1';
+      else if (code == L'c')
+        plain.text += L'\u00D8';
+      else if (code == L'%')
+        plain.text += L'%';
       else if (isNumber) {
         const int number = (code - L'0') * 100 + (coded[i + 1] - L'0') * 10 + (coded[i + 2] - L'0');
         if (number >= 32) plain.text += static_cast<wchar_t>(number);
@@ -97,8 +109,10 @@ PlainText withoutPercentCodes(std::wstring_view coded) {
       }
       continue;
     }
-    if (c >= 32) plain.text += c;
-    else if (c == L'\t') plain.text += L' ';
+    if (c >= 32)
+      plain.text += c;
+    else if (c == L'\t')
+      plain.text += L' ';
   }
   for (const Switch& s : switches)
     if (s.since != std::wstring::npos) plain.rules.push_back({s.since, plain.text.size(), s.y});
@@ -133,9 +147,12 @@ std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth
   double left = 0, base = 0;
   if (line.horizontal == 1 || line.horizontal == 4) left = -total / 2;
   if (line.horizontal == 2) left = -total;
-  if (line.horizontal == 4 || line.vertical == 2) base = -height / 2;
-  else if (line.vertical == 3) base = -height;
-  else if (line.vertical == 1) base = kDescent * height;
+  if (line.horizontal == 4 || line.vertical == 2)
+    base = -height / 2;
+  else if (line.vertical == 3)
+    base = -height;
+  else if (line.vertical == 1)
+    base = kDescent * height;
 
   TextBlock block;
   const database::ObjectAxes axes(line.normal);
@@ -177,20 +194,47 @@ std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidt
     if (takePoint(tag, 10, parts.position) || takePoint(tag, 210, normal)) continue;
     if (takePoint(tag, 11, direction)) continue;
     switch (tag.code) {
-      case 1: last = tag.value; break;
-      case 3: contents += tag.value; break;
-      case 7: style = tag.value; break;
-      case 40: height = coordinate(tag); break;
-      case 41: parts.referenceWidth = usable(coordinate(tag), 0); break;
-      case 44: parts.lineSpacing = std::clamp(usable(coordinate(tag), 1), 0.25, 4.0); break;
-      case 45: maskScale = std::clamp(usable(coordinate(tag), 1.5), 1.0, 5.0); break;
-      case 50: direction = {std::cos(tag.real() * kRadiansPerDegree), std::sin(tag.real() * kRadiansPerDegree), 0}; break;
-      case 63: maskColor = static_cast<int>(tag.integer()); break;
-      case 71: parts.attachment = static_cast<int>(tag.integer()); break;
-      case 73: parts.exactSpacing = tag.integer() == 2; break;
-      case 90: maskFlags = static_cast<int>(tag.integer()); break;
-      case 421: maskTrueColor = tag.integer() & 0xFFFFFF; break;
-      default: break;
+      case 1:
+        last = tag.value;
+        break;
+      case 3:
+        contents += tag.value;
+        break;
+      case 7:
+        style = tag.value;
+        break;
+      case 40:
+        height = coordinate(tag);
+        break;
+      case 41:
+        parts.referenceWidth = usable(coordinate(tag), 0);
+        break;
+      case 44:
+        parts.lineSpacing = std::clamp(usable(coordinate(tag), 1), 0.25, 4.0);
+        break;
+      case 45:
+        maskScale = std::clamp(usable(coordinate(tag), 1.5), 1.0, 5.0);
+        break;
+      case 50:
+        direction = {std::cos(tag.real() * kRadiansPerDegree), std::sin(tag.real() * kRadiansPerDegree), 0};
+        break;
+      case 63:
+        maskColor = static_cast<int>(tag.integer());
+        break;
+      case 71:
+        parts.attachment = static_cast<int>(tag.integer());
+        break;
+      case 73:
+        parts.exactSpacing = tag.integer() == 2;
+        break;
+      case 90:
+        maskFlags = static_cast<int>(tag.integer());
+        break;
+      case 421:
+        maskTrueColor = tag.integer() & 0xFFFFFF;
+        break;
+      default:
+        break;
     }
   }
   // Chunks of 250 bytes may cut a character in two: decode them together.
@@ -225,7 +269,8 @@ std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidt
 
 double meanCharacterWidth(wchar_t character, bool bold) {
   constexpr double kMean = 0.78, kNarrow = 0.4, kFullWidth = 1.35;
-  if (character == L' ' || character == L'i' || character == L'l' || character == L'.' || character == L',') return kNarrow;
+  if (character == L' ' || character == L'i' || character == L'l' || character == L'.' || character == L',')
+    return kNarrow;
   if (static_cast<unsigned long>(character) >= 0x1100) return kFullWidth;
   return bold ? kMean * 1.1 : kMean;
 }
@@ -234,9 +279,12 @@ std::optional<TextBlock> layoutText(const Slot& entity, const CharacterWidth& wi
   switch (entity.type) {
     case DxfType::Text:
     case DxfType::Attrib:
-    case DxfType::AttDef: return layoutSingleLine(entity, width);
-    case DxfType::MText: return layoutMTextEntity(entity, width);
-    default: return {};
+    case DxfType::AttDef:
+      return layoutSingleLine(entity, width);
+    case DxfType::MText:
+      return layoutMTextEntity(entity, width);
+    default:
+      return {};
   }
 }
 

@@ -24,10 +24,10 @@ struct TextRun {
   double height = 0;
   double widthFactor = 1;
   double obliqueRad = 0;
-  double tracking = 1;           // factor of the advance
+  double tracking = 1;  // factor of the advance
   bool bold = false;
-  int color = -1;                // colour index, -1 the entity's
-  std::int64_t trueColor = -1;   // 0xRRGGBB, or -1
+  int color = -1;               // colour index, -1 the entity's
+  std::int64_t trueColor = -1;  // 0xRRGGBB, or -1
 };
 
 /// A line that belongs to a text: underline, fraction bar.
@@ -41,15 +41,15 @@ struct TextBlock {
   Transform frame;  // text coordinates to those of the block the entity stands in
   std::vector<TextRun> runs;
   std::vector<TextRule> rules;
-  Box box;          // text coordinates
-  bool masked = false;           // a filled box behind the text
+  Box box;              // text coordinates
+  bool masked = false;  // a filled box behind the text
   Box mask;
-  int maskColor = -1;            // -1: the background
+  int maskColor = -1;  // -1: the background
   std::int64_t maskTrueColor = -1;
 };
 
-/// Lays out TEXT, MTEXT, ATTRIB or ATTDEF (its tag name). Nothing for other entities, an empty text, or a text without a
-/// usable place or height.
+/// Lays out TEXT, MTEXT, ATTRIB or ATTDEF (its tag name). Nothing for other entities, an empty text, or a text without
+/// a usable place or height.
 std::optional<TextBlock> layoutText(const database::Slot& entity, const CharacterWidth& width);
 
 /// Multi-line text from its parts, for entities that carry one inside.
@@ -58,8 +58,8 @@ struct MTextParts {
   AcGePoint3d position;
   AcGeVector3d direction{1, 0, 0}, normal{0, 0, 1};
   double height = 0;
-  double referenceWidth = 0;     // 0: no wrapping
-  int attachment = 1;            // 1 top left ... 9 bottom right
+  double referenceWidth = 0;  // 0: no wrapping
+  int attachment = 1;         // 1 top left ... 9 bottom right
   double lineSpacing = 1;
   bool exactSpacing = false;
   double widthFactor = 1;

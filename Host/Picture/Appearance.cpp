@@ -40,7 +40,8 @@ const Appearances::LayerChoice& Appearances::choice(std::uint32_t layer) {
     const bool isPlot = options_.paper || options_.scale;
     const bool isLeftOut = isPlot && (!state.plottable || text::equalFolded(state.name, L"Defpoints"));
     entry->second.frozen = state.frozen;
-    entry->second.shown = state.isDrawn() && !isLeftOut && (options_.layers == "*" || text::matchesWildcard(state.name, pattern_));
+    entry->second.shown =
+        state.isDrawn() && !isLeftOut && (options_.layers == "*" || text::matchesWildcard(state.name, pattern_));
   }
   return entry->second;
 }
@@ -82,37 +83,51 @@ Appearance Appearances::resolve(const database::EntityProperties& own, std::uint
     result.isInk = false;
     result.rgb = static_cast<std::uint32_t>(rgb);
   };
-  if (own.trueColor >= 0) setTrueColor(own.trueColor);
+  if (own.trueColor >= 0)
+    setTrueColor(own.trueColor);
   else if (own.color == kByBlock) {
     result.isInk = block.isInk;
     result.rgb = block.rgb;
-  } else if (own.color != kByLayer) setIndexColor(result, own.color);
-  else if (layer.trueColor >= 0) setTrueColor(layer.trueColor);
-  else setIndexColor(result, layer.color);
+  } else if (own.color != kByLayer)
+    setIndexColor(result, own.color);
+  else if (layer.trueColor >= 0)
+    setTrueColor(layer.trueColor);
+  else
+    setIndexColor(result, layer.color);
 
   const int lineweight = own.lineweight == kLineweightByLayer ? layer.lineweight : own.lineweight;
-  if (lineweight >= 0) result.lineweightMm = std::min(lineweight, kHeaviestLineweight) / 100.0;
-  else result.lineweightMm = lineweight == kLineweightByBlock ? block.lineweightMm : Appearance{}.lineweightMm;
+  if (lineweight >= 0)
+    result.lineweightMm = std::min(lineweight, kHeaviestLineweight) / 100.0;
+  else
+    result.lineweightMm = lineweight == kLineweightByBlock ? block.lineweightMm : Appearance{}.lineweightMm;
 
-  if (isName(own.linetype, "BYBLOCK")) result.dashes = block.dashes;
-  else if (own.linetype.empty() || isName(own.linetype, "BYLAYER")) result.dashes = dashes(layer.linetype);
-  else result.dashes = dashes(own.linetype);
+  if (isName(own.linetype, "BYBLOCK"))
+    result.dashes = block.dashes;
+  else if (own.linetype.empty() || isName(own.linetype, "BYLAYER"))
+    result.dashes = dashes(layer.linetype);
+  else
+    result.dashes = dashes(own.linetype);
   if (std::isfinite(own.linetypeScale) && own.linetypeScale > 0) result.linetypeScale = own.linetypeScale;
 
   const bool isAlphaByBlock = (own.transparency >> 24 & 0xFF) == 1;
-  if (const auto alpha = givenAlpha(own.transparency)) result.alpha = *alpha;
-  else if (isAlphaByBlock) result.alpha = block.alpha;
-  else result.alpha = givenAlpha(layer.transparency).value_or(255);
+  if (const auto alpha = givenAlpha(own.transparency))
+    result.alpha = *alpha;
+  else if (isAlphaByBlock)
+    result.alpha = block.alpha;
+  else
+    result.alpha = givenAlpha(layer.transparency).value_or(255);
   return result;
 }
 
 Color Appearances::background() const {
   const std::uint32_t rgb = options_.background.value_or(0xFFFFFF);
-  return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb), 255};
+  return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb),
+          255};
 }
 
 Color Appearances::ofMode(std::uint32_t rgb, std::uint8_t alpha) const {
-  Color c{static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb), alpha};
+  Color c{static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb),
+          alpha};
   if (options_.colors == ColorMode::Grayscale) {
     // Luma of the usual video weights, in thousandths.
     const auto grey = static_cast<std::uint8_t>((299 * c.red + 587 * c.green + 114 * c.blue + 500) / 1000);

@@ -17,8 +17,8 @@ namespace host::picture {
 
 /// What an entity is drawn with, before options of the picture apply.
 struct Appearance {
-  bool isInk = true;               // colour 7: black or white, whichever stands out
-  std::uint32_t rgb = 0;           // when not
+  bool isInk = true;      // colour 7: black or white, whichever stands out
+  std::uint32_t rgb = 0;  // when not
   std::uint8_t alpha = 255;
   double lineweightMm = 0.25;
   const std::vector<double>* dashes = nullptr;  // null: unbroken; lengths before linetype scales
@@ -27,8 +27,8 @@ struct Appearance {
 
 /// What the content of a block takes from the reference to it.
 struct Surroundings {
-  std::uint32_t layer = 0;         // stands in for layer "0"; 0 outside blocks
-  Appearance appearance;           // of what is "by block"
+  std::uint32_t layer = 0;  // stands in for layer "0"; 0 outside blocks
+  Appearance appearance;    // of what is "by block"
 };
 
 class Appearances {
@@ -37,8 +37,8 @@ class Appearances {
 
   /// Layer that decides, inside blocks.
   std::uint32_t effectiveLayer(const database::Slot& entity, const Surroundings& surroundings);
-  /// False on layers that are off (references only when frozen: what they show may lie on other layers), frozen, left out
-  /// by the options, or not plotted on paper.
+  /// False on layers that are off (references only when frozen: what they show may lie on other layers), frozen, left
+  /// out by the options, or not plotted on paper.
   bool isShown(const database::Slot& entity, std::uint32_t effectiveLayer);
   Appearance resolve(const database::EntityProperties& own, std::uint32_t effectiveLayer,
                      const Surroundings& surroundings);

@@ -25,8 +25,8 @@ QColor qColor(std::uint32_t rgb) { return QColor::fromRgb(rgb | 0xFF000000U); }
 
 bool isDot(const DisplayList& list, const DisplayRing& ring) {
   const Point& first = list.points[ring.first];
-  return ring.count == 1 || (ring.count == 2 && first.x == list.points[ring.first + 1].x &&
-                             first.y == list.points[ring.first + 1].y);
+  return ring.count == 1 ||
+         (ring.count == 2 && first.x == list.points[ring.first + 1].x && first.y == list.points[ring.first + 1].y);
 }
 
 void addToPath(const DisplayList& list, const DisplayRing& ring, QPainterPath& path) {
@@ -133,7 +133,8 @@ std::string renderPdf(const DisplayList& list, const Page& page, std::optional<s
   {
     QPdfWriter writer(&buffer);
     writer.setTitle(QStringLiteral("Drawing"));
-    writer.setPageSize(QPageSize(QSizeF(page.widthMm, page.heightMm), QPageSize::Millimeter, QString(), QPageSize::ExactMatch));
+    writer.setPageSize(
+        QPageSize(QSizeF(page.widthMm, page.heightMm), QPageSize::Millimeter, QString(), QPageSize::ExactMatch));
     writer.setPageMargins(QMarginsF(0, 0, 0, 0));
     writer.setResolution(kDotsPerInch);
     QPainter painter;
@@ -151,9 +152,12 @@ std::string renderPdf(const DisplayList& list, const Page& page, std::optional<s
 std::string renderPicture(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background,
                           PictureFormat format) {
   switch (format) {
-    case PictureFormat::Png: return renderPng(list, page, background);
-    case PictureFormat::Svg: return writeSvg(list, page, background);
-    case PictureFormat::Pdf: return renderPdf(list, page, background);
+    case PictureFormat::Png:
+      return renderPng(list, page, background);
+    case PictureFormat::Svg:
+      return writeSvg(list, page, background);
+    case PictureFormat::Pdf:
+      return renderPdf(list, page, background);
   }
   return {};
 }

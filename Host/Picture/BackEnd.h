@@ -11,7 +11,7 @@ namespace host::picture {
 
 struct Page {
   double widthMm = 0, heightMm = 0;
-  double widthPx = 0, heightPx = 0;   // picture coordinates; whole numbers for PNG
+  double widthPx = 0, heightPx = 0;  // picture coordinates; whole numbers for PNG
 };
 
 /// Empty when the format's writer fails (a picture too large for memory).

@@ -55,10 +55,14 @@ void clipPolygon(const Box& box, const std::vector<Point>& ring, std::vector<Poi
   const auto atY = [](double y) {
     return [y](Point a, Point b) { return Point{a.x + (b.x - a.x) * ((y - a.y) / (b.y - a.y)), y}; };
   };
-  cutSide(ring, scratch, [&](Point p) { return p.x >= box.minX; }, atX(box.minX));
-  cutSide(scratch, out, [&](Point p) { return p.x <= box.maxX; }, atX(box.maxX));
-  cutSide(out, scratch, [&](Point p) { return p.y >= box.minY; }, atY(box.minY));
-  cutSide(scratch, out, [&](Point p) { return p.y <= box.maxY; }, atY(box.maxY));
+  cutSide(
+      ring, scratch, [&](Point p) { return p.x >= box.minX; }, atX(box.minX));
+  cutSide(
+      scratch, out, [&](Point p) { return p.x <= box.maxX; }, atX(box.maxX));
+  cutSide(
+      out, scratch, [&](Point p) { return p.y >= box.minY; }, atY(box.minY));
+  cutSide(
+      scratch, out, [&](Point p) { return p.y <= box.maxY; }, atY(box.maxY));
 }
 
 }  // namespace host::picture

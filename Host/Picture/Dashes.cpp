@@ -61,7 +61,8 @@ void drawDashes(const std::vector<Point>& given, bool closed, const std::vector<
   if (line.size() < 2) return;
   double total = 0;
   for (std::size_t i = 0; i + 1 < line.size(); ++i) total += length(line[i], line[i + 1]);
-  const double round = std::accumulate(pattern.begin(), pattern.end(), 0.0, [](double s, double d) { return s + std::abs(d); });
+  const double round =
+      std::accumulate(pattern.begin(), pattern.end(), 0.0, [](double s, double d) { return s + std::abs(d); });
   if (pattern.size() < 2 || !(round > 0) || !(total > 0) || !std::isfinite(total / round)) {
     give(line);
     return;

@@ -21,7 +21,8 @@ void BoundsCanvas::fill(const std::vector<std::vector<Point>>& rings, FillRule, 
 void BoundsCanvas::setClip(const Box& clip) { clip_ = clip; }
 
 void DisplayListCanvas::addRing(const std::vector<Point>& points, bool closed) {
-  list_.rings.push_back({static_cast<std::uint32_t>(list_.points.size()), static_cast<std::uint32_t>(points.size()), closed});
+  list_.rings.push_back(
+      {static_cast<std::uint32_t>(list_.points.size()), static_cast<std::uint32_t>(points.size()), closed});
   list_.points.insert(list_.points.end(), points.begin(), points.end());
   ++list_.items.back().ringCount;
 }

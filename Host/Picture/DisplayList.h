@@ -16,7 +16,12 @@ struct Color {
   bool operator==(const Color&) const = default;
 };
 
-enum class ItemKind : std::uint8_t { FillEvenOdd, FillNonzero, Stroke, FlatStroke };  // strokes: round or square-cut ends
+enum class ItemKind : std::uint8_t {
+  FillEvenOdd,
+  FillNonzero,
+  Stroke,
+  FlatStroke
+};  // strokes: round or square-cut ends
 
 struct DisplayRing {
   std::uint32_t first = 0, count = 0;  // points
@@ -26,7 +31,7 @@ struct DisplayRing {
 struct DisplayItem {
   ItemKind kind = ItemKind::Stroke;
   Color color;
-  double width = 0;                    // strokes
+  double width = 0;  // strokes
   std::uint32_t firstRing = 0, ringCount = 0;
 };
 

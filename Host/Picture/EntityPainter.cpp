@@ -35,14 +35,27 @@ Transform viewportTransform(const Slot& viewport, Box& frame, std::vector<std::u
         takePoint(tag, 17, target))
       continue;
     switch (tag.code) {
-      case 40: width = geometry::coordinate(tag); break;
-      case 41: height = geometry::coordinate(tag); break;
-      case 45: viewHeight = geometry::coordinate(tag); break;
-      case 51: twistRad = tag.real() * std::numbers::pi / 180; break;
-      case 68: status = tag.integer(); break;
+      case 40:
+        width = geometry::coordinate(tag);
+        break;
+      case 41:
+        height = geometry::coordinate(tag);
+        break;
+      case 45:
+        viewHeight = geometry::coordinate(tag);
+        break;
+      case 51:
+        twistRad = tag.real() * std::numbers::pi / 180;
+        break;
+      case 68:
+        status = tag.integer();
+        break;
       case 331:
-      case 341: frozen.push_back(tag.handle()); break;
-      default: break;
+      case 341:
+        frozen.push_back(tag.handle());
+        break;
+      default:
+        break;
     }
   }
   isOn = status != 0;
@@ -214,7 +227,8 @@ bool EntityPainter::project(const Chain& chain, const Transform& toPicture, std:
   out.reserve(chain.size());
   for (const AcGePoint3d& p : chain) {
     out.push_back(toPicture.plan(p));
-    if (!(std::abs(out.back().x) <= geometry::kLargestCoordinate && std::abs(out.back().y) <= geometry::kLargestCoordinate))
+    if (!(std::abs(out.back().x) <= geometry::kLargestCoordinate &&
+          std::abs(out.back().y) <= geometry::kLargestCoordinate))
       return false;
   }
   return !out.empty();
@@ -230,7 +244,8 @@ void EntityPainter::strokeLine(const std::vector<Point>& line, bool closed, cons
   });
 }
 
-void EntityPainter::fillChains(const std::vector<Chain>& rings, const Transform& toPicture, FillRule rule, Color color) {
+void EntityPainter::fillChains(const std::vector<Chain>& rings, const Transform& toPicture, FillRule rule,
+                               Color color) {
   std::vector<std::vector<Point>> projected(rings.size());
   for (std::size_t i = 0; i < rings.size(); ++i)
     if (!project(rings[i], toPicture, projected[i])) projected[i].clear();
@@ -260,7 +275,8 @@ void EntityPainter::paintWire(const geometry::Wire& wire, const Place& place, co
   std::size_t begin = 0;
   const auto piece = [&](std::size_t end) {
     if (end <= begin || end >= line.size()) return;
-    scratch_.assign(line.begin() + static_cast<std::ptrdiff_t>(begin), line.begin() + static_cast<std::ptrdiff_t>(end) + 1);
+    scratch_.assign(line.begin() + static_cast<std::ptrdiff_t>(begin),
+                    line.begin() + static_cast<std::ptrdiff_t>(end) + 1);
     strokeLine(scratch_, false, style, pen);
     begin = end;
   };
@@ -275,7 +291,8 @@ void EntityPainter::paintPoint(const AcGePoint3d& p, const Place& place, const S
   const Point c = at[0];
   if (view_.boundsOnly) return canvas_.stroke(at, false, style.pen);
   const double pictureHeight = view_.area.maxY - view_.area.minY;
-  double size = pointSize_ > 0 ? pointSize_ * place.toPicture.planScale() : pictureHeight * std::min(-pointSize_, 100.0) / 100;
+  double size =
+      pointSize_ > 0 ? pointSize_ * place.toPicture.planScale() : pictureHeight * std::min(-pointSize_, 100.0) / 100;
   if (pointSize_ == 0) size = pictureHeight * 0.05;
   const double r = size / 2;
   const Pen& pen = style.pen;
@@ -297,8 +314,11 @@ void EntityPainter::paintPoint(const AcGePoint3d& p, const Place& place, const S
       line(-2, -2, 2, 2);
       line(-2, 2, 2, -2);
       break;
-    case 4: line(0, 0, 0, -1); break;
-    default: break;
+    case 4:
+      line(0, 0, 0, -1);
+      break;
+    default:
+      break;
   }
   if ((pointMode_ & kCircle) != 0) {
     std::vector<Point> circle;

@@ -17,20 +17,20 @@ namespace host::picture {
 
 /// How drawing coordinates become picture coordinates.
 struct View {
-  geometry::Transform toPicture;   // plan coordinates to pixels, y down
-  double pixelsPerMm = 1;          // of lineweights
-  double deviation = 0.1;          // pixels; of curves
-  double thinnestLine = 1;         // pixels
-  double barsBelow = 0;            // texts lower than this many pixels become bars
-  Box area;                        // the part of the picture that is drawn to, pixels
+  geometry::Transform toPicture;  // plan coordinates to pixels, y down
+  double pixelsPerMm = 1;         // of lineweights
+  double deviation = 0.1;         // pixels; of curves
+  double thinnestLine = 1;        // pixels
+  double barsBelow = 0;           // texts lower than this many pixels become bars
+  Box area;                       // the part of the picture that is drawn to, pixels
   /// Only extents are wanted: no dashes, no pattern lines, no infinite lines.
   bool boundsOnly = false;
 };
 
 class EntityPainter {
  public:
-  EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs, const View& view,
-                Canvas& canvas);
+  EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs,
+                const View& view, Canvas& canvas);
 
   /// Living, visible entities in draw order.
   void paint(const database::BlockContents& block);
@@ -77,7 +77,7 @@ class EntityPainter {
   Appearances appearances_;
   double lineweightFactor_;
   bool lineweightsOff_;
-  double dashScale_;               // pixels for one unit of a linetype
+  double dashScale_;  // pixels for one unit of a linetype
   geometry::ReferenceChain chain_;
   std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
   std::size_t entities_ = 0;

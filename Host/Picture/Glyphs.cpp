@@ -27,7 +27,7 @@ QString fontFile(const char* name) {
   roots << QStringLiteral("/usr/share/fonts") << QStringLiteral("/usr/local/share/fonts");
   for (const QString& root : roots)
     for (const char* folder : kFolders) {
-      const QString path = root + u'/' + QString::fromLatin1(folder) + u'/' + QString::fromLatin1(name);
+      QString path = root + u'/' + QString::fromLatin1(folder) + u'/' + QString::fromLatin1(name);
       if (QFileInfo::exists(path)) return path;
     }
   return {};
@@ -98,7 +98,8 @@ struct GlyphSource::Face {
     glyph.advance = static_cast<double>(face->glyph->metrics.horiAdvance) * scale * kNarrowing;
     if (face->glyph->format != FT_GLYPH_FORMAT_OUTLINE) return true;
     Decomposer decomposer{&glyph, scale * kNarrowing, scale, {}};
-    const FT_Outline_Funcs calls{Decomposer::moveTo, Decomposer::lineTo, Decomposer::conicTo, Decomposer::cubicTo, 0, 0};
+    const FT_Outline_Funcs calls{
+        Decomposer::moveTo, Decomposer::lineTo, Decomposer::conicTo, Decomposer::cubicTo, 0, 0};
     FT_Outline_Decompose(&face->glyph->outline, &calls, &decomposer);
     return true;
   }

@@ -94,8 +94,7 @@ void EntityPainter::paintHatch(const database::Slot& entity, const Place& place,
   const double deviation = view_.deviation > 0 && outerScale > 0 ? view_.deviation / outerScale : 0;
   const hatching::HatchRecord hatch = geometry::readHatch(entity, deviation);
   const database::ObjectAxes axes(hatch.normal);
-  const Transform plane =
-      place.toPicture.after({axes.ax, axes.ay, axes.az, AcGePoint3d{} + axes.az * hatch.elevation});
+  const Transform plane = place.toPicture.after({axes.ax, axes.ay, axes.az, AcGePoint3d{} + axes.az * hatch.elevation});
   const std::vector<Polygon> loops = geometry::filledLoops(hatch);
   const auto fill = [&](Color color) {
     std::vector<geometry::Chain> rings;

@@ -14,8 +14,8 @@ namespace {
 
 constexpr double kPixelsPerInch = 96;
 constexpr double kMmPerInch = 25.4;
-constexpr double kMarginShare = 0.03;   // of the larger side, around the extents
-constexpr double kPaperMarginMm = 10;   // when the area is fitted to a paper
+constexpr double kMarginShare = 0.03;             // of the larger side, around the extents
+constexpr double kPaperMarginMm = 10;             // when the area is fitted to a paper
 constexpr double kFlattest = 0.1, kSteepest = 4;  // height to width of pictures that follow the extents
 constexpr double kFitSlackMm = 0.05;
 
@@ -60,14 +60,17 @@ std::string paperName(const PaperSize& paper) {
 }
 
 std::string misfitNote(double needWidth, double needHeight, const PaperSize& paper, double scale) {
-  std::string note = "At 1:" + figure(1 / scale, 3) + " the drawing is " + figure(needWidth, 1) + " x " + figure(needHeight, 1) +
-                     " mm and does not fit on " + paperName(paper) + ": ";
+  std::string note = "At 1:" + figure(1 / scale, 3) + " the drawing is " + figure(needWidth, 1) + " x " +
+                     figure(needHeight, 1) + " mm and does not fit on " + paperName(paper) + ": ";
   const double overWidth = needWidth - paper.widthMm, overHeight = needHeight - paper.heightMm;
   if (overWidth > kFitSlackMm) note += figure(overWidth, 1) + " mm too wide";
-  if (overHeight > kFitSlackMm) note += (overWidth > kFitSlackMm ? " and " : "") + figure(overHeight, 1) + " mm too high";
+  if (overHeight > kFitSlackMm)
+    note += (overWidth > kFitSlackMm ? " and " : "") + figure(overHeight, 1) + " mm too high";
   for (const PaperSize& size : paperSizes()) {
-    if (fits(needWidth, needHeight, size.widthMm, size.heightMm)) return note + "; " + size.name + " portrait would do.";
-    if (fits(needWidth, needHeight, size.heightMm, size.widthMm)) return note + "; " + size.name + " landscape would do.";
+    if (fits(needWidth, needHeight, size.widthMm, size.heightMm))
+      return note + "; " + size.name + " portrait would do.";
+    if (fits(needWidth, needHeight, size.heightMm, size.widthMm))
+      return note + "; " + size.name + " landscape would do.";
   }
   const PaperSize& largest = paperSizes().back();
   const double upright = std::min(largest.widthMm / needWidth, largest.heightMm / needHeight);
@@ -81,8 +84,8 @@ std::string misfitNote(double needWidth, double needHeight, const PaperSize& pap
 std::string boxText(const Box& box) {
   const double size = std::max(width(box), height(box));
   const int decimals = size >= 100 ? 1 : size >= 1 ? 3 : 6;
-  return "(" + figure(box.minX, decimals) + ", " + figure(box.minY, decimals) + ") - (" + figure(box.maxX, decimals) + ", " +
-         figure(box.maxY, decimals) + ")";
+  return "(" + figure(box.minX, decimals) + ", " + figure(box.minY, decimals) + ") - (" + figure(box.maxX, decimals) +
+         ", " + figure(box.maxY, decimals) + ")";
 }
 
 PageLayout layOutPage(const Box& extents, const PictureOptions& options, PictureFormat format) {

@@ -11,11 +11,12 @@ namespace host::picture {
 namespace {
 
 constexpr double kRasterDeviationPx = 0.1;
-constexpr double kVectorDeviationPx = 0.02;   // 0.005 mm on paper
-constexpr double kThinnestVectorPx = 0.34;    // 0.09 mm
+constexpr double kVectorDeviationPx = 0.02;  // 0.005 mm on paper
+constexpr double kThinnestVectorPx = 0.34;   // 0.09 mm
 constexpr double kBarsBelowPx = 1.3;
 
-const database::BlockContents* findLayout(const database::DrawingDatabase& db, const std::string& name, std::string& known) {
+const database::BlockContents* findLayout(const database::DrawingDatabase& db, const std::string& name,
+                                          std::string& known) {
   const std::wstring wanted = text::fromUtf8(name);
   if (text::equalFolded(wanted, L"Model")) return &db.modelSpace();
   for (const auto& [layoutName, block] : db.layouts()) {
@@ -27,8 +28,8 @@ const database::BlockContents* findLayout(const database::DrawingDatabase& db, c
 
 PictureResult failure(std::string message) { return {false, std::move(message), {}, {}}; }
 
-Box visibleExtents(const database::DrawingDatabase& db, const database::BlockContents& block, const PictureOptions& options,
-                   GlyphSource& glyphs) {
+Box visibleExtents(const database::DrawingDatabase& db, const database::BlockContents& block,
+                   const PictureOptions& options, GlyphSource& glyphs) {
   View view;
   view.boundsOnly = true;
   view.deviation = 0;
@@ -49,8 +50,8 @@ PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOpti
   const std::string chosen = options.layers == "*" ? "" : " on layers \"" + options.layers + "\"";
   if (extents.isEmpty()) return failure("Layout \"" + options.layout + "\" has nothing visible" + chosen + " to draw.");
   if (options.window && !options.window->intersects(extents))
-    return failure("Nothing visible" + chosen + " lies in the window " + boxText(*options.window) + "; the drawing covers " +
-                   boxText(extents) + ".");
+    return failure("Nothing visible" + chosen + " lies in the window " + boxText(*options.window) +
+                   "; the drawing covers " + boxText(extents) + ".");
 
   const PageLayout layout = layOutPage(extents, options, format);
   if (!layout.error.empty()) return failure(layout.error);

@@ -15,8 +15,8 @@ enum class PictureFormat { Png, Svg, Pdf };
 
 struct PaperSize {
   double widthMm = 0, heightMm = 0;
-  std::string name;            // "A3"; empty for a size in figures
-  bool mayTurn = true;         // no orientation was asked for: the one that suits the drawing
+  std::string name;     // "A3"; empty for a size in figures
+  bool mayTurn = true;  // no orientation was asked for: the one that suits the drawing
 };
 
 enum class LineweightMode { AsDrawn, Off, Factor };
@@ -24,24 +24,24 @@ enum class ColorMode { AsDrawn, Grayscale, Monochrome };
 
 struct PictureOptions {
   static constexpr int kDefaultWidthPx = 1600;
-  int widthPx = kDefaultWidthPx;           // width of a PNG; SVG and PDF without paper and scale: at 96 per inch
-  std::optional<geometry::Box> window;     // drawing units; default: extents of what is visible, with a margin
+  int widthPx = kDefaultWidthPx;        // width of a PNG; SVG and PDF without paper and scale: at 96 per inch
+  std::optional<geometry::Box> window;  // drawing units; default: extents of what is visible, with a margin
   std::optional<PaperSize> paper;
-  std::optional<double> scale;             // 1:500 is 0.002
-  double metresPerUnit = 1;                // of the drawing; matters with `scale` only
+  std::optional<double> scale;                         // 1:500 is 0.002
+  double metresPerUnit = 1;                            // of the drawing; matters with `scale` only
   std::optional<std::uint32_t> background = 0xFFFFFF;  // 0xRRGGBB; nothing: transparent
   LineweightMode lineweights = LineweightMode::AsDrawn;
   double lineweightFactor = 1;
   ColorMode colors = ColorMode::AsDrawn;
-  std::string layers = "*";                // wildcard pattern, UTF-8
-  std::string layout = "Model";            // name of the layout to draw, UTF-8
+  std::string layers = "*";      // wildcard pattern, UTF-8
+  std::string layout = "Model";  // name of the layout to draw, UTF-8
 };
 
 struct PictureResult {
   bool ok = false;
-  std::string message;         // why not; when ok, what the user should know (paper too small ...), or empty
-  std::string bytes;           // the file
-  geometry::Box drawn;         // the area shown, drawing units
+  std::string message;  // why not; when ok, what the user should know (paper too small ...), or empty
+  std::string bytes;    // the file
+  geometry::Box drawn;  // the area shown, drawing units
 };
 
 /// Draws one layout of a drawing. The same drawing and options give the same bytes. Fails when nothing visible lies in
@@ -51,8 +51,8 @@ PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOpti
 /// By the ending of a file name, without regard to case.
 std::optional<PictureFormat> formatOfFile(std::string_view fileName);
 
-// Each of these reads the text of one option into `options`. The answer is empty, or one sentence that names the value and
-// the accepted forms; `options` is then unchanged.
+// Each of these reads the text of one option into `options`. The answer is empty, or one sentence that names the value
+// and the accepted forms; `options` is then unchanged.
 std::string setWidth(PictureOptions& options, std::string_view text);        // 1600
 std::string setWindow(PictureOptions& options, std::string_view text);       // x1,y1,x2,y2
 std::string setPaper(PictureOptions& options, std::string_view text);        // A0 ... A5, A3-landscape, 594x420

@@ -55,7 +55,8 @@ std::optional<PictureFormat> formatOfFile(std::string_view fileName) {
 std::string setWidth(PictureOptions& options, std::string_view text) {
   const auto value = wholeNumber(text);
   if (!value || *value < 1 || *value > kLargestSidePx || *value != std::floor(*value))
-    return "Picture width " + quoted(text) + " is not a whole number of pixels from 1 to " + std::to_string(kLargestSidePx) + ".";
+    return "Picture width " + quoted(text) + " is not a whole number of pixels from 1 to " +
+           std::to_string(kLargestSidePx) + ".";
   options.widthPx = static_cast<int>(*value);
   return {};
 }
@@ -81,9 +82,9 @@ std::string setWindow(PictureOptions& options, std::string_view text) {
 }
 
 std::string setPaper(PictureOptions& options, std::string_view text) {
-  const std::string error = "Paper " + quoted(text) +
-                            " is not known; use A0, A1, A2, A3, A4 or A5, with -landscape or -portrait, or WIDTHxHEIGHT in "
-                            "millimetres.";
+  std::string error = "Paper " + quoted(text) +
+                      " is not known; use A0, A1, A2, A3, A4 or A5, with -landscape or -portrait, or WIDTHxHEIGHT in "
+                      "millimetres.";
   const std::string low = lowered(text);
   if (const auto sides = split(low, 'x'); sides.size() == 2) {
     const auto width = wholeNumber(sides[0]), height = wholeNumber(sides[1]);

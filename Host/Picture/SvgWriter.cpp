@@ -47,8 +47,10 @@ class Writer {
       const Step next = step(points[i]);
       const Step move{next.x - at.x, next.y - at.y};
       if (move.x == 0 && move.y == 0 && command != 0) continue;
-      if (command != 'l') out_ += command = 'l';
-      else if (move.x >= 0) out_ += ' ';
+      if (command != 'l')
+        out_ += command = 'l';
+      else if (move.x >= 0)
+        out_ += ' ';
       pair(move);
       at = next;
     }

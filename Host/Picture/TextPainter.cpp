@@ -27,8 +27,8 @@ void EntityPainter::paintText(const geometry::TextBlock& text, const Place& plac
   };
   if (text.masked) {
     const bool isBackground = text.maskColor < 0 && text.maskTrueColor < 0;
-    const Color color =
-        isBackground ? appearances_.background() : appearances_.color(text.maskColor, text.maskTrueColor, style.appearance);
+    const Color color = isBackground ? appearances_.background()
+                                     : appearances_.color(text.maskColor, text.maskTrueColor, style.appearance);
     canvas_.fill({box(text.mask)}, FillRule::EvenOdd, color);
   }
   if (view_.boundsOnly || !glyphs_.hasFont()) {
@@ -38,7 +38,8 @@ void EntityPainter::paintText(const geometry::TextBlock& text, const Place& plac
   if (!text.box.isEmpty() && !view_.area.isEmpty()) {
     Box bounds;
     const double height = text.box.maxY - text.box.minY;
-    for (const Point p : box({text.box.minX - height, text.box.minY - height, text.box.maxX + height, text.box.maxY + height}))
+    for (const Point p :
+         box({text.box.minX - height, text.box.minY - height, text.box.maxX + height, text.box.maxY + height}))
       bounds.add(p);
     if (!bounds.intersects(view_.area)) return;
   }

@@ -382,4 +382,25 @@ TEST(CodePages, NewNamesAreSpelledInTheDrawingsEncoding) {
   EXPECT_NE(drawing.database().findRecord(DxfType::AppId, L"LÄHDE 漢"), nullptr);
 }
 
+// Some writers put layer, colour and linetype behind the entity's own marker.
+TEST(Misplaced, CommonValuesAreFoundAndChangedWhereTheyStand) {
+  std::string text = tests::probeDrawing("\n");
+  const std::string right = "100\nAcDbEntity\n  8\nvanha\n  6\nContinuous\n 62\n 3\n420\n1193046\n100\nAcDbPolyline\n";
+  const std::size_t at = text.find(right);
+  ASSERT_NE(at, std::string::npos);
+  text.replace(at, right.size(), "100\nAcDbEntity\n100\nAcDbPolyline\n  8\nvanha\n 62\n 5\n");
+  OpenDrawing drawing(text);
+  Slot& slot = *drawing.database().findHandle(0x51);
+  EXPECT_EQ(drawing.database().layerName(slot.layer), L"vanha");
+  EXPECT_EQ(entityProperties(slot).color, 5);
+  AcDbEntity* entity = nullptr;
+  ASSERT_EQ(acdbOpenAcDbEntity(entity, drawing.id(0x51), AcDb::kForWrite), Acad::eOk);
+  EXPECT_EQ(entity->colorIndex(), 5);
+  EXPECT_EQ(entity->setLayer(ACRX_T("metsä")), Acad::eOk);
+  entity->close();
+  const tests::Difference difference = tests::lineDifference(text, drawing.text());
+  EXPECT_EQ(difference.removed, std::vector<std::string>{"vanha"});
+  EXPECT_EQ(difference.added.size(), 1U);
+}
+
 }  // namespace

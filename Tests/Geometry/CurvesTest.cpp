@@ -1,11 +1,10 @@
-#include "Geometry/Curves.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 #include <numeric>
 
+#include "Geometry/Curves.h"
 #include "Geometry/SmallDrawing.h"
 #include "Geometry/TextLayout.h"
 
@@ -77,18 +76,18 @@ TEST(TextLayout, SingleLinesStandWhereTheirAlignmentSays) {
     const char* tags;
     double minX, minY, maxX, maxY;  // plan box
   };
-  for (const Case& c : std::initializer_list<Case>{
-           {"10 5|20 5", 5, 5, 13, 7},
-           {"10 0|20 0|72 1|11 5|21 5", 1, 5, 9, 7},
-           {"10 0|20 0|72 2|73 3|11 5|21 5", -3, 3, 5, 5},
-           {"10 0|20 0|72 4|11 5|21 5", 1, 4, 9, 6},
-           {"10 5|20 5|50 90", 3, 5, 5, 13},
-           {"10 5|20 5|41 0.5", 5, 5, 9, 7},
-           {"10 5|20 5|71 2", -3, 5, 5, 7},                         // backwards
-           {"10 5|20 5|71 4", 5, 3, 13, 5},                         // upside down
-           {"10 5|20 5|210 0|220 0|230 -1", -13, 5, -5, 7},         // from below
-           {"10 5|20 5|72 5|11 9|21 5", 5, 5, 9, 7},                // fit
-           {"10 5|20 5|72 3|11 9|21 5", 5, 5, 9, 6}}) {             // aligned: half the height as well
+  for (const Case& c :
+       std::initializer_list<Case>{{"10 5|20 5", 5, 5, 13, 7},
+                                   {"10 0|20 0|72 1|11 5|21 5", 1, 5, 9, 7},
+                                   {"10 0|20 0|72 2|73 3|11 5|21 5", -3, 3, 5, 5},
+                                   {"10 0|20 0|72 4|11 5|21 5", 1, 4, 9, 6},
+                                   {"10 5|20 5|50 90", 3, 5, 5, 13},
+                                   {"10 5|20 5|41 0.5", 5, 5, 9, 7},
+                                   {"10 5|20 5|71 2", -3, 5, 5, 7},                  // backwards
+                                   {"10 5|20 5|71 4", 5, 3, 13, 5},                  // upside down
+                                   {"10 5|20 5|210 0|220 0|230 -1", -13, 5, -5, 7},  // from below
+                                   {"10 5|20 5|72 5|11 9|21 5", 5, 5, 9, 7},         // fit
+                                   {"10 5|20 5|72 3|11 9|21 5", 5, 5, 9, 6}}) {      // aligned: half the height as well
     const TextBlock block = layout("TEXT", std::string("40 2|1 abcd|") + c.tags);
     Box box;
     for (const auto& [x, y] : {std::pair{block.box.minX, block.box.minY}, std::pair{block.box.maxX, block.box.maxY}})

@@ -1,10 +1,9 @@
-#include "Geometry/EntityPaths.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 
+#include "Geometry/EntityPaths.h"
 #include "Geometry/SmallDrawing.h"
 
 namespace host::geometry {
@@ -19,12 +18,15 @@ void PrintTo(const Box& b, std::ostream* out) {
 namespace {
 
 void expectBox(const Box& box, const Box& expected, double tolerance, const std::string& what) {
-  const bool isNear = std::abs(box.minX - expected.minX) <= tolerance && std::abs(box.minY - expected.minY) <= tolerance &&
-                      std::abs(box.maxX - expected.maxX) <= tolerance && std::abs(box.maxY - expected.maxY) <= tolerance;
-  EXPECT_TRUE(isNear) << what << ": " << testing::PrintToString(box) << ", expected " << testing::PrintToString(expected);
+  const bool isNear =
+      std::abs(box.minX - expected.minX) <= tolerance && std::abs(box.minY - expected.minY) <= tolerance &&
+      std::abs(box.maxX - expected.maxX) <= tolerance && std::abs(box.maxY - expected.maxY) <= tolerance;
+  EXPECT_TRUE(isNear) << what << ": " << testing::PrintToString(box) << ", expected "
+                      << testing::PrintToString(expected);
 }
 
-/// Blocks the entities of the table refer to: "flag" is a triangle left of its base point (1, 0); "nest" holds two of it.
+/// Blocks the entities of the table refer to: "flag" is a triangle left of its base point (1, 0); "nest" holds two of
+/// it.
 SmallDrawing withBlocks() {
   SmallDrawing drawing;
   drawing.block("flag", "10 1|20 0").entity("LWPOLYLINE", "90 3|70 1|10 0|20 0|10 1|20 0|10 1|20 2");
@@ -46,8 +48,10 @@ const Row kRows[] = {
     {"CIRCLE", "10 5|20 5|40 2", {3, 3, 7, 7}},
     {"CIRCLE", "10 5|20 5|40 2|210 0|220 0|230 -1", {-7, 3, -3, 7}},
     {"ARC", "10 0|20 0|40 2|50 -30|51 100", {2 * std::cos(100 * std::numbers::pi / 180), -1, 2, 2}},
-    {"ARC", "10 0|20 0|40 2|50 350|51 370|210 0|220 0|230 -1",
-     {-2, -2 * std::sin(std::numbers::pi / 18), -2 * std::cos(std::numbers::pi / 18), 2 * std::sin(std::numbers::pi / 18)}},
+    {"ARC",
+     "10 0|20 0|40 2|50 350|51 370|210 0|220 0|230 -1",
+     {-2, -2 * std::sin(std::numbers::pi / 18), -2 * std::cos(std::numbers::pi / 18),
+      2 * std::sin(std::numbers::pi / 18)}},
     {"ELLIPSE", "10 1|20 1|11 0|21 4|40 0.5|41 0|42 6.283185307179586", {-1, -3, 3, 5}},
     {"ELLIPSE", "10 0|20 0|11 4|21 0|40 0.5|41 0|42 1.5707963267948966", {0, 0, 4, 2}},
     {"LWPOLYLINE", "90 2|70 0|10 0|20 0|42 1|10 4|20 0", {0, -2, 4, 0}},
@@ -70,13 +74,18 @@ const Row kRows[] = {
     {"RAY", "10 3|20 4|11 1|21 0", {3, 4, 3, 4}},
     {"LEADER", "71 0|72 0|76 3|10 0|20 0|10 2|20 2|10 4|20 2", {0, 0, 4, 2}},
     {"WIPEOUT", "10 10|20 20|11 4|21 0|12 0|22 2|13 1|23 1|71 1|91 2|14 -0.5|24 -0.5|14 0.5|24 0.5", {10, 20, 14, 22}},
-    {"IMAGE", "10 10|20 20|11 0.5|21 0|12 0|22 0.5|13 8|23 4|280 0|71 1|91 2|14 -0.5|24 -0.5|14 1|24 1", {10, 20, 14, 22}},
+    {"IMAGE",
+     "10 10|20 20|11 0.5|21 0|12 0|22 0.5|13 8|23 4|280 0|71 1|91 2|14 -0.5|24 -0.5|14 1|24 1",
+     {10, 20, 14, 22}},
     {"HATCH",
-     "10 0|20 0|30 0|210 0|220 0|230 -1|2 SOLID|70 1|71 0|91 1|92 3|72 1|73 1|93 2|10 0|20 0|42 1|10 4|20 0|42 1|97 0|75 "
+     "10 0|20 0|30 0|210 0|220 0|230 -1|2 SOLID|70 1|71 0|91 1|92 3|72 1|73 1|93 2|10 0|20 0|42 1|10 4|20 0|42 1|97 "
+     "0|75 "
      "0|76 1|98 0",
      {-4, -2, 0, 2}},
-    {"MLINE", "71 1|72 2|11 0|21 0|12 1|22 0|13 0|23 1|74 1|41 0.5|75 0|74 1|41 -0.5|75 0|11 8|21 0|12 1|22 0|13 0|23 "
-     "1|74 1|41 0.5|75 0|74 1|41 -0.5|75 0", {0, -0.5, 8, 0.5}},
+    {"MLINE",
+     "71 1|72 2|11 0|21 0|12 1|22 0|13 0|23 1|74 1|41 0.5|75 0|74 1|41 -0.5|75 0|11 8|21 0|12 1|22 0|13 0|23 "
+     "1|74 1|41 0.5|75 0|74 1|41 -0.5|75 0",
+     {0, -0.5, 8, 0.5}},
 };
 
 TEST(EntityPaths, ExtentsOfEveryKind) {
@@ -108,8 +117,8 @@ TEST(EntityPaths, OldPolylinesSkipFramePointsAndMeshesAreWires) {
       .entity("VERTEX", "10 4|20 1|70 8|42 0")
       .entity("SEQEND", "");
   drawing.entity("POLYLINE", "66 1|10 0|20 0|30 0|70 16|71 2|72 3");
-  for (const char* vertex : {"10 0|20 0|70 64", "10 1|20 0|70 64", "10 2|20 0|70 64", "10 0|20 5|70 64", "10 1|20 5|70 64",
-                             "10 2|20 5|70 64"})
+  for (const char* vertex : {"10 0|20 0|70 64", "10 1|20 0|70 64", "10 2|20 0|70 64", "10 0|20 5|70 64",
+                             "10 1|20 5|70 64", "10 2|20 5|70 64"})
     drawing.entity("VERTEX", vertex);
   drawing.entity("SEQEND", "");
   SmallDatabase db(drawing);
@@ -176,7 +185,9 @@ TEST(EntityPaths, CyclesAndExplodingNestsEnd) {
   drawing.block("level30").entity("LINE", "10 0|20 0|11 1|21 1");
   for (int i = 29; i >= 0; --i) {
     const std::string next = "2 level" + std::to_string(i + 1);
-    drawing.block("level" + std::to_string(i)).entity("INSERT", next + "|10 0|20 0").entity("INSERT", next + "|10 0|20 0");
+    drawing.block("level" + std::to_string(i))
+        .entity("INSERT", next + "|10 0|20 0")
+        .entity("INSERT", next + "|10 0|20 0");
   }
   drawing.model().entity("INSERT", "2 a|10 0|20 0").entity("INSERT", "2 level0|10 5|20 5");
   SmallDatabase db(drawing);
@@ -193,8 +204,8 @@ TEST(EntityPaths, ExtentsLeaveOutWhatIsNotShown) {
       .entity("LINE", "10 0|20 0|11 90|21 1", "8 off")
       .entity("LINE", "10 0|20 0|11 90|21 1", "8 frozen")
       .entity("LINE", "10 0|20 0|11 90|21 1", "8 0|60 1")
-      .entity("INSERT", "2 two|10 0|20 0", "8 off")        // its layer "0" content is off with it, the rest is not
-      .entity("INSERT", "2 two|10 0|20 20", "8 frozen");   // nothing of it
+      .entity("INSERT", "2 two|10 0|20 0", "8 off")       // its layer "0" content is off with it, the rest is not
+      .entity("INSERT", "2 two|10 0|20 20", "8 frozen");  // nothing of it
   SmallDatabase db(drawing);
   expectBox(blockExtents(*db, db->modelSpace()), {0, 0, 1, 7}, 1e-9, "visible");
 }
@@ -202,9 +213,10 @@ TEST(EntityPaths, ExtentsLeaveOutWhatIsNotShown) {
 TEST(Picks, DistanceKnowsFillsAndIslands) {
   SmallDrawing drawing;
   drawing.entity("LINE", "10 0|20 0|11 10|21 0");
-  drawing.entity("HATCH",
-                 "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 2|92 3|72 0|73 1|93 4|10 0|20 0|10 10|20 0|10 10|20 "
-                 "10|10 0|20 10|97 0|92 2|72 0|73 1|93 4|10 4|20 4|10 6|20 4|10 6|20 6|10 4|20 6|97 0|75 0|76 1|98 0");
+  drawing.entity(
+      "HATCH",
+      "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 2|92 3|72 0|73 1|93 4|10 0|20 0|10 10|20 0|10 10|20 "
+      "10|10 0|20 10|97 0|92 2|72 0|73 1|93 4|10 4|20 4|10 6|20 4|10 6|20 6|10 4|20 6|97 0|75 0|76 1|98 0");
   drawing.entity("LWPOLYLINE", "90 4|70 1|43 1|10 0|20 0|10 10|20 0|10 10|20 10|10 0|20 10");
   SmallDatabase db(drawing);
   EXPECT_NEAR(distanceTo(db.at(0), {5, 3}, 1), 3, 1e-9);
@@ -226,15 +238,16 @@ TEST(Picks, WindowsAndFences) {
   const std::vector<Point> fence = {{5, -5}, {5, 20}};
   const Case kCases[] = {
       {"LINE", "10 1|20 1|11 9|21 3", true, true, true},
-      {"LINE", "10 0|20 0|11 10|21 0", true, true, true},       // on the border
-      {"LINE", "10 9|20 3|11 3|21 9", false, true, true},       // both ends inside, the middle outside
+      {"LINE", "10 0|20 0|11 10|21 0", true, true, true},  // on the border
+      {"LINE", "10 9|20 3|11 3|21 9", false, true, true},  // both ends inside, the middle outside
       {"LINE", "10 -5|20 5|11 20|21 5", false, true, true},
       {"LINE", "10 6|20 6|11 9|21 9", false, false, false},
       {"CIRCLE", "10 2|20 2|40 1", true, true, false},
-      {"CIRCLE", "10 5|20 5|40 50", false, false, false},        // around the window, which touches no line of it
+      {"CIRCLE", "10 5|20 5|40 50", false, false, false},  // around the window, which touches no line of it
       {"POINT", "10 5|20 2", true, true, true},
       {"POINT", "10 7|20 7", false, false, false},
-      {"SOLID", "10 -50|20 -50|11 50|21 -50|12 -50|22 50|13 50|23 50", false, true, false},  // filled: the window is in it
+      {"SOLID", "10 -50|20 -50|11 50|21 -50|12 -50|22 50|13 50|23 50", false, true,
+       false},  // filled: the window is in it
   };
   for (const Case& c : kCases) {
     SmallDatabase db(SmallDrawing().entity(c.type, c.tags));

@@ -12,8 +12,8 @@
 
 namespace tests {
 
-/// Tags are given as "code value|code value|...". Handles count up from 100 (hex) in the order of `entity` calls, blocks'
-/// entities included, so a test can name them.
+/// Tags are given as "code value|code value|...". Handles count up from 100 (hex) in the order of `entity` calls,
+/// blocks' entities included, so a test can name them.
 class SmallDrawing {
  public:
   SmallDrawing& header(const std::string& name, const std::string& tag) {
@@ -42,8 +42,9 @@ class SmallDrawing {
   }
   /// `own` follows the entity's subclass marker, `common` the one of entities (layer, colour, ...).
   SmallDrawing& entity(const std::string& type, const std::string& own, const std::string& common = "8 0") {
-    (current_.empty() ? model_ : blocks_[current_].entities) +=
-        "0\n" + type + "\n5\n" + next() + "\n100\nAcDbEntity\n" + lines(common) + "100\n" + marker(type) + "\n" + lines(own);
+    (current_.empty() ? model_ : blocks_[current_].entities) += "0\n" + type + "\n5\n" + next() +
+                                                                "\n100\nAcDbEntity\n" + lines(common) + "100\n" +
+                                                                marker(type) + "\n" + lines(own);
     return *this;
   }
   SmallDrawing& objects(const std::string& tags) {
@@ -92,8 +93,8 @@ class SmallDrawing {
   }
   static std::string marker(const std::string& type) {
     static const std::map<std::string, std::string> markers = {
-        {"HATCH", "AcDbHatch"},     {"INSERT", "AcDbBlockReference"}, {"ATTRIB", "AcDbAttribute"},
-        {"LWPOLYLINE", "AcDbPolyline"}, {"POLYLINE", "AcDb2dPolyline"}, {"VERTEX", "AcDbVertex"}};
+        {"HATCH", "AcDbHatch"},         {"INSERT", "AcDbBlockReference"}, {"ATTRIB", "AcDbAttribute"},
+        {"LWPOLYLINE", "AcDbPolyline"}, {"POLYLINE", "AcDb2dPolyline"},   {"VERTEX", "AcDbVertex"}};
     const auto found = markers.find(type);
     return found == markers.end() ? "AcDbOther" : found->second;
   }
@@ -104,7 +105,8 @@ class SmallDrawing {
   }
   std::string next() { return hex(handle_++); }
   static std::string table(const std::string& name, const std::string& handle, const std::string& records) {
-    return "0\nTABLE\n2\n" + name + "\n5\n" + handle + "\n330\n0\n100\nAcDbSymbolTable\n70\n9\n" + records + "0\nENDTAB\n";
+    return "0\nTABLE\n2\n" + name + "\n5\n" + handle + "\n330\n0\n100\nAcDbSymbolTable\n70\n9\n" + records +
+           "0\nENDTAB\n";
   }
   static std::string record(const std::string& name, const std::string& handle, const std::string& more) {
     return "0\nBLOCK_RECORD\n5\n" + handle + "\n" + more +

@@ -7,10 +7,11 @@ namespace {
 
 TEST(Painting, FillsIslandsAndDrawOrder) {
   SmallDrawing drawing;
-  drawing.entity("HATCH",
-                 "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 2|92 3|72 0|73 1|93 4|10 0|20 0|10 10|20 0|10 10|20 "
-                 "10|10 0|20 10|97 0|92 2|72 0|73 1|93 4|10 4|20 4|10 6|20 4|10 6|20 6|10 4|20 6|97 0|75 0|76 1|98 0",
-                 "8 0|62 1");
+  drawing.entity(
+      "HATCH",
+      "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 2|92 3|72 0|73 1|93 4|10 0|20 0|10 10|20 0|10 10|20 "
+      "10|10 0|20 10|97 0|92 2|72 0|73 1|93 4|10 4|20 4|10 6|20 4|10 6|20 6|10 4|20 6|97 0|75 0|76 1|98 0",
+      "8 0|62 1");
   drawing.entity("SOLID", "10 12|20 0|11 20|21 0|12 12|22 8|13 20|23 8", "8 0|62 3");
   drawing.entity("SOLID", "10 12|20 12|11 20|21 12|12 20|22 20", "8 0|420 1193046");  // a triangle
   drawing.entity("HATCH", solidBox(1, 1, 3, 3), "8 0|62 5");
@@ -28,8 +29,8 @@ TEST(Painting, IslandStyles) {
     std::string tags = "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 3";
     for (const auto& [a, b] : {std::pair{0, 20}, std::pair{4, 16}, std::pair{8, 12}}) {
       const std::string s = std::to_string(a), t = std::to_string(b);
-      tags += "|92 3|72 0|73 1|93 4|10 " + s + "|20 " + s + "|10 " + t + "|20 " + s + "|10 " + t + "|20 " + t + "|10 " + s +
-              "|20 " + t + "|97 0";
+      tags += "|92 3|72 0|73 1|93 4|10 " + s + "|20 " + s + "|10 " + t + "|20 " + s + "|10 " + t + "|20 " + t + "|10 " +
+              s + "|20 " + t + "|97 0";
     }
     return SmallDrawing().entity("HATCH", tags + "|75 " + style + "|76 1|98 0", "8 0|62 1");
   };
@@ -46,9 +47,9 @@ TEST(Painting, LayersAndBlocksGiveTheirColours) {
       .layer("off", "70 0|62 -1")
       .layer("frozen", "70 1|62 1");
   drawing.block("squares")
-      .entity("HATCH", solidBox(0, 0, 2, 2), "8 0")            // takes the layer of the reference
-      .entity("HATCH", solidBox(2, 0, 4, 2), "8 0|62 0")       // takes its colour
-      .entity("HATCH", solidBox(4, 0, 6, 2), "8 own")          // true colour of its own layer
+      .entity("HATCH", solidBox(0, 0, 2, 2), "8 0")       // takes the layer of the reference
+      .entity("HATCH", solidBox(2, 0, 4, 2), "8 0|62 0")  // takes its colour
+      .entity("HATCH", solidBox(4, 0, 6, 2), "8 own")     // true colour of its own layer
       .entity("HATCH", solidBox(6, 0, 8, 2), "8 off")
       .entity("HATCH", solidBox(8, 0, 10, 2), "8 0|60 1");
   drawing.block("deep").entity("INSERT", "2 squares|10 0|20 0", "8 0|62 0");
@@ -59,10 +60,10 @@ TEST(Painting, LayersAndBlocksGiveTheirColours) {
       .entity("INSERT", "2 deep|10 0|20 12", "8 red|62 3")
       .entity("HATCH", solidBox(0, 16, 2, 18), "8 0");
   expectPixels(drawing,
-               "1 1 ff0000|3 1 0000ff|5 1 ff00ff|7 1 ffffff|9 1 ffffff"     // layer 0, by block, own, off, invisible
-               "|1 5 ffffff|3 5 ffffff|5 5 ff00ff"                          // reference on a layer that is off
-               "|1 9 ffffff|3 9 ffffff|5 9 ffffff"                          // on a frozen one
-               "|1 13 ff0000|3 13 00ff00|1 17 000000");                     // through two levels; colour 7 on white
+               "1 1 ff0000|3 1 0000ff|5 1 ff00ff|7 1 ffffff|9 1 ffffff"  // layer 0, by block, own, off, invisible
+               "|1 5 ffffff|3 5 ffffff|5 5 ff00ff"                       // reference on a layer that is off
+               "|1 9 ffffff|3 9 ffffff|5 9 ffffff"                       // on a frozen one
+               "|1 13 ff0000|3 13 00ff00|1 17 000000");                  // through two levels; colour 7 on white
   PictureOptions dark = twentyByTwenty();
   setBackground(dark, "#102030");
   expectPixels(drawing, "1 17 ffffff|15 15 102030|1 1 ff0000", dark);
@@ -97,8 +98,7 @@ TEST(Painting, ReferencesTurnMirrorAndRepeat) {
 TEST(Painting, WidthsLinetypesAndWipeouts) {
   SmallDrawing drawing;
   drawing.linetype("DASH2", "3 x|72 65|73 2|40 4|49 2|74 0|49 -2|74 0").layer("0", "70 0|62 7|6 Continuous");
-  drawing
-      .entity("LWPOLYLINE", "90 2|70 0|43 2|10 1|20 2|10 9|20 2", "8 0|62 1")
+  drawing.entity("LWPOLYLINE", "90 2|70 0|43 2|10 1|20 2|10 9|20 2", "8 0|62 1")
       .entity("LWPOLYLINE", "90 2|70 0|10 11|20 2|40 0|41 4|10 19|20 2", "8 0|62 1")
       // 18 long: end dashes of 2, so gaps at 3..5, 7..9 and so on.
       .entity("LINE", "10 1|20 6|11 19|21 6", "8 0|62 5|6 DASH2|370 200")
@@ -117,7 +117,8 @@ TEST(Painting, WidthsLinetypesAndWipeouts) {
 TEST(Painting, TransparencyMixesOnce) {
   // Half-transparent red over white and over blue; 0x0200007F is 127 of 255.
   SmallDrawing drawing;
-  drawing.entity("HATCH", solidBox(0, 0, 10, 20), "8 0|62 5").entity("HATCH", solidBox(5, 0, 15, 20), "8 0|62 1|440 33554559");
+  drawing.entity("HATCH", solidBox(0, 0, 10, 20), "8 0|62 5")
+      .entity("HATCH", solidBox(5, 0, 15, 20), "8 0|62 1|440 33554559");
   SmallDatabase db(drawing);
   for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg}) {
     const Rendered picture(db, twentyByTwenty(), format);
@@ -134,10 +135,11 @@ TEST(Painting, TransparencyMixesOnce) {
 
 TEST(Painting, DenseHatchesBecomeATint) {
   const auto lines = [](const char* step) {
-    return SmallDrawing().entity("HATCH",
-                                 std::string("10 0|20 0|30 0|210 0|220 0|230 1|2 LINE|70 0|71 0|91 1|92 3|72 0|73 1|93 4|10 2|20 "
-                                             "2|10 18|20 2|10 18|20 18|10 2|20 18|97 0|75 0|76 1|52 0|41 1|77 0|78 1|53 0|43 "
-                                             "0|44 0|45 0|46 ") + step + "|79 0|98 0");
+    return SmallDrawing().entity(
+        "HATCH", std::string("10 0|20 0|30 0|210 0|220 0|230 1|2 LINE|70 0|71 0|91 1|92 3|72 0|73 1|93 4|10 2|20 "
+                             "2|10 18|20 2|10 18|20 18|10 2|20 18|97 0|75 0|76 1|52 0|41 1|77 0|78 1|53 0|43 "
+                             "0|44 0|45 0|46 ") +
+                     step + "|79 0|98 0");
   };
   for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg}) {
     SmallDatabase sparse(lines("4")), dense(lines("0.01")), endless(lines("0.000000001"));
@@ -176,7 +178,9 @@ TEST(Painting, TextsStandWhereTheyShould) {
 
 TEST(Painting, MovingTheDrawingFarAwayChangesNothing) {
   const auto drawing = [](double east, double north) {
-    const auto at = [&](double x, double y) { return "10 " + std::to_string(east + x) + "|20 " + std::to_string(north + y); };
+    const auto at = [&](double x, double y) {
+      return "10 " + std::to_string(east + x) + "|20 " + std::to_string(north + y);
+    };
     SmallDrawing d;
     d.entity("LWPOLYLINE", "90 3|70 1|43 0.5|" + at(1, 1) + "|42 0.4|" + at(19, 3) + "|" + at(9, 18), "8 0|62 1")
         .entity("CIRCLE", at(10, 8) + "|40 3", "8 0|62 5")
@@ -199,13 +203,16 @@ TEST(Painting, MovingTheDrawingFarAwayChangesNothing) {
 TEST(Painting, ViewportsShowTheModel) {
   SmallDrawing drawing;
   drawing.layer("0", "70 0|62 7").layer("hidden", "70 0|62 7");
-  drawing.entity("HATCH", solidBox(1000, 1000, 1010, 1010), "8 0|62 1").entity("HATCH", solidBox(1020, 1000, 1030, 1010), "8 hidden|62 5");
+  drawing.entity("HATCH", solidBox(1000, 1000, 1010, 1010), "8 0|62 1")
+      .entity("HATCH", solidBox(1020, 1000, 1030, 1010), "8 hidden|62 5");
   drawing.entity("HATCH", solidBox(930, 1000, 940, 1010), "8 0|62 3");  // outside the view
   drawing.block("*Paper_Space").model();
-  // The sheet's own view, then a window 10 x 10 on paper that shows 100 x 100 around (1005, 1005) without layer "hidden".
+  // The sheet's own view, then a window 10 x 10 on paper that shows 100 x 100 around (1005, 1005) without layer
+  // "hidden".
   drawing.entity("VIEWPORT", "10 10|20 10|40 30|41 20|68 1|69 1|12 10|22 10|16 0|26 0|36 1|45 20", "67 1|8 0");
   drawing.entity("VIEWPORT",
-                 "10 10|20 10|40 10|41 8|68 2|69 2|12 1005|22 1005|16 0|26 0|36 1|17 0|27 0|45 80|51 0|331 101", "67 1|8 0");
+                 "10 10|20 10|40 10|41 8|68 2|69 2|12 1005|22 1005|16 0|26 0|36 1|17 0|27 0|45 80|51 0|331 101",
+                 "67 1|8 0");
   drawing.objects("0 DICTIONARY|5 1A|330 C|100 AcDbDictionary|281 1|3 Model|350 22|3 Sheet|350 59")
       .objects("0 LAYOUT|5 59|330 1A|100 AcDbPlotSettings|1 |100 AcDbLayout|1 Sheet|70 1|71 1|330 40");
   PictureOptions options = twentyByTwenty();

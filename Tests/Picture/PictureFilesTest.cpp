@@ -80,8 +80,9 @@ TEST(PictureFiles, WhatDoesNotFitIsSaidWithThePaperThatWouldDo) {
     const char *paper, *scale, *said;
   };
   SmallDatabase db(SmallDrawing().entity("LWPOLYLINE", "90 2|70 0|10 0|20 0|10 200|20 150"));
-  for (const Case& c : {Case{"A4", "1:500", "At 1:500 the drawing is 400 x 300 mm and does not fit on A4 landscape: 103 mm too "
-                                            "wide and 90 mm too high; A2 portrait would do."},
+  for (const Case& c : {Case{"A4", "1:500",
+                             "At 1:500 the drawing is 400 x 300 mm and does not fit on A4 landscape: 103 mm too "
+                             "wide and 90 mm too high; A2 portrait would do."},
                         Case{"A4-portrait", "1:1000", ""},
                         Case{"A0", "1:100", "no paper up to A0 would do at this scale, A0 would at 1:179."}}) {
     PictureOptions options;
@@ -144,23 +145,38 @@ TEST(PictureOptions, TextsOfOptions) {
     const char* text;
     bool good;
   };
-  for (const Case& c : std::initializer_list<Case>{
-           {host::picture::setPaper, "a3", true},        {host::picture::setPaper, "A3-Landscape", true},
-           {host::picture::setPaper, "594x420", true},   {host::picture::setPaper, "A7", false},
-           {host::picture::setPaper, "A3-sideways", false}, {host::picture::setPaper, "0x100", false},
-           {host::picture::setPaper, "", false},         {host::picture::setScale, "1:500", true},
-           {host::picture::setScale, "2:1", true},       {host::picture::setScale, "500", false},
-           {host::picture::setScale, "1:0", false},      {host::picture::setScale, "1:-5", false},
-           {host::picture::setScale, "1:2:3", false},    {host::picture::setScale, "1:5x", false},
-           {host::picture::setWindow, "0,0,1,1", true},  {host::picture::setWindow, "1,1,0,0", true},
-           {host::picture::setWindow, "0,0,1", false},   {host::picture::setWindow, "0,0,0,1", false},
-           {host::picture::setWindow, "0,0,nan,1", false}, {host::picture::setWidth, "1600", true},
-           {host::picture::setWidth, "0", false},        {host::picture::setWidth, "1e9", false},
-           {host::picture::setWidth, "12.5", false},     {host::picture::setBackground, "white", true},
-           {host::picture::setBackground, "#A0b0C0", true}, {host::picture::setBackground, "transparent", true},
-           {host::picture::setBackground, "#12", false}, {host::picture::setBackground, "nocolour", false},
-           {host::picture::setLineweights, "off", true}, {host::picture::setLineweights, "2.5", true},
-           {host::picture::setLineweights, "-1", false}, {host::picture::setLineweights, "thick", false}}) {
+  for (const Case& c : std::initializer_list<Case>{{host::picture::setPaper, "a3", true},
+                                                   {host::picture::setPaper, "A3-Landscape", true},
+                                                   {host::picture::setPaper, "594x420", true},
+                                                   {host::picture::setPaper, "A7", false},
+                                                   {host::picture::setPaper, "A3-sideways", false},
+                                                   {host::picture::setPaper, "0x100", false},
+                                                   {host::picture::setPaper, "", false},
+                                                   {host::picture::setScale, "1:500", true},
+                                                   {host::picture::setScale, "2:1", true},
+                                                   {host::picture::setScale, "500", false},
+                                                   {host::picture::setScale, "1:0", false},
+                                                   {host::picture::setScale, "1:-5", false},
+                                                   {host::picture::setScale, "1:2:3", false},
+                                                   {host::picture::setScale, "1:5x", false},
+                                                   {host::picture::setWindow, "0,0,1,1", true},
+                                                   {host::picture::setWindow, "1,1,0,0", true},
+                                                   {host::picture::setWindow, "0,0,1", false},
+                                                   {host::picture::setWindow, "0,0,0,1", false},
+                                                   {host::picture::setWindow, "0,0,nan,1", false},
+                                                   {host::picture::setWidth, "1600", true},
+                                                   {host::picture::setWidth, "0", false},
+                                                   {host::picture::setWidth, "1e9", false},
+                                                   {host::picture::setWidth, "12.5", false},
+                                                   {host::picture::setBackground, "white", true},
+                                                   {host::picture::setBackground, "#A0b0C0", true},
+                                                   {host::picture::setBackground, "transparent", true},
+                                                   {host::picture::setBackground, "#12", false},
+                                                   {host::picture::setBackground, "nocolour", false},
+                                                   {host::picture::setLineweights, "off", true},
+                                                   {host::picture::setLineweights, "2.5", true},
+                                                   {host::picture::setLineweights, "-1", false},
+                                                   {host::picture::setLineweights, "thick", false}}) {
     PictureOptions options;
     const std::string answer = c.set(options, c.text);
     EXPECT_EQ(answer.empty(), c.good) << c.text << ": " << answer;

@@ -82,11 +82,14 @@ inline void expectPixels(const SmallDrawing& drawing, const std::string& samples
       const std::size_t end = std::min(samples.find('|', begin), samples.size());
       double x = 0, y = 0;
       int color = 0;
-      ASSERT_EQ(std::sscanf(samples.substr(begin, end - begin).c_str(), "%lf %lf %x", &x, &y, reinterpret_cast<unsigned*>(&color)), 3);
+      ASSERT_EQ(std::sscanf(samples.substr(begin, end - begin).c_str(), "%lf %lf %x", &x, &y,
+                            reinterpret_cast<unsigned*>(&color)),
+                3);
       char text[64];
-      std::snprintf(text, sizeof text, "got %06X, expected %06X", static_cast<unsigned>(picture.at(x, y)), static_cast<unsigned>(color));
-      EXPECT_EQ(picture.at(x, y), color) << (format == PictureFormat::Png ? "PNG" : "SVG") << " at " << x << ", " << y << ": "
-                                         << text;
+      std::snprintf(text, sizeof text, "got %06X, expected %06X", static_cast<unsigned>(picture.at(x, y)),
+                    static_cast<unsigned>(color));
+      EXPECT_EQ(picture.at(x, y), color) << (format == PictureFormat::Png ? "PNG" : "SVG") << " at " << x << ", " << y
+                                         << ": " << text;
       begin = end + 1;
     }
   }
@@ -95,8 +98,9 @@ inline void expectPixels(const SmallDrawing& drawing, const std::string& samples
 /// A solid hatch over a box, or a box with a square hole.
 inline std::string solidBox(int x1, int y1, int x2, int y2) {
   const auto n = [](int v) { return std::to_string(v); };
-  return "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 1|92 3|72 0|73 1|93 4|10 " + n(x1) + "|20 " + n(y1) + "|10 " +
-         n(x2) + "|20 " + n(y1) + "|10 " + n(x2) + "|20 " + n(y2) + "|10 " + n(x1) + "|20 " + n(y2) + "|97 0|75 0|76 1|98 0";
+  return "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 1|92 3|72 0|73 1|93 4|10 " + n(x1) + "|20 " + n(y1) +
+         "|10 " + n(x2) + "|20 " + n(y1) + "|10 " + n(x2) + "|20 " + n(y2) + "|10 " + n(x1) + "|20 " + n(y2) +
+         "|97 0|75 0|76 1|98 0";
 }
 
 }  // namespace tests
