@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake ninja-build ccache
-  qt6-base-dev libqt6svg6-dev libfreetype-dev libcli11-dev
+  qt6-base-dev qt6-svg-dev libfreetype-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format-14 clang-tidy-14
   fonts-dejavu-core
@@ -15,11 +15,7 @@ installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install o
 
 missing=()
 for package in "${packages[@]}"; do
-  # A package may be there under the name that replaced it.
-  case $package in
-    libqt6svg6-dev) installed libqt6svg6-dev || installed qt6-svg-dev || missing+=("$package") ;;
-    *) installed "$package" || missing+=("$package") ;;
-  esac
+  installed "$package" || missing+=("$package")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
