@@ -27,9 +27,9 @@ void recode(TagCursor tags, const text::Codec& from, TagWriter& out) {
 
 }  // namespace
 
-void bindNew(AcDbObject& object, Slot& slot, std::string bytes) {
+void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes) {
   DrawingDatabase::Parts& parts = slot.database().parts();
-  parts.setRecord(slot, std::move(bytes));
+  parts.setRecord(slot, bytes);
   HostObjectAccess::bind(object, slot);
   Live& live = parts.live(slot);
   live.object = &object;

@@ -1,7 +1,7 @@
 // How objects made outside become part of a drawing.
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "Database/Parts.h"
 #include "dbmain.h"
@@ -9,7 +9,7 @@
 namespace host::database {
 
 /// Ties an object to its new slot, whose record becomes `bytes`, and leaves it open for write.
-void bindNew(AcDbObject& object, Slot& slot, std::string bytes);
+void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes);
 /// The object's tags without its type (and, for entities, the AcDbEntity marker), in the drawing's encoding.
 std::string ownTags(const AcDbObject& object, DrawingDatabase& db, bool isEntity);
 /// Appends an entity to a block, vertices included. eAlreadyInDb, eWrongObjectType.

@@ -1,4 +1,6 @@
 // Dictionaries and xrecords.
+#include <utility>
+
 #include "Database/Adoption.h"
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
@@ -17,7 +19,6 @@ using host::database::DictionaryContents;
 using host::database::DrawingDatabase;
 using host::database::DxfType;
 using host::database::Record;
-using host::database::RecordLayout;
 using host::database::Slot;
 using host::database::Tag;
 using host::database::TagCursor;
@@ -80,7 +81,7 @@ DictionaryContents& DrawingDatabase::Parts::dictionary(const Slot& slot) {
       } else if ((tag.code == 350 || tag.code == 360) && hasKey) {
         hasKey = false;
         // Entries that name nothing stay in the record, but nobody can find them.
-        if (Slot* const object = self.findHandle(tag.handle())) contents->add(std::move(key), object);
+        if (Slot* const object = self.findHandle(tag.handle())) contents->add(std::exchange(key, {}), object);
       }
     }
   }

@@ -21,7 +21,7 @@ AcDbDatabase* DrawingDatabase::facade() const { return parts_->facade; }
 DrawingVersion DrawingDatabase::version() const { return parts_->version; }
 const text::Codec& DrawingDatabase::codec() const { return parts_->codec; }
 std::string_view DrawingDatabase::lineEnd() const { return parts_->lineEnd; }
-std::string_view DrawingDatabase::keep(std::string bytes) { return parts_->arena.keep(bytes); }
+std::string_view DrawingDatabase::keep(std::string_view bytes) { return parts_->arena.keep(bytes); }
 
 // ---- layers ---------------------------------------------------------------------------------------------------------
 
@@ -133,7 +133,7 @@ Record& DrawingDatabase::Parts::edit(Slot& slot) {
   return state.record;
 }
 
-void DrawingDatabase::Parts::setRecord(Slot& slot, std::string bytes) { edit(slot).assign(arena.keep(bytes)); }
+void DrawingDatabase::Parts::setRecord(Slot& slot, std::string_view bytes) { edit(slot).assign(arena.keep(bytes)); }
 
 // ---- tables and blocks ----------------------------------------------------------------------------------------------
 

@@ -65,7 +65,7 @@ class DrawingDatabase {
   /// A writer for this drawing's encoding and line ends.
   TagWriter tagWriter() const { return TagWriter(codec(), lineEnd()); }
   /// Copies bytes into memory that lives as long as the drawing.
-  std::string_view keep(std::string bytes);
+  std::string_view keep(std::string_view bytes);
 
   // ---- names ------------------------------------------------------------------------------------------------------
   std::string_view typeName(DxfType type) const;

@@ -7,9 +7,7 @@
 #include "dbents.h"
 #include "dbregion.h"
 
-using host::database::ClassEntry;
 using host::database::DxfType;
-using host::database::Slot;
 using host::database::Tag;
 using host::database::TagWriter;
 

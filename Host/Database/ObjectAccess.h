@@ -66,7 +66,7 @@ struct HostObjectAccess {
   static Record& editRecord(AcDbObject& object);
   static bool canWrite(const AcDbObject& object);  // detached or open for write
   /// Keeps bytes alive as long as the object's record.
-  static std::string_view keep(const AcDbObject& object, std::string bytes);
+  static std::string_view keep(const AcDbObject& object, std::string_view bytes);
   static host::database::TagWriter tagWriter(const AcDbObject& object);
 
   /// First tag of the code inside the subclass (empty: anywhere before extended data and outside 102 groups).

@@ -8,14 +8,10 @@
 #include "dbmain.h"
 #include "dbsymtb.h"
 
-using host::database::classEntry;
-using host::database::ClassEntry;
 using host::database::classOf;
-using host::database::createTable;
 using host::database::DrawingDatabase;
 using host::database::DxfType;
 using host::database::Live;
-using host::database::ObjectData;
 using host::database::Record;
 using host::database::RecordLayout;
 using host::database::Slot;
@@ -91,8 +87,8 @@ Record& HostObjectAccess::editRecord(AcDbObject& object) {
   return object.slot_ != nullptr ? object.slot_->database().parts().edit(*object.slot_) : *object.detached_;
 }
 
-std::string_view HostObjectAccess::keep(const AcDbObject& object, std::string bytes) {
-  if (object.slot_ != nullptr) return object.slot_->database().keep(std::move(bytes));
+std::string_view HostObjectAccess::keep(const AcDbObject& object, std::string_view bytes) {
+  if (object.slot_ != nullptr) return object.slot_->database().keep(bytes);
   return static_cast<DetachedRecord*>(object.detached_)->arena.keep(bytes);
 }
 

@@ -23,7 +23,8 @@ std::array<std::uint32_t, 256> makePalette() {
   std::copy(kFirst.begin(), kFirst.end(), palette.begin());
   std::copy(kGreys.begin(), kGreys.end(), palette.begin() + 250);
   for (int index = 10; index < 250; ++index) {
-    const double hue = (index / 10 - 1) * 15.0;
+    const int hueNumber = index / 10 - 1;
+    const double hue = hueNumber * 15.0;
     const double value = kBrightness[static_cast<std::size_t>(index % 10) / 2];
     const double low = index % 2 == 1 ? value / 2 : 0;  // odd indices are the half-saturated ones
     const double sector = hue / 60;

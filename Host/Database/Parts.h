@@ -206,7 +206,7 @@ struct DrawingDatabase::Parts {
   Record& edit(Slot& slot);
   /// Record as it stands.
   Record current(const Slot& slot) const;
-  void setRecord(Slot& slot, std::string bytes);
+  void setRecord(Slot& slot, std::string_view bytes);
   Acad::ErrorStatus closeObject(AcDbObject& object);
   void eraseSlot(Slot& slot, bool erasing);
   AcDbObject* objectFor(Slot& slot);

@@ -17,8 +17,6 @@ using host::database::ObjectAxes;
 using host::database::OldPolyline;
 using host::database::Slot;
 using host::database::Tag;
-using host::database::TagCursor;
-using host::database::TagWriter;
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbPolyline, AcDbCurve)
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDb2dPolyline, AcDbCurve)

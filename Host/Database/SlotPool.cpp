@@ -6,6 +6,12 @@
 
 namespace host::database {
 
+namespace {
+
+constexpr std::size_t kPointerBytes = sizeof(void*);  // of the drawing's address, at the head of every block
+
+}  // namespace
+
 SlotPool::~SlotPool() {
   for (char* const block : blocks_) std::free(block);
 }
@@ -15,7 +21,7 @@ Slot* SlotPool::make() {
   if (index == 0) {
     char* const block = static_cast<char*>(std::aligned_alloc(kBlockBytes, kBlockBytes));
     if (block == nullptr) throw std::bad_alloc();
-    std::memcpy(block, &database_, sizeof database_);
+    std::memcpy(block, &database_, kPointerBytes);
     blocks_.push_back(block);
   }
   ++count_;
@@ -25,7 +31,7 @@ Slot* SlotPool::make() {
 DrawingDatabase& SlotPool::databaseOf(const Slot* slot) {
   const auto address = reinterpret_cast<std::uintptr_t>(slot) & ~(std::uintptr_t{kBlockBytes} - 1);
   DrawingDatabase* database = nullptr;
-  std::memcpy(&database, reinterpret_cast<const void*>(address), sizeof database);
+  std::memcpy(&database, reinterpret_cast<const void*>(address), kPointerBytes);
   return *database;
 }
 

@@ -17,8 +17,6 @@ using host::database::DxfType;
 using host::database::OrderKey;
 using host::database::Slot;
 using host::database::SortContents;
-using host::database::Tag;
-using host::database::TagCursor;
 using host::database::TagWriter;
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbSortentsTable, AcDbObject)

@@ -15,7 +15,6 @@ using database::kChanged;
 using database::kNeedsHandle;
 using database::kNew;
 using database::Slot;
-using database::SymbolTable;
 using database::TagWriter;
 
 namespace {
@@ -209,7 +208,7 @@ std::string drawingText(DrawingDatabase& db) {
 
 FileResult saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
   try {
-    const FileResult result = writeFileWhole(file, Writer(db).write());
+    FileResult result = writeFileWhole(file, Writer(db).write());
     if (result.ok) db.setUnmodified();
     return result;
   } catch (const std::bad_alloc&) {
