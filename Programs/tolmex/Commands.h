@@ -19,7 +19,8 @@ struct CommonOptions {
 struct RunOptions : CommonOptions {
   std::filesystem::path script;       // empty: only `commands`
   std::vector<std::string> commands;  // script lines given inline, after the script
-  std::filesystem::path out;          // empty: the drawing is not saved
+  std::filesystem::path out;
+  bool savesDrawing = false;  // to `out`
   std::vector<std::filesystem::path> pictures;
   std::vector<std::string> variables;  // NAME=VALUE
   bool quiet = false;
@@ -37,6 +38,8 @@ int runDrawing(const RunOptions& options);
 int pictureDrawing(const PictureCallOptions& options);
 int describeDrawing(const InfoOptions& options);
 
+/// Empty, or one sentence: the name of a picture has no ending that names a format.
+std::string refusePictureName(const std::filesystem::path& file);
 /// Prints one sentence to standard error and answers the status.
 int complain(host::editor::RunStatus status, const std::string& sentence);
 /// Draws one file of the named format; problems are printed.

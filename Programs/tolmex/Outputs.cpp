@@ -26,6 +26,10 @@ std::string refuseOutputs(const std::vector<fs::path>& inputs, const std::vector
   for (auto output = outputs.begin(); output != outputs.end(); ++output) {
     const std::string name = output->string();
     if (fs::is_directory(*output, error)) return name + ": this output is a folder";
+    // Outputs take the place of older files; a device or a pipe must not be replaced by a file.
+    if (fs::exists(*output, error) && !fs::is_regular_file(*output, error)) {
+      return name + ": this output is no ordinary file";
+    }
     const fs::path folder = output->parent_path();
     if (!folder.empty() && !fs::is_directory(folder, error)) return name + ": there is no folder " + folder.string();
     for (const fs::path& input : inputs) {

@@ -2,6 +2,7 @@
 
 #include "Commands.h"
 #include "Dxf/DxfFile.h"
+#include "Interruption.h"
 #include "Outputs.h"
 
 namespace tolmex {
@@ -12,6 +13,11 @@ int complain(RunStatus status, const std::string& sentence) {
   std::fflush(stdout);
   std::fprintf(stderr, "tolmex: %s\n", sentence.c_str());
   return static_cast<int>(status);
+}
+
+std::string refusePictureName(const std::filesystem::path& file) {
+  if (host::picture::formatOfFile(file.string())) return {};
+  return (file.empty() ? "\"\"" : file.string()) + ": a picture's name must end in .png, .svg or .pdf";
 }
 
 namespace {
@@ -41,13 +47,14 @@ RunStatus writePicture(const host::database::DrawingDatabase& drawing, host::pic
                        const std::filesystem::path& file) {
   const auto format = host::picture::formatOfFile(file.string());
   if (!format) {
-    complain(RunStatus::WrongUsage, file.string() + ": a picture's name must end in .png, .svg or .pdf");
+    complain(RunStatus::WrongUsage, refusePictureName(file));
     return RunStatus::WrongUsage;
   }
   options.metresPerUnit = metresPerUnit(drawing);
   const host::picture::PictureResult picture = host::picture::drawPicture(drawing, options, *format);
   if (!picture.message.empty()) complain(RunStatus::Done, file.string() + ": " + picture.message);
   if (!picture.ok) return RunStatus::OutputFailed;
+  const Interruption::Writing writing;
   const host::dxf::FileResult written = host::dxf::writeFileWhole(file, picture.bytes);
   if (written.ok) return RunStatus::Done;
   complain(RunStatus::OutputFailed, written.message);
@@ -55,9 +62,13 @@ RunStatus writePicture(const host::database::DrawingDatabase& drawing, host::pic
 }
 
 int pictureDrawing(const PictureCallOptions& options) {
+  if (const std::string refusal = refusePictureName(options.out); !refusal.empty()) {
+    return complain(RunStatus::WrongUsage, refusal);
+  }
   if (const std::string refusal = refuseOutputs({options.drawing}, {options.out}); !refusal.empty()) {
     return complain(RunStatus::OutputFailed, refusal);
   }
+  const Interruption interruption(RunStatus::OutputFailed);
   AcDbDatabase database(false);
   host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
   if (const auto read = host::dxf::readDrawing(drawing, options.drawing); !read.ok) {

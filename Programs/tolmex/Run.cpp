@@ -1,4 +1,3 @@
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -7,6 +6,7 @@
 #include "Dxf/DxfFile.h"
 #include "Editor/Application.h"
 #include "Editor/ScriptInput.h"
+#include "Interruption.h"
 #include "Outputs.h"
 #include "Text/Text.h"
 
@@ -53,23 +53,36 @@ void pictureCommand(Application& application, Prompter& prompter) {
   }
 }
 
-extern "C" void interrupt(int) { Application::interrupt(); }
+/// Wrong usage that shows without opening anything: one sentence, or empty.
+std::string refuseOptions(const RunOptions& options) {
+  for (const fs::path& picture : options.pictures) {
+    if (std::string refusal = refusePictureName(picture); !refusal.empty()) return refusal;
+  }
+  if (options.savesDrawing && host::text::folded(host::text::fromUtf8(options.out.extension().string())) != L".dxf") {
+    return (options.out.empty() ? "\"\"" : options.out.string()) +
+           ": drawings are saved as DXF; the name must end in .dxf";
+  }
+  for (const std::string& variable : options.variables) {
+    const std::size_t equals = variable.find('=');
+    if (equals == std::string::npos || equals == 0) return "--set " + variable + ": give it as NAME=VALUE";
+  }
+  return {};
+}
 
 }  // namespace
 
 int runDrawing(const RunOptions& options) {
+  if (const std::string refusal = refuseOptions(options); !refusal.empty()) {
+    return complain(RunStatus::WrongUsage, refusal);
+  }
   std::vector<fs::path> inputs{options.drawing};
   if (!options.script.empty()) inputs.push_back(options.script);
   std::vector<fs::path> outputs = options.pictures;
-  if (!options.out.empty()) outputs.push_back(options.out);
+  if (options.savesDrawing) outputs.push_back(options.out);
   if (const std::string refusal = refuseOutputs(inputs, outputs); !refusal.empty()) {
     return complain(RunStatus::OutputFailed, refusal);
   }
-  for (const fs::path& picture : options.pictures) {
-    if (!host::picture::formatOfFile(picture.string())) {
-      return complain(RunStatus::WrongUsage, picture.string() + ": a picture's name must end in .png, .svg or .pdf");
-    }
-  }
+  const Interruption interruption(RunStatus::ScriptFailed);
   std::string script;
   std::string scriptName = "--command";
   if (!options.script.empty()) {
@@ -98,21 +111,16 @@ int runDrawing(const RunOptions& options) {
   }
   for (const std::string& variable : options.variables) {
     const std::size_t equals = variable.find('=');
-    if (equals == std::string::npos || equals == 0) {
-      return complain(RunStatus::WrongUsage, "--set " + variable + ": give it as NAME=VALUE");
-    }
     const Result set = application.setVariable(host::text::fromUtf8(variable.substr(0, equals)),
                                                host::text::fromUtf8(variable.substr(equals + 1)));
-    if (!set) return complain(set.status, set.message);
+    if (!set) return complain(set.status, "--set " + variable + ": " + set.message);
   }
   if (const Result loaded = application.loadModule(plugInFile()); !loaded) {
     return complain(loaded.status, loaded.message);
   }
 
-  std::signal(SIGINT, interrupt);
   host::editor::ScriptInput input(script, scriptName);
   const Result result = application.run(input);
-  std::signal(SIGINT, SIG_DFL);
   std::fflush(stdout);
   if (!result) {
     return complain(result.status, result.message + (outputs.empty() ? "" : "; nothing was written"));
@@ -122,13 +130,17 @@ int runDrawing(const RunOptions& options) {
   }
 
   RunStatus status = RunStatus::Done;
-  if (!options.out.empty()) {
+  if (options.savesDrawing) {
+    const Interruption::Writing writing;
     if (const Result saved = application.saveDrawing(options.out); !saved) {
       complain(saved.status, saved.message);
       status = saved.status;
     }
   }
   for (const fs::path& picture : options.pictures) {
+    if (Interruption::isAsked()) {
+      return complain(RunStatus::ScriptFailed, "interrupted; " + picture.string() + " was not written");
+    }
     host::picture::PictureOptions pictureOptions;
     pictureOptions.layout = host::text::toUtf8(application.currentLayoutName());
     status = std::max(status, writePicture(*application.drawing(), pictureOptions, picture));

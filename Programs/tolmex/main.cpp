@@ -1,5 +1,10 @@
 // The program `tolmex`: illustrates plans, draws pictures of drawings, says what is in them.
+#include <poll.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 
@@ -39,9 +44,13 @@ void addPictureOption(CLI::App& call, const std::string& name, host::picture::Pi
       ->type_name(form);
 }
 
-}  // namespace
+/// Whoever read standard output through a pipe has seen enough.
+bool readerLeft() {
+  pollfd out{STDOUT_FILENO, 0, 0};
+  return ::poll(&out, 1, 0) == 1 && (out.revents & POLLERR) != 0;
+}
 
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
   CLI::App app("Illustrates land-use plans: hatched areas, hedges, fences, parking rows, without a CAD program.");
   app.set_version_flag("--version", "tolmex " TOLMEX_VERSION);
   app.footer(kFooter);
@@ -68,6 +77,7 @@ int main(int argc, char** argv) {
   runCall->add_flag("--quiet", run.quiet, "do not print what the command line would show");
   addSupport(*runCall, run);
   runCall->callback([&] {
+    run.savesDrawing = runCall->count("--out") > 0;
     if (run.script.empty() && run.commands.empty()) throw CLI::RequiredError("--script or --command");
     status = tolmex::runDrawing(run);
   });
@@ -101,14 +111,37 @@ int main(int argc, char** argv) {
   addCommon(*infoCall, info);
   infoCall->callback([&] { status = tolmex::describeDrawing(info); });
 
+  // Writing then fails with a reason that can be told: a file beyond the limit, a reader of standard output that left.
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
   try {
+    // The library would say of a misspelt call that it is missing.
+    if (argc > 1 && argv[1][0] != '-') {
+      const auto calls = app.get_subcommands(nullptr);
+      if (std::ranges::none_of(calls, [&](const CLI::App* call) { return call->get_name() == argv[1]; })) {
+        throw CLI::ValidationError(argv[1], "No such call; the calls are run, picture and info");
+      }
+    }
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     // Help and version are no errors; everything else is wrong usage, whatever number the library gives it.
     return app.exit(error) == 0 ? 0 : static_cast<int>(RunStatus::WrongUsage);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "tolmex: internal failure: %s\n", error.what());
-    return static_cast<int>(RunStatus::ScriptFailed);
+  }
+  if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && !readerLeft()) {
+    return std::max(status, tolmex::complain(RunStatus::OutputFailed, "standard output cannot be written"));
   }
   return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return runProgram(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "tolmex: internal failure: %s\n", error.what());
+  } catch (...) {
+    std::fprintf(stderr, "tolmex: internal failure\n");
+  }
+  return static_cast<int>(RunStatus::ScriptFailed);
 }

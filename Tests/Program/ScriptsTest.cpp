@@ -1,0 +1,137 @@
+// What `run` does with scripts: transcript, failures, variables, support files, interruption.
+#include <sys/stat.h>
+
+#include "Support.h"
+
+using namespace tests;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+namespace {
+
+class Scripts : public Program {
+ protected:
+  /// Gives the signal once `isReady` holds, and the time until the end.
+  template <class Condition>
+  Outcome interrupt(pid_t child, const Condition& isReady, std::chrono::milliseconds& taken) {
+    while (!isReady()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    const auto begin = std::chrono::steady_clock::now();
+    ::kill(child, SIGINT);
+    const Outcome outcome = finish(child);
+    taken = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin);
+    return outcome;
+  }
+};
+
+const Arguments kHedge = {"TLM_MUOK_PENSAS", "(handent \"290\")", ""};
+
+TEST_F(Scripts, TranscriptIsWhatTheCommandLineShows) {
+  EXPECT_EQ(runLines(kHedge), (Outcome{0,
+                                       "Command: TLM_MUOK_PENSAS\n"
+                                       "Valitse muokattava pensasviiva:\n"
+                                       "Select objects: (handent \"290\")\n"
+                                       "1 found\n"
+                                       "Select objects: \n"
+                                       "Command: \n",
+                                       ""}));
+  EXPECT_EQ(runLines(kHedge, {"--quiet"}), (Outcome{0, "", ""}));
+  EXPECT_EQ(read("plan.dxf"), read(kPlan)) << "without --out nothing is written";
+}
+
+TEST_F(Scripts, FailuresNameScriptAndLineAndNothingIsWritten) {
+  write("unknown.scr", "REGEN\n; a comment counts as a line\nTLM_MUOK_ASFALTI\n");
+  write("short.scr", "TLM_MUOK_ASFALTTI\n");
+  write("refused.scr", "\xEF\xBB\xBFLINE\r\nsomewhere\r\n");
+  write("a.dxf", "old");
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"unknown.scr", "unknown.scr:3: unknown command \"TLM_MUOK_ASFALTI\"; nearest: TLM_MUOK_ASFALTTI"},
+      {"short.scr", "short.scr:1: the input ended while TLM_MUOK_ASFALTTI waited for an answer to \"Select objects:\""},
+      {"refused.scr", "refused.scr:2: LINE: Invalid point."},
+      {"missing.scr", "missing.scr: the script cannot be read"},
+      {".", ".: the script cannot be read"},
+  };
+  const std::vector<std::string> before = names();
+  for (const auto& [script, sentence] : cases) {
+    const Outcome outcome =
+        call({"run", "plan.dxf", "--script", script, "--quiet", "--out", "a.dxf", "--picture", "a.svg"});
+    EXPECT_EQ(outcome.status, 3) << script;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_THAT(outcome.err, testing::StartsWith("tolmex: " + sentence));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_EQ(names(), before);
+    EXPECT_EQ(read("a.dxf"), "old");
+  }
+}
+
+TEST_F(Scripts, InlineCommandsFollowTheScript) {
+  write("part.scr", "TLM_MUOK_PENSAS\n(handent \"290\")");
+  const Outcome outcome = call({"run", "plan.dxf", "--command", "", "--command", "LTSCALE", "--command", "3",
+                                "--script", "part.scr", "--set", "LTSCALE=2.5"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(outcome.out, HasSubstr("Enter new value for LTSCALE <2.5>: 3\n"));
+}
+
+TEST_F(Scripts, ColoursComeFromTheNearestSupportFolder) {
+  fs::create_directories(folder / "plans");
+  fs::rename(plan, folder / "plans/plan.dxf");
+  const auto colour = [&](const fs::path& current) {
+    Arguments arguments{"run",       folder / "plans/plan.dxf", "--quiet", "--support",           folder / "first",
+                        "--support", folder / "second",         "--out",   folder / "colours.dxf"};
+    for (const std::string& line : kHedge) arguments.insert(arguments.end(), {"--command", line});
+    EXPECT_EQ(call(arguments, {.folder = current}), (Outcome{0, "", ""}));
+    const std::string info = call({"info", folder / "colours.dxf"}).out;
+    const std::size_t at = info.find("tma_pensas");
+    return at == std::string::npos ? 0 : std::stoi(info.substr(at + 10));
+  };
+  for (const char* name : {"first", "second"}) fs::create_directory(folder / name);
+  write("second/tolm.ini", "pensasviiva\t13\n");
+  EXPECT_EQ(colour(folder), 13);
+  write("first/tolm.ini", "pensasviiva\t12\n");
+  EXPECT_EQ(colour(folder), 12);
+  write("plans/tolm.ini", "pensasviiva\t11\n");
+  EXPECT_EQ(colour(folder), 11);
+  fs::remove(folder / "plans/tolm.ini");
+  EXPECT_EQ(colour(folder / "second"), 13) << "the current folder goes before support folders";
+}
+
+TEST_F(Scripts, CtrlCStopsAScriptAndLeavesOldFilesWhole) {
+  std::string script;
+  for (int i = 0; i < 20000; ++i) script += "TLM_MUOK_PENSAS\n(handent \"290\")\n\n";
+  write("long.scr", script);
+  write("a.dxf", "old");
+  const std::vector<std::string> before = names();
+  const pid_t child = start({"run", "plan.dxf", "--script", "long.scr", "--out", "a.dxf"});
+  std::chrono::milliseconds taken{};
+  std::error_code error;
+  const Outcome outcome = interrupt(
+      child, [&] { return fs::file_size(catchFile("out"), error) > 0 && !error; }, taken);
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_THAT(outcome.err, MatchesRegex("tolmex: long.scr:[0-9]+: interrupted; nothing was written\n"));
+  EXPECT_LT(taken.count(), 2000);
+  EXPECT_EQ(names(), before);
+  EXPECT_EQ(read("a.dxf"), "old");
+}
+
+TEST_F(Scripts, CtrlCEndsWorkThatDoesNotNotice) {
+  // Nobody ever writes the script: the program waits in the middle of a call.
+  ASSERT_EQ(::mkfifo((folder / "wait.scr").c_str(), 0600), 0);
+  write("a.dxf", "old");
+  const pid_t child = start({"run", "plan.dxf", "--script", "wait.scr", "--out", "a.dxf"});
+  std::chrono::milliseconds taken{};
+  const std::string handled = "/proc/" + std::to_string(child) + "/status";
+  const Outcome outcome = interrupt(
+      child,
+      [&] {
+        std::ifstream status(handled);
+        for (std::string line; std::getline(status, line);) {
+          if (line.starts_with("SigCgt:")) return (std::stoull(line.substr(7), nullptr, 16) >> (SIGINT - 1) & 1U) != 0;
+        }
+        return true;  // it has ended: the checks below say how
+      },
+      taken);
+  EXPECT_EQ(outcome, (Outcome{3, "", "tolmex: interrupted; unfinished outputs were not written\n"}));
+  EXPECT_LT(taken.count(), 2000);
+  EXPECT_EQ(read("a.dxf"), "old");
+}
+
+}  // namespace

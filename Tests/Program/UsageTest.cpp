@@ -1,0 +1,102 @@
+// Wrong usage, and drawings that cannot be read.
+#include "Support.h"
+
+using namespace tests;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+class Usage : public Program {};
+
+constexpr const char* kHint = "\nRun with --help for more information.\n";
+
+TEST_F(Usage, HelpAndVersion) {
+  EXPECT_EQ(call({"--version"}), (Outcome{0, "tolmex 1.0\n", ""}));
+  const Outcome help = call({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_EQ(help.err, "");
+  for (const char* part : {"  run ", "  picture ", "  info ", "4 an output could not be written"})
+    EXPECT_THAT(help.out, HasSubstr(part));
+  for (const char* name : {"run", "picture", "info"}) EXPECT_EQ(call({name, "--help"}).status, 0) << name;
+}
+
+TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
+  const std::vector<std::pair<Arguments, std::string>> cases = {
+      {{}, std::string("A subcommand is required") + kHint},
+      {{"ruin", "plan.dxf"}, std::string("ruin: No such call; the calls are run, picture and info") + kHint},
+      {{"run"}, std::string("PLAN is required") + kHint},
+      {{"run", "plan.dxf"}, std::string("--script or --command is required") + kHint},
+      {{"run", "plan.dxf", "other.dxf", "--command", "REGEN"},
+       std::string("The following argument was not expected: other.dxf") + kHint},
+      {{"run", "plan.dxf", "--command", "REGEN", "--out", "a.dwg"},
+       "tolmex: a.dwg: drawings are saved as DXF; the name must end in .dxf\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--out", ""},
+       "tolmex: \"\": drawings are saved as DXF; the name must end in .dxf\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--picture", "a.gif"},
+       "tolmex: a.gif: a picture's name must end in .png, .svg or .pdf\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--support", "nowhere"},
+       std::string("--support: Directory does not exist: nowhere") + kHint},
+      {{"run", "plan.dxf", "--command", "REGEN", "--set", "LTSCALE"}, "tolmex: --set LTSCALE: give it as NAME=VALUE\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--set", "LTSCALEE=1"},
+       "tolmex: --set LTSCALEE=1: unknown system variable \"LTSCALEE\"; nearest: LTSCALE\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--set", "LTSCALE=wide"},
+       "tolmex: --set LTSCALE=wide: LTSCALE: needs a number\n"},
+      {{"picture", "plan.dxf", "a.gif"}, "tolmex: a.gif: a picture's name must end in .png, .svg or .pdf\n"},
+      {{"picture", "plan.dxf", "a.png", "--width", "0"},
+       std::string("--width: Picture width \"0\" is not a whole number of pixels from 1 to 30000.") + kHint},
+      {{"picture", "plan.dxf", "a.png", "--paper", "B9"},
+       std::string("--paper: Paper \"B9\" is not known; use A0, A1, A2, A3, A4 or A5, with -landscape or -portrait, or "
+                   "WIDTHxHEIGHT in millimetres.") +
+           kHint},
+      {{"picture", "plan.dxf", "a.png", "--scale", "500"},
+       std::string("--scale: Scale \"500\" is not of the form 1:500.") + kHint},
+      {{"picture", "plan.dxf", "a.png", "--window", "0,0,nan,5"},
+       std::string("--window: Picture window \"0,0,nan,5\" is not of the form x1,y1,x2,y2 with two opposite corners.") +
+           kHint},
+      {{"picture", "plan.dxf", "a.png", "--background", "blurple"},
+       std::string(
+           "--background: Background \"blurple\" is not a colour; use a name such as white, #rrggbb, or transparent.") +
+           kHint},
+      {{"picture", "plan.dxf", "a.png", "--lineweights", "-1"},
+       std::string("--lineweights: Lineweights \"-1\" are not on, off or a factor from above 0 to 100.") + kHint},
+      {{"picture", "plan.dxf", "a.png", "--grayscale", "--monochrome"},
+       std::string("--grayscale excludes --monochrome") + kHint},
+  };
+  for (const auto& [arguments, sentence] : cases) {
+    EXPECT_EQ(call(arguments), (Outcome{1, "", sentence})) << testing::PrintToString(arguments);
+  }
+  EXPECT_EQ(names(), std::vector<std::string>{"plan.dxf"});
+}
+
+TEST_F(Usage, UnreadableDrawingsAreNamed) {
+  const std::string text = read("plan.dxf");
+  fs::create_directory(folder / "folder.dxf");
+  write("empty.dxf", "");
+  write("letter.dxf", "Dear reader,\nthis is no drawing.\n");
+  write("cut.dxf", text.substr(0, 30000));
+  write("old.dxf", "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1009\n0\nENDSEC\n0\nEOF\n");
+  write("binary.dxf", std::string("AutoCAD Binary DXF\r\n\x1a\0\0\0SECTION", 31));
+  write("plan.dwg", std::string("AC1027\0\0\0\0\0", 11));
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"missing.dxf", "missing.dxf: cannot be opened: No such file or directory"},
+      {"folder.dxf", "folder.dxf: this is a folder, not a drawing"},
+      {"empty.dxf", "empty.dxf: the file is empty"},
+      {"cut.dxf", "cut.dxf:5489: the file ends inside entities"},
+      {"old.dxf", "old.dxf: drawing version AC1009; only versions AC1015 (2000) to AC1032 (2018) can be read yet"},
+      {"binary.dxf", "binary.dxf: binary DXF cannot be read yet; save the drawing as ASCII DXF"},
+      {"plan.dwg", "plan.dwg: this is a DWG file; only DXF drawings can be read yet"},
+  };
+  for (const auto& [file, sentence] : cases) {
+    const Outcome expected{2, "", "tolmex: " + sentence + "\n"};
+    EXPECT_EQ(call({"info", file}), expected);
+    EXPECT_EQ(call({"picture", file, "a.png"}), expected);
+    EXPECT_EQ(call({"run", file, "--command", "REGEN", "--out", "a.dxf"}), expected);
+  }
+  const Outcome letter = call({"info", "letter.dxf"});
+  EXPECT_EQ(letter.status, 2);
+  EXPECT_THAT(letter.err, StartsWith("tolmex: letter.dxf:1: "));
+  EXPECT_FALSE(fs::exists(folder / "a.png") || fs::exists(folder / "a.dxf"));
+}
+
+}  // namespace
