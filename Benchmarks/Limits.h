@@ -1,0 +1,15 @@
+// What no program that does the same work can be faster than, on this machine and this file.
+#pragma once
+
+#include <filesystem>
+
+#include "Measurement.h"
+
+namespace benchmarks {
+
+/// Reads the file, finds every line in it and turns every line that is a number into one.
+void scanFile(Clock& clock, const std::filesystem::path& file);
+/// Writes the bytes of the file, held in memory, to another file and flushes it to the disk.
+void copyFile(Clock& clock, const std::filesystem::path& file, const std::filesystem::path& target);
+
+}  // namespace benchmarks

@@ -1,0 +1,88 @@
+#include "Measurement.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+
+namespace benchmarks {
+
+namespace {
+
+/// What a child tells; small enough to go through a pipe in one piece.
+struct Report {
+  double seconds = 0;
+  std::size_t peakBytes = 0;
+  std::array<char, 256> failure{};
+};
+
+std::size_t peakBytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmHWM:")) return std::stoul(line.substr(6)) * 1024;
+  }
+  return 0;
+}
+
+Report runStep(const std::function<void(Clock&)>& step) {
+  Report report;
+  try {
+    Clock clock;
+    step(clock);
+    report.seconds = clock.seconds();
+    report.peakBytes = peakBytes();
+  } catch (const std::exception& error) {
+    std::strncpy(report.failure.data(), error.what(), report.failure.size() - 1);
+  }
+  return report;
+}
+
+Report runInChild(const std::function<void(Clock&)>& step) {
+  Report report;
+  std::array<int, 2> ends{};
+  std::fflush(nullptr);
+  if (::pipe(ends.data()) != 0) return report;
+  const pid_t child = ::fork();
+  if (child == 0) {
+    report = runStep(step);
+    const bool told = ::write(ends[1], &report, sizeof report) == sizeof report;
+    ::_exit(told ? 0 : 1);
+  }
+  ::close(ends[1]);
+  if (child < 0 || ::read(ends[0], &report, sizeof report) != sizeof report) {
+    std::strcpy(report.failure.data(), "the process ended early");
+  }
+  ::close(ends[0]);
+  if (child > 0) ::waitpid(child, nullptr, 0);
+  return report;
+}
+
+}  // namespace
+
+void Clock::time(const std::function<void()>& work) {
+  const auto begin = std::chrono::steady_clock::now();
+  work();
+  seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+Measurement measure(int tries, const std::function<void(Clock&)>& step) {
+  Measurement best;
+  for (int i = 0; i < tries; ++i) {
+    const Report report = runInChild(step);
+    if (report.failure.front() != 0) {
+      best.failure = report.failure.data();
+      return best;
+    }
+    best.seconds = i == 0 ? report.seconds : std::min(best.seconds, report.seconds);
+    best.peakBytes = std::max(best.peakBytes, report.peakBytes);
+  }
+  return best;
+}
+
+}  // namespace benchmarks
