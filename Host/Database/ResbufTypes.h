@@ -33,8 +33,8 @@ class Chain {
   resbuf* tail_ = nullptr;
 };
 
-/// Adds the value of a tag to a chain; a point takes its Y and Z from the cursor. Answers the number of tags taken, 0 for
-/// names and binaries, which differ between xrecords and extended data.
+/// Adds the value of a tag to a chain; a point takes its Y and Z from the cursor. Answers the number of tags taken, 0
+/// for names and binaries, which differ between xrecords and extended data.
 std::size_t addValue(Chain& chain, const Tag& tag, TagCursor& cursor, const text::Codec& codec);
 /// Spells an item's value; false for names and binaries.
 bool writeValue(TagWriter& out, const resbuf& item);

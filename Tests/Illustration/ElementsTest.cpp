@@ -73,7 +73,7 @@ TEST_F(Elements, WhatCannotBeFilledStillBecomesAnElement) {
       "PLINE\n20,0\n30,10\n30,0\n20,10\nC\n"       // crosses itself
       "PLINE\n40,0\n50,0\n60,0\nC\n"               // no area
       "PLINE\n70,0\n80,0\n80,10\n70,10\n70,0\n\n"  // a ring that only its points close
-      "PLINE\n90,0\nA\nS\n95,-5\n100,0\nCL\n");              // two half circles
+      "PLINE\n90,0\nA\nS\n95,-5\n100,0\nCL\n");    // two half circles
   run("TLM_MUOK_PENSAS\nALL\n\n");
   const auto outlines = living(DxfType::LwPolyline, L"tmv_pensas");
   ASSERT_EQ(outlines.size(), 5U);
