@@ -94,6 +94,9 @@ FileResult writeFileWhole(const std::filesystem::path& file, const std::vector<s
   };
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) return {false, file.string() + ": this is a folder"};
+  if (std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error)) {
+    return {false, file.string() + ": this is no ordinary file"};  // a device or a pipe must not be replaced
+  }
   // A link keeps pointing where it did: what it names is replaced.
   std::filesystem::path target = file;
   if (std::filesystem::is_symlink(file, error)) {

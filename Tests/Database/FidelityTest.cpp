@@ -1,5 +1,6 @@
 // What saving promises: nothing changes that nobody changed.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -139,6 +140,10 @@ TEST(Fidelity, AFailedSaveLeavesTheOldFile) {
   EXPECT_FALSE(refused.ok);
   EXPECT_NE(refused.message.find("folder"), std::string::npos);
   EXPECT_FALSE(host::dxf::saveDrawing(drawing.database(), folder / "gone" / "plan.dxf").ok);
+  ASSERT_EQ(::mkfifo((folder / "pipe.dxf").c_str(), 0600), 0);
+  EXPECT_FALSE(host::dxf::saveDrawing(drawing.database(), folder / "pipe.dxf").ok);
+  EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe.dxf"));
+  std::filesystem::remove(folder / "pipe.dxf");
   // A link goes on naming its target, which is what is replaced.
   std::filesystem::create_symlink("plan.dxf", folder / "link.dxf");
   ASSERT_TRUE(host::dxf::writeFileWhole(folder / "link.dxf", "new").ok);
