@@ -128,14 +128,25 @@ Slot* DrawingDatabase::Parts::ensureRoot() {
 
 namespace {
 
+/// Whether the dictionary owns its entries hard. The flag stands in front of them, and there may be many.
+bool isHardOwner(const Record& record) {
+  bool inside = false;
+  Tag tag;
+  for (TagCursor cursor = record.tags(); cursor.next(tag) && tag.code < 1000;) {
+    if (tag.code == 100) inside = tag.trimmed() == "AcDbDictionary";
+    if (inside && tag.code == 280) return tag.integer() != 0;
+    if (inside && tag.code == 3) break;
+  }
+  return false;
+}
+
 /// Adds an entry to the dictionary's record and contents.
 void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::wstring& key, Slot& object) {
   DictionaryContents& contents = parts.dictionary(dictionarySlot);
   Record& record = parts.edit(dictionarySlot);
   Tag tag;
-  const bool isHardOwner = findTagIn(record.tags(), "AcDbDictionary", 280, tag) && tag.integer() != 0;
   TagWriter out = parts.self.tagWriter();
-  out.text(3, key).handle(isHardOwner ? 360 : 350, object.handle);
+  out.text(3, key).handle(isHardOwner(record) ? 360 : 350, object.handle);
   const std::string_view bytes = parts.arena.keep(out.str());
   // Only a record with extended data, or the subclass of a default entry, needs a place in the middle.
   const bool isPlain = dictionarySlot.type == DxfType::Dictionary && (dictionarySlot.flags & kHasXData) == 0;

@@ -242,25 +242,30 @@ bool findVariable(TagCursor cursor, std::string_view name, int code, Tag& tag, s
 
 }  // namespace
 
+std::optional<Tag> DrawingDatabase::Parts::variable(std::string_view name, int code) {
+  if (header == nullptr) return std::nullopt;
+  const auto [entry, isNew] = variables.try_emplace({std::string(name), code});
+  if (isNew) {
+    Tag tag;
+    std::size_t index = 0;
+    if (findVariable(header->tags(), name, code, tag, index)) entry->second = tag;
+  }
+  return entry->second;
+}
+
 std::optional<std::wstring> DrawingDatabase::headerText(std::string_view name, int code) const {
-  Tag tag;
-  std::size_t index = 0;
-  if (parts_->header == nullptr || !findVariable(parts_->header->tags(), name, code, tag, index)) return std::nullopt;
-  return codec().decode(tag.value);
+  const std::optional<Tag> tag = parts_->variable(name, code);
+  return tag ? std::optional(codec().decode(tag->value)) : std::nullopt;
 }
 
 std::optional<double> DrawingDatabase::headerReal(std::string_view name, int code) const {
-  Tag tag;
-  std::size_t index = 0;
-  if (parts_->header == nullptr || !findVariable(parts_->header->tags(), name, code, tag, index)) return std::nullopt;
-  return tag.real();
+  const std::optional<Tag> tag = parts_->variable(name, code);
+  return tag ? std::optional(tag->real()) : std::nullopt;
 }
 
 std::optional<std::int64_t> DrawingDatabase::headerInteger(std::string_view name, int code) const {
-  Tag tag;
-  std::size_t index = 0;
-  if (parts_->header == nullptr || !findVariable(parts_->header->tags(), name, code, tag, index)) return std::nullopt;
-  return tag.integer();
+  const std::optional<Tag> tag = parts_->variable(name, code);
+  return tag ? std::optional(tag->integer()) : std::nullopt;
 }
 
 namespace {
@@ -273,6 +278,7 @@ void setVariable(DrawingDatabase& db, std::string_view name, int code, const std
   const bool found = findVariable(parts.header->tags(), name, code, tag, index);
   if (found && tag.bytes == bytes) return;
   Record& record = parts.edit(*parts.header);
+  parts.variables.clear();
   if (found) {
     record.replace(index, 1, parts.arena.keep(bytes));
   } else if (index != RecordLayout::npos) {
@@ -349,6 +355,7 @@ void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
     contents.changed = true;
   }
   std::reverse(step.order.begin(), step.order.end());
+  parts.variables.clear();
   ++parts.changes;
 }
 

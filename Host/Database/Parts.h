@@ -5,11 +5,13 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "Database/DrawingDatabase.h"
@@ -174,6 +176,8 @@ struct DrawingDatabase::Parts {
   Slot* modelSpaceRecord = nullptr;
   Slot* paperSpaceRecord = nullptr;  // the active one, whose entities stand in ENTITIES
   Slot* header = nullptr;
+  // Variables as they were looked up since the header changed last; every new entity asks for some of them.
+  std::map<std::pair<std::string, int>, std::optional<Tag>> variables;
   Slot* classes = nullptr;
   Slot* root = nullptr;
   std::unordered_map<const Slot*, std::unique_ptr<DictionaryContents>> dictionaries;
@@ -210,6 +214,9 @@ struct DrawingDatabase::Parts {
   Acad::ErrorStatus closeObject(AcDbObject& object);
   void eraseSlot(Slot& slot, bool erasing);
   AcDbObject* objectFor(Slot& slot);
+
+  /// The value of a header variable under the code.
+  std::optional<Tag> variable(std::string_view name, int code);
 
   // ---- tag edits on slots ----
   bool findTag(const Slot& slot, std::string_view subclass, int code, Tag& tag) const;

@@ -135,6 +135,7 @@ class Reader {
 
   void readHeader() {
     parts_.header = partSlot(DxfType::Header);
+    parts_.variables.clear();
     const std::string version = text::toUtf8(db_.headerText("$ACADVER", 1).value_or(L""));
     checkVersion(version);
     if (parts_.version < DrawingVersion::V2007) {

@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "Editor/Session.h"
+#include "Hatching/Patterns.h"
 #include "Text/Text.h"
 
 namespace host::editor {
@@ -130,6 +131,7 @@ bool Session::mayRun(const Command& command) {
 
 void Session::callHandler(Command& command) {
   std::string reason;
+  const hatching::PatternMemory patterns;
   try {
     if (command.handler) {
       Prompter prompter(*this);

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
 
 #include "Hatching/Patterns.h"
 #include "Hatching/SupportFiles.h"
@@ -42,13 +44,43 @@ class PatternFiles {
   std::unordered_map<std::string, File> files_;
 };
 
-std::optional<Pattern> findIn(const std::wstring& fileName, std::wstring_view name) {
+std::optional<Pattern> searchIn(const std::wstring& fileName, std::wstring_view name) {
   static PatternFiles files;
   const std::optional<std::string> path = findSupportFile(fileName, nullptr, true);
   return path ? files.find(*path, name) : std::nullopt;
 }
 
+/// What was found, or not, since the outermost PatternMemory began.
+struct Memory {
+  std::mutex mutex;
+  int depth = 0;
+  std::map<std::pair<std::wstring, std::wstring>, std::optional<Pattern>> found;
+};
+
+Memory& memory() {
+  static Memory memory;
+  return memory;
+}
+
+std::optional<Pattern> findIn(const std::wstring& fileName, std::wstring_view name) {
+  const std::lock_guard lock(memory().mutex);
+  if (memory().depth == 0) return searchIn(fileName, name);
+  const auto [entry, isNew] = memory().found.try_emplace({fileName, std::wstring(name)});
+  if (isNew) entry->second = searchIn(fileName, name);
+  return entry->second;
+}
+
 }  // namespace
+
+PatternMemory::PatternMemory() {
+  const std::lock_guard lock(memory().mutex);
+  ++memory().depth;
+}
+
+PatternMemory::~PatternMemory() {
+  const std::lock_guard lock(memory().mutex);
+  if (--memory().depth == 0) memory().found.clear();
+}
 
 std::optional<Pattern> findPattern(std::wstring_view name, bool metric) {
   if (text::equalFolded(name, L"SOLID")) return Pattern{"SOLID", {}, {}};

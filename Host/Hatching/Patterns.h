@@ -24,6 +24,16 @@ std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<std::st
 std::optional<Pattern> findPattern(std::wstring_view name, bool metric);
 /// A custom pattern: the one of that name in a file of that name ("gravel.pat") on the support path.
 std::optional<Pattern> findCustomPattern(std::wstring_view name);
+/// While one lives, each pattern is searched for once: a command that makes many hatches does not look through the
+/// support path for every one. May be nested.
+class PatternMemory {
+ public:
+  PatternMemory();
+  PatternMemory(const PatternMemory&) = delete;
+  PatternMemory& operator=(const PatternMemory&) = delete;
+  ~PatternMemory();
+};
+
 /// The pattern's lines as a hatch stores them: angle f + a, base rotated by a and scaled, offset rotated by f + a and
 /// scaled, dashes scaled.
 std::vector<PatternLine> scaledPattern(const Pattern& pattern, double angleRad, double scale);
