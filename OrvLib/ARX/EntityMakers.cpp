@@ -38,6 +38,21 @@ bool setPattern(AcDbHatch& hatch, const HatchPattern& pattern) {
          hatch.setPattern(AcDbHatch::kPreDefined, pattern.name) == Acad::eOk;
 }
 
+/// A hatch whose loop `appendLoop` gives.
+template <class AppendLoop>
+AcDbObjectId makeHatchIn(AcDbDatabase& db, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
+                         const AppendLoop& appendLoop) {
+  auto hatch = std::make_unique<AcDbHatch>();
+  hatch->setNormal(AcGeVector3d::kZAxis);
+  hatch->setElevation(0);
+  hatch->setAssociative(false);
+  if (!setColorAndLayer(*hatch, colorIndex, layer, db) || !setPattern(*hatch, pattern) ||
+      appendLoop(*hatch) != Acad::eOk || hatch->evaluateHatch() != Acad::eOk) {
+    return {};
+  }
+  return appendToModelSpace(std::move(hatch), db);
+}
+
 bool canBound(AcDbObjectId id) {
   const Opened<AcDbEntity> boundary(id, AcDb::kForRead);
   return boundary && isBoundary(*boundary);
@@ -49,17 +64,24 @@ AcDbObjectId makeHatch(AcDbObjectId boundary, int colorIndex, const ACHAR* layer
                        AcDbDatabase* database) {
   AcDbDatabase* const db = orWorkingDatabase(database);
   if (db == nullptr || !canBound(boundary)) return {};
-  auto hatch = std::make_unique<AcDbHatch>();
-  hatch->setNormal(AcGeVector3d::kZAxis);
-  hatch->setElevation(0);
-  hatch->setAssociative(false);
   AcDbObjectIdArray loop;
   loop.append(boundary);
-  if (!setColorAndLayer(*hatch, colorIndex, layer, *db) || !setPattern(*hatch, pattern) ||
-      hatch->appendLoop(AcDbHatch::kExternal, loop) != Acad::eOk || hatch->evaluateHatch() != Acad::eOk) {
-    return {};
+  return makeHatchIn(*db, colorIndex, layer, pattern,
+                     [&](AcDbHatch& hatch) { return hatch.appendLoop(AcDbHatch::kExternal, loop); });
+}
+
+AcDbObjectId makeHatch(const PolyLine& ring, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
+                       AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return {};
+  AcGePoint2dArray vertices;
+  AcGeDoubleArray bulges;
+  for (const Point3d& point : ring.points()) {
+    vertices.append(AcGePoint2d(point.x, point.y));
+    bulges.append(0);
   }
-  return appendToModelSpace(std::move(hatch), *db);
+  return makeHatchIn(*db, colorIndex, layer, pattern,
+                     [&](AcDbHatch& hatch) { return hatch.appendLoop(AcDbHatch::kExternal, vertices, bulges); });
 }
 
 AcDbObjectId makeLine(const Line& line, int colorIndex, const ACHAR* layer, AcDbDatabase* database) {
@@ -81,6 +103,11 @@ AcDbObjectId makeClosed3dPolyline(const PolyLine& points, int colorIndex, const 
   if (!entity) throw OrvExpAcad(L"Initialization of AcDb3dPolyLine failed");
   if (!setColorAndLayer(*entity, colorIndex, layer, *db)) return {};
   return appendToModelSpace(std::move(entity), *db);
+}
+
+bool eraseEntity(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
+  return entity && entity->erase() == Acad::eOk;
 }
 
 }  // namespace OrvLib

@@ -1,5 +1,6 @@
-// The three ways in which the system puts entities into a drawing: always into model space, on a layer that is made
-// when it is missing (layerMadeIfMissing). A null database means the working one.
+// The three ways in which the system puts entities into a drawing, always into model space and on a layer that is made
+// when it is missing (layerMadeIfMissing), and the one in which it takes them out. A null database means the working
+// one.
 #pragma once
 
 #include "OrvLib/ARX/HostInterface.h"
@@ -25,6 +26,10 @@ struct HatchPattern {
 AcDbObjectId makeHatch(AcDbObjectId boundary, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
                        AcDbDatabase* db = nullptr);
 
+/// The same with a ring of straight edges through the points in plan as its outer loop.
+AcDbObjectId makeHatch(const PolyLine& ring, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
+                       AcDbDatabase* db = nullptr);
+
 /// A line. A null layer leaves it on the drawing's current one. Null id when the host refuses it. Throws OrvExpAcad
 /// when it cannot be allocated.
 AcDbObjectId makeLine(const Line& line, int colorIndex, const ACHAR* layer, AcDbDatabase* db = nullptr);
@@ -33,5 +38,8 @@ AcDbObjectId makeLine(const Line& line, int colorIndex, const ACHAR* layer, AcDb
 /// it cannot be allocated.
 AcDbObjectId makeClosed3dPolyline(const PolyLine& points, int colorIndex, const ACHAR* layer,
                                   AcDbDatabase* db = nullptr);
+
+/// False when the entity cannot be opened for write: it is erased already, open elsewhere, or on a locked layer.
+bool eraseEntity(AcDbObjectId id);
 
 }  // namespace OrvLib

@@ -28,6 +28,7 @@
 #include <dbpl.h>
 #include <dbregion.h>
 #include <dbsymtb.h>
+#include <dbxrecrd.h>
 #include <geassign.h>
 #include <rxdlinkr.h>
 #include <rxmfcapi.h>

@@ -24,9 +24,15 @@ class ResbufChain {
   const resbuf* get() const { return first_; }
   bool isEmpty() const { return first_ == nullptr; }
 
-  /// Appends an item that holds a text, such as 1000, 1001 and 1005. Throws OrvExpAcad when memory is out.
+  /// Appends an item without a value, such as -3. Throws OrvExpAcad when memory is out, as all of these.
+  void append(short code) { appendItem(code); }
+  /// Appends an item that holds a text, such as 1000, 1001 and 1005.
   void append(short code, const ACHAR* text);
   void append(short code, const std::wstring& text) { append(code, text.c_str()); }
+  /// Appends an item that holds a real, such as 40.
+  void appendReal(short code, double value) { appendItem(code)->resval.rreal = value; }
+  /// Appends an item that holds a 16-bit integer, such as 70.
+  void appendShort(short code, short value) { appendItem(code)->resval.rint = value; }
 
  private:
   resbuf* appendItem(short code);

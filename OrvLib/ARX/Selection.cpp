@@ -57,6 +57,10 @@ std::vector<AcDbObjectId> polylinesOf(std::vector<AcDbObjectId> ids) {
 
 constexpr short kTypeCode = 0;
 constexpr short kLayerCode = 8;
+constexpr short kXDataCode = -3;
+constexpr short kApplicationCode = 1001;
+// The type name POLYLINE covers meshes too, which the class tells apart.
+constexpr const ACHAR* kPolylineTypes = L"LWPOLYLINE,POLYLINE";
 
 }  // namespace
 
@@ -65,15 +69,26 @@ std::vector<AcDbObjectId> selectByUser() { return SelectionSet(nullptr, nullptr)
 std::vector<AcDbObjectId> selectPolylinesByUser() { return polylinesOf(selectByUser()); }
 
 std::vector<AcDbObjectId> selectAllPolylines() {
-  // The type name POLYLINE covers meshes too, which the class tells apart.
   ResbufChain filter;
-  filter.append(kTypeCode, L"LWPOLYLINE,POLYLINE");
+  filter.append(kTypeCode, kPolylineTypes);
   return polylinesOf(SelectionSet(L"X", filter.get()).ids());
 }
 
-std::vector<AcDbObjectId> selectLayer(const ACHAR* layer) {
+std::vector<AcDbObjectId> selectTaggedPolylines(const ACHAR* application) {
   ResbufChain filter;
-  filter.append(kLayerCode, literalPattern(layer).c_str());
+  filter.append(kTypeCode, kPolylineTypes);
+  filter.append(kXDataCode);
+  filter.append(kApplicationCode, literalPattern(application));
+  return polylinesOf(SelectionSet(L"X", filter.get()).ids());
+}
+
+std::vector<AcDbObjectId> selectLayer(const ACHAR* layer) { return selectLayers({layer}); }
+
+std::vector<AcDbObjectId> selectLayers(std::initializer_list<const ACHAR*> layers) {
+  std::wstring pattern;
+  for (const ACHAR* const layer : layers) pattern += (pattern.empty() ? L"" : L",") + literalPattern(layer);
+  ResbufChain filter;
+  filter.append(kLayerCode, pattern);
   return SelectionSet(L"X", filter.get()).ids();
 }
 

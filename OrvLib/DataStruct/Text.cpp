@@ -107,6 +107,12 @@ bool equalsIgnoringCase(std::wstring_view a, std::wstring_view b) {
                     [](wchar_t x, wchar_t y) { return lowered(x) == lowered(y); });
 }
 
+std::wstring lowerCase(std::wstring_view text) {
+  std::wstring lower(text);
+  std::transform(lower.begin(), lower.end(), lower.begin(), lowered);
+  return lower;
+}
+
 double leadingNumber(std::wstring_view text) {
   while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
   if (!text.empty() && text.front() == L'+') text.remove_prefix(1);

@@ -16,6 +16,9 @@ std::vector<std::wstring> lines(std::wstring_view text);
 /// Equality without regard to the case of the letters A to Z, Å, Ä and Ö.
 bool equalsIgnoringCase(std::wstring_view a, std::wstring_view b);
 
+/// The text with the letters A to Z, Å, Ä and Ö in lower case.
+std::wstring lowerCase(std::wstring_view text);
+
 /// The decimal number that the text begins with, after white space, "." as the decimal mark whatever the locale.
 /// 0 without one and for a number outside the range of double.
 double leadingNumber(std::wstring_view text);
