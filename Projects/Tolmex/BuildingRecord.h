@@ -1,4 +1,4 @@
-// The building record: extended data that makes a polyline a building. Here its reading side.
+// The building record: extended data that makes a polyline a building.
 #pragma once
 
 #include <optional>
@@ -7,6 +7,8 @@
 #include "OrvLib/ARX/HostInterface.h"
 
 namespace OrvLib {
+
+class Building;
 
 struct RoofColors {
   int shadow = 0;
@@ -31,5 +33,10 @@ bool isBuilding(const AcDbEntity& entity);
 
 /// The record of a building; nothing when the open entity is none or any of the five values is missing.
 std::optional<BuildingTexts> readBuildingTexts(const AcDbEntity& entity);
+
+/// Writes the record onto the building's polyline, which must not be open; the roof colours are those chosen last in
+/// the drawing. A ridge line that cannot be read is left out, which the command line says. False, and nothing changed,
+/// when the polyline cannot be written to, carries an entity tag (shown in a message box) or the host refuses the data.
+bool writeBuildingRecord(const Building& building);
 
 }  // namespace OrvLib

@@ -19,6 +19,34 @@ inline constexpr const wchar_t* kEntityTypeKey = L"ENTITYTYPE";
 inline constexpr const wchar_t* kHeightKey = L"HEIGHT";
 inline constexpr const wchar_t* kHatchHandleKey = L"HATCH_HANDLE";
 
+/// Keys of the building record; the record's type is `kBuildingType`.
+namespace building_keys {
+inline constexpr const wchar_t* kType = L"_ENTITYTYPE";
+inline constexpr const wchar_t* kBuildingType = L"building";
+inline constexpr const wchar_t* kBaseHeight = L"baseheight";
+inline constexpr const wchar_t* kFloorHeight = L"floorheight";
+inline constexpr const wchar_t* kFloors = L"nrfloors";
+inline constexpr const wchar_t* kEavesWidth = L"eavesWidth";
+inline constexpr const wchar_t* kRoofHeight = L"roofheight";
+inline constexpr const wchar_t* kShadowColor = L"tolm_bld_shadowcolor";
+inline constexpr const wchar_t* kSunColor = L"tolm_bld_suncolor";
+inline constexpr const wchar_t* kRoofLine = L"tolm_roofline_handle";
+}  // namespace building_keys
+
+/// Where the shadow settings are kept: a record in the drawing's own dictionary of this system, and its keys.
+namespace shadow_keys {
+inline constexpr const wchar_t* kDictionary = L"orv_tolmex";
+inline constexpr const wchar_t* kRecord = L"shadowSettings";
+inline constexpr const wchar_t* kAngle = L"SHADOWANGLERAD";
+inline constexpr const wchar_t* kColor = L"SHADOWCOLOR";
+inline constexpr const wchar_t* kLength = L"SHADOWLENGTHPERFLOOR";
+inline constexpr const wchar_t* kScale = L"SHADOWSCALE";
+inline constexpr const wchar_t* kHatchType = L"SHADOWHATCHTYPE";
+// The hatch type is a number there.
+inline constexpr short kStoredLines = 10;
+inline constexpr short kStoredDots = 20;
+}  // namespace shadow_keys
+
 inline constexpr const wchar_t* kLinetypeContinuous = L"CONTINUOUS";
 
 namespace layers {

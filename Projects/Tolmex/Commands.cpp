@@ -7,10 +7,14 @@
 
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
+#include "Tolmex/BuildingCommands.h"
 #include "Tolmex/DrawingCommands.h"
 #include "Tolmex/ElementCommands.h"
+#include "Tolmex/Fences.h"
 #include "Tolmex/FirstUse.h"
 #include "Tolmex/ParkingCommand.h"
+#include "Tolmex/RoofRaster.h"
+#include "Tolmex/ShadowCommands.h"
 
 namespace OrvLib {
 namespace {
@@ -33,8 +37,8 @@ constexpr std::array<Command, kCommandCount> kCommands{{
     sameName(L"TLM_MUOK_VARIT_PAALLE", showFills),
     sameName(L"TLM_MUOK_VARIT_POIS", hideFills),
     sameName(L"TLM_MUOK_ASFALTTI", [] { makeElements(elements::kAsphalt); }),
-    notYet(L"TLM_MUOK_RAKENNUS"),
-    notYet(L"TLM_MUOK_HARJAVIIVA"),
+    sameName(L"TLM_MUOK_RAKENNUS", makeBuildings),
+    sameName(L"TLM_MUOK_HARJAVIIVA", makeRidgeLines),
     sameName(L"TLM_PARK_PAIKKA_TEE", makeParkingPlaces),
     // The local name lacks a letter; users of localised hosts know it so.
     {L"TLM_MUOK_NURMIKKO", L"TLM_MUOK_NURMKKO", [] { makeElements(elements::kGrass); }},
@@ -51,14 +55,14 @@ constexpr std::array<Command, kCommandCount> kCommands{{
     sameName(L"TLM_VIE_TAAKSE", sendSelectedToBack),
     sameName(L"TLM_TUO_ETEEN", bringSelectedToFront),
     sameName(L"TLM_MUOK_POLKU", [] { makeElements(elements::kPath); }),
-    notYet(L"TLM_VARJO_OMINAISUUDET"),
-    notYet(L"TLM_VARJO_PAIVITA"),
-    notYet(L"TLM_VARJO_POISTA"),
-    notYet(L"TLM_ASETA_KORKEUS"),
-    notYet(L"TLM_KATTO_RAST_TEE_4_VARJO"),
-    notYet(L"TLM_KATTO_RAST_TEE_3_VARJO"),
-    notYet(L"TLM_KATTO_RAST_TEE_4_AURINKO"),
-    notYet(L"TLM_KATTO_RAST_TEE_3_AURINKO"),
+    sameName(L"TLM_VARJO_OMINAISUUDET", editShadowSettings),
+    sameName(L"TLM_VARJO_PAIVITA", updateShadows),
+    sameName(L"TLM_VARJO_POISTA", removeShadows),
+    sameName(L"TLM_ASETA_KORKEUS", setHeightOfSelected),
+    sameName(L"TLM_KATTO_RAST_TEE_4_VARJO", [] { makeRoofRaster(roofs::kFourShade); }),
+    sameName(L"TLM_KATTO_RAST_TEE_3_VARJO", [] { makeRoofRaster(roofs::kThreeShade); }),
+    sameName(L"TLM_KATTO_RAST_TEE_4_AURINKO", [] { makeRoofRaster(roofs::kFourSun); }),
+    sameName(L"TLM_KATTO_RAST_TEE_3_AURINKO", [] { makeRoofRaster(roofs::kThreeSun); }),
     sameName(L"TLM_POISTA_TIEDOT", removeDataFromSelected),
 }};
 

@@ -4,7 +4,12 @@
 #include <cstdint>
 #include <memory>
 
+#include <vector>
+
+#include "Tolmex/Building.h"
+#include "Tolmex/BuildingRecord.h"
 #include "Tolmex/ColorScheme.h"
+#include "Tolmex/ShadowSettings.h"
 
 class AcApDocument;
 
@@ -29,6 +34,15 @@ class CDocData {
   std::uint32_t backgroundColor = 0;  // of the current layout, 0x00BBGGRR
   ColorScheme colors;
   bool prepared = false;  // the first command has run
+
+  std::vector<Building> buildings;  // the drawing's, as last collected
+  // What the building dialog accepted last in this drawing.
+  float nrFloors = 0;
+  float eavesWidth = 0;
+  float floorHeight = 0;
+  float baseHeight = 0;
+  RoofColors roofColors;  // chosen for buildings; written into their records
+  ShadowSettings shadows;
 
  private:
   std::unique_ptr<DocDataReactor> reactor_;

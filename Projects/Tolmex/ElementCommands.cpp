@@ -10,11 +10,6 @@
 namespace OrvLib {
 namespace {
 
-void eraseEntity(AcDbObjectId id) {
-  const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
-  if (entity) entity->erase();
-}
-
 void makeElement(AcDbObjectId polyline, Category category) {
   const CategoryRow& kind = row(category);
   AcDbObjectId fill;

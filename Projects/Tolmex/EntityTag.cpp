@@ -1,5 +1,6 @@
 #include "Tolmex/EntityTag.h"
 
+#include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/ResbufChain.h"
 #include "OrvLib/ARX/XData.h"
@@ -9,13 +10,6 @@ namespace {
 
 constexpr const ACHAR* kNoHandle = L"0";
 constexpr const ACHAR* kNoHeight = L"0";
-
-std::wstring handleText(const AcDbObject& object) {
-  AcDbHandle handle;
-  object.getAcDbHandle(handle);
-  ACHAR text[20] = {};
-  return handle.getIntoAsciiBuffer(text, std::size(text)) ? text : kNoHandle;
-}
 
 std::wstring fillHandle(AcDbObjectId fill) {
   const Opened<AcDbObject> object(fill, AcDb::kForRead);
@@ -29,13 +23,9 @@ void eraseFillOf(const AcDbEntity& outline) {
   const ResbufChain tag(outline.xData(kTagApplication));
   if (!valueInChain(tag.get(), kTagApplication, kEntityTypeKey)) return;
   const auto text = valueInChain(tag.get(), kTagApplication, kHatchHandleKey);
-  const AcDbDatabase* const db = orWorkingDatabase(nullptr);
-  if (!text || db == nullptr) return;
-  const AcDbHandle handle(text->c_str());
-  AcDbObjectId id;
-  if (handle.isNull() || db->getAcDbObjectId(id, false, handle) != Acad::eOk) return;
+  if (!text) return;
   // A fence whose height was set names itself; being open already it cannot be opened here, and it is no hatch.
-  const Opened<AcDbHatch> fill(id, AcDb::kForWrite);
+  const Opened<AcDbHatch> fill(objectOfHandle(*text), AcDb::kForWrite);
   if (fill) fill->erase();
 }
 
@@ -56,14 +46,24 @@ std::optional<Category> knownCategory(const AcDbEntity& entity) {
   return category ? categoryOfTag(*category) : std::nullopt;
 }
 
-bool writeTag(Category category, AcDbObjectId fill, AcDbEntity& outline) {
+std::optional<std::wstring> readHeight(const AcDbEntity& entity) {
+  return readXDataValue(entity, kTagApplication, kHeightKey);
+}
+
+bool writeTag(Category category, AcDbObjectId fill, AcDbEntity& outline, BuildingRecordIs record) {
   const std::wstring handle = fill.isNull() ? kNoHandle : fillHandle(fill);
   eraseFillOf(outline);
-  if (!makeWritable(outline) || !removeTags(outline)) return false;
+  if (!makeWritable(outline)) return false;
+  if (record == BuildingRecordIs::Removed && !removeXData(outline, kBuildingApplication)) return false;
+  return replaceTag(outline, row(category).tag, kNoHeight, handle);
+}
+
+bool replaceTag(AcDbEntity& outline, const std::wstring& category, const std::wstring& height,
+                const std::wstring& handle) {
   ResbufChain tag;
   tag.append(kXDataApplication, kTagApplication);
-  for (const ACHAR* const text :
-       {kVersionKey, kVersion, kEntityTypeKey, row(category).tag, kHeightKey, kNoHeight, kHatchHandleKey}) {
+  for (const std::wstring& text : {std::wstring(kVersionKey), std::wstring(kVersion), std::wstring(kEntityTypeKey),
+                                   category, std::wstring(kHeightKey), height, std::wstring(kHatchHandleKey)}) {
     tag.append(kXDataText, text);
   }
   tag.append(kXDataHandle, handle);

@@ -6,15 +6,15 @@
 namespace OrvLib {
 
 // The order matters: once the layers are made, nothing tells a drawing's own colours from the defaults any more.
-// Between the first two steps belongs what reads the drawing's buildings, after the last what reads its shadow
-// settings.
 void prepareCurrentDocument() {
   CDocData& data = currentDocData();
   if (data.prepared) return;
   data.prepared = true;
   takeColorsFromDrawing(data);
+  collectBuildings(data);
   readColorSchemeFile(data);
   ensureElementLayers(data.colors);
+  readShadowSettings();
 }
 
 }  // namespace OrvLib

@@ -3,8 +3,8 @@
 
 namespace OrvLib {
 
-/// Prepares the current document once: colours of its layers, the file tolm.ini, the system's layers. A failure is not
-/// tried again by the next command.
+/// Prepares the current document once: colours of its layers, its buildings, the file tolm.ini, the system's layers,
+/// its shadow settings. A failure is not tried again by the next command.
 void prepareCurrentDocument();
 
 }  // namespace OrvLib

@@ -1,0 +1,87 @@
+#include "Tolmex/Building.h"
+
+#include <utility>
+
+#include "OrvLib/ARX/EntityGeometry.h"
+#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/DataStruct/Text.h"
+#include "Tolmex/BuildingRecord.h"
+#include "Tolmex/DocData.h"
+#include "Tolmex/DocumentLock.h"
+#include "Tolmex/EntityTag.h"
+
+namespace OrvLib {
+namespace {
+
+/// The ridge line that the handle leads to; null id when it is gone or became something else.
+AcDbObjectId ridgeLineOf(const std::wstring& handle) {
+  const Opened<AcDbEntity> ridge(objectOfHandle(handle), AcDb::kForRead);
+  return ridge && readCategory(*ridge) == row(Category::RidgeLine).tag ? ridge->objectId() : AcDbObjectId();
+}
+
+}  // namespace
+
+Building::Building(Opened<AcDbEntity> entity) {
+  const DocumentLock lock;
+  if (!lock || !entity || !takeOutline(*entity)) return;
+  entityId = entity->objectId();
+  takeRecord(*entity);
+}
+
+Building::Building(Opened<AcDbEntity> entity, int floors, double eaves, double heightOfFloor, double heightOfBase,
+                   bool isRidged, AcDbObjectId ridgeLine, double heightOfRoof)
+    : nrFloors(floors),
+      eavesWidth(eaves),
+      floorHeight(heightOfFloor),
+      baseHeight(heightOfBase),
+      roofHeight(heightOfRoof),
+      hasRoofLine(isRidged),
+      roofLineId(ridgeLine) {
+  const DocumentLock lock;
+  if (lock && entity && takeOutline(*entity)) entityId = entity->objectId();
+}
+
+bool Building::takeOutline(const AcDbEntity& entity) {
+  const std::optional<PolyArc> course = isBoundary(entity) ? readPolyArc(entity) : std::nullopt;
+  if (!course) {
+    acutPrintf(L"\nwas given a non polyline object.\n");
+    return false;
+  }
+  firstSegmentIsArc = course->firstSegmentIsArc();
+  outline = course->approximated(kOutlineStep);
+  return true;
+}
+
+void Building::takeRecord(const AcDbEntity& entity) {
+  const std::optional<BuildingTexts> texts = readBuildingTexts(entity);
+  if (!texts) return;
+  nrFloors = leadingNumber(texts->nrFloors);
+  eavesWidth = leadingNumber(texts->eavesWidth);
+  floorHeight = leadingNumber(texts->floorHeight);
+  baseHeight = leadingNumber(texts->baseHeight);
+  roofHeight = leadingNumber(texts->roofHeight);
+  if (texts->roofLineHandle) roofLineId = ridgeLineOf(*texts->roofLineHandle);
+  hasRoofLine = !roofLineId.isNull();
+  valid = true;
+}
+
+void Building::refreshOutline() {
+  const Opened<AcDbEntity> entity(entityId, AcDb::kForRead);
+  if (!entity) return;
+  firstSegmentIsArc = false;
+  const DocumentLock lock;
+  if (lock) takeOutline(*entity);
+}
+
+void collectBuildings(CDocData& data) {
+  data.buildings.clear();
+  for (const AcDbObjectId id : selectTaggedPolylines(kBuildingApplication)) {
+    Opened<AcDbEntity> entity(id, AcDb::kForRead);
+    if (!entity || !isBuilding(*entity)) continue;
+    Building building(std::move(entity));
+    if (building.valid) data.buildings.push_back(std::move(building));
+  }
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,75 @@
+#include "Tolmex/Fences.h"
+
+#include <cmath>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "OrvLib/ARX/EntityGeometry.h"
+#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/DataStruct/Text.h"
+#include "Tolmex/EntityTag.h"
+
+namespace OrvLib {
+namespace {
+
+constexpr double kNoHeight = 0.0001;  // heights below it cast no shadow
+
+void alertThatOnlyFencesHaveHeights() {
+  acedAlert(
+      L"\nAinoastaan lauta-aidalle tai kivimuurille voi asettaa korkeuden.\n(rakennuksen harjan korkeus asetetaan "
+      L"valitsemalla Muokkaa->Rakennus->Aseta harjaviiva");
+}
+
+bool isFenceId(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+  return entity && isFence(*entity);
+}
+
+}  // namespace
+
+bool isFence(const AcDbEntity& entity) {
+  const std::optional<Category> category = knownCategory(entity);
+  return category == Category::BoardFence || category == Category::StoneFence;
+}
+
+bool setFenceHeight(double height, AcDbEntity& fence) {
+  if (!isFence(fence)) {
+    alertThatOnlyFencesHaveHeights();
+    return false;
+  }
+  return makeWritable(fence) &&
+         replaceTag(fence, readCategory(fence).value_or(L""), formatNumber(height), handleText(fence));
+}
+
+bool makeFenceShadow(AcDbObjectId id, ShadowDrawing& drawing) {
+  Opened<AcDbEntity> fence(id, AcDb::kForRead);
+  const std::optional<std::wstring> stored = fence ? readHeight(*fence) : std::nullopt;
+  if (!stored) return true;
+  const double height = leadingNumber(*stored);
+  if (std::abs(height) < kNoHeight || !makeWritable(*fence)) return false;
+  const std::optional<PolyArc> course = readPolyArc(*fence);
+  fence.close();
+  if (course) drawing.draw(fenceShadow(*course, height, drawing.settings().shadowAngleRad), kFenceShadow);
+  return true;
+}
+
+void setHeightOfSelected() {
+  acutPrintf(L"\nValitse lauta-aita tai kivimuuri, jonka korkeutta muutetaaan:\n");
+  const std::vector<AcDbObjectId> selected = selectPolylinesByUser();
+  if (selected.empty()) return;
+  if (selected.size() == 1 && !isFenceId(selected.front())) {
+    alertThatOnlyFencesHaveHeights();
+    return;
+  }
+  ads_real height = 0;
+  if (acedGetReal(L"Anna korkeus:", &height) != RTNORM) return;
+  for (const AcDbObjectId id : selected) {
+    const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity) setFenceHeight(height, *entity);
+  }
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,93 @@
+#include "Tolmex/RoofRaster.h"
+
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <vector>
+
+#include "OrvLib/ARX/EntityGeometry.h"
+#include "OrvLib/ARX/EntityMakers.h"
+#include "OrvLib/ARX/Opened.h"
+#include "Tolmex/BuildingRecord.h"
+#include "Tolmex/Catalogue.h"
+#include "Tolmex/DisplayFinish.h"
+#include "Tolmex/MessageBoxes.h"
+
+namespace OrvLib {
+namespace {
+
+std::optional<AcDbObjectId> askEntity() {
+  ads_name name = {0, 0};
+  ads_point point = {0, 0, 0};
+  AcDbObjectId id;
+  if (acedEntSel(L"\nValitse rakennus, jolle kattorasteri tehdään:", name, point) != RTNORM) return std::nullopt;
+  if (acdbGetObjectId(id, name) != Acad::eOk) return std::nullopt;
+  return id;
+}
+
+bool isBuildingId(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+  return entity && isBuilding(*entity);
+}
+
+std::optional<RoofColors> roofColorsOf(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+  return entity ? readRoofColors(*entity) : std::nullopt;
+}
+
+/// Nothing when the user does not give every point.
+std::optional<PolyLine> askFace(int pointCount) {
+  PolyLine face;
+  for (int i = 1; i <= pointCount; ++i) {
+    ads_point point = {0, 0, 0};
+    if (acedGetPoint(nullptr, (L"\nPiste " + std::to_wstring(i)).c_str(), point) != RTNORM) return std::nullopt;
+    face.append(toPoint3d(asPnt3d(point)));
+  }
+  face.setClosed(true);
+  return face;
+}
+
+/// Plan direction of the edge; just under a full turn when its ends are the same point.
+double directionOf(const Line& edge) {
+  if (edge.start.isEqualTo(edge.end)) return std::atan(1.0) * 7.999999999999999;
+  return edge.planAngle();
+}
+
+enum class Filling { Done, WithoutColors };
+
+Filling fill(AcDbObjectId boundary, AcDbObjectId building, const RoofFace& face) {
+  const std::optional<RoofColors> colors = roofColorsOf(building);
+  if (!colors) {
+    showMessage(L"\nEi saatu luettua katolle määritettyjä täyttövärejä. Täyttöä ei tehdä.\n");
+    return Filling::WithoutColors;
+  }
+  makeHatch(boundary, face.isShaded ? colors->shadow : colors->sun,
+            face.isShaded ? layers::kRoofFillShadow : layers::kRoofFillSun, {});
+  return Filling::Done;
+}
+
+}  // namespace
+
+void makeRoofRaster(const RoofFace& face) {
+  const std::optional<AcDbObjectId> building = askEntity();
+  if (!building) return;
+  if (!isBuildingId(*building)) {
+    acutPrintf(L"\nEi valittu rakennusta.\n");
+    return;
+  }
+  acutPrintf(face.pointCount == 3
+                 ? L"\nValitse ensin rakennuksen ulkoreunan pisteet ja lopuksi kolmas piste kiertosuunnassa.\n"
+                 : L"\nValitse ensin harjaviivan pisteet ja lopuksi muut pisteet kiertosuunnassa.\n");
+  const std::optional<PolyLine> points = askFace(face.pointCount);
+  if (!points) return;
+  const AcDbObjectId boundary = makeClosed3dPolyline(*points, kColorByLayer, nullptr);
+  const double downSlope = directionOf(points->segment(0)) + std::numbers::pi / 2;
+  makeHatch(boundary, kColorByLayer, layers::kRoof, {L"LINE", downSlope, face.rasterScale});
+  // Without colours the outline stays: the user sees which face went unfilled.
+  const bool keepsOutline =
+      askYesNo(L"Tehdäänkö katolle täyttö?\n") && fill(boundary, *building, face) == Filling::WithoutColors;
+  if (!keepsOutline) eraseEntity(boundary);
+  finishDisplay();
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,85 @@
+#include "Tolmex/ShadowCommands.h"
+
+#include <algorithm>
+#include <limits>
+#include <vector>
+
+#include "OrvLib/ARX/EntityMakers.h"
+#include "OrvLib/ARX/Selection.h"
+#include "Tolmex/BuildingShadow.h"
+#include "Tolmex/Catalogue.h"
+#include "Tolmex/DisplayFinish.h"
+#include "Tolmex/DocData.h"
+#include "Tolmex/Fences.h"
+#include "Tolmex/FirstUse.h"
+
+namespace OrvLib {
+
+void showShadowDialog();
+
+namespace {
+
+/// The host's status-bar meter for as long as it lives.
+class ProgressMeter {
+ public:
+  ProgressMeter(const ACHAR* label, std::size_t steps) {
+    acedSetStatusBarProgressMeter(label, 0, static_cast<int>(std::min<std::size_t>(steps, kMost)));
+  }
+  ProgressMeter(const ProgressMeter&) = delete;
+  ProgressMeter& operator=(const ProgressMeter&) = delete;
+  ~ProgressMeter() { acedRestoreStatusBar(); }
+
+  void show(std::size_t step) {
+    acedSetStatusBarProgressMeterPos(static_cast<int>(std::min<std::size_t>(step, kMost)));
+  }
+
+ private:
+  static constexpr std::size_t kMost = std::numeric_limits<int>::max();
+};
+
+void eraseShadows() {
+  for (const AcDbObjectId id : selectLayers({layers::kShadow, layers::kRoofFill})) eraseEntity(id);
+}
+
+bool isFenceToShadow(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+  return entity && isFence(*entity);
+}
+
+}  // namespace
+
+void updateShadows() {
+  prepareCurrentDocument();
+  eraseShadows();
+  // Updates leave many polylines behind that only bound hatches: those without data are not opened.
+  const std::vector<AcDbObjectId> tagged = selectTaggedPolylines(kTagApplication);
+  CDocData& data = currentDocData();
+  collectBuildings(data);
+  if (tagged.empty() && data.buildings.empty() && selectAllPolylines().empty()) return;
+
+  ProgressMeter meter(L"Varjojen päivitys...", data.buildings.size());
+  ShadowDrawing drawing(data.shadows);
+  for (const AcDbObjectId id : tagged) {
+    if (isFenceToShadow(id)) makeFenceShadow(id, drawing);
+  }
+  for (std::size_t i = 0; i < data.buildings.size(); ++i) {
+    Building& building = data.buildings[i];
+    building.refreshOutline();
+    makeBuildingShadow(building, drawing);
+    meter.show(i);
+  }
+  finishDisplay();
+}
+
+void removeShadows() {
+  prepareCurrentDocument();
+  eraseShadows();
+  finishDisplay();
+}
+
+void editShadowSettings() {
+  collectBuildings(currentDocData());
+  showShadowDialog();
+}
+
+}  // namespace OrvLib

@@ -1,0 +1,254 @@
+// Shadows of buildings and fences in the drawing.
+#include <cmath>
+
+#include "Illustration/BuildingPlan.h"
+
+namespace {
+
+using namespace tests;
+
+class Shadows : public BuildingPlan {
+ protected:
+  double real(const Slot& slot, int code) { return std::stod(value(slot, code)); }
+  std::vector<std::pair<double, double>> points(const Slot& hatch) {
+    std::vector<std::pair<double, double>> found;
+    bool isInLoop = false;
+    Tag tag;
+    for (TagCursor cursor = hatch.tags(); cursor.next(tag) && tag.code != 75;) {
+      if (tag.code == 92) isInLoop = true;
+      if (isInLoop && tag.code == 10) found.emplace_back(tag.real(), 0);
+      if (isInLoop && tag.code == 20) found.back().second = tag.real();
+    }
+    return found;
+  }
+  /// The rightmost point that a shadow reaches.
+  double reach() {
+    double right = -1e9;
+    for (const Slot* const hatch : living(DxfType::Hatch, L"tmv_varjo")) {
+      for (const auto& point : points(*hatch)) right = std::max(right, point.first);
+    }
+    return right;
+  }
+  static std::string settings(const std::string& angle, const std::string& type = "10") {
+    return "  1\nSHADOWANGLERAD\n 40\n" + angle +
+           "\n  1\nSHADOWCOLOR\n 70\n     5\n  1\nSHADOWLENGTHPERFLOOR\n 40\n4.0\n" +
+           "  1\nSHADOWSCALE\n 40\n0.3\n  1\nSHADOWHATCHTYPE\n 70\n    " + type + "\n";
+  }
+};
+
+TEST_F(Shadows, ABuildingCastsOneHatchForEachEdge) {
+  store({{rectangle(0, 0, 10, 10), building("2")}});
+  run("TLM_VARJO_PAIVITA\n");
+  const auto shadows = living(DxfType::Hatch, L"tmv_varjo");
+  ASSERT_EQ(shadows.size(), 4U);
+  for (const Slot* const hatch : shadows) {
+    EXPECT_EQ(value(*hatch, 2), "LINE");
+    EXPECT_DOUBLE_EQ(real(*hatch, 52), 45);
+    EXPECT_DOUBLE_EQ(real(*hatch, 41), 0.15);
+    EXPECT_EQ(value(*hatch, 62), "");
+    EXPECT_EQ(value(*hatch, 71), "0");
+  }
+  const double reach = 6 * std::sqrt(0.5);
+  EXPECT_EQ(points(*shadows[0]).size(), 4U);
+  EXPECT_NEAR(points(*shadows[0])[1].first, reach, 1e-9);
+  EXPECT_NEAR(points(*shadows[0])[2].first, 10 + reach, 1e-9);
+  const auto roofs = living(DxfType::Hatch, L"tma_katto");
+  ASSERT_EQ(roofs.size(), 1U);
+  EXPECT_EQ(value(*roofs.front(), 2), "SOLID");
+  EXPECT_EQ(value(*roofs.front(), 62), "");
+
+  // The boundaries stay, out of sight.
+  const auto boundaries = living(DxfType::Polyline3d, L"tmv_varjo_reunaviiva");
+  ASSERT_EQ(boundaries.size(), 4U);
+  EXPECT_EQ(value(*boundaries.front(), 62), "34");
+  EXPECT_EQ(layerColor(L"tmv_varjo_reunaviiva"), -7);
+  const auto all = groups();
+  ASSERT_EQ(all.size(), 1U);
+  EXPECT_EQ(all.begin()->first, "Varjo0");
+  EXPECT_EQ(value(*all.begin()->second, 300), "Rakennuksien varjon hatch");
+  EXPECT_EQ(members(*all.begin()->second), 4U);
+}
+
+TEST_F(Shadows, EveryUpdateStartsAnew) {
+  const std::string house = rectangle(0, 0, 10, 10);
+  const std::string ridge = course("0,5\n10,5\n");
+  run("TLM_MUOK_HARJAVIIVA\n" + pickHandle(ridge) + "\n");
+  store({{house, building("2", ridge)}, {rectangle(50, 0, 10, 10), building("1")}});
+  run("TLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(shadowCount(), 10U);
+  EXPECT_EQ(roofCount(), 2U);
+  run("TLM_VARJO_PAIVITA\n");
+  reopen();
+  run("TLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(shadowCount(), 10U);
+  EXPECT_EQ(roofCount(), 2U);
+  const auto all = groups();
+  ASSERT_EQ(all.size(), 6U);
+  for (int i = 0; i < 6; ++i) EXPECT_EQ(all.count("Varjo" + std::to_string(i)), 1U) << i;
+  // From below: shadows, roofs, buildings, ridges; what is hidden does not matter.
+  std::vector<std::wstring> order;
+  for (const Slot* const entity : drawing().drawOrder(drawing().modelSpace())) {
+    if (layer(*entity) != L"tmv_varjo_reunaviiva" && (order.empty() || order.back() != layer(*entity))) {
+      order.push_back(layer(*entity));
+    }
+  }
+  const std::vector<std::wstring> expected = {L"0", L"tmv_varjo", L"tma_katto", L"tmv_harjav"};
+  EXPECT_EQ(order, expected);
+
+  run("TLM_VARJO_POISTA\n");
+  EXPECT_EQ(shadowCount(), 0U);
+  EXPECT_EQ(roofCount(), 0U);
+  run("U\n");
+  EXPECT_EQ(shadowCount(), 10U);
+}
+
+TEST_F(Shadows, SettingsStoredInTheDrawingCount) {
+  store({{rectangle(0, 0, 10, 10), building("2")}});
+  storeSettings(settings("0.0", "20"));
+  run("TLM_VARJO_PAIVITA\n");
+  // Two edges run along the shadow: their quadrilaterals have no area, and only their boundaries are there.
+  ASSERT_EQ(shadowCount(), 2U);
+  EXPECT_EQ(living(DxfType::Polyline3d).size(), 4U);
+  EXPECT_DOUBLE_EQ(reach(), 18);
+  const Slot& hatch = *living(DxfType::Hatch, L"tmv_varjo").front();
+  EXPECT_EQ(value(hatch, 2), "DOTS");
+  EXPECT_DOUBLE_EQ(real(hatch, 41), 0.3);
+}
+
+TEST_F(Shadows, DamagedSettingsKeepWhatTheyCan) {
+  const std::string house = rectangle(0, 0, 10, 10);
+  store({{house, building("2")}});
+  // Pairs in any order, a key in the wrong case, a text for a number, a key at the very end.
+  storeSettings(
+      "  1\nSHADOWHATCHTYPE\n 70\n    11\n  1\nshadowanglerad\n 40\n1.0\n  1\nSHADOWLENGTHPERFLOOR\n  1\nlong\n"
+      "  1\nSHADOWSCALE\n 40\n0.5\n  1\nSHADOWANGLERAD\n");
+  run("TLM_VARJO_PAIVITA\n");
+  ASSERT_EQ(shadowCount(), 4U);
+  const Slot& hatch = *living(DxfType::Hatch, L"tmv_varjo").front();
+  EXPECT_EQ(value(hatch, 2), "LINE");
+  EXPECT_DOUBLE_EQ(real(hatch, 52), 45);
+  EXPECT_DOUBLE_EQ(real(hatch, 41), 0.5);
+  EXPECT_NEAR(reach(), 10 + 6 * std::sqrt(0.5), 1e-9);
+}
+
+TEST_F(Shadows, RidgesThatAreGoneMakeFlatRoofs) {
+  const std::string house = rectangle(0, 0, 10, 10);
+  const std::string ridge = course("0,5\n10,5\n");
+  run("TLM_MUOK_HARJAVIIVA\n" + pickHandle(ridge) + "\n");
+  store({{house, building("2", ridge)}});
+  storeSettings(settings("0.0"));
+  run("TLM_VARJO_PAIVITA\n");
+  EXPECT_NEAR(reach(), 10 + 8 + 2.0 / 3 * 4, 1e-9);
+  run("TLM_MUOK_PENSAS\n" + pickHandle(ridge) + "\nTLM_VARJO_PAIVITA\n");
+  EXPECT_DOUBLE_EQ(reach(), 18);
+  run("TLM_MUOK_HARJAVIIVA\n" + pickHandle(ridge) + "\nTLM_VARJO_PAIVITA\n");
+  EXPECT_NEAR(reach(), 10 + 8 + 2.0 / 3 * 4, 1e-9);
+  run("ERASE\n" + pickHandle(ridge) + "\nTLM_VARJO_PAIVITA\n");
+  EXPECT_DOUBLE_EQ(reach(), 18);
+  EXPECT_EQ(shadowCount(), 2U);
+}
+
+TEST_F(Shadows, FencesCastTheirHeight) {
+  const std::string fence = course("0,0\n10,0\n");
+  const std::string wall = course("0,20\n10,20\n");
+  const std::string hedge = course("0,40\n10,40\n");
+  run("TLM_MUOK_AITA_LAUTA\n" + pickHandle(fence) + "\nTLM_MUOK_AITA_KIVI\n" + pickHandle(wall) +
+      "\nTLM_MUOK_PENSAS\n" + pickHandle(hedge) + "\n");
+  EXPECT_NE(run("TLM_ASETA_KORKEUS\n" + pickHandle(fence) + "\n2.25\n")
+                .find("Valitse lauta-aita tai kivimuuri, jonka korkeutta muutetaaan:\n"),
+            std::string::npos);
+  EXPECT_EQ(xdata(slot(fence), "kaava_tolmex"),
+            "1001 kaava_tolmex|1000 TOLM_VERSION|1000 1|1000 ENTITYTYPE|1000 Lauta-aita|1000 HEIGHT|1000 2.25|1000 "
+            "HATCH_HANDLE|1005 " +
+                fence);
+  run("TLM_VARJO_PAIVITA\n");
+  ASSERT_EQ(shadowCount(), 1U);
+  const auto corners = points(*living(DxfType::Hatch, L"tmv_varjo").front());
+  EXPECT_NEAR(corners[1].first, 2.25 * std::sqrt(0.5), 1e-9);
+  EXPECT_NEAR(corners[1].second, 2.25 * std::sqrt(0.5), 1e-9);
+  EXPECT_EQ(living(DxfType::Polyline3d).size(), 0U);
+  ASSERT_EQ(groups().size(), 1U);
+  EXPECT_EQ(value(*groups().at("Varjo0"), 300), "Aidan varjon hatch");
+
+  // One alert for the hedge among the others, which are set; heights have a sign.
+  const std::string shown =
+      run("TLM_ASETA_KORKEUS\n" + pickHandle(hedge) + pickHandle(wall) + pickHandle(fence) + "\n-1\n");
+  const std::size_t alert = shown.find("Ainoastaan lauta-aidalle tai kivimuurille voi asettaa korkeuden.");
+  ASSERT_NE(alert, std::string::npos) << shown;
+  EXPECT_EQ(shown.find("Ainoastaan", alert + 1), std::string::npos);
+  EXPECT_EQ(tagValue(slot(hedge), "HEIGHT"), "0");
+  EXPECT_EQ(tagValue(slot(wall), "HEIGHT"), "-1");
+  run("TLM_VARJO_PAIVITA\n");
+  ASSERT_EQ(shadowCount(), 2U);
+  EXPECT_LT(points(*living(DxfType::Hatch, L"tmv_varjo").front())[1].first, 0);
+  // Height 0 is none; a lone hedge is refused before any question.
+  run("TLM_ASETA_KORKEUS\n" + pickHandle(wall) + pickHandle(fence) + "\n0\nTLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(shadowCount(), 0U);
+  EXPECT_EQ(run("TLM_ASETA_KORKEUS\n" + pickHandle(hedge) + "\n").find("Anna korkeus"), std::string::npos);
+  // A fence that named itself becomes another element like any other.
+  run("TLM_MUOK_PENSAS\n" + pickHandle(fence) + "\n");
+  EXPECT_EQ(tagValue(slot(fence), "ENTITYTYPE"), "Pensas");
+  EXPECT_FALSE(slot(fence).isErased());
+}
+
+TEST_F(Shadows, CancelledHeightsChangeNothing) {
+  const std::string fence = course("0,0\n10,0\n");
+  run("TLM_MUOK_AITA_LAUTA\n" + pickHandle(fence) + "\n");
+  const std::string before = text();
+  run("TLM_ASETA_KORKEUS\n" + pickHandle(fence) + "\n^C\nTLM_ASETA_KORKEUS\n" + pickHandle(fence) +
+      "\n\nTLM_ASETA_KORKEUS\n\n");
+  EXPECT_EQ(text(), before);
+}
+
+TEST_F(Shadows, LayersAreEmptiedWhateverLiesThere) {
+  run("TLM_MUOK_VARIT_PAALLE\nLAYER\nS\ntmv_varjo\n\nLINE\n0,0\n1,0\n\nLAYER\nS\ntma_katto\n\nLINE\n0,0\n1,0\n\n"
+      "LAYER\nS\n0\n\n");
+  // No polyline: emptied, and that is all.
+  run("TLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(living(DxfType::Line).size(), 0U);
+  EXPECT_EQ(text().find("SORTENTSTABLE\n  5"), std::string::npos);
+  // Entities of a locked layer stay, as anywhere else.
+  run("LAYER\nS\ntmv_varjo\n\nLINE\n0,0\n1,0\n\nLAYER\nS\n0\nLOCK\ntmv_varjo\n\nTLM_VARJO_POISTA\n");
+  EXPECT_EQ(living(DxfType::Line).size(), 1U);
+}
+
+TEST_F(Shadows, BuildingsOnALockedLayerCastNone) {
+  run("LAYER\nM\nlukko\n\n");
+  const std::string locked = rectangle(0, 0, 10, 10);
+  run("LAYER\nS\n0\n\n");
+  store({{locked, building()}, {rectangle(50, 0, 10, 10), building()}});
+  run("LAYER\nLOCK\nlukko\n\nTLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(shadowCount(), 4U);
+  EXPECT_EQ(roofCount(), 1U);
+}
+
+TEST_F(Shadows, OnlyCompleteRecordsCast) {
+  std::map<std::string, Items> records;
+  int x = 0;
+  Items loud = building();
+  loud.front().second = "BUILDING";
+  records[rectangle(x += 20, 0, 10, 10)] = loud;  // the type's case does not matter
+  Items odd = building();
+  odd[4].second = "kaksi";  // reads as no floors: a roof and no shadow
+  records[rectangle(x += 20, 0, 10, 10)] = odd;
+  for (const char* const key : {"_ENTITYTYPE", "baseheight", "eavesWidth", "floorheight", "nrfloors", "roofheight",
+                                "tolm_bld_shadowcolor", "tolm_bld_suncolor"}) {
+    records[rectangle(x += 20, 0, 10, 10)] = without(building(), key);
+  }
+  store(records);
+  run("TLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(roofCount(), 2U);
+  EXPECT_EQ(shadowCount(), 4U);
+}
+
+TEST_F(Shadows, ADamagedNumberCostsOnlyItsBuilding) {
+  store({{rectangle(0, 0, 10, 10), building("1e308")},
+         {rectangle(20, 0, 10, 10), building("1e9")},
+         {rectangle(40, 0, 10, 10), building("-1")}});
+  run("TLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(roofCount(), 3U);
+  EXPECT_GE(shadowCount(), 4U);
+  reopen();
+}
+
+}  // namespace
