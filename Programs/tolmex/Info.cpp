@@ -4,10 +4,12 @@
 #include <cstdio>
 #include <iterator>
 
+#include "BuildingInfo.h"
 #include "Commands.h"
 #include "Dxf/DxfFile.h"
 #include "Text/Text.h"
 #include "Tolmex/Catalogue.h"
+#include "XDataValues.h"
 
 namespace tolmex {
 
@@ -20,40 +22,6 @@ using host::editor::RunStatus;
 
 namespace {
 
-/// Values of one application's extended data as the plug-in reads them: the item behind the first item that equals
-/// the key.
-struct TagValues {
-  bool isThere = false;
-  std::wstring entityType, height, hatchHandle;
-};
-
-TagValues tagOf(const Slot& slot, const DrawingDatabase& drawing) {
-  TagValues values;
-  bool inside = false;
-  std::wstring* next = nullptr;
-  Tag tag;
-  for (TagCursor cursor = slot.tags(); cursor.next(tag);) {
-    if (tag.code < 1000) continue;
-    if (tag.code == 1001) {
-      inside = drawing.codec().decode(tag.value) == OrvLib::kTagApplication;
-      values.isThere = values.isThere || inside;
-      next = nullptr;
-      continue;
-    }
-    if (!inside) continue;
-    const std::wstring text = drawing.codec().decode(tag.value);
-    if (next != nullptr) {
-      if (next->empty()) *next = text;
-      next = nullptr;
-    } else if (tag.code == 1000) {
-      if (text == OrvLib::kEntityTypeKey) next = &values.entityType;
-      if (text == OrvLib::kHeightKey) next = &values.height;
-      if (text == OrvLib::kHatchHandleKey) next = &values.hatchHandle;
-    }
-  }
-  return values;
-}
-
 struct CategoryCount {
   std::size_t outlines = 0;
   std::size_t filled = 0;
@@ -62,6 +30,7 @@ struct CategoryCount {
 
 struct Findings {
   std::array<CategoryCount, OrvLib::kCategories.size()> categories;
+  std::vector<std::string> buildings;  // a line each
   std::size_t parkingRows = 0;
   std::vector<std::string> problems;
 };
@@ -80,24 +49,27 @@ Findings lookThrough(const DrawingDatabase& drawing) {
       }
     }
     if (!slot.isEntity() || slot.isSubEntity()) return;
-    const TagValues values = tagOf(slot, drawing);
-    if (!values.isThere) return;
+    if (auto building = describeBuilding(slot, drawing, findings.problems)) {
+      findings.buildings.push_back(std::move(*building));
+    }
+    const XDataValues tag(slot, drawing, OrvLib::kTagApplication);
+    if (!tag.isThere()) return;
+    const std::wstring entityType = tag.value(OrvLib::kEntityTypeKey).value_or(L"");
     const std::string where = std::string(drawing.typeName(slot)) + " " + handleText(slot);
-    const auto row =
-        std::find_if(OrvLib::kCategories.begin(), OrvLib::kCategories.end(),
-                     [&](const OrvLib::CategoryRow& candidate) { return values.entityType == candidate.tag; });
+    const auto row = std::find_if(OrvLib::kCategories.begin(), OrvLib::kCategories.end(),
+                                  [&](const OrvLib::CategoryRow& candidate) { return entityType == candidate.tag; });
     if (row == OrvLib::kCategories.end()) {
       findings.problems.push_back(where + ": " +
-                                  (values.entityType.empty()
-                                       ? "the tag names no category"
-                                       : "unknown category \"" + host::text::toUtf8(values.entityType) + "\""));
+                                  (entityType.empty() ? "the tag names no category"
+                                                      : "unknown category \"" + host::text::toUtf8(entityType) + "\""));
       return;
     }
     CategoryCount& count = findings.categories[static_cast<std::size_t>(row - OrvLib::kCategories.begin())];
     ++count.outlines;
-    const std::string height = host::text::toUtf8(values.height);
+    const std::string height = host::text::toUtf8(tag.value(OrvLib::kHeightKey).value_or(L""));
     if (host::text::parseReal(height).value_or(0) != 0) count.heights.push_back(height);
-    const std::uint64_t handle = host::text::parseHandle(host::text::toUtf8(values.hatchHandle));
+    const std::uint64_t handle =
+        host::text::parseHandle(host::text::toUtf8(tag.value(OrvLib::kHatchHandleKey).value_or(L"")));
     if (handle == 0) return;
     const Slot* const fill = drawing.findHandle(handle);
     if (fill == &slot) return;  // fences with a height name themselves
@@ -138,7 +110,8 @@ int describeDrawing(const InfoOptions& options) {
   if (const auto read = host::dxf::readDrawing(drawing, options.drawing); !read.ok) {
     return complain(RunStatus::DrawingUnreadable, read.message);
   }
-  const Findings findings = lookThrough(drawing);
+  Findings findings = lookThrough(drawing);
+  const std::optional<std::string> shadows = describeShadowSettings(database, findings.problems);
   std::size_t entities = 0;
   for (const Slot* const slot : drawing.modelSpace().entities) entities += slot->isErased() ? 0 : 1;
   std::printf("%s: AC%d, %zu entities in model space, %zu layers\n", options.drawing.string().c_str(),
@@ -159,6 +132,9 @@ int describeDrawing(const InfoOptions& options) {
     std::printf("\n");
   }
   if (findings.parkingRows > 0) std::printf("  parking rows %6zu\n", findings.parkingRows);
+  if (!findings.buildings.empty()) std::printf("buildings %zu\n", findings.buildings.size());
+  for (const std::string& building : findings.buildings) std::printf("  %s\n", building.c_str());
+  std::printf("shadows\n  %s\n", shadows ? shadows->c_str() : "default settings");
   printColors(drawing);
   std::fflush(stdout);
   for (const host::database::Problem& problem : drawing.problems()) {
