@@ -99,10 +99,18 @@ void Application::refuseLocks(bool refuse) { host().documents.refuseLocks = refu
 Answer nextDialogLine(std::wstring_view what) { return host().dialogLine(what); }
 bool refuseDialogLine(std::wstring_view sentence) { return host().refuse(sentence); }
 
+bool inputHasStopped() { return host().isStopping(); }
+bool dialogsAreWorkedByHand() { return host().options().dialogsByHand; }
+void reportDialogProblem(std::string_view sentence) { host().reportProblem(sentence); }
+
+void printDialogLine(std::wstring_view text) { host().transcript.line(text); }
+
 void showNotice(std::wstring_view caption, std::wstring_view text) {
   host().transcript.line(L"[" + std::wstring(caption) + L"] " + std::wstring(text));
 }
 
+void* topResource() { return host().documents.topResource(); }
+void setTopResource(void* module) { host().documents.setTopResource(module); }
 std::wstring_view programName() { return host().options().programName; }
 
 }  // namespace host::editor

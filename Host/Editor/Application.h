@@ -30,6 +30,7 @@ struct ApplicationOptions {
   MeterSink meter;
   std::function<void()> regenerate;  // REGEN and ads_regen
   std::vector<std::filesystem::path> supportFolders;
+  bool dialogsByHand = false;  // dialogs and boxes stand on the screen instead of taking lines of the input
 };
 
 class Application {

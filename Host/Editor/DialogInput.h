@@ -13,8 +13,20 @@ Answer nextDialogLine(std::wstring_view what);
 /// The action cannot be done: prints the sentence. True when another line may be asked for, false when the script has
 /// failed and the dialog must be cancelled.
 bool refuseDialogLine(std::wstring_view sentence);
+/// True when no more lines will come: the script has ended or failed, or the run was interrupted.
+bool inputHasStopped();
+/// Somebody at the screen works the dialogs; no lines are asked for.
+bool dialogsAreWorkedByHand();
+/// A problem of the host itself, in one sentence.
+void reportDialogProblem(std::string_view sentence);
+/// Text on a line of its own in the transcript.
+void printDialogLine(std::wstring_view text);
 /// A box with OK only: "[CAPTION] text" on a line of its own.
 void showNotice(std::wstring_view caption, std::wstring_view text);
+/// The module that the document manager was given last to look dialogs and strings up in; null when there is none.
+void* topResource();
+/// Names another one in its place.
+void setTopResource(void* module);
 /// Caption of the program's own boxes.
 std::wstring_view programName();
 

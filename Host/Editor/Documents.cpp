@@ -107,7 +107,12 @@ void DocumentManager::popResourceHandle() {
 
 HINSTANCE DocumentManager::topResource() const {
   const std::vector<HINSTANCE>& stack = current_ != nullptr ? current_->resources : resourcesWithoutDocument_;
-  return stack.empty() ? nullptr : stack.back();
+  return stack.empty() ? baseResource_ : stack.back();
+}
+
+void DocumentManager::setTopResource(HINSTANCE resources) {
+  std::vector<HINSTANCE>& stack = current_ != nullptr ? current_->resources : resourcesWithoutDocument_;
+  (stack.empty() ? baseResource_ : stack.back()) = resources;
 }
 
 void DocumentManager::setCurrent(Document* document) {

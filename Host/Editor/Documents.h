@@ -80,6 +80,8 @@ class DocumentManager final : public AcApDocManager {
   void setCurrent(Document* document);
   /// Resource handle on top of the current document's stack, or null.
   HINSTANCE topResource() const;
+  /// Replaces the handle on top of the stack; below the whole stack lies one too.
+  void setTopResource(HINSTANCE resources);
   /// Reactors whose code lies in a module.
   std::vector<AcApDocManagerReactor*> reactorsOf(const void* moduleBase) const;
 
@@ -92,6 +94,7 @@ class DocumentManager final : public AcApDocManager {
   std::vector<std::unique_ptr<Document>> documents_;
   std::vector<AcApDocManagerReactor*> reactors_;
   std::vector<HINSTANCE> resourcesWithoutDocument_;
+  HINSTANCE baseResource_ = nullptr;
   Document* current_ = nullptr;
 };
 

@@ -69,6 +69,8 @@ class Session {
   /// has failed or ended.
   Answer ask(std::wstring_view prompt, AnswerForm form);
   Answer dialogLine(std::wstring_view what);
+  /// No further answers will come: the input has ended or failed, or the run was interrupted.
+  bool isStopping() const;
   /// The input ends after its present line.
   void pushScript(std::unique_ptr<InputSource> script);
   std::size_t inputDepth() const { return frames_.size(); }
@@ -92,7 +94,6 @@ class Session {
 
  private:
   Session();
-  bool isStopping() const;
   Answer pull(const Question& question);
   std::string place() const;
   bool isInteractive() const;

@@ -1,0 +1,403 @@
+#include "Widgets/QtWidgets.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDialog>
+#include <QFrame>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QStylePainter>
+#include <QStyledItemDelegate>
+#include <algorithm>
+
+#include "Text/Text.h"
+#include "Widgets/QtText.h"
+
+namespace host::widgets {
+namespace {
+
+using win32::WindowKind;
+
+constexpr int kItemMargin = 4;   // pixels of height that a list's item has beside its text
+constexpr int kComboMargin = 8;  // pixels that a closed drop-down list has
+
+/// What all widgets share: owning the toolkit's widget, place, visibility.
+class QtWidget : public win32::Widget {
+ public:
+  QtWidget(QWidget* widget, Shown shown) : widget_(widget), shown_(shown) {}
+  QtWidget(const QtWidget&) = delete;
+  QtWidget& operator=(const QtWidget&) = delete;
+  ~QtWidget() override {
+    if (widget_ == nullptr) return;
+    widget_->disconnect();
+    if (shown_ == Shown::OnScreen) {
+      widget_->hide();
+      widget_->deleteLater();
+    } else {
+      delete widget_.data();
+    }
+  }
+
+  QWidget* widget() const { return widget_; }
+  void setRect(const RECT& rect) override { widget_->setGeometry(toQt(rect)); }
+  void setVisible(bool visible) override { widget_->setVisible(visible); }
+  void setEnabled(bool enabled) override { widget_->setEnabled(enabled); }
+  void setFocus() override { widget_->setFocus(); }
+  void repaint() override { widget_->update(); }
+
+ private:
+  QPointer<QWidget> widget_;
+  Shown shown_;
+};
+
+/// A widget of one class of the toolkit.
+template <class T>
+class Typed : public QtWidget {
+ public:
+  Typed(T* widget, Shown shown) : QtWidget(widget, shown), t_(*widget) {}
+
+ protected:
+  T& t_;
+};
+
+// ---- dialog ---------------------------------------------------------------------------------------------------------
+
+class DialogWindow : public QDialog {
+ public:
+  DialogWindow(HostWindow& window, QWidget* parent) : QDialog(parent), window_(window) {}
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() == Qt::Key_Escape) {
+      win32::widgetEscaped(window_);
+    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+      win32::widgetEntered(window_);
+    } else {
+      QDialog::keyPressEvent(event);
+    }
+  }
+  void closeEvent(QCloseEvent* event) override {
+    event->ignore();
+    win32::widgetClosed(window_);
+  }
+  void paintEvent(QPaintEvent* event) override {
+    QDialog::paintEvent(event);
+    QPainter painter(this);
+    PainterCanvas canvas(painter);
+    win32::widgetPainted(window_, canvas);
+  }
+
+ private:
+  HostWindow& window_;
+};
+
+class Dialog final : public Typed<DialogWindow> {
+ public:
+  using Typed::Typed;
+  void setRect(const RECT& rect) override { t_.setFixedSize(rect.right - rect.left, rect.bottom - rect.top); }
+  std::wstring text() const override { return t_.windowTitle().toStdWString(); }
+  void setText(std::wstring_view text) override { t_.setWindowTitle(toQt(text)); }
+  bool savePicture(const std::filesystem::path& file) override {
+    return t_.grab().save(QString::fromStdString(file.string()), "PNG");
+  }
+};
+
+// ---- buttons --------------------------------------------------------------------------------------------------------
+
+class Button final : public Typed<QAbstractButton> {
+ public:
+  Button(QAbstractButton* button, HostWindow& window, Shown shown) : Typed(button, shown) {
+    QObject::connect(button, &QAbstractButton::clicked, button, [&window] { win32::widgetClicked(window); });
+  }
+  std::wstring text() const override { return t_.text().toStdWString(); }
+  void setText(std::wstring_view text) override { t_.setText(toQt(text)); }
+  bool isChecked() const override { return t_.isChecked(); }
+  void setChecked(bool checked) override { t_.setChecked(checked); }
+  void click() override { t_.click(); }
+};
+
+class Group final : public Typed<QGroupBox> {
+ public:
+  using Typed::Typed;
+  std::wstring text() const override { return t_.title().toStdWString(); }
+  void setText(std::wstring_view text) override { t_.setTitle(toQt(text)); }
+};
+
+std::unique_ptr<win32::Widget> makeButton(HostWindow& window, QWidget* parent, Shown shown) {
+  QAbstractButton* button = nullptr;
+  switch (window.buttonType()) {
+    case BS_GROUPBOX:
+      return std::make_unique<Group>(new QGroupBox(parent), shown);
+    case BS_CHECKBOX:
+    case BS_AUTOCHECKBOX:
+      button = new QCheckBox(parent);
+      break;
+    case BS_RADIOBUTTON:
+    case BS_AUTORADIOBUTTON:
+      button = new QRadioButton(parent);
+      button->setAutoExclusive(false);  // groups are made by styles, not by parents
+      break;
+    default: {
+      auto* const push = new QPushButton(parent);
+      push->setAutoDefault(true);
+      push->setDefault(window.buttonType() == BS_DEFPUSHBUTTON);
+      button = push;
+    }
+  }
+  return std::make_unique<Button>(button, window, shown);
+}
+
+// ---- texts ----------------------------------------------------------------------------------------------------------
+
+class LabelWidget : public QLabel {
+ public:
+  LabelWidget(HostWindow& window, QWidget* parent) : QLabel(parent), window_(window) {}
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QLabel::paintEvent(event);
+    QPainter painter(this);
+    PainterCanvas canvas(painter);
+    win32::widgetPainted(window_, canvas);
+  }
+
+ private:
+  HostWindow& window_;
+};
+
+class Label final : public Typed<LabelWidget> {
+ public:
+  using Typed::Typed;
+  std::wstring text() const override { return text_; }
+  void setText(std::wstring_view text) override {
+    text_ = text;
+    // One "&" marks a letter and is not shown, two are one.
+    QString shown = toQt(text);
+    shown.replace("&&", QString(QChar(1))).remove('&').replace(QChar(1), "&");
+    t_.setText(shown);
+  }
+
+ private:
+  std::wstring text_;
+};
+
+std::unique_ptr<win32::Widget> makeLabel(HostWindow& window, QWidget* parent, Shown shown) {
+  auto* const label = new LabelWidget(window, parent);
+  label->setTextFormat(Qt::PlainText);
+  const DWORD type = window.style & SS_TYPEMASK;
+  Qt::Alignment alignment = type == SS_CENTER ? Qt::AlignHCenter : type == SS_RIGHT ? Qt::AlignRight : Qt::AlignLeft;
+  const bool isOneLine = (window.style & SS_CENTERIMAGE) != 0 || type == SS_LEFTNOWORDWRAP;
+  alignment |= (window.style & SS_CENTERIMAGE) != 0 ? Qt::AlignVCenter : Qt::AlignTop;
+  label->setAlignment(alignment);
+  label->setWordWrap(!isOneLine);
+  if (type == SS_BLACKFRAME || type == SS_GRAYFRAME) label->setFrameStyle(QFrame::Box | QFrame::Plain);
+  return std::make_unique<Label>(label, shown);
+}
+
+// ---- edits ----------------------------------------------------------------------------------------------------------
+
+class LineEditWidget : public QLineEdit {
+ public:
+  LineEditWidget(HostWindow& window, QWidget* parent) : QLineEdit(parent), window_(window) {}
+
+ protected:
+  // Digits only concerns typing: text set by programs or pasted is taken as it is.
+  void keyPressEvent(QKeyEvent* event) override {
+    const QString typed = event->text();
+    const bool isShortcut = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
+    const bool isRefused = (window_.style & ES_NUMBER) != 0 && !isShortcut && !typed.isEmpty() && typed[0].isPrint() &&
+                           !typed[0].isDigit();
+    if (!isRefused) QLineEdit::keyPressEvent(event);
+  }
+
+ private:
+  HostWindow& window_;
+};
+
+class LineEdit final : public Typed<LineEditWidget> {
+ public:
+  LineEdit(LineEditWidget* edit, HostWindow& window, Shown shown) : Typed(edit, shown) {
+    QObject::connect(edit, &QLineEdit::textChanged, edit, [&window] { win32::widgetTextChanged(window); });
+  }
+  std::wstring text() const override { return t_.text().toStdWString(); }
+  void setText(std::wstring_view text) override { t_.setText(toQt(text)); }
+  void setReadOnly(bool readOnly) override { t_.setReadOnly(readOnly); }
+  void select(int begin, int end) override {
+    t_.setSelection(begin, end < 0 ? static_cast<int>(t_.text().size()) : end - begin);
+  }
+  void replaceSelection(std::wstring_view text) override { t_.insert(toQt(text)); }
+  void type(wchar_t character) override {
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, toQt({&character, 1}));
+    QApplication::sendEvent(&t_, &event);
+  }
+};
+
+class TextEdit final : public Typed<QPlainTextEdit> {
+ public:
+  TextEdit(QPlainTextEdit* edit, HostWindow& window, Shown shown) : Typed(edit, shown) {
+    QObject::connect(edit, &QPlainTextEdit::textChanged, edit, [&window] { win32::widgetTextChanged(window); });
+  }
+  std::wstring text() const override { return t_.toPlainText().toStdWString(); }
+  void setText(std::wstring_view text) override { t_.setPlainText(toQt(text)); }
+  void setReadOnly(bool readOnly) override { t_.setReadOnly(readOnly); }
+  void select(int begin, int end) override {
+    QTextCursor cursor = t_.textCursor();
+    const auto length = static_cast<int>(t_.toPlainText().size());
+    cursor.setPosition(std::clamp(begin, 0, length));
+    cursor.setPosition(end < 0 ? length : std::clamp(end, 0, length), QTextCursor::KeepAnchor);
+    t_.setTextCursor(cursor);
+  }
+  void replaceSelection(std::wstring_view text) override { t_.insertPlainText(toQt(text)); }
+};
+
+std::unique_ptr<win32::Widget> makeEdit(HostWindow& window, QWidget* parent, Shown shown) {
+  if ((window.style & ES_MULTILINE) != 0) return std::make_unique<TextEdit>(new QPlainTextEdit(parent), window, shown);
+  return std::make_unique<LineEdit>(new LineEditWidget(window, parent), window, shown);
+}
+
+// ---- lists ----------------------------------------------------------------------------------------------------------
+
+class OwnerDrawnItems : public QStyledItemDelegate {
+ public:
+  OwnerDrawnItems(HostWindow& window, QObject* parent) : QStyledItemDelegate(parent), window_(window) {}
+  void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    PainterCanvas canvas(*painter);
+    const UINT state = (option.state & QStyle::State_Selected) != 0 ? ODS_SELECTED : 0;
+    win32::widgetPaintsItem(window_, canvas, fromQt(option.rect), index.row(), state);
+  }
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    return {QStyledItemDelegate::sizeHint(option, index).width(), option.fontMetrics.height() + kItemMargin};
+  }
+
+ private:
+  HostWindow& window_;
+};
+
+class ComboWidget : public QComboBox {
+ public:
+  ComboWidget(HostWindow& window, QWidget* parent) : QComboBox(parent), window_(window) {
+    if (window.isOwnerDrawn()) setItemDelegate(new OwnerDrawnItems(window, this));
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    if (!window_.isOwnerDrawn()) {
+      QComboBox::paintEvent(event);
+      return;
+    }
+    QStylePainter painter(this);
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    const QRect area = style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    painter.setClipRect(area);
+    PainterCanvas canvas(painter);
+    const UINT state = ODS_COMBOBOXEDIT | (isEnabled() ? 0U : ODS_DISABLED);
+    win32::widgetPaintsItem(window_, canvas, fromQt(area), currentIndex(), state);
+  }
+
+ private:
+  HostWindow& window_;
+};
+
+class Combo final : public Typed<ComboWidget> {
+ public:
+  Combo(ComboWidget* combo, HostWindow& window, Shown shown) : Typed(combo, shown) {
+    QObject::connect(combo, &QComboBox::activated, combo, [&window] { win32::widgetChosen(window); });
+  }
+  // The rectangle of a drop-down list is that of the open list.
+  void setRect(const RECT& rect) override {
+    const int line = t_.fontMetrics().height();
+    const int closed = line + kComboMargin;
+    t_.setGeometry(rect.left, rect.top, rect.right - rect.left, closed);
+    t_.setMaxVisibleItems(std::max((rect.bottom - rect.top - closed) / (line + kItemMargin), 4));
+  }
+  std::wstring text() const override { return t_.currentText().toStdWString(); }
+  int count() const override { return t_.count(); }
+  std::wstring item(int index) const override { return t_.itemText(index).toStdWString(); }
+  void insertItem(int index, std::wstring_view text) override {
+    const int former = t_.currentIndex();
+    t_.insertItem(index, toQt(text));
+    if (former < 0) t_.setCurrentIndex(-1);
+  }
+  void removeItem(int index) override {
+    const bool wasCurrent = t_.currentIndex() == index;
+    t_.removeItem(index);
+    if (wasCurrent) t_.setCurrentIndex(-1);
+  }
+  void clear() override { t_.clear(); }
+  int current() const override { return t_.currentIndex(); }
+  void setCurrent(int index) override { t_.setCurrentIndex(index); }
+};
+
+class List final : public Typed<QListWidget> {
+ public:
+  List(QListWidget* list, HostWindow& window, Shown shown) : Typed(list, shown) {
+    QObject::connect(list, &QListWidget::currentRowChanged, list, [&window] { win32::widgetChosen(window); });
+    QObject::connect(list, &QListWidget::itemDoubleClicked, list, [&window] { win32::widgetDoubleClicked(window); });
+  }
+  int count() const override { return t_.count(); }
+  std::wstring item(int index) const override { return t_.item(index)->text().toStdWString(); }
+  void insertItem(int index, std::wstring_view text) override {
+    const QSignalBlocker quiet(t_);
+    t_.insertItem(index, toQt(text));
+  }
+  void removeItem(int index) override {
+    const QSignalBlocker quiet(t_);
+    const bool wasCurrent = t_.currentRow() == index;
+    delete t_.takeItem(index);
+    if (wasCurrent) t_.setCurrentRow(-1);
+  }
+  void clear() override {
+    const QSignalBlocker quiet(t_);
+    t_.clear();
+  }
+  int current() const override { return t_.currentRow(); }
+  void setCurrent(int index) override {
+    const QSignalBlocker quiet(t_);
+    t_.setCurrentRow(index);
+  }
+};
+
+}  // namespace
+
+QWidget* widgetOf(HostWindow* window) {
+  const auto* const widget = window != nullptr ? dynamic_cast<const QtWidget*>(window->widget.get()) : nullptr;
+  return widget != nullptr ? widget->widget() : nullptr;
+}
+
+std::unique_ptr<win32::Widget> makeWidget(HostWindow& window, const win32::DialogFont* font, Shown shown) {
+  QWidget* const parent = widgetOf(window.parent);
+  switch (window.kind) {
+    case WindowKind::Dialog: {
+      auto* const dialog = new DialogWindow(window, parent);
+      if (font != nullptr) dialog->setFont(dialogFont(*font));
+      if (shown == Shown::OnScreen && window.dialog && window.dialog->isModal)
+        dialog->setWindowModality(Qt::ApplicationModal);
+      return std::make_unique<Dialog>(dialog, shown);
+    }
+    case WindowKind::Button:
+      return makeButton(window, parent, shown);
+    case WindowKind::Edit:
+      return makeEdit(window, parent, shown);
+    case WindowKind::ListBox:
+      return std::make_unique<List>(new QListWidget(parent), window, shown);
+    case WindowKind::ComboBox:
+      return std::make_unique<Combo>(new ComboWidget(window, parent), window, shown);
+    default:
+      return makeLabel(window, parent, shown);
+  }
+}
+
+}  // namespace host::widgets

@@ -1,0 +1,19 @@
+// Widgets for every kind of window.
+#pragma once
+
+#include <QWidget>
+#include <memory>
+
+#include "Win32/WindowObject.h"
+
+namespace host::widgets {
+
+/// Whether somebody sees the widgets; they then outlive the event in which they are destroyed.
+enum class Shown { OffScreen, OnScreen };
+
+/// The toolkit's widget of a window; null when there is none.
+QWidget* widgetOf(HostWindow* window);
+
+std::unique_ptr<win32::Widget> makeWidget(HostWindow& window, const win32::DialogFont* font, Shown shown);
+
+}  // namespace host::widgets

@@ -1,0 +1,255 @@
+// Lines of a script as actions on a dialog:
+//   30206 2.8              the text of an edit ("" empties it), the entry of a list
+//   30255                  presses a button, chooses a radio button
+//   30300 on               a check box
+//   OK                     a button by its caption
+//   double-click 30239     a list
+//   PICTURE dialog.png     what the dialog looks like now, for documents and tests
+//   LIST                   prints the controls with their contents in the transcript
+//   (an empty line)        the default button, as Enter does; Esc cancels
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "Editor/DialogInput.h"
+#include "Text/Text.h"
+#include "Win32/WindowObject.h"
+
+namespace host::win32 {
+namespace {
+
+constexpr std::wstring_view kBlanks = L" \t";
+
+std::wstring inQuotes(std::wstring_view text) { return L"\"" + std::wstring(text) + L"\""; }
+
+std::wstring_view trimmed(std::wstring_view text) {
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  if (begin == std::wstring_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+/// The first word and the rest behind the blanks after it.
+std::pair<std::wstring_view, std::wstring_view> splitWord(std::wstring_view line) {
+  const std::size_t end = line.find_first_of(kBlanks);
+  if (end == std::wstring_view::npos) return {line, {}};
+  return {line.substr(0, end), trimmed(line.substr(end))};
+}
+
+std::optional<int> asId(std::wstring_view word) {
+  if (word.empty() || word.size() > 6) return std::nullopt;
+  int id = 0;
+  for (const wchar_t digit : word) {
+    if (digit < L'0' || digit > L'9') return std::nullopt;
+    id = id * 10 + (digit - L'0');
+  }
+  return id;
+}
+
+std::wstring unquoted(std::wstring_view value) {
+  if (value.size() < 2 || value.front() != L'"' || value.back() != L'"') return std::wstring(value);
+  std::wstring inside;
+  for (std::size_t i = 1; i + 1 < value.size(); ++i) {
+    inside += value[i];
+    if (value[i] == L'"' && value[i + 1] == L'"' && i + 2 < value.size()) ++i;
+  }
+  return inside;
+}
+
+/// A caption without the mark of its shortcut letter.
+std::wstring captionOf(HostWindow& button) {
+  std::wstring caption = textOf(button);
+  for (std::size_t i = 0; i < caption.size(); ++i) {
+    if (caption[i] == L'&') caption.erase(i, 1);
+  }
+  return caption;
+}
+
+bool isCheckBox(const HostWindow& control) {
+  return control.kind == WindowKind::Button &&
+         (control.buttonType() == BS_AUTOCHECKBOX || control.buttonType() == BS_CHECKBOX);
+}
+
+bool isPressed(const HostWindow& control) {
+  return control.kind == WindowKind::Button && control.buttonType() != BS_GROUPBOX && !isCheckBox(control);
+}
+
+bool isList(const HostWindow& control) {
+  return control.kind == WindowKind::ComboBox || control.kind == WindowKind::ListBox;
+}
+
+bool canBeWorked(const HostWindow& control) {
+  return isPressed(control) || isCheckBox(control) || isList(control) || control.kind == WindowKind::Edit;
+}
+
+/// "30211 (edit), 30236 (drop-down list), 1 "OK""
+std::wstring knownControls(const HostWindow& dialog) {
+  std::wstring all;
+  for (const auto& child : dialog.children) {
+    if (!canBeWorked(*child) || !child->isVisible()) continue;
+    if (!all.empty()) all += L", ";
+    all += std::to_wstring(child->id);
+    switch (child->kind) {
+      case WindowKind::Edit:
+        all += L" (edit)";
+        break;
+      case WindowKind::ComboBox:
+        all += L" (drop-down list)";
+        break;
+      case WindowKind::ListBox:
+        all += L" (list)";
+        break;
+      default:
+        all += L" " + inQuotes(captionOf(*child));
+    }
+  }
+  return all;
+}
+
+std::wstring items(HostWindow& list) {
+  constexpr int kMostShown = 20;
+  std::wstring all;
+  for (int i = 0; i < std::min(list.widget->count(), kMostShown); ++i)
+    all += (i > 0 ? L", " : L"") + inQuotes(list.widget->item(i));
+  return list.widget->count() > kMostShown ? all + L", ..." : all;
+}
+
+/// Why an action cannot be done; empty when it was.
+using Refusal = std::wstring;
+
+Refusal choose(HostWindow& list, const std::wstring& text) {
+  const bool isCombo = list.kind == WindowKind::ComboBox;
+  auto found = static_cast<int>(SendMessageW(&list, isCombo ? CB_FINDSTRINGEXACT : LB_FINDSTRINGEXACT,
+                                             static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str())));
+  if (found < 0) {
+    if (SendMessageW(&list, chooseTextMessage(), 0, reinterpret_cast<LPARAM>(text.c_str())) == FALSE)
+      return L"has no entry " + inQuotes(text) + L"; its entries: " + items(list);
+    found = list.widget->current();
+  }
+  list.widget->setCurrent(found);
+  widgetChosen(list);
+  return {};
+}
+
+Refusal setCheck(HostWindow& box, std::wstring_view value) {
+  const bool on = text::equalFolded(value, L"on");
+  if (!on && !text::equalFolded(value, L"off")) return L"is a check box: give it on or off";
+  if (box.widget->isChecked() != on) box.widget->click();
+  return {};
+}
+
+Refusal actOn(HostWindow& control, std::wstring_view value) {
+  if (!canBeWorked(control)) return L"is a text, not a control to be worked";
+  if (!control.isVisible()) return L"is hidden";
+  if (!control.isEnabled()) return L"is disabled";
+  if (isCheckBox(control)) return setCheck(control, value);
+  if (isPressed(control)) {
+    if (!value.empty()) return L"is a button: it takes no value";
+    control.widget->click();
+    return {};
+  }
+  if (value.empty())
+    return isList(control) ? L"is a list: give an entry" : L"is an edit: give its text, or \"\" for none";
+  if (isList(control)) return choose(control, unquoted(value));
+  if ((control.style & ES_READONLY) != 0) return L"is read-only";
+  SetFocus(&control);
+  control.widget->setText(unquoted(value));
+  return {};
+}
+
+Refusal doubleClick(HostWindow& control) {
+  if (control.kind != WindowKind::ListBox) return L"is no list";
+  if (!control.isEnabled() || !control.isVisible()) return L"is hidden or disabled";
+  widgetDoubleClicked(control);
+  return {};
+}
+
+HostWindow* buttonByCaption(HostWindow& dialog, std::wstring_view caption) {
+  for (const auto& child : dialog.children) {
+    if (isPressed(*child) && text::equalFolded(captionOf(*child), caption)) return child.get();
+  }
+  return nullptr;
+}
+
+/// "30211 edit "3"", one line per control.
+void listControls(HostWindow& dialog) {
+  for (const auto& child : dialog.children) {
+    std::wstring line = L"  " + std::to_wstring(child->id);
+    std::wstring content = inQuotes(textOf(*child));
+    switch (child->kind) {
+      case WindowKind::Edit:
+        line += L" edit ";
+        break;
+      case WindowKind::ComboBox:
+        line += L" drop-down list ";
+        break;
+      case WindowKind::ListBox:
+        line += L" list ";
+        content = child->widget->current() < 0 ? L"" : inQuotes(child->widget->item(child->widget->current()));
+        break;
+      case WindowKind::Button:
+        line += isCheckBox(*child) ? L" check box " : child->buttonType() == BS_GROUPBOX ? L" group " : L" button ";
+        break;
+      default:
+        line += L" text ";
+    }
+    line += content;
+    if (child->widget->isChecked()) line += L", on";
+    if (!child->isVisible()) line += L", hidden";
+    if (!child->isEnabled()) line += L", disabled";
+    editor::printDialogLine(line);
+  }
+}
+
+/// The whole sentence, or nothing.
+std::wstring refusalOf(HostWindow& dialog, std::wstring_view line) {
+  const std::wstring name = L"dialog " + inQuotes(textOf(dialog));
+  const auto [word, rest] = splitWord(line);
+  if (text::equalFolded(word, L"PICTURE") && !rest.empty()) {
+    const std::string file = text::toUtf8(unquoted(rest));
+    if (!file.ends_with(".png")) return name + L": a dialog's picture is a .png file";
+    return dialog.widget->savePicture(file) ? L"" : name + L": " + unquoted(rest) + L" cannot be written";
+  }
+  if (text::equalFolded(line, L"LIST") && buttonByCaption(dialog, line) == nullptr) {
+    editor::printDialogLine(name + L":");
+    listControls(dialog);
+    return {};
+  }
+  const bool isDouble = text::equalFolded(word, L"double-click");
+  const std::optional<int> id = asId(isDouble ? rest : word);
+  HostWindow* const control = id ? GetDlgItem(&dialog, *id) : isDouble ? nullptr : buttonByCaption(dialog, line);
+  if (control == nullptr)
+    return name + L" has no control " +
+           inQuotes(isDouble ? rest
+                    : id     ? word
+                             : line) +
+           L"; it has " + knownControls(dialog);
+  const std::wstring which = name + L": control " + std::to_wstring(control->id) + L" ";
+  const Refusal refusal = isDouble ? doubleClick(*control) : actOn(*control, id ? rest : std::wstring_view());
+  return refusal.empty() ? L"" : which + refusal;
+}
+
+}  // namespace
+
+bool actOnLine(HostWindow& dialog) {
+  const editor::Answer answer = editor::nextDialogLine(L"dialog " + inQuotes(textOf(dialog)));
+  switch (answer.kind) {
+    case editor::Answer::Kind::Text:
+      break;
+    case editor::Answer::Kind::Enter:
+      widgetEntered(dialog);
+      return true;
+    default:
+      if (editor::inputHasStopped()) return false;
+      widgetEscaped(dialog);
+      return true;
+  }
+  const std::wstring_view line = trimmed(answer.text);
+  if (line.empty()) {
+    widgetEntered(dialog);
+    return true;
+  }
+  const std::wstring refusal = refusalOf(dialog, line);
+  return refusal.empty() || editor::refuseDialogLine(refusal);
+}
+
+}  // namespace host::win32

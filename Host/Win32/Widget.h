@@ -1,0 +1,108 @@
+// What stands behind a window on the screen. The widgets themselves live in a library of their own, loaded when the
+// first dialog is made.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "Win32/DialogTemplate.h"
+#include "windows.h"
+
+namespace host::win32 {
+
+/// Average width and height of a dialog font in pixels: four horizontal and eight vertical dialog units.
+struct BaseUnits {
+  int width = 0;
+  int height = 0;
+};
+
+/// A surface that a window is painted on; pixels, colours as COLORREF.
+class Canvas {
+ public:
+  virtual ~Canvas() = default;
+  virtual void fill(const RECT& area, COLORREF color) = 0;
+  virtual void frame(const RECT& area, COLORREF color) = 0;
+  /// One line, centred vertically.
+  virtual void text(const RECT& area, std::wstring_view text, COLORREF color, bool isCentred) = 0;
+};
+
+/// The part of a widget that windows use. Texts, items, check marks and selections live in the widget. What a kind of
+/// widget has not does nothing.
+class Widget {
+ public:
+  virtual ~Widget() = default;
+
+  virtual void setRect(const RECT&) {}
+  virtual void setVisible(bool) {}
+  virtual void setEnabled(bool) {}
+  virtual void setFocus() {}
+  virtual void repaint() {}
+  virtual std::wstring text() const { return {}; }
+  virtual void setText(std::wstring_view) {}
+
+  // ---- buttons ----
+  virtual bool isChecked() const { return false; }
+  virtual void setChecked(bool) {}
+  /// As the user does; reports itself.
+  virtual void click() {}
+
+  // ---- edits ----
+  virtual void setReadOnly(bool) {}
+  /// -1 as the end selects to the end.
+  virtual void select(int, int) {}
+  virtual void replaceSelection(std::wstring_view) {}
+  /// A key the user presses; the edit refuses what its style forbids.
+  virtual void type(wchar_t) {}
+
+  // ---- lists; indices count from 0, -1 is none ----
+  virtual int count() const { return 0; }
+  virtual std::wstring item(int) const { return {}; }
+  virtual void insertItem(int, std::wstring_view) {}
+  virtual void removeItem(int) {}
+  virtual void clear() {}
+  virtual int current() const { return -1; }
+  virtual void setCurrent(int) {}
+
+  // ---- dialogs ----
+  /// A PNG of the dialog as it looks now.
+  virtual bool savePicture(const std::filesystem::path&) { return false; }
+};
+
+class WidgetSystem {
+ public:
+  virtual ~WidgetSystem() = default;
+  virtual BaseUnits measure(const DialogFont& font) = 0;
+  /// A widget for the window, by its kind and style, in the widget of its parent. A dialog's font holds for its
+  /// controls.
+  virtual std::unique_ptr<Widget> make(HostWindow& window, const DialogFont* font) = 0;
+  /// Handles what the user does until something has happened.
+  virtual void waitForEvents() = 0;
+  /// A message box worked by hand; one of the Windows answers.
+  virtual int messageBox(HostWindow* parent, std::wstring_view text, std::wstring_view caption, UINT type) = 0;
+};
+
+/// The system of this process. Without a display, or when nobody is there to work the dialogs, they exist off-screen.
+/// Null when its library cannot be loaded; that is reported once.
+WidgetSystem* widgetSystem();
+
+/// The function that the widgets' library exports.
+using MakeWidgetSystem = WidgetSystem* (*)(bool onScreen);
+inline constexpr const char* kMakeWidgetSystem = "tolmexMakeWidgetSystem";
+
+// ---- what widgets report --------------------------------------------------------------------------------------------
+void widgetClicked(HostWindow& button);
+void widgetTextChanged(HostWindow& edit);
+void widgetChosen(HostWindow& list);
+void widgetDoubleClicked(HostWindow& list);
+/// The close box, Esc, Enter on a dialog.
+void widgetClosed(HostWindow& dialog);
+void widgetEscaped(HostWindow& dialog);
+void widgetEntered(HostWindow& dialog);
+/// Paints the window itself, over what the widget has painted.
+void widgetPainted(HostWindow& window, Canvas& canvas);
+/// Lets the owner paint one item; `state` from the ODS_ bits.
+void widgetPaintsItem(HostWindow& list, Canvas& canvas, const RECT& area, int item, UINT state);
+
+}  // namespace host::win32

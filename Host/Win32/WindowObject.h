@@ -1,0 +1,88 @@
+// What a window handle points to.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Win32/Widget.h"
+#include "windows.h"
+
+namespace host::win32 {
+
+enum class WindowKind { Dialog, Button, Edit, Static, ListBox, ComboBox };
+
+/// What a window has besides if it is a dialog.
+struct DialogState {
+  DLGPROC procedure = nullptr;
+  LONG_PTR messageResult = 0;
+  LONG_PTR user = 0;
+  BaseUnits units;
+  bool isModal = false;
+  bool hasEnded = false;
+  INT_PTR result = 0;
+};
+
+}  // namespace host::win32
+
+/// Owns its children; controls of a dialog in the template's order.
+struct HostWindow {
+  host::win32::WindowKind kind = host::win32::WindowKind::Static;
+  int id = 0;
+  DWORD style = 0;
+  DWORD exStyle = 0;
+  RECT rect{};  // pixels, in the parent
+  HostWindow* parent = nullptr;
+  WNDPROC procedure = nullptr;
+  LONG_PTR userData = 0;
+  std::vector<LPARAM> itemData;  // of lists, beside the items
+  HostDeviceContext* painting = nullptr;
+  std::optional<host::win32::DialogState> dialog;
+  std::unique_ptr<host::win32::Widget> widget;
+  std::vector<std::unique_ptr<HostWindow>> children;  // gone before their parent's widget
+
+  bool isVisible() const { return (style & WS_VISIBLE) != 0; }
+  bool isEnabled() const { return (style & WS_DISABLED) == 0; }
+  DWORD buttonType() const { return style & BS_TYPEMASK; }
+  bool isOwnerDrawn() const { return kind == host::win32::WindowKind::ComboBox && (style & CBS_OWNERDRAWFIXED) != 0; }
+};
+
+namespace host::win32 {
+
+struct NewWindow {
+  WindowKind kind = WindowKind::Static;
+  int id = 0;
+  DWORD style = 0;
+  DWORD exStyle = 0;
+  RECT rect{};
+  std::wstring text;
+  WNDPROC procedure = nullptr;
+};
+
+/// Makes a window with its widget and tells hooks and the window itself (WM_CREATE). Null when there are no widgets or
+/// the window refuses.
+HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const DialogFont* font = nullptr,
+                         std::optional<DialogState> dialog = std::nullopt);
+/// Delivers what PostMessageW has left.
+void deliverPosted();
+/// Tells the parent about a control.
+void notifyParent(HostWindow& control, WORD code);
+std::wstring textOf(HostWindow& window);
+
+/// Window procedures of controls and dialogs.
+LRESULT CALLBACK controlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+LRESULT CALLBACK dialogProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+/// The control that Enter presses: the default button, or null.
+HostWindow* defaultButton(HostWindow& dialog);
+
+/// Sent to a list that has no item of a text that was asked for: lParam is the text. A control that knows what is meant
+/// chooses the item and answers TRUE. On Windows nobody ever sends it.
+UINT chooseTextMessage();
+inline constexpr LPCWSTR kChooseTextMessage = L"HostChooseText";
+
+/// Takes one line of the input as an action on the dialog. False when no more lines will come.
+bool actOnLine(HostWindow& dialog);
+
+}  // namespace host::win32
