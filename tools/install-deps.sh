@@ -7,7 +7,7 @@ packages=(
   qt6-base-dev qt6-svg-dev libfreetype-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format-14 clang-tidy-14
-  fonts-dejavu-core
+  binutils-mingw-w64-x86-64 fonts-dejavu-core
   python3 python3-ezdxf
 )
 

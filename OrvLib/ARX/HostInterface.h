@@ -12,11 +12,13 @@
 #include <acedads.h>
 #include <acedinpt.h>
 #include <acestext.h>
+#include <acui.h>
 #include <acutads.h>
 #include <acutmem.h>
 #include <adesk.h>
 #include <adscodes.h>
 #include <adslib.h>
+#include <adui.h>
 #include <afxwin.h>
 #include <axlock.h>
 #include <dbapserv.h>

@@ -8,6 +8,7 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "Tolmex/BuildingCommands.h"
+#include "Tolmex/ColorSettings.h"
 #include "Tolmex/DrawingCommands.h"
 #include "Tolmex/ElementCommands.h"
 #include "Tolmex/Fences.h"
@@ -33,7 +34,7 @@ constexpr Command notYet(const ACHAR* name) { return {name, name, nullptr}; }
 
 // In the order of registration.
 constexpr std::array<Command, kCommandCount> kCommands{{
-    notYet(L"TLM_MUOK_VARIT"),
+    sameName(L"TLM_MUOK_VARIT", showColorSettings),
     sameName(L"TLM_MUOK_VARIT_PAALLE", showFills),
     sameName(L"TLM_MUOK_VARIT_POIS", hideFills),
     sameName(L"TLM_MUOK_ASFALTTI", [] { makeElements(elements::kAsphalt); }),

@@ -1,0 +1,95 @@
+#include "Tolmex/ColorSettings.h"
+
+#include <array>
+#include <cstddef>
+
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/ARX/Resources.h"
+#include "Tolmex/ColorSchemeFile.h"
+#include "Tolmex/DocData.h"
+#include "Tolmex/Resource.h"
+
+namespace OrvLib {
+namespace {
+
+struct ColorControl {
+  int id;
+  int ColorScheme::*color;
+};
+constexpr std::array<ColorControl, 9> kControls{{
+    {IDC_ASPHALT, &ColorScheme::asphalt},
+    {IDC_GRAVEL, &ColorScheme::gravel},
+    {IDC_YARD_PAVING, &ColorScheme::yardPaving},
+    {IDC_PATH, &ColorScheme::path},
+    {IDC_HEDGE, &ColorScheme::hedge},
+    {IDC_FOREST, &ColorScheme::forest},
+    {IDC_GRASS, &ColorScheme::grass},
+    {IDC_DEFAULT_ROOF_SHADED, &ColorScheme::roofFillShadow},
+    {IDC_DEFAULT_ROOF_SUNLIT, &ColorScheme::roofFillSun},
+}};
+
+class ColorSettings : public CAcUiDialog {
+ public:
+  ColorSettings() : CAcUiDialog(IDD_COLORS) {}
+
+ protected:
+  void DoDataExchange(CDataExchange* exchange) override {
+    CAcUiDialog::DoDataExchange(exchange);
+    for (std::size_t i = 0; i < kControls.size(); ++i) DDX_Control(exchange, kControls[i].id, boxes_[i]);
+  }
+
+  BOOL OnInitDialog() override {
+    const BOOL result = CAcUiDialog::OnInitDialog();
+    guarded([this] {
+      const ColorScheme& colors = currentDocData().colors;
+      for (std::size_t i = 0; i < kControls.size(); ++i)
+        boxes_[i].SetCurSel(boxes_[i].AddColorToMRU(colors.*kControls[i].color));
+    });
+    return result;
+  }
+
+  void OnOK() override {
+    guarded([this] {
+      apply();
+      EndDialog(IDOK);
+    });
+  }
+
+  afx_msg void onSaveToFile() {
+    guarded([this] {
+      apply();
+      writeColorSchemeFile(currentDocData().colors);
+    });
+  }
+
+  DECLARE_MESSAGE_MAP()
+
+ private:
+  /// A colour that its box cannot show, from a damaged file or drawing, stays until another one is chosen.
+  void apply() {
+    CDocData& data = currentDocData();
+    for (std::size_t i = 0; i < kControls.size(); ++i) {
+      const int chosen = boxes_[i].GetCurrentItemColorIndex();
+      if (chosen >= 0) data.colors.*kControls[i].color = chosen;
+    }
+    data.colorsChosen = true;
+    applyAreaColors(data.colors);
+  }
+
+  std::array<CAcUiColorComboBox, kControls.size()> boxes_;
+};
+
+BEGIN_MESSAGE_MAP(ColorSettings, CAcUiDialog)
+ON_BN_CLICKED(IDC_SAVE_TO_FILE, &ColorSettings::onSaveToFile)
+END_MESSAGE_MAP()
+
+}  // namespace
+
+void showColorSettings() {
+  const OwnResources resources;
+  ColorSettings dialog;
+  dialog.DoModal();
+}
+
+}  // namespace OrvLib
