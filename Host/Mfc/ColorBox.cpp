@@ -1,13 +1,15 @@
-// The drop-down list of colours, and the dialog that asks for any of the 256.
-#include <algorithm>
+// The drop-down list of colours.
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <vector>
 
-#include "Database/Palette.h"
+#include "Mfc/SelectColor.h"
 #include "acui.h"
-#include "tchar.h"
+
+using host::mfc::askColorIndex;
+using host::mfc::colorIndexOf;
+using host::mfc::fillArea;
+using host::mfc::frameArea;
+using host::mfc::shownColor;
 
 namespace {
 
@@ -16,111 +18,6 @@ constexpr int kByLayer = 256;
 constexpr int kOther = -2;  // the item that asks for a colour
 constexpr const wchar_t* kOtherText = L"Select Color...";
 constexpr const wchar_t* kStandardNames[] = {L"Red", L"Yellow", L"Green", L"Cyan", L"Blue", L"Magenta", L"White"};
-constexpr UINT kIndexEdit = 1001;
-
-/// The colour that an index stands for: "45", by its number.
-int indexOf(std::wstring_view text) {
-  if (text.empty() || text.size() > 3) return -1;
-  int index = 0;
-  for (const wchar_t digit : text) {
-    if (digit < L'0' || digit > L'9') return -1;
-    index = index * 10 + (digit - L'0');
-  }
-  return index;
-}
-
-COLORREF shownColor(int index) {
-  const std::uint32_t rgb = host::database::paletteColor(index);
-  return RGB(static_cast<BYTE>(rgb >> 16), static_cast<BYTE>(rgb >> 8), static_cast<BYTE>(rgb));
-}
-
-void fill(HDC dc, const RECT& area, COLORREF color) {
-  const HBRUSH brush = CreateSolidBrush(color);
-  FillRect(dc, &area, brush);
-  DeleteObject(brush);
-}
-
-void frame(HDC dc, const RECT& area, COLORREF color) {
-  const HBRUSH brush = CreateSolidBrush(color);
-  FrameRect(dc, &area, brush);
-  DeleteObject(brush);
-}
-
-/// A dialog template built in memory.
-class TemplateBuilder {
- public:
-  TemplateBuilder(const wchar_t* title, short width, short height) {
-    word(1).word(0xFFFF).dword(0).dword(0);
-    dword(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_SETFONT | DS_MODALFRAME);
-    countAt_ = bytes_.size();
-    word(0).word(0).word(0).word(static_cast<WORD>(width)).word(static_cast<WORD>(height));
-    word(0).word(0).text(title);
-    word(8).word(400).byte(0).byte(1).text(L"MS Shell Dlg");
-  }
-  TemplateBuilder& control(WORD windowClass, UINT id, DWORD style, const wchar_t* text, const RECT& rect) {
-    while (bytes_.size() % 4 != 0) byte(0);
-    dword(0).dword(0).dword(style | WS_CHILD | WS_VISIBLE);
-    word(static_cast<WORD>(rect.left)).word(static_cast<WORD>(rect.top));
-    word(static_cast<WORD>(rect.right)).word(static_cast<WORD>(rect.bottom));
-    dword(id).word(0xFFFF).word(windowClass);
-    this->text(text).word(0);
-    ++bytes_[countAt_];
-    return *this;
-  }
-  LPCDLGTEMPLATE get() const { return reinterpret_cast<LPCDLGTEMPLATE>(bytes_.data()); }
-
- private:
-  TemplateBuilder& byte(std::uint8_t value) {
-    bytes_.push_back(value);
-    return *this;
-  }
-  TemplateBuilder& word(WORD value) { return byte(static_cast<BYTE>(value)).byte(static_cast<BYTE>(value >> 8)); }
-  TemplateBuilder& dword(DWORD value) { return word(LOWORD(value)).word(HIWORD(value)); }
-  TemplateBuilder& text(const wchar_t* text) {
-    for (; *text != 0; ++text) word(static_cast<WORD>(*text));
-    return word(0);
-  }
-
-  std::vector<std::uint8_t> bytes_;
-  std::size_t countAt_ = 0;
-};
-
-/// Asks for a colour index from 1 to 255.
-class SelectColorDialog : public CDialog {
- public:
-  explicit SelectColorDialog(int index) : index_(index) {
-    constexpr WORD kButton = 0x80;
-    constexpr WORD kEdit = 0x81;
-    constexpr WORD kStatic = 0x82;
-    template_.control(kStatic, 0xFFFF, SS_LEFT, L"Color index, 1 to 255:", {8, 10, 84, 9})
-        .control(kEdit, kIndexEdit, WS_BORDER | WS_TABSTOP | ES_NUMBER | ES_AUTOHSCROLL, L"", {96, 8, 40, 12})
-        .control(kButton, IDOK, BS_DEFPUSHBUTTON | WS_TABSTOP, L"OK", {32, 30, 50, 14})
-        .control(kButton, IDCANCEL, BS_PUSHBUTTON | WS_TABSTOP, L"Cancel", {86, 30, 50, 14});
-    InitModalIndirect(template_.get());
-  }
-  int index() const { return index_; }
-
- protected:
-  BOOL OnInitDialog() override {
-    if (index_ >= 1 && index_ <= 255) SetDlgItemText(kIndexEdit, std::to_wstring(index_).c_str());
-    return CDialog::OnInitDialog();
-  }
-  void OnOK() override {
-    CString text;
-    GetDlgItem(kIndexEdit)->GetWindowText(text);
-    const int index = indexOf(text.Trim().GetString());
-    if (index < 1 || index > 255) {
-      AfxMessageBox(L"Give a color index from 1 to 255.");
-      return;
-    }
-    index_ = index;
-    CDialog::OnOK();
-  }
-
- private:
-  TemplateBuilder template_{L"Select Color", 144, 52};
-  int index_;
-};
 
 }  // namespace
 
@@ -169,7 +66,7 @@ LRESULT CAcUiColorComboBox::WindowProc(UINT message, WPARAM wParam, LPARAM lPara
   // A colour that is asked for by its index and is not in the list yet.
   static const UINT chooseText = RegisterWindowMessageW(L"HostChooseText");
   if (message == chooseText) {
-    const int item = AddColorToMRU(indexOf(reinterpret_cast<LPCWSTR>(lParam)));
+    const int item = AddColorToMRU(colorIndexOf(reinterpret_cast<LPCWSTR>(lParam)));
     if (item < 0) return FALSE;
     SetCurSel(item);
     return TRUE;
@@ -193,9 +90,8 @@ BOOL CAcUiColorComboBox::OnChildNotify(UINT message, WPARAM wParam, LPARAM lPara
 }
 
 void CAcUiColorComboBox::askForColor() {
-  SelectColorDialog dialog(selectedColor_);
-  const bool isChosen = dialog.DoModal() == IDOK;
-  SetCurSel(isChosen ? AddColorToMRU(dialog.index()) : FindItemByColorIndex(selectedColor_));
+  const int chosen = askColorIndex(selectedColor_);
+  SetCurSel(chosen > 0 ? AddColorToMRU(chosen) : FindItemByColorIndex(selectedColor_));
 }
 
 void CAcUiColorComboBox::DrawItem(LPDRAWITEMSTRUCT draw) {
@@ -203,7 +99,7 @@ void CAcUiColorComboBox::DrawItem(LPDRAWITEMSTRUCT draw) {
   constexpr LONG kSwatchWidth = 16;
   const bool isSelected = (draw->itemState & ODS_SELECTED) != 0;
   const bool isDisabled = (draw->itemState & ODS_DISABLED) != 0;
-  fill(draw->hDC, draw->rcItem, GetSysColor(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+  fillArea(draw->hDC, draw->rcItem, GetSysColor(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
   const int item = static_cast<int>(draw->itemID);
   const int index = GetItemColorIndex(item);
   if (index == -1) return;
@@ -211,8 +107,8 @@ void CAcUiColorComboBox::DrawItem(LPDRAWITEMSTRUCT draw) {
   area.left += kMargin;
   if (index >= 1 && index <= 255) {
     const RECT swatch = {area.left, area.top + kMargin, area.left + kSwatchWidth, area.bottom - kMargin};
-    fill(draw->hDC, swatch, shownColor(index));
-    frame(draw->hDC, swatch, RGB(0, 0, 0));
+    fillArea(draw->hDC, swatch, shownColor(index));
+    frameArea(draw->hDC, swatch, RGB(0, 0, 0));
   }
   area.left += kSwatchWidth + 2 * kMargin;
   CString text;

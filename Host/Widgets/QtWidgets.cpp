@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -165,6 +166,10 @@ class LabelWidget : public QLabel {
   LabelWidget(HostWindow& window, QWidget* parent) : QLabel(parent), window_(window) {}
 
  protected:
+  void mousePressEvent(QMouseEvent* event) override {
+    const QPoint place = event->position().toPoint();
+    if (event->button() == Qt::LeftButton) win32::widgetPressed(window_, place.x(), place.y());
+  }
   void paintEvent(QPaintEvent* event) override {
     QLabel::paintEvent(event);
     QPainter painter(this);

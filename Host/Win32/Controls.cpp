@@ -201,6 +201,10 @@ void widgetChosen(HostWindow& list) {
   }
 }
 
+void widgetPressed(HostWindow& window, int x, int y) {
+  SendMessageW(&window, WM_LBUTTONDOWN, 0, MAKELPARAM(static_cast<WORD>(x), static_cast<WORD>(y)));
+}
+
 void widgetDoubleClicked(HostWindow& list) {
   if (list.kind == WindowKind::ListBox && (list.style & LBS_NOTIFY) != 0) notifyParent(list, LBN_DBLCLK);
 }

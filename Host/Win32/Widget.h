@@ -95,6 +95,8 @@ inline constexpr const char* kMakeWidgetSystem = "tolmexMakeWidgetSystem";
 void widgetClicked(HostWindow& button);
 void widgetTextChanged(HostWindow& edit);
 void widgetChosen(HostWindow& list);
+/// The left button went down on a text or a picture; pixels inside it.
+void widgetPressed(HostWindow& window, int x, int y);
 void widgetDoubleClicked(HostWindow& list);
 /// The close box, Esc, Enter on a dialog.
 void widgetClosed(HostWindow& dialog);

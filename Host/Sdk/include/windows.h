@@ -160,6 +160,7 @@ inline constexpr UINT WM_NCDESTROY = 0x0082;
 inline constexpr UINT WM_CHAR = 0x0102;
 inline constexpr UINT WM_INITDIALOG = 0x0110;
 inline constexpr UINT WM_COMMAND = 0x0111;
+inline constexpr UINT WM_LBUTTONDOWN = 0x0201;
 inline constexpr UINT WM_USER = 0x0400;
 inline constexpr UINT WM_APP = 0x8000;
 inline constexpr UINT EM_SETSEL = 0x00B1;
