@@ -12,11 +12,9 @@
 #include "Tolmex/DocData.h"
 #include "Tolmex/Fences.h"
 #include "Tolmex/FirstUse.h"
+#include "Tolmex/VarjoDlg.h"
 
 namespace OrvLib {
-
-void showShadowDialog();
-
 namespace {
 
 /// The host's status-bar meter for as long as it lives.
