@@ -64,13 +64,19 @@ TEST_F(Audit, IllustratedExampleHoldsWhatTheScriptMade) {
   write("expected.json", R"({
     "hatches": [{"layer": "tma_asf", "pattern": "SOLID", "count": 10}, {"layer": "tma_laatta", "pattern": "NET", "count": 7},
                 {"layer": "tma_pensas", "count": 6}, {"layer": "tma_nurmi", "count": 5}, {"layer": "tma_polku", "count": 4},
-                {"layer": "tma_metsa", "count": 2}, {"layer": "tma_sora", "count": 2}],
+                {"layer": "tma_metsa", "count": 2}, {"layer": "tma_sora", "count": 2},
+                {"layer": "tma_katto", "pattern": "SOLID", "count": 8}, {"layer": "tma_katto_aurinko", "count": 3},
+                {"layer": "tma_katto_varjo", "count": 3}, {"layer": "tmv_katto", "pattern": "LINE", "count": 6}],
     "groups": [{"name": "Parkkipaikka0", "count": 11, "description": "Pysäköintialueiden viivat"},
                {"name": "Parkkipaikka1", "count": 11}, {"name": "Parkkipaikka2", "count": 10}],
     "xdata": [{"handle": "290", "application": "kaava_tolmex",
                "values": {"TOLM_VERSION": "1", "ENTITYTYPE": "Pensas", "HEIGHT": "0", "HATCH_HANDLE": ")" +
                              hedge + R"("}},
-              {"handle": "2A0", "application": "kaava_tolmex", "values": {"ENTITYTYPE": "Lauta-aita", "HATCH_HANDLE": "0"}}],
+              {"handle": "2A0", "application": "kaava_tolmex",
+               "values": {"ENTITYTYPE": "Lauta-aita", "HEIGHT": "1.8", "HATCH_HANDLE": "2A0"}},
+              {"handle": "2C0", "application": "ORV_VR",
+               "values": {"_ENTITYTYPE": "building", "nrfloors": "2", "floorheight": "3", "eavesWidth": "0.5",
+                          "baseheight": "0.4", "roofheight": "2.5", "tolm_roofline_handle": "2E0"}}],
     "layers": {"tma_asf": 254, "tma_nurmi": 73, "tma_pensas": 94},
     "order": [[")" + lawn + R"(", ")" +
                              street + R"(", ")" + hedge + R"(", "2D1", "300"], ["240", "2D1"]]

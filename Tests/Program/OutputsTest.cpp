@@ -129,12 +129,15 @@ TEST_F(Outputs, AnEmptyPictureIsRefusedWithBothRectangles) {
 
 TEST_F(Outputs, InfoCountsElementsAndNamesProblems) {
   EXPECT_EQ(call({"info", "plan.dxf"}),
-            (Outcome{0, "plan.dxf: AC1027, 144 entities in model space, 17 layers\nelements\nproblems 0\n", ""}));
+            (Outcome{0,
+                     "plan.dxf: AC1027, 144 entities in model space, 17 layers\nelements\nshadows\n"
+                     "  default settings\nproblems 0\n",
+                     ""}));
   ASSERT_EQ(illustrate({"--out", "a.dxf"}).status, 0);
   const Outcome after = call({"info", "a.dxf"});
   EXPECT_EQ(after.status, 0);
   EXPECT_EQ(after.err, "");
-  EXPECT_THAT(after.out, StartsWith("a.dxf: AC1027, 212 entities in model space, 44 layers\n"
+  EXPECT_THAT(after.out, StartsWith("a.dxf: AC1027, 389 entities in model space, 46 layers\n"
                                     "elements\n"
                                     "  Asfaltti         10, 10 with a fill\n"
                                     "  Nurmialue         5, 5 with a fill\n"
@@ -143,11 +146,15 @@ TEST_F(Outputs, InfoCountsElementsAndNamesProblems) {
                                     "  Polku             4, 4 with a fill\n"
                                     "  Pensas            7, 6 with a fill\n"
                                     "  Metsä             2, 2 with a fill\n"
-                                    "  Lauta-aita        4\n"
-                                    "  Kiviaita          3\n"
+                                    "  Lauta-aita        4, heights 1.8 1.8 1.8 1.8\n"
+                                    "  Kiviaita          3, heights 1.2 1.2 1.2\n"
+                                    "  Harjaviiva        6\n"
                                     "  parking rows      3\n"
-                                    "colours\n"
-                                    "  tma_asf           254\n"));
+                                    "buildings 8\n"
+                                    "  2C0: floors 2 of 3, base 0.4, eaves 0.5, ridge 2E0 at 2.5, colours sun 42 shade "
+                                    "45\n"));
+  EXPECT_THAT(after.out, testing::HasSubstr("shadows\n  direction 40 degrees, length 2.5 per floor, colour 7, scale "
+                                            "0.15, lines\ncolours\n  tma_asf           254\n"));
   EXPECT_THAT(after.out, EndsWith("problems 0\n"));
   // A fill that somebody takes away is missed.
   const std::string text = read("a.dxf");
