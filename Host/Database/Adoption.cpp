@@ -29,6 +29,7 @@ void recode(TagCursor tags, const text::Codec& from, TagWriter& out) {
 
 void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes) {
   DrawingDatabase::Parts& parts = slot.database().parts();
+  if (bytes.find("1001") != std::string_view::npos) slot.flags |= kHasXData;  // or looks as if it had
   parts.setRecord(slot, bytes);
   HostObjectAccess::bind(object, slot);
   Live& live = parts.live(slot);

@@ -71,11 +71,7 @@ Slot* DrawingDatabase::Parts::makeSlot(DxfType type, Slot* owner, std::uint16_t 
   slot->flags = static_cast<std::uint16_t>(flags | kNew);
   slot->handle = nextHandle++;
   byHandle.push_back(slot);  // the newest handle is the highest: the order holds
-  if (inStep) {
-    Live& state = live(*slot);
-    state.journalMark = stepNumber;
-    currentStep.states.push_back({slot, static_cast<std::uint16_t>(slot->flags | kErased), 0, {}});
-  }
+  if (inStep) live(*slot).journalMark = stepNumber;
   ++changes;
   return slot;
 }
@@ -313,7 +309,9 @@ const std::vector<Problem>& DrawingDatabase::problems() const { return parts_->p
 
 void DrawingDatabase::beginUndoStep(std::wstring name) {
   endUndoStep();
-  parts_->currentStep = UndoStep{std::move(name), {}, {}};
+  parts_->currentStep = {};
+  parts_->currentStep.name = std::move(name);
+  parts_->currentStep.madeBegin = parts_->slots.size();
   parts_->inStep = true;
   ++parts_->stepNumber;
 }
@@ -321,6 +319,7 @@ void DrawingDatabase::beginUndoStep(std::wstring name) {
 void DrawingDatabase::endUndoStep() {
   if (!parts_->inStep) return;
   parts_->inStep = false;
+  parts_->currentStep.madeEnd = parts_->slots.size();
   if (parts_->currentStep.isEmpty()) return;
   parts_->undoSteps.push_back(std::move(parts_->currentStep));
   parts_->currentStep = {};
@@ -331,6 +330,12 @@ namespace {
 
 /// Swaps the states of a step with those of the drawing: the step then leads the other way.
 void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
+  // What the step made was not there before it.
+  for (std::size_t i = step.madeBegin; i < step.madeEnd; ++i) {
+    Slot& slot = parts.slots.at(i);
+    step.states.push_back({&slot, static_cast<std::uint16_t>(slot.flags | kErased), 0, {}});
+  }
+  step.madeBegin = step.madeEnd = 0;
   for (SlotState& state : step.states) {
     Slot& slot = *state.slot;
     Live& live = parts.live(slot);

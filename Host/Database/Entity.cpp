@@ -1,4 +1,5 @@
 // What all entities share: layer, colour, linetype, and becoming part of a drawing.
+#include <optional>
 #include <string>
 
 #include "Database/ObjectAccess.h"
@@ -22,13 +23,15 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbCurve, AcDbEntity)
 
 namespace {
 
+constexpr std::string_view kCommon = "AcDbEntity";
+
 /// Where an entity's common values stand: in their own subclass, but anywhere with writers that misplace them.
 std::string_view commonPart(const AcDbObject& entity) {
   Tag tag;
   const bool isMisplaced = HostObjectAccess::slot(entity) != nullptr &&
-                           !HostObjectAccess::findTag(entity, "AcDbEntity", 8, tag) &&
+                           !HostObjectAccess::findTag(entity, kCommon, 8, tag) &&
                            HostObjectAccess::findTag(entity, "", 8, tag);
-  return isMisplaced ? std::string_view() : std::string_view("AcDbEntity");
+  return isMisplaced ? std::string_view() : kCommon;
 }
 
 constexpr std::uint16_t kColorNone = AcCmEntityColor::kACInone;
@@ -46,6 +49,31 @@ std::string nameFor(const AcDbObject& entity, const Slot& record) {
   return HostObjectAccess::codec(entity).encode(record.database().recordName(record));
 }
 
+/// Which of the properties that entities have in common were given to one outside any database.
+struct CommonTags {
+  bool layer = false, linetype = false, weight = false, linetypeScale = false;
+  std::optional<std::int64_t> color;
+};
+
+CommonTags commonTags(const AcDbEntity& entity) {
+  CommonTags has;
+  bool inside = false;
+  Tag tag;
+  for (host::database::TagCursor cursor = HostObjectAccess::tags(entity); cursor.next(tag);) {
+    if (tag.code == 100) {
+      if (inside) break;
+      inside = tag.trimmed() == kCommon;
+    }
+    if (!inside) continue;
+    if (tag.code == 8) has.layer = true;
+    if (tag.code == 6) has.linetype = true;
+    if (tag.code == 62) has.color = tag.integer();
+    if (tag.code == 370) has.weight = true;
+    if (tag.code == 48) has.linetypeScale = true;
+  }
+  return has;
+}
+
 /// Sets a name (tag 8 or 6) on an entity and, when asked, on its vertices.
 void setName(AcDbEntity& entity, int code, const std::string& name, bool doSubents) {
   HostObjectAccess::setTag(entity, commonPart(entity), code, name);
@@ -53,7 +81,7 @@ void setName(AcDbEntity& entity, int code, const std::string& name, bool doSuben
   if (slot == nullptr || !doSubents || slot->type == DxfType::Insert) return;
   DrawingDatabase::Parts& parts = slot->database().parts();
   for (Slot* sub = slot->firstSub; sub != nullptr; sub = sub->nextSub) {
-    if (!sub->isErased()) parts.setTag(*sub, "AcDbEntity", code, name);
+    if (!sub->isErased()) parts.setTag(*sub, kCommon, code, name);
   }
 }
 
@@ -192,28 +220,26 @@ void AcDbEntity::setDatabaseDefaults(AcDbDatabase* db) {
   if (db == nullptr) db = acdbHostApplicationServices()->workingDatabase();
   if (db == nullptr) return;
   const DrawingDatabase& drawing = db->hostDatabase();
-  Tag tag;
   const auto setText = [&](int code, const std::wstring& value) {
     HostObjectAccess::setTag(*this, commonPart(*this), code, HostObjectAccess::codec(*this).encode(value));
   };
-  if (!HostObjectAccess::findTag(*this, commonPart(*this), 8, tag)) {
-    setText(8, drawing.headerText("$CLAYER", 8).value_or(L"0"));
-  }
-  if (!HostObjectAccess::findTag(*this, commonPart(*this), 6, tag)) {
+  const CommonTags has = commonTags(*this);
+  if (!has.layer) setText(8, drawing.headerText("$CLAYER", 8).value_or(L"0"));
+  if (!has.linetype) {
     const std::wstring linetype = drawing.headerText("$CELTYPE", 6).value_or(L"ByLayer");
     if (!host::text::equalFolded(linetype, L"ByLayer")) setText(6, linetype);
   }
-  if (!HostObjectAccess::findTag(*this, commonPart(*this), 62, tag)) {
+  if (!has.color) {
     const std::int64_t color = drawing.headerInteger("$CECOLOR", 62).value_or(kColorByLayer);
     if (color != kColorByLayer) setText(62, std::to_wstring(color));
-  } else if (tag.integer() == kColorByLayer) {
-    HostObjectAccess::removeTag(*this, commonPart(*this), 62);  // by layer is what no tag means from now on
+  } else if (*has.color == kColorByLayer) {
+    HostObjectAccess::removeTag(*this, kCommon, 62);  // by layer is what no tag means from now on
   }
-  if (!HostObjectAccess::findTag(*this, commonPart(*this), 370, tag)) {
+  if (!has.weight) {
     const std::int64_t weight = drawing.headerInteger("$CELWEIGHT", 370).value_or(-1);
     if (weight != -1) setText(370, std::to_wstring(weight));
   }
-  if (!HostObjectAccess::findTag(*this, commonPart(*this), 48, tag)) {
+  if (!has.linetypeScale) {
     const double scale = drawing.headerReal("$CELTSCALE", 40).value_or(1.0);
     if (scale != 1.0 && scale > 0) setText(48, host::text::fromUtf8(host::text::formatReal(scale)));
   }

@@ -96,7 +96,7 @@ Acad::ErrorStatus AcDbGroup::append(AcDbObjectId id) {
   const Acad::ErrorStatus status = acdbOpenAcDbEntity(member, id, AcDb::kForWrite);
   if (status != Acad::eOk) return status;
   const bool isIn = member->hasPersistentReactor(objectId());
-  if (!isIn) member->addPersistentReactor(objectId());
+  if (!isIn) HostObjectAccess::plantReactor(*member, objectId());
   member->close();
   if (isIn) return Acad::eAlreadyInGroup;
   dataToChange<GroupData>(*this)->members.push_back(id.slot()->handle);

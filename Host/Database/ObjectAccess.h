@@ -75,6 +75,9 @@ struct HostObjectAccess {
   static void setTag(AcDbObject& object, std::string_view subclass, int code, std::string_view value);
   static void removeTag(AcDbObject& object, std::string_view subclass, int code);
 
+  /// Adds a persistent reactor that the object, open for write, is known not to have.
+  static void plantReactor(AcDbObject& object, AcDbObjectId reactor);
+
   static ObjectData* data(const AcDbObject& object) { return object.data_; }
   static void setData(const AcDbObject& object, ObjectData* data);  // takes ownership
 };

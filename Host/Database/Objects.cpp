@@ -199,18 +199,18 @@ namespace {
 
 /// The group "102 {name ... 102 }" of a record: its tag numbers, npos when there is none.
 std::pair<std::size_t, std::size_t> controlGroup(const Record& record, bool reactors) {
-  const RecordLayout layout = host::database::layoutOf(record);
+  const RecordLayout layout = host::database::frontOf(record);
   return reactors ? std::pair(layout.reactorsBegin, layout.reactorsEnd)
                   : std::pair(layout.dictionaryBegin, layout.dictionaryEnd);
 }
 
-/// Handles in a control group.
+/// Handles in a control group. Such groups stand in front of the first subclass.
 std::vector<std::uint64_t> handlesIn(TagCursor cursor, std::string_view group) {
   std::vector<std::uint64_t> handles;
   bool inside = false;
   Tag tag;
   while (cursor.next(tag)) {
-    if (tag.code >= 1000) break;
+    if (tag.code >= 1000 || tag.code == 100) break;
     if (tag.code == 102) {
       inside = tag.trimmed() == group;
     } else if (inside && (tag.code == 330 || tag.code == 360)) {
@@ -222,7 +222,7 @@ std::vector<std::uint64_t> handlesIn(TagCursor cursor, std::string_view group) {
 
 /// Where a control group belongs: behind the handle, or in front when there is none.
 std::size_t controlGroupPlace(const Record& record) {
-  const RecordLayout layout = host::database::layoutOf(record);
+  const RecordLayout layout = host::database::frontOf(record);
   return layout.handle != RecordLayout::npos ? layout.handle + 1 : 1;
 }
 
@@ -272,17 +272,21 @@ Acad::ErrorStatus AcDbObject::addPersistentReactor(AcDbObjectId reactor) {
   if (reactor.isNull()) return Acad::eNullObjectId;
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   if (hasPersistentReactor(reactor)) return Acad::eOk;
-  DrawingDatabase& db = slot_->database();
-  Record& record = HostObjectAccess::editRecord(*this);
-  const auto [begin, end] = controlGroup(record, true);
+  HostObjectAccess::plantReactor(*this, reactor);
+  return Acad::eOk;
+}
+
+void HostObjectAccess::plantReactor(AcDbObject& object, AcDbObjectId reactor) {
+  DrawingDatabase& db = object.slot_->database();
+  Record& record = editRecord(object);
+  const RecordLayout front = host::database::frontOf(record);
   const std::string entry = db.tagWriter().handle(330, reactor.slot()->handle).take();
-  if (begin != RecordLayout::npos && end != RecordLayout::npos) {
-    record.replace(end - 1, 0, db.keep(entry));
+  if (front.reactorsBegin != RecordLayout::npos && front.reactorsEnd != RecordLayout::npos) {
+    record.replace(front.reactorsEnd - 1, 0, db.keep(entry));
   } else {
-    record.replace(controlGroupPlace(record), 0,
+    record.replace(front.handle != RecordLayout::npos ? front.handle + 1 : 1, 0,
                    db.keep(db.tagWriter().raw(102, "{ACAD_REACTORS").bytes(entry).raw(102, "}").take()));
   }
-  return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbObject::removePersistentReactor(AcDbObjectId reactor) {

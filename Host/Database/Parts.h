@@ -28,6 +28,8 @@ class SlotPool {
 
   Slot* make();
   std::size_t size() const { return count_; }
+  /// The slots in the order in which they were made.
+  Slot& at(std::size_t index) const { return firstSlot(blocks_[index / kSlotsPerBlock])[index % kSlotsPerBlock]; }
   static DrawingDatabase& databaseOf(const Slot* slot);
 
   template <class Visit>
@@ -115,6 +117,8 @@ struct SlotState {
 struct UndoStep {
   std::wstring name;
   std::vector<SlotState> states;  // before the step (for undo) or after it (for redo)
+  // Slots that the step made, as places in the pool. They join `states` when the step is first undone: most never are.
+  std::size_t madeBegin = 0, madeEnd = 0;
   struct OrderChange {
     Slot* table = nullptr;
     const Slot* entity = nullptr;
@@ -122,7 +126,7 @@ struct UndoStep {
     OrderKey key;
   };
   std::vector<OrderChange> order;
-  bool isEmpty() const { return states.empty() && order.empty(); }
+  bool isEmpty() const { return states.empty() && order.empty() && madeBegin == madeEnd; }
 };
 
 struct NameHash {

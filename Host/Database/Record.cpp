@@ -170,49 +170,59 @@ TagWriter& TagWriter::bytes(std::string_view tags) {
   return *this;
 }
 
-RecordLayout layoutOf(const Record& record) {
-  RecordLayout layout;
+namespace {
+
+enum class Extent { Front, Whole };
+
+RecordLayout layout(const Record& record, Extent extent) {
+  RecordLayout found;
   std::size_t index = 0;
   bool inGroup = false;
   Tag tag;
   for (TagCursor cursor = record.tags(); cursor.next(tag); ++index) {
-    if (tag.code >= 1000 && layout.xdata == RecordLayout::npos) {
-      layout.xdata = index;
+    if (tag.code >= 1000 && found.xdata == RecordLayout::npos) {
+      found.xdata = index;
       inGroup = false;
     }
-    if (layout.xdata != RecordLayout::npos) continue;
+    if (found.xdata != RecordLayout::npos) continue;
     if (tag.code == 102) {
       const std::string_view value = tag.trimmed();
       if (!value.empty() && value.front() == '{') {
         inGroup = true;
-        if (value == "{ACAD_REACTORS" && layout.reactorsBegin == RecordLayout::npos) layout.reactorsBegin = index;
-        if (value == "{ACAD_XDICTIONARY" && layout.dictionaryBegin == RecordLayout::npos)
-          layout.dictionaryBegin = index;
+        if (value == "{ACAD_REACTORS" && found.reactorsBegin == RecordLayout::npos) found.reactorsBegin = index;
+        if (value == "{ACAD_XDICTIONARY" && found.dictionaryBegin == RecordLayout::npos) found.dictionaryBegin = index;
       } else {
         inGroup = false;
-        if (layout.reactorsBegin != RecordLayout::npos && layout.reactorsEnd == RecordLayout::npos) {
-          layout.reactorsEnd = index + 1;
-        } else if (layout.dictionaryBegin != RecordLayout::npos && layout.dictionaryEnd == RecordLayout::npos) {
-          layout.dictionaryEnd = index + 1;
+        if (found.reactorsBegin != RecordLayout::npos && found.reactorsEnd == RecordLayout::npos) {
+          found.reactorsEnd = index + 1;
+        } else if (found.dictionaryBegin != RecordLayout::npos && found.dictionaryEnd == RecordLayout::npos) {
+          found.dictionaryEnd = index + 1;
         }
       }
       continue;
     }
     if (inGroup) continue;
+    if (tag.code == 100 && extent == Extent::Front) break;
     if (tag.code == 100) {
-      if (layout.firstSubclass == RecordLayout::npos) {
-        layout.firstSubclass = index;
-      } else if (layout.secondSubclass == RecordLayout::npos) {
-        layout.secondSubclass = index;
+      if (found.firstSubclass == RecordLayout::npos) {
+        found.firstSubclass = index;
+      } else if (found.secondSubclass == RecordLayout::npos) {
+        found.secondSubclass = index;
       }
-    } else if (layout.firstSubclass == RecordLayout::npos) {
-      if ((tag.code == 5 || tag.code == 105) && layout.handle == RecordLayout::npos) layout.handle = index;
-      if (tag.code == 330 && layout.owner == RecordLayout::npos) layout.owner = index;
+    } else if (found.firstSubclass == RecordLayout::npos) {
+      if ((tag.code == 5 || tag.code == 105) && found.handle == RecordLayout::npos) found.handle = index;
+      if (tag.code == 330 && found.owner == RecordLayout::npos) found.owner = index;
     }
   }
-  layout.end = index;
-  if (layout.xdata == RecordLayout::npos) layout.xdata = index;
-  return layout;
+  found.end = index;
+  if (found.xdata == RecordLayout::npos && extent == Extent::Whole) found.xdata = index;
+  return found;
 }
+
+}  // namespace
+
+RecordLayout layoutOf(const Record& record) { return layout(record, Extent::Whole); }
+
+RecordLayout frontOf(const Record& record) { return layout(record, Extent::Front); }
 
 }  // namespace host::database

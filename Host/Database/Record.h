@@ -108,5 +108,7 @@ struct RecordLayout {
   static constexpr std::size_t npos = static_cast<std::size_t>(-1);
 };
 RecordLayout layoutOf(const Record& record);
+/// The part in front of the first subclass only: handle, groups and owner. The rest stays npos, `end` where it stopped.
+RecordLayout frontOf(const Record& record);
 
 }  // namespace host::database

@@ -92,7 +92,7 @@ enum SlotFlag : std::uint16_t {
   kNew = 8,            // made in this session, not in the file
   kPaper = 16,         // stands in the ENTITIES section for a paper layout (67 1)
   kChanged = 32,       // its record differs from the file
-  kHasXData = 64,      // the record in the file has extended data
+  kHasXData = 64,      // the record may have extended data; without it there is none
   kNeedsHandle = 128,  // the file gives it no handle: one is written as soon as anything is saved
 };
 

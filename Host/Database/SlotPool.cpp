@@ -39,7 +39,7 @@ std::string_view Arena::keep(std::string_view bytes) {
   if (bytes.empty()) return {};
   if (bytes.size() > left_) {
     const std::size_t size = std::max(chunkBytes_, bytes.size());
-    auto chunk = std::make_unique<char[]>(size);
+    auto chunk = std::make_unique_for_overwrite<char[]>(size);
     char* const begin = chunk.get();
     chunks_.push_back(std::move(chunk));
     if (size > bytes.size() || left_ == 0) {

@@ -16,6 +16,7 @@ bool findTagIn(TagCursor cursor, std::string_view subclass, int code, Tag& tag, 
     }
     if (inGroup) continue;
     if (tag.code == 100 && !subclass.empty()) {
+      if (inside) return false;  // a record has each subclass once
       inside = tag.trimmed() == subclass;
       continue;
     }

@@ -217,6 +217,7 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata) {
                                   [&](const ApplicationSpan& span) { return span.name == applications[i].name; });
     if (old == spans.end() && spelled[i].empty()) continue;
     Record& record = HostObjectAccess::editRecord(*this);
+    if (slot_ != nullptr) slot_->flags |= host::database::kHasXData;
     const std::string_view bytes = HostObjectAccess::keep(*this, spelled[i]);
     if (old != spans.end()) {
       record.replace(old->begin, old->end - old->begin, bytes);

@@ -115,13 +115,23 @@ struct SelectionFilter::Node {
   Test test;
   const database::DrawingDatabase* drawing = nullptr;
   // Answers by type, layer and block are the same for thousands of entities.
-  mutable std::unordered_map<std::uintptr_t, bool> known;
+  enum class Known : std::uint8_t { NotYet, No, Yes };
+  mutable std::vector<Known> knownByNumber;
+  mutable std::unordered_map<const Slot*, bool> knownByBlock;
 
+  /// Types and layers are small numbers.
   template <class Ask>
-  bool remembered(std::uintptr_t key, const Ask& ask) const {
-    const auto found = known.find(key);
-    if (found != known.end()) return found->second;
-    return known.emplace(key, ask()).first->second;
+  bool remembered(std::size_t number, const Ask& ask) const {
+    if (number >= knownByNumber.size()) knownByNumber.resize(number + 1, Known::NotYet);
+    Known& known = knownByNumber[number];
+    if (known == Known::NotYet) known = ask() ? Known::Yes : Known::No;
+    return known == Known::Yes;
+  }
+  template <class Ask>
+  bool remembered(const Slot* block, const Ask& ask) const {
+    const auto found = knownByBlock.find(block);
+    if (found != knownByBlock.end()) return found->second;
+    return knownByBlock.emplace(block, ask()).first->second;
   }
 
   bool matchesText(std::wstring_view value) const {
@@ -131,12 +141,11 @@ struct SelectionFilter::Node {
   }
 
   bool isInPaper(const Slot& entity) const {
-    return remembered(reinterpret_cast<std::uintptr_t>(entity.owner),
-                      [&] { return entity.owner != drawing->modelSpace().record; });
+    return remembered(entity.owner, [&] { return entity.owner != drawing->modelSpace().record; });
   }
 
   bool matchesLayout(const Slot& entity) const {
-    return remembered(reinterpret_cast<std::uintptr_t>(entity.owner), [&] {
+    return remembered(entity.owner, [&] {
       for (const auto& [name, block] : drawing->layouts()) {
         if (block != nullptr && block->record == entity.owner) return matchesText(name);
       }
@@ -185,8 +194,7 @@ struct SelectionFilter::Node {
   }
 
   bool hasXData(const Slot& entity) const {
-    const bool asInFile = (entity.flags & (database::kNew | database::kChanged)) == 0;
-    if (asInFile && (entity.flags & database::kHasXData) == 0) return false;
+    if ((entity.flags & database::kHasXData) == 0) return false;
     std::vector<bool> found(test.applications.size());
     std::size_t missing = found.size();
     database::Tag tag;
@@ -222,10 +230,10 @@ struct SelectionFilter::Node {
       case Kind::Not:
         return !children[0]->matches(entity);
       case Kind::Type:
-        return remembered(static_cast<std::uintptr_t>(entity.type),
+        return remembered(static_cast<std::size_t>(entity.type),
                           [&] { return matchesText(text::fromUtf8(drawing->typeName(entity))); });
       case Kind::Layer:
-        return remembered(entity.layer, [&] { return matchesText(drawing->layerName(entity.layer)); });
+        return remembered(std::size_t{entity.layer}, [&] { return matchesText(drawing->layerName(entity.layer)); });
       case Kind::Space:
         return compareInteger(isInPaper(entity) ? 1 : 0, test.relation, test.integer);
       case Kind::Layout:

@@ -103,7 +103,10 @@ double sizeOf(const Polygon& polygon) {
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbHatch, AcDbEntity)
 
-AcDbHatch::AcDbHatch() { HostObjectAccess::initDetached(*this, "HATCH", true, emptyHatch()); }
+AcDbHatch::AcDbHatch() {
+  HostObjectAccess::initDetached(*this, "HATCH", true, emptyHatch());
+  if (detached_ != nullptr) HostObjectAccess::setData(*this, new HatchData);  // the same as reading the empty record
+}
 
 AcGeVector3d AcDbHatch::normal() const { return dataOf(*this).content.normal; }
 
