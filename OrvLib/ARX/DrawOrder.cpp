@@ -1,7 +1,9 @@
 #include "OrvLib/ARX/DrawOrder.h"
 
+#include <algorithm>
 #include <memory>
 
+#include "OrvLib/ARX/Layers.h"
 #include "OrvLib/ARX/Selection.h"
 
 namespace OrvLib {
@@ -67,12 +69,21 @@ bool DrawOrder::move(AcDbObjectId id, Move moveIn) {
   return table_ && (table_.get()->*moveIn)(one) == Acad::eOk;
 }
 
-bool bringLayerToTop(const ACHAR* layer) {
-  DrawOrder order;
-  for (const AcDbObjectId id : selectLayer(layer)) {
-    if (!order.moveToTop(id)) return false;
+void bringLayersToTop(const std::vector<const ACHAR*>& layers) {
+  std::vector<AcDbObjectId> layerIds(layers.size());
+  std::transform(layers.begin(), layers.end(), layerIds.begin(), [](const ACHAR* name) { return findLayer(name); });
+  std::vector<std::vector<AcDbObjectId>> entities(layers.size());
+  for (const AcDbObjectId id : selectLayers(layers)) {
+    const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+    if (!entity) continue;
+    const auto layer = std::find(layerIds.begin(), layerIds.end(), entity->layerId());
+    if (layer != layerIds.end()) entities[static_cast<std::size_t>(layer - layerIds.begin())].push_back(id);
   }
-  return true;
+  DrawOrder order;
+  for (const std::vector<AcDbObjectId>& onLayer : entities) {
+    static_cast<void>(
+        std::all_of(onLayer.begin(), onLayer.end(), [&](AcDbObjectId id) { return order.moveToTop(id); }));
+  }
 }
 
 void regenerate() { ads_regen(); }

@@ -1,6 +1,8 @@
 // Which entity is drawn above which.
 #pragma once
 
+#include <vector>
+
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/Opened.h"
 
@@ -32,9 +34,9 @@ class DrawOrder {
   bool honored_ = false;
 };
 
-/// Moves every entity on the layer to the top, one by one in the host's selection order; stops at the first that cannot
-/// be moved and answers false.
-bool bringLayerToTop(const ACHAR* layer);
+/// Moves every entity on the layers to the top, layer after layer, the entities of one in the host's selection order;
+/// goes on with the next layer at the first entity that cannot be moved. One walk through the drawing serves all.
+void bringLayersToTop(const std::vector<const ACHAR*>& layers);
 
 /// Shows the drawing anew.
 void regenerate();

@@ -83,6 +83,11 @@ AcDbObjectId layerMadeIfMissing(const ACHAR* name, AcDbDatabase* database) {
   return layer->objectId();
 }
 
+AcDbObjectId findLayer(const ACHAR* name, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  return db != nullptr ? recordId<AcDbLayerTable>(*db, name) : AcDbObjectId();
+}
+
 std::optional<int> layerColor(const ACHAR* name, AcDbDatabase* database) {
   AcDbDatabase* const db = orWorkingDatabase(database);
   if (db == nullptr) return std::nullopt;

@@ -20,6 +20,9 @@ EnsuredLayer ensureLayer(const ACHAR* name, int colorIndex, const ACHAR* linetyp
 /// one is left as it is. Null id on failure. Throws as ensureLayer.
 AcDbObjectId layerMadeIfMissing(const ACHAR* name, AcDbDatabase* db = nullptr);
 
+/// The layer's id; null when it is missing.
+AcDbObjectId findLayer(const ACHAR* name, AcDbDatabase* db = nullptr);
+
 /// Colour index of the layer (of a true colour the nearest one); nothing when the layer is missing.
 std::optional<int> layerColor(const ACHAR* name, AcDbDatabase* db = nullptr);
 

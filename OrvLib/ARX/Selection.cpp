@@ -82,9 +82,7 @@ std::vector<AcDbObjectId> selectTaggedPolylines(const ACHAR* application) {
   return polylinesOf(SelectionSet(L"X", filter.get()).ids());
 }
 
-std::vector<AcDbObjectId> selectLayer(const ACHAR* layer) { return selectLayers({layer}); }
-
-std::vector<AcDbObjectId> selectLayers(std::initializer_list<const ACHAR*> layers) {
+std::vector<AcDbObjectId> selectLayers(const std::vector<const ACHAR*>& layers) {
   std::wstring pattern;
   for (const ACHAR* const layer : layers) pattern += (pattern.empty() ? L"" : L",") + literalPattern(layer);
   ResbufChain filter;

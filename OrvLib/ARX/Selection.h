@@ -1,7 +1,6 @@
 // Choosing entities.
 #pragma once
 
-#include <initializer_list>
 #include <vector>
 
 #include "OrvLib/ARX/HostInterface.h"
@@ -21,10 +20,8 @@ std::vector<AcDbObjectId> selectAllPolylines();
 /// The same, keeping those with extended data of the application: a drawing has many polylines that nobody tagged.
 std::vector<AcDbObjectId> selectTaggedPolylines(const ACHAR* application);
 
-/// Every entity of the drawing on the layer, paper layouts included.
-std::vector<AcDbObjectId> selectLayer(const ACHAR* layer);
-/// Every entity on one of the layers, in one walk through the drawing.
-std::vector<AcDbObjectId> selectLayers(std::initializer_list<const ACHAR*> layers);
+/// Every entity of the drawing on one of the layers, paper layouts included.
+std::vector<AcDbObjectId> selectLayers(const std::vector<const ACHAR*>& layers);
 
 /// Whether the object is a lightweight, 2D or 3D polyline; known without opening it.
 bool isPolyline(AcDbObjectId id);

@@ -78,7 +78,7 @@ void collectBuildings(CDocData& data) {
   data.buildings.clear();
   for (const AcDbObjectId id : selectTaggedPolylines(kBuildingApplication)) {
     Opened<AcDbEntity> entity(id, AcDb::kForRead);
-    if (!entity || !isBuilding(*entity)) continue;
+    if (!entity) continue;
     Building building(std::move(entity));
     if (building.valid) data.buildings.push_back(std::move(building));
   }

@@ -7,10 +7,8 @@ namespace OrvLib {
 
 void finishDisplay() {
   // Bottom first.
-  for (const ACHAR* const layer : {layers::kShadow, layers::kRoofFillShadow, layers::kRoofFill, layers::kRoofFillSun,
-                                   layers::kRoof, layers::kBuilding, layers::kRidgeLine}) {
-    bringLayerToTop(layer);
-  }
+  bringLayersToTop({layers::kShadow, layers::kRoofFillShadow, layers::kRoofFill, layers::kRoofFillSun, layers::kRoof,
+                    layers::kBuilding, layers::kRidgeLine});
   regenerate();
 }
 
