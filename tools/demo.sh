@@ -4,6 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/install-deps.sh
+tools/install-dwg-reader.sh || echo "Going on without DWG drawings."
 [ -f build/release/build.ninja ] || cmake --preset release -DTOLMEX_BUILD_TESTS=OFF -DTOLMEX_BUILD_BENCHMARKS=OFF >/dev/null
 cmake --build --preset release --target tolmex
 

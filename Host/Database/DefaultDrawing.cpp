@@ -8,9 +8,16 @@ namespace host::database {
 
 namespace {
 
-TextReader& textReader() {
-  static TextReader reader = nullptr;
-  return reader;
+/// What other modules gave; a function's own, since they do it before main in any order.
+struct Readers {
+  TextReader text = nullptr;
+  FileReader file = nullptr;
+  DwgConverter dwg = nullptr;
+};
+
+Readers& readers() {
+  static Readers all;
+  return all;
 }
 
 // Handles of the objects that others of the empty drawing name.
@@ -202,9 +209,23 @@ void writeObjects(Text& out) {
 }  // namespace
 
 bool setTextReader(TextReader reader) {
-  textReader() = reader;
+  readers().text = reader;
   return true;
 }
+
+bool setFileReader(FileReader reader) {
+  readers().file = reader;
+  return true;
+}
+
+FileReader fileReader() { return readers().file; }
+
+bool setDwgConverter(DwgConverter converter) {
+  readers().dwg = converter;
+  return true;
+}
+
+DwgConverter dwgConverter() { return readers().dwg; }
 
 std::string defaultDrawingText() {
   const text::Codec codec;
@@ -231,7 +252,7 @@ std::string defaultDrawingText() {
 }
 
 void buildDefaultDrawing(DrawingDatabase& db) {
-  if (textReader() != nullptr) textReader()(db, defaultDrawingText());
+  if (readers().text != nullptr) readers().text(db, defaultDrawingText());
 }
 
 }  // namespace host::database

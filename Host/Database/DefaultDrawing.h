@@ -1,7 +1,9 @@
 // The drawing that a new database starts from.
 #pragma once
 
+#include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "Database/DrawingDatabase.h"
 
@@ -11,6 +13,22 @@ namespace host::database {
 /// not know how files are read.
 using TextReader = bool (*)(DrawingDatabase& db, std::string text);
 bool setTextReader(TextReader reader);
+
+/// The same for a drawing file. `message` is a sentence naming the file when the answer is false.
+using FileReader = bool (*)(DrawingDatabase& db, const std::filesystem::path& file, std::string& message);
+bool setFileReader(FileReader reader);
+FileReader fileReader();
+
+/// DXF text made of a DWG drawing, or a sentence in UTF-8 that names the file.
+struct ConvertedDrawing {
+  bool ok = false;
+  std::string text;
+  std::string message;
+};
+/// Turns the bytes of a DWG drawing into DXF text; `name` is what messages call it. Given by the DWG module.
+using DwgConverter = ConvertedDrawing (*)(std::string_view bytes, const std::string& name);
+bool setDwgConverter(DwgConverter converter);
+DwgConverter dwgConverter();
 
 /// The text of an empty metric drawing AC1027: standard tables, dictionaries and layouts.
 std::string defaultDrawingText();

@@ -16,10 +16,13 @@ struct FileResult {
   std::string message;
 };
 
-/// Reads an ASCII drawing AC1015 to AC1032 into an empty database. On failure the database stays empty.
+/// Reads an ASCII drawing AC1015 to AC1032, or a DWG drawing AC1014 to AC1032, into an empty database; its first bytes
+/// tell which, whatever the file's name. On failure the database stays empty.
 FileResult readDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
 /// The same from text already in memory; `name` is what messages call it.
 FileResult readDrawingText(database::DrawingDatabase& db, std::string text, const std::string& name);
+/// Whether a file begins as DWG drawings do.
+bool isDwg(std::string_view bytes);
 /// The drawing as it would be saved.
 std::string drawingText(database::DrawingDatabase& db);
 /// Writes to a temporary file beside the target, flushes it and renames it over the target; a failure leaves the old

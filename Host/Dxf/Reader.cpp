@@ -60,9 +60,6 @@ class Reader {
     if (text.substr(0, 22) == "AutoCAD Binary DXF\r\n\x1a" || text.substr(0, 18) == "AutoCAD Binary DXF") {
       throw ReadError{name_ + ": binary DXF cannot be read yet; save the drawing as ASCII DXF"};
     }
-    if (text.size() >= 6 && text.substr(0, 4) == "AC10" && text.find('\0') != std::string_view::npos) {
-      throw ReadError{name_ + ": this is a DWG file; only DXF drawings can be read yet"};
-    }
     if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) throw ReadError{name_ + ": the file is empty"};
   }
 
@@ -544,8 +541,20 @@ class Reader {
 
 }  // namespace
 
+bool isDwg(std::string_view bytes) {
+  return bytes.size() >= 6 && bytes.substr(0, 2) == "AC" &&
+         std::all_of(bytes.begin() + 2, bytes.begin() + 6, [](char c) { return c >= '0' && c <= '9'; });
+}
+
 FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::string& name) {
   try {
+    if (isDwg(text)) {
+      const database::DwgConverter convert = database::dwgConverter();
+      if (convert == nullptr) return {false, name + ": this is a DWG drawing, and this program has no reader for them"};
+      database::ConvertedDrawing converted = convert(text, name);
+      if (!converted.ok) return {false, std::move(converted.message)};
+      text = std::move(converted.text);
+    }
     Reader(db, name).read(std::move(text));
     return {};
   } catch (const ReadError& error) {
@@ -576,6 +585,12 @@ FileResult readDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
 namespace {
 [[maybe_unused]] const bool textReaderGiven = database::setTextReader(
     [](DrawingDatabase& db, std::string text) { return readDrawingText(db, std::move(text), "empty drawing").ok; });
-}
+[[maybe_unused]] const bool fileReaderGiven =
+    database::setFileReader([](DrawingDatabase& db, const std::filesystem::path& file, std::string& message) {
+      FileResult result = readDrawing(db, file);
+      message = std::move(result.message);
+      return result.ok;
+    });
+}  // namespace
 
 }  // namespace host::dxf

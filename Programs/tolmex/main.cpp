@@ -19,7 +19,7 @@ constexpr const char* kFooter =
     "4 an output could not be written.";
 
 void addCommon(CLI::App& call, tolmex::CommonOptions& options) {
-  call.add_option("PLAN", options.drawing, "the drawing, a DXF file")->required()->type_name("FILE");
+  call.add_option("PLAN", options.drawing, "the drawing, a DXF or DWG file")->required()->type_name("FILE");
 }
 
 void addSupport(CLI::App& call, tolmex::CommonOptions& options) {

@@ -1,0 +1,89 @@
+#include "Dwg/DwgReader.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <mutex>
+
+namespace host::dwg {
+
+namespace {
+
+constexpr std::string_view kVersions[] = {"AC1014", "AC1015", "AC1018", "AC1021", "AC1024", "AC1027", "AC1032"};
+constexpr std::string_view kWhatToInstall =
+    "DWG drawings need Node.js and a package for it; run tools/install-dwg-reader.sh, or save the drawing as DXF";
+
+std::filesystem::path readerFolder() {
+  if (const char* const given = std::getenv("TOLMEX_DWG_READER"); given != nullptr && *given != '\0') return given;
+  Dl_info info{};
+  const void* const here = reinterpret_cast<const void*>(&readerFolder);
+  if (dladdr(here, &info) == 0 || info.dli_fname == nullptr) return {};
+  return std::filesystem::path(info.dli_fname).parent_path() / "dwg-reader";
+}
+
+/// Drawings of version AC1014 differ from AC1015 in what they lack, and readers get along without that.
+void raiseVersion(std::string& text) {
+  const std::size_t variable = text.find("$ACADVER");
+  if (variable == std::string::npos) return;
+  constexpr std::size_t kNear = 20;  // the group code and the line ends between
+  const std::size_t value = text.find("AC1014", variable);
+  if (value != std::string::npos && value - variable < kNear) text.replace(value, 6, "AC1015");
+}
+
+}  // namespace
+
+ReaderSettings defaultSettings() {
+  ReaderSettings settings;
+  settings.script = readerFolder() / "reader.mjs";
+  return settings;
+}
+
+database::ConvertedDrawing convert(ReaderProcess& reader, std::string_view bytes, const std::string& name) {
+  using Outcome = ReaderProcess::Outcome;
+  const std::string_view version = bytes.substr(0, 6);
+  if (std::find(std::begin(kVersions), std::end(kVersions), version) == std::end(kVersions)) {
+    return {false,
+            {},
+            name + ": DWG version " + std::string(version) +
+                " cannot be read; only versions AC1014 (R14) to AC1032 (2018) can"};
+  }
+  database::ConvertedDrawing result;
+  const auto fail = [&](std::string_view what) {
+    result.text.clear();
+    result.message = name + ": " + std::string(what);
+    return std::move(result);
+  };
+  switch (reader.convert(bytes, result.text)) {
+    case Outcome::Ok:
+      if (version == "AC1014") raiseVersion(result.text);
+      result.ok = true;
+      return result;
+    case Outcome::Damaged:
+      return fail("the DWG drawing is damaged or of a kind that cannot be read (" + result.text.substr(0, 80) + ")");
+    case Outcome::TooSlow:
+      return fail("reading the DWG drawing took too long; save it as DXF");
+    case Outcome::Crashed:
+      return fail("the DWG reader broke down on this drawing; save it as DXF");
+    case Outcome::ReaderMissing:
+    case Outcome::ProgramMissing:
+      break;
+  }
+  return fail(kWhatToInstall);
+}
+
+namespace {
+
+database::ConvertedDrawing convertOnce(std::string_view bytes, const std::string& name) {
+  static std::mutex oneAtATime;
+  static ReaderProcess reader(defaultSettings());
+  const std::lock_guard lock(oneAtATime);
+  return convert(reader, bytes, name);
+}
+
+[[maybe_unused]] const bool converterGiven = database::setDwgConverter(convertOnce);
+
+}  // namespace
+
+}  // namespace host::dwg
