@@ -140,7 +140,8 @@ bool isHardOwner(const Record& record) {
   return false;
 }
 
-/// Adds an entry to the dictionary's record and contents.
+}  // namespace
+
 void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::wstring& key, Slot& object) {
   DictionaryContents& contents = parts.dictionary(dictionarySlot);
   Record& record = parts.edit(dictionarySlot);
@@ -164,8 +165,6 @@ void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::ws
   }
   contents.add(key, &object);
 }
-
-}  // namespace
 
 Slot* DrawingDatabase::Parts::dictionaryIn(Slot& parent, std::wstring_view key) {
   DictionaryContents& contents = dictionary(parent);

@@ -1,7 +1,9 @@
 // The database as plug-ins see it.
 #include <algorithm>
+#include <filesystem>
 
 #include "Database/DefaultDrawing.h"
+#include "Database/Insertion.h"
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
 #include "Text/Text.h"
@@ -24,6 +26,37 @@ AcDbDatabase::~AcDbDatabase() {
   AcDbHostApplicationServices* const services = acdbHostApplicationServices();
   if (services != nullptr && services->workingDatabase() == this) services->setWorkingDatabase(nullptr);
   delete impl_;
+}
+
+Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* file, OpenMode, bool, const wchar_t*) {
+  if (file == nullptr || *file == 0) return Acad::eInvalidInput;
+  if (impl_->slotCount() != 0) return Acad::eInvalidInput;
+  const host::database::FileReader read = host::database::fileReader();
+  if (read == nullptr) return Acad::eNotAcadFile;
+  const std::filesystem::path path = host::text::toUtf8(file);
+  std::error_code error;
+  if (!std::filesystem::exists(path, error)) return Acad::eFileNotFound;
+  std::string message;
+  if (read(*impl_, path, message)) return Acad::eOk;
+  impl_->parts().problems.push_back({0, 0, message});
+  return Acad::eNotAcadFile;
+}
+
+Acad::ErrorStatus AcDbDatabase::closeInput(bool) { return Acad::eOk; }
+
+Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& blockId, const ACHAR* name, AcDbDatabase* source, bool) {
+  if (name == nullptr || source == nullptr) return Acad::eInvalidInput;
+  const DrawingDatabase& from = source->hostDatabase();
+  if (from.parts().modelSpaceRecord == nullptr) return Acad::eInvalidInput;
+  return host::database::insertBlock(*impl_, name, *source->impl_, *from.parts().modelSpaceRecord, blockId);
+}
+
+Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& blockId, const ACHAR* sourceBlock, const ACHAR* name,
+                                       AcDbDatabase* source, bool) {
+  if (sourceBlock == nullptr || name == nullptr || source == nullptr) return Acad::eInvalidInput;
+  const Slot* const record = source->impl_->findRecord(DxfType::BlockRecord, sourceBlock);
+  if (record == nullptr) return Acad::eKeyNotFound;
+  return host::database::insertBlock(*impl_, name, *source->impl_, *record, blockId);
 }
 
 namespace {

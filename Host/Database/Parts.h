@@ -246,6 +246,8 @@ bool findTagIn(TagCursor cursor, std::string_view subclass, int code, Tag& tag, 
 void setTagIn(Record& record, std::string_view subclass, int code, std::string_view bytes);
 void removeTagIn(Record& record, std::string_view subclass, int code);
 
+/// Adds an entry to a dictionary and its record.
+void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::wstring& key, Slot& object);
 /// Fixed DXF names of types ("LWPOLYLINE"); empty from FirstOther on.
 std::string_view fixedTypeName(DxfType type);
 bool isTableRecord(DxfType type);

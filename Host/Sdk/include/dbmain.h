@@ -193,6 +193,28 @@ class ADESK_EXPORT AcDbDatabase : public AcRxObject {
   explicit AcDbDatabase(bool buildDefaultDrawing = true, bool noDocument = false);
   ~AcDbDatabase() override;
 
+  enum OpenMode {
+    kForReadAndReadShare = 1,
+    kForReadAndWriteNoShare = 2,
+    kForReadAndAllShare = 3,
+    kTryForReadShare = 4
+  };
+  /// Reads a drawing, DXF or DWG, into an empty database; always as a whole, so that sharing modes mean nothing and
+  /// nothing stays open. eFileNotFound; eInvalidInput when the database is not empty; eNotAcadFile when the file cannot
+  /// be read, the reason being a problem of the database.
+  Acad::ErrorStatus readDwgFile(const ACHAR* file, OpenMode mode = kForReadAndReadShare, bool allowCPConversion = false,
+                                const wchar_t* password = nullptr);
+  Acad::ErrorStatus closeInput(bool closeFile);
+
+  /// Makes a block of the source's model space, with every layer, linetype, style, application and nested block it
+  /// uses; names that this drawing has keep this drawing's meaning. A block of the name is redefined: its old contents
+  /// go. Objects are always copied, whatever `preserveSource`. eInvalidInput for a name no block can have;
+  /// eSelfReference when the source holds a block of the name, or the block would contain itself.
+  Acad::ErrorStatus insert(AcDbObjectId& blockId, const ACHAR* name, AcDbDatabase* source, bool preserveSource = true);
+  /// The same from a named block of the source. eKeyNotFound when it has none of the name.
+  Acad::ErrorStatus insert(AcDbObjectId& blockId, const ACHAR* sourceBlock, const ACHAR* name, AcDbDatabase* source,
+                           bool preserveSource = true);
+
   Acad::ErrorStatus getLayerTable(AcDbLayerTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
   Acad::ErrorStatus getLinetypeTable(AcDbLinetypeTable*& table, AcDb::OpenMode mode = AcDb::kForRead);
   Acad::ErrorStatus getRegAppTable(AcDbRegAppTable*& table, AcDb::OpenMode mode = AcDb::kForRead);

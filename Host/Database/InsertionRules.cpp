@@ -1,0 +1,114 @@
+// What tags mean to one that copies records between drawings: names, handles, and which versions know them.
+#include "Database/Insertion.h"
+
+namespace host::database {
+
+namespace {
+
+struct EntityRule {
+  std::string_view typeName;
+  DrawingVersion since;
+};
+/// Entities that came with a later version than 2000.
+constexpr EntityRule kEntities[] = {
+    {"ACAD_TABLE", DrawingVersion::V2004},
+    {"ARC_DIMENSION", DrawingVersion::V2004},
+    {"LARGE_RADIAL_DIMENSION", DrawingVersion::V2004},
+    {"MULTILEADER", DrawingVersion::V2007},
+    {"HELIX", DrawingVersion::V2007},
+    {"LIGHT", DrawingVersion::V2007},
+    {"SURFACE", DrawingVersion::V2007},
+    {"PLANESURFACE", DrawingVersion::V2007},
+    {"EXTRUDEDSURFACE", DrawingVersion::V2007},
+    {"REVOLVEDSURFACE", DrawingVersion::V2007},
+    {"LOFTEDSURFACE", DrawingVersion::V2007},
+    {"SWEPTSURFACE", DrawingVersion::V2007},
+    {"SECTION", DrawingVersion::V2007},
+    {"MESH", DrawingVersion::V2010},
+    {"GEOPOSITIONMARKER", DrawingVersion::V2013},
+};
+
+constexpr std::string_view kModelled[] = {
+    "3DSOLID",         "BODY",          "REGION",          "SURFACE",     "PLANESURFACE",
+    "EXTRUDEDSURFACE", "LOFTEDSURFACE", "REVOLVEDSURFACE", "SWEPTSURFACE"};
+
+struct TagRule {
+  DxfType type;  // Unknown: every type
+  std::string_view subclass;
+  int first, last;
+  DrawingVersion since;
+};
+constexpr TagRule kTags[] = {
+    {DxfType::Unknown, "AcDbEntity", 420, 449, DrawingVersion::V2004},  // true colour, its name, transparency
+    {DxfType::Unknown, "AcDbEntity", 284, 284, DrawingVersion::V2007},  // shadow mode
+    {DxfType::Unknown, "AcDbEntity", 347, 348, DrawingVersion::V2007},  // material, visual style
+    {DxfType::Layer, "AcDbLayerTableRecord", 420, 449, DrawingVersion::V2004},
+    {DxfType::Layer, "AcDbLayerTableRecord", 347, 348, DrawingVersion::V2007},
+    {DxfType::Hatch, "AcDbHatch", 450, 470, DrawingVersion::V2004},  // gradients
+    {DxfType::Hatch, "AcDbHatch", 63, 63, DrawingVersion::V2004},
+    {DxfType::MText, "AcDbMText", 45, 45, DrawingVersion::V2004},  // background
+    {DxfType::MText, "AcDbMText", 63, 63, DrawingVersion::V2004},
+    {DxfType::MText, "AcDbMText", 90, 90, DrawingVersion::V2004},
+    {DxfType::MText, "AcDbMText", 420, 449, DrawingVersion::V2004},
+    {DxfType::Dimension, "AcDbDimension", 280, 280, DrawingVersion::V2010},
+    {DxfType::Attrib, "AcDbAttribute", 280, 280, DrawingVersion::V2007},
+    {DxfType::AttDef, "AcDbAttributeDefinition", 280, 280, DrawingVersion::V2007},
+};
+
+}  // namespace
+
+std::string_view cannotCarry(std::string_view typeName, DrawingVersion from, DrawingVersion to) {
+  if (typeName == "ACAD_PROXY_ENTITY") return "a proxy belongs to its own drawing";
+  if (typeName == "VIEWPORT") return "a viewport belongs to a layout";
+  if (typeName == "OLE2FRAME" || typeName == "OLEFRAME") return "an embedded document belongs to its own drawing";
+  for (const std::string_view modelled : kModelled) {
+    // From 2013 on the modeller's data are binary and stand in a section of their own.
+    const bool differs = from >= DrawingVersion::V2013 || to >= DrawingVersion::V2013;
+    if (typeName == modelled && differs) return "its solid model cannot be carried over";
+  }
+  for (const EntityRule& rule : kEntities) {
+    if (rule.typeName == typeName && to < rule.since) return "the drawing's version does not have it";
+  }
+  return {};
+}
+
+bool isKnownTag(DxfType type, std::string_view subclass, int code, DrawingVersion version) {
+  for (const TagRule& rule : kTags) {
+    if (version >= rule.since || code < rule.first || code > rule.last) continue;
+    if ((rule.type == DxfType::Unknown || rule.type == type) && rule.subclass == subclass) return false;
+  }
+  return true;
+}
+
+DxfType namedBy(DxfType recordType, std::string_view subclass, int code) {
+  if (code == 1001) return DxfType::AppId;
+  if (code == 1003) return DxfType::Layer;
+  if (code > 1000) return DxfType::Unknown;
+  if (subclass == "AcDbEntity" || subclass == "AcDbLayerTableRecord") {
+    if (code == 6) return DxfType::LineType;
+    return code == 8 ? DxfType::Layer : DxfType::Unknown;
+  }
+  switch (recordType) {
+    case DxfType::Text:
+    case DxfType::MText:
+    case DxfType::Attrib:
+    case DxfType::AttDef:
+      return code == 7 ? DxfType::TextStyle : DxfType::Unknown;
+    case DxfType::Dimension:
+      if (subclass != "AcDbDimension") return DxfType::Unknown;
+      return code == 2 ? DxfType::BlockRecord : code == 3 ? DxfType::DimStyle : DxfType::Unknown;
+    case DxfType::Leader:
+    case DxfType::Tolerance:
+      return code == 3 ? DxfType::DimStyle : DxfType::Unknown;
+    case DxfType::Insert:
+      return code == 2 && subclass != "AcDbEntity" ? DxfType::BlockRecord : DxfType::Unknown;
+    default:
+      return DxfType::Unknown;
+  }
+}
+
+bool holdsHandle(int code) {
+  return (code >= 330 && code <= 369) || (code >= 390 && code <= 399) || code == 480 || code == 481 || code == 1005;
+}
+
+}  // namespace host::database
