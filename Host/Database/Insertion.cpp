@@ -411,7 +411,8 @@ class Inserter {
         body.handle(tag.code, target != nullptr ? target->handle : 0);
       }
     } else if (valueKind(tag.code) == ValueKind::Text) {
-      const bool isPlain = std::none_of(tag.value.begin(), tag.value.end(), [](char c) { return c < 0; });
+      const bool isPlain = std::none_of(tag.value.begin(), tag.value.end(), [](char c) { return c < 0; }) &&
+                           tag.value.find("\\U+") == std::string_view::npos;
       if (isPlain) {
         body.raw(tag.code, tag.value);
       } else {
