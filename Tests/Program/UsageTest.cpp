@@ -85,7 +85,6 @@ TEST_F(Usage, UnreadableDrawingsAreNamed) {
       {"cut.dxf", "cut.dxf:5489: the file ends inside entities"},
       {"old.dxf", "old.dxf: drawing version AC1009; only versions AC1015 (2000) to AC1032 (2018) can be read yet"},
       {"binary.dxf", "binary.dxf: binary DXF cannot be read yet; save the drawing as ASCII DXF"},
-      {"plan.dwg", "plan.dwg: this is a DWG file; only DXF drawings can be read yet"},
   };
   for (const auto& [file, sentence] : cases) {
     const Outcome expected{2, "", "tolmex: " + sentence + "\n"};
@@ -96,6 +95,10 @@ TEST_F(Usage, UnreadableDrawingsAreNamed) {
   const Outcome letter = call({"info", "letter.dxf"});
   EXPECT_EQ(letter.status, 2);
   EXPECT_THAT(letter.err, StartsWith("tolmex: letter.dxf:1: "));
+  // Damaged, or nothing here to read it with: one sentence either way.
+  const Outcome dwg = call({"info", "plan.dwg"});
+  EXPECT_EQ(dwg.status, 2);
+  EXPECT_THAT(dwg.err, testing::MatchesRegex("tolmex: plan.dwg: [^\n]*DWG[^\n]*\n"));
   EXPECT_FALSE(fs::exists(folder / "a.png") || fs::exists(folder / "a.dxf"));
 }
 
