@@ -12,20 +12,27 @@ namespace host::dxf {
 
 namespace {
 
-/// A temporary file beside its target; removed unless it took the target's place.
+/// A temporary file beside its target; removed unless it took the target's place. Where the file system allows it has
+/// no name until it is complete, so that not even a killed program leaves anything behind.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::filesystem::path& target)
-      : target_(target), path_((target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string()) {
-    descriptor_ = ::mkstemp(path_.data());
+      : target_(target), folder_(target.has_parent_path() ? target.parent_path() : ".") {
+    // Its later name is given through /proc, which some sandboxes lack.
+    if (::access("/proc/self/fd", X_OK) == 0) {
+      descriptor_ = ::open(folder_.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    }
+    if (descriptor_ < 0) {
+      std::string name = (folder_ / ".tolmex-XXXXXX").string();
+      descriptor_ = ::mkostemp(name.data(), O_CLOEXEC);
+      if (descriptor_ >= 0) name_ = name;
+    }
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
-    if (descriptor_ >= 0) {
-      ::close(descriptor_);
-      ::unlink(path_.c_str());
-    }
+    if (descriptor_ >= 0) ::close(descriptor_);
+    if (!name_.empty()) ::unlink(name_.c_str());
   }
 
   bool isOpen() const { return descriptor_ >= 0; }
@@ -48,20 +55,29 @@ class TemporaryFile {
     return writeBytes(gathered);
   }
 
-  /// Flushes and takes the target's place, with the permissions the old file had.
+  /// Flushes and takes the target's place, with the permissions and the owner the old file had. On failure errno tells
+  /// why and the old file stands.
   bool commit() {
     struct stat old {};
     const mode_t mask = ::umask(0);
     ::umask(mask);
-    const mode_t mode = ::stat(target_.c_str(), &old) == 0 ? old.st_mode & 07777U : 0666U & ~mask;
+    mode_t mode = 0666U & ~mask;
+    if (::stat(target_.c_str(), &old) == 0) {
+      mode = old.st_mode & 07777U;
+      // Only a privileged user can give a file away; for others the new file is theirs, as with any editor.
+      if (::fchown(descriptor_, old.st_uid, old.st_gid) != 0) mode &= 0777U;
+    }
     if (::fchmod(descriptor_, mode) != 0 || ::fsync(descriptor_) != 0) return false;
+    if (name_.empty() && !giveName()) return false;
     const int closed = ::close(descriptor_);
     descriptor_ = -1;
-    if (closed != 0 || ::rename(path_.c_str(), target_.c_str()) != 0) {
-      const int error = errno;
-      ::unlink(path_.c_str());
-      errno = error;
-      return false;
+    if (closed != 0 || ::rename(name_.c_str(), target_.c_str()) != 0) return false;
+    name_.clear();
+    // The new name lasts only when the folder has reached the disk; the file is whole either way.
+    const int folder = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+      ::fsync(folder);
+      ::close(folder);
     }
     return true;
   }
@@ -77,8 +93,23 @@ class TemporaryFile {
     return true;
   }
 
-  std::filesystem::path target_;
-  std::string path_;
+  /// Names the nameless file, for the moment until it is renamed: a link cannot replace what is there.
+  bool giveName() {
+    const std::string self = "/proc/self/fd/" + std::to_string(descriptor_);
+    for (unsigned attempt = 0; attempt < 100; ++attempt) {
+      const std::string name =
+          (folder_ / (".tolmex-" + std::to_string(::getpid()) + "-" + std::to_string(attempt))).string();
+      if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+        name_ = name;
+        return true;
+      }
+      if (errno != EEXIST) return false;
+    }
+    return false;
+  }
+
+  std::filesystem::path target_, folder_;
+  std::string name_;  // empty as long as the file has none
   int descriptor_ = -1;
 };
 
@@ -102,6 +133,10 @@ FileResult writeFileWhole(const std::filesystem::path& file, const std::vector<s
   if (std::filesystem::is_symlink(file, error)) {
     target = std::filesystem::canonical(file, error);
     if (error) return {false, file.string() + ": the link leads nowhere"};
+  }
+  // A file that may not be written is not replaced either, though its folder would allow it.
+  if (std::filesystem::exists(target, error) && ::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
+    return failed("cannot be written");
   }
   TemporaryFile temporary(target);
   if (!temporary.isOpen()) return failed("cannot be written");
