@@ -88,7 +88,8 @@ def main() -> int:
         for _ in range(options.kills):
             make_old()
             process = start()
-            time.sleep(rng.uniform(max(0.0, first * 0.8), last * 1.1))
+            # A file is seen when it gets its name, long after its writing has begun.
+            time.sleep(rng.uniform(first * 0.4, last * 1.05))
             process.kill()
             process.wait()
             found["killed" if process.returncode < 0 else "had ended"] += 1
