@@ -1,7 +1,9 @@
 // Dialogs and question boxes take their actions from the running session's input.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "Editor/InputSource.h"
 
@@ -27,6 +29,16 @@ void showNotice(std::wstring_view caption, std::wstring_view text);
 void* topResource();
 /// Names another one in its place.
 void setTopResource(void* module);
+/// The dialogs that stay open while commands run.
+class OpenDialogs {
+ public:
+  virtual ~OpenDialogs() = default;
+  virtual std::vector<std::wstring> titles() = 0;
+  /// Takes one line of the input as an action on the dialog, as modal ones do. False when there is no such dialog.
+  virtual bool act(std::wstring_view title) = 0;
+};
+/// Names the process's; the first such dialog does.
+void setOpenDialogs(OpenDialogs& dialogs);
 /// Caption of the program's own boxes.
 std::wstring_view programName();
 

@@ -18,6 +18,7 @@ std::span<const HostCommand> editCommands();     // U, ERASE, SELECT, SETVAR ...
 std::span<const HostCommand> drawCommands();     // LINE, PLINE
 std::span<const HostCommand> layerCommands();    // LAYER, LINETYPE
 std::span<const HostCommand> inspectCommands();  // LIST, LAYOUT, ZOOM, HOVER
+std::span<const HostCommand> dialogCommands();   // DIALOG
 
 void addHostCommands(CommandStack& commands);
 

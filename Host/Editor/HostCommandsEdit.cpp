@@ -121,7 +121,8 @@ constexpr HostCommand kCommands[] = {
 std::span<const HostCommand> editCommands() { return kCommands; }
 
 void addHostCommands(CommandStack& commands) {
-  for (const auto& group : {fileCommands(), editCommands(), drawCommands(), layerCommands(), inspectCommands()}) {
+  for (const auto& group :
+       {fileCommands(), editCommands(), drawCommands(), layerCommands(), inspectCommands(), dialogCommands()}) {
     for (const HostCommand& command : group) commands.addBuiltIn(command.name, command.flags, command.handler);
   }
   static constexpr const wchar_t* kAliases[][2] = {

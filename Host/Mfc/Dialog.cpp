@@ -50,6 +50,17 @@ INT_PTR CDialog::DoModal() {
   return result;
 }
 
+BOOL CDialog::CreateIndirect(LPCDLGTEMPLATE dialogTemplate, CWnd* parent) {
+  comingDialog = this;
+  const HHOOK hook = SetWindowsHookExW(WH_CBT, &CDialog::createHook, nullptr, 0);
+  const HWND window =
+      CreateDialogIndirectParamW(AfxGetResourceHandle(), dialogTemplate,
+                                 parent != nullptr ? parent->GetSafeHwnd() : nullptr, &CDialog::dialogProcedure, 0);
+  UnhookWindowsHookEx(hook);
+  comingDialog = nullptr;
+  return window != nullptr ? TRUE : FALSE;
+}
+
 BOOL CDialog::OnInitDialog() {
   if (UpdateData(FALSE) != FALSE) return TRUE;
   EndDialog(-1);

@@ -1,5 +1,6 @@
 // The widgets' library: started by the host when the first dialog is made.
 #include <QApplication>
+#include <QFileDialog>
 #include <QFontMetrics>
 #include <QMessageBox>
 #include <QPushButton>
@@ -16,7 +17,8 @@ QFont dialogFont(const win32::DialogFont& font) {
   const bool isWindowsFace = face.startsWith("MS ", Qt::CaseInsensitive) ||
                              face.compare("Tahoma", Qt::CaseInsensitive) == 0 ||
                              face.compare("Segoe UI", Qt::CaseInsensitive) == 0;
-  QFont shown(isWindowsFace ? QString("DejaVu Sans") : face);
+  const bool isConsoleFace = face.compare("Lucida Console", Qt::CaseInsensitive) == 0;
+  QFont shown(isWindowsFace ? QString("DejaVu Sans") : isConsoleFace ? QString("DejaVu Sans Mono") : face);
   shown.setPixelSize(std::max(MulDiv(font.pointSize, 96, 72), 1));
   shown.setBold(font.isBold);
   shown.setItalic(font.isItalic);
@@ -82,6 +84,23 @@ class QtSystem final : public win32::WidgetSystem {
       if (pressed == each.button) return each.id;
     }
     return IDCANCEL;
+  }
+
+  std::wstring askFile(HostWindow* parent, const win32::FileQuestion& question) override {
+    QStringList filters;
+    for (const auto& [text, patterns] : question.filters) {
+      QString globs = toQt(patterns);
+      // The toolkit shows what stands before the patterns in parentheses.
+      const QString shown = toQt(text);
+      filters += shown.left(shown.indexOf('(')).trimmed() + " (" + globs.replace(';', ' ').replace("*.*", "*") + ")";
+    }
+    const QFileDialog::Options options =
+        question.asksBeforeOverwriting ? QFileDialog::Options() : QFileDialog::DontConfirmOverwrite;
+    const bool isPattern = question.name.find_first_of(L"*?") != std::wstring::npos;
+    return QFileDialog::getSaveFileName(widgetOf(parent), toQt(question.title),
+                                        isPattern ? QString() : toQt(question.name), filters.join(";;"), nullptr,
+                                        options)
+        .toStdWString();
   }
 
  private:

@@ -92,6 +92,11 @@ class DialogWindow : public QDialog {
     event->ignore();
     win32::widgetClosed(window_);
   }
+  void resizeEvent(QResizeEvent* event) override {
+    QDialog::resizeEvent(event);
+    if ((window_.style & WS_THICKFRAME) != 0)
+      win32::widgetResized(window_, event->size().width(), event->size().height());
+  }
   void paintEvent(QPaintEvent* event) override {
     QDialog::paintEvent(event);
     QPainter painter(this);
@@ -105,13 +110,30 @@ class DialogWindow : public QDialog {
 
 class Dialog final : public Typed<DialogWindow> {
  public:
-  using Typed::Typed;
-  void setRect(const RECT& rect) override { t_.setFixedSize(rect.right - rect.left, rect.bottom - rect.top); }
+  Dialog(DialogWindow* dialog, Shown shown, bool isResizable) : Typed(dialog, shown), isResizable_(isResizable) {}
+  void setRect(const RECT& rect) override {
+    const QSize size(rect.right - rect.left, rect.bottom - rect.top);
+    if (isResizable_) {
+      t_.resize(size);
+    } else {
+      t_.setFixedSize(size);
+    }
+  }
+  void setStacking(win32::Stacking stacking) override {
+    const bool wasVisible = t_.isVisible();
+    t_.setWindowFlag(Qt::WindowStaysOnTopHint, stacking == win32::Stacking::Topmost);
+    t_.setWindowFlag(Qt::WindowStaysOnBottomHint, stacking == win32::Stacking::Bottom);
+    t_.setVisible(wasVisible);  // changed flags hide it
+    if (stacking == win32::Stacking::Bottom) t_.lower();
+  }
   std::wstring text() const override { return t_.windowTitle().toStdWString(); }
   void setText(std::wstring_view text) override { t_.setWindowTitle(toQt(text)); }
   bool savePicture(const std::filesystem::path& file) override {
     return t_.grab().save(QString::fromStdString(file.string()), "PNG");
   }
+
+ private:
+  bool isResizable_;
 };
 
 // ---- buttons --------------------------------------------------------------------------------------------------------
@@ -183,17 +205,18 @@ class LabelWidget : public QLabel {
 
 class Label final : public Typed<LabelWidget> {
  public:
-  using Typed::Typed;
+  Label(LabelWidget* label, Shown shown, bool hasShortcuts) : Typed(label, shown), hasShortcuts_(hasShortcuts) {}
   std::wstring text() const override { return text_; }
   void setText(std::wstring_view text) override {
     text_ = text;
     // One "&" marks a letter and is not shown, two are one.
     QString shown = toQt(text);
-    shown.replace("&&", QString(QChar(1))).remove('&').replace(QChar(1), "&");
+    if (hasShortcuts_) shown.replace("&&", QString(QChar(1))).remove('&').replace(QChar(1), "&");
     t_.setText(shown);
   }
 
  private:
+  bool hasShortcuts_;
   std::wstring text_;
 };
 
@@ -207,7 +230,7 @@ std::unique_ptr<win32::Widget> makeLabel(HostWindow& window, QWidget* parent, Sh
   label->setAlignment(alignment);
   label->setWordWrap(!isOneLine);
   if (type == SS_BLACKFRAME || type == SS_GRAYFRAME) label->setFrameStyle(QFrame::Box | QFrame::Plain);
-  return std::make_unique<Label>(label, shown);
+  return std::make_unique<Label>(label, shown, (window.style & SS_NOPREFIX) == 0);
 }
 
 // ---- edits ----------------------------------------------------------------------------------------------------------
@@ -258,16 +281,21 @@ class TextEdit final : public Typed<QPlainTextEdit> {
   void setReadOnly(bool readOnly) override { t_.setReadOnly(readOnly); }
   void select(int begin, int end) override {
     QTextCursor cursor = t_.textCursor();
-    const auto length = static_cast<int>(t_.toPlainText().size());
+    const int length = t_.document()->characterCount() - 1;
     cursor.setPosition(std::clamp(begin, 0, length));
     cursor.setPosition(end < 0 ? length : std::clamp(end, 0, length), QTextCursor::KeepAnchor);
     t_.setTextCursor(cursor);
   }
   void replaceSelection(std::wstring_view text) override { t_.insertPlainText(toQt(text)); }
+  void scrollToCaret() override { t_.ensureCursorVisible(); }
 };
 
 std::unique_ptr<win32::Widget> makeEdit(HostWindow& window, QWidget* parent, Shown shown) {
-  if ((window.style & ES_MULTILINE) != 0) return std::make_unique<TextEdit>(new QPlainTextEdit(parent), window, shown);
+  if ((window.style & ES_MULTILINE) != 0) {
+    auto* const edit = new QPlainTextEdit(parent);
+    if ((window.style & ES_AUTOHSCROLL) != 0) edit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    return std::make_unique<TextEdit>(edit, window, shown);
+  }
   return std::make_unique<LineEdit>(new LineEditWidget(window, parent), window, shown);
 }
 
@@ -390,7 +418,7 @@ std::unique_ptr<win32::Widget> makeWidget(HostWindow& window, const win32::Dialo
       if (font != nullptr) dialog->setFont(dialogFont(*font));
       if (shown == Shown::OnScreen && window.dialog && window.dialog->isModal)
         dialog->setWindowModality(Qt::ApplicationModal);
-      return std::make_unique<Dialog>(dialog, shown);
+      return std::make_unique<Dialog>(dialog, shown, (window.style & WS_THICKFRAME) != 0);
     }
     case WindowKind::Button:
       return makeButton(window, parent, shown);

@@ -130,6 +130,9 @@ bool handleEdit(HostWindow& edit, UINT message, WPARAM wParam, LPARAM lParam, LR
     case EM_REPLACESEL:
       edit.widget->replaceSelection(orEmpty(lParam));
       return true;
+    case EM_SCROLLCARET:
+      edit.widget->scrollToCaret();
+      return true;
     case EM_SETREADONLY:
       edit.style = wParam != 0 ? edit.style | ES_READONLY : edit.style & ~ES_READONLY;
       edit.widget->setReadOnly(wParam != 0);

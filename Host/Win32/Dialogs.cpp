@@ -126,9 +126,79 @@ void runDialog(HostWindow& dialog) {
   }
 }
 
+bool isText(const HostWindow& control) {
+  return control.kind == WindowKind::Static || (control.kind == WindowKind::Edit && (control.style & ES_READONLY) != 0);
+}
+
+/// The button of a dialog that only tells something: texts and one button. Null for others.
+HostWindow* onlyButton(const HostWindow& dialog) {
+  HostWindow* button = nullptr;
+  for (const auto& child : dialog.children) {
+    if (isText(*child) || !child->isVisible()) continue;
+    const bool isPush = child->kind == WindowKind::Button &&
+                        (child->buttonType() == BS_PUSHBUTTON || child->buttonType() == BS_DEFPUSHBUTTON);
+    if (!isPush || button != nullptr) return nullptr;
+    button = child.get();
+  }
+  return button;
+}
+
+/// What it tells goes to the transcript and takes no line, as a box with OK only. False for other dialogs.
+bool tellNotice(HostWindow& dialog) {
+  HostWindow* const button = onlyButton(dialog);
+  if (button == nullptr || !button->isEnabled()) return false;
+  std::wstring all;
+  for (const auto& child : dialog.children) {
+    if (isText(*child) && child->isVisible()) all += (all.empty() ? L"" : L"\n") + textOf(*child);
+  }
+  editor::showNotice(textOf(dialog), all);
+  button->widget->click();
+  return true;
+}
+
+/// Modeless dialogs, as scripts find them.
+class ModelessDialogs final : public editor::OpenDialogs {
+ public:
+  void add(HostWindow& dialog) {
+    editor::setOpenDialogs(*this);
+    dialogs_.push_back(&dialog);
+  }
+  std::vector<std::wstring> titles() override {
+    std::vector<std::wstring> all;
+    for (HostWindow* const each : open()) all.push_back(textOf(*each));
+    return all;
+  }
+  bool act(std::wstring_view title) override {
+    for (HostWindow* const each : open()) {
+      if (!text::equalFolded(textOf(*each), title)) continue;
+      actOnLine(*each);
+      deliverPosted();
+      return true;
+    }
+    return false;
+  }
+
+ private:
+  std::vector<HostWindow*> open() {
+    std::erase_if(dialogs_,
+                  [](HostWindow* each) { return IsWindow(each) == FALSE || !each->dialog || each->dialog->isModal; });
+    std::vector<HostWindow*> visible = dialogs_;
+    std::erase_if(visible, [](const HostWindow* each) { return !each->isVisible(); });
+    return visible;
+  }
+  std::vector<HostWindow*> dialogs_;
+};
+
+// Never destroyed: plug-ins' globals may reach it after main.
+ModelessDialogs& modelessDialogs() {
+  static auto& all = *new ModelessDialogs;
+  return all;
+}
+
 INT_PTR runModal(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM parameter) {
   HostWindow* const dialog = makeDialog(bytes, parent, procedure, parameter, true);
   if (dialog == nullptr) return -1;
+  if (!editor::dialogsAreWorkedByHand() && !dialog->dialog->hasEnded) tellNotice(*dialog);
   runDialog(*dialog);
   if (IsWindow(dialog) == FALSE) return -1;
   const INT_PTR result = dialog->dialog->result;
@@ -197,7 +267,9 @@ INT_PTR DialogBoxParamW(HINSTANCE module, LPCWSTR name, HWND parent, DLGPROC pro
 
 HWND CreateDialogIndirectParamW(HINSTANCE, LPCDLGTEMPLATE dialogTemplate, HWND parent, DLGPROC procedure,
                                 LPARAM parameter) {
-  return makeDialog(builtTemplate(dialogTemplate), parent, procedure, parameter, false);
+  HostWindow* const dialog = makeDialog(builtTemplate(dialogTemplate), parent, procedure, parameter, false);
+  if (dialog != nullptr) modelessDialogs().add(*dialog);
+  return dialog;
 }
 
 BOOL EndDialog(HWND dialog, INT_PTR result) {

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Win32/DialogTemplate.h"
 #include "windows.h"
@@ -16,6 +18,17 @@ namespace host::win32 {
 struct BaseUnits {
   int width = 0;
   int height = 0;
+};
+
+/// Where a top-level window stands among the others.
+enum class Stacking { Usual, Topmost, Bottom };
+
+/// A question for a file to be written.
+struct FileQuestion {
+  std::wstring title;
+  std::wstring name;                                           // to begin with
+  std::vector<std::pair<std::wstring, std::wstring>> filters;  // text, patterns separated by ";"
+  bool asksBeforeOverwriting = false;
 };
 
 /// A surface that a window is painted on; pixels, colours as COLORREF.
@@ -38,6 +51,7 @@ class Widget {
   virtual void setVisible(bool) {}
   virtual void setEnabled(bool) {}
   virtual void setFocus() {}
+  virtual void setStacking(Stacking) {}
   virtual void repaint() {}
   virtual std::wstring text() const { return {}; }
   virtual void setText(std::wstring_view) {}
@@ -53,6 +67,7 @@ class Widget {
   /// -1 as the end selects to the end.
   virtual void select(int, int) {}
   virtual void replaceSelection(std::wstring_view) {}
+  virtual void scrollToCaret() {}
   /// A key the user presses; the edit refuses what its style forbids.
   virtual void type(wchar_t) {}
 
@@ -81,6 +96,8 @@ class WidgetSystem {
   virtual void waitForEvents() = 0;
   /// A message box worked by hand; one of the Windows answers.
   virtual int messageBox(HostWindow* parent, std::wstring_view text, std::wstring_view caption, UINT type) = 0;
+  /// A question for a file worked by hand; empty when it was cancelled.
+  virtual std::wstring askFile(HostWindow* parent, const FileQuestion& question) = 0;
 };
 
 /// The system of this process. Without a display, or when nobody is there to work the dialogs, they exist off-screen.
@@ -102,6 +119,8 @@ void widgetDoubleClicked(HostWindow& list);
 void widgetClosed(HostWindow& dialog);
 void widgetEscaped(HostWindow& dialog);
 void widgetEntered(HostWindow& dialog);
+/// The user has resized it; pixels.
+void widgetResized(HostWindow& dialog, int width, int height);
 /// Paints the window itself, over what the widget has painted.
 void widgetPainted(HostWindow& window, Canvas& canvas);
 /// Lets the owner paint one item; `state` from the ODS_ bits.

@@ -70,6 +70,13 @@ void tellOfEnd(HostWindow& window) {
   desktop().alive.erase(&window);
 }
 
+void tellOfSize(HostWindow& window) {
+  constexpr LONG kMost = 0xFFFF;
+  const auto width = static_cast<WORD>(std::clamp<LONG>(window.rect.right - window.rect.left, 0, kMost));
+  const auto height = static_cast<WORD>(std::clamp<LONG>(window.rect.bottom - window.rect.top, 0, kMost));
+  SendMessageW(&window, WM_SIZE, 0, MAKELPARAM(width, height));
+}
+
 struct Depth {
   Depth() { ++desktop().depth; }
   Depth(const Depth&) = delete;
@@ -143,6 +150,13 @@ std::wstring textOf(HostWindow& window) {
   std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
   text.resize(static_cast<std::size_t>(GetWindowTextW(&window, text.data(), length + 1)));
   return text;
+}
+
+void widgetResized(HostWindow& dialog, int width, int height) {
+  const RECT& rect = dialog.rect;
+  if (!isAlive(&dialog) || (rect.right - rect.left == width && rect.bottom - rect.top == height)) return;
+  dialog.rect = {rect.left, rect.top, rect.left + width, rect.top + height};
+  tellOfSize(dialog);
 }
 
 UINT chooseTextMessage() {
@@ -305,9 +319,31 @@ BOOL GetClientRect(HWND window, LPRECT out) {
 
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL) {
   if (!isAlive(window)) return FALSE;
+  const RECT former = window->rect;
   window->rect = {x, y, x + std::max(width, 0), y + std::max(height, 0)};
   window->widget->setRect(window->rect);
+  if (former.right - former.left != width || former.bottom - former.top != height) tellOfSize(*window);
   return TRUE;
+}
+
+BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags) {
+  if (!isAlive(window)) return FALSE;
+  if ((flags & SWP_NOZORDER) == 0)
+    window->widget->setStacking(after == HWND_TOPMOST  ? Stacking::Topmost
+                                : after == HWND_BOTTOM ? Stacking::Bottom
+                                                       : Stacking::Usual);
+  const RECT& rect = window->rect;
+  const bool keepsPlace = (flags & SWP_NOMOVE) != 0;
+  const bool keepsSize = (flags & SWP_NOSIZE) != 0;
+  if (keepsPlace && keepsSize) return TRUE;
+  return MoveWindow(window, keepsPlace ? rect.left : x, keepsPlace ? rect.top : y,
+                    keepsSize ? rect.right - rect.left : width, keepsSize ? rect.bottom - rect.top : height, TRUE);
+}
+
+HWND GetActiveWindow() {
+  HostWindow* window = desktop().focus;
+  while (window != nullptr && !window->dialog) window = window->parent;
+  return window;
 }
 
 UINT RegisterWindowMessageW(LPCWSTR name) {

@@ -57,6 +57,12 @@ struct AFX_MSGMAP {
   {WM_CREATE, 0, 0, [](CWnd& window, WPARAM, LPARAM lParam) -> LRESULT {                        \
      return static_cast<ThisClass&>(window).OnCreate(reinterpret_cast<LPCREATESTRUCT>(lParam)); \
    }},
+#define ON_WM_SIZE()                                                                                \
+  {WM_SIZE, 0, 0, [](CWnd& window, WPARAM wParam, LPARAM lParam) -> LRESULT {                       \
+     const auto size = static_cast<std::uintptr_t>(lParam);                                         \
+     static_cast<ThisClass&>(window).OnSize(static_cast<UINT>(wParam), LOWORD(size), HIWORD(size)); \
+     return 0;                                                                                      \
+   }},
 #define ON_WM_PAINT()                                            \
   {WM_PAINT, 0, 0, [](CWnd& window, WPARAM, LPARAM) -> LRESULT { \
      static_cast<ThisClass&>(window).OnPaint();                  \
@@ -102,6 +108,14 @@ class ADESK_EXPORT CWnd {
   int MessageBox(LPCWSTR text, LPCWSTR caption = nullptr, UINT type = MB_OK) {
     return MessageBoxW(m_hWnd, text, caption, type);
   }
+  BOOL SetWindowPos(HWND after, int x, int y, int width, int height, UINT flags) {
+    return ::SetWindowPos(m_hWnd, after, x, y, width, height, flags);
+  }
+  void MoveWindow(int x, int y, int width, int height, BOOL repaint = TRUE) {
+    ::MoveWindow(m_hWnd, x, y, width, height, repaint);
+  }
+  /// The object stays; it can be given another window.
+  virtual BOOL DestroyWindow() { return ::DestroyWindow(m_hWnd); }
   /// Runs DoDataExchange: values into controls for FALSE, out of them for TRUE. False when an exchange failed.
   BOOL UpdateData(BOOL saveAndValidate = TRUE);
 
@@ -110,6 +124,7 @@ class ADESK_EXPORT CWnd {
  protected:
   afx_msg int OnCreate(LPCREATESTRUCT create);
   afx_msg void OnPaint() { Default(); }
+  afx_msg void OnSize(UINT, int, int) { Default(); }
 
   /// Before the object's first message: the window is there already.
   virtual void PreSubclassWindow() {}
@@ -243,7 +258,7 @@ class ADESK_EXPORT CPaintDC {
 
 // ---- dialogs --------------------------------------------------------------------------------------------------------
 
-/// A modal dialog made from a template of the current resources.
+/// A dialog made from a template of the current resources: modal by DoModal, or one that stays open by CreateIndirect.
 class ADESK_EXPORT CDialog : public CWnd {
  public:
   CDialog() = default;
@@ -252,6 +267,9 @@ class ADESK_EXPORT CDialog : public CWnd {
 
   /// For dialogs built at run time; the template must live until DoModal returns.
   BOOL InitModalIndirect(LPCDLGTEMPLATE dialogTemplate, CWnd* parent = nullptr);
+  /// A dialog that stays open while the program goes on, until DestroyWindow; OnOK and OnCancel must be overridden,
+  /// they only hide it. False when it cannot be made.
+  BOOL CreateIndirect(LPCDLGTEMPLATE dialogTemplate, CWnd* parent = nullptr);
   /// What EndDialog was given, or -1 when the dialog could not be made.
   virtual INT_PTR DoModal();
   void EndDialog(int result) { ::EndDialog(m_hWnd, result); }

@@ -164,6 +164,7 @@ inline constexpr UINT WM_LBUTTONDOWN = 0x0201;
 inline constexpr UINT WM_USER = 0x0400;
 inline constexpr UINT WM_APP = 0x8000;
 inline constexpr UINT EM_SETSEL = 0x00B1;
+inline constexpr UINT EM_SCROLLCARET = 0x00B7;
 inline constexpr UINT EM_REPLACESEL = 0x00C2;
 inline constexpr UINT EM_LIMITTEXT = 0x00C5;
 inline constexpr UINT EM_SETREADONLY = 0x00CF;
@@ -229,6 +230,7 @@ inline constexpr DWORD WS_CAPTION = 0x00C00000;
 inline constexpr DWORD WS_BORDER = 0x00800000;
 inline constexpr DWORD WS_VSCROLL = 0x00200000;
 inline constexpr DWORD WS_SYSMENU = 0x00080000;
+inline constexpr DWORD WS_THICKFRAME = 0x00040000;  // the user may resize it
 inline constexpr DWORD WS_GROUP = 0x00020000;
 inline constexpr DWORD WS_TABSTOP = 0x00010000;
 inline constexpr DWORD DS_SETFONT = 0x40;
@@ -236,6 +238,7 @@ inline constexpr DWORD DS_MODALFRAME = 0x80;
 inline constexpr DWORD DS_FIXEDSYS = 0x08;
 inline constexpr DWORD DS_CENTER = 0x0800;
 inline constexpr DWORD ES_MULTILINE = 0x4;
+inline constexpr DWORD ES_AUTOVSCROLL = 0x40;
 inline constexpr DWORD ES_AUTOHSCROLL = 0x80;
 inline constexpr DWORD ES_READONLY = 0x800;
 inline constexpr DWORD ES_NUMBER = 0x2000;
@@ -254,6 +257,7 @@ inline constexpr DWORD SS_BLACKFRAME = 7;
 inline constexpr DWORD SS_GRAYFRAME = 8;
 inline constexpr DWORD SS_LEFTNOWORDWRAP = 12;
 inline constexpr DWORD SS_TYPEMASK = 0x1F;
+inline constexpr DWORD SS_NOPREFIX = 0x80;
 inline constexpr DWORD SS_CENTERIMAGE = 0x200;
 inline constexpr DWORD CBS_DROPDOWNLIST = 3;
 inline constexpr DWORD CBS_OWNERDRAWFIXED = 0x10;
@@ -305,6 +309,18 @@ ADESK_EXPORT HWND GetFocus();
 ADESK_EXPORT BOOL InvalidateRect(HWND window, LPCRECT area, BOOL erase);
 ADESK_EXPORT BOOL GetClientRect(HWND window, LPRECT out);
 ADESK_EXPORT BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
+inline const HWND HWND_TOP = nullptr;
+inline const HWND HWND_BOTTOM = reinterpret_cast<HWND>(static_cast<INT_PTR>(1));
+inline const HWND HWND_TOPMOST = reinterpret_cast<HWND>(static_cast<INT_PTR>(-1));
+inline const HWND HWND_NOTOPMOST = reinterpret_cast<HWND>(static_cast<INT_PTR>(-2));
+inline constexpr UINT SWP_NOSIZE = 1;
+inline constexpr UINT SWP_NOMOVE = 2;
+inline constexpr UINT SWP_NOZORDER = 4;
+inline constexpr UINT SWP_NOACTIVATE = 0x10;
+/// `after` is one of the four values above: windows are not put behind single other ones.
+ADESK_EXPORT BOOL SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
+/// The dialog that has the focus; null when none has it.
+ADESK_EXPORT HWND GetActiveWindow();
 ADESK_EXPORT UINT RegisterWindowMessageW(LPCWSTR name);
 /// WH_CBT only, with HCBT_CREATEWND only: `wParam` is the window that comes into being.
 ADESK_EXPORT HHOOK SetWindowsHookExW(int kind, HOOKPROC procedure, HINSTANCE module, DWORD thread);
@@ -337,6 +353,7 @@ inline constexpr UINT MB_ICONMASK = 0xF0;
 inline constexpr UINT MB_DEFBUTTON2 = 0x100;
 inline constexpr UINT MB_DEFBUTTON3 = 0x200;
 inline constexpr UINT MB_TYPEMASK = 0xF;
+inline constexpr UINT MB_TASKMODAL = 0x2000;
 
 /// What EndDialog was given; -1 when the template cannot be used.
 ADESK_EXPORT INT_PTR DialogBoxIndirectParamW(HINSTANCE module, LPCDLGTEMPLATE dialogTemplate, HWND parent,
@@ -398,3 +415,5 @@ ADESK_EXPORT int DrawTextW(HDC dc, LPCWSTR text, int length, LPRECT area, UINT f
 /// The device context of the WM_PAINT being handled; null outside of it.
 ADESK_EXPORT HDC BeginPaint(HWND window, PAINTSTRUCT* paint);
 ADESK_EXPORT BOOL EndPaint(HWND window, const PAINTSTRUCT* paint);
+
+#include "winbase.h"
