@@ -1,9 +1,12 @@
 // Failures of the library and of host calls, and how they are told to the user.
 #pragma once
 
-#include <exception>
 #include <string>
 #include <utility>
+
+#include "OrvLib/ARX/SystemExceptions.h"
+
+class CWnd;
 
 namespace OrvLib {
 
@@ -29,10 +32,11 @@ class OrvExpBase {
   OrvExpBase& operator=(const OrvExpBase&) = default;
   virtual ~OrvExpBase();
 
-  /// Tells the user: "message (Error location: file:line)". Never throws.
+  /// Tells the user in the library's message dialog: "message (Error location: file:line)", at most 1999 characters.
+  /// Where no dialog can be shown the plain report tells it. Never throws.
   virtual void report() const noexcept;
   /// Title of the report.
-  virtual const wchar_t* title() const { return L"Error"; }
+  virtual const wchar_t* title() const noexcept { return L"Error"; }
 
   const std::wstring& message() const { return message_; }
   /// Path below the source root without its leading folders, for instance "ARX/Layers.cpp".
@@ -59,7 +63,11 @@ class OrvExpNoMem : public OrvExpInternal {
  public:
   explicit OrvExpNoMem(std::wstring message, SourcePlace place = SourcePlace::current())
       : OrvExpInternal(std::move(message), place) {}
-  const wchar_t* title() const override { return L"Out of memory"; }
+  /// As reportOutOfMemory.
+  void report() const noexcept override;
+  const wchar_t* title() const noexcept override { return kTitle; }
+
+  static constexpr const wchar_t* kTitle = L"Out of memory";
 };
 
 /// An index outside a container.
@@ -87,6 +95,8 @@ class OrvExpUser : public OrvExpBase {
 class OrvExpActionCancelled : public OrvExpBase {
  public:
   explicit OrvExpActionCancelled(SourcePlace place = SourcePlace::current());
+  /// The user knows: one line on the command line, no box.
+  void report() const noexcept override;
 };
 
 /// A structured system exception turned into a failure of the library.
@@ -96,23 +106,32 @@ class OrvExpWinSeException : public OrvExpBase {
       : OrvExpBase(std::move(message), place) {}
 };
 
-/// Tells of a failure without an exception object of the library; null means that nothing is known about it.
-void reportFailure(const wchar_t* message, SourcePlace place = SourcePlace::current()) noexcept;
+/// Plain report, without an exception object: a message box with at most 1999 characters, above `parent` or else the
+/// host's main frame. Null means that nothing is known about the failure. Never throws, as all of these.
+void reportFailure(const wchar_t* message, SourcePlace place = SourcePlace::current(), CWnd* parent = nullptr) noexcept;
 
 /// The same with the narrow text of a standard exception.
-void reportFailure(const char* message, SourcePlace place = SourcePlace::current()) noexcept;
+void reportFailure(const char* message, SourcePlace place = SourcePlace::current(), CWnd* parent = nullptr) noexcept;
+
+/// Offers the machine's memory figures in a second box. Where the first one cannot be shown the plain report tells of
+/// the failure. Works with memory kept back for it.
+void reportOutOfMemory(const wchar_t* message, SourcePlace place = SourcePlace::current()) noexcept;
+
+/// Reports the exception being handled, whatever it is; to be called in a catch clause.
+void reportCurrentException(SourcePlace place = SourcePlace::current()) noexcept;
+
+/// A host call failed and the work goes on without it: "failed file:line" on the command line, with one or two details.
+void printFailed(const wchar_t* detail = nullptr, const wchar_t* more = nullptr,
+                 SourcePlace place = SourcePlace::current()) noexcept;
 
 /// Runs `body` and reports whatever it throws: the door through which the host calls the plug-in.
 template <class Body>
 void guarded(Body&& body, SourcePlace place = SourcePlace::current()) noexcept {
+  const SystemExceptionsAsFailures translated;
   try {
     std::forward<Body>(body)();
-  } catch (const OrvExpBase& failure) {
-    failure.report();
-  } catch (const std::exception& failure) {
-    reportFailure(failure.what(), place);
   } catch (...) {
-    reportFailure(static_cast<const wchar_t*>(nullptr), place);
+    reportCurrentException(place);
   }
 }
 

@@ -19,6 +19,7 @@
 #include <adscodes.h>
 #include <adslib.h>
 #include <adui.h>
+#include <afxdlgs.h>
 #include <afxwin.h>
 #include <axlock.h>
 #include <dbapserv.h>

@@ -1,6 +1,7 @@
 // The module's door: what the host calls by name.
 #include <memory>
 
+#include "OrvLib/ARX/DebugLog.h"
 #include "OrvLib/ARX/Export.h"
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
@@ -30,6 +31,7 @@ void unload() {
   removeCommands();
   editorReactor.reset();
   detachFromDocuments();
+  DebugLog::instance().closeWindow();
 }
 
 }  // namespace

@@ -1,0 +1,332 @@
+// The debug log from outside: the module is loaded and its functions called as another module would.
+#include <gmock/gmock.h>
+#include <pty.h>
+#include <sys/resource.h>
+
+#include <cstdlib>
+
+#include "Editor/Application.h"
+#include "Editor/ScriptInput.h"
+#include "Reports/Exports.h"
+#include "Text/Text.h"
+
+namespace {
+
+using namespace tests;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr const char* kHeader =
+    "--------------------------------------------------\n"
+    "---- test_reports debug log\n"
+    "---- executable: /[^\n]*/test_reports \\(PID [0-9]+\\)\n"
+    "---- system: Linux [0-9]+\\.[0-9]+\\.[0-9]+\n"
+    "---- ran at [0-9][0-9]\\.[0-9][0-9]\\.20[0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9][0-9][0-9]\n"
+    "--------------------------------------------------\n\n";
+constexpr const char* kFooter =
+    "--------------------------------------------------\n"
+    "---- End of debug session\n"
+    "---- execution finished at [0-9. :]+\n"
+    "--------------------------------------------------\n\n";
+
+class Destinations : public InFolder {
+ protected:
+  std::wstring fileName(const char* name = "a.log") const { return (folder / name).wstring(); }
+};
+
+TEST_F(Destinations, NothingIsWrittenUntilAModeIsSet) {
+  const Outcome outcome = inProcess([] {
+    Exports log;
+    return log.print(L"nobody hears %d\n", 1);
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out + outcome.err, "");
+}
+
+TEST_F(Destinations, StandardStreamsTakeUtf8BesideTheProgramsOwnText) {
+  const Outcome outcome = inProcess([] {
+    Exports log;
+    std::printf("before\n");
+    log.set(1);
+    const int both = log.print(L"pensas %s %5.1f\n", L"räystäs", 2.5);
+    std::printf("between\n");
+    log.add(2);
+    log.remove(1);
+    const int error = log.print(L"virhe %d\n", 7);
+    return both == 21 && error == 8 ? 0 : 1;
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "before\npensas räystäs   2.5\nbetween\n");
+  EXPECT_EQ(outcome.err, "virhe 7\n");
+}
+
+TEST_F(Destinations, ResultsAreSummedAndOneMessagesModeIsPutBack) {
+  const Outcome outcome = inProcess([] {
+    Exports log;
+    log.set(1);
+    EXPECT_EQ(log.printTo(3, L"abc"), 6);
+    EXPECT_EQ(log.print(L"de"), 2);
+    log.remove(0xFFFFFFFF);
+    return log.print(L"fg");
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "abcde");
+  EXPECT_EQ(outcome.err, "abc");
+}
+
+TEST_F(Destinations, AFileHasHeaderTextAndFooter) {
+  const Outcome outcome = inProcess([&] {
+    Exports log;
+    log.setFile(fileName().c_str());
+    if (fs::exists(folder / "a.log")) return 1;
+    if (log.printTo(4, L"yksi\n") != 5 || log.printTo(4, L"kaksi %s\n", L"äö") != 9) return 2;
+    log.setFile(fileName("b.log").c_str());
+    if (fs::exists(folder / "b.log")) return 3;  // begun by its first message only
+    if (log.printTo(4, L"kolme\n") != 6) return 4;
+    log.unload();
+    return 0;
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(contentOf(folder / "a.log"), MatchesRegex(std::string(kHeader) + "yksi\nkaksi äö\n" + kFooter));
+  EXPECT_THAT(contentOf(folder / "b.log"), MatchesRegex(std::string(kHeader) + "kolme\n" + kFooter));
+  EXPECT_EQ(outcome.out + outcome.err, "");
+}
+
+TEST_F(Destinations, AFileIsContinuedNotOverwritten) {
+  const auto once = [&] {
+    Exports log;
+    log.setFile(fileName().c_str());
+    log.printTo(4, L"kerta\n");
+    log.unload();
+    return 0;
+  };
+  inProcess(once);
+  inProcess(once);
+  EXPECT_THAT(contentOf(folder / "a.log"),
+              MatchesRegex(std::string(kHeader) + "kerta\n" + kFooter + kHeader + "kerta\n" + kFooter));
+}
+
+TEST_F(Destinations, TheDefaultFileIsNamedAfterProgramAndTime) {
+  const auto named = [](const std::string& where) {
+    return where +
+           "/DEBUG_LOG-test_reports-[0-9][0-9]\\.[0-9][0-9]\\.[0-9]+_[0-9][0-9]\\.[0-9][0-9]\\.[0-9][0-9]\\.log";
+  };
+  inProcess([&] {
+    ::setenv("TEMP", folder.c_str(), 1);
+    Exports log;
+    return log.printTo(4, L"x\n");
+  });
+  std::string found;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    if (entry.path().extension() == ".log") found = entry.path().string();
+  }
+  EXPECT_THAT(found, MatchesRegex(named(folder.string())));
+  // With TEMP empty or missing it lies in /tmp.
+  for (const bool isSet : {true, false}) {
+    const Outcome outcome = inProcess([&] {
+      ::unsetenv("TEMP");
+      if (isSet) ::setenv("TEMP", "", 1);
+      Exports log;
+      log.printTo(4, L"x\n");
+      for (const auto& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        const fs::path file = fs::read_symlink(entry.path(), error);
+        if (file.filename().string().starts_with("DEBUG_LOG-")) std::printf("%s", file.c_str());
+      }
+      return 0;
+    });
+    EXPECT_THAT(outcome.out, MatchesRegex(named("/tmp")));
+    if (outcome.out.starts_with("/tmp/DEBUG_LOG-test_reports-")) fs::remove(outcome.out);
+  }
+}
+
+TEST_F(Destinations, FilesThatCannotBeUsedAreFailuresNotTrouble) {
+  const Outcome outcome = inProcess([&] {
+    Exports log;
+    log.set(4 | 1);
+    for (const std::wstring& name : {fileName("none/a.log"), folder.wstring(), std::wstring()}) {
+      log.setFile(name.c_str());
+      if (log.print(L"abc\n") != -1000000 + 4) return 1;
+    }
+    log.setFile(nullptr);
+    if (log.print(L"abc\n") != -1000000 + 4) return 2;
+    // A full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit none{0, 0};
+    log.setFile(fileName().c_str());
+    return setrlimit(RLIMIT_FSIZE, &none) == 0 && log.printTo(4, L"abc\n") == -1 ? 0 : 3;
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "abc\nabc\nabc\nabc\n");
+}
+
+TEST_F(Destinations, LongTextsAreWholeWhereNoBufferCutsThem) {
+  const std::wstring text(100000, L'x');
+  const Outcome outcome = inProcess([&] {
+    Exports log;
+    log.setFile(fileName().c_str());
+    if (log.printTo(4 | 1, L"%s", text.c_str()) != 200000) return 1;
+    if (log.printTo(128, L"%s", text.c_str()) != 9998) return 2;
+    return log.printTo(1, nullptr);
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out.size(), 100000U);
+  EXPECT_THAT(outcome.err, StartsWith("debugger: xxx"));
+  EXPECT_THAT(contentOf(folder / "a.log"), HasSubstr(std::string(100000, 'x')));
+}
+
+TEST_F(Destinations, TheDebuggersOutputIsStandardErrorWithAPrefix) {
+  const Outcome outcome = inProcess([] {
+    Exports log;
+    log.set(128);
+    log.print(L"one\ntwo ");
+    return log.print(L"more\n") == 5 ? 0 : 1;
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "debugger: one\ndebugger: two more\n");
+}
+
+TEST_F(Destinations, TheConsoleIsTheControllingTerminal) {
+  int terminal = -1;
+  const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (child == 0) {
+    Exports log;
+    ::_exit(log.printTo(256, L"päätteelle\n") == 11 && log.printTo(256, L"toinen\n") == 7 ? 0 : 1);
+  }
+  ASSERT_GT(child, 0);
+  std::string seen;
+  char block[256];
+  for (ssize_t count = 0; (count = ::read(terminal, block, sizeof block)) > 0;)
+    seen.append(block, static_cast<std::size_t>(count));
+  ::close(terminal);
+  EXPECT_EQ(finish(child).status, 0);
+  EXPECT_EQ(seen, "päätteelle\r\ntoinen\r\n");
+}
+
+TEST_F(Destinations, WithoutATerminalTheConsoleFailsAndNothingElse) {
+  const Outcome outcome = inProcess([] {
+    Exports log;
+    log.set(256 | 1);
+    return log.print(L"abc\n") == -1 + 4 && log.print(L"abc\n") == 3 ? 0 : 1;
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "abc\nabc\n");
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(Destinations, WhatWasLoggedOutlivesAKill) {
+  const pid_t child = start([&] {
+    Exports log;
+    log.setFile(fileName().c_str());
+    for (int i = 0;; ++i) log.printTo(4, L"rivi %d\n", i);
+    return 0;
+  });
+  const bool isLogging = eventually([&] {
+    std::error_code error;
+    return fs::file_size(folder / "a.log", error) > 20000 && !error;
+  });
+  ::kill(child, SIGKILL);
+  EXPECT_EQ(finish(child).status, 128 + SIGKILL);
+  EXPECT_TRUE(isLogging);
+  std::string text = contentOf(folder / "a.log");
+  const std::size_t begin = text.find("\n\n") + 2;
+  EXPECT_THAT(text.substr(0, begin), MatchesRegex(kHeader));
+  std::string expected;
+  for (int i = 0; expected.size() < text.size() - begin; ++i) expected += "rivi " + std::to_string(i) + "\n";
+  EXPECT_EQ(text.substr(begin), expected);
+}
+
+TEST_F(Destinations, TwoProcessesShareAFileWithoutMixingLines) {
+  const auto logged = [&](const wchar_t* who) {
+    return [&, who] {
+      Exports log;
+      log.setFile(fileName().c_str());
+      for (int i = 0; i < 300; ++i) log.printTo(4, L"%s %03d %s\n", who, i, std::wstring(2000, L'.').c_str());
+      log.unload();
+      return 0;
+    };
+  };
+  const pid_t one = start(logged(L"A"));
+  const pid_t two = start(logged(L"B"));
+  EXPECT_EQ(finish(one).status + finish(two).status, 0);
+  std::ifstream in(folder / "a.log");
+  int counts[2] = {0, 0};
+  for (std::string line; std::getline(in, line);) {
+    if (line.empty() || line.starts_with("-")) continue;
+    ASSERT_EQ(line.size(), 2006U) << line.substr(0, 40);
+    EXPECT_EQ(std::stoi(line.substr(2)), counts[line[0] - 'A']++);
+  }
+  EXPECT_EQ(counts[0], 300);
+  EXPECT_EQ(counts[1], 300);
+}
+
+// ---- in a host ------------------------------------------------------------------------------------------------------
+
+bool toolkitIsLoaded() { return contentOf("/proc/self/maps").find("libtolmexdialogs") != std::string::npos; }
+
+class DestinationsInHost : public Destinations {
+ protected:
+  /// Runs with a host that has loaded the module; the transcript is standard output.
+  Outcome inHost(const std::function<int(Exports&, host::editor::Application&)>& body) {
+    return inProcess([&] {
+      host::editor::ApplicationOptions options;
+      options.transcript = [](std::wstring_view text) { std::fputs(host::text::toUtf8(text).c_str(), stdout); };
+      host::editor::Application application(options);
+      if (!application.newDrawing() || !application.loadModule(kModule)) return 100;
+      Exports log;
+      return body(log, application);
+    });
+  }
+};
+
+TEST_F(DestinationsInHost, TheCommandLineTakesTheTextAsItIs) {
+  const Outcome outcome = inHost([](Exports& log, auto&) {
+    const int short_ = log.printTo(16, L"%s\n", L"100 %s");
+    const int cut = log.printTo(16, L"%s", std::wstring(20000, L'y').c_str());
+    return short_ == 7 && cut == 9998 ? 0 : 1;
+  });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.out == "100 %s\n" + std::string(9998, 'y') + "\n") << outcome.out.size();
+}
+
+TEST_F(DestinationsInHost, AMessageBoxIsANoticeInTheTranscript) {
+  const Outcome outcome = inHost([](Exports& log, auto&) { return log.printTo(64, L"Katto puuttuu") == 13 ? 0 : 1; });
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, HasSubstr("[test_reports DEBUG LOG] Katto puuttuu"));
+}
+
+TEST_F(DestinationsInHost, OnlyTheWindowStartsTheToolkit) {
+  const Outcome outcome = inHost([&](Exports& log, auto&) {
+    log.setFile(fileName().c_str());
+    log.set(1 | 2 | 4 | 8 | 16 | 64 | 128 | 256);
+    log.print(L"a\n");
+    if (toolkitIsLoaded()) return 1;
+    if (log.printTo(32, L"a\n") != 2) return 2;
+    return toolkitIsLoaded() ? 0 : 3;
+  });
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+}
+
+TEST_F(DestinationsInHost, TwoModulesLogThroughOneLogger) {
+  const Outcome outcome = inHost([&](Exports& log, host::editor::Application& application) {
+    if (!application.loadModule(fs::path(TOLMEX_BIN_DIR) / "logmodule.arx")) return 1;
+    log.setFile(fileName().c_str());
+    log.set(4);
+    log.print(L"first\n");
+    host::editor::ScriptInput script("LOGSOMETHING\nLOGSOMETHING\n", "log.scr");
+    if (!application.run(script)) return 2;
+    log.print(L"last\n");
+    if (!application.unloadModule(L"logmodule")) return 3;
+    log.print(L"alone\n");
+    log.unload();
+    return application.unloadModule(L"tolmex") ? 0 : 4;
+  });
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_THAT(
+      contentOf(folder / "a.log"),
+      MatchesRegex(std::string(kHeader) + "first\nother module 1 ä\nother module 2 ä\nlast\nalone\n" + kFooter));
+}
+
+}  // namespace
