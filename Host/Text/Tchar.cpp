@@ -69,6 +69,7 @@ std::FILE* _wfsopen(const ACHAR* name, const ACHAR* mode, int) {
   for (; *mode != 0 && *mode != L','; ++mode)
     if (std::wstring_view(L"rwa+b").find(*mode) != std::wstring_view::npos) narrowMode += static_cast<char>(*mode);
   if (narrowMode.empty()) return nullptr;
+  narrowMode += 'e';  // not for the programs that this one starts
   return std::fopen(host::text::toUtf8(name).c_str(), narrowMode.c_str());
 }
 

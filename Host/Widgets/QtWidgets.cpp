@@ -110,7 +110,8 @@ class DialogWindow : public QDialog {
 
 class Dialog final : public Typed<DialogWindow> {
  public:
-  Dialog(DialogWindow* dialog, Shown shown, bool isResizable) : Typed(dialog, shown), isResizable_(isResizable) {}
+  Dialog(DialogWindow* dialog, Shown shown, bool isResizable)
+      : Typed(dialog, shown), shown_(shown), isResizable_(isResizable) {}
   void setRect(const RECT& rect) override {
     const QSize size(rect.right - rect.left, rect.bottom - rect.top);
     if (isResizable_) {
@@ -124,7 +125,7 @@ class Dialog final : public Typed<DialogWindow> {
     t_.setWindowFlag(Qt::WindowStaysOnTopHint, stacking == win32::Stacking::Topmost);
     t_.setWindowFlag(Qt::WindowStaysOnBottomHint, stacking == win32::Stacking::Bottom);
     t_.setVisible(wasVisible);  // changed flags hide it
-    if (stacking == win32::Stacking::Bottom) t_.lower();
+    if (stacking == win32::Stacking::Bottom && shown_ == Shown::OnScreen) t_.lower();
   }
   std::wstring text() const override { return t_.windowTitle().toStdWString(); }
   void setText(std::wstring_view text) override { t_.setWindowTitle(toQt(text)); }
@@ -133,6 +134,7 @@ class Dialog final : public Typed<DialogWindow> {
   }
 
  private:
+  Shown shown_;
   bool isResizable_;
 };
 
@@ -294,6 +296,8 @@ std::unique_ptr<win32::Widget> makeEdit(HostWindow& window, QWidget* parent, Sho
   if ((window.style & ES_MULTILINE) != 0) {
     auto* const edit = new QPlainTextEdit(parent);
     if ((window.style & ES_AUTOHSCROLL) != 0) edit->setLineWrapMode(QPlainTextEdit::NoWrap);
+    if ((window.style & WS_VSCROLL) == 0) edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    if ((window.style & WS_HSCROLL) == 0) edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     return std::make_unique<TextEdit>(edit, window, shown);
   }
   return std::make_unique<LineEdit>(new LineEditWidget(window, parent), window, shown);

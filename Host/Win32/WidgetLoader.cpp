@@ -1,11 +1,12 @@
 // Finds the widgets' library beside the host's own and starts it.
 #include <dlfcn.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 #include "Editor/DialogInput.h"
-#include "Win32/Widget.h"
+#include "Win32/WindowObject.h"
 
 namespace host::win32 {
 namespace {
@@ -21,7 +22,11 @@ WidgetSystem* load() {
   std::string reason;
   if (void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
     const auto make = reinterpret_cast<MakeWidgetSystem>(dlsym(library, kMakeWidgetSystem));
-    if (make != nullptr) return make(editor::dialogsAreWorkedByHand());
+    if (make != nullptr) {
+      // Windows of modules may be left when the process ends, and the toolkit's own globals go before the modules'.
+      std::atexit(dropWidgets);
+      return make(editor::dialogsAreWorkedByHand());
+    }
     reason = "is no library of widgets";
   } else if (const char* const error = dlerror()) {
     reason = error;

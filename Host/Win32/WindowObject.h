@@ -64,6 +64,8 @@ struct NewWindow {
 /// the window refuses.
 HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const DialogFont* font = nullptr,
                          std::optional<DialogState> dialog = std::nullopt);
+/// Parts all windows from their widgets, without telling them; the windows live on.
+void dropWidgets();
 /// Delivers what PostMessageW has left.
 void deliverPosted();
 /// Tells the parent about a control.

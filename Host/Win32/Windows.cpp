@@ -129,6 +129,14 @@ HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const Dial
   return &made;
 }
 
+void dropWidgets() {
+  const auto drop = [](const auto& self, HostWindow& window) -> void {
+    for (const auto& child : window.children) self(self, *child);
+    window.widget = std::make_unique<Widget>();
+  };
+  for (const auto& window : desktop().topLevel) drop(drop, *window);
+}
+
 void deliverPosted() {
   // What the handlers post in turn waits for the next time, so that this ends.
   for (std::size_t count = desktop().posted.size(); count > 0 && !desktop().posted.empty(); --count) {

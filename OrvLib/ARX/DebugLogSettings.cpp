@@ -26,10 +26,11 @@ constexpr std::array<Offered, 7> kOffered{{{DebugLog::kStandardOutput, L"STDOUT"
 
 DialogTemplate settingsTemplate() {
   constexpr int kWidth = 260;
+  constexpr int kHeight = 192;
   constexpr int kLeft = 100;
   constexpr int kRow = 14;
   int y = 8;
-  DialogTemplate dialog(L"DEBUG LOG settings...", kWidth, 206);
+  DialogTemplate dialog(L"DEBUG LOG settings...", kWidth, kHeight);
   dialog.label(L"Log level:", {8, y + 2, 88, 10}).edit(settingsIds::kLevel, {kLeft, y, 80, 12});
   y += kRow + 4;
   dialog.label(L"Do time stamps:", {8, y + 2, 88, 10}).checkBox(settingsIds::kTimeStamps, L"", {kLeft, y, 12, 12});
@@ -42,7 +43,7 @@ DialogTemplate settingsTemplate() {
   }
   y += 4;
   dialog.label(L"Log file name:", {8, y + 2, 88, 10}).edit(settingsIds::kFileName, {kLeft, y, kWidth - kLeft - 8, 12});
-  dialog.button(IDOK, L"Ok!", {kWidth - 58, 206 - 21, 50, 14}, BS_DEFPUSHBUTTON);
+  dialog.button(IDOK, L"Ok!", {kWidth - 58, kHeight - 21, 50, 14}, BS_DEFPUSHBUTTON);
   return dialog;
 }
 

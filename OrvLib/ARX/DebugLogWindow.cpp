@@ -16,7 +16,7 @@ namespace {
 constexpr int kWidth = 460;
 constexpr int kHeight = 250;
 constexpr int kButtonStrip = 40;  // pixels below the texts
-constexpr DWORD kTextStyle = ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | ES_AUTOHSCROLL | WS_VSCROLL;
+constexpr DWORD kTextStyle = ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | ES_AUTOHSCROLL | WS_VSCROLL | WS_HSCROLL;
 constexpr LPARAM kEndOfText = 0x7FFFFFFF;
 
 struct StripControl {

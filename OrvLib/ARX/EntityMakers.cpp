@@ -19,7 +19,11 @@ AcDbObjectId appendToModelSpace(std::unique_ptr<AcDbEntity> entity, AcDbDatabase
   const auto modelSpace = Opened<AcDbBlockTableRecord>::by(
       [&](AcDbBlockTableRecord*& open) { return blocks->getAt(ACDB_MODEL_SPACE, open, AcDb::kForWrite); });
   AcDbObjectId id;
-  if (!modelSpace || modelSpace->appendAcDbEntity(id, entity.get()) != Acad::eOk) return {};
+  const Acad::ErrorStatus status = modelSpace ? modelSpace->appendAcDbEntity(id, entity.get()) : modelSpace.status();
+  if (status != Acad::eOk) {
+    printFailed(acadErrorStatusText(status));
+    return {};
+  }
   entity.release()->close();
   return id;
 }

@@ -124,6 +124,18 @@ void reportCurrentException(SourcePlace place = SourcePlace::current()) noexcept
 void printFailed(const wchar_t* detail = nullptr, const wchar_t* more = nullptr,
                  SourcePlace place = SourcePlace::current()) noexcept;
 
+/// For what the host calls all the time, as at every move of the cursor: as `guarded`, but only the first failure is
+/// reported; `wasTold` remembers it.
+template <class Body>
+void guardedOnce(bool& wasTold, Body&& body, SourcePlace place = SourcePlace::current()) noexcept {
+  const SystemExceptionsAsFailures translated;
+  try {
+    std::forward<Body>(body)();
+  } catch (...) {
+    if (!std::exchange(wasTold, true)) reportCurrentException(place);
+  }
+}
+
 /// Runs `body` and reports whatever it throws: the door through which the host calls the plug-in.
 template <class Body>
 void guarded(Body&& body, SourcePlace place = SourcePlace::current()) noexcept {

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
 
 namespace OrvLib {
@@ -17,7 +18,10 @@ AcDbObjectId NumberedGroups::make(const ACHAR* description) {
   while (groups->has(name.c_str())) name = prefix_ + std::to_wstring(++next_);
   auto group = std::make_unique<AcDbGroup>();
   AcDbObjectId id;
-  if (groups->setAt(name.c_str(), group.get(), id) != Acad::eOk) return {};
+  if (const Acad::ErrorStatus status = groups->setAt(name.c_str(), group.get(), id); status != Acad::eOk) {
+    printFailed(acadErrorStatusText(status), name.c_str());
+    return {};
+  }
   const Opened<AcDbGroup> resident(group.release());
   resident->setDescription(description);
   return id;

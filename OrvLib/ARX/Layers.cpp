@@ -27,7 +27,12 @@ Opened<AcDbLayerTableRecord> makeLayer(AcDbDatabase& db, const ACHAR* name) {
   if (!table) return {};
   std::unique_ptr<AcDbLayerTableRecord> layer(new (std::nothrow) AcDbLayerTableRecord);
   if (!layer) throw OrvExpAcad(L"Allocation of layerTableRecord failed");
-  if (layer->setName(name) != Acad::eOk || table->add(layer.get()) != Acad::eOk) return {};
+  Acad::ErrorStatus status = layer->setName(name);
+  if (status == Acad::eOk) status = table->add(layer.get());
+  if (status != Acad::eOk) {
+    printFailed(acadErrorStatusText(status), name);
+    return {};
+  }
   return Opened<AcDbLayerTableRecord>(layer.release());
 }
 

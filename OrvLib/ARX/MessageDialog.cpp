@@ -29,6 +29,7 @@ constexpr std::size_t kMostLines = 30;
 constexpr int kColumn = 4;
 constexpr int kLine = 8;
 constexpr int kMargin = 7;
+constexpr int kFrame = 14;  // around the text, with its scroll bar
 constexpr int kButtonWidth = 50;
 constexpr int kButtonHeight = 14;
 
@@ -93,13 +94,14 @@ class MessageDialog : public CDialog {
       if ((form.buttons & each.button) != 0) offered.push_back(each);
     }
     const Extent extent = extentOf(text);
-    const int width = static_cast<int>(extent.columns + 3) * kColumn;
-    const int height = static_cast<int>(std::min(extent.lines, kMostLines) + 1) * kLine;
+    const int buttons = static_cast<int>(offered.size()) * (kButtonWidth + kMargin) - kMargin;
+    const int width = std::max(static_cast<int>(extent.columns) * kColumn + kFrame, buttons);
+    const int height = static_cast<int>(std::min(extent.lines, kMostLines)) * kLine + kFrame;
     const int never = form.offersNeverAgain ? kButtonHeight : 0;
     const int dialogWidth = width + 2 * kMargin;
     DialogTemplate dialog(title, dialogWidth, height + never + kButtonHeight + 4 * kMargin);
     // The first button is the one that has the focus and that Enter presses.
-    int x = dialogWidth - static_cast<int>(offered.size()) * (kButtonWidth + kMargin);
+    int x = dialogWidth - kMargin - buttons;
     for (const Button& each : offered) {
       dialog.button(each.id, each.caption, {x, height + never + 3 * kMargin, kButtonWidth, kButtonHeight},
                     &each == offered.data() ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON);

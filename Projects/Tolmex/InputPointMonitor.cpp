@@ -43,7 +43,8 @@ Acad::ErrorStatus InputPointMonitor::monitorInputPoint(
     const AcArray<AcDbObjectId>& apertureEntities, const NestedIds&, const AcArray<Adesk::GsMarker>&,
     const AcArray<AcDbObjectId>&, const NestedIds&, const AcArray<Adesk::GsMarker>&, const AcArray<AcGeCurve3d*>&,
     const AcGePoint3d&, const ACHAR*) {
-  guarded([&] {
+  static bool wasTold = false;
+  guardedOnce(wasTold, [&] {
     if (apertureEntities.isEmpty()) return;
     const Opened<AcDbEntity> entity(apertureEntities.first(), AcDb::kForRead);
     if (!entity) return;

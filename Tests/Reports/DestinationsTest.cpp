@@ -309,6 +309,20 @@ TEST_F(DestinationsInHost, OnlyTheWindowStartsTheToolkit) {
   EXPECT_EQ(outcome.status, 0) << outcome.err;
 }
 
+TEST_F(DestinationsInHost, AProgramThatJustEndsLeavesAFinishedFile) {
+  const Outcome outcome = inProcess([&] {
+    // Nothing is unloaded: the module's end is that of the process.
+    auto& application = *new host::editor::Application;
+    auto& log = *new Exports;
+    if (!application.newDrawing() || !application.loadModule(kModule)) return 100;
+    log.setFile(fileName().c_str());
+    log.printTo(4 | 32, L"viimeinen\n");
+    std::exit(7);
+  });
+  EXPECT_EQ(outcome.status, 7) << outcome.err;
+  EXPECT_THAT(contentOf(folder / "a.log"), MatchesRegex(std::string(kHeader) + "viimeinen\n" + kFooter));
+}
+
 TEST_F(DestinationsInHost, TwoModulesLogThroughOneLogger) {
   const Outcome outcome = inHost([&](Exports& log, host::editor::Application& application) {
     if (!application.loadModule(fs::path(TOLMEX_BIN_DIR) / "logmodule.arx")) return 1;
