@@ -12,12 +12,13 @@ void dialog(Prompter& prompter) {
   for (;;) {
     const auto title = prompter.text(L"Enter title of the dialog: ");
     if (!title || (openDialogs != nullptr && openDialogs->act(title.value))) return;
-    std::wstring known;
-    if (openDialogs != nullptr) {
-      for (const std::wstring& each : openDialogs->titles()) known += (known.empty() ? L"\"" : L", \"") + each + L"\"";
+    std::wstring sentence = L"no dialog \"" + title.value + L"\" is open";
+    const wchar_t* separator = L"; open are \"";
+    for (const std::wstring& each : openDialogs != nullptr ? openDialogs->titles() : std::vector<std::wstring>()) {
+      sentence.append(separator).append(each).append(L"\"");
+      separator = L", \"";
     }
-    const std::wstring sentence = L"no dialog \"" + title.value + L"\" is open";
-    if (!prompter.refuse(known.empty() ? sentence : sentence + L"; open are " + known)) return;
+    if (!prompter.refuse(sentence)) return;
   }
 }
 

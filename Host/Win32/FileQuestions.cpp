@@ -29,7 +29,9 @@ std::wstring askLine(const FileQuestion& question) {
     std::wstring path = unquoted(answer.text);
     std::error_code error;
     if (!path.empty() && !std::filesystem::is_directory(text::toUtf8(path), error)) return path;
-    if (!editor::refuseDialogLine(name + L": \"" + path + L"\" is no name of a file")) return {};
+    std::wstring sentence = name;
+    sentence.append(L": \"").append(path).append(L"\" is no name of a file");
+    if (!editor::refuseDialogLine(sentence)) return {};
   }
 }
 

@@ -64,7 +64,7 @@ struct NewWindow {
 /// the window refuses.
 HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const DialogFont* font = nullptr,
                          std::optional<DialogState> dialog = std::nullopt);
-/// Parts all windows from their widgets, without telling them; the windows live on.
+/// Parts all windows from their widgets, when the process ends; the windows live on.
 void dropWidgets();
 /// Delivers what PostMessageW has left.
 void deliverPosted();

@@ -130,9 +130,11 @@ HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const Dial
 }
 
 void dropWidgets() {
+  // Nobody knows which of the toolkit's globals a widget's end would still need.
+  static auto& abandoned = *new std::vector<std::unique_ptr<Widget>>;
   const auto drop = [](const auto& self, HostWindow& window) -> void {
     for (const auto& child : window.children) self(self, *child);
-    window.widget = std::make_unique<Widget>();
+    abandoned.push_back(std::exchange(window.widget, std::make_unique<Widget>()));
   };
   for (const auto& window : desktop().topLevel) drop(drop, *window);
 }

@@ -79,7 +79,7 @@ void DialogTemplate::doubleWord(DWORD value) {
 void DialogTemplate::text(std::wstring_view text) {
   constexpr std::uint32_t kBeyondOneWord = 0x10000;
   for (const wchar_t each : text) {
-    const auto character = static_cast<std::uint32_t>(each);
+    const std::uint32_t character = std::char_traits<wchar_t>::to_int_type(each);
     if (character < kBeyondOneWord) {
       word(character);
     } else {  // wide characters of 32 bits
