@@ -4,9 +4,11 @@
 #include <sys/resource.h>
 
 #include <cstdlib>
+#include <sstream>
 
 #include "Editor/Application.h"
 #include "Editor/ScriptInput.h"
+#include "OrvLib/ARX/DebugLog.h"
 #include "Reports/Exports.h"
 #include "Text/Text.h"
 
@@ -175,6 +177,31 @@ TEST_F(Destinations, LongTextsAreWholeWhereNoBufferCutsThem) {
   EXPECT_EQ(outcome.out.size(), 100000U);
   EXPECT_THAT(outcome.err, StartsWith("debugger: xxx"));
   EXPECT_THAT(contentOf(folder / "a.log"), HasSubstr(std::string(100000, 'x')));
+}
+
+int printed(OrvLib::DebugLog& log, const wchar_t* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int result = log.print(format, arguments);
+  va_end(arguments);
+  return result;
+}
+
+TEST_F(Destinations, AnAttachedStreamTakesTheTextAsFarAsItIsGood) {
+  OrvLib::DebugLog log;
+  std::wostringstream stream;
+  log.setMode(OrvLib::DebugLog::kStream);
+  EXPECT_EQ(printed(log, L"nobody\n"), 0);
+  log.attachStream(&stream);
+  EXPECT_EQ(printed(log, L"%s %d\n", L"ä", 5), 4);
+  EXPECT_EQ(printed(log, L"%s", std::wstring(20000, L'z').c_str()), 9998);
+  EXPECT_TRUE(stream.str() == L"ä 5\n" + std::wstring(9998, L'z'));
+  stream.setstate(std::ios::badbit);
+  EXPECT_EQ(printed(log, L"x"), -1);
+  log.attachStream(nullptr);
+  EXPECT_EQ(printed(log, L"x"), 0);
+  log.attachCallback([] { return std::wstring(L"own"); });
+  EXPECT_EQ(log.callbackText(), L"own");
 }
 
 TEST_F(Destinations, TheDebuggersOutputIsStandardErrorWithAPrefix) {

@@ -189,6 +189,17 @@ TEST_F(Failures, AHostCallThatFailsEndsItsCommandAlone) {
   reopen();
 }
 
+TEST_F(Failures, ACursorMonitorTellsOnlyOnce) {
+  run("PLINE\n0,0\n10,0\n10,10\nC\nTLM_MUOK_ASFALTTI\nALL\n\n");
+  faults::failAllocation("tolmex.arx", 1, faults::Lasting::AllFromThere);
+  const std::string first = run("HOVER\n5,0\n");
+  const std::string second = run("HOVER\n5,0\n");
+  faults::off();
+  EXPECT_THAT(first, HasSubstr("Not enough memory"));
+  EXPECT_THAT(second, testing::AllOf(Not(HasSubstr("[")), HasSubstr("No tooltip.")));
+  EXPECT_THAT(run("HOVER\n5,0\n"), HasSubstr("Asfaltti"));
+}
+
 /// Lets every allocation of a command fail in turn. Each failure is told, leaves a drawing that can be saved and read,
 /// and the same command done again has the effect that it has in an untroubled drawing.
 class EveryAllocation : public Failures {
