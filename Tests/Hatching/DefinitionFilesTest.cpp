@@ -19,7 +19,7 @@ using Problems = std::vector<std::string>;
 using Numbers = std::vector<double>;
 
 std::string shipped(const char* name) {
-  const auto root = std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
+  const auto root = std::filesystem::path(TOLMEX_SOURCE_DIR);
   std::ifstream file(root / "Host/Hatching/support" / name, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

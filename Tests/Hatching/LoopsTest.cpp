@@ -34,7 +34,7 @@ std::vector<HardLoop> hardLoops() {
       {"None", LoopFault::None},           {"NotFinite", LoopFault::NotFinite},
       {"NotClosed", LoopFault::NotClosed}, {"TooFewPoints", LoopFault::TooFewPoints},
       {"ZeroArea", LoopFault::ZeroArea},   {"SelfCrossing", LoopFault::SelfCrossing}};
-  std::ifstream file(std::filesystem::path(__FILE__).replace_filename("loops.txt"));
+  std::ifstream file(std::filesystem::path(TOLMEX_SOURCE_DIR) / "Tests/Hatching/loops.txt");
   std::vector<HardLoop> loops;
   for (std::string line; std::getline(file, line);) {
     if (line.empty() || line.front() == '#') continue;
