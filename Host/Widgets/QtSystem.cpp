@@ -120,6 +120,7 @@ bool startToolkit(Shown shown) {
     count = 3;
     QApplication::setStyle("Fusion");
     QApplication::setDesktopSettingsAware(false);
+    QApplication::setCursorFlashTime(0);  // pictures do not depend on the moment
   }
   // Off-screen nobody needs to hear what the toolkit misses on this machine.
   const QtMessageHandler former =

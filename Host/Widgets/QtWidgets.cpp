@@ -127,13 +127,21 @@ class Dialog final : public Typed<DialogWindow> {
     t_.setVisible(wasVisible);  // changed flags hide it
     if (stacking == win32::Stacking::Bottom && shown_ == Shown::OnScreen) t_.lower();
   }
+  void setVisible(bool visible) override {
+    t_.setVisible(visible);
+    if (visible) handleWaitingEvents();
+  }
   std::wstring text() const override { return t_.windowTitle().toStdWString(); }
   void setText(std::wstring_view text) override { t_.setWindowTitle(toQt(text)); }
   bool savePicture(const std::filesystem::path& file) override {
+    handleWaitingEvents();
     return t_.grab().save(QString::fromStdString(file.string()), "PNG");
   }
 
  private:
+  /// A script never comes back to the toolkit's loop: without this the window is not active and its focus does not move.
+  static void handleWaitingEvents() { QApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+
   Shown shown_;
   bool isResizable_;
 };

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
@@ -14,7 +15,6 @@
 #include "Tolmex/DialogFields.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/EntityTag.h"
-#include "Tolmex/MessageBoxes.h"
 #include "Tolmex/Resource.h"
 
 namespace OrvLib {
@@ -42,14 +42,6 @@ BuildingValues& lastAccepted() {
 float toFloat(double value) {
   constexpr double kLargest = std::numeric_limits<float>::max();
   return static_cast<float>(std::clamp(value, -kLargest, kLargest));
-}
-
-AcDbObjectId idOfHandle(const std::wstring& text) {
-  AcDbObjectId id;
-  const AcDbDatabase* const db = orWorkingDatabase(nullptr);
-  const AcDbHandle handle(text.c_str());
-  if (db == nullptr || handle.isNull() || db->getAcDbObjectId(id, false, handle) != Acad::eOk) return {};
-  return id;
 }
 
 /// The stored category of an entity that can be opened, or nothing.
@@ -103,9 +95,7 @@ class BuildingDLG : public CAcUiDialog {
     guarded([this] {
       takeRoofColors();
       for (const Field& field : kFields) {
-        if (hasNumber(this->*field.edit)) continue;
-        showMessage(field.refusal);
-        return;
+        if (!hasNumber(this->*field.edit)) return refuseField(this->*field.edit, field.refusal);
       }
       CDocData& data = currentDocData();
       for (const Field& field : kFields) {
@@ -170,7 +160,7 @@ class BuildingDLG : public CAcUiDialog {
         values_.sunlitRoofColor = colors->sun;
       }
     }
-    const AcDbObjectId line = ridgeHandle ? idOfHandle(*ridgeHandle) : AcDbObjectId();
+    const AcDbObjectId line = ridgeHandle ? objectOfHandle(*ridgeHandle) : AcDbObjectId();
     if (line.isNull() || categoryOf(line) != row(Category::RidgeLine).tag) return;
     ridge_.ridgeLineId = line;
     ridge_.hasRidge = true;

@@ -5,6 +5,7 @@
 
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/DataStruct/Text.h"
+#include "Tolmex/MessageBoxes.h"
 
 namespace OrvLib {
 
@@ -16,6 +17,12 @@ inline std::wstring fieldText(const CWnd& field) {
 
 /// Whether the field holds a number; blanks are none.
 inline bool hasNumber(CAcUiEdit& field) { return field.Validate() != FALSE && !words(fieldText(field)).empty(); }
+
+/// Tells the user what the field needs and leaves the cursor in it.
+inline void refuseField(CWnd& field, const wchar_t* what) {
+  showMessage(what);
+  field.SetFocus();
+}
 
 inline double fieldNumber(const CWnd& field) { return leadingNumber(fieldText(field)); }
 

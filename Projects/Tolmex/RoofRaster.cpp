@@ -50,7 +50,7 @@ std::optional<PolyLine> askFace(int pointCount) {
 /// Plan direction of the edge; just under a full turn when its ends are the same point.
 double directionOf(const Line& edge) {
   if (edge.start.isEqualTo(edge.end)) return std::atan(1.0) * 7.999999999999999;
-  return edge.planAngle();
+  return std::atan2(edge.end.y - edge.start.y, edge.end.x - edge.start.x);
 }
 
 enum class Filling { Done, WithoutColors };

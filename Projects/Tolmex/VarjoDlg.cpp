@@ -11,7 +11,6 @@
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DialogFields.h"
 #include "Tolmex/DocData.h"
-#include "Tolmex/MessageBoxes.h"
 #include "Tolmex/Resource.h"
 #include "Tolmex/ShadowCommands.h"
 #include "Tolmex/ShadowSettings.h"
@@ -83,7 +82,7 @@ class VarjoDlg : public CAcUiDialog {
                                        {scaleEdit_, L"Kirjoita varjon skaala."}}};
     for (const Field& field : fields) {
       if (hasNumber(field.edit)) continue;
-      showMessage(field.refusal);
+      refuseField(field.edit, field.refusal);
       return false;
     }
     return true;

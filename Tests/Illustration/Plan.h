@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <sstream>
 #include <string>
@@ -38,7 +39,10 @@ class Plan : public testing::Test {
 
   static host::editor::ApplicationOptions options(Plan* plan) {
     host::editor::ApplicationOptions options;
-    options.transcript = [plan](std::wstring_view text) { plan->transcript_ += host::text::toUtf8(text); };
+    options.transcript = [plan](std::wstring_view text) {
+      plan->transcript_ += host::text::toUtf8(text);
+      if (plan->whenShown_) plan->whenShown_();
+    };
     options.supportFolders = {std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid())) /
                               "support"};
     return options;
@@ -124,6 +128,7 @@ class Plan : public testing::Test {
 
   std::filesystem::path folder_;
   std::string transcript_;
+  std::function<void()> whenShown_;  // called for every piece of the transcript, dialogs open or not
   host::editor::Application application_;
 };
 
