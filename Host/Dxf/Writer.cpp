@@ -2,6 +2,7 @@
 // comes out as it went in.
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 #include "Database/Parts.h"
 #include "Dxf/DxfFile.h"
@@ -44,17 +45,45 @@ class Writer {
   std::size_t offsetOf(const Slot& slot) const { return static_cast<std::size_t>(slot.begin - parts_.text.data()); }
 
   void collectChanges() {
+    bool anyErased = false;
+    parts_.slots.forEach([&](const Slot& slot) { anyErased = anyErased || slot.isErased(); });
     parts_.slots.forEach([&](Slot& slot) {
+      const bool losesMembers = anyErased && slot.type == DxfType::Group && !slot.isErased() && dropErasedMembers(slot);
       if ((slot.flags & kNew) != 0) {
         if (!slot.isErased()) insertions_.push_back(&slot);
         return;
       }
       if (slot.isErased()) {
         edits_.push_back({offsetOf(slot), slot.length, {}});
-      } else if ((slot.flags & kChanged) != 0) {
-        edits_.push_back({offsetOf(slot), slot.length, slot.live->record.pieces()});
+      } else if ((slot.flags & kChanged) != 0 || losesMembers) {
+        edits_.push_back({offsetOf(slot), slot.length, piecesOf(slot)});
       }
     });
+  }
+
+  /// Groups keep their erased members, for these may come back with an undo; the file does not name them. False when
+  /// there are none. Members that the file never had stay as they are.
+  bool dropErasedMembers(const Slot& group) {
+    constexpr int kMember = 340;
+    std::string kept;
+    bool found = false;
+    database::Tag tag;
+    for (database::TagCursor cursor = group.tags(); cursor.next(tag);) {
+      const Slot* const member = tag.code == kMember ? db_.findHandle(tag.handle()) : nullptr;
+      if (member != nullptr && member->isErased()) {
+        found = true;
+      } else {
+        kept += tag.bytes;
+      }
+    }
+    if (found) withoutErased_[&group] = {parts_.arena.keep(kept)};
+    return found;
+  }
+
+  /// The text of a new or changed object.
+  const std::vector<std::string_view>& piecesOf(const Slot& slot) const {
+    const auto trimmed = withoutErased_.find(&slot);
+    return trimmed != withoutErased_.end() ? trimmed->second : slot.live->record.pieces();
   }
 
   /// Objects without a handle in the file get theirs as soon as anything is written, for other objects may name them.
@@ -76,7 +105,7 @@ class Writer {
   }
 
   void append(std::vector<std::string_view>& out, const Slot& slot) const {
-    const std::vector<std::string_view>& pieces = slot.live->record.pieces();
+    const std::vector<std::string_view>& pieces = piecesOf(slot);
     out.insert(out.end(), pieces.begin(), pieces.end());
     for (const Slot* sub = slot.firstSub; sub != nullptr; sub = sub->nextSub) {
       if (!sub->isErased() && (sub->flags & kNew) != 0) {
@@ -196,6 +225,7 @@ class Writer {
   DrawingDatabase::Parts& parts_;
   std::vector<Edit> edits_;
   std::vector<const Slot*> insertions_;
+  std::unordered_map<const Slot*, std::vector<std::string_view>> withoutErased_;  // groups that lost members
 };
 
 }  // namespace

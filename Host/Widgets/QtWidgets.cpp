@@ -139,7 +139,8 @@ class Dialog final : public Typed<DialogWindow> {
   }
 
  private:
-  /// A script never comes back to the toolkit's loop: without this the window is not active and its focus does not move.
+  /// A script never comes back to the loop of events: without this the window is not active, its focus does not
+  /// move.
   static void handleWaitingEvents() { QApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
 
   Shown shown_;

@@ -12,12 +12,15 @@ The expectation names what must be in every file; all keys may be left out:
     {"hatches": [{"layer": "tma_nurmi", "count": 5, "pattern": "SOLID"}],
      "groups": [{"name": "Parkkipaikka0", "count": 11, "description": "..."}],
      "xdata": [{"handle": "240", "application": "kaava_tolmex", "values": {"ENTITYTYPE": "Nurmialue"}}],
+     "xrecords": [{"path": ["orv_tolmex", "shadowSettings"], "items": [[1, "SHADOWCOLOR"], [70, 7]]}],
+     "emptied groups": ["Varjo"],
      "layers": {"tma_asf": 254},
      "entities": {"LWPOLYLINE": 57},
      "order": [["240", "284"]]}
 
-`values` are key and value as successive text items; `order` lists handles that must be drawn in that order, through the sort
-table of the model space; "hatches" counts exactly; an `order` needs that table.
+`values` are key and value as successive text items, `items` are all of them but the name with their codes, in order; "emptied
+groups" are prefixes of groups that may be empty, which the auditor would remove; `order` lists handles that must be drawn in
+that order, through the sort table of the model space; "hatches" counts exactly; an `order` needs that table.
 """
 
 from __future__ import annotations
@@ -35,12 +38,14 @@ from ezdxf.lldxf.const import DXFError
 
 
 def handle_errors(path: pathlib.Path) -> Iterator[str]:
-    """Handles given twice, and a next handle that is already in use: a reader repairs or overwrites those silently."""
+    """Handles given twice, a next handle that is already in use, groups' members that are nowhere: a reader repairs or
+    overwrites those silently."""
     content = path.read_bytes()
     if content.startswith(b"AutoCAD Binary DXF"):
         return
     lines = content.splitlines()
     seen: set[int] = set()
+    members: list[int] = []
     seed = 0
     kind, awaits_handle, awaits_seed = b"", False, False
     for code, value in zip((line.strip() for line in lines[::2]), (line.strip() for line in lines[1::2])):
@@ -53,18 +58,24 @@ def handle_errors(path: pathlib.Path) -> Iterator[str]:
             seed, awaits_seed = int(value, 16), False
         elif code == b"100":
             awaits_handle = False
+        elif code == b"340" and kind == b"GROUP":
+            members.append(int(value, 16))
         elif awaits_handle and code == (b"105" if kind == b"DIMSTYLE" else b"5"):
             handle, awaits_handle = int(value, 16), False
             if handle in seen:
                 yield f"{kind.decode('ascii', 'replace')} {handle:X}: handle used twice"
             seen.add(handle)
+    for member in sorted(set(members) - seen - {0}):
+        yield f"a group's member {member:X} is not in the drawing"
     if seen and seed <= max(seen):
         yield f"$HANDSEED {seed:X} is not above the largest handle {max(seen):X}"
 
 
-def audit_problems(document: Drawing) -> list[tuple[int, str]]:
+def audit_problems(document: Drawing, emptied_groups: list[str]) -> list[tuple[int, str]]:
+    emptied = tuple(f'Removed empty group "{prefix}' for prefix in emptied_groups)
     auditor = document.audit()
-    return [(problem.code, problem.message) for problem in auditor.errors + auditor.fixes]
+    problems = [(problem.code, problem.message) for problem in auditor.errors + auditor.fixes]
+    return [problem for problem in problems if not (emptied and problem[1].startswith(emptied))]
 
 
 def hatch_errors(document: Drawing, expected: list[dict]) -> Iterator[str]:
@@ -106,6 +117,23 @@ def xdata_errors(document: Drawing, expected: list[dict]) -> Iterator[str]:
         for key, value in wanted.get("values", {}).items():
             if values.get(key) != value:
                 yield f"{where}: {key} is {values.get(key)!r}, expected {value!r}"
+        found = [[tag.code, tag.value] for tag in entity.get_xdata(wanted["application"])]
+        if found != wanted.get("items", found):
+            yield f"{where}: items {found}, expected {wanted['items']}"
+
+
+def xrecord_errors(document: Drawing, expected: list[dict]) -> Iterator[str]:
+    for wanted in expected:
+        where = "/".join(wanted["path"])
+        record = document.rootdict
+        for key in wanted["path"]:
+            record = record.get(key) if record is not None and record.dxftype() == "DICTIONARY" else None
+        if record is None or record.dxftype() != "XRECORD":
+            yield f"{where} is no record"
+            continue
+        items = [[tag.code, tag.value] for tag in record.tags]
+        if items != wanted["items"]:
+            yield f"{where}: items {items}, expected {wanted['items']}"
 
 
 def layer_errors(document: Drawing, expected: dict[str, int]) -> Iterator[str]:
@@ -139,6 +167,7 @@ CHECKS = {
     "hatches": hatch_errors,
     "groups": group_errors,
     "xdata": xdata_errors,
+    "xrecords": xrecord_errors,
     "layers": layer_errors,
     "entities": entity_errors,
     "order": order_errors,
@@ -152,7 +181,7 @@ def errors_of(path: pathlib.Path, expected: dict, baseline: collections.Counter)
         errors = [error for key, check in CHECKS.items() for error in check(document, expected.get(key, type_of_key(key)))]
         errors += handle_errors(path)
         allowed = collections.Counter(baseline)
-        for code, message in audit_problems(document):
+        for code, message in audit_problems(document, expected.get("emptied groups", [])):
             if allowed[code] > 0:
                 allowed[code] -= 1
             else:
@@ -173,12 +202,12 @@ def main() -> int:
     parser.add_argument("files", nargs="+", type=pathlib.Path)
     arguments = parser.parse_args()
     expected = json.loads(arguments.expect.read_text(encoding="utf-8")) if arguments.expect else {}
-    unknown = set(expected) - set(CHECKS)
+    unknown = set(expected) - set(CHECKS) - {"emptied groups"}
     if unknown:
         parser.error(f"{arguments.expect}: unknown keys {', '.join(sorted(unknown))}")
     baseline: collections.Counter = collections.Counter()
     if arguments.baseline:
-        baseline.update(code for code, _ in audit_problems(ezdxf.readfile(arguments.baseline)))
+        baseline.update(code for code, _ in audit_problems(ezdxf.readfile(arguments.baseline), []))
     failed = False
     for path in arguments.files:
         errors = errors_of(path, expected, baseline)
