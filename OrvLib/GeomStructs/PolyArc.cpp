@@ -102,7 +102,7 @@ PolyLine PolyArc::approximated(double chordArcLength) const {
   for (std::size_t i = 0; i < segmentCount(); ++i) {
     if (isArc(vertices_[i].bulge) && arcOf(i).isUsable()) length += arcOf(i).length();
   }
-  const double step = chordArcLength > 0 ? std::max(chordArcLength, length / kMostPieces) : 0;
+  const double step = chordArcLength > 0 && length <= chordArcLength * kMostPieces ? chordArcLength : 0;
 
   std::vector<Point3d> points;
   for (std::size_t i = 0; i < segmentCount(); ++i) {

@@ -25,9 +25,9 @@ class PolyArc {
  public:
   /// A segment counts as an arc from this magnitude of its bulge on.
   static constexpr double kSmallestBulge = 0.0001;
-  /// The most pieces that all arcs of a course are cut into, whatever a drawing claims about its size; pieces grow
-  /// where the asked length would give more.
-  static constexpr int kMostPieces = 1'000'000;
+  /// The most pieces that all arcs of a course are cut into. A course that would give more is no plan but a damaged
+  /// number: its arcs keep their ends only.
+  static constexpr int kMostPieces = 50'000;
 
   PolyArc() = default;
   explicit PolyArc(std::vector<ArcVertex> vertices, bool closed = false);

@@ -113,6 +113,14 @@ TEST_F(WorkedShadows, SmallHalfCirclesAreTheirChord) {
   EXPECT_EQ(polygons(), (Polygons{"2.5,0>2.5,-3>-2.5,-3>-2.5,0", "-2.5,0>-2.5,-3>0,-3>0,0", "0,0>0,-3>2.5,-3>2.5,0"}));
 }
 
+TEST_F(WorkedShadows, ADamagedArcCostsNothing) {
+  run("PLINE\n0,0\nA\nS\n1e9,1e9\n2e9,0\nL\n2e9,5\n2000000010,5\n\n");
+  const std::string fence = handle(*last(DxfType::LwPolyline));
+  run("TLM_MUOK_AITA_LAUTA\n" + pickHandle(fence) + "\nTLM_ASETA_KORKEUS\n" + pickHandle(fence) +
+      "\n2\nTLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(shadowCount(), 2U);  // the straight edges
+}
+
 TEST_F(WorkedShadows, GablesReachFurtherByTheirRidge) {
   // Walls cast 6, the ridge 2 / 3 of a floor more: 8. The western gable closes the outline.
   const Polygons expected = {"16,0>22,0>24,4.5>16,4.5", "16,4.5>24,4.5>22,9>16,9", "0,9>6,9>8,4.5>0,4.5",
@@ -157,6 +165,12 @@ TEST_F(WorkedShadows, GroupsTakeTheLowestFreeNumbers) {
   all.replace(all.find("\nVarjo1\n"), 8, "\nMuu\n");
   openText(all);
   run("TLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(members(*groups().at("Varjo1")), 4U);
+  // What a save leaves out comes back with the undo.
+  run("TLM_VARJO_PAIVITA\n");
+  text();
+  run("U\n");
+  reopen();
   EXPECT_EQ(members(*groups().at("Varjo1")), 4U);
   run("TLM_VARJO_PAIVITA\n");
   EXPECT_EQ(members(*groups().at("Varjo3")), 4U);
