@@ -33,7 +33,7 @@ class PathCollector {
     if (++entities_ > kMostEntities) return;
     const double scale = placement.planScale();
     const double deviation = deviation_ > 0 && scale > 0 ? deviation_ / scale : 0;
-    if (isReference(entity.type)) {
+    if (isReference(entity)) {
       collectReference(entity, placement, inheritedLayer);
     } else if (entity.type == DxfType::Hatch) {
       collectHatch(entity, placement, deviation);

@@ -248,6 +248,22 @@ bool isSheetViewport(const Slot& viewport) {
   return height == viewHeight && center.x == viewCenter.x && center.y == viewCenter.y;
 }
 
+bool hasShape(DxfType type) {
+  switch (type) {
+    case DxfType::Unknown:
+    case DxfType::Region:
+    case DxfType::Solid3d:
+    case DxfType::Body:
+    case DxfType::Shape:
+    case DxfType::Tolerance:
+    case DxfType::Table:
+    case DxfType::Proxy:
+      return false;
+    default:
+      return type < DxfType::FirstOther;
+  }
+}
+
 EntityShape readShape(const Slot& entity, double deviation) {
   EntityShape shape;
   switch (entity.type) {

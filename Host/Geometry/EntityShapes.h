@@ -48,6 +48,9 @@ struct EntityShape {
 /// Curves.h.
 EntityShape readShape(const database::Slot& entity, double deviation);
 
+/// False for kinds whose drawn shape is not in their own data, or in none this host can read.
+bool hasShape(database::DxfType type);
+
 /// True for the VIEWPORT that is the view of a layout's sheet itself and no window in it.
 bool isSheetViewport(const database::Slot& viewport);
 

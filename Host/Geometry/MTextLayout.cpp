@@ -47,6 +47,7 @@ class Parser {
     format_.height = parts.height;
     format_.widthFactor = parts.widthFactor;
     format_.obliqueRad = parts.obliqueRad;
+    format_.bold = parts.bold;
   }
 
   std::vector<Atom> parse() {
@@ -408,18 +409,33 @@ std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWid
   for (const Line& line : lines) widest = std::max(widest, line.width);
   if (widest == 0) return {};
 
-  // Base lines, the first line's capitals touching y = 0.
+  // Base lines, the first line's capitals touching y = 0; every column begins at the top again.
   std::vector<double> bases;
-  double y = 0;
+  std::vector<std::size_t> columns;
+  std::size_t columnOfLine = 0;
+  double y = 0, lowest = 0;
   for (const Line& line : lines) {
     const double height = parts.exactSpacing ? parts.height : line.height;
-    y -= bases.empty() ? line.height : kLinePitch * height * parts.lineSpacing;
+    const bool isFirst = columns.empty() || columns.back() != columnOfLine;
+    double next = y - (isFirst ? line.height : kLinePitch * height * parts.lineSpacing);
+    // The last height given holds for all columns of one height; of several it is what is left.
+    const auto& limits = parts.columnHeights;
+    const bool mayBreak = !limits.empty() && (limits.size() == 1 || columnOfLine + 1 < limits.size());
+    if (mayBreak && !isFirst && -next > limits[std::min(columnOfLine, limits.size() - 1)] * (1 + 1e-9)) {
+      ++columnOfLine;
+      next = -line.height;
+    }
+    y = next;
+    lowest = std::min(lowest, y);
     bases.push_back(y);
+    columns.push_back(columnOfLine);
   }
+  y = lowest;
   const int attachment = std::clamp(parts.attachment, 1, 9);
   const int column = (attachment - 1) % 3, row = (attachment - 1) / 3;
   const double boxWidth = parts.referenceWidth > 0 ? parts.referenceWidth : widest;
-  const double left = -boxWidth * column / 2;
+  const double columnStep = boxWidth + parts.columnGutter;
+  const double left = -(boxWidth + columnStep * static_cast<double>(columnOfLine)) * column / 2;
   const double shift = row == 0 ? 0 : row == 1 ? -y / 2 : -y;
 
   TextBlock block;
@@ -435,7 +451,7 @@ std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWid
     if (line.align == LineAlign::Left) part = 0;
     if (line.align == LineAlign::Center) part = 0.5;
     if (line.align == LineAlign::Right) part = 1;
-    const double x = left + (boxWidth - line.width) * part;
+    const double x = left + columnStep * static_cast<double>(columns[i]) + (boxWidth - line.width) * part;
     setter.set(line, x, bases[i] + shift);
     if (line.width == 0) continue;
     block.box.add(Point{x, bases[i] + shift});

@@ -90,12 +90,18 @@ struct ReferenceTags {
 
 }  // namespace
 
-bool isReference(DxfType type) {
-  return type == DxfType::Insert || type == DxfType::Dimension || type == DxfType::Table;
+bool isDimension(const Slot& entity) {
+  if (entity.type < DxfType::FirstOther) return entity.type == DxfType::Dimension;
+  const std::string_view name = entity.database().typeName(entity);
+  return name == "ARC_DIMENSION" || name == "LARGE_RADIAL_DIMENSION";
+}
+
+bool isReference(const Slot& entity) {
+  return entity.type == DxfType::Insert || entity.type == DxfType::Table || isDimension(entity);
 }
 
 std::optional<BlockReference> readReference(const Slot& entity) {
-  if (!isReference(entity.type)) return {};
+  if (!isReference(entity)) return {};
   const ReferenceTags tags(entity);
   if (tags.name.empty()) return {};
   const auto& db = entity.database();
@@ -103,7 +109,7 @@ std::optional<BlockReference> readReference(const Slot& entity) {
   reference.block = db.findBlock(db.codec().decode(tags.name));
   if (reference.block == nullptr) return {};
   const AcGePoint3d base = basePoint(*reference.block);
-  if (entity.type == DxfType::Dimension) {
+  if (isDimension(entity)) {
     // The block of a dimension is drawn in world coordinates; copies of it are moved by a vector.
     if (!isUsable(tags.clonePosition)) return {};
     reference.first.origin = tags.clonePosition;

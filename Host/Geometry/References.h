@@ -23,7 +23,7 @@ struct BlockReference {
   }
 };
 
-bool isReference(database::DxfType type);
+bool isReference(const database::Slot& entity);
 /// Nothing for other entities, an unknown block, or a place or scale that is not finite.
 std::optional<BlockReference> readReference(const database::Slot& entity);
 

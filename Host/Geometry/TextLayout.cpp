@@ -23,22 +23,49 @@ struct SingleLine {
   AcGePoint3d first, second;
   AcGeVector3d normal{0, 0, 1};
   double height = 0, rotationRad = 0, widthFactor = 1, obliqueRad = 0;
-  int horizontal = 0, vertical = 0, generation = 0;
+  int horizontal = 0, vertical = 0, generation = 0, attributeFlags = 0;
+  std::string_view style;
   std::wstring text;
+};
+
+/// What a text style tells beyond what every text repeats.
+struct StyleTags {
+  bool isVertical = false, isBold = false;
+  double widthFactor = 1, obliqueRad = 0;
+
+  StyleTags(const database::DrawingDatabase& db, std::string_view name) {
+    constexpr int kVertical = 4;
+    constexpr std::int64_t kBoldFace = 0x2000000;
+    const Slot* record = name.empty() ? nullptr : db.findRecord(DxfType::TextStyle, db.codec().decode(name));
+    if (record == nullptr) return;
+    database::TagCursor tags = record->tags();
+    for (Tag tag; tags.next(tag);) {
+      if (tag.code == 70) isVertical = (tag.integer() & kVertical) != 0;
+      if (tag.code == 41) widthFactor = usable(coordinate(tag), 1);
+      if (tag.code == 50) obliqueRad = tag.real() * kRadiansPerDegree;
+      if (tag.code == 1071) isBold = (tag.integer() & kBoldFace) != 0;
+    }
+  }
 };
 
 SingleLine readSingleLine(const Slot& slot) {
   SingleLine line;
   const bool isAttribute = slot.type == DxfType::Attrib || slot.type == DxfType::AttDef;
   const int verticalCode = isAttribute ? 74 : 73;
-  const int textCode = slot.type == DxfType::AttDef ? 2 : 1;
+  std::string_view tagName;
   AcGePoint3d normal{0, 0, 1};
   std::string_view text;
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
     if (takePoint(tag, 10, line.first) || takePoint(tag, 11, line.second) || takePoint(tag, 210, normal)) continue;
-    if (tag.code == textCode)
+    if (tag.code == 1)
       text = tag.value;
+    else if (tag.code == 2)
+      tagName = tag.value;
+    else if (tag.code == 7)
+      line.style = tag.value;
+    else if (tag.code == 70)
+      line.attributeFlags = static_cast<int>(tag.integer());
     else if (tag.code == 40)
       line.height = coordinate(tag);
     else if (tag.code == 41)
@@ -54,6 +81,9 @@ SingleLine readSingleLine(const Slot& slot) {
     else if (tag.code == verticalCode)
       line.vertical = static_cast<int>(tag.integer());
   }
+  // A definition stands for what is filled in later, unless its value is the same everywhere.
+  constexpr int kConstant = 2;
+  if (slot.type == DxfType::AttDef && (line.attributeFlags & kConstant) == 0) text = tagName;
   line.text = slot.database().codec().decode(text);
   line.normal = normal.asVector();
   return line;
@@ -119,14 +149,40 @@ PlainText withoutPercentCodes(std::wstring_view coded) {
   return plain;
 }
 
+/// One letter below the other, each centred on the line down from the place of the text.
+void setVertically(TextBlock& block, const std::wstring& text, const SingleLine& line, const CharacterWidth& width) {
+  constexpr double kPitch = 1.5;  // of the height
+  double share = 0;               // of the column above the place
+  if (line.vertical == 1 || line.horizontal == 2) share = 1;
+  if (line.vertical == 2 || line.horizontal == 1 || line.horizontal == 4) share = 0.5;
+  const double column = (static_cast<double>(text.size()) * kPitch - (kPitch - 1)) * line.height;
+  double y = share * column - line.height;
+  for (const wchar_t c : text) {
+    TextRun run;
+    run.text = c;
+    run.width = width(c, false) * line.height * line.widthFactor;
+    run.x = -run.width / 2;
+    run.y = y;
+    run.height = line.height;
+    run.widthFactor = line.widthFactor;
+    run.obliqueRad = std::clamp(line.obliqueRad, -kSteepestOblique, kSteepestOblique);
+    block.box.add(Point{run.x, y});
+    block.box.add(Point{run.x + run.width, y + line.height});
+    block.runs.push_back(std::move(run));
+    y -= kPitch * line.height;
+  }
+}
+
 std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth& width) {
   SingleLine line = readSingleLine(slot);
   const PlainText plain = withoutPercentCodes(line.text);
+  const StyleTags style(slot.database(), line.style);
   line.height = usable(line.height, 0);
   if (plain.text.find_first_not_of(L' ') == std::wstring::npos || line.height == 0 || !isUsable(line.first)) return {};
   line.widthFactor = usable(line.widthFactor, 1);
   std::vector<double> starts{0};  // of each character, and the end
-  for (const wchar_t c : plain.text) starts.push_back(starts.back() + width(c, false) * line.height * line.widthFactor);
+  for (const wchar_t c : plain.text)
+    starts.push_back(starts.back() + width(c, style.isBold) * line.height * line.widthFactor);
 
   const bool isJustified = line.horizontal != 0 || line.vertical != 0;
   const bool isSpread = (line.horizontal == 3 || line.horizontal == 5) && isUsable(line.second);
@@ -164,12 +220,17 @@ std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth
   if ((line.generation & 2) != 0) block.frame.x = -block.frame.x;
   if ((line.generation & 4) != 0) block.frame.y = -block.frame.y;
 
+  if (style.isVertical) {
+    setVertically(block, plain.text, line, width);
+    return block;
+  }
   TextRun run;
   run.text = plain.text;
   run.x = left;
   run.y = base;
   run.width = total;
   run.height = height;
+  run.bold = style.isBold;
   run.widthFactor = line.widthFactor * alongFactor / heightFactor;
   run.obliqueRad = std::clamp(line.obliqueRad, -kSteepestOblique, kSteepestOblique);
   for (const PlainText::Range& rule : plain.rules)
@@ -179,6 +240,51 @@ std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth
   block.box.add(Point{left + total, base + height});
   block.runs.push_back(std::move(run));
   return block;
+}
+
+/// Columns stand in an object embedded behind the text's own tags: 71 kind (0 none, 1 of one height, 2 of their own),
+/// 72 count, 44 width, 45 gutter, 73 heights follow their content, 46 heights.
+void readColumns(const Slot& slot, MTextParts& parts) {
+  constexpr int kNoColumns = 0;
+  bool isEmbedded = false;
+  std::int64_t kind = kNoColumns, count = 0;
+  double width = 0, gutter = 0, definedHeight = 0;
+  std::vector<double> heights;
+  database::TagCursor tags = slot.tags();
+  for (Tag tag; tags.next(tag) && tag.code < 1000;) {
+    if (tag.code == 101) isEmbedded = true;
+    if (!isEmbedded) continue;
+    switch (tag.code) {
+      case 41:
+        definedHeight = usable(coordinate(tag), 0);
+        break;
+      case 44:
+        width = usable(coordinate(tag), 0);
+        break;
+      case 45:
+        gutter = usable(coordinate(tag), 0);
+        break;
+      case 46:
+        heights.push_back(usable(coordinate(tag), 0));
+        break;
+      case 71:
+        kind = tag.integer();
+        break;
+      case 72:
+        count = tag.integer();
+        break;
+      default:
+        break;
+    }
+  }
+  if (kind == kNoColumns || count < 2 || width == 0) return;
+  if (heights.empty()) heights.push_back(definedHeight);
+  if (std::ranges::any_of(heights.begin(), heights.end() - 1, [](double h) { return h <= 0; })) return;
+  // The last column takes what is left.
+  if (heights.size() == 1 && heights[0] <= 0) return;
+  parts.referenceWidth = width;
+  parts.columnGutter = gutter;
+  parts.columnHeights = std::move(heights);
 }
 
 std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidth& width) {
@@ -242,14 +348,11 @@ std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidt
   parts.height = height;
   parts.normal = normal.asVector();
   if (isUsable(direction) && direction.asVector().length() > 0) parts.direction = direction.asVector();
-  const auto& db = slot.database();
-  if (const Slot* record = style.empty() ? nullptr : db.findRecord(DxfType::TextStyle, db.codec().decode(style))) {
-    GeometryTags styleTags(record->tags());
-    for (Tag tag; styleTags.next(tag);) {
-      if (tag.code == 41) parts.widthFactor = usable(coordinate(tag), 1);
-      if (tag.code == 50) parts.obliqueRad = tag.real() * kRadiansPerDegree;
-    }
-  }
+  const StyleTags styleTags(slot.database(), style);
+  parts.widthFactor = styleTags.widthFactor;
+  parts.obliqueRad = styleTags.obliqueRad;
+  parts.bold = styleTags.isBold;
+  readColumns(slot, parts);
   auto block = layoutMText(parts, width);
   if (block && (maskFlags & 3) != 0) {
     const double border = (maskScale - 1) * height;
@@ -266,6 +369,41 @@ std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidt
 }
 
 }  // namespace
+
+std::optional<TextBlock> layoutLine(const LineParts& parts, const CharacterWidth& width) {
+  const PlainText plain = parts.isRaw ? PlainText{parts.text, {}} : withoutPercentCodes(parts.text);
+  const double height = usable(parts.height, 0);
+  if (plain.text.find_first_not_of(L' ') == std::wstring::npos || height == 0 || !isUsable(parts.position)) return {};
+  const auto isGiven = [](const AcGeVector3d& v) { return std::isfinite(v.x + v.y + v.z) && v.length() > 0; };
+  TextRun run;
+  run.text = plain.text;
+  run.height = height;
+  run.widthFactor = usable(parts.widthFactor, 1);
+  run.tracking = usable(parts.tracking, 1);
+  run.bold = parts.isBold;
+  if (std::isfinite(parts.obliqueRad))
+    run.obliqueRad = std::clamp(parts.obliqueRad, -kSteepestOblique, kSteepestOblique);
+  std::vector<double> starts{0};
+  for (const wchar_t c : run.text)
+    starts.push_back(starts.back() + width(c, run.bold) * height * run.widthFactor * run.tracking);
+  run.width = starts.back();
+
+  TextBlock block;
+  const database::ObjectAxes axes(isGiven(parts.normal) ? parts.normal : AcGeVector3d::kZAxis);
+  const AcGeVector3d along = isGiven(parts.direction) ? parts.direction.normal() : axes.ax;
+  block.frame = {along, axes.az.crossProduct(along), axes.az, parts.position};
+  if (parts.isBackwards) block.frame.x = -block.frame.x;
+  if (parts.isUpsideDown) block.frame.y = -block.frame.y;
+  const auto rule = [&](double from, double to, double y) {
+    block.rules.push_back({{from, y * height}, {to, y * height}});
+  };
+  for (const PlainText::Range& range : plain.rules) rule(starts[range.begin], starts[range.end], range.y);
+  if (parts.isUnderlined) rule(0, run.width, -0.2);
+  block.box.add(Point{0, 0});
+  block.box.add(Point{run.width, height});
+  block.runs.push_back(std::move(run));
+  return block;
+}
 
 double meanCharacterWidth(wchar_t character, bool bold) {
   constexpr double kMean = 0.78, kNarrow = 0.4, kFullWidth = 1.35;

@@ -52,6 +52,17 @@ struct TextBlock {
 /// a usable place or height.
 std::optional<TextBlock> layoutText(const database::Slot& entity, const CharacterWidth& width);
 
+/// One line from its base point, for what carries a text inside.
+struct LineParts {
+  std::wstring text;
+  AcGePoint3d position;
+  AcGeVector3d direction{1, 0, 0}, normal{0, 0, 1};
+  double height = 0, widthFactor = 1, obliqueRad = 0, tracking = 1;
+  bool isRaw = false;  // %% stands for itself
+  bool isBackwards = false, isUpsideDown = false, isUnderlined = false, isBold = false;
+};
+std::optional<TextBlock> layoutLine(const LineParts& parts, const CharacterWidth& width);
+
 /// Multi-line text from its parts, for entities that carry one inside.
 struct MTextParts {
   std::wstring contents;
@@ -64,6 +75,11 @@ struct MTextParts {
   bool exactSpacing = false;
   double widthFactor = 1;
   double obliqueRad = 0;
+  bool bold = false;
+  /// Columns side by side: lines go on in the next one where a column's height is used up. Of one height the last
+  /// counts for all that follow; empty: no columns.
+  std::vector<double> columnHeights;
+  double columnGutter = 0;
 };
 std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWidth& width);
 

@@ -1,5 +1,6 @@
 #include "Hatching/HatchContent.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -274,9 +275,39 @@ class HatchReader {
       return;
     }
     if (takePattern(tag)) return;
-    if (tag.code == 450) content_.isGradient = tag.integer() != 0;
+    if (tag.code >= 450 || (tag.code == 63 && content_.isGradient)) takeGradient(tag);
     if (tag.code == 421) content_.gradientColors.push_back(static_cast<std::uint32_t>(tag.integer() & 0xFFFFFF));
     if (keepsRaw_) content_.tail += tag.bytes;
+  }
+
+  void takeGradient(const Tag& tag) {
+    GradientForm& form = content_.gradientForm;
+    switch (tag.code) {
+      case 450:
+        content_.isGradient = tag.integer() != 0;
+        break;
+      case 63:
+        form.colorIndices.push_back(static_cast<int>(tag.integer()));
+        break;
+      case 452:
+        form.isOneColor = tag.integer() != 0;
+        break;
+      case 460:
+        form.angleRad = tag.real();
+        break;
+      case 461:
+        form.shift = std::clamp(tag.real(), 0.0, 1.0);
+        break;
+      case 462:
+        form.tint = std::clamp(tag.real(), 0.0, 1.0);
+        break;
+      case 470:
+        form.name.clear();
+        for (const char c : tag.trimmed()) form.name += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+        break;
+      default:
+        break;
+    }
   }
 
   bool takePattern(const Tag& tag) {

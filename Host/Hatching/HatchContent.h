@@ -38,6 +38,16 @@ struct HatchLoop {
   bool isPolyline() const { return (type & kPolylineBit) != 0; }
 };
 
+/// How a gradient's colours run across the area.
+struct GradientForm {
+  std::string name = "LINEAR";  // upper case: LINEAR, CYLINDER, SPHERICAL, HEMISPHERICAL, CURVED, INV... of these
+  double angleRad = 0;
+  double shift = 0;               // 0 centred ... 1 moved up and left
+  bool isOneColor = false;        // from the first colour to its tint
+  double tint = 0;                // 0 black ... 1 white, of one-colour gradients
+  std::vector<int> colorIndices;  // of the palette; true colours come before them
+};
+
 struct HatchContent {
   double elevation = 0;
   AcGeVector3d normal{0, 0, 1};
@@ -56,6 +66,7 @@ struct HatchContent {
   std::string tail;  // the other tags of the hatch as they stand: gradient, what newer writers add
   bool isGradient = false;
   std::vector<std::uint32_t> gradientColors;  // 0xRRGGBB
+  GradientForm gradientForm;
 };
 
 enum class RawLoops { Drop, Keep };

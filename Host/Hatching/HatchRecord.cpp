@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Database/Palette.h"
 #include "Hatching/HatchContent.h"
 
 namespace host::hatching {
@@ -15,6 +16,10 @@ HatchRecord readHatchRecord(database::TagCursor tags, double deviation) {
   record.normal = content.normal;
   record.gradient = content.isGradient;
   record.gradientColors = std::move(content.gradientColors);
+  record.gradientForm = std::move(content.gradientForm);
+  if (record.gradientColors.empty())
+    for (const int index : record.gradientForm.colorIndices)
+      if (index > 0 && index < 256) record.gradientColors.push_back(database::paletteColor(index));
   if (!content.isSolid) record.pattern = std::move(content.pattern);
   for (const HatchLoop& loop : content.loops) {
     Polygon polygon = flatten(loop, deviation);

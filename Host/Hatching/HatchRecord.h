@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Database/Slot.h"
+#include "Hatching/HatchContent.h"
 #include "Hatching/Loops.h"
 #include "Hatching/PatternFill.h"
 #include "gepnt3d.h"
@@ -22,6 +23,7 @@ struct HatchRecord {
   std::vector<PatternLine> pattern;  // empty for solid
   bool gradient = false;
   std::vector<std::uint32_t> gradientColors;  // 0xRRGGBB, first and last
+  GradientForm gradientForm;
 };
 
 /// Reads counts with suspicion: what is missing or not finite leaves that loop out.

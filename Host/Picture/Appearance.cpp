@@ -143,7 +143,7 @@ Color Appearances::color(const Appearance& appearance) const {
   return isDark ? Color{255, 255, 255, appearance.alpha} : Color{0, 0, 0, appearance.alpha};
 }
 
-Color Appearances::color(int index, std::int64_t trueColor, const Appearance& otherwise) const {
+Appearance Appearances::withColor(int index, std::int64_t trueColor, const Appearance& otherwise) {
   Appearance own = otherwise;
   if (trueColor >= 0) {
     own.isInk = false;
@@ -151,7 +151,11 @@ Color Appearances::color(int index, std::int64_t trueColor, const Appearance& ot
   } else if (index > 0 && index < kByLayer) {
     setIndexColor(own, index);
   }
-  return color(own);
+  return own;
+}
+
+Color Appearances::color(int index, std::int64_t trueColor, const Appearance& otherwise) const {
+  return color(withColor(index, trueColor, otherwise));
 }
 
 }  // namespace host::picture

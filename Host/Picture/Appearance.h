@@ -48,6 +48,8 @@ class Appearances {
   /// The colour after the picture's colour mode.
   Color color(const Appearance& appearance) const;
   Color color(int index, std::int64_t trueColor, const Appearance& otherwise) const;
+  /// `otherwise` in another colour, when one of them is given.
+  static Appearance withColor(int index, std::int64_t trueColor, const Appearance& otherwise);
   Color background() const;
   double globalLinetypeScale() const { return linetypeScale_; }
 

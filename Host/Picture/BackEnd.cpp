@@ -23,6 +23,17 @@ constexpr double kThinLinePx = 1.05;
 QColor qColor(Color c) { return {c.red, c.green, c.blue, c.alpha}; }
 QColor qColor(std::uint32_t rgb) { return QColor::fromRgb(rgb | 0xFF000000U); }
 
+QBrush qBrush(const Gradient& gradient) {
+  QLinearGradient linear(0, 0, 1, 0);
+  QRadialGradient radial(0, 0, 1);
+  QGradient& chosen = gradient.isRadial ? static_cast<QGradient&>(radial) : linear;
+  for (const Gradient::Stop& stop : gradient.stops) chosen.setColorAt(stop.offset, qColor(stop.color));
+  QBrush brush(chosen);
+  brush.setTransform(QTransform(gradient.axisX.x, gradient.axisX.y, gradient.axisY.x, gradient.axisY.y,
+                                gradient.origin.x, gradient.origin.y));
+  return brush;
+}
+
 bool isDot(const DisplayList& list, const DisplayRing& ring) {
   const Point& first = list.points[ring.first];
   return ring.count == 1 ||
@@ -71,7 +82,7 @@ void paint(QPainter& painter, const DisplayList& list, bool isRaster) {
     }
     if (path.isEmpty()) continue;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
+    painter.setBrush(item.gradient == DisplayItem::kPlain ? QBrush(color) : qBrush(list.gradients[item.gradient]));
     painter.drawPath(path);
   }
 }

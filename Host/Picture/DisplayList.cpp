@@ -101,4 +101,13 @@ void DisplayListCanvas::fill(const std::vector<std::vector<Point>>& rings, FillR
   }
 }
 
+void DisplayListCanvas::fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule,
+                                     const Gradient& gradient) {
+  const std::size_t before = list_.items.size();
+  fill(rings, rule, gradient.stops.front().color);
+  if (list_.items.size() == before) return;
+  list_.items.back().gradient = static_cast<std::uint32_t>(list_.gradients.size());
+  list_.gradients.push_back(gradient);
+}
+
 }  // namespace host::picture

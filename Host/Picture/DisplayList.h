@@ -28,17 +28,33 @@ struct DisplayRing {
   bool closed = false;
 };
 
+/// Colours that run along one direction or around a middle. The unit gradient (linear: from x = 0 to x = 1; radial: the
+/// circle of radius 1 around the origin) comes to stand in the picture by x -> origin + axisX * x + axisY * y.
+struct Gradient {
+  struct Stop {
+    double offset = 0;
+    Color color;
+    bool operator==(const Stop&) const = default;
+  };
+  bool isRadial = false;
+  Point origin, axisX, axisY;
+  std::vector<Stop> stops;
+};
+
 struct DisplayItem {
+  static constexpr std::uint32_t kPlain = 0xFFFFFFFF;
   ItemKind kind = ItemKind::Stroke;
   Color color;
   double width = 0;  // strokes
   std::uint32_t firstRing = 0, ringCount = 0;
+  std::uint32_t gradient = kPlain;  // of a fill: index into the list's gradients
 };
 
 struct DisplayList {
   std::vector<Point> points;
   std::vector<DisplayRing> rings;
   std::vector<DisplayItem> items;
+  std::vector<Gradient> gradients;
 };
 
 struct Pen {
@@ -54,6 +70,7 @@ class Canvas {
   virtual ~Canvas() = default;
   virtual void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) = 0;
   virtual void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) = 0;
+  virtual void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient& gradient) = 0;
   /// Part of the picture drawn to from now on.
   virtual void setClip(const Box& clip) = 0;
 };
@@ -63,6 +80,9 @@ class BoundsCanvas final : public Canvas {
  public:
   void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) override;
   void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
+  void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient&) override {
+    fill(rings, rule, {});
+  }
   void setClip(const Box& clip) override;
   const Box& box() const { return box_; }
 
@@ -77,6 +97,7 @@ class DisplayListCanvas final : public Canvas {
  public:
   void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) override;
   void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
+  void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient& gradient) override;
   void setClip(const Box& clip) override { clip_ = clip; }
   DisplayList take() { return std::move(list_); }
 

@@ -5,7 +5,6 @@
 #include <numbers>
 
 #include "Database/ObjectAccess.h"
-#include "Geometry/MultiLeaders.h"
 #include "Geometry/TagValues.h"
 #include "Picture/Dashes.h"
 
@@ -91,6 +90,7 @@ EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureO
       lineweightFactor_(options.lineweights == LineweightMode::Factor ? options.lineweightFactor : 1),
       lineweightsOff_(options.lineweights == LineweightMode::Off),
       dashScale_(view.toPicture.planScale() * appearances_.globalLinetypeScale()),
+      outerScale_(view.toPicture.planScale()),
       pointMode_(static_cast<int>(db.headerInteger("$PDMODE", 70).value_or(0))),
       pointSize_(db.headerReal("$PDSIZE", 40).value_or(0)) {
   canvas_.setClip(view.area);
@@ -113,16 +113,20 @@ geometry::CharacterWidth EntityPainter::characterWidth() {
   return [this](wchar_t character, bool bold) { return advance(character, bold); };
 }
 
-EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance) const {
+EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const Place& place) const {
   Style style;
   style.appearance = appearance;
   style.pen.color = appearances_.color(appearance);
   const double width = lineweightsOff_ ? 0 : appearance.lineweightMm * lineweightFactor_ * view_.pixelsPerMm;
   style.pen.width = std::max(width, view_.thinnestLine);
   if (appearance.dashes == nullptr || view_.boundsOnly) return style;
+  // Dashes grow with the blocks they stand in: by the mean of the scales of a block drawn out of shape.
+  const Transform& t = place.toPicture;
+  const double blockScale = std::sqrt(t.x.length() * t.y.length()) / outerScale_;
+  const double scale = dashScale_ * blockScale * appearance.linetypeScale;
   double round = 0;
   for (const double dash : *appearance.dashes) {
-    style.dashes.push_back(dash * dashScale_ * appearance.linetypeScale);
+    style.dashes.push_back(dash * scale);
     round += std::abs(style.dashes.back());
   }
   if (!(round >= kShortestRoundPx) || !std::isfinite(round)) style.dashes.clear();
@@ -140,19 +144,16 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   const database::EntityProperties own = database::entityProperties(entity);
   if (own.invisible) return;
   const Appearance appearance = appearances_.resolve(own, layer, place.surroundings);
-  if (geometry::isReference(entity.type)) return paintReference(entity, place, layer, appearance);
-  const Style style = styleOf(appearance);
+  const bool isReference = geometry::isReference(entity);
+  if (isReference && paintReference(entity, place, layer, appearance)) return;
+  const Style style = styleOf(appearance, place);
   if (entity.type == DxfType::Hatch) return paintHatch(entity, place, style);
   if (entity.type == DxfType::Viewport) paintViewport(entity);
 
   const double scale = place.toPicture.planScale();
   const double deviation = view_.deviation > 0 && scale > 0 ? view_.deviation / scale : 0;
-  if (entity.type == DxfType::MultiLeader) {
-    const auto leader = geometry::readMultiLeader(entity, deviation, characterWidth());
-    for (const geometry::Wire& wire : leader.wires) paintWire(wire, place, style);
-    if (leader.text) paintText(*leader.text, place, style);
-    return;
-  }
+  if (isReference || !geometry::hasShape(entity.type)) return paintOther(entity, place, style, deviation);
+  if (entity.type == DxfType::MultiLeader) return paintLeader(entity, place, style, deviation);
   if (const auto text = geometry::layoutText(entity, characterWidth())) return paintText(*text, place, style);
   const geometry::EntityShape shape = geometry::readShape(entity, deviation);
   for (const geometry::Wire& wire : shape.wires) paintWire(wire, place, style);
@@ -161,9 +162,10 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   if (shape.image) paintImage(*shape.image, place, style);
 }
 
-void EntityPainter::paintReference(const Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own) {
+bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own) {
   const Surroundings inside{layer, own};
   const auto reference = geometry::readReference(entity);
+  if (!reference && entity.type != DxfType::Insert) return false;
   if (reference && chain_.enter(reference->block)) {
     // The corner cells bound an array.
     const std::int64_t rowStep = view_.boundsOnly ? std::max<std::int64_t>(reference->rows - 1, 1) : 1;
@@ -180,6 +182,7 @@ void EntityPainter::paintReference(const Slot& entity, const Place& place, std::
   for (const Slot* sub = entity.firstSub; sub != nullptr; sub = sub->nextSub)
     if (sub->type == DxfType::Attrib && !sub->isErased() && !geometry::isInvisibleAttribute(*sub))
       paintEntity(*sub, {place.toPicture, inside});
+  return true;
 }
 
 void EntityPainter::paintViewport(const Slot& entity) {
@@ -203,7 +206,8 @@ void EntityPainter::paintViewport(const Slot& entity) {
       frozen.push_back(db_.findLayer(db_.recordName(*layer)));
 
   // What one linetype unit measures is that of the paper when $PSLTSCALE says so, else that of the model.
-  const double paperDashScale = dashScale_;
+  const double paperDashScale = dashScale_, paperScale = outerScale_;
+  outerScale_ = view_.toPicture.after(toPaper).planScale();
   if (db_.headerInteger("$PSLTSCALE", 70).value_or(1) == 0) dashScale_ *= toPaper.planScale();
   const Box paperArea = view_.area;
   view_.area = clip;
@@ -220,6 +224,7 @@ void EntityPainter::paintViewport(const Slot& entity) {
   view_.area = paperArea;
   canvas_.setClip(paperArea);
   dashScale_ = paperDashScale;
+  outerScale_ = paperScale;
 }
 
 bool EntityPainter::project(const Chain& chain, const Transform& toPicture, std::vector<Point>& out) const {

@@ -1,6 +1,8 @@
 // Entities turned into strokes and fills: the front end of every picture.
 #pragma once
 
+#include <map>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -36,6 +38,8 @@ class EntityPainter {
   void paint(const database::BlockContents& block);
   /// Something was left out because the drawing asks for more pieces than a picture can hold.
   bool isCutShort() const { return cutShort_; }
+  /// Visible entities of kinds without a picture, by type name.
+  const std::map<std::string_view, std::size_t>& leftOut() const { return leftOut_; }
 
  private:
   /// Where and as part of what an entity is drawn.
@@ -51,7 +55,8 @@ class EntityPainter {
   };
 
   void paintEntity(const database::Slot& entity, const Place& place);
-  void paintReference(const database::Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own);
+  /// False for a dimension or table without a block.
+  bool paintReference(const database::Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own);
   void paintViewport(const database::Slot& entity);
   void paintWire(const geometry::Wire& wire, const Place& place, const Style& style);
   void paintPoint(const AcGePoint3d& p, const Place& place, const Style& style);
@@ -61,7 +66,12 @@ class EntityPainter {
   void paintRun(const geometry::TextRun& run, const geometry::Transform& frame, Color color);
   void paintHatch(const database::Slot& entity, const Place& place, const Style& style);
 
-  Style styleOf(const Appearance& appearance) const;
+  void paintLeader(const database::Slot& entity, const Place& place, const Style& style, double deviation);
+  /// Through the graphics its application left; false when there are none.
+  bool paintProxy(const database::Slot& entity, const Place& place, const Style& style, double deviation);
+  void paintOther(const database::Slot& entity, const Place& place, const Style& style, double deviation);
+
+  Style styleOf(const Appearance& appearance, const Place& place) const;
   void strokeLine(const std::vector<Point>& line, bool closed, const Style& style, const Pen& pen);
   void fillChains(const std::vector<geometry::Chain>& rings, const geometry::Transform& toPicture, FillRule rule,
                   Color color);
@@ -77,7 +87,9 @@ class EntityPainter {
   Appearances appearances_;
   double lineweightFactor_;
   bool lineweightsOff_;
-  double dashScale_;  // pixels for one unit of a linetype
+  double dashScale_;   // pixels for one unit of a linetype, outside of blocks
+  double outerScale_;  // pixels for one unit of the drawing, outside of blocks
+  std::map<std::string_view, std::size_t> leftOut_;
   geometry::ReferenceChain chain_;
   std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
   std::size_t entities_ = 0;

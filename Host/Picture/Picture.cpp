@@ -89,6 +89,12 @@ PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOpti
   const auto note = [&](const std::string& text) { result.message += (result.message.empty() ? "" : " ") + text; };
   if (!layout.note.empty()) note(layout.note);
   if (painter.isCutShort()) note("The drawing repeats blocks so often that part of it was left out.");
+  if (!painter.leftOut().empty()) {
+    std::string kinds;
+    for (const auto& [kind, count] : painter.leftOut())
+      kinds += (kinds.empty() ? "" : ", ") + std::to_string(count) + " " + std::string(kind);
+    note("Left out, having no picture of their own: " + kinds + ".");
+  }
   if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
   return result;
 }

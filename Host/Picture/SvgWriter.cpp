@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <string>
 
 namespace host::picture {
 namespace {
@@ -31,8 +32,11 @@ class Writer {
     std::snprintf(text, sizeof text, " %s=\"#%02x%02x%02x\"", property, c.red, c.green, c.blue);
     out_ += text;
     if (c.alpha == 255) return;
-    std::snprintf(text, sizeof text, " %s-opacity=\"", property);
-    out_ += text;
+    // The opacity of "stop-color" is "stop-opacity".
+    const std::string_view name(property);
+    out_ += ' ';
+    out_ += name.substr(0, name.find('-'));
+    out_ += "-opacity=\"";
     number(c.alpha / 255.0);
     out_ += '"';
   }
@@ -94,13 +98,39 @@ class Writer {
 bool isStroke(const DisplayItem& item) { return item.kind == ItemKind::Stroke || item.kind == ItemKind::FlatStroke; }
 
 bool sameLook(const DisplayItem& a, const DisplayItem& b) {
-  return a.kind == b.kind && a.color == b.color && a.width == b.width;
+  return a.kind == b.kind && a.color == b.color && a.width == b.width && a.gradient == b.gradient;
+}
+
+void defineGradient(Writer& writer, const Gradient& gradient, std::size_t index) {
+  const std::string kind = gradient.isRadial ? "radialGradient" : "linearGradient";
+  writer.text("<" + kind + " id=\"g" + std::to_string(index) + "\" gradientUnits=\"userSpaceOnUse\"" +
+              (gradient.isRadial ? R"( cx="0" cy="0" r="1")" : R"( x1="0" y1="0" x2="1" y2="0")") +
+              " gradientTransform=\"matrix(");
+  const char* separator = "";
+  for (const Point& p : {gradient.axisX, gradient.axisY, gradient.origin})
+    for (const double value : {p.x, p.y}) {
+      writer.text(separator);
+      writer.number(value);
+      separator = " ";
+    }
+  writer.text(")\">\n");
+  for (const Gradient::Stop& stop : gradient.stops) {
+    writer.text("<stop offset=\"");
+    writer.number(stop.offset);
+    writer.text("\"");
+    writer.color("stop-color", stop.color);
+    writer.text("/>\n");
+  }
+  writer.text("</" + kind + ">\n");
 }
 
 void openGroup(Writer& writer, const DisplayItem& item) {
   writer.text("<g");
   if (!isStroke(item)) {
-    writer.color("fill", item.color);
+    if (item.gradient == DisplayItem::kPlain)
+      writer.color("fill", item.color);
+    else
+      writer.text(" fill=\"url(#g" + std::to_string(item.gradient) + ")\"");
     if (item.kind == ItemKind::FillEvenOdd) writer.text(" fill-rule=\"evenodd\"");
   } else {
     writer.text(" fill=\"none\"");
@@ -135,6 +165,11 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
     writer.color("fill", {static_cast<std::uint8_t>(*background >> 16), static_cast<std::uint8_t>(*background >> 8),
                           static_cast<std::uint8_t>(*background), 255});
     writer.text("/>\n");
+  }
+  if (!list.gradients.empty()) {
+    writer.text("<defs>\n");
+    for (std::size_t i = 0; i < list.gradients.size(); ++i) defineGradient(writer, list.gradients[i], i);
+    writer.text("</defs>\n");
   }
   const DisplayItem* last = nullptr;
   for (const DisplayItem& item : list.items) {

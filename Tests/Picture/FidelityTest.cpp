@@ -1,0 +1,68 @@
+// Looks that depend on more than one entity: gradients, dashes in blocks.
+#include "Picture/Rendered.h"
+
+namespace tests {
+namespace {
+
+std::string gradientBox(const std::string& form, const std::string& angle,
+                        const std::string& rest = "461 0|452 0|462 1|453 2") {
+  return "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 1|92 3|72 0|73 1|93 4|10 0|20 0|10 20|20 0|10 20|20 "
+         "20|10 0|20 20|97 0|75 0|76 1|98 0|450 1|451 0|460 " +
+         angle + "|" + rest + "|463 0|63 1|421 16711680|463 1|63 5|421 255|470 " + form;
+}
+
+TEST(Fidelity, GradientsRunTheirWay) {
+  const auto expectNear = [](const Rendered& picture, double x, double y, int red, int blue) {
+    const int c = picture.at(x, y);
+    EXPECT_NEAR(c >> 16 & 255, red, 12) << x << ", " << y;
+    EXPECT_NEAR(c & 255, blue, 12) << x << ", " << y;
+  };
+  struct Case {
+    const char* form;
+    const char* angle;
+    double x, y;
+    int red, blue;  // there
+    int middleRed;  // at 10, 10
+  };
+  for (const Case& c :
+       {Case{"LINEAR", "0", 19.8, 3, 0, 255, 128}, Case{"LINEAR", "1.5707963267949", 3, 19.8, 0, 255, 128},
+        Case{"LINEAR", "3.14159265358979", 0.2, 3, 0, 255, 128}, Case{"cylinder", "0", 19.8, 3, 255, 0, 0},
+        Case{"INVCYLINDER", "0", 19.8, 3, 0, 255, 255}, Case{"SPHERICAL", "0", 0.2, 0.2, 255, 0, 0},
+        Case{"INVSPHERICAL", "0.5", 10, 10, 255, 0, 255}, Case{"HEMISPHERICAL", "0", 10, 0.2, 0, 255, 114}}) {
+    SmallDrawing drawing;
+    drawing.entity("HATCH", gradientBox(c.form, c.angle), "8 0");
+    SmallDatabase db(drawing);
+    for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg}) {
+      SCOPED_TRACE(std::string(c.form) + " " + c.angle);
+      const Rendered picture(db, twentyByTwenty(), format);
+      expectNear(picture, c.x, c.y, c.red, c.blue);
+      expectNear(picture, 10, 10, c.middleRed, 255 - c.middleRed);
+    }
+  }
+  // In grey and in one colour, and through a mirrored block.
+  SmallDrawing drawing;
+  drawing.block("b").entity("HATCH", gradientBox("LINEAR", "0"), "8 0");
+  drawing.model().entity("INSERT", "2 b|10 20|20 0|41 -1", "8 0");
+  SmallDatabase db(drawing);
+  expectNear(Rendered(db, twentyByTwenty(), PictureFormat::Png), 19.8, 5, 255, 0);
+  PictureOptions options = twentyByTwenty();
+  options.colors = host::picture::ColorMode::Monochrome;
+  EXPECT_EQ(Rendered(db, options, PictureFormat::Png).at(15, 15), 0x000000);
+}
+
+TEST(Fidelity, DashesGrowWithTheirBlocks) {
+  SmallDrawing drawing;
+  drawing.linetype("DASH", "3 x|72 65|73 2|40 2|49 1|74 0|49 -1|74 0").layer("0", "70 0|62 7|6 Continuous");
+  drawing.block("b").entity("LINE", "10 0|20 0|11 9|21 0", "8 0|6 DASH|370 100");
+  drawing.model()
+      .entity("LINE", "10 1|20 2|11 19|21 2", "8 0|6 DASH|370 100")
+      .entity("INSERT", "2 b|10 1|20 6|41 2|42 2|43 2", "8 0")
+      .entity("INSERT", "2 b|10 1|20 10|41 -2|42 2|43 2|50 180", "8 0");
+  // 18 long: dashes of 1, one and a half at the ends; 9 long in the block: dashes of 1, twice as large.
+  expectPixels(
+      drawing,
+      "2 2 000000|3 2 ffffff|4 2 000000|2.5 6 000000|4 6 ffffff|6 6 000000|8 6 ffffff|2.5 10 000000|4 10 ffffff");
+}
+
+}  // namespace
+}  // namespace tests
