@@ -137,6 +137,7 @@ void readSpline(const Slot& slot, double deviation, EntityShape& shape) {
   int flags = 0;
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
+    if (tag.code == 100 && tag.trimmed() == "AcDbHelix") break;  // its own figures follow the curve's
     switch (tag.code) {
       case 10:
         curve.controls.push_back({coordinate(tag), 0, 0});
@@ -232,6 +233,24 @@ void readViewport(const Slot& slot, EntityShape& shape) {
   add(shape, std::move(wire));
 }
 
+bool isHelix(const Slot& entity) {
+  return entity.type >= DxfType::FirstOther && entity.database().typeName(entity) == "HELIX";
+}
+
+bool isEmbeddedDocument(const Slot& entity) {
+  return entity.type >= DxfType::FirstOther && entity.database().typeName(entity) == "OLE2FRAME";
+}
+
+/// Its frame, by two opposite corners.
+void readEmbeddedDocument(const SimpleTags& tags, EntityShape& shape) {
+  if (!tags.has[0] || !tags.has[1]) return;
+  const AcGePoint3d &a = tags.p[0], &b = tags.p[1];
+  Wire wire;
+  wire.points = {a, {b.x, a.y, a.z}, b, {a.x, b.y, b.z}};
+  wire.closed = true;
+  add(shape, std::move(wire));
+}
+
 }  // namespace
 
 bool isSheetViewport(const Slot& viewport) {
@@ -248,8 +267,8 @@ bool isSheetViewport(const Slot& viewport) {
   return height == viewHeight && center.x == viewCenter.x && center.y == viewCenter.y;
 }
 
-bool hasShape(DxfType type) {
-  switch (type) {
+bool hasShape(const Slot& entity) {
+  switch (entity.type) {
     case DxfType::Unknown:
     case DxfType::Region:
     case DxfType::Solid3d:
@@ -260,7 +279,7 @@ bool hasShape(DxfType type) {
     case DxfType::Proxy:
       return false;
     default:
-      return type < DxfType::FirstOther;
+      return entity.type < DxfType::FirstOther || isHelix(entity) || isEmbeddedDocument(entity);
   }
 }
 
@@ -320,6 +339,8 @@ EntityShape readShape(const Slot& entity, double deviation) {
       readMesh(entity, shape.wires);
       break;
     default:
+      if (isHelix(entity)) readSpline(entity, deviation, shape);
+      if (isEmbeddedDocument(entity)) readEmbeddedDocument(SimpleTags(entity), shape);
       break;
   }
   std::erase_if(shape.wires,

@@ -49,7 +49,7 @@ struct EntityShape {
 EntityShape readShape(const database::Slot& entity, double deviation);
 
 /// False for kinds whose drawn shape is not in their own data, or in none this host can read.
-bool hasShape(database::DxfType type);
+bool hasShape(const database::Slot& entity);
 
 /// True for the VIEWPORT that is the view of a layout's sheet itself and no window in it.
 bool isSheetViewport(const database::Slot& viewport);

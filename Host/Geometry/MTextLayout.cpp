@@ -1,5 +1,7 @@
 // Multi-line text: formatting codes, word wrap, attachment.
 #include <algorithm>
+#include <cmath>
+#include <memory>
 #include <numbers>
 
 #include "Database/ObjectAccess.h"
@@ -11,7 +13,8 @@ namespace {
 
 constexpr double kLinePitch = 5.0 / 3;  // from base line to base line, of the height
 constexpr double kStackedHeight = 0.7;  // of the height around a fraction
-constexpr std::size_t kDeepestBraces = 64;
+constexpr std::size_t kDeepestBraces = 64, kMostTabs = 64;
+constexpr double kTabStep = 4;  // heights, behind the last tab that is set
 constexpr double kSmallestFactor = 0.01, kLargestFactor = 100;
 
 struct Format {
@@ -19,6 +22,7 @@ struct Format {
   double widthFactor = 1;
   double obliqueRad = 0;
   double tracking = 1;
+  bool gdt = false;  // letters stand for signs of geometric tolerances
   bool bold = false, underline = false, overline = false, strike = false;
   int color = -1;
   std::int64_t trueColor = -1;
@@ -26,8 +30,16 @@ struct Format {
   bool operator==(const Format&) const = default;
 };
 
-enum class AtomKind { Word, Space, Break, Stack };
+enum class AtomKind { Word, Space, Tab, Break, Stack };
 enum class LineAlign { Attachment, Left, Center, Right };
+
+/// Lengths in drawing units; the indent of the first line counts from the left edge of the others.
+struct Paragraph {
+  LineAlign align = LineAlign::Attachment;
+  double indent = 0, left = 0, right = 0;
+  std::vector<double> tabs;  // from the left edge of the text, ascending
+};
+using ParagraphPointer = std::shared_ptr<const Paragraph>;
 
 /// The smallest thing that goes to one line as a whole.
 struct Atom {
@@ -36,14 +48,25 @@ struct Atom {
   wchar_t stackSign = 0;                                // ^ / or #
   double width = 0;
   double height = 0;
-  LineAlign align = LineAlign::Attachment;  // of a break: of the paragraph before it
+  ParagraphPointer paragraph;  // of a break: of the paragraph before it
 };
+
+/// The signs of geometric tolerances in the order of the letters from "a".
+wchar_t toleranceSign(wchar_t letter) {
+  constexpr std::wstring_view kSigns =
+      L"\u2220\u27C2\u23E5\u2313\u25CB\u2225\u232D\u2197\u232F\u2316\u2312\u24C1\u24C2\u2300\u25A1\u24C5q\u25CE\u24C8"
+      L"\u2330\u23E4";
+  return letter >= L'a' && letter < L'a' + static_cast<wchar_t>(kSigns.size())
+             ? kSigns[static_cast<std::size_t>(letter - L'a')]
+             : letter;
+}
 
 bool isIdeograph(wchar_t c) { return static_cast<unsigned long>(c) >= 0x2E80; }
 
 class Parser {
  public:
-  Parser(const MTextParts& parts, const CharacterWidth& width) : text_(parts.contents), width_(width) {
+  Parser(const MTextParts& parts, const CharacterWidth& width)
+      : text_(parts.contents), height_(parts.height), width_(width) {
     format_.height = parts.height;
     format_.widthFactor = parts.widthFactor;
     format_.obliqueRad = parts.obliqueRad;
@@ -53,7 +76,7 @@ class Parser {
   std::vector<Atom> parse() {
     while (at_ < text_.size()) step();
     endWord();
-    Atom end{AtomKind::Break, {}, 0, 0, format_.height, align_};
+    Atom end{AtomKind::Break, {}, 0, 0, format_.height, paragraph_};
     atoms_.push_back(end);
     return std::move(atoms_);
   }
@@ -73,8 +96,10 @@ class Parser {
       percent();
     else if (c == L'\n')
       lineBreak();
-    else if (c == L' ' || c == L'\t')
-      space(c == L'\t' ? 4 : 1);
+    else if (c == L' ')
+      space();
+    else if (c == L'\t')
+      tab();
     else if (c >= 32)
       character(c);
   }
@@ -168,6 +193,7 @@ class Parser {
       case L'F': {
         const std::wstring_view font = argument();
         format_.bold = font.find(L"|b1") != std::wstring_view::npos;
+        format_.gdt = font.size() >= 3 && text::equalFolded(font.substr(0, 3), L"gdt");
         break;
       }
       case L'p':
@@ -201,23 +227,49 @@ class Parser {
       value = number;
   }
 
+  /// Comma-separated: i, l, r and t lengths in heights of the text (an asterisk is their default), q the alignment.
   void paragraph(std::wstring_view argument) {
-    const std::size_t q = argument.find(L'q');
-    if (q == std::wstring_view::npos || q + 1 >= argument.size()) return;
-    switch (argument[q + 1]) {
-      case L'l':
-        align_ = LineAlign::Left;
-        break;
-      case L'c':
-        align_ = LineAlign::Center;
-        break;
-      case L'r':
-        align_ = LineAlign::Right;
-        break;
-      default:
-        align_ = LineAlign::Attachment;
-        break;
+    Paragraph changed = *paragraph_;
+    bool isTabList = false;
+    while (!argument.empty()) {
+      const std::size_t comma = std::min(argument.find(L','), argument.size());
+      std::wstring_view field = argument.substr(0, comma);
+      argument.remove_prefix(std::min(comma + 1, argument.size()));
+      while (!field.empty() && field.front() == L'x') field.remove_prefix(1);
+      if (field.empty()) continue;
+      const wchar_t letter = field.front();
+      const bool isNamed = letter >= L'a' && letter <= L'z';
+      if (isNamed) field.remove_prefix(1);
+      if (letter == L'q') {
+        setAlignment(changed, field);
+        continue;
+      }
+      if (isNamed) isTabList = letter == L't';
+      if (letter == L't') {
+        changed.tabs.clear();
+        if (!field.empty() && field.front() >= L'a') field.remove_prefix(1);  // centred and right tabs
+      }
+      const double length = text::parseReal(text::toUtf8(field)).value_or(0) * height_;
+      if (!(std::abs(length) <= kLargestCoordinate)) continue;
+      if (letter == L'i')
+        changed.indent = length;
+      else if (letter == L'l')
+        changed.left = std::max(length, 0.0);
+      else if (letter == L'r')
+        changed.right = std::max(length, 0.0);
+      else if (isTabList && length > 0 && changed.tabs.size() < kMostTabs)
+        changed.tabs.push_back(length);
     }
+    std::ranges::sort(changed.tabs);
+    paragraph_ = std::make_shared<const Paragraph>(std::move(changed));
+  }
+
+  static void setAlignment(Paragraph& paragraph, std::wstring_view letter) {
+    const wchar_t c = letter.empty() ? 0 : letter.front();
+    paragraph.align = c == L'l'   ? LineAlign::Left
+                      : c == L'c' ? LineAlign::Center
+                      : c == L'r' ? LineAlign::Right
+                                  : LineAlign::Attachment;
   }
 
   void stacked(std::wstring_view argument) {
@@ -237,7 +289,7 @@ class Parser {
       for (const wchar_t c : part[0]) character(c);
       return;
     }
-    Atom atom{AtomKind::Stack, {}, sign, 0, format_.height, align_};
+    Atom atom{AtomKind::Stack, {}, sign, 0, format_.height, paragraph_};
     Format small = format_;
     small.height *= kStackedHeight;
     for (const std::wstring& p : part) {
@@ -256,6 +308,7 @@ class Parser {
   }
 
   void character(wchar_t c) {
+    if (format_.gdt) c = toleranceSign(c);
     if (isIdeograph(c)) endWord();
     if (word_.pieces.empty() || !(word_.pieces.back().second == format_)) word_.pieces.emplace_back(L"", format_);
     word_.pieces.back().first += c;
@@ -263,63 +316,97 @@ class Parser {
     word_.height = std::max(word_.height, format_.height);
     if (isIdeograph(c)) endWord();
   }
-  void space(int count) {
+  void tab() {
     endWord();
-    Atom atom{AtomKind::Space, {{std::wstring(static_cast<std::size_t>(count), L' '), format_}}, 0, 0, format_.height,
-              align_};
+    atoms_.push_back({AtomKind::Tab, {}, 0, 0, format_.height, paragraph_});
+  }
+  void space() {
+    endWord();
+    Atom atom{AtomKind::Space, {{L" ", format_}}, 0, 0, format_.height, paragraph_};
     atom.width = widthOf(atom.pieces[0].first, format_);
     atoms_.push_back(std::move(atom));
   }
   void lineBreak() {
     endWord();
-    atoms_.push_back({AtomKind::Break, {}, 0, 0, format_.height, align_});
+    atoms_.push_back({AtomKind::Break, {}, 0, 0, format_.height, paragraph_});
   }
   void endWord() {
+    word_.paragraph = paragraph_;
     if (!word_.pieces.empty()) atoms_.push_back(std::move(word_));
     word_ = {};
   }
 
   std::wstring_view text_;
+  double height_;
   const CharacterWidth& width_;
   std::size_t at_ = 0;
   Format format_;
   std::vector<Format> stack_;
-  LineAlign align_ = LineAlign::Attachment;
+  ParagraphPointer paragraph_ = std::make_shared<const Paragraph>();
   Atom word_;
   std::vector<Atom> atoms_;
 };
 
 struct Line {
-  std::vector<const Atom*> atoms;
-  double width = 0;  // without blanks at the end
+  struct Placed {
+    const Atom* atom;
+    double x;  // from the left edge of the text
+  };
+  std::vector<Placed> atoms;
+  double start = 0;  // where its first atom stands
+  double width = 0;  // from there, without blanks at the end
   double height = 0;
+  double right = 0;  // kept free
   LineAlign align = LineAlign::Attachment;
 };
+
+double tabStop(const Atom& tab, double x) {
+  for (const double stop : tab.paragraph->tabs)
+    if (stop > x * (1 + 1e-9)) return stop;
+  const double step = kTabStep * tab.height;
+  return (std::floor(x / step + 1e-9) + 1) * step;
+}
 
 std::vector<Line> wrapped(const std::vector<Atom>& atoms, double referenceWidth) {
   std::vector<Line> lines;
   Line line;
   double x = 0;
+  bool isBegun = false, isFirst = true;
   std::size_t paragraphBegin = 0;
+  const auto begin = [&](const Paragraph& paragraph) {
+    line.start = x = std::max(paragraph.left + (isFirst ? paragraph.indent : 0), 0.0);
+    line.right = paragraph.right;
+    isBegun = true;
+    isFirst = false;
+  };
   const auto finish = [&](double emptyHeight) {
     if (line.height == 0) line.height = emptyHeight;
     lines.push_back(std::move(line));
     line = {};
     x = 0;
+    isBegun = false;
   };
   for (const Atom& atom : atoms) {
     if (atom.kind == AtomKind::Break) {
       finish(atom.height);
-      for (; paragraphBegin < lines.size(); ++paragraphBegin) lines[paragraphBegin].align = atom.align;
+      isFirst = true;
+      for (; paragraphBegin < lines.size(); ++paragraphBegin) lines[paragraphBegin].align = atom.paragraph->align;
+      continue;
+    }
+    if (!isBegun) begin(*atom.paragraph);
+    if (atom.kind == AtomKind::Tab) {
+      x = tabStop(atom, x);
       continue;
     }
     if (atom.kind != AtomKind::Space && referenceWidth > 0 && !line.atoms.empty() &&
-        x + atom.width > referenceWidth * (1 + 1e-9) && line.width > 0)
+        x + atom.width > (referenceWidth - line.right) * (1 + 1e-9) && line.width > 0) {
       finish(atom.height);
-    line.atoms.push_back(&atom);
+      begin(*atom.paragraph);
+    }
+    line.atoms.push_back({&atom, x});
     x += atom.width;
     if (atom.kind == AtomKind::Space) continue;
-    line.width = x;
+    line.width = x - line.start;
     line.height = std::max(line.height, atom.height);
   }
   return lines;
@@ -329,15 +416,21 @@ class Setter {
  public:
   Setter(TextBlock& block, const CharacterWidth& width) : block_(block), width_(width) {}
 
-  void set(const Line& line, double x, double y) {
-    for (const Atom* atom : line.atoms) {
+  /// x: of the line's first atom.
+  void set(const Line& line, double first, double y) {
+    for (const auto& [atom, place] : line.atoms) {
+      const double x = first + place - line.start;
+      mayJoin_ = std::abs(x - end_) <= 1e-9 * std::abs(end_) + 1e-9 * atom->height;
+      end_ = x + atom->width;
       if (atom->kind == AtomKind::Stack)
         stack(*atom, x, y);
       else {
         double at = x;
-        for (const auto& [text, format] : atom->pieces) at += run(text, format, at, y, true);
+        for (const auto& [text, format] : atom->pieces) {
+          at += run(text, format, at, y, mayJoin_);
+          mayJoin_ = true;
+        }
       }
-      x += atom->width;
     }
   }
 
@@ -397,6 +490,8 @@ class Setter {
   TextBlock& block_;
   const CharacterWidth& width_;
   Format last_;
+  double end_ = 0;  // of the atom before
+  bool mayJoin_ = false;
 };
 
 }  // namespace
@@ -406,7 +501,8 @@ std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWid
   const std::vector<Atom> atoms = Parser(parts, width).parse();
   const std::vector<Line> lines = wrapped(atoms, parts.referenceWidth);
   double widest = 0;
-  for (const Line& line : lines) widest = std::max(widest, line.width);
+  for (const Line& line : lines)
+    if (line.width > 0) widest = std::max(widest, line.start + line.width);
   if (widest == 0) return {};
 
   // Base lines, the first line's capitals touching y = 0; every column begins at the top again.
@@ -451,7 +547,8 @@ std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWid
     if (line.align == LineAlign::Left) part = 0;
     if (line.align == LineAlign::Center) part = 0.5;
     if (line.align == LineAlign::Right) part = 1;
-    const double x = left + columnStep * static_cast<double>(columns[i]) + (boxWidth - line.width) * part;
+    const double x = left + columnStep * static_cast<double>(columns[i]) + line.start +
+                     (boxWidth - line.right - line.start - line.width) * part;
     setter.set(line, x, bases[i] + shift);
     if (line.width == 0) continue;
     block.box.add(Point{x, bases[i] + shift});

@@ -141,6 +141,8 @@ void toWorld(const ObjectAxes& axes, Chain& chain) {
   for (AcGePoint3d& p : chain) p = axes.toWorld(p.x, p.y, p.z);
 }
 
+}  // namespace
+
 double dimensionStyleReal(const database::DrawingDatabase& db, std::string_view style, int code, const char* variable,
                           double otherwise) {
   double value = db.headerReal(variable, 40).value_or(otherwise);
@@ -152,8 +154,6 @@ double dimensionStyleReal(const database::DrawingDatabase& db, std::string_view 
   }
   return std::isfinite(value) ? value : otherwise;
 }
-
-}  // namespace
 
 void readPolyline(const Slot& entity, double deviation, std::vector<Wire>& wires) {
   const Polyline line = entity.type == DxfType::LwPolyline ? readLightPolyline(entity) : readOldPolyline(entity);

@@ -23,6 +23,8 @@ struct BlockReference {
   }
 };
 
+/// Dimensions of every kind.
+bool isDimension(const database::Slot& entity);
 bool isReference(const database::Slot& entity);
 /// Nothing for other entities, an unknown block, or a place or scale that is not finite.
 std::optional<BlockReference> readReference(const database::Slot& entity);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "Hatching/DefinitionFile.h"
 
@@ -43,6 +44,54 @@ std::vector<double> linetypeDashes(database::TagCursor tags) {
   }
   if (!hasLength(dashes)) dashes.clear();
   return dashes;
+}
+
+std::vector<LinetypeMark> linetypeMarks(database::TagCursor tags) {
+  enum Kind { kUpright = 1, kText = 2, kShape = 4 };
+  constexpr double kRadPerDegree = std::numbers::pi / 180;
+  std::vector<LinetypeMark> marks;
+  std::size_t elements = 0;
+  bool isMark = false;
+  database::Tag tag;
+  while (tags.next(tag) && tag.code < kFirstExtendedData) {
+    if (tag.code == 49) ++elements;
+    if (tag.code == 49 || tag.code == 74) isMark = false;
+    if (tag.code == 74 && elements > 0 && (tag.integer() & (kText | kShape)) != 0) {
+      isMark = true;
+      LinetypeMark& mark = marks.emplace_back();
+      mark.element = elements - 1;
+      mark.isUpright = (tag.integer() & kUpright) != 0;
+    }
+    if (!isMark) continue;
+    LinetypeMark& mark = marks.back();
+    switch (tag.code) {
+      case 9:
+        mark.text = tag.value;
+        break;
+      case 44:
+        mark.along = tag.real();
+        break;
+      case 45:
+        mark.across = tag.real();
+        break;
+      case 46:
+        mark.scale = tag.real();
+        break;
+      case 50:
+        mark.rotationRad = tag.real() * kRadPerDegree;
+        break;
+      case 75:
+        mark.shape = static_cast<int>(tag.integer());
+        break;
+      case 340:
+        mark.style = tag.handle();
+        break;
+      default:
+        break;
+    }
+  }
+  std::erase_if(marks, [](const LinetypeMark& mark) { return !(mark.scale > 0); });
+  return marks;
 }
 
 std::vector<Linetype> parseLinetypeFile(std::string_view text, std::vector<std::string>& problems) {

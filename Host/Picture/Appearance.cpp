@@ -57,16 +57,35 @@ bool Appearances::isShown(const database::Slot& entity, std::uint32_t effectiveL
   return layer.shown || entity.type == database::DxfType::Insert;
 }
 
-const std::vector<double>* Appearances::dashes(std::string_view linetype) {
+const LinePattern* Appearances::dashes(std::string_view linetype) {
   auto entry = linetypes_.find(linetype);
   if (entry == linetypes_.end()) {
-    std::vector<double> pattern;
-    if (const auto* record = db_.findRecord(database::DxfType::LineType, db_.codec().decode(linetype)))
-      pattern = hatching::linetypeDashes(record->tags());
-    if (!std::ranges::all_of(pattern, [](double d) { return std::isfinite(d); })) pattern.clear();
+    LinePattern pattern;
+    if (const auto* record = db_.findRecord(database::DxfType::LineType, db_.codec().decode(linetype))) {
+      pattern.dashes = hatching::linetypeDashes(record->tags());
+      for (hatching::LinetypeMark& given : hatching::linetypeMarks(record->tags())) {
+        LinePattern::Mark mark;
+        static_cast<hatching::LinetypeMark&>(mark) = std::move(given);
+        mark.contents = db_.codec().decode(mark.text);
+        mark.height = mark.scale * fixedHeight(mark.style);
+        pattern.marks.push_back(std::move(mark));
+      }
+    }
+    if (!std::ranges::all_of(pattern.dashes, [](double d) { return std::isfinite(d); })) pattern.dashes.clear();
     entry = linetypes_.emplace(std::string(linetype), std::move(pattern)).first;
   }
-  return entry->second.empty() ? nullptr : &entry->second;
+  return entry->second.dashes.empty() ? nullptr : &entry->second;
+}
+
+double Appearances::fixedHeight(std::uint64_t style) const {
+  const database::Slot* record = style == 0 ? nullptr : db_.findHandle(style);
+  double height = 0;
+  if (record != nullptr && record->type == database::DxfType::TextStyle) {
+    database::TagCursor tags = record->tags();
+    for (database::Tag tag; tags.next(tag);)
+      if (tag.code == 40) height = tag.real();
+  }
+  return height > 0 ? height : 1;
 }
 
 void Appearances::setIndexColor(Appearance& appearance, int index) {

@@ -10,10 +10,21 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Geometry/Layers.h"
+#include "Hatching/Linetypes.h"
 #include "Picture/DisplayList.h"
 #include "Picture/Picture.h"
 
 namespace host::picture {
+
+/// A linetype: dashes, and what stands between them.
+struct LinePattern {
+  struct Mark : hatching::LinetypeMark {
+    std::wstring contents;
+    double height = 1;
+  };
+  std::vector<double> dashes;
+  std::vector<Mark> marks;
+};
 
 /// What an entity is drawn with, before options of the picture apply.
 struct Appearance {
@@ -21,7 +32,7 @@ struct Appearance {
   std::uint32_t rgb = 0;  // when not
   std::uint8_t alpha = 255;
   double lineweightMm = 0.25;
-  const std::vector<double>* dashes = nullptr;  // null: unbroken; lengths before linetype scales
+  const LinePattern* dashes = nullptr;  // null: unbroken; lengths before linetype scales
   double linetypeScale = 1;
 };
 
@@ -58,7 +69,9 @@ class Appearances {
     bool shown = true, frozen = false;
   };
   const LayerChoice& choice(std::uint32_t layer);
-  const std::vector<double>* dashes(std::string_view linetype);
+  const LinePattern* dashes(std::string_view linetype);
+  /// Height a text style gives its texts, 1 when it leaves it to them.
+  double fixedHeight(std::uint64_t style) const;
   static void setIndexColor(Appearance& appearance, int index);
   Color ofMode(std::uint32_t rgb, std::uint8_t alpha) const;
 
@@ -66,7 +79,7 @@ class Appearances {
   const PictureOptions& options_;
   geometry::LayerStates layers_;
   std::unordered_map<std::uint32_t, LayerChoice> choices_;
-  std::map<std::string, std::vector<double>, std::less<>> linetypes_;
+  std::map<std::string, LinePattern, std::less<>> linetypes_;
   std::vector<std::uint32_t> viewportFrozen_;
   std::wstring pattern_;
   double linetypeScale_ = 1;

@@ -21,6 +21,7 @@ class FittedPattern {
   }
   bool isUnbroken() const { return unbroken_; }
   double length() const { return left_; }
+  std::size_t element() const { return at_; }
   bool isDash() const { return isStart_ || pattern_[at_] >= 0; }
   bool isDot() const { return !isStart_ && pattern_[at_] == 0; }
   void use(double length) { left_ -= length; }
@@ -55,7 +56,8 @@ double length(Point a, Point b) { return std::hypot(b.x - a.x, b.y - a.y); }
 }  // namespace
 
 void drawDashes(const std::vector<Point>& given, bool closed, const std::vector<double>& pattern, const Box& clip,
-                std::size_t limit, const std::function<void(const std::vector<Point>&)>& give) {
+                std::size_t limit, const std::function<void(const std::vector<Point>&)>& give,
+                const std::function<void(std::size_t, Point, Point)>& mark) {
   std::vector<Point> line = given;
   if (closed && !line.empty()) line.push_back(line.front());
   if (line.size() < 2) return;
@@ -113,6 +115,7 @@ void drawDashes(const std::vector<Point>& given, bool closed, const std::vector<
       // A piece may end within rounding of a stretch's end.
       if (stretch.length() <= round * 1e-12) {
         finish();
+        if (mark) mark(stretch.element(), at(s), {(b.x - a.x) / whole, (b.y - a.y) / whole});
         stretch.advance();
       }
     }

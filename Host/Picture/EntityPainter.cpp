@@ -125,7 +125,8 @@ EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const 
   const double blockScale = std::sqrt(t.x.length() * t.y.length()) / outerScale_;
   const double scale = dashScale_ * blockScale * appearance.linetypeScale;
   double round = 0;
-  for (const double dash : *appearance.dashes) {
+  style.dashUnit = scale;
+  for (const double dash : appearance.dashes->dashes) {
     style.dashes.push_back(dash * scale);
     round += std::abs(style.dashes.back());
   }
@@ -152,7 +153,7 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
 
   const double scale = place.toPicture.planScale();
   const double deviation = view_.deviation > 0 && scale > 0 ? view_.deviation / scale : 0;
-  if (isReference || !geometry::hasShape(entity.type)) return paintOther(entity, place, style, deviation);
+  if (isReference || !geometry::hasShape(entity)) return paintOther(entity, place, style, deviation);
   if (entity.type == DxfType::MultiLeader) return paintLeader(entity, place, style, deviation);
   if (const auto text = geometry::layoutText(entity, characterWidth())) return paintText(*text, place, style);
   const geometry::EntityShape shape = geometry::readShape(entity, deviation);
@@ -243,9 +244,15 @@ void EntityPainter::strokeLine(const std::vector<Point>& line, bool closed, cons
   if (style.dashes.empty() || dashPieces_ >= kMostDashes) return canvas_.stroke(line, closed, pen);
   const double reach = pen.width;
   const Box clip{view_.area.minX - reach, view_.area.minY - reach, view_.area.maxX + reach, view_.area.maxY + reach};
-  drawDashes(line, closed, style.dashes, clip, kMostDashes - dashPieces_, [&](const std::vector<Point>& dash) {
+  const auto dash = [&](const std::vector<Point>& piece) {
     ++dashPieces_;
-    canvas_.stroke(dash, false, pen);
+    canvas_.stroke(piece, false, pen);
+  };
+  const std::size_t rest = kMostDashes - dashPieces_;
+  if (style.appearance.dashes->marks.empty()) return drawDashes(line, closed, style.dashes, clip, rest, dash);
+  drawDashes(line, closed, style.dashes, clip, rest, dash, [&](std::size_t element, Point at, Point along) {
+    for (const LinePattern::Mark& mark : style.appearance.dashes->marks)
+      if (mark.element == element && ++dashPieces_ < kMostDashes) paintMark(mark, at, along, style.dashUnit, pen);
   });
 }
 

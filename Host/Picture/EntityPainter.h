@@ -52,6 +52,7 @@ class EntityPainter {
     Pen pen;
     Appearance appearance;
     std::vector<double> dashes;
+    double dashUnit = 0;  // pixels for one unit of the linetype
   };
 
   void paintEntity(const database::Slot& entity, const Place& place);
@@ -73,6 +74,7 @@ class EntityPainter {
 
   Style styleOf(const Appearance& appearance, const Place& place) const;
   void strokeLine(const std::vector<Point>& line, bool closed, const Style& style, const Pen& pen);
+  void paintMark(const LinePattern::Mark& mark, Point at, Point along, double unit, const Pen& pen);
   void fillChains(const std::vector<geometry::Chain>& rings, const geometry::Transform& toPicture, FillRule rule,
                   Color color);
   bool project(const geometry::Chain& chain, const geometry::Transform& toPicture, std::vector<Point>& out) const;

@@ -8,6 +8,8 @@
 #include <QStandardPaths>
 #include <QString>
 #include <QStringList>
+#include <cmath>
+#include <numbers>
 
 #include "Geometry/TextLayout.h"
 
@@ -90,6 +92,9 @@ struct GlyphSource::Face {
   Face(const Face&) = delete;
   Face& operator=(const Face&) = delete;
 
+  bool has(wchar_t character) const {
+    return face != nullptr && FT_Get_Char_Index(face, static_cast<FT_ULong>(character)) != 0;
+  }
   bool load(wchar_t character, Glyph& glyph) {
     if (face == nullptr || face->units_per_EM == 0) return false;
     const FT_UInt index = FT_Get_Char_Index(face, static_cast<FT_ULong>(character));
@@ -105,6 +110,58 @@ struct GlyphSource::Face {
   }
 };
 
+namespace {
+
+void addCircle(Glyph& glyph, Point center, double radius, bool clockwise) {
+  // Eight quadratic pieces; their control points lie where the tangents meet.
+  constexpr int kPieces = 8;
+  const double step = 2 * std::numbers::pi / kPieces, reach = radius / std::cos(step / 2);
+  const double sign = clockwise ? -1 : 1;
+  const auto at = [&](double t, double r) {
+    return Point{center.x + r * std::cos(sign * t), center.y + r * std::sin(sign * t)};
+  };
+  Glyph::Contour contour{at(0, radius), {}};
+  for (int i = 0; i < kPieces; ++i)
+    contour.pieces.push_back({at((i + 0.5) * step, reach), at((i + 1) * step, radius), false});
+  glyph.contours.push_back(std::move(contour));
+}
+
+void addBox(Glyph& glyph, double x1, double y1, double x2, double y2) {
+  glyph.contours.push_back({{x1, y1}, {{{}, {x2, y1}, true}, {{}, {x2, y2}, true}, {{}, {x1, y2}, true}}});
+}
+
+}  // namespace
+
+bool GlyphSource::compose(wchar_t character, Glyph& glyph) {
+  constexpr wchar_t kPosition = 0x2316, kCircledA = 0x24B6, kCircledZ = 0x24CF;
+  constexpr double kPen = 0.09;
+  const Point center{0.6, 0.5};
+  if (character != kPosition && (character < kCircledA || character > kCircledZ)) return false;
+  const bool isPosition = character == kPosition;
+  const double radius = isPosition ? 0.33 : 0.55;
+  glyph = {};
+  if (isPosition) {
+    addBox(glyph, center.x - 0.5, center.y - kPen / 2, center.x + 0.5, center.y + kPen / 2);
+    addBox(glyph, center.x - kPen / 2, center.y - 0.5, center.x + kPen / 2, center.y + 0.5);
+  } else {
+    Glyph letter;
+    regular_->load(static_cast<wchar_t>(L'A' + (character - kCircledA)), letter);
+    constexpr double kSize = 0.6;
+    const auto moved = [&](Point p) {
+      return Point{center.x + (p.x - letter.advance / 2) * kSize, center.y + (p.y - 0.5) * kSize};
+    };
+    for (Glyph::Contour& contour : letter.contours) {
+      contour.from = moved(contour.from);
+      for (Glyph::Piece& piece : contour.pieces) piece = {moved(piece.control), moved(piece.to), piece.straight};
+      glyph.contours.push_back(std::move(contour));
+    }
+  }
+  addCircle(glyph, center, radius, false);
+  addCircle(glyph, center, radius - kPen, true);
+  glyph.advance = 2 * center.x;
+  return true;
+}
+
 GlyphSource::GlyphSource()
     : regular_(std::make_unique<Face>("DejaVuSans.ttf")), bold_(std::make_unique<Face>("DejaVuSans-Bold.ttf")) {}
 GlyphSource::~GlyphSource() = default;
@@ -115,6 +172,7 @@ const Glyph& GlyphSource::glyph(wchar_t character, bool bold) {
   const auto key = static_cast<std::uint64_t>(character) << 1 | (bold ? 1 : 0);
   const auto [entry, isNew] = glyphs_.try_emplace(key);
   Glyph& glyph = entry->second;
+  if (isNew && hasFont() && !regular_->has(character) && compose(character, glyph)) return glyph;
   if (isNew && !(bold && bold_->load(character, glyph)) && !regular_->load(character, glyph))
     glyph.advance = geometry::meanCharacterWidth(character, bold);
   return glyph;

@@ -37,6 +37,9 @@ class GlyphSource {
   const Glyph& glyph(wchar_t character, bool bold);
 
  private:
+  /// Signs of tolerances the font has not: a target, letters in circles. False for others.
+  bool compose(wchar_t character, Glyph& glyph);
+
   struct Face;
   std::unique_ptr<Face> regular_, bold_;
   std::unordered_map<std::uint64_t, Glyph> glyphs_;

@@ -1,4 +1,5 @@
 // The painter's entities that bring their picture along, or have none.
+#include "Geometry/Annotations.h"
 #include "Geometry/MultiLeaders.h"
 #include "Geometry/ProxyGraphics.h"
 #include "Picture/EntityPainter.h"
@@ -37,6 +38,14 @@ void EntityPainter::paintLeader(const Slot& entity, const Place& place, const St
 
 void EntityPainter::paintOther(const Slot& entity, const Place& place, const Style& style, double deviation) {
   if (paintProxy(entity, place, style, deviation)) return;
+  const bool isDimension = geometry::isDimension(entity);
+  if (isDimension || entity.type == DxfType::Tolerance) {
+    const auto shape = isDimension ? geometry::readDimension(entity, deviation, characterWidth())
+                                   : geometry::readTolerance(entity, characterWidth());
+    for (const geometry::Wire& wire : shape.wires) paintWire(wire, place, style);
+    for (const geometry::TextBlock& text : shape.texts) paintText(text, place, style);
+    if (!shape.wires.empty()) return;
+  }
   ++leftOut_[db_.typeName(entity)];
 }
 

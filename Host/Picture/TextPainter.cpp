@@ -1,6 +1,7 @@
 // The painter's texts.
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "Picture/EntityPainter.h"
 
@@ -49,6 +50,46 @@ void EntityPainter::paintText(const geometry::TextBlock& text, const Place& plac
     Pen pen = style.pen;
     pen.color = appearances_.color(rule.color, rule.trueColor, style.appearance);
     canvas_.stroke({at(rule.from.x, rule.from.y), at(rule.to.x, rule.to.y)}, false, pen);
+  }
+}
+
+void EntityPainter::paintMark(const LinePattern::Mark& mark, Point at, Point along, double unit, const Pen& pen) {
+  // The picture's y runs down: what lies to the left of the line is above a line to the right.
+  const Point up{along.y, -along.x};
+  const Point place{at.x + (along.x * mark.along + up.x * mark.across) * unit,
+                    at.y + (along.y * mark.along + up.y * mark.across) * unit};
+  const Point base = mark.isUpright ? Point{1, 0} : along, high = mark.isUpright ? Point{0, -1} : up;
+  const double c = std::cos(mark.rotationRad), s = std::sin(mark.rotationRad);
+  Transform frame;
+  frame.x = {(base.x * c + high.x * s) * unit, (base.y * c + high.y * s) * unit, 0};
+  frame.y = {(high.x * c - base.x * s) * unit, (high.y * c - base.y * s) * unit, 0};
+  frame.origin = {place.x, place.y, 0};
+  if (!mark.contents.empty()) {
+    geometry::TextRun run;
+    run.text = mark.contents;
+    run.height = mark.height;
+    for (const wchar_t character : run.text) run.width += advance(character, false) * run.height;
+    return paintRun(run, frame, pen.color);
+  }
+  // Shapes live in files of their own. The common ones have numbers of their own, too: a tick, a peak, a box, a circle.
+  static const std::vector<std::pair<int, std::vector<Point>>> kShapes = {
+      {130, {{0, -1}, {0, 1}}},
+      {131, {{0, 0}, {1, 1}, {2, 0}}},
+      {132, {{0, -1}, {2, -1}, {2, 1}, {0, 1}, {0, -1}}},
+      {133, [] {
+         std::vector<Point> circle;
+         constexpr int kSteps = 24;
+         for (int i = 0; i <= kSteps; ++i) {
+           const double t = 2 * std::numbers::pi * i / kSteps;
+           circle.push_back({1 + std::cos(t), std::sin(t)});
+         }
+         return circle;
+       }()}};
+  for (const auto& [number, points] : kShapes) {
+    if (number != mark.shape) continue;
+    std::vector<Point> line;
+    for (const Point& p : points) line.push_back(frame.plan({p.x * mark.scale, p.y * mark.scale, 0}));
+    canvas_.stroke(line, false, pen);
   }
 }
 

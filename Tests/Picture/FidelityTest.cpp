@@ -64,5 +64,27 @@ TEST(Fidelity, DashesGrowWithTheirBlocks) {
       "2 2 000000|3 2 ffffff|4 2 000000|2.5 6 000000|4 6 ffffff|6 6 000000|8 6 ffffff|2.5 10 000000|4 10 ffffff");
 }
 
+TEST(Fidelity, TextsAndShapesInLinetypes) {
+  // Dash 2, a mark at the end of a gap of 1, a gap of 1: along 18 from 1 on, gaps at 3..5, 7..9 and so on.
+  const std::string head = "3 x|72 65|73 3|40 4|49 2|74 0|49 -1|74 ", tail = "|46 0.6|50 0|44 -0.6|45 0|9 ";
+  const auto marked = [&](const std::string& mark) {
+    SmallDrawing drawing;
+    drawing.linetype("MARK", head + mark + "|49 -1|74 0").layer("0", "70 0|62 7|6 Continuous");
+    drawing.entity("LINE", "10 1|20 5|11 19|21 5", "8 0|6 MARK|370 0")
+        .entity("LINE", "10 15|20 19|11 15|21 1", "8 0|6 MARK|370 0");
+    return drawing;
+  };
+  SmallDatabase plain(marked("0")), boxes(marked("4|75 132|340 0|46 0.6|50 0|44 -0.6|45 0")),
+      texts(marked("2|75 0|340 0" + tail + "I"));
+  const Rendered none(plain, twentyByTwenty(), PictureFormat::Png), box(boxes, twentyByTwenty(), PictureFormat::Png),
+      text(texts, twentyByTwenty(), PictureFormat::Svg);
+  // The gap's middle is at 4: the box reaches from there by 0.6 both ways, a letter stands on the line.
+  EXPECT_EQ(none.shareUnlike(0xFFFFFF, 3.2, 5.2, 4.8, 6), 0);
+  EXPECT_GT(box.shareUnlike(0xFFFFFF, 3.5, 5.5, 4.5, 5.7), 0.3);
+  EXPECT_GT(box.shareUnlike(0xFFFFFF, 3.5, 4.3, 4.5, 4.5), 0.3);
+  EXPECT_GT(text.shareUnlike(0xFFFFFF, 3.2, 5.1, 4.2, 5.5), 0.02);
+  EXPECT_EQ(text.shareUnlike(0xFFFFFF, 3.2, 4, 4.8, 4.9), 0);
+}
+
 }  // namespace
 }  // namespace tests
