@@ -223,6 +223,9 @@ void readImage(const Slot& slot, EntityShape& shape) {
 
 void readViewport(const Slot& slot, EntityShape& shape) {
   if (isSheetViewport(slot)) return;
+  GeometryTags tags(slot.tags());
+  for (Tag tag; tags.next(tag);)
+    if (tag.code == 90 && (tag.integer() & kClippedViewport) != 0) return;
   const SimpleTags simple(slot);
   const AcGePoint3d& c = simple.p[0];
   const double w = simple.real40 / 2, h = simple.real41 / 2;

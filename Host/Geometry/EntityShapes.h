@@ -51,6 +51,9 @@ EntityShape readShape(const database::Slot& entity, double deviation);
 /// False for kinds whose drawn shape is not in their own data, or in none this host can read.
 bool hasShape(const database::Slot& entity);
 
+/// Flag (tag 90) of a VIEWPORT that another entity cuts out: it has no frame of its own.
+constexpr std::int64_t kClippedViewport = 0x10000;
+
 /// True for the VIEWPORT that is the view of a layout's sheet itself and no window in it.
 bool isSheetViewport(const database::Slot& viewport);
 

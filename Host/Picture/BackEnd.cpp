@@ -54,6 +54,10 @@ void paint(QPainter& painter, const DisplayList& list, bool isRaster) {
   for (const DisplayItem& item : list.items) {
     path.clear();
     dots.clear();
+    if (item.kind == ItemKind::EndClip) {
+      painter.restore();
+      continue;
+    }
     const bool isStroke = item.kind == ItemKind::Stroke || item.kind == ItemKind::FlatStroke;
     for (std::uint32_t i = 0; i < item.ringCount; ++i) {
       const DisplayRing& ring = list.rings[item.firstRing + i];
@@ -63,6 +67,11 @@ void paint(QPainter& painter, const DisplayList& list, bool isRaster) {
       } else {
         addToPath(list, ring, path);
       }
+    }
+    if (item.kind == ItemKind::BeginClip) {
+      painter.save();
+      painter.setClipPath(path, Qt::IntersectClip);
+      continue;
     }
     const QColor color = qColor(item.color);
     if (isStroke) {
@@ -111,29 +120,48 @@ std::string renderPng(const DisplayList& list, const Page& page, std::optional<s
   return toString(bytes);
 }
 
-/// Takes the date of making out of a PDF, and the offsets of its table of objects with it.
-std::string withoutDate(std::string pdf) {
-  const std::size_t begin = pdf.find("/CreationDate");
-  const std::size_t end = begin == std::string::npos ? begin : pdf.find('\n', begin);
+/// Puts other bytes in the place of `count` bytes of a PDF, and moves the offsets of its table of objects with them.
+std::string withChange(std::string pdf, std::size_t begin, std::size_t count, const std::string& replacement) {
   const std::size_t table = pdf.rfind("\nxref\n");
   const std::size_t pointer = pdf.rfind("startxref\n");
-  if (end == std::string::npos || table == std::string::npos || pointer == std::string::npos) return pdf;
-  const std::size_t removed = end + 1 - begin;
+  if (table == std::string::npos || pointer == std::string::npos) return pdf;
+  const auto moved = [&](std::size_t offset) { return offset > begin ? offset - count + replacement.size() : offset; };
   const std::size_t trailer = pdf.find("trailer", table);
   std::size_t at = pdf.find('\n', table + 6) + 1;  // after "xref" and "0 count"
   constexpr std::size_t kEntryBytes = 20, kDigits = 10;
   for (; at + kEntryBytes <= trailer; at += kEntryBytes) {
     const std::size_t offset = std::strtoull(pdf.substr(at, kDigits).c_str(), nullptr, 10);
-    if (offset <= begin) continue;
     char text[kDigits + 1];
-    std::snprintf(text, sizeof text, "%010llu", static_cast<unsigned long long>(offset - removed));
+    std::snprintf(text, sizeof text, "%010llu", static_cast<unsigned long long>(moved(offset)));
     pdf.replace(at, kDigits, text);
   }
   const std::size_t digits = pointer + 10;
   const std::size_t last = pdf.find('\n', digits);
-  pdf.replace(digits, last - digits, std::to_string(std::strtoull(pdf.c_str() + digits, nullptr, 10) - removed) + " ");
-  pdf.erase(begin, removed);
+  pdf.replace(digits, last - digits, std::to_string(moved(std::strtoull(pdf.c_str() + digits, nullptr, 10))));
+  pdf.replace(begin, count, replacement);
   return pdf;
+}
+
+/// Without the date of making, which would differ from one time to the next.
+std::string withoutDate(std::string pdf) {
+  const std::size_t begin = pdf.find("/CreationDate");
+  const std::size_t end = begin == std::string::npos ? begin : pdf.find('\n', begin);
+  if (end == std::string::npos) return pdf;
+  return withChange(std::move(pdf), begin, end + 1 - begin, {});
+}
+
+/// The writer rounds pages to whole points and draws from their upper edge down; the page gets its true size there.
+std::string withTruePage(std::string pdf, const Page& page) {
+  constexpr double kPointsPerMm = 72 / kMmPerInch;
+  const std::size_t begin = pdf.find("/MediaBox [");
+  const std::size_t end = begin == std::string::npos ? begin : pdf.find(']', begin);
+  if (end == std::string::npos) return pdf;
+  double left = 0, bottom = 0, right = 0, top = 0;
+  if (std::sscanf(pdf.c_str() + begin, "/MediaBox [%lf %lf %lf %lf", &left, &bottom, &right, &top) != 4) return pdf;
+  char box[128];
+  std::snprintf(box, sizeof box, "/MediaBox [0 %.4f %.4f %.4f", top - page.heightMm * kPointsPerMm,
+                page.widthMm * kPointsPerMm, top);
+  return withChange(std::move(pdf), begin, end - begin, box);
 }
 
 std::string renderPdf(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
@@ -155,7 +183,7 @@ std::string renderPdf(const DisplayList& list, const Page& page, std::optional<s
     if (background) painter.fillRect(QRectF(0, 0, page.widthPx, page.heightPx), qColor(*background));
     paint(painter, list, false);
   }
-  return withoutDate(toString(bytes));
+  return withTruePage(withoutDate(toString(bytes)), page);
 }
 
 }  // namespace

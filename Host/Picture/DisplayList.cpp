@@ -101,6 +101,19 @@ void DisplayListCanvas::fill(const std::vector<std::vector<Point>>& rings, FillR
   }
 }
 
+void DisplayListCanvas::beginClip(const std::vector<Point>& ring) {
+  list_.items.push_back({ItemKind::BeginClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
+  addRing(ring, true);
+}
+
+void DisplayListCanvas::endClip() {
+  if (list_.items.back().kind == ItemKind::BeginClip) {
+    list_.items.pop_back();  // nothing shows inside
+    return;
+  }
+  list_.items.push_back({ItemKind::EndClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
+}
+
 void DisplayListCanvas::fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule,
                                      const Gradient& gradient) {
   const std::size_t before = list_.items.size();

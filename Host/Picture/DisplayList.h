@@ -20,8 +20,10 @@ enum class ItemKind : std::uint8_t {
   FillEvenOdd,
   FillNonzero,
   Stroke,
-  FlatStroke
-};  // strokes: round or square-cut ends
+  FlatStroke,  // strokes: round or square-cut ends
+  BeginClip,   // what follows shows inside the ring only
+  EndClip
+};
 
 struct DisplayRing {
   std::uint32_t first = 0, count = 0;  // points
@@ -71,6 +73,9 @@ class Canvas {
   virtual void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) = 0;
   virtual void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) = 0;
   virtual void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient& gradient) = 0;
+  /// Cuts what follows to the inside of a ring, until the matching end.
+  virtual void beginClip(const std::vector<Point>& ring) = 0;
+  virtual void endClip() = 0;
   /// Part of the picture drawn to from now on.
   virtual void setClip(const Box& clip) = 0;
 };
@@ -83,6 +88,8 @@ class BoundsCanvas final : public Canvas {
   void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient&) override {
     fill(rings, rule, {});
   }
+  void beginClip(const std::vector<Point>&) override {}
+  void endClip() override {}
   void setClip(const Box& clip) override;
   const Box& box() const { return box_; }
 
@@ -98,6 +105,8 @@ class DisplayListCanvas final : public Canvas {
   void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) override;
   void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
   void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient& gradient) override;
+  void beginClip(const std::vector<Point>& ring) override;
+  void endClip() override;
   void setClip(const Box& clip) override { clip_ = clip; }
   DisplayList take() { return std::move(list_); }
 

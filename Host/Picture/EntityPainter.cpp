@@ -24,10 +24,20 @@ constexpr std::size_t kMostEntities = 2'000'000;
 constexpr std::size_t kMostDashes = 3'000'000;
 constexpr double kShortestRoundPx = 1.5;  // of a linetype; finer ones look unbroken
 
-Transform viewportTransform(const Slot& viewport, Box& frame, std::vector<std::uint64_t>& frozen, bool& isOn) {
+/// What a viewport shows where.
+struct ViewportTags {
+  Transform toPaper;
+  Box frame;
+  std::vector<std::uint64_t> frozen;  // handles of layers
+  std::uint64_t boundary = 0;         // handle of the entity that cuts it out, 0: its frame
+  bool isOn = false;
+};
+
+ViewportTags readViewport(const Slot& viewport) {
+  ViewportTags view;
   AcGePoint3d center, viewCenter, direction{0, 0, 1}, target;
   double width = 0, height = 0, viewHeight = 0, twistRad = 0;
-  std::int64_t status = 1;
+  std::int64_t status = 1, flags = 0;
   geometry::GeometryTags tags(viewport.tags());
   for (database::Tag tag; tags.next(tag);) {
     if (takePoint(tag, 10, center) || takePoint(tag, 12, viewCenter) || takePoint(tag, 16, direction) ||
@@ -49,33 +59,40 @@ Transform viewportTransform(const Slot& viewport, Box& frame, std::vector<std::u
       case 68:
         status = tag.integer();
         break;
+      case 90:
+        flags = tag.integer();
+        break;
       case 331:
       case 341:
-        frozen.push_back(tag.handle());
+        view.frozen.push_back(tag.handle());
+        break;
+      case 340:
+        view.boundary = tag.handle();
         break;
       default:
         break;
     }
   }
-  isOn = status != 0;
+  if ((flags & geometry::kClippedViewport) == 0) view.boundary = 0;
+  view.isOn = status != 0;
   if (!(width > 0) || !(height > 0) || !(viewHeight > 0) || !isUsable(center) || !isUsable(viewCenter) ||
       !isUsable(direction) || !isUsable(target)) {
-    isOn = false;
-    return {};
+    view.isOn = false;
+    return view;
   }
-  frame.add(Point{center.x - width / 2, center.y - height / 2});
-  frame.add(Point{center.x + width / 2, center.y + height / 2});
+  view.frame.add(Point{center.x - width / 2, center.y - height / 2});
+  view.frame.add(Point{center.x + width / 2, center.y + height / 2});
   // World to the view's axes, turned by the twist, scaled so that the view height fills the viewport.
   const database::ObjectAxes axes(direction.asVector());
   const double c = std::cos(twistRad), s = std::sin(twistRad), scale = height / viewHeight;
   const AcGeVector3d right = (axes.ax * c - axes.ay * s) * scale, up = (axes.ax * s + axes.ay * c) * scale;
-  Transform t;
+  Transform& t = view.toPaper;
   t.x = {right.x, up.x, 0};
   t.y = {right.y, up.y, 0};
   t.z = {right.z, up.z, 0};
   const AcGeVector3d moved = t.vector(target.asVector());
   t.origin = {center.x - viewCenter.x * scale - moved.x, center.y - viewCenter.y * scale - moved.y, 0};
-  return t;
+  return view;
 }
 
 }  // namespace
@@ -188,21 +205,28 @@ bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::
 
 void EntityPainter::paintViewport(const Slot& entity) {
   if (isInViewport_ || &db_.modelSpace() == db_.block(entity.owner) || geometry::isSheetViewport(entity)) return;
-  Box frame;
-  std::vector<std::uint64_t> frozenHandles;
-  bool isOn = false;
-  const Transform toPaper = viewportTransform(entity, frame, frozenHandles, isOn);
-  if (!isOn) return;
+  const ViewportTags view = readViewport(entity);
+  if (!view.isOn) return;
+  const Transform& toPaper = view.toPaper;
+  Chain corners = {{view.frame.minX, view.frame.minY, 0},
+                   {view.frame.maxX, view.frame.minY, 0},
+                   {view.frame.maxX, view.frame.maxY, 0},
+                   {view.frame.minX, view.frame.maxY, 0}};
+  if (const Slot* boundary = view.boundary != 0 ? db_.findHandle(view.boundary) : nullptr; boundary != nullptr) {
+    const geometry::EntityShape shape = geometry::readShape(*boundary, view_.deviation / std::max(outerScale_, 1e-9));
+    if (!shape.wires.empty() && shape.wires.front().points.size() > 2) corners = shape.wires.front().points;
+  }
+  std::vector<Point> ring;
+  if (!project(corners, view_.toPicture, ring)) return;
   Box clip;
-  for (const AcGePoint3d& corner : {AcGePoint3d{frame.minX, frame.minY, 0}, AcGePoint3d{frame.maxX, frame.maxY, 0}})
-    clip.add(view_.toPicture.plan(corner));
+  for (const Point p : ring) clip.add(p);
   const auto intersected = [](const Box& a, const Box& b) {
     return Box{std::max(a.minX, b.minX), std::max(a.minY, b.minY), std::min(a.maxX, b.maxX), std::min(a.maxY, b.maxY)};
   };
   if (!view_.area.isEmpty()) clip = intersected(clip, view_.area);
   if (clip.isEmpty() || clip.minY > clip.maxY) return;
   std::vector<std::uint32_t> frozen;
-  for (const std::uint64_t handle : frozenHandles)
+  for (const std::uint64_t handle : view.frozen)
     if (const Slot* layer = db_.findHandle(handle); layer != nullptr && layer->type == DxfType::Layer)
       frozen.push_back(db_.findLayer(db_.recordName(*layer)));
 
@@ -213,6 +237,7 @@ void EntityPainter::paintViewport(const Slot& entity) {
   const Box paperArea = view_.area;
   view_.area = clip;
   canvas_.setClip(clip);
+  canvas_.beginClip(ring);
   appearances_.setViewportFrozen(std::move(frozen));
   isInViewport_ = true;
   const Place place{view_.toPicture.after(toPaper), {}};
@@ -223,6 +248,7 @@ void EntityPainter::paintViewport(const Slot& entity) {
   isInViewport_ = false;
   appearances_.setViewportFrozen({});
   view_.area = paperArea;
+  canvas_.endClip();
   canvas_.setClip(paperArea);
   dashScale_ = paperDashScale;
   outerScale_ = paperScale;

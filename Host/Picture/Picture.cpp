@@ -40,10 +40,37 @@ Box visibleExtents(const database::DrawingDatabase& db, const database::BlockCon
 
 }  // namespace
 
-PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
+namespace {
+
+/// Paper spaces measure the paper itself: the unit of a layout's plot settings (tag 72: 0 inches, 1 millimetres).
+double metresPerPaperUnit(const database::DrawingDatabase& db, const std::string& layout) {
+  constexpr double kInch = 0.0254, kMillimetre = 0.001;
+  const std::wstring wanted = text::fromUtf8(layout);
+  double metres = kMillimetre;
+  db.forEachSlot([&](const database::Slot& slot) {
+    if (slot.type != database::DxfType::Layout || slot.isErased()) return;
+    bool isLayoutPart = false, isInches = false;
+    std::wstring name;
+    database::TagCursor tags = slot.tags();
+    for (database::Tag tag; tags.next(tag);) {
+      if (tag.code == 100) isLayoutPart = tag.trimmed() == "AcDbLayout";
+      if (tag.code == 72 && !isLayoutPart) isInches = tag.integer() == 0;
+      if (tag.code == 1 && isLayoutPart) name = db.codec().decode(tag.value);
+    }
+    if (text::equalFolded(name, wanted)) metres = isInches ? kInch : kMillimetre;
+  });
+  return metres;
+}
+
+}  // namespace
+
+PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOptions& given, PictureFormat format) {
+  PictureOptions options = given;
   std::string known;
   const database::BlockContents* block = findLayout(db, options.layout, known);
   if (block == nullptr) return failure("There is no layout \"" + options.layout + "\"; the drawing has " + known + ".");
+
+  if (block != &db.modelSpace()) options.metresPerUnit = metresPerPaperUnit(db, options.layout);
 
   GlyphSource glyphs;
   const Box extents = visibleExtents(db, *block, options, glyphs);

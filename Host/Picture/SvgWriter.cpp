@@ -1,5 +1,6 @@
 #include "Picture/SvgWriter.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -166,23 +167,52 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
                           static_cast<std::uint8_t>(*background), 255});
     writer.text("/>\n");
   }
-  if (!list.gradients.empty()) {
+  const auto path = [&](const DisplayItem& item) {
+    writer.text("<path d=\"");
+    for (std::uint32_t i = 0; i < item.ringCount; ++i) writer.ring(list, list.rings[item.firstRing + i]);
+    writer.text("\"/>");
+  };
+  // Before everything else: readers that know no clips would draw their outlines.
+  const auto isClip = [](const DisplayItem& item) { return item.kind == ItemKind::BeginClip; };
+  const bool hasClips = std::ranges::any_of(list.items, isClip);
+  if (!list.gradients.empty() || hasClips) {
     writer.text("<defs>\n");
     for (std::size_t i = 0; i < list.gradients.size(); ++i) defineGradient(writer, list.gradients[i], i);
+    std::size_t defined = 0;
+    for (const DisplayItem& item : list.items) {
+      if (!isClip(item)) continue;
+      writer.text("<clipPath id=\"c" + std::to_string(defined++) + "\">");
+      path(item);
+      writer.text("</clipPath>\n");
+    }
     writer.text("</defs>\n");
   }
   const DisplayItem* last = nullptr;
+  const auto closeGroup = [&] {
+    if (last != nullptr) writer.text("</g>\n");
+    last = nullptr;
+  };
+  std::size_t clips = 0;
   for (const DisplayItem& item : list.items) {
+    if (item.kind == ItemKind::BeginClip) {
+      closeGroup();
+      writer.text("<g clip-path=\"url(#c" + std::to_string(clips++) + ")\">\n");
+      continue;
+    }
+    if (item.kind == ItemKind::EndClip) {
+      closeGroup();
+      writer.text("</g>\n");
+      continue;
+    }
     if (last == nullptr || !sameLook(*last, item)) {
-      if (last != nullptr) writer.text("</g>\n");
+      closeGroup();
       openGroup(writer, item);
       last = &item;
     }
-    writer.text("<path d=\"");
-    for (std::uint32_t i = 0; i < item.ringCount; ++i) writer.ring(list, list.rings[item.firstRing + i]);
-    writer.text("\"/>\n");
+    path(item);
+    writer.text("\n");
   }
-  if (last != nullptr) writer.text("</g>\n");
+  closeGroup();
   writer.text("</svg>\n");
   return writer.take();
 }

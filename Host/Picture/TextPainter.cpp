@@ -71,12 +71,14 @@ void EntityPainter::paintMark(const LinePattern::Mark& mark, Point at, Point alo
     for (const wchar_t character : run.text) run.width += advance(character, false) * run.height;
     return paintRun(run, frame, pen.color);
   }
-  // Shapes live in files of their own. The common ones have numbers of their own, too: a tick, a peak, a box, a circle.
+  // Shapes live in files of their own. The common ones have numbers of their own, too: a tick, a peak, a box, a circle,
+  // an arch.
   static const std::vector<std::pair<int, std::vector<Point>>> kShapes = {
       {130, {{0, -1}, {0, 1}}},
       {131, {{0, 0}, {1, 1}, {2, 0}}},
       {132, {{0, -1}, {2, -1}, {2, 1}, {0, 1}, {0, -1}}},
-      {133, [] {
+      {133,
+       [] {
          std::vector<Point> circle;
          constexpr int kSteps = 24;
          for (int i = 0; i <= kSteps; ++i) {
@@ -84,7 +86,8 @@ void EntityPainter::paintMark(const LinePattern::Mark& mark, Point at, Point alo
            circle.push_back({1 + std::cos(t), std::sin(t)});
          }
          return circle;
-       }()}};
+       }()},
+      {134, {{0, 0}, {-1, 2}, {-0.6, 3.2}, {0.3, 3.9}, {1, 4}, {1.7, 3.9}, {2.6, 3.2}, {3, 2}, {2, 0}}}};
   for (const auto& [number, points] : kShapes) {
     if (number != mark.shape) continue;
     std::vector<Point> line;

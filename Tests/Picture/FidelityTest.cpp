@@ -86,5 +86,35 @@ TEST(Fidelity, TextsAndShapesInLinetypes) {
   EXPECT_EQ(text.shareUnlike(0xFFFFFF, 3.2, 4, 4.8, 4.9), 0);
 }
 
+TEST(Fidelity, ViewportsAreCutOutExactly) {
+  SmallDrawing drawing;
+  drawing.block("*Paper_Space").model();
+  drawing.entity("CIRCLE", "10 10|20 10|40 5", "67 1|8 0|62 3")
+      .entity("VIEWPORT", "10 10|20 10|40 10|41 10|68 2|69 2|12 5|22 5|16 0|26 0|36 1|45 20|90 65536|340 100",
+              "67 1|8 0|62 1")
+      .entity("HATCH", solidBox(-90, -90, 90, 90), "8 0|62 5");
+  drawing.objects("0 DICTIONARY|5 1A|330 C|100 AcDbDictionary|281 1|3 Model|350 22|3 Sheet|350 59")
+      .objects("0 LAYOUT|5 59|330 1A|100 AcDbPlotSettings|1 |72 1|100 AcDbLayout|1 Sheet|70 1|71 1|330 40");
+  SmallDatabase db(drawing);
+  PictureOptions options = twentyByTwenty();
+  options.layout = "Sheet";
+  const Rendered picture(db, options, PictureFormat::Png);
+  EXPECT_EQ(picture.at(10, 10), 0x0000FF);
+  EXPECT_EQ(picture.at(14, 11), 0x0000FF);
+  EXPECT_EQ(picture.at(14, 14), 0xFFFFFF) << "outside the circle";
+  EXPECT_EQ(picture.at(15, 14.9), 0xFFFFFF) << "no frame";
+  const std::string svg = drawPicture(*db, options, PictureFormat::Svg).bytes;
+  EXPECT_NE(svg.find("<clipPath id=\"c0\">"), std::string::npos);
+  // Sheets measure millimetres whatever the model measures.
+  options.window.reset();
+  options.metresPerUnit = 1;
+  options.scale = 1;
+  const std::string pdf = drawPicture(*db, options, PictureFormat::Pdf).bytes;
+  double bottom = 0, right = 0, top = 0;
+  ASSERT_EQ(std::sscanf(pdf.c_str() + pdf.find("/MediaBox"), "/MediaBox [0 %lf %lf %lf]", &bottom, &right, &top), 3);
+  EXPECT_NEAR(right / 72 * 25.4, 10, 2);
+  EXPECT_NEAR(top - bottom, right, 0.001);
+}
+
 }  // namespace
 }  // namespace tests

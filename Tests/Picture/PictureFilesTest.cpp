@@ -47,7 +47,10 @@ TEST(PictureFiles, PdfObjectTableIsRight) {
     const std::string head = std::to_string(number) + " 0 obj";
     EXPECT_EQ(pdf.substr(offset, head.size()), head);
   }
-  EXPECT_NE(pdf.find("/MediaBox [0 0 842"), std::string::npos);
+  double bottom = 0, right = 0, top = 0;
+  ASSERT_EQ(std::sscanf(pdf.c_str() + pdf.find("/MediaBox"), "/MediaBox [0 %lf %lf %lf]", &bottom, &right, &top), 3);
+  EXPECT_NEAR(right, 297 * 72 / 25.4, 1e-3);
+  EXPECT_NEAR(top - bottom, 210 * 72 / 25.4, 1e-3);
 }
 
 TEST(PictureFiles, PaperAndScaleAreTrueToSize) {
