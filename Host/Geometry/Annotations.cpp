@@ -217,7 +217,7 @@ AnnotationShape readTolerance(const Slot& entity, const CharacterWidth& width) {
   const auto at = [&](double x, double v) { return position + along * x + up * v; };
   for (const std::wstring& row : split(db.codec().decode(contents), L"\n")) {
     std::vector<std::wstring> cells = split(row, L"%%v");
-    while (!cells.empty() && cells.back().find_first_not_of(L" ") == std::wstring::npos) cells.pop_back();
+    while (!cells.empty() && cells.back().find_first_not_of(L' ') == std::wstring::npos) cells.pop_back();
     double x = 0;
     for (const std::wstring& cell : cells) {
       MTextParts parts;
