@@ -27,10 +27,11 @@ void recode(TagCursor tags, const text::Codec& from, TagWriter& out) {
 
 }  // namespace
 
-void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes) {
+namespace {
+
+/// Ties the object to the slot and leaves it open for write.
+void bindOpen(AcDbObject& object, Slot& slot) {
   DrawingDatabase::Parts& parts = slot.database().parts();
-  if (bytes.find("1001") != std::string_view::npos) slot.flags |= kHasXData;  // or looks as if it had
-  parts.setRecord(slot, bytes);
   HostObjectAccess::bind(object, slot);
   Live& live = parts.live(slot);
   live.object = &object;
@@ -38,6 +39,14 @@ void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes) {
   live.isAppending = true;
   parts.opened.push_back(&slot);
   ++parts.openCount;
+}
+
+}  // namespace
+
+void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes) {
+  if (bytes.find("1001") != std::string_view::npos) slot.flags |= kHasXData;  // or looks as if it had
+  slot.database().parts().setRecord(slot, bytes);
+  bindOpen(object, slot);
 }
 
 std::string ownTags(const AcDbObject& object, DrawingDatabase& db, bool isEntity) {
@@ -73,7 +82,7 @@ namespace {
 void addVertices(Slot& polyline, const OldPolyline& data, const std::string& common) {
   DrawingDatabase& db = polyline.database();
   DrawingDatabase::Parts& parts = db.parts();
-  Slot** link = &polyline.firstSub;
+  Slot** link = &polyline.madeSub;
   const auto add = [&](DxfType type, std::string_view name, const std::string& own) {
     Slot* const sub = parts.makeSlot(type, &polyline, kEntity | kSubEntity);
     sub->layer = polyline.layer;
@@ -94,10 +103,70 @@ void addVertices(Slot& polyline, const OldPolyline& data, const std::string& com
   add(DxfType::SeqEnd, "SEQEND", {});
 }
 
+/// Layer, colour and linetype of an entity by its draft; null when they cannot be shared. Whether or not the entity
+/// keeps its draft, its values stay what they are.
+const SharedTags* sharedTagsOf(AcDbEntity& entity, DrawingDatabase& db) {
+  const EntityDraft* const draft = HostObjectAccess::draft(entity);
+  if (draft == nullptr || (draft->layer != nullptr && &draft->layer->database() != &db)) return nullptr;
+  DrawingDatabase::Parts& parts = db.parts();
+  const auto [entry, isNew] = parts.sharedTags.try_emplace({draft->layer, draft->color, draft->isColorFirst});
+  if (!isNew) return entry->second;
+  entity.setDatabaseDefaults(db.facade());
+  const std::string all = ownTags(entity, db, true);
+  std::string_view rest = all;
+  std::uint32_t layer = 0;
+  Tag tag;
+  std::string_view common = all;
+  while (readTag(rest, tag)) {
+    if (tag.code == 8) layer = parts.internLayer(tag.value);
+    if (tag.code != 100) continue;
+    common = common.substr(0, static_cast<std::size_t>(tag.bytes.data() - all.data()));
+    break;
+  }
+  entry->second = parts.arena.make<SharedTags>(SharedTags{parts.arena.keep(common), layer});
+  return entry->second;
+}
+
+/// Keeps the points of a polyline for vertices that are made when asked for.
+const UnmadeVertices* unmadeVertices(const OldPolyline& data, const SharedTags& common, Arena& arena) {
+  AcGePoint3d* const points = arena.makeArray<AcGePoint3d>(data.vertices.size());
+  std::transform(data.vertices.begin(), data.vertices.end(), points,
+                 [](const OldPolyline::Vertex& vertex) { return vertex.point; });
+  return arena.make<UnmadeVertices>(UnmadeVertices{&common, points, static_cast<std::uint32_t>(data.vertices.size())});
+}
+
+/// Appends an entity of which nothing needs to be spelled yet. False when this is not one.
+bool appendUnwritten(Slot& blockRecord, AcDbEntity& entity) {
+  DrawingDatabase& db = blockRecord.database();
+  DrawingDatabase::Parts& parts = db.parts();
+  ObjectData* const data = HostObjectAccess::data(entity);
+  if (data == nullptr || &blockRecord == parts.paperSpaceRecord || HostObjectAccess::draft(entity) == nullptr) {
+    return false;
+  }
+  const DxfType type = typeOfClass(entity.isA());
+  const OwnTags* const own = type != DxfType::Unknown ? data->shelve(db) : nullptr;
+  const SharedTags* const common = own != nullptr ? sharedTagsOf(entity, db) : nullptr;
+  if (common == nullptr) return false;
+  Slot* const slot = parts.makeSlot(type, &blockRecord, kEntity);
+  slot->layer = common->layer;
+  if (type == DxfType::Polyline3d) {
+    slot->unmade = unmadeVertices(static_cast<const OldPolyline&>(*data), *common, parts.arena);
+    slot->flags |= kUnmade;
+    parts.nextHandle += slot->unmade->handles();
+  }
+  bindOpen(entity, *slot);
+  slot->live->record = Record(*parts.arena.make<UnwrittenTags>(*slot, *common, *own));
+  slot->live->modified = true;
+  data->changed = false;
+  parts.contents(&blockRecord).entities.push_back(slot);
+  return true;
+}
+
 }  // namespace
 
 Acad::ErrorStatus appendEntity(Slot& blockRecord, AcDbEntity& entity) {
   if (HostObjectAccess::slot(entity) != nullptr) return Acad::eAlreadyInDb;
+  if (appendUnwritten(blockRecord, entity)) return Acad::eOk;
   DrawingDatabase& db = blockRecord.database();
   DrawingDatabase::Parts& parts = db.parts();
   entity.setDatabaseDefaults(db.facade());

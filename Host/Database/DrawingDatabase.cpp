@@ -14,7 +14,9 @@ DrawingDatabase::DrawingDatabase(AcDbDatabase* facade) : parts_(std::make_unique
 DrawingDatabase::~DrawingDatabase() {
   for (AcDbDatabaseReactor* const reactor : std::vector(parts_->reactors)) reactor->goodbye(facade());
   releaseObjects();
-  parts_->slots.forEach([](Slot& slot) { delete slot.live; });
+  forEachSlot([](Slot& slot) {
+    if (slot.live != nullptr) slot.live->~Live();  // their memory goes with the pool
+  });
 }
 
 AcDbDatabase* DrawingDatabase::facade() const { return parts_->facade; }
@@ -92,15 +94,19 @@ Slot* DrawingDatabase::findHandle(std::uint64_t handle) const {
   const std::vector<Slot*>& index = parts_->byHandle;
   const auto found = std::lower_bound(index.begin(), index.end(), handle,
                                       [](const Slot* slot, std::uint64_t value) { return slot->handle < value; });
-  return found != index.end() && (*found)->handle == handle ? *found : nullptr;
+  if (found != index.end() && (*found)->handle == handle) return *found;
+  return found != index.begin() ? findVertex(**(found - 1), handle) : nullptr;
 }
 
-void DrawingDatabase::forEachSlot(const std::function<void(Slot&)>& visit) const { parts_->slots.forEach(visit); }
+void DrawingDatabase::forEachSlot(const std::function<void(Slot&)>& visit) const {
+  parts_->slots.forEach(visit);
+  parts_->lateSlots.forEach(visit);
+}
 
-std::size_t DrawingDatabase::slotCount() const { return parts_->slots.size(); }
+std::size_t DrawingDatabase::slotCount() const { return parts_->slots.size() + parts_->lateSlots.size(); }
 
 Live& DrawingDatabase::Parts::live(Slot& slot) {
-  if (slot.live == nullptr) slot.live = new Live;
+  if (slot.live == nullptr) slot.live = lives.make();
   return *slot.live;
 }
 
@@ -111,15 +117,18 @@ Record DrawingDatabase::Parts::current(const Slot& slot) const {
 
 void DrawingDatabase::Parts::journal(Slot& slot) {
   ++changes;
+  const std::uint16_t flags = slot.flags;
+  slot.flags = static_cast<std::uint16_t>(flags & ~kFollows);
   if (!inStep) return;
   Live& state = live(slot);
   if (state.journalMark == stepNumber) return;
   state.journalMark = stepNumber;
-  currentStep.states.push_back({&slot, slot.flags, slot.layer, state.record});
+  currentStep.states.push_back({&slot, flags, slot.layer, state.record});
 }
 
 Record& DrawingDatabase::Parts::edit(Slot& slot) {
   journal(slot);
+  if (slot.type == DxfType::Layer || slot.type == DxfType::Header) sharedTags.clear();
   Live& state = live(slot);
   if ((slot.flags & (kNew | kChanged)) == 0) {
     state.record = Record(slot.fileBytes());
@@ -312,6 +321,7 @@ void DrawingDatabase::beginUndoStep(std::wstring name) {
   parts_->currentStep = {};
   parts_->currentStep.name = std::move(name);
   parts_->currentStep.madeBegin = parts_->slots.size();
+  parts_->stepHandle = parts_->nextHandle;
   parts_->inStep = true;
   ++parts_->stepNumber;
 }
@@ -339,7 +349,11 @@ void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
   for (SlotState& state : step.states) {
     Slot& slot = *state.slot;
     Live& live = parts.live(slot);
+    const bool wasErased = slot.isErased();
     std::swap(state.flags, slot.flags);
+    // Whether vertices were made objects meanwhile is nothing that a step changes.
+    slot.flags = static_cast<std::uint16_t>((slot.flags & ~kUnmade) | (state.flags & kUnmade));
+    if (slot.isErased() != wasErased) followErasing(slot);
     std::swap(state.layer, slot.layer);
     std::swap(state.record, live.record);
     parts.dictionaries.erase(&slot);
@@ -361,6 +375,7 @@ void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
   }
   std::reverse(step.order.begin(), step.order.end());
   parts.variables.clear();
+  parts.sharedTags.clear();
   ++parts.changes;
 }
 

@@ -80,7 +80,7 @@ void setName(AcDbEntity& entity, int code, const std::string& name, bool doSuben
   Slot* const slot = HostObjectAccess::slot(entity);
   if (slot == nullptr || !doSubents || slot->type == DxfType::Insert) return;
   DrawingDatabase::Parts& parts = slot->database().parts();
-  for (Slot* sub = slot->firstSub; sub != nullptr; sub = sub->nextSub) {
+  for (Slot* sub = slot->firstSub(); sub != nullptr; sub = sub->nextSub) {
     if (!sub->isErased()) parts.setTag(*sub, kCommon, code, name);
   }
 }
@@ -131,6 +131,11 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, Adesk::Boolean doSube
   // The host opens the layer for read to look at it.
   if (record.live != nullptr && record.live->writer) return Acad::eWasOpenForWrite;
   if (slot_ != nullptr && &record.database() != &slot_->database()) return Acad::eWrongObjectType;
+  if (host::database::EntityDraft* const draft = HostObjectAccess::draft(*this)) {
+    if (draft->layer == nullptr) draft->isColorFirst = draft->color >= 0;
+    draft->layer = &record;
+    return Acad::eOk;
+  }
   setName(*this, 8, nameFor(*this, record), doSubents);
   if (slot_ != nullptr) {
     Tag tag;
@@ -138,7 +143,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, Adesk::Boolean doSube
     if (!HostObjectAccess::findTag(*this, commonPart(*this), 8, tag)) return Acad::eOk;
     slot_->layer = parts.internLayer(tag.value);
     if (doSubents) {
-      for (Slot* sub = slot_->firstSub; sub != nullptr; sub = sub->nextSub) {
+      for (Slot* sub = slot_->firstSub(); sub != nullptr; sub = sub->nextSub) {
         if (slot_->type != DxfType::Insert) sub->layer = slot_->layer;
       }
     }
@@ -173,6 +178,11 @@ AcCmColor AcDbEntity::color() const {
 
 Acad::ErrorStatus AcDbEntity::setColor(const AcCmColor& color, bool, AcDbDatabase*) {
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
+  if (host::database::EntityDraft* const draft = HostObjectAccess::draft(*this);
+      draft != nullptr && !color.isByColor()) {
+    draft->color = color.colorIndex();
+    return Acad::eOk;
+  }
   HostObjectAccess::removeTag(*this, commonPart(*this), 430);
   if (color.isByColor()) {
     HostObjectAccess::setTag(*this, commonPart(*this), 420,

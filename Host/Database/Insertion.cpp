@@ -292,8 +292,8 @@ class Inserter {
       }
       Slot* const copy = copyEntity(*entity, record, 0);
       entities.push_back(copy);
-      Slot** link = &copy->firstSub;
-      for (const Slot* sub = entity->firstSub; sub != nullptr; sub = sub->nextSub) {
+      Slot** link = &copy->madeSub;
+      for (const Slot* sub = entity->firstSub(); sub != nullptr; sub = sub->nextSub) {
         if (sub->isErased()) continue;
         *link = copyEntity(*sub, *copy, kSubEntity);
         link = &(*link)->nextSub;

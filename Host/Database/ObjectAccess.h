@@ -13,6 +13,9 @@
 
 namespace host::database {
 
+class OwnTags;
+struct UnmadeVertices;
+
 /// Parsed geometry of one object.
 struct ObjectData {
   virtual ~ObjectData() = default;
@@ -20,6 +23,16 @@ struct ObjectData {
   bool changed = false;
   /// The object's own tags: from its own subclass marker ("100 AcDbHatch") up to, not including, extended data.
   virtual void write(TagWriter& out) const = 0;
+  /// What spells the same tags later, in the memory of the drawing; null when the data are nothing that commands make
+  /// by the thousand.
+  virtual const OwnTags* shelve(DrawingDatabase& /*db*/) const { return nullptr; }
+};
+
+/// What an entity outside any database was given as long as it has no tags.
+struct EntityDraft {
+  Slot* layer = nullptr;
+  int color = -1;  // colour index; -1: none
+  bool isColorFirst = false;
 };
 
 /// Ties a DXF type to its class of the host interface.
@@ -78,6 +91,9 @@ struct HostObjectAccess {
   /// Adds a persistent reactor that the object, open for write, is known not to have.
   static void plantReactor(AcDbObject& object, AcDbObjectId reactor);
 
+  /// The draft of an entity that has no tags yet; null for any other object. Asking for tags ends it.
+  static host::database::EntityDraft* draft(const AcDbObject& object);
+
   static ObjectData* data(const AcDbObject& object) { return object.data_; }
   static void setData(const AcDbObject& object, ObjectData* data);  // takes ownership
 };
@@ -101,7 +117,7 @@ template <class T>
 T* dataToChange(AcDbObject& object) {
   if (!HostObjectAccess::canWrite(object)) return nullptr;
   T& data = dataOf<T>(object);
-  HostObjectAccess::editRecord(object);
+  if (HostObjectAccess::slot(object) != nullptr) HostObjectAccess::editRecord(object);
   data.changed = true;
   return &data;
 }

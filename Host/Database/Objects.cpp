@@ -26,9 +26,14 @@ namespace {
 
 constexpr int kMostReaders = 256;
 
-/// The record of an object outside any database, with the memory its pieces point to.
+/// The record of an object outside any database, with the memory its pieces point to. An object whose own tags come
+/// from its parsed data gets tags when somebody asks for them.
 struct DetachedRecord : Record {
   host::database::Arena arena{512};
+  std::string_view dxfName;  // a literal
+  bool isEntity = false;
+  bool isWritten = false;
+  host::database::EntityDraft draft;
 };
 
 /// Set while an object is made for a slot: its constructor then makes no record of its own.
@@ -37,6 +42,25 @@ thread_local bool isBinding = false;
 const host::text::Codec& utf8() {
   static const host::text::Codec codec;
   return codec;
+}
+
+/// The detached record with its tags.
+DetachedRecord& written(Record& detached) {
+  auto& record = static_cast<DetachedRecord&>(detached);
+  if (record.isWritten) return record;
+  record.isWritten = true;
+  const host::database::EntityDraft& draft = record.draft;
+  TagWriter writer(utf8());
+  writer.raw(0, record.dxfName);
+  if (record.isEntity) writer.raw(100, "AcDbEntity");
+  const auto writeColor = [&] {
+    if (draft.color >= 0) writer.integer(62, draft.color);
+  };
+  if (draft.isColorFirst) writeColor();
+  if (draft.layer != nullptr) writer.raw(8, utf8().encode(draft.layer->database().recordName(*draft.layer)));
+  if (!draft.isColorFirst) writeColor();
+  record.assign(record.arena.keep(writer.str()));
+  return record;
 }
 
 }  // namespace
@@ -50,13 +74,16 @@ DrawingDatabase* HostObjectAccess::database(const AcDbObject& object) {
 void HostObjectAccess::initDetached(AcDbObject& object, std::string_view dxfName, bool isEntity, std::string_view own) {
   if (isBinding) return;
   auto* const record = new DetachedRecord;
-  TagWriter writer(utf8());
-  writer.raw(0, dxfName);
-  if (isEntity) writer.raw(100, "AcDbEntity");
-  writer.bytes(own);
-  record->assign(record->arena.keep(writer.str()));
   delete static_cast<DetachedRecord*>(object.detached_);
   object.detached_ = record;
+  record->dxfName = dxfName;
+  record->isEntity = isEntity;
+  if (!own.empty()) written(*record).append(record->arena.keep(own));
+}
+
+host::database::EntityDraft* HostObjectAccess::draft(const AcDbObject& object) {
+  auto* const record = static_cast<DetachedRecord*>(object.detached_);
+  return record != nullptr && record->isEntity && !record->isWritten ? &record->draft : nullptr;
 }
 
 void HostObjectAccess::bind(AcDbObject& object, Slot& slot) {
@@ -67,11 +94,11 @@ void HostObjectAccess::bind(AcDbObject& object, Slot& slot) {
 
 TagCursor HostObjectAccess::tags(const AcDbObject& object) {
   if (object.slot_ != nullptr) return object.slot_->tags();
-  return object.detached_ != nullptr ? object.detached_->tags() : TagCursor();
+  return object.detached_ != nullptr ? written(*object.detached_).tags() : TagCursor();
 }
 
 std::string HostObjectAccess::detachedBytes(const AcDbObject& object) {
-  return object.detached_ != nullptr ? object.detached_->bytes() : std::string();
+  return object.detached_ != nullptr ? written(*object.detached_).bytes() : std::string();
 }
 
 const host::text::Codec& HostObjectAccess::codec(const AcDbObject& object) {
@@ -84,7 +111,7 @@ bool HostObjectAccess::canWrite(const AcDbObject& object) {
 }
 
 Record& HostObjectAccess::editRecord(AcDbObject& object) {
-  return object.slot_ != nullptr ? object.slot_->database().parts().edit(*object.slot_) : *object.detached_;
+  return object.slot_ != nullptr ? object.slot_->database().parts().edit(*object.slot_) : written(*object.detached_);
 }
 
 std::string_view HostObjectAccess::keep(const AcDbObject& object, std::string_view bytes) {
@@ -263,6 +290,10 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
 
 bool AcDbObject::hasPersistentReactor(AcDbObjectId reactor) const {
   if (slot_ == nullptr || reactor.isNull()) return false;
+  if (slot_->live != nullptr && slot_->begin == nullptr) {
+    const host::database::UnwrittenTags* const unwritten = slot_->live->record.unwritten();
+    if (unwritten != nullptr) return unwritten->reactor() == reactor.slot()->handle;
+  }
   const std::vector<std::uint64_t> handles = handlesIn(slot_->tags(), "{ACAD_REACTORS");
   return std::find(handles.begin(), handles.end(), reactor.slot()->handle) != handles.end();
 }
@@ -279,6 +310,11 @@ Acad::ErrorStatus AcDbObject::addPersistentReactor(AcDbObjectId reactor) {
 void HostObjectAccess::plantReactor(AcDbObject& object, AcDbObjectId reactor) {
   DrawingDatabase& db = object.slot_->database();
   Record& record = editRecord(object);
+  host::database::UnwrittenTags* const unwritten = record.unwritten();
+  if (unwritten != nullptr && unwritten->reactor() == 0 && db.parts().isOfThisStep(*object.slot_)) {
+    unwritten->setReactor(reactor.slot()->handle);
+    return;
+  }
   const RecordLayout front = host::database::frontOf(record);
   const std::string entry = db.tagWriter().handle(330, reactor.slot()->handle).take();
   if (front.reactorsBegin != RecordLayout::npos && front.reactorsEnd != RecordLayout::npos) {
@@ -421,7 +457,12 @@ void DrawingDatabase::Parts::eraseSlot(Slot& slot, bool erasing) {
     }
   };
   mark(slot);
-  for (Slot* sub = slot.firstSub; sub != nullptr; sub = sub->nextSub) mark(*sub);
+  if (slot.unmadeVertices() == nullptr) {
+    for (Slot* sub = slot.firstSub(); sub != nullptr; sub = sub->nextSub) {
+      if ((sub->flags & host::database::kFollows) == 0) mark(*sub);
+    }
+    host::database::followErasing(slot);
+  }
   // A dictionary forgets an erased object; its entry comes back with undo, as the dictionary's record does.
   if (slot.owner != nullptr && erasing &&
       (slot.owner->type == DxfType::Dictionary || slot.owner->type == DxfType::DictionaryWithDefault)) {
@@ -448,7 +489,7 @@ int DrawingDatabase::releaseObjects() {
     live->object = nullptr;
     if ((slot->flags & (kNew | kChanged)) == 0) {
       slot->live = nullptr;
-      delete live;
+      parts_->lives.destroy(live);
     }
   }
   parts_->openCount = 0;

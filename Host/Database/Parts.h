@@ -15,6 +15,8 @@
 #include <vector>
 
 #include "Database/DrawingDatabase.h"
+#include "Database/ObjectAccess.h"
+#include "Database/UnwrittenTags.h"
 
 namespace host::database {
 
@@ -54,12 +56,62 @@ class SlotPool {
   std::size_t count_ = 0;
 };
 
+/// Objects of one type, most of them made and few destroyed before the pool is.
+template <class T>
+class ObjectPool {
+ public:
+  ObjectPool() = default;
+  ObjectPool(const ObjectPool&) = delete;
+  ObjectPool& operator=(const ObjectPool&) = delete;
+
+  T* make() {
+    if (free_ == nullptr) {
+      if (left_ == 0) {
+        chunks_.push_back(std::make_unique_for_overwrite<Place[]>(kPerChunk));
+        left_ = kPerChunk;
+      }
+      return new (&chunks_.back()[kPerChunk - left_--]) T;
+    }
+    Place* const place = std::exchange(free_, free_->next);
+    return new (place) T;
+  }
+  void destroy(T* object) {
+    object->~T();
+    auto* const place = reinterpret_cast<Place*>(object);
+    place->next = free_;
+    free_ = place;
+  }
+
+ private:
+  union Place {
+    Place* next;
+    alignas(T) char bytes[sizeof(T)];
+  };
+  static constexpr std::size_t kPerChunk = (std::size_t{1} << 16) / sizeof(T);
+  std::vector<std::unique_ptr<Place[]>> chunks_;
+  std::size_t left_ = 0;
+  Place* free_ = nullptr;
+};
+
 /// Bytes that live as long as the drawing.
 class Arena {
  public:
   explicit Arena(std::size_t chunkBytes = std::size_t{1} << 18) : chunkBytes_(chunkBytes) {}
   std::string_view keep(std::string_view bytes);
   std::size_t used() const { return used_; }
+
+  /// Memory for objects that are never destroyed.
+  void* allocate(std::size_t bytes, std::size_t alignment);
+  template <class T, class... Arguments>
+  T* make(Arguments&&... arguments) {
+    static_assert(std::is_trivially_destructible_v<T>);
+    return new (allocate(sizeof(T), alignof(T))) T(std::forward<Arguments>(arguments)...);
+  }
+  template <class T>
+  T* makeArray(std::size_t count) {
+    static_assert(std::is_trivially_destructible_v<T>);
+    return static_cast<T*>(allocate(sizeof(T) * count, alignof(T)));
+  }
 
  private:
   std::vector<std::unique_ptr<char[]>> chunks_;
@@ -135,7 +187,8 @@ struct NameHash {
 };
 
 struct DrawingDatabase::Parts {
-  explicit Parts(DrawingDatabase& owner, AcDbDatabase* facadeIn) : facade(facadeIn), self(owner), slots(&owner) {}
+  explicit Parts(DrawingDatabase& owner, AcDbDatabase* facadeIn)
+      : facade(facadeIn), self(owner), slots(&owner), lateSlots(&owner) {}
 
   AcDbDatabase* facade;
   DrawingDatabase& self;
@@ -155,7 +208,9 @@ struct DrawingDatabase::Parts {
   Arena arena;
 
   // Objects.
+  ObjectPool<Live> lives;
   SlotPool slots;
+  SlotPool lateSlots;           // vertices made when asked for; undo steps, which count slots, know nothing of them
   std::vector<Slot*> byHandle;  // ascending
   std::uint64_t nextHandle = 1;
   std::vector<Slot*> opened;  // slots whose Live holds an object
@@ -182,6 +237,15 @@ struct DrawingDatabase::Parts {
   Slot* header = nullptr;
   // Variables as they were looked up since the header changed last; every new entity asks for some of them.
   std::map<std::pair<std::string, int>, std::optional<Tag>> variables;
+  /// What entities made outside the drawing were given before they were added to it.
+  struct CommonKey {
+    const Slot* layer = nullptr;
+    int color = -1;
+    bool isColorFirst = false;
+    auto operator<=>(const CommonKey&) const = default;
+  };
+  std::map<CommonKey, const SharedTags*> sharedTags;  // as they were made since the header and the layers changed last
+  std::vector<std::unique_ptr<const ObjectData>> hatchStyles;  // what new hatches have in common
   Slot* classes = nullptr;
   Slot* root = nullptr;
   std::unordered_map<const Slot*, std::unique_ptr<DictionaryContents>> dictionaries;
@@ -193,6 +257,7 @@ struct DrawingDatabase::Parts {
   UndoStep currentStep;
   bool inStep = false;
   std::uint32_t stepNumber = 0;
+  std::uint64_t stepHandle = 0;  // what the current step makes has this handle or a higher one
 
   std::uint64_t changes = 0;
   std::uint64_t savedChanges = 0;
@@ -215,6 +280,8 @@ struct DrawingDatabase::Parts {
   /// Record as it stands.
   Record current(const Slot& slot) const;
   void setRecord(Slot& slot, std::string_view bytes);
+  /// Whether undoing the current step takes the slot away as a whole, so that nothing of it needs to be journaled.
+  bool isOfThisStep(const Slot& slot) const { return inStep && (slot.flags & kNew) != 0 && slot.handle >= stepHandle; }
   Acad::ErrorStatus closeObject(AcDbObject& object);
   void eraseSlot(Slot& slot, bool erasing);
   AcDbObject* objectFor(Slot& slot);

@@ -136,6 +136,28 @@ void OldPolyline::write(TagWriter& out) const {
   if (!(normal == AcGeVector3d::kZAxis)) out.point(210, normal.x, normal.y, normal.z);
 }
 
+namespace {
+
+/// A POLYLINE in space, flat at no height of its own.
+class PlainPolyline final : public OwnTags {
+ public:
+  explicit PlainPolyline(bool isClosed) { polyline_.flags = isClosed ? 9 : 8; }
+  void write(TagWriter& out) const override { polyline_.write(out); }
+
+ private:
+  OldPolyline polyline_;
+};
+
+}  // namespace
+
+const OwnTags* OldPolyline::shelve(DrawingDatabase&) const {
+  static const PlainPolyline open(false);
+  static const PlainPolyline closed(true);
+  const bool isPlain = (flags & ~1) == 8 && smoothType == 0 && elevation == 0 && normal == AcGeVector3d::kZAxis;
+  if (!isPlain) return nullptr;
+  return (flags & 1) != 0 ? &closed : &open;
+}
+
 std::string OldPolyline::vertexTags(std::size_t index, const text::Codec& codec, std::string_view lineEnd) const {
   const Vertex& vertex = vertices[index];
   TagWriter out(codec, lineEnd);
@@ -179,7 +201,7 @@ class VertexIterator final : public AcDbObjectIterator {
  public:
   explicit VertexIterator(const AcDbEntity& polyline) {
     if (const Slot* const slot = HostObjectAccess::slot(polyline)) {
-      for (Slot* sub = slot->firstSub; sub != nullptr; sub = sub->nextSub) {
+      for (Slot* sub = slot->firstSub(); sub != nullptr; sub = sub->nextSub) {
         if (sub->type != DxfType::SeqEnd && !sub->isErased()) slots_.push_back(sub);
       }
       return;

@@ -44,6 +44,7 @@ struct OldPolyline final : ObjectData {
   bool is3d() const { return (flags & 8) != 0; }
   void read(TagCursor tags, const text::Codec& codec);
   void write(TagWriter& out) const override;
+  const OwnTags* shelve(DrawingDatabase& db) const override;
   /// A vertex's own tags, from its subclass marker on.
   std::string vertexTags(std::size_t index, const text::Codec& codec, std::string_view lineEnd) const;
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "Database/UnwrittenTags.h"
 #include "Text/Text.h"
 
 namespace host::database {
@@ -78,16 +79,28 @@ bool TagCursor::next(Tag& tag) {
   return readTag(current_, tag);
 }
 
+std::span<const std::string_view> Record::pieces() const {
+  if (const auto* const single = std::get_if<std::string_view>(&content_)) return {single, 1};
+  if (const auto* const unwritten = std::get_if<UnwrittenTags*>(&content_)) return {&(*unwritten)->text(), 1};
+  if (const auto* const several = std::get_if<std::shared_ptr<Pieces>>(&content_)) return **several;
+  return {};
+}
+
+UnwrittenTags* Record::unwritten() const {
+  const auto* const unwritten = std::get_if<UnwrittenTags*>(&content_);
+  return unwritten != nullptr && !(*unwritten)->isWritten() ? *unwritten : nullptr;
+}
+
 std::size_t Record::size() const {
   std::size_t total = 0;
-  for (const std::string_view piece : pieces_) total += piece.size();
+  for (const std::string_view piece : pieces()) total += piece.size();
   return total;
 }
 
 std::string Record::bytes() const {
   std::string all;
   all.reserve(size());
-  for (const std::string_view piece : pieces_) all += piece;
+  for (const std::string_view piece : pieces()) all += piece;
   return all;
 }
 
@@ -98,18 +111,33 @@ std::size_t Record::count() const {
   return number;
 }
 
+Record::Pieces& Record::ownPieces() {
+  auto* several = std::get_if<std::shared_ptr<Pieces>>(&content_);
+  if (several == nullptr || several->use_count() > 1) {
+    const std::span<const std::string_view> now = pieces();
+    several = &content_.emplace<std::shared_ptr<Pieces>>(std::make_shared<Pieces>(now.begin(), now.end()));
+  }
+  return **several;
+}
+
 void Record::append(std::string_view bytes) {
-  if (!bytes.empty()) pieces_.push_back(bytes);
+  if (bytes.empty()) return;
+  if (std::holds_alternative<std::monostate>(content_)) {
+    content_ = bytes;
+  } else {
+    ownPieces().push_back(bytes);
+  }
 }
 
 void Record::replace(std::size_t index, std::size_t count, std::string_view bytes) {
-  std::vector<std::string_view> result;
-  result.reserve(pieces_.size() + 2);
+  const std::span<const std::string_view> pieces = this->pieces();
+  Pieces result;
+  result.reserve(pieces.size() + 2);
   std::size_t number = 0;
   std::size_t position = 0;
   std::string_view tail;  // of the piece in which the replaced tags end
-  for (; position < pieces_.size() && tail.empty(); ++position) {
-    const std::string_view piece = pieces_[position];
+  for (; position < pieces.size() && tail.empty(); ++position) {
+    const std::string_view piece = pieces[position];
     std::string_view rest = piece;
     std::size_t head = 0;
     Tag tag;
@@ -125,8 +153,12 @@ void Record::replace(std::size_t index, std::size_t count, std::string_view byte
   }
   if (!bytes.empty()) result.push_back(bytes);
   if (!tail.empty()) result.push_back(tail);
-  result.insert(result.end(), pieces_.begin() + static_cast<std::ptrdiff_t>(position), pieces_.end());
-  pieces_ = std::move(result);
+  result.insert(result.end(), pieces.begin() + static_cast<std::ptrdiff_t>(position), pieces.end());
+  if (result.size() == 1) {
+    content_ = result.front();
+  } else {
+    content_ = std::make_shared<Pieces>(std::move(result));
+  }
 }
 
 TagWriter& TagWriter::raw(int code, std::string_view value) {

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "Text/Codec.h"
@@ -35,7 +38,7 @@ class TagCursor {
  public:
   TagCursor() = default;
   explicit TagCursor(std::string_view single) : current_(single) {}
-  explicit TagCursor(const std::vector<std::string_view>& pieces)
+  explicit TagCursor(std::span<const std::string_view> pieces)
       : next_(pieces.data()), end_(pieces.data() + pieces.size()) {}
   bool next(Tag& tag);
 
@@ -45,18 +48,24 @@ class TagCursor {
   const std::string_view* end_ = nullptr;
 };
 
+class UnwrittenTags;
+
 /// An object's tags as a rope of byte pieces: those nobody changed are the very bytes of the file. Piece memory belongs
-/// to the database (file text or its arena), so copies are cheap and old copies stay valid for undo.
+/// to the database (file text or its arena), so copies are cheap and old copies stay valid for undo. A record may also
+/// stand for tags that are written out when somebody asks for them; nobody but `unwritten` can tell.
 class Record {
  public:
   Record() = default;
-  explicit Record(std::string_view bytes) { pieces_.push_back(bytes); }
+  explicit Record(std::string_view bytes) : content_(bytes) {}
+  explicit Record(UnwrittenTags& tags) : content_(&tags) {}
 
-  TagCursor tags() const { return TagCursor(pieces_); }
-  const std::vector<std::string_view>& pieces() const { return pieces_; }
-  bool isEmpty() const { return pieces_.empty(); }
+  TagCursor tags() const { return TagCursor(pieces()); }
+  std::span<const std::string_view> pieces() const;
+  bool isEmpty() const { return pieces().empty(); }
   std::size_t size() const;
   std::string bytes() const;
+  /// The tags behind a record that nobody has asked for them or changed; else null.
+  UnwrittenTags* unwritten() const;
 
   /// Number of tags.
   std::size_t count() const;
@@ -64,11 +73,15 @@ class Record {
   void replace(std::size_t index, std::size_t count, std::string_view bytes);
   /// Adds whole tags at the end; constant time.
   void append(std::string_view bytes);
-  void assign(std::string_view bytes) { pieces_.assign(1, bytes); }
-  bool operator==(const Record& other) const { return pieces_.data() == other.pieces_.data(); }
+  void assign(std::string_view bytes) { content_ = bytes; }
 
  private:
-  std::vector<std::string_view> pieces_;
+  using Pieces = std::vector<std::string_view>;
+  /// The pieces to change: of this record only, for copies share theirs.
+  Pieces& ownPieces();
+
+  // Most records are one piece.
+  std::variant<std::monostate, std::string_view, UnwrittenTags*, std::shared_ptr<Pieces>> content_;
 };
 
 /// An integer as DXF writers spell it: right-justified to 9 characters under 32-bit codes, to 6 under others.
@@ -88,6 +101,7 @@ class TagWriter {
   TagWriter& bytes(std::string_view tags);  // whole tags, copied as they are
   const std::string& str() const { return out_; }
   std::string take() { return std::move(out_); }
+  void clear() { out_.clear(); }
 
  private:
   const text::Codec* codec_;

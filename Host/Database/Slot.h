@@ -13,6 +13,7 @@ class AcDbObject;
 namespace host::database {
 
 class DrawingDatabase;
+struct UnmadeVertices;
 
 /// Index into the database's list of DXF types ("LWPOLYLINE", "LAYER" ...); see DrawingDatabase::typeName.
 /// The first ones are fixed, so that walks over slots compare numbers.
@@ -94,6 +95,8 @@ enum SlotFlag : std::uint16_t {
   kChanged = 32,       // its record differs from the file
   kHasXData = 64,      // the record may have extended data; without it there is none
   kNeedsHandle = 128,  // the file gives it no handle: one is written as soon as anything is saved
+  kUnmade = 256,       // a new polyline whose vertices nobody asked for yet
+  kFollows = 512,  // made when its polyline was asked for it: erased and brought back with that until changed itself
 };
 
 /// What exists only while an object is open, was changed or is new.
@@ -113,7 +116,10 @@ struct Slot {
   const char* begin = nullptr;  // its bytes in the file text; null when new
   Slot* owner = nullptr;        // block record, table, dictionary, polyline ...; null when not known
   Live* live = nullptr;
-  Slot* firstSub = nullptr;  // first vertex or attribute, then along nextSub to the SEQEND
+  union {
+    Slot* madeSub = nullptr;
+    const UnmadeVertices* unmade;  // with kUnmade
+  };
   Slot* nextSub = nullptr;
   std::uint32_t length = 0;  // bytes in the file
   std::uint32_t layer = 0;   // index into the database's layer names; 0 = none
@@ -124,11 +130,20 @@ struct Slot {
   bool isEntity() const { return (flags & kEntity) != 0; }
   bool isSubEntity() const { return (flags & kSubEntity) != 0; }
 
+  /// First vertex or attribute, then along nextSub to the SEQEND. Makes the vertices of a new polyline.
+  Slot* firstSub() const { return (flags & kUnmade) == 0 ? madeSub : makeSubs(); }
+  bool hasSubs() const { return (flags & kUnmade) != 0 || madeSub != nullptr; }
+  /// The vertices of a new polyline as long as they are no objects yet; else null.
+  const UnmadeVertices* unmadeVertices() const { return (flags & kUnmade) != 0 ? unmade : nullptr; }
+
   /// The database of the slot.
   DrawingDatabase& database() const;
   /// The tags as they stand now; valid until the object is written to next.
   TagCursor tags() const;
   std::string_view fileBytes() const { return {begin, length}; }
+
+ private:
+  Slot* makeSubs() const;
 };
 
 }  // namespace host::database

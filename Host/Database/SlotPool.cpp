@@ -59,6 +59,24 @@ std::string_view Arena::keep(std::string_view bytes) {
   return kept;
 }
 
+void* Arena::allocate(std::size_t bytes, std::size_t alignment) {
+  const std::size_t gap = (alignment - reinterpret_cast<std::uintptr_t>(next_) % alignment) % alignment;
+  if (gap + bytes > left_) {
+    const std::size_t size = std::max(chunkBytes_, bytes);
+    chunks_.push_back(std::make_unique_for_overwrite<char[]>(size));  // aligned for anything
+    next_ = chunks_.back().get();
+    left_ = size;
+  } else {
+    next_ += gap;
+    left_ -= gap;
+  }
+  char* const begin = next_;
+  next_ += bytes;
+  left_ -= bytes;
+  used_ += bytes;
+  return begin;
+}
+
 DrawingDatabase& Slot::database() const { return SlotPool::databaseOf(this); }
 
 TagCursor Slot::tags() const {

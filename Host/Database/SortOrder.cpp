@@ -155,10 +155,11 @@ void DrawingDatabase::Parts::settle() {
   for (auto& [slot, contents] : sortTables) {
     if (contents->changed && !slot->isErased()) settleSortTable(self, const_cast<Slot&>(*slot), *contents);
   }
-  slots.forEach([&](Slot& slot) {
+  self.forEachSlot([&](Slot& slot) {
     if (slot.isErased()) return;
     if ((slot.flags & (kNew | kNeedsHandle)) != 0) hasNew = true;
-    highest = std::max(highest, slot.handle);
+    const UnmadeVertices* const vertices = slot.unmadeVertices();
+    highest = std::max(highest, slot.handle + (vertices != nullptr ? vertices->handles() : 0));
     hasSortTable = hasSortTable || slot.type == DxfType::SortentsTable;
   });
   for (auto& [type, table] : tables) {

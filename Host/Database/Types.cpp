@@ -72,8 +72,16 @@ AcRxClass* classOf(DxfType type, bool isEntity) {
 }
 
 DxfType typeOfClass(const AcRxClass* description) {
+  // Commands make many objects of one or two classes.
+  thread_local std::array<std::pair<const AcRxClass*, DxfType>, 2> latest{};
+  for (const auto& [known, type] : latest) {
+    if (known == description && type != DxfType::Unknown) return type;
+  }
   for (const ClassEntry& entry : registry().entries) {
-    if (entry.description != nullptr && entry.description() == description) return entry.type;
+    if (entry.description == nullptr || entry.description() != description) continue;
+    latest[1] = latest[0];
+    latest[0] = {description, entry.type};
+    return entry.type;
   }
   return DxfType::Unknown;
 }

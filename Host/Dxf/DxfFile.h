@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,9 @@ std::string drawingText(database::DrawingDatabase& db);
 FileResult saveDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
 /// Any bytes the same way (pictures).
 FileResult writeFileWhole(const std::filesystem::path& file, std::string_view bytes);
-FileResult writeFileWhole(const std::filesystem::path& file, const std::vector<std::string_view>& pieces);
+/// The same for bytes that come piece by piece: `produce` calls its argument with each and stops when that answers
+/// false, which it then answers itself.
+using GiveBytes = std::function<bool(std::string_view)>;
+FileResult writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce);
 
 }  // namespace host::dxf

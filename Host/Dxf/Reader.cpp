@@ -390,7 +390,7 @@ class Reader {
       compound = nullptr;
       if (isOldPolyline(slot->type) || (slot->type == DxfType::Insert && scanned.hasAttributes)) {
         compound = slot;
-        link = &slot->firstSub;
+        link = &slot->madeSub;
       }
       if (block != nullptr) {
         block->entities.push_back(slot);

@@ -38,21 +38,18 @@ class TemporaryFile {
   bool isOpen() const { return descriptor_ >= 0; }
 
   /// Small pieces are gathered, so that a file of many edits is not written by the line.
-  bool write(const std::vector<std::string_view>& pieces) {
+  bool write(std::string_view piece) {
     constexpr std::size_t kGather = std::size_t{1} << 18;
-    std::string gathered;
-    for (const std::string_view piece : pieces) {
-      if (gathered.size() + piece.size() > kGather) {
-        if (!writeBytes(gathered)) return false;
-        gathered.clear();
-      }
-      if (piece.size() > kGather) {
-        if (!writeBytes(piece)) return false;
-      } else {
-        gathered += piece;
-      }
-    }
-    return writeBytes(gathered);
+    if (gathered_.size() + piece.size() > kGather && !flush()) return false;
+    if (piece.size() > kGather) return writeBytes(piece);
+    gathered_ += piece;
+    return true;
+  }
+
+  bool flush() {
+    const bool ok = writeBytes(gathered_);
+    gathered_.clear();
+    return ok;
   }
 
   /// Flushes and takes the target's place, with the permissions and the owner the old file had. On failure errno tells
@@ -111,15 +108,16 @@ class TemporaryFile {
   std::filesystem::path target_, folder_;
   std::string name_;  // empty as long as the file has none
   int descriptor_ = -1;
+  std::string gathered_;
 };
 
 }  // namespace
 
 FileResult writeFileWhole(const std::filesystem::path& file, std::string_view bytes) {
-  return writeFileWhole(file, std::vector<std::string_view>{bytes});
+  return writeFileWhole(file, [bytes](const GiveBytes& give) { return give(bytes); });
 }
 
-FileResult writeFileWhole(const std::filesystem::path& file, const std::vector<std::string_view>& pieces) {
+FileResult writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
   const auto failed = [&](const char* what) {
     return FileResult{false, file.string() + ": " + what + ": " + std::strerror(errno)};
   };
@@ -140,7 +138,8 @@ FileResult writeFileWhole(const std::filesystem::path& file, const std::vector<s
   }
   TemporaryFile temporary(target);
   if (!temporary.isOpen()) return failed("cannot be written");
-  if (!temporary.write(pieces)) return failed("cannot be written");
+  const auto write = [&temporary](std::string_view piece) { return temporary.write(piece); };
+  if (!produce(write) || !temporary.flush()) return failed("cannot be written");
   if (!temporary.commit()) return failed("cannot be written");
   return {};
 }

@@ -1,7 +1,9 @@
 // Saving: the file's own text with edits. What nobody touched is copied byte for byte; a drawing that was not changed
 // comes out as it went in.
 #include <algorithm>
+#include <functional>
 #include <map>
+#include <span>
 #include <unordered_map>
 
 #include "Database/Parts.h"
@@ -20,28 +22,59 @@ using database::TagWriter;
 
 namespace {
 
+/// A part of the saved text: bytes, or a new entity whose tags are spelled only when it is their turn. A drawing may
+/// have far more of those than fits into memory twice.
+struct Piece {
+  std::string_view bytes;
+  const Slot* entity = nullptr;
+
+  Piece(std::string_view text) : bytes(text) {}
+  explicit Piece(const Slot& unwritten) : entity(&unwritten) {}
+};
+using Pieces = std::vector<Piece>;
+
 /// Replaces `remove` bytes at an offset of the file's text.
 struct Edit {
   std::size_t at = 0;
   std::size_t remove = 0;
-  std::vector<std::string_view> pieces;
+  Pieces pieces;
 };
+
+Pieces piecesOf(const database::Record& record) {
+  const std::span<const std::string_view> pieces = record.pieces();
+  return {pieces.begin(), pieces.end()};
+}
 
 class Writer {
  public:
   explicit Writer(DrawingDatabase& db) : db_(db), parts_(db.parts()) {}
 
-  /// The drawing's text in order; the pieces lie in memory of the database.
-  std::vector<std::string_view> write() {
+  /// Gives the drawing's text in order, until `give` answers false.
+  bool write(const std::function<bool(std::string_view)>& give) {
+    TagWriter out = db_.tagWriter();
+    for (const Piece& piece : pieces()) {
+      std::string_view bytes = piece.bytes;
+      if (piece.entity != nullptr) {
+        out.clear();
+        spell(*piece.entity, out);
+        bytes = out.str();
+      }
+      if (!give(bytes)) return false;
+    }
+    return true;
+  }
+
+ private:
+  /// The drawing in order; the pieces lie in memory of the database.
+  Pieces pieces() {
     parts_.settle();
     collectChanges();
-    if (edits_.empty() && insertions_.empty()) return {parts_.text};
+    if (edits_.empty() && insertions_.empty()) return {Piece(parts_.text)};
     collectMissingHandles();
     insertNew();
     return merge();
   }
 
- private:
   std::size_t offsetOf(const Slot& slot) const { return static_cast<std::size_t>(slot.begin - parts_.text.data()); }
 
   void collectChanges() {
@@ -56,7 +89,9 @@ class Writer {
       if (slot.isErased()) {
         edits_.push_back({offsetOf(slot), slot.length, {}});
       } else if ((slot.flags & kChanged) != 0 || losesMembers) {
-        edits_.push_back({offsetOf(slot), slot.length, piecesOf(slot)});
+        Pieces pieces;
+        appendRecord(pieces, slot);
+        edits_.push_back({offsetOf(slot), slot.length, std::move(pieces)});
       }
     });
   }
@@ -76,14 +111,8 @@ class Writer {
         kept += tag.bytes;
       }
     }
-    if (found) withoutErased_[&group] = {parts_.arena.keep(kept)};
+    if (found) withoutErased_[&group] = parts_.arena.keep(kept);
     return found;
-  }
-
-  /// The text of a new or changed object.
-  const std::vector<std::string_view>& piecesOf(const Slot& slot) const {
-    const auto trimmed = withoutErased_.find(&slot);
-    return trimmed != withoutErased_.end() ? trimmed->second : slot.live->record.pieces();
   }
 
   /// Objects without a handle in the file get theirs as soon as anything is written, for other objects may name them.
@@ -97,46 +126,66 @@ class Writer {
         return edit.at == offsetOf(slot) && edit.remove == slot.length;
       });
       if (existing != edits_.end()) {
-        existing->pieces = record.pieces();
+        existing->pieces = piecesOf(record);
       } else {
-        edits_.push_back({offsetOf(slot), slot.length, record.pieces()});
+        edits_.push_back({offsetOf(slot), slot.length, piecesOf(record)});
       }
     });
   }
 
-  void append(std::vector<std::string_view>& out, const Slot& slot) const {
-    const std::vector<std::string_view>& pieces = piecesOf(slot);
-    out.insert(out.end(), pieces.begin(), pieces.end());
-    for (const Slot* sub = slot.firstSub; sub != nullptr; sub = sub->nextSub) {
-      if (!sub->isErased() && (sub->flags & kNew) != 0) {
-        const std::vector<std::string_view>& own = sub->live->record.pieces();
-        out.insert(out.end(), own.begin(), own.end());
-      }
+  static void spell(const Slot& entity, TagWriter& out) {
+    if (const database::UnwrittenTags* const unwritten = entity.live->record.unwritten()) {
+      unwritten->write(out);
+    } else {
+      for (const std::string_view piece : entity.live->record.pieces()) out.bytes(piece);
     }
+    if (const database::UnmadeVertices* const vertices = entity.unmadeVertices()) vertices->writeAll(out, entity);
+  }
+
+  void append(Pieces& out, const Slot& slot) const {
+    const bool isSpelledLater = slot.live->record.unwritten() != nullptr || slot.unmadeVertices() != nullptr;
+    if (isSpelledLater) {
+      out.push_back(Piece(slot));
+    } else {
+      appendRecord(out, slot);
+    }
+    if (slot.unmadeVertices() != nullptr) return;
+    for (const Slot* sub = slot.firstSub(); sub != nullptr; sub = sub->nextSub) {
+      if (!sub->isErased() && (sub->flags & kNew) != 0) appendRecord(out, *sub);
+    }
+  }
+
+  /// The text of a new or changed object itself.
+  void appendRecord(Pieces& out, const Slot& slot) const {
+    if (const auto trimmed = withoutErased_.find(&slot); trimmed != withoutErased_.end()) {
+      out.emplace_back(trimmed->second);
+      return;
+    }
+    const std::span<const std::string_view> pieces = slot.live->record.pieces();
+    out.insert(out.end(), pieces.begin(), pieces.end());
   }
 
   std::string_view kept(const TagWriter& writer) const { return parts_.arena.keep(writer.str()); }
 
   /// Where text goes that a section without a place in the file has to hold: a section of its own.
-  void insertInSection(std::size_t sectionEnd, std::string_view name, std::size_t orElseAt,
-                       std::vector<std::string_view> pieces) {
+  void insertInSection(std::size_t sectionEnd, std::string_view name, std::size_t orElseAt, Pieces pieces) {
     if (pieces.empty()) return;
     if (sectionEnd != 0) {
       edits_.push_back({sectionEnd, 0, std::move(pieces)});
       return;
     }
-    pieces.insert(pieces.begin(), kept(db_.tagWriter().raw(0, "SECTION").raw(2, name)));
-    pieces.push_back(kept(db_.tagWriter().raw(0, "ENDSEC")));
+    pieces.insert(pieces.begin(), Piece(kept(db_.tagWriter().raw(0, "SECTION").raw(2, name))));
+    pieces.emplace_back(kept(db_.tagWriter().raw(0, "ENDSEC")));
     edits_.push_back({orElseAt, 0, std::move(pieces)});
   }
 
   void insertNew() {
-    std::vector<std::string_view> tables;
-    std::vector<std::string_view> blocks;
-    std::vector<std::string_view> entities;
-    std::vector<std::string_view> objects;
-    std::map<DxfType, std::vector<std::string_view>> records;
-    std::map<const Slot*, std::vector<std::string_view>> blockEntities;
+    Pieces tables;
+    Pieces blocks;
+    Pieces entities;
+    Pieces objects;
+    std::map<DxfType, Pieces> records;
+    std::map<const Slot*, Pieces> blockEntities;
     for (const Slot* const slot : insertions_) {
       if (slot->isSubEntity() || slot->type == DxfType::TableHead || slot->type == DxfType::Header ||
           slot->type == DxfType::Classes) {
@@ -153,7 +202,7 @@ class Writer {
     }
 
     for (auto& [type, table] : parts_.tables) {
-      std::vector<std::string_view>& own = records[type];
+      Pieces& own = records[type];
       if (table.head == nullptr || (table.head->flags & kNew) == 0) {
         if (!own.empty()) edits_.push_back({table.insertAt, 0, std::move(own)});
         continue;
@@ -161,11 +210,11 @@ class Writer {
       if (own.empty() || table.head->isErased()) continue;
       append(tables, *table.head);
       tables.insert(tables.end(), own.begin(), own.end());
-      tables.push_back(kept(db_.tagWriter().raw(0, "ENDTAB")));
+      tables.emplace_back(kept(db_.tagWriter().raw(0, "ENDTAB")));
     }
     for (const Slot* const record : parts_.blockOrder) {
       const BlockContents& block = *db_.block(record);
-      std::vector<std::string_view>& own = blockEntities[record];
+      Pieces& own = blockEntities[record];
       if (block.begin == nullptr || (block.begin->flags & kNew) == 0) {
         if (!own.empty() && block.end != nullptr) edits_.push_back({offsetOf(*block.end), 0, std::move(own)});
         continue;
@@ -204,20 +253,20 @@ class Writer {
     return first;
   }
 
-  std::vector<std::string_view> merge() {
+  Pieces merge() {
     std::stable_sort(edits_.begin(), edits_.end(), [](const Edit& a, const Edit& b) {
       // What is inserted in front of a changed record comes before it.
       return a.at != b.at ? a.at < b.at : (a.remove == 0) > (b.remove == 0);
     });
     const std::string_view text = parts_.text;
-    std::vector<std::string_view> out;
+    Pieces out;
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
-      out.push_back(text.substr(position, edit.at - position));
+      out.emplace_back(text.substr(position, edit.at - position));
       out.insert(out.end(), edit.pieces.begin(), edit.pieces.end());
       position = edit.at + edit.remove;
     }
-    out.push_back(text.substr(position));
+    out.emplace_back(text.substr(position));
     return out;
   }
 
@@ -225,20 +274,24 @@ class Writer {
   DrawingDatabase::Parts& parts_;
   std::vector<Edit> edits_;
   std::vector<const Slot*> insertions_;
-  std::unordered_map<const Slot*, std::vector<std::string_view>> withoutErased_;  // groups that lost members
+  std::unordered_map<const Slot*, std::string_view> withoutErased_;  // groups that lost members
 };
 
 }  // namespace
 
 std::string drawingText(DrawingDatabase& db) {
   std::string text;
-  for (const std::string_view piece : Writer(db).write()) text += piece;
+  Writer(db).write([&text](std::string_view piece) {
+    text += piece;
+    return true;
+  });
   return text;
 }
 
 FileResult saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
   try {
-    FileResult result = writeFileWhole(file, Writer(db).write());
+    FileResult result = writeFileWhole(
+        file, [&db](const std::function<bool(std::string_view)>& give) { return Writer(db).write(give); });
     if (result.ok) db.setUnmodified();
     return result;
   } catch (const std::bad_alloc&) {

@@ -21,7 +21,7 @@ bool drawsItself(const Slot& entity) {
     case DxfType::Table:
       return false;
     default:
-      return entity.firstSub == nullptr && (entity.flags & (database::kNew | database::kChanged)) == 0;
+      return !entity.hasSubs() && (entity.flags & (database::kNew | database::kChanged)) == 0;
   }
 }
 

@@ -58,7 +58,7 @@ class PathCollector {
  private:
   void collectReference(const Slot& entity, const Transform& placement, std::uint32_t inheritedLayer) {
     const std::uint32_t layer = effectiveLayer(entity, inheritedLayer);
-    for (const Slot* sub = entity.firstSub; sub != nullptr; sub = sub->nextSub)
+    for (const Slot* sub = entity.firstSub(); sub != nullptr; sub = sub->nextSub)
       if (sub->type == DxfType::Attrib && !sub->isErased() && !isInvisibleAttribute(*sub) && isShown(*sub, layer))
         collect(*sub, placement, layer);
     const auto reference = readReference(entity);

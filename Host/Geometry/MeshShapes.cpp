@@ -22,7 +22,7 @@ struct MeshVertex {
 
 std::vector<MeshVertex> readVertices(const Slot& mesh) {
   std::vector<MeshVertex> vertices;
-  for (const Slot* sub = mesh.firstSub; sub != nullptr; sub = sub->nextSub) {
+  for (const Slot* sub = mesh.firstSub(); sub != nullptr; sub = sub->nextSub) {
     if (sub->isErased() || sub->type == DxfType::SeqEnd) continue;
     MeshVertex v;
     GeometryTags tags(sub->tags());

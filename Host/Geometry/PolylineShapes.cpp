@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Database/ObjectAccess.h"
+#include "Database/UnwrittenTags.h"
 #include "Geometry/TagValues.h"
 
 namespace host::geometry {
@@ -80,8 +81,12 @@ Polyline readOldPolyline(const Slot& slot) {
     else if (tag.code == 70)
       line.flags = static_cast<int>(tag.integer());
   }
+  if (const database::UnmadeVertices* const unmade = slot.unmadeVertices()) {
+    for (std::uint32_t i = 0; i < unmade->count; ++i) line.vertices.push_back({.p = unmade->points[i]});
+    return line;
+  }
   const bool isFlat = slot.type == DxfType::Polyline2d;
-  for (const Slot* sub = slot.firstSub; sub != nullptr; sub = sub->nextSub) {
+  for (const Slot* sub = slot.firstSub(); sub != nullptr; sub = sub->nextSub) {
     if (sub->isErased() || (sub->type != DxfType::Vertex2d && sub->type != DxfType::Vertex3d)) continue;
     Vertex v;
     int flags = 0;

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cwctype>
 
@@ -27,16 +29,6 @@ constexpr std::size_t kMostPieces = 1'000'000;  // pattern lines and dashes of o
 constexpr double kDensityDetail = 1e-4;         // deviation of arcs while counting, of the loop's size
 
 const HatchData& dataOf(const AcDbHatch& hatch) { return dataOf<HatchData>(hatch); }
-
-const std::string& emptyHatch() {
-  static const std::string tags = [] {
-    const host::text::Codec utf8;
-    host::database::TagWriter out(utf8);
-    HatchData().write(out);
-    return out.take();
-  }();
-  return tags;
-}
 
 const bool registered = host::database::registerClass(
     {host::database::DxfType::Hatch, &AcDbHatch::desc, []() -> AcDbObject* { return new AcDbHatch; }});
@@ -72,6 +64,49 @@ std::wstring capitals(std::wstring_view name) {
   return upper;
 }
 
+/// What setting a pattern comes to.
+struct PatternChoice {
+  std::wstring name;  // capitals
+  std::vector<PatternLine> lines;
+  bool isSolid = false;
+};
+
+/// The choice for a hatch with the angle and scale that it has; null when the pattern is unknown. A command sets one
+/// pattern on hatch after hatch: the latest choices are remembered as long as names find the same patterns.
+const PatternChoice* choosePattern(const AcDbHatch& hatch, AcDbHatch::HatchPatternType type, const ACHAR* name) {
+  struct Remembered {
+    std::uint64_t memory = 0;
+    AcDbHatch::HatchPatternType type = AcDbHatch::kPreDefined;
+    std::wstring name;
+    bool isMetric = false;
+    double angleRad = 0, scale = 0;
+    PatternChoice choice;
+  };
+  thread_local std::array<Remembered, 2> latest;
+  const HatchData& data = dataOf(hatch);
+  const double angleRad = data.content.angleRad;
+  const double scale = data.content.scale;
+  const std::uint64_t memory = host::hatching::patternMemoryNumber();
+  const bool metric = isMetric(hatch);
+  for (const Remembered& r : latest) {
+    if (memory != 0 && r.memory == memory && r.type == type && r.isMetric == metric && r.angleRad == angleRad &&
+        r.scale == scale && r.name == name) {
+      return &r.choice;
+    }
+  }
+  const std::optional<Pattern> pattern = patternFor(hatch, type, name);
+  if (!pattern) return nullptr;
+  std::swap(latest[0], latest[1]);
+  latest[0] = {memory,
+               type,
+               name,
+               metric,
+               angleRad,
+               scale,
+               {capitals(name), scaledPattern(*pattern, angleRad, scale), pattern->families.empty()}};
+  return &latest[0].choice;
+}
+
 HatchLoop polylineLoop(Adesk::Int32 type, Loop loop) {
   HatchLoop made;
   made.type = type | AcDbHatch::kPolyline;
@@ -104,8 +139,8 @@ double sizeOf(const Polygon& polygon) {
 ACRX_NO_CONS_DEFINE_MEMBERS(AcDbHatch, AcDbEntity)
 
 AcDbHatch::AcDbHatch() {
-  HostObjectAccess::initDetached(*this, "HATCH", true, emptyHatch());
-  if (detached_ != nullptr) HostObjectAccess::setData(*this, new HatchData);  // the same as reading the empty record
+  HostObjectAccess::initDetached(*this, "HATCH", true);
+  if (detached_ != nullptr) HostObjectAccess::setData(*this, new HatchData);  // its own tags come from there
 }
 
 AcGeVector3d AcDbHatch::normal() const { return dataOf(*this).content.normal; }
@@ -184,14 +219,14 @@ Acad::ErrorStatus AcDbHatch::setPatternScale(double scale) {
 
 Acad::ErrorStatus AcDbHatch::setPattern(HatchPatternType type, const ACHAR* name) {
   if (name == nullptr || *name == 0) return Acad::eInvalidInput;
-  const std::optional<Pattern> pattern = patternFor(*this, type, name);
-  if (!pattern) return Acad::eInvalidInput;
+  const PatternChoice* const choice = choosePattern(*this, type, name);
+  if (choice == nullptr) return Acad::eInvalidInput;
   HatchData* const data = dataToChange<HatchData>(*this);
   if (data == nullptr) return Acad::eNotOpenForWrite;
-  data->name = capitals(name);
+  data->name = choice->name;
   data->content.type = type;
-  data->content.isSolid = pattern->families.empty();
-  data->content.pattern = scaledPattern(*pattern, data->content.angleRad, data->content.scale);
+  data->content.isSolid = choice->isSolid;
+  data->content.pattern = choice->lines;
   if (data->content.isGradient) {
     data->content.isGradient = false;  // a pattern takes the gradient's place
     data->content.gradientColors.clear();
@@ -254,6 +289,11 @@ Acad::ErrorStatus AcDbHatch::evaluateHatch(bool /*underestimateNumLines*/) {
   const HatchData& data = dataOf(*this);
   if (data.content.loops.empty() || !data.hasPattern()) return Acad::eInvalidInput;
   if (data.content.isSolid) return Acad::eOk;
+  const HatchLoop& first = data.content.loops.front();
+  const bool isPlain = data.content.loops.size() == 1 && first.isPolyline() && !first.isDamaged &&
+                       std::all_of(first.vertices.begin(), first.vertices.end(),
+                                   [](const LoopVertex& vertex) { return vertex.bulge == 0; });
+  if (isPlain && host::hatching::fillsEasily(data.content.pattern, first.vertices, kMostPieces)) return Acad::eOk;
   std::vector<Polygon> area;
   for (const HatchLoop& loop : data.content.loops) {
     const Polygon rough = flatten(loop, INFINITY);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <numbers>
 
+#include "Database/Parts.h"
+
 namespace host::hatching {
 
 namespace {
@@ -52,14 +54,74 @@ void HatchData::read(database::TagCursor tags, const text::Codec& codec) {
   name = codec.decode(content.name);
 }
 
-void HatchData::write(TagWriter& out) const {
+namespace {
+
+/// Everything that two hatches of one loop can share. Holds the hatch itself to be one that a command made.
+bool haveOneStyle(const HatchData& a, const HatchData& b) {
+  const HatchContent& p = a.content;
+  const HatchContent& q = b.content;
+  return a.name == b.name && p.elevation == q.elevation && p.normal == q.normal && p.isSolid == q.isSolid &&
+         p.isAssociative == q.isAssociative && p.style == q.style && p.type == q.type && p.angleRad == q.angleRad &&
+         p.scale == q.scale && p.isDouble == q.isDouble && p.pattern == q.pattern && p.pixelSize == q.pixelSize;
+}
+
+/// A hatch made by a command: its loop, and what it shares with others.
+class ShelvedHatch final : public database::OwnTags {
+ public:
+  ShelvedHatch(const HatchData& style, int loopType, std::span<const LoopVertex> loop)
+      : style_(&style), loop_(loop), loopType_(loopType) {}
+
+  void write(TagWriter& out) const override {
+    HatchLoop loop;
+    loop.type = loopType_;
+    loop.vertices.assign(loop_.begin(), loop_.end());
+    style_->write(out, {&loop, 1});
+  }
+
+ private:
+  const HatchData* style_;
+  std::span<const LoopVertex> loop_;
+  int loopType_;
+};
+
+}  // namespace
+
+const database::OwnTags* HatchData::shelve(database::DrawingDatabase& db) const {
+  if (content.loops.size() != 1 || !content.tail.empty() || !content.seeds.empty() || content.isGradient) {
+    return nullptr;
+  }
+  const HatchLoop& loop = content.loops.front();
+  if (!loop.isPolyline() || !loop.raw.empty() || !loop.sources.empty()) return nullptr;
+  // A command makes hatches of one or two styles by turns.
+  constexpr std::size_t kMostLooks = 4;
+  std::vector<std::unique_ptr<const database::ObjectData>>& styles = db.parts().hatchStyles;
+  const auto end = styles.size() > kMostLooks ? styles.rbegin() + kMostLooks : styles.rend();
+  const auto found = std::find_if(styles.rbegin(), end, [this](const auto& style) {
+    return haveOneStyle(static_cast<const HatchData&>(*style), *this);
+  });
+  const HatchData* style = nullptr;
+  if (found != end) {
+    style = static_cast<const HatchData*>(found->get());
+  } else {
+    auto made = std::make_unique<HatchData>(*this);
+    made->content.loops.clear();
+    style = made.get();
+    styles.push_back(std::move(made));
+  }
+  database::Arena& arena = db.parts().arena;
+  auto* const vertices = arena.makeArray<LoopVertex>(loop.vertices.size());
+  std::copy(loop.vertices.begin(), loop.vertices.end(), vertices);
+  return arena.make<ShelvedHatch>(*style, loop.type, std::span(vertices, loop.vertices.size()));
+}
+
+void HatchData::write(TagWriter& out, std::span<const HatchLoop> loops) const {
   out.raw(100, "AcDbHatch");
   out.point(10, 0, 0, content.elevation);
   out.point(210, content.normal.x, content.normal.y, content.normal.z);
   out.text(2, name);
   out.integer(70, content.isSolid ? 1 : 0).integer(71, content.isAssociative ? 1 : 0);
-  out.integer(91, countOf(content.loops.size()));
-  for (const HatchLoop& loop : content.loops) writeLoop(loop, out);
+  out.integer(91, countOf(loops.size()));
+  for (const HatchLoop& loop : loops) writeLoop(loop, out);
   out.integer(75, content.style).integer(76, content.type);
   if (!content.isSolid) writePattern(content, out);
   if (content.pixelSize) out.real(47, *content.pixelSize);

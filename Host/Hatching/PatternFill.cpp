@@ -222,4 +222,37 @@ FillOutcome fillPattern(const std::vector<PatternLine>& families, const std::vec
   return isDegenerate ? FillOutcome::Degenerate : FillOutcome::Done;
 }
 
+bool fillsEasily(const std::vector<PatternLine>& families, const Loop& polygon, std::size_t limit) {
+  // Well inside the bounds that filling has, so that rounding here does not matter.
+  constexpr double kLeastSpacing = 1e-9;
+  constexpr double kMostAway = 1e12;
+  Point2 low{INFINITY, INFINITY};
+  Point2 high{-INFINITY, -INFINITY};
+  double farthest = 0;
+  for (const LoopVertex& v : polygon) {
+    low = {std::min(low.x, v.x), std::min(low.y, v.y)};
+    high = {std::max(high.x, v.x), std::max(high.y, v.y)};
+    farthest = std::max({farthest, std::abs(v.x), std::abs(v.y)});
+  }
+  const double reach = std::hypot(high.x - low.x, high.y - low.y);
+  if (!std::isfinite(reach)) return false;
+  double pieces = 0;
+  for (const PatternLine& family : families) {
+    const double step =
+        std::abs(family.offsetY * std::cos(family.angleRad) - family.offsetX * std::sin(family.angleRad));
+    const double away = farthest + std::abs(family.baseX) + std::abs(family.baseY);
+    const double offset = std::max(std::abs(family.offsetX), std::abs(family.offsetY));
+    if (!(step > kLeastSpacing * offset) || !(away / step < kMostAway)) return false;
+    double perSpan = 1;
+    if (!family.dashes.empty()) {
+      double period = 0;
+      for (const double dash : family.dashes) period += std::abs(dash);
+      if (!(period > 0 && away / period < kMostAway)) return false;
+      perSpan = (reach / period + 3) * static_cast<double>(family.dashes.size());
+    }
+    pieces += (reach / step + 2) * static_cast<double>(polygon.size()) * perSpan;
+  }
+  return pieces < static_cast<double>(limit) / 2;
+}
+
 }  // namespace host::hatching

@@ -15,6 +15,7 @@ struct PatternLine {
   double baseX = 0, baseY = 0;
   double offsetX = 0, offsetY = 0;  // from one line of the family to the next, drawing coordinates
   std::vector<double> dashes;       // positive dash, negative gap, 0 dot; empty: unbroken
+  bool operator==(const PatternLine&) const = default;
 };
 
 struct PatternSegment {
@@ -30,5 +31,9 @@ enum class FillOutcome { Done, TooDense, Degenerate };
 /// are left out. Works near the area's own origin, so coordinates in the millions keep their precision.
 FillOutcome fillPattern(const std::vector<PatternLine>& families, const std::vector<Polygon>& area, std::size_t limit,
                         const std::function<void(const PatternSegment&)>& give);
+
+/// True when `fillPattern` would surely answer Done for one polygon of straight sides: told from its size and number of
+/// corners, without filling it.
+bool fillsEasily(const std::vector<PatternLine>& families, const Loop& polygon, std::size_t limit);
 
 }  // namespace host::hatching

@@ -54,6 +54,7 @@ std::optional<Pattern> searchIn(const std::wstring& fileName, std::wstring_view 
 struct Memory {
   std::mutex mutex;
   int depth = 0;
+  std::uint64_t number = 0;  // of outermost PatternMemories
   std::map<std::pair<std::wstring, std::wstring>, std::optional<Pattern>> found;
 };
 
@@ -74,12 +75,17 @@ std::optional<Pattern> findIn(const std::wstring& fileName, std::wstring_view na
 
 PatternMemory::PatternMemory() {
   const std::lock_guard lock(memory().mutex);
-  ++memory().depth;
+  if (memory().depth++ == 0) ++memory().number;
 }
 
 PatternMemory::~PatternMemory() {
   const std::lock_guard lock(memory().mutex);
   if (--memory().depth == 0) memory().found.clear();
+}
+
+std::uint64_t patternMemoryNumber() {
+  const std::lock_guard lock(memory().mutex);
+  return memory().depth > 0 ? memory().number : 0;
 }
 
 std::optional<Pattern> findPattern(std::wstring_view name, bool metric) {

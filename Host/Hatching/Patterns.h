@@ -1,6 +1,7 @@
 // Predefined hatch patterns and pattern files.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +34,9 @@ class PatternMemory {
   PatternMemory& operator=(const PatternMemory&) = delete;
   ~PatternMemory();
 };
+/// Number of the outermost PatternMemory that lives: as long as it is the same, a name finds the same pattern. 0 for
+/// none.
+std::uint64_t patternMemoryNumber();
 
 /// The pattern's lines as a hatch stores them: angle f + a, base rotated by a and scaled, offset rotated by f + a and
 /// scaled, dashes scaled.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <span>
 
 #include "Hatching/Arcs.h"
@@ -223,7 +224,16 @@ bool crossesItself(const Loop& loop, double tolerance) {
     if (piece.isArc) piece.arc = arcOf(piece.from, piece.to, loop[i].bulge);
     pieces.push_back(piece);
   }
-  return PieceTree(pieces).crosses(CrossingTest(tolerance));
+  const CrossingTest test(tolerance);
+  // A handful of straight pieces is compared sooner than sorted.
+  constexpr std::size_t kFew = 8;
+  if (pieces.size() <= kFew && std::none_of(pieces.begin(), pieces.end(), [](const Piece& p) { return p.isArc; })) {
+    for (auto a = pieces.begin(); a != pieces.end(); ++a) {
+      if (std::any_of(std::next(a), pieces.end(), [&](const Piece& b) { return test(*a, b); })) return true;
+    }
+    return false;
+  }
+  return PieceTree(pieces).crosses(test);
 }
 
 }  // namespace host::hatching

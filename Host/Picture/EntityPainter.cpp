@@ -197,7 +197,7 @@ bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::
       }
     chain_.leave();
   }
-  for (const Slot* sub = entity.firstSub; sub != nullptr; sub = sub->nextSub)
+  for (const Slot* sub = entity.firstSub(); sub != nullptr; sub = sub->nextSub)
     if (sub->type == DxfType::Attrib && !sub->isErased() && !geometry::isInvisibleAttribute(*sub))
       paintEntity(*sub, {place.toPicture, inside});
   return true;

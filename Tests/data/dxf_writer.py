@@ -50,7 +50,8 @@ class DrawingWriter:
     """One drawing being written to a seekable text stream opened with newline="\\n" and UTF-8.
 
     Use it as a context manager: leaving it writes the closing sections. `extents` is (x1, y1, x2, y2) in metres.
-    `blocks` names functions that draw a block's content around its origin by calling the same methods.
+    `blocks` names functions that draw a block's content around its origin by calling the same methods; `applications`
+    names those whose extended data entities carry (see `extended_data`).
     Every entity method returns the handle of what it wrote.
     """
 
@@ -62,12 +63,14 @@ class DrawingWriter:
         linetypes: Iterable[Linetype] = (),
         blocks: dict[str, Callable[["DrawingWriter"], None]] | None = None,
         first_handle: int = FIRST_ENTITY,
+        applications: Sequence[str] = (),
     ):
         self._stream = stream
         self._layers = [Layer("0", 7), *layers]
         self._linetypes = list(linetypes)
         self._extents = extents
         self._blocks = blocks or {}
+        self._applications = applications
         self._next_fixed = FIRST_TABLE_ENTRY
         self._block_handles = {name: [self._fixed() for _ in range(3)] for name in self._blocks}
         self._next = first_handle
@@ -155,6 +158,12 @@ class DrawingWriter:
         self._pairs(100, "AcDbBlockReference", 2, block, 10, number(point[0]), 20, number(point[1]), 30, "0.0")
         self._pairs(41, factor, 42, factor, 43, factor, 50, number(rotation))
         return handle
+
+    def extended_data(self, application: str, texts: Iterable[str]) -> None:
+        """Text items that the entity written last carries for an application."""
+        self._pairs(1001, application)
+        for text in texts:
+            self._pairs(1000, escaped(text))
 
     # The frame of the drawing. ---------------------------------------------------------------------------------
 
@@ -252,8 +261,10 @@ class DrawingWriter:
         for name, handle in (("VIEW", VIEW_TABLE), ("UCS", UCS_TABLE)):
             self._table(name, handle, 0)
             self._pairs(0, "ENDTAB")
-        self._table("APPID", APPID_TABLE, 1)
+        self._table("APPID", APPID_TABLE, 1 + len(self._applications))
         self._entry("APPID", APPID_ACAD, APPID_TABLE, "AcDbRegAppTableRecord", "ACAD")
+        for name in self._applications:
+            self._entry("APPID", self._fixed(), APPID_TABLE, "AcDbRegAppTableRecord", name)
         self._pairs(0, "ENDTAB")
         self._table("DIMSTYLE", DIMSTYLE_TABLE, 1)
         self._pairs(100, "AcDbDimStyleTable", 71, 0)
