@@ -59,7 +59,7 @@ namespace host::database {
 
 void DictionaryContents::add(std::wstring key, Slot* object) {
   const std::size_t index = entries.size();
-  byKey[text::folded(key)] = index;
+  byKey[key] = index;
   byObject[object] = index;
   entries.push_back({std::move(key), object});
 }
@@ -107,7 +107,7 @@ void DrawingDatabase::Parts::removeDictionaryEntry(Slot& dictionarySlot, std::si
       keyAt = RecordLayout::npos;
     }
   }
-  contents.byKey.erase(text::folded(entry.key));
+  contents.byKey.erase(entry.key);
   contents.byObject.erase(entry.object);
   entry.object = nullptr;
 }
@@ -168,7 +168,7 @@ void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::ws
 
 Slot* DrawingDatabase::Parts::dictionaryIn(Slot& parent, std::wstring_view key) {
   DictionaryContents& contents = dictionary(parent);
-  const auto found = contents.byKey.find(text::folded(key));
+  const auto found = contents.byKey.find(key);
   if (found != contents.byKey.end()) {
     Slot* const slot = contents.entries[found->second].object;
     if (slot != nullptr && !slot->isErased()) return isDictionary(*slot) ? slot : nullptr;
@@ -202,7 +202,7 @@ Acad::ErrorStatus AcDbDictionary::getAt(const ACHAR* key, AcDbObjectId& id) cons
   if (key == nullptr) return Acad::eInvalidInput;
   const DictionaryContents* const contents = contentsOf(*this);
   if (contents == nullptr) return Acad::eKeyNotFound;
-  const auto found = contents->byKey.find(host::text::folded(key));
+  const auto found = contents->byKey.find(std::wstring_view(key));
   if (found == contents->byKey.end()) return Acad::eKeyNotFound;
   Slot* const object = contents->entries[found->second].object;
   if (object == nullptr || object->isErased()) return Acad::eKeyNotFound;

@@ -35,7 +35,7 @@ std::uint32_t DrawingDatabase::Parts::internLayer(std::string_view raw) {
     index = found->second;
   } else {
     index = static_cast<std::uint32_t>(layers.size());
-    layers.push_back({std::string(raw), folded, nullptr});
+    layers.push_back({std::string(raw), folded, nullptr, std::nullopt});
     layerByFolded.emplace(folded, index);
   }
   layerByRaw.emplace(std::string(raw), index);
@@ -47,6 +47,23 @@ void DrawingDatabase::Parts::bindLayerRecord(Slot* record) {
   if (!findTag(*record, "AcDbLayerTableRecord", 2, tag) && !findTag(*record, "", 2, tag)) return;
   LayerName& layer = layers[internLayer(tag.value)];
   if (layer.record == nullptr || layer.record->isErased()) layer.record = record;
+  layer.isLocked.reset();
+}
+
+bool DrawingDatabase::Parts::isLayerLocked(std::uint32_t layerIndex) {
+  if (layerIndex >= layers.size()) return false;
+  LayerName& layer = layers[layerIndex];
+  if (!layer.isLocked) {
+    Tag tag;
+    layer.isLocked =
+        layer.record != nullptr && findTagIn(layer.record->tags(), "", 70, tag) && (tag.integer() & 4) != 0;
+  }
+  return *layer.isLocked;
+}
+
+void DrawingDatabase::Parts::forgetDefaults() {
+  sharedTags.clear();
+  for (LayerName& layer : layers) layer.isLocked.reset();
 }
 
 Slot* DrawingDatabase::layerRecord(std::uint32_t layerIndex) const {
@@ -74,11 +91,13 @@ Slot* DrawingDatabase::Parts::makeSlot(DxfType type, Slot* owner, std::uint16_t 
   slot->handle = nextHandle++;
   byHandle.push_back(slot);  // the newest handle is the highest: the order holds
   if (inStep) live(*slot).journalMark = stepNumber;
+  if (type == DxfType::Layout) layoutSlots.reset();
   ++changes;
   return slot;
 }
 
 void DrawingDatabase::Parts::indexHandles() {
+  layoutSlots.reset();
   byHandle.clear();
   byHandle.reserve(slots.size());
   slots.forEach([&](Slot& slot) {
@@ -128,7 +147,7 @@ void DrawingDatabase::Parts::journal(Slot& slot) {
 
 Record& DrawingDatabase::Parts::edit(Slot& slot) {
   journal(slot);
-  if (slot.type == DxfType::Layer || slot.type == DxfType::Header) sharedTags.clear();
+  if (slot.type == DxfType::Layer || slot.type == DxfType::Header) forgetDefaults();
   Live& state = live(slot);
   if ((slot.flags & (kNew | kChanged)) == 0) {
     state.record = Record(slot.fileBytes());
@@ -163,13 +182,12 @@ std::wstring DrawingDatabase::recordName(const Slot& record) const {
 Slot* DrawingDatabase::findRecord(DxfType recordType, std::wstring_view name) const {
   const auto table = parts_->tables.find(recordType);
   if (table == parts_->tables.end()) return nullptr;
-  const std::wstring folded = text::folded(name);
-  const auto found = table->second.byName.find(folded);
+  const auto found = table->second.byName.find(name);
   if (found == table->second.byName.end()) return nullptr;
   if (!found->second->isErased()) return found->second;
   // An erased record may hide a living one of the same name (made again, or brought back by undo).
   for (Slot* const record : table->second.records) {
-    if (!record->isErased() && text::folded(recordName(*record)) == folded) return record;
+    if (!record->isErased() && text::equalFolded(recordName(*record), name)) return record;
   }
   return nullptr;
 }
@@ -200,15 +218,21 @@ std::vector<std::pair<std::wstring, const BlockContents*>> DrawingDatabase::layo
     const BlockContents* block;
   };
   std::vector<Found> found;
-  parts_->slots.forEach([&](Slot& slot) {
-    if (slot.type != DxfType::Layout || slot.isErased()) return;
+  if (!parts_->layoutSlots) {
+    parts_->layoutSlots.emplace();
+    parts_->slots.forEach([&](Slot& slot) {
+      if (slot.type == DxfType::Layout) parts_->layoutSlots->push_back(&slot);
+    });
+  }
+  for (const Slot* const slot : *parts_->layoutSlots) {
+    if (slot->isErased()) continue;
     Tag tag;
     Found layout{0, {}, nullptr};
-    if (findTagIn(slot.tags(), "AcDbLayout", 1, tag)) layout.name = codec().decode(tag.value);
-    if (findTagIn(slot.tags(), "AcDbLayout", 71, tag)) layout.tab = tag.integer();
-    if (findTagIn(slot.tags(), "AcDbLayout", 330, tag)) layout.block = block(findHandle(tag.handle()));
+    if (findTagIn(slot->tags(), "AcDbLayout", 1, tag)) layout.name = codec().decode(tag.value);
+    if (findTagIn(slot->tags(), "AcDbLayout", 71, tag)) layout.tab = tag.integer();
+    if (findTagIn(slot->tags(), "AcDbLayout", 330, tag)) layout.block = block(findHandle(tag.handle()));
     if (layout.block != nullptr) found.push_back(std::move(layout));
-  });
+  }
   std::stable_sort(found.begin(), found.end(), [&](const Found& a, const Found& b) {
     const bool aModel = a.block->record == parts_->modelSpaceRecord;
     const bool bModel = b.block->record == parts_->modelSpaceRecord;
@@ -361,21 +385,12 @@ void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
   }
   for (auto change = step.order.rbegin(); change != step.order.rend(); ++change) {
     SortContents& contents = parts.sortTable(*change->table);
-    const auto found = contents.keys.find(change->entity);
-    const bool hadNow = found != contents.keys.end();
-    const OrderKey keyNow = hadNow ? found->second : OrderKey{};
-    if (change->had) {
-      contents.keys[change->entity] = change->key;
-    } else if (hadNow) {
-      contents.keys.erase(found);
-    }
-    change->had = hadNow;
-    change->key = keyNow;
+    change->key = contents.keys.set(*change->entity, change->key);
     contents.changed = true;
   }
   std::reverse(step.order.begin(), step.order.end());
   parts.variables.clear();
-  parts.sharedTags.clear();
+  parts.forgetDefaults();
   ++parts.changes;
 }
 

@@ -116,7 +116,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(const ACHAR* name, Adesk::Boolean doSuben
   if (record == nullptr) {
     const auto& table = db->parts().tables;
     const auto found = table.find(DxfType::Layer);
-    const bool wasErased = found != table.end() && found->second.byName.count(host::text::folded(name)) > 0;
+    const bool wasErased = found != table.end() && found->second.byName.count(std::wstring_view(name)) > 0;
     return wasErased ? Acad::eDeletedEntry : Acad::eKeyNotFound;
   }
   return setLayer(AcDbObjectId(record), doSubents, allowHidden);

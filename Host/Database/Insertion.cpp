@@ -120,7 +120,7 @@ class Inserter {
     if (root == nullptr) return;
     for (const std::wstring_view key : kSharedDictionaries) {
       const DictionaryContents& all = source_.parts().dictionary(*root);
-      const auto found = all.byKey.find(text::folded(key));
+      const auto found = all.byKey.find(key);
       if (found == all.byKey.end()) continue;
       const Slot* const shared = all.entries[found->second].object;
       if (shared == nullptr || shared->isErased()) continue;
@@ -162,7 +162,7 @@ class Inserter {
     parts_.journal(*table.head);
     Slot* const record = parts_.makeSlot(type, table.head, 0);
     table.records.push_back(record);
-    table.byName[text::folded(name)] = record;
+    table.byName[name] = record;
     return record;
   }
 
@@ -193,7 +193,7 @@ class Inserter {
     Slot* const dictionary = parts_.dictionaryIn(*parts_.ensureRoot(), dictionaryKey);
     if (dictionary == nullptr) return copied_[&from] = nullptr;
     const DictionaryContents& contents = parts_.dictionary(*dictionary);
-    if (const auto found = contents.byKey.find(text::folded(key)); found != contents.byKey.end()) {
+    if (const auto found = contents.byKey.find(key); found != contents.byKey.end()) {
       Slot* const own = contents.entries[found->second].object;
       if (own != nullptr && !own->isErased()) return copied_[&from] = own;
     }

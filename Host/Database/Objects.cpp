@@ -1,5 +1,6 @@
 // Opening, closing and the life of objects.
 #include <algorithm>
+#include <array>
 
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
@@ -43,6 +44,25 @@ const host::text::Codec& utf8() {
   static const host::text::Codec codec;
   return codec;
 }
+
+/// A copy of the reactors to be told: one may remove itself meanwhile. A drawing has one or two.
+class Reactors {
+ public:
+  explicit Reactors(const std::vector<AcDbDatabaseReactor*>& reactors) : count_(reactors.size()) {
+    if (count_ > few_.size()) {
+      many_ = reactors;
+    } else {
+      std::copy(reactors.begin(), reactors.end(), few_.begin());
+    }
+  }
+  AcDbDatabaseReactor* const* begin() const { return many_.empty() ? few_.data() : many_.data(); }
+  AcDbDatabaseReactor* const* end() const { return begin() + count_; }
+
+ private:
+  std::size_t count_;
+  std::array<AcDbDatabaseReactor*, 4> few_{};
+  std::vector<AcDbDatabaseReactor*> many_;
+};
 
 /// The detached record with its tags.
 DetachedRecord& written(Record& detached) {
@@ -187,13 +207,7 @@ Acad::ErrorStatus AcDbObject::upgradeOpen() {
   if (live == nullptr || live->readers == 0) return Acad::eNotOpenForRead;
   if (live->readers > 1) return Acad::eHadMultipleReaders;
   if (slot_->isErased()) return Acad::eWasErased;
-  if (slot_->isEntity()) {
-    const Slot* const layer = slot_->database().layerRecord(slot_->layer);
-    Tag tag;
-    if (layer != nullptr && host::database::findTagIn(layer->tags(), "", 70, tag) && (tag.integer() & 4) != 0) {
-      return Acad::eOnLockedLayer;
-    }
-  }
+  if (slot_->isEntity() && slot_->database().parts().isLayerLocked(slot_->layer)) return Acad::eOnLockedLayer;
   live->readers = 0;
   live->writer = true;
   live->modified = false;
@@ -216,7 +230,7 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   if (slot_->isErased() == erasing) return erasing ? Acad::eWasErased : Acad::eOk;
   slot_->database().parts().eraseSlot(*slot_, erasing);
-  for (AcDbDatabaseReactor* const reactor : std::vector(slot_->database().parts().reactors)) {
+  for (AcDbDatabaseReactor* const reactor : Reactors(slot_->database().parts().reactors)) {
     reactor->objectErased(database(), this, erasing);
   }
   return Acad::eOk;
@@ -387,13 +401,7 @@ Acad::ErrorStatus DrawingDatabase::open(AcDbObject*& object, Slot* slot, AcDb::O
   if (slot->live != nullptr && slot->live->writer) return Acad::eWasOpenForWrite;
   if (mode == AcDb::kForWrite) {
     if (slot->live != nullptr && slot->live->readers > 0) return Acad::eWasOpenForRead;
-    if (slot->isEntity()) {
-      const Slot* const layer = layerRecord(slot->layer);
-      Tag tag;
-      if (layer != nullptr && findTagIn(layer->tags(), "", 70, tag) && (tag.integer() & 4) != 0) {
-        return Acad::eOnLockedLayer;
-      }
-    }
+    if (slot->isEntity() && parts_->isLayerLocked(slot->layer)) return Acad::eOnLockedLayer;
     AcDbObject* const made = parts_->objectFor(*slot);
     slot->live->writer = true;
     slot->live->modified = false;
@@ -435,7 +443,7 @@ Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
   state->isAppending = false;
   state->modified = false;
   if (!reactors.empty() && (appended || modified)) {
-    for (AcDbDatabaseReactor* const reactor : std::vector(reactors)) {
+    for (AcDbDatabaseReactor* const reactor : Reactors(reactors)) {
       if (appended) {
         reactor->objectAppended(facade, &object);
       } else {

@@ -16,9 +16,30 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Database/ObjectAccess.h"
+#include "Database/OrderKeys.h"
 #include "Database/UnwrittenTags.h"
+#include "Text/Text.h"
 
 namespace host::database {
+
+/// Gives out large pieces of memory, ever larger ones up to a limit; all of it goes back at once. Big drawings spend
+/// much of their time on the system's handing out of pages, so it is asked for big ones.
+class MemorySource {
+ public:
+  MemorySource() = default;
+  MemorySource(const MemorySource&) = delete;
+  MemorySource& operator=(const MemorySource&) = delete;
+  ~MemorySource();
+
+  /// A block aligned to its size, a power of two of at most 2 MB.
+  char* block(std::size_t bytes);
+
+ private:
+  std::vector<char*> slabs_;
+  char* next_ = nullptr;
+  std::size_t left_ = 0;
+  std::size_t slabBytes_ = 0;
+};
 
 /// Slots in blocks whose addresses tell their database: the head of each block holds it.
 class SlotPool {
@@ -26,7 +47,6 @@ class SlotPool {
   explicit SlotPool(DrawingDatabase* database) : database_(database) {}
   SlotPool(const SlotPool&) = delete;
   SlotPool& operator=(const SlotPool&) = delete;
-  ~SlotPool();
 
   Slot* make();
   std::size_t size() const { return count_; }
@@ -52,6 +72,7 @@ class SlotPool {
   static Slot* firstSlot(char* block) { return reinterpret_cast<Slot*>(block + kHeadBytes); }
 
   DrawingDatabase* database_;
+  MemorySource source_;
   std::vector<char*> blocks_;
   std::size_t count_ = 0;
 };
@@ -67,10 +88,10 @@ class ObjectPool {
   T* make() {
     if (free_ == nullptr) {
       if (left_ == 0) {
-        chunks_.push_back(std::make_unique_for_overwrite<Place[]>(kPerChunk));
+        chunk_ = reinterpret_cast<Place*>(source_.block(kChunkBytes));
         left_ = kPerChunk;
       }
-      return new (&chunks_.back()[kPerChunk - left_--]) T;
+      return new (chunk_ + (kPerChunk - left_--)) T;
     }
     Place* const place = std::exchange(free_, free_->next);
     return new (place) T;
@@ -87,8 +108,10 @@ class ObjectPool {
     Place* next;
     alignas(T) char bytes[sizeof(T)];
   };
-  static constexpr std::size_t kPerChunk = (std::size_t{1} << 16) / sizeof(T);
-  std::vector<std::unique_ptr<Place[]>> chunks_;
+  static constexpr std::size_t kChunkBytes = std::size_t{1} << 16;
+  static constexpr std::size_t kPerChunk = kChunkBytes / sizeof(Place);
+  MemorySource source_;
+  Place* chunk_ = nullptr;
   std::size_t left_ = 0;
   Place* free_ = nullptr;
 };
@@ -96,7 +119,8 @@ class ObjectPool {
 /// Bytes that live as long as the drawing.
 class Arena {
  public:
-  explicit Arena(std::size_t chunkBytes = std::size_t{1} << 18) : chunkBytes_(chunkBytes) {}
+  Arena() = default;
+  explicit Arena(std::size_t chunkBytes) : chunkBytes_(chunkBytes) {}
   std::string_view keep(std::string_view bytes);
   std::size_t used() const { return used_; }
 
@@ -114,20 +138,28 @@ class Arena {
   }
 
  private:
+  /// Makes the memory in use one of at least so many bytes.
+  void refill(std::size_t bytes);
+
   std::vector<std::unique_ptr<char[]>> chunks_;
-  std::size_t chunkBytes_;
+  MemorySource source_;
+  std::size_t chunkBytes_ = 0;  // 0: blocks of the source
   char* next_ = nullptr;
   std::size_t left_ = 0;
   std::size_t used_ = 0;
 };
 
-/// Position in the draw order of a block: entities are drawn by ascending key. An entity that nobody moved has its own
-/// handle; one moved to the top has the highest handle of that moment and a count that grows with every move.
-struct OrderKey {
-  std::uint64_t handle = 0;
-  std::int64_t move = 0;
-  auto operator<=>(const OrderKey&) const = default;
+/// Names without regard to case, looked up as they are spelled.
+struct FoldedHash {
+  using is_transparent = void;
+  std::size_t operator()(std::wstring_view name) const { return text::foldedHash(name); }
 };
+struct FoldedEqual {
+  using is_transparent = void;
+  bool operator()(std::wstring_view a, std::wstring_view b) const { return text::equalFolded(a, b); }
+};
+template <class T>
+using NameMap = std::unordered_map<std::wstring, T, FoldedHash, FoldedEqual>;
 
 /// Parsed contents of a dictionary; its record is kept in step with every change.
 struct DictionaryContents {
@@ -135,8 +167,8 @@ struct DictionaryContents {
     std::wstring key;
     Slot* object = nullptr;
   };
-  std::vector<Entry> entries;                           // file order; removed ones have no object
-  std::unordered_map<std::wstring, std::size_t> byKey;  // folded key -> index
+  std::vector<Entry> entries;  // file order; removed ones have no object
+  NameMap<std::size_t> byKey;  // index
   std::unordered_map<const Slot*, std::size_t> byObject;
   std::uint64_t nextAnonymous = 1;
   void add(std::wstring key, Slot* object);
@@ -145,7 +177,7 @@ struct DictionaryContents {
 /// Parsed contents of a sort-entities table; written back when the drawing is saved.
 struct SortContents {
   Slot* block = nullptr;
-  std::unordered_map<const Slot*, OrderKey> keys;
+  OrderKeys keys;
   std::int64_t moves = 0;  // counts moves to the top
   std::int64_t sinks = 0;  // counts moves to the bottom
   bool changed = false;
@@ -154,9 +186,9 @@ struct SortContents {
 /// A symbol table: its head and records in file order.
 struct SymbolTable {
   Slot* head = nullptr;
-  std::vector<Slot*> records;                      // erased ones included
-  std::unordered_map<std::wstring, Slot*> byName;  // folded
-  std::size_t insertAt = 0;                        // offset of ENDTAB in the file text
+  std::vector<Slot*> records;  // erased ones included
+  NameMap<Slot*> byName;
+  std::size_t insertAt = 0;  // offset of ENDTAB in the file text
 };
 
 struct SlotState {
@@ -174,7 +206,6 @@ struct UndoStep {
   struct OrderChange {
     Slot* table = nullptr;
     const Slot* entity = nullptr;
-    bool had = false;
     OrderKey key;
   };
   std::vector<OrderChange> order;
@@ -223,6 +254,7 @@ struct DrawingDatabase::Parts {
     std::string raw;  // in the drawing's encoding, as first met
     std::wstring folded;
     Slot* record = nullptr;
+    std::optional<bool> isLocked;  // as it was looked up since the layers changed last
   };
   std::vector<LayerName> layers{LayerName{}};
   std::unordered_map<std::string, std::uint32_t, NameHash, std::equal_to<>> layerByRaw;
@@ -231,7 +263,8 @@ struct DrawingDatabase::Parts {
   // Containers.
   std::map<DxfType, SymbolTable> tables;  // by record type
   std::unordered_map<const Slot*, BlockContents> blocks;
-  std::vector<const Slot*> blockOrder;  // block records in the order of their BLOCKs
+  std::vector<const Slot*> blockOrder;            // block records in the order of their BLOCKs
+  std::optional<std::vector<Slot*>> layoutSlots;  // erased ones included; found when first asked for
   Slot* modelSpaceRecord = nullptr;
   Slot* paperSpaceRecord = nullptr;  // the active one, whose entities stand in ENTITIES
   Slot* header = nullptr;
@@ -267,6 +300,9 @@ struct DrawingDatabase::Parts {
   DxfType typeOf(std::string_view name);
   std::uint32_t internLayer(std::string_view raw);
   void bindLayerRecord(Slot* record);
+  bool isLayerLocked(std::uint32_t layerIndex);
+  /// To be called when a layer or a header variable has changed.
+  void forgetDefaults();
 
   // ---- slots ----
   /// A new object of this session with a fresh handle.

@@ -62,10 +62,33 @@ int parseGroupCode(std::string_view line) {
   return isNegative ? -code : code;
 }
 
+namespace {
+
+/// Takes a line of blanks and up to four digits, as nearly all group codes are; false, with nothing taken, for others.
+bool takePlainCode(std::string_view& text, int& code) {
+  constexpr std::size_t kMostDigits = 4;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at < end && *at == ' ') ++at;
+  const char* const digits = at;
+  int value = 0;
+  while (at < end && *at >= '0' && *at <= '9' && static_cast<std::size_t>(at - digits) < kMostDigits) {
+    value = value * 10 + (*at++ - '0');
+  }
+  if (at == digits) return false;
+  if (at < end && *at == '\r') ++at;
+  if (at == end || *at != '\n') return false;
+  code = value;
+  text.remove_prefix(static_cast<std::size_t>(at + 1 - text.data()));
+  return true;
+}
+
+}  // namespace
+
 bool readTag(std::string_view& text, Tag& tag) {
   if (text.empty()) return false;
   const char* const begin = text.data();
-  tag.code = parseGroupCode(takeLine(text));
+  if (!takePlainCode(text, tag.code)) tag.code = parseGroupCode(takeLine(text));
   tag.value = takeLine(text);
   tag.bytes = {begin, static_cast<std::size_t>(text.data() - begin)};
   return true;

@@ -1,6 +1,11 @@
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
 
 #include "Database/Parts.h"
 
@@ -8,19 +13,36 @@ namespace host::database {
 
 namespace {
 
-constexpr std::size_t kPointerBytes = sizeof(void*);  // of the drawing's address, at the head of every block
+constexpr std::size_t kPointerBytes = sizeof(void*);        // of the drawing's address, at the head of every block
+constexpr std::size_t kLargestSlab = std::size_t{1} << 21;  // a huge page
 
 }  // namespace
 
-SlotPool::~SlotPool() {
-  for (char* const block : blocks_) std::free(block);
+MemorySource::~MemorySource() {
+  for (char* const slab : slabs_) std::free(slab);
+}
+
+char* MemorySource::block(std::size_t bytes) {
+  if (left_ < bytes) {
+    slabBytes_ = std::max(bytes, std::min(slabBytes_ * 2, kLargestSlab));
+    next_ = static_cast<char*>(std::aligned_alloc(slabBytes_, slabBytes_));
+    if (next_ == nullptr) throw std::bad_alloc();
+    left_ = slabBytes_;
+    slabs_.push_back(next_);
+#ifdef __linux__
+    if (slabBytes_ == kLargestSlab) ::madvise(next_, slabBytes_, MADV_HUGEPAGE);
+#endif
+  }
+  char* const begin = next_;
+  next_ += bytes;
+  left_ -= bytes;
+  return begin;
 }
 
 Slot* SlotPool::make() {
   const std::size_t index = count_ % kSlotsPerBlock;
   if (index == 0) {
-    char* const block = static_cast<char*>(std::aligned_alloc(kBlockBytes, kBlockBytes));
-    if (block == nullptr) throw std::bad_alloc();
+    char* const block = source_.block(kBlockBytes);
     std::memcpy(block, &database_, kPointerBytes);
     blocks_.push_back(block);
   }
@@ -35,46 +57,34 @@ DrawingDatabase& SlotPool::databaseOf(const Slot* slot) {
   return *database;
 }
 
-std::string_view Arena::keep(std::string_view bytes) {
-  if (bytes.empty()) return {};
-  if (bytes.size() > left_) {
-    const std::size_t size = std::max(chunkBytes_, bytes.size());
-    auto chunk = std::make_unique_for_overwrite<char[]>(size);
-    char* const begin = chunk.get();
-    chunks_.push_back(std::move(chunk));
-    if (size > bytes.size() || left_ == 0) {
-      next_ = begin;
-      left_ = size;
-    } else {  // a piece of its own; the chunk in use stays
-      std::memcpy(begin, bytes.data(), bytes.size());
-      used_ += bytes.size();
-      return {begin, bytes.size()};
-    }
+void Arena::refill(std::size_t bytes) {
+  constexpr std::size_t kBlockBytes = std::size_t{1} << 18;
+  if (chunkBytes_ == 0 && bytes <= kBlockBytes) {
+    next_ = source_.block(kBlockBytes);
+    left_ = kBlockBytes;
+    return;
   }
-  std::memcpy(next_, bytes.data(), bytes.size());
-  const std::string_view kept(next_, bytes.size());
-  next_ += bytes.size();
-  left_ -= bytes.size();
-  used_ += bytes.size();
-  return kept;
+  left_ = std::max(chunkBytes_, bytes);
+  chunks_.push_back(std::make_unique_for_overwrite<char[]>(left_));  // aligned for anything
+  next_ = chunks_.back().get();
 }
 
 void* Arena::allocate(std::size_t bytes, std::size_t alignment) {
-  const std::size_t gap = (alignment - reinterpret_cast<std::uintptr_t>(next_) % alignment) % alignment;
-  if (gap + bytes > left_) {
-    const std::size_t size = std::max(chunkBytes_, bytes);
-    chunks_.push_back(std::make_unique_for_overwrite<char[]>(size));  // aligned for anything
-    next_ = chunks_.back().get();
-    left_ = size;
-  } else {
-    next_ += gap;
-    left_ -= gap;
-  }
-  char* const begin = next_;
-  next_ += bytes;
-  left_ -= bytes;
+  const auto gap = [&] { return (alignment - reinterpret_cast<std::uintptr_t>(next_) % alignment) % alignment; };
+  if (gap() + bytes > left_) refill(bytes);
+  const std::size_t skipped = gap();
+  char* const begin = next_ + skipped;
+  next_ = begin + bytes;
+  left_ -= skipped + bytes;
   used_ += bytes;
   return begin;
+}
+
+std::string_view Arena::keep(std::string_view bytes) {
+  if (bytes.empty()) return {};
+  char* const begin = static_cast<char*>(allocate(bytes.size(), 1));
+  std::memcpy(begin, bytes.data(), bytes.size());
+  return {begin, bytes.size()};
 }
 
 DrawingDatabase& Slot::database() const { return SlotPool::databaseOf(this); }

@@ -28,10 +28,7 @@ constexpr std::string_view kSortents = "AcDbSortentsTable";
 [[maybe_unused]] const bool registered = host::database::registerClass(
     {DxfType::SortentsTable, &AcDbSortentsTable::desc, []() -> AcDbObject* { return new AcDbSortentsTable; }});
 
-OrderKey keyOf(const SortContents& contents, const Slot& entity) {
-  const auto found = contents.keys.find(&entity);
-  return found != contents.keys.end() ? found->second : OrderKey{entity.handle, 0};
-}
+OrderKey keyOf(const SortContents& contents, const Slot& entity) { return contents.keys.of(entity); }
 
 }  // namespace
 
@@ -50,7 +47,7 @@ SortContents& DrawingDatabase::Parts::sortTable(const Slot& slot) {
     if (tag.code == 330) contents->block = self.findHandle(tag.handle());
     if (tag.code == 331) entity = self.findHandle(tag.handle());
     if (tag.code == 5 && entity != nullptr) {
-      if (tag.handle() != entity->handle) contents->keys[entity] = {tag.handle(), 0};
+      if (tag.handle() != entity->handle) contents->keys.set(*entity, {tag.handle(), 0});
       entity = nullptr;
     }
   }
@@ -59,9 +56,9 @@ SortContents& DrawingDatabase::Parts::sortTable(const Slot& slot) {
 
 void DrawingDatabase::Parts::setOrderKey(Slot& table, const Slot& entity, OrderKey key) {
   SortContents& contents = sortTable(table);
-  const auto [found, isNew] = contents.keys.try_emplace(&entity, key);
-  if (inStep) currentStep.order.push_back({&table, &entity, !isNew, isNew ? OrderKey{} : found->second});
-  found->second = key;
+  const OrderKey former = contents.keys.set(entity, key);
+  // Where an entity stands that is taken away by undo does not matter.
+  if (inStep && !isOfThisStep(entity)) currentStep.order.push_back({&table, &entity, former});
   contents.changed = true;
   ++changes;
 }

@@ -141,8 +141,8 @@ Acad::ErrorStatus AcDbSymbolTableRecord::setName(const ACHAR* name) {
     Slot* const other = db.findRecord(slot->type, name);
     if (other != nullptr && other != slot) return Acad::eDuplicateRecordName;
     SymbolTable& table = db.parts().tableFor(slot->type);
-    table.byName.erase(host::text::folded(db.recordName(*slot)));
-    table.byName[host::text::folded(name)] = slot;
+    if (const auto old = table.byName.find(db.recordName(*slot)); old != table.byName.end()) table.byName.erase(old);
+    table.byName[std::wstring(name)] = slot;
   }
   HostObjectAccess::setTag(*this, "", 2, HostObjectAccess::codec(*this).encode(name));
   if (slot != nullptr && slot->type == DxfType::Layer) slot->database().parts().bindLayerRecord(slot);
@@ -179,8 +179,12 @@ Acad::ErrorStatus AcDbSymbolTable::getAt(const ACHAR* name, AcDbObjectId& id, bo
   if (name == nullptr) return Acad::eInvalidInput;
   const SymbolTable* const table = tableOf(*this);
   if (table == nullptr) return Acad::eNotInDatabase;
-  const auto found = table->byName.find(host::text::folded(name));
+  const auto found = table->byName.find(std::wstring_view(name));
   if (found == table->byName.end()) return Acad::eKeyNotFound;
+  if (!found->second->isErased()) {
+    id = AcDbObjectId(found->second);
+    return Acad::eOk;
+  }
   Slot* const living = HostObjectAccess::slot(*this)->database().findRecord(found->second->type, name);
   if (living != nullptr) {
     id = AcDbObjectId(living);
@@ -245,7 +249,7 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
   host::database::bindNew(*record, *slot, out.take());
   SymbolTable& table = parts.tableFor(kind->recordType);
   table.records.push_back(slot);
-  table.byName[host::text::folded(name)] = slot;
+  table.byName[name] = slot;
   if (kind->recordType == DxfType::Layer) parts.bindLayerRecord(slot);
   if (kind->recordType == DxfType::BlockRecord) {
     host::database::beginBlock(*slot, name);

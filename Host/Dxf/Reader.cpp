@@ -324,7 +324,7 @@ class Reader {
       const Scanned record = scanRecord(token, Kind::TablePart);
       record.slot->owner = table.head;
       table.records.push_back(record.slot);
-      table.byName.try_emplace(text::folded(parts_.codec.decode(record.name)), record.slot);
+      table.byName.try_emplace(parts_.codec.decode(record.name), record.slot);
     }
     fail(token.offset, "a table is not ended by ENDTAB");
   }
@@ -521,7 +521,7 @@ class Reader {
                                     .handle(340, 0)
                                     .take());
       table.records.push_back(record);
-      table.byName.emplace(text::folded(name), record);
+      table.byName.emplace(name, record);
     }
     parts_.contents(record).record = record;
     return record;

@@ -15,13 +15,16 @@ constexpr double kDegreesPerRad = 180 / std::numbers::pi;
 
 std::int64_t countOf(std::size_t size) { return static_cast<std::int64_t>(size); }
 
+bool hasBulge(const HatchLoop& loop) {
+  return std::any_of(loop.vertices.begin(), loop.vertices.end(), [](const LoopVertex& v) { return v.bulge != 0; });
+}
+
 void writePolyline(const HatchLoop& loop, TagWriter& out) {
-  const bool hasBulge =
-      std::any_of(loop.vertices.begin(), loop.vertices.end(), [](const LoopVertex& v) { return v.bulge != 0; });
-  out.integer(72, hasBulge ? 1 : 0).integer(73, 1).integer(93, countOf(loop.vertices.size()));
+  const bool isCurved = hasBulge(loop);
+  out.integer(72, isCurved ? 1 : 0).integer(73, 1).integer(93, countOf(loop.vertices.size()));
   for (const LoopVertex& v : loop.vertices) {
     out.point(10, v.x, v.y);
-    if (hasBulge) out.real(42, v.bulge);
+    if (isCurved) out.real(42, v.bulge);
   }
 }
 
@@ -68,20 +71,35 @@ bool haveOneStyle(const HatchData& a, const HatchData& b) {
 /// A hatch made by a command: its loop, and what it shares with others.
 class ShelvedHatch final : public database::OwnTags {
  public:
-  ShelvedHatch(const HatchData& style, int loopType, std::span<const LoopVertex> loop)
-      : style_(&style), loop_(loop), loopType_(loopType) {}
+  ShelvedHatch(const HatchData& style, const HatchLoop& loop, database::Arena& arena)
+      : style_(&style), type_(loop.type), count_(static_cast<std::uint32_t>(loop.vertices.size())) {
+    auto* const points = arena.makeArray<Point2>(count_);
+    std::transform(loop.vertices.begin(), loop.vertices.end(), points, [](const LoopVertex& vertex) {
+      return Point2{vertex.x, vertex.y};
+    });
+    points_ = points;
+    if (!hasBulge(loop)) return;
+    auto* const bulges = arena.makeArray<double>(count_);
+    std::transform(loop.vertices.begin(), loop.vertices.end(), bulges, [](const LoopVertex& v) { return v.bulge; });
+    bulges_ = bulges;
+  }
 
   void write(TagWriter& out) const override {
     HatchLoop loop;
-    loop.type = loopType_;
-    loop.vertices.assign(loop_.begin(), loop_.end());
+    loop.type = type_;
+    loop.vertices.reserve(count_);
+    for (std::uint32_t i = 0; i < count_; ++i) {
+      loop.vertices.push_back({points_[i].x, points_[i].y, bulges_ != nullptr ? bulges_[i] : 0});
+    }
     style_->write(out, {&loop, 1});
   }
 
  private:
   const HatchData* style_;
-  std::span<const LoopVertex> loop_;
-  int loopType_;
+  const Point2* points_ = nullptr;
+  const double* bulges_ = nullptr;  // null: all straight
+  std::int32_t type_;
+  std::uint32_t count_;
 };
 
 }  // namespace
@@ -109,9 +127,7 @@ const database::OwnTags* HatchData::shelve(database::DrawingDatabase& db) const 
     styles.push_back(std::move(made));
   }
   database::Arena& arena = db.parts().arena;
-  auto* const vertices = arena.makeArray<LoopVertex>(loop.vertices.size());
-  std::copy(loop.vertices.begin(), loop.vertices.end(), vertices);
-  return arena.make<ShelvedHatch>(*style, loop.type, std::span(vertices, loop.vertices.size()));
+  return arena.make<ShelvedHatch>(*style, loop, arena);
 }
 
 void HatchData::write(TagWriter& out, std::span<const HatchLoop> loops) const {

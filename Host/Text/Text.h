@@ -16,6 +16,8 @@ std::string toUtf8(std::wstring_view text);
 /// Lower-case form for comparing names (simple folding, Finnish, Greek and Cyrillic letters included).
 std::wstring folded(std::wstring_view text);
 bool equalFolded(std::wstring_view a, std::wstring_view b);
+/// A hash value that is the same for all texts that are equal folded.
+std::size_t foldedHash(std::wstring_view text);
 
 /// The number at the start of the text after blanks, whatever the locale; nothing when there is none.
 /// Accepts ".5", "+1.0E+02", "1D3"; gives infinity for 1e999 and NaN for "nan": callers check finiteness.

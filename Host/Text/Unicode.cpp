@@ -157,6 +157,13 @@ std::wstring folded(std::wstring_view text) {
   return out;
 }
 
+std::size_t foldedHash(std::wstring_view text) {
+  // FNV-1a
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const wchar_t c : text) hash = (hash ^ static_cast<std::uint64_t>(foldedCharacter(c))) * 0x100000001B3;
+  return static_cast<std::size_t>(hash);
+}
+
 bool equalFolded(std::wstring_view a, std::wstring_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](wchar_t x, wchar_t y) { return x == y || foldedCharacter(x) == foldedCharacter(y); });

@@ -20,8 +20,13 @@ const ACHAR* textOf(const resbuf& item) {
 }
 
 bool isText(const resbuf& item, std::wstring_view expected) {
-  const ACHAR* const text = textOf(item);
-  return text != nullptr && expected == text;
+  const ACHAR* text = textOf(item);
+  if (text == nullptr) return false;
+  // Most differ in the first characters: no looking for the end.
+  for (const ACHAR c : expected) {
+    if (*text++ != c) return false;
+  }
+  return *text == 0;
 }
 
 std::optional<std::wstring> valueText(const resbuf& item) {

@@ -1,0 +1,69 @@
+// Draw-order positions of entities.
+#pragma once
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "Database/Slot.h"
+
+namespace host::database {
+
+/// Position in the draw order of a block: entities are drawn by ascending key. An entity that nobody moved has its own
+/// handle; one moved to the top has the highest handle of that moment and a count that grows with every move.
+struct OrderKey {
+  std::uint64_t handle = 0;
+  std::int64_t move = 0;
+  auto operator<=>(const OrderKey&) const = default;
+};
+
+/// The keys of the entities that were moved. A command may move all of a large drawing, one by one: places are found by
+/// open addressing, without memory of their own.
+class OrderKeys {
+ public:
+  /// The entity's key; its handle when it was never moved.
+  OrderKey of(const Slot& entity) const {
+    if (places_.empty()) return {entity.handle, 0};
+    const Place& place = places_[indexOf(entity)];
+    return place.entity != nullptr ? place.key : OrderKey{entity.handle, 0};
+  }
+
+  /// Gives the entity a key; its former one is the answer.
+  OrderKey set(const Slot& entity, OrderKey key) {
+    if ((count_ + 1) * 3 > places_.size() * 2) grow();
+    Place& place = places_[indexOf(entity)];
+    const OrderKey former = place.entity != nullptr ? place.key : OrderKey{entity.handle, 0};
+    if (place.entity == nullptr) ++count_;
+    place = {&entity, key};
+    return former;
+  }
+
+ private:
+  struct Place {
+    const Slot* entity = nullptr;
+    OrderKey key;
+  };
+
+  /// Where the entity is, or would be.
+  std::size_t indexOf(const Slot& entity) const {
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio
+    const std::size_t mask = places_.size() - 1;
+    std::size_t index = (reinterpret_cast<std::uintptr_t>(&entity) / sizeof(Slot) * kSpread >> 20) & mask;
+    while (places_[index].entity != nullptr && places_[index].entity != &entity) index = (index + 1) & mask;
+    return index;
+  }
+
+  void grow() {
+    std::vector<Place> former(places_.empty() ? 64 : places_.size() * 2);
+    former.swap(places_);
+    for (const Place& place : former) {
+      if (place.entity != nullptr) places_[indexOf(*place.entity)] = place;
+    }
+  }
+
+  std::vector<Place> places_;  // a power of two of them
+  std::size_t count_ = 0;
+};
+
+}  // namespace host::database
