@@ -1,10 +1,11 @@
 // Measures reading, saving, an area command and a picture on the plans given, smallest first, and prints one table.
 //
-//   tolmex_benchmarks [--tries N] PLAN.dxf...
+//   tolmex_benchmarks [--tries N] [PLAN.dxf...] [--shadows PLAN.dxf...]
 //
 // Times are the shortest of N tries. Each stands beside a limit measured in the same run: a bare scan of the same bytes
 // (reading, commands, pictures: whoever works on a drawing has to look at it once) or a bare flushed copy of them
-// (saving). Memory is the peak of the whole process, as a multiple of the file.
+// (saving). Memory is the peak of the whole process, as a multiple of the file. The plans behind --shadows, whose
+// buildings carry records, are for a table of their own: updates of their shadows.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -19,6 +20,7 @@
 #include "Limits.h"
 #include "Measurement.h"
 #include "Picture/Picture.h"
+#include "Shadows.h"
 
 namespace {
 
@@ -121,19 +123,25 @@ int measurePlans(const std::vector<fs::path>& plans, int tries) {
 int main(int argc, char** argv) {
   int tries = 3;
   std::vector<fs::path> plans;
+  std::vector<fs::path> shadowPlans;
+  bool areShadows = false;
   for (int i = 1; i < argc; ++i) {
     if (std::string_view(argv[i]) == "--tries" && i + 1 < argc) {
       tries = std::atoi(argv[++i]);
+    } else if (std::string_view(argv[i]) == "--shadows") {
+      areShadows = true;
     } else {
-      plans.emplace_back(argv[i]);
+      (areShadows ? shadowPlans : plans).emplace_back(argv[i]);
     }
   }
-  if (plans.empty() || tries < 1) {
-    std::fprintf(stderr, "usage: tolmex_benchmarks [--tries N] PLAN.dxf...\n");
+  if ((plans.empty() && shadowPlans.empty()) || tries < 1) {
+    std::fprintf(stderr, "usage: tolmex_benchmarks [--tries N] [PLAN.dxf...] [--shadows PLAN.dxf...]\n");
     return 1;
   }
   try {
-    return measurePlans(plans, tries);
+    const int status = plans.empty() ? 0 : measurePlans(plans, tries);
+    const int shadowStatus = shadowPlans.empty() ? 0 : benchmarks::measureShadows(shadowPlans, tries);
+    return status == 0 && shadowStatus == 0 ? 0 : 1;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "tolmex_benchmarks: %s\n", error.what());
     return 2;

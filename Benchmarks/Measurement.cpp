@@ -1,5 +1,6 @@
 #include "Measurement.h"
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,6 +19,7 @@ namespace {
 /// What a child tells; small enough to go through a pipe in one piece.
 struct Report {
   double seconds = 0;
+  double userSeconds = 0;
   std::size_t peakBytes = 0;
   std::array<char, 256> failure{};
 };
@@ -30,12 +32,19 @@ std::size_t peakBytes() {
   return 0;
 }
 
+double userTime() {
+  rusage used{};
+  ::getrusage(RUSAGE_SELF, &used);
+  return static_cast<double>(used.ru_utime.tv_sec) + static_cast<double>(used.ru_utime.tv_usec) / 1e6;
+}
+
 Report runStep(const std::function<void(Clock&)>& step) {
   Report report;
   try {
     Clock clock;
     step(clock);
     report.seconds = clock.seconds();
+    report.userSeconds = clock.userSeconds();
     report.peakBytes = peakBytes();
   } catch (const std::exception& error) {
     std::strncpy(report.failure.data(), error.what(), report.failure.size() - 1);
@@ -66,9 +75,11 @@ Report runInChild(const std::function<void(Clock&)>& step) {
 }  // namespace
 
 void Clock::time(const std::function<void()>& work) {
+  const double userBegin = userTime();
   const auto begin = std::chrono::steady_clock::now();
   work();
   seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+  userSeconds_ += userTime() - userBegin;
 }
 
 Measurement measure(int tries, const std::function<void(Clock&)>& step) {
@@ -80,6 +91,7 @@ Measurement measure(int tries, const std::function<void(Clock&)>& step) {
       return best;
     }
     best.seconds = i == 0 ? report.seconds : std::min(best.seconds, report.seconds);
+    best.userSeconds = i == 0 ? report.userSeconds : std::min(best.userSeconds, report.userSeconds);
     best.peakBytes = std::max(best.peakBytes, report.peakBytes);
   }
   return best;

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Builds the release benchmarks, makes the plans they need (kept under build/) and prints one table.
-# Arguments: numbers of buildings; 1000 10000 100000 without any.
+# Builds the release benchmarks, makes the plans they need (kept under build/) and prints two tables: general steps, and
+# updates of shadows.
+# Arguments: numbers of buildings; 1000 10000 100000 without any. With --shadows first only the second table is made;
+# three updates of 100000 buildings want 3 GB of memory.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -8,17 +10,32 @@ tools/install-deps.sh
 cmake --preset release -DTOLMEX_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build --preset release --target tolmex_benchmarks
 
+general=yes
+if [ "${1:-}" = --shadows ]; then
+  general=no
+  shift
+fi
+[ $# -gt 0 ] || set -- 1000 10000 100000
+
+# make_plan FILE ARGUMENTS...: a plan older than its generator is made again; an interrupted one leaves no plan.
+make_plan() {
+  local plan=$1
+  shift
+  if [ ! -f "$plan" ] || [ -n "$(find Benchmarks/generate Tests/data/dxf_writer.py -newer "$plan" -name '*.py')" ]; then
+    python3 Benchmarks/generate/make_plan.py "$@" "$plan.part"
+    mv "$plan.part" "$plan"
+  fi
+}
+
 mkdir -p build/plans
 plans=()
-for buildings in "${@:-1000 10000 100000}"; do
-  for count in $buildings; do
-    plan=build/plans/plan-$count.dxf
-    # A plan older than its generator is made again; an interrupted one leaves no plan.
-    if [ ! -f "$plan" ] || [ -n "$(find Benchmarks/generate Tests/data/dxf_writer.py -newer "$plan" -name '*.py')" ]; then
-      python3 Benchmarks/generate/make_plan.py "$count" "$plan.part"
-      mv "$plan.part" "$plan"
-    fi
-    plans+=("$plan")
-  done
+shadow_plans=()
+for count in "$@"; do
+  if [ "$general" = yes ]; then
+    make_plan "build/plans/plan-$count.dxf" "$count"
+    plans+=("build/plans/plan-$count.dxf")
+  fi
+  make_plan "build/plans/buildings-$count.dxf" --records "$count"
+  shadow_plans+=("build/plans/buildings-$count.dxf")
 done
-build/release/bin/tolmex_benchmarks "${plans[@]}"
+build/release/bin/tolmex_benchmarks "${plans[@]}" --shadows "${shadow_plans[@]}"

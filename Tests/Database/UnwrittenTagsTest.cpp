@@ -5,6 +5,8 @@
 
 #include "Database/Parts.h"
 #include "Database/Support.h"
+#include "Text/Text.h"
+#include "dbdict.h"
 #include "dbents.h"
 #include "dbgroup.h"
 #include "dbobjptr.h"
@@ -48,8 +50,8 @@ class NewPolyline : public testing::Test {
     drawing.database().endUndoStep();
     drawing.database().releaseObjects();
   }
-  template <class T = AcDb3dPolyline>
-  void change(AcDbObjectId which, const std::function<void(T&)>& work) {
+  template <class T = AcDb3dPolyline, class Work>
+  void change(AcDbObjectId which, const Work& work) {
     const AcDbObjectPointer<T> object(which, AcDb::kForWrite);
     ASSERT_EQ(object.openStatus(), Acad::eOk);
     work(*object);

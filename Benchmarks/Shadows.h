@@ -1,0 +1,13 @@
+// What updating the shadows of a plan costs.
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+namespace benchmarks {
+
+/// Measures reading, the first and the third shadow update of one session on plans whose buildings carry records,
+/// smallest first, and prints one table. The answer is the number of failed measurements and of passed limits.
+int measureShadows(const std::vector<std::filesystem::path>& plans, int tries);
+
+}  // namespace benchmarks
