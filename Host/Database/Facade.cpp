@@ -6,7 +6,7 @@
 #include "Database/Insertion.h"
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
-#include "Text/Text.h"
+#include "Text/FilePath.h"
 #include "dbapserv.h"
 #include "dbdict.h"
 #include "dbmain.h"
@@ -33,7 +33,7 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* file, OpenMode, bool, c
   if (impl_->slotCount() != 0) return Acad::eInvalidInput;
   const host::database::FileReader read = host::database::fileReader();
   if (read == nullptr) return Acad::eNotAcadFile;
-  const std::filesystem::path path = host::text::toUtf8(file);
+  const std::filesystem::path path = host::text::toPath(file);
   std::error_code error;
   if (!std::filesystem::exists(path, error)) return Acad::eFileNotFound;
   std::string message;

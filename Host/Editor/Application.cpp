@@ -103,6 +103,8 @@ bool inputHasStopped() { return host().isStopping(); }
 bool dialogsAreWorkedByHand() { return host().options().dialogsByHand; }
 void reportDialogProblem(std::string_view sentence) { host().reportProblem(sentence); }
 
+std::filesystem::path findFolder(const std::filesystem::path& folder) { return HostServices::findFolder(folder); }
+
 void printDialogLine(std::wstring_view text) { host().transcript.line(text); }
 
 void showNotice(std::wstring_view caption, std::wstring_view text) {

@@ -1,6 +1,7 @@
 // Dialogs and question boxes take their actions from the running session's input.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,8 @@ bool inputHasStopped();
 bool dialogsAreWorkedByHand();
 /// A problem of the host itself, in one sentence.
 void reportDialogProblem(std::string_view sentence);
+/// A folder by its path; a relative one is looked for where support files are. Empty when there is none.
+std::filesystem::path findFolder(const std::filesystem::path& folder);
 /// Text on a line of its own in the transcript.
 void printDialogLine(std::wstring_view text);
 /// A box with OK only: "[CAPTION] text" on a line of its own.

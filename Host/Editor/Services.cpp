@@ -81,10 +81,11 @@ std::vector<AcEditorReactor*> EditorService::reactorsOf(const void* moduleBase) 
   return objectsOfModule(reactors_, moduleBase);
 }
 
-std::filesystem::path HostServices::find(const std::filesystem::path& name, const AcDbDatabase* db) {
+namespace {
+
+/// Where files are looked for, in this order.
+std::vector<std::filesystem::path> searchedFolders(const AcDbDatabase* db) {
   std::error_code error;
-  if (name.empty()) return {};
-  if (name.is_absolute()) return std::filesystem::is_regular_file(name, error) ? name : std::filesystem::path();
   const Session& session = Session::instance();
   std::vector<std::filesystem::path> folders{std::filesystem::current_path(error)};
   const auto* document = static_cast<const Document*>(session.documents.document(db));
@@ -92,10 +93,29 @@ std::filesystem::path HostServices::find(const std::filesystem::path& name, cons
   if (document != nullptr && !document->file().empty()) folders.push_back(document->file().parent_path());
   folders.insert(folders.end(), session.options().supportFolders.begin(), session.options().supportFolders.end());
   folders.push_back(ownSupportFolder());
-  for (const std::filesystem::path& folder : folders) {
-    if (folder.empty()) continue;
+  std::erase_if(folders, [](const std::filesystem::path& folder) { return folder.empty(); });
+  return folders;
+}
+
+}  // namespace
+
+std::filesystem::path HostServices::find(const std::filesystem::path& name, const AcDbDatabase* db) {
+  std::error_code error;
+  if (name.empty()) return {};
+  if (name.is_absolute()) return std::filesystem::is_regular_file(name, error) ? name : std::filesystem::path();
+  for (const std::filesystem::path& folder : searchedFolders(db)) {
     const std::filesystem::path found = inFolder(folder, name);
     if (!found.empty()) return std::filesystem::absolute(found, error).lexically_normal();
+  }
+  return {};
+}
+
+std::filesystem::path HostServices::findFolder(const std::filesystem::path& name) {
+  if (name.empty()) return {};
+  for (const std::filesystem::path& folder : searchedFolders(nullptr)) {
+    std::error_code error;
+    const std::filesystem::path found = folder / name;  // an absolute name replaces the folder
+    if (std::filesystem::is_directory(found, error)) return std::filesystem::absolute(found, error).lexically_normal();
   }
   return {};
 }

@@ -49,6 +49,9 @@ class HostServices final : public AcDbHostApplicationServices {
   /// Current folder, the drawing's folder, the support folders, the host's own `support` folder; empty when not found.
   static std::filesystem::path find(const std::filesystem::path& name, const AcDbDatabase* db);
 
+  /// A folder, by the same search.
+  static std::filesystem::path findFolder(const std::filesystem::path& name);
+
   AcDbDatabase* working = nullptr;
 };
 

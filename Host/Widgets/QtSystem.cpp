@@ -62,6 +62,10 @@ class QtSystem final : public win32::WidgetSystem {
 
   void waitForEvents() override { QApplication::processEvents(QEventLoop::WaitForMoreEvents); }
 
+  std::wstring askFolder(HostWindow* parent, std::wstring_view title) override {
+    return QFileDialog::getExistingDirectory(widgetOf(parent), toQt(title)).toStdWString();
+  }
+
   int messageBox(HostWindow* parent, std::wstring_view text, std::wstring_view caption, UINT type) override {
     QMessageBox box(widgetOf(parent));
     box.setWindowTitle(toQt(caption));

@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QFrame>
 #include <QGroupBox>
+#include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -56,6 +57,11 @@ class QtWidget : public win32::Widget {
   void setEnabled(bool enabled) override { widget_->setEnabled(enabled); }
   void setFocus() override { widget_->setFocus(); }
   void repaint() override { widget_->update(); }
+  // Drawn nowhere: a widget that no window system has shown yet paints itself too.
+  void paintNow() override {
+    QImage nowhere(1, 1, QImage::Format_RGB32);
+    widget_->render(&nowhere, QPoint(), QRegion(0, 0, 1, 1), QWidget::RenderFlags());
+  }
 
  private:
   QPointer<QWidget> widget_;
@@ -197,6 +203,11 @@ std::unique_ptr<win32::Widget> makeButton(HostWindow& window, QWidget* parent, S
 class LabelWidget : public QLabel {
  public:
   LabelWidget(HostWindow& window, QWidget* parent) : QLabel(parent), window_(window) {}
+  void show(const QImage& picture) {
+    if (picture == picture_) return;
+    picture_ = picture;
+    update();
+  }
 
  protected:
   void mousePressEvent(QMouseEvent* event) override {
@@ -204,6 +215,7 @@ class LabelWidget : public QLabel {
     if (event->button() == Qt::LeftButton) win32::widgetPressed(window_, place.x(), place.y());
   }
   void paintEvent(QPaintEvent* event) override {
+    if (!picture_.isNull()) QPainter(this).drawImage(0, 0, picture_);
     QLabel::paintEvent(event);
     QPainter painter(this);
     PainterCanvas canvas(painter);
@@ -212,6 +224,7 @@ class LabelWidget : public QLabel {
 
  private:
   HostWindow& window_;
+  QImage picture_;
 };
 
 class Label final : public Typed<LabelWidget> {
@@ -224,6 +237,13 @@ class Label final : public Typed<LabelWidget> {
     QString shown = toQt(text);
     if (hasShortcuts_) shown.replace("&&", QString(QChar(1))).remove('&').replace(QChar(1), "&");
     t_.setText(shown);
+  }
+  void setPicture(int width, int height, const std::uint32_t* pixels) override {
+    if (pixels == nullptr) {
+      t_.show(QImage());
+    } else {
+      t_.show(QImage(reinterpret_cast<const uchar*>(pixels), width, height, QImage::Format_ARGB32).copy());
+    }
   }
 
  private:

@@ -117,6 +117,8 @@ void runDialog(HostWindow& dialog) {
   while (IsWindow(&dialog) != FALSE && !dialog.dialog->hasEnded) {
     deliverPosted();
     if (IsWindow(&dialog) == FALSE || dialog.dialog->hasEnded) break;
+    paintInvalid(dialog);
+    if (IsWindow(&dialog) == FALSE || dialog.dialog->hasEnded) break;
     if (editor::dialogsAreWorkedByHand()) {
       widgetSystem()->waitForEvents();
     } else if (!actOnLine(dialog)) {

@@ -2,16 +2,53 @@
 #include "Win32/Painting.h"
 
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Win32/WindowObject.h"
 
 namespace host::win32 {
 
+namespace {
+
+int paintDepth = 0;
+std::vector<HostWindow*> changedLooks;
+
+}  // namespace
+
+bool isPainting() { return paintDepth > 0; }
+
+void changeLooksLater(HostWindow& control) { changedLooks.push_back(&control); }
+
 void widgetPainted(HostWindow& window, Canvas& canvas) {
   HostDeviceContext context{&canvas};
   window.painting = &context;
+  window.isInvalid = false;
+  ++paintDepth;
   SendMessageW(&window, WM_PAINT, 0, 0);
-  if (IsWindow(&window)) window.painting = nullptr;
+  if (IsWindow(&window) != FALSE) window.painting = nullptr;
+  if (--paintDepth > 0) return;
+  for (HostWindow* const control : std::exchange(changedLooks, {})) {
+    if (IsWindow(control) != FALSE) control->widget->setEnabled(control->isEnabled());
+  }
+}
+
+void showPicture(HWND window, int width, int height, const std::uint32_t* pixels) {
+  if (IsWindow(window) != FALSE) window->widget->setPicture(width, height, pixels);
+}
+
+void paintInvalid(HostWindow& window) {
+  if (IsWindowVisible(&window) == FALSE) return;
+  if (window.isInvalid) {
+    window.isInvalid = false;
+    window.widget->paintNow();
+  }
+  // A window may close others while it paints.
+  std::vector<HostWindow*> children;
+  for (const auto& child : window.children) children.push_back(child.get());
+  for (HostWindow* const child : children) {
+    if (IsWindow(child) != FALSE) paintInvalid(*child);
+  }
 }
 
 void widgetPaintsItem(HostWindow& list, Canvas& canvas, const RECT& area, int item, UINT state) {

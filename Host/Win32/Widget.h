@@ -2,6 +2,7 @@
 // first dialog is made.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -53,8 +54,14 @@ class Widget {
   virtual void setFocus() {}
   virtual void setStacking(Stacking) {}
   virtual void repaint() {}
+  /// Lets the window paint itself now, seen or not: ends in widgetPainted.
+  virtual void paintNow() {}
   virtual std::wstring text() const { return {}; }
   virtual void setText(std::wstring_view) {}
+
+  // ---- texts and pictures ----
+  /// A picture over the whole widget, rows of 0xAARRGGBB from the top; null takes it away.
+  virtual void setPicture(int, int, const std::uint32_t*) {}
 
   // ---- buttons ----
   virtual bool isChecked() const { return false; }
@@ -94,6 +101,8 @@ class WidgetSystem {
   virtual std::unique_ptr<Widget> make(HostWindow& window, const DialogFont* font) = 0;
   /// Handles what the user does until something has happened.
   virtual void waitForEvents() = 0;
+  /// A folder chosen by hand; empty when none was.
+  virtual std::wstring askFolder(HostWindow* parent, std::wstring_view title) = 0;
   /// A message box worked by hand; one of the Windows answers.
   virtual int messageBox(HostWindow* parent, std::wstring_view text, std::wstring_view caption, UINT type) = 0;
   /// A question for a file worked by hand; empty when it was cancelled.

@@ -38,6 +38,7 @@ struct HostWindow {
   LONG_PTR userData = 0;
   std::vector<LPARAM> itemData;  // of lists, beside the items
   HostDeviceContext* painting = nullptr;
+  bool isInvalid = false;  // to be painted before the next input
   std::optional<host::win32::DialogState> dialog;
   std::unique_ptr<host::win32::Widget> widget;
   std::vector<std::unique_ptr<HostWindow>> children;  // gone before their parent's widget
@@ -68,6 +69,12 @@ HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const Dial
 void dropWidgets();
 /// Delivers what PostMessageW has left.
 void deliverPosted();
+/// Has the window and those in it painted that are invalid and can be seen.
+void paintInvalid(HostWindow& window);
+/// Whether a window is painting itself. Controls that are enabled or disabled meanwhile change their looks afterwards:
+/// what would have to be painted anew in between would never end.
+bool isPainting();
+void changeLooksLater(HostWindow& control);
 /// Tells the parent about a control.
 void notifyParent(HostWindow& control, WORD code);
 std::wstring textOf(HostWindow& window);

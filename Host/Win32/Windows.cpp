@@ -276,7 +276,11 @@ BOOL EnableWindow(HWND window, BOOL enable) {
   if (!isAlive(window)) return FALSE;
   const bool wasDisabled = !window->isEnabled();
   window->style = enable != FALSE ? window->style & ~WS_DISABLED : window->style | WS_DISABLED;
-  window->widget->setEnabled(enable != FALSE);
+  if (isPainting()) {
+    changeLooksLater(*window);
+  } else {
+    window->widget->setEnabled(enable != FALSE);
+  }
   if (wasDisabled == (enable != FALSE)) SendMessageW(window, WM_ENABLE, static_cast<WPARAM>(enable), 0);
   return wasDisabled ? TRUE : FALSE;
 }
@@ -290,6 +294,7 @@ BOOL ShowWindow(HWND window, int command) {
   window->style = show ? window->style | WS_VISIBLE : window->style & ~WS_VISIBLE;
   if (wasVisible != show) SendMessageW(window, WM_SHOWWINDOW, show ? TRUE : FALSE, 0);
   window->widget->setVisible(show);
+  if (show && !wasVisible) InvalidateRect(window, nullptr, TRUE);
   return wasVisible ? TRUE : FALSE;
 }
 
@@ -315,9 +320,18 @@ HWND SetFocus(HWND window) {
 
 HWND GetFocus() { return desktop().focus; }
 
-BOOL InvalidateRect(HWND window, LPCRECT, BOOL) {
+BOOL InvalidateRect(HWND window, LPCRECT, BOOL erase) {
   if (!isAlive(window)) return FALSE;
+  window->isInvalid = true;
+  if (erase != FALSE) window->widget->setPicture(0, 0, nullptr);
   window->widget->repaint();
+  for (const auto& child : window->children) InvalidateRect(child.get(), nullptr, erase);
+  return TRUE;
+}
+
+BOOL UpdateWindow(HWND window) {
+  if (!isAlive(window)) return FALSE;
+  paintInvalid(*window);
   return TRUE;
 }
 

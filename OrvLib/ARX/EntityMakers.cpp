@@ -109,6 +109,21 @@ AcDbObjectId makeClosed3dPolyline(const PolyLine& points, int colorIndex, const 
   return appendToModelSpace(std::move(entity), *db);
 }
 
+AcDbObjectId makeBlockReference(AcDbObjectId block, const Point3d& position, const ACHAR* layer,
+                                AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return {};
+  std::unique_ptr<AcDbBlockReference> reference(new (std::nothrow) AcDbBlockReference);
+  if (!reference) throw OrvExpAcad(L"Allocation of AcDbBlockReference failed");
+  const AcDbObjectId layerId = layerMadeIfMissing(layer, db);
+  if (layerId.isNull() || reference->setBlockTableRecord(block) != Acad::eOk ||
+      reference->setPosition(toHost(position)) != Acad::eOk || reference->setRotation(0) != Acad::eOk ||
+      reference->setNormal(AcGeVector3d::kZAxis) != Acad::eOk || reference->setLayer(layerId) != Acad::eOk) {
+    return {};
+  }
+  return appendToModelSpace(std::move(reference), *db);
+}
+
 bool eraseEntity(AcDbObjectId id) {
   const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
   return entity && entity->erase() == Acad::eOk;

@@ -1,4 +1,4 @@
-// The three ways in which the system puts entities into a drawing, always into model space and on a layer that is made
+// The four ways in which the system puts entities into a drawing, always into model space and on a layer that is made
 // when it is missing (layerMadeIfMissing), and the one in which it takes them out. A null database means the working
 // one.
 #pragma once
@@ -38,6 +38,11 @@ AcDbObjectId makeLine(const Line& line, int colorIndex, const ACHAR* layer, AcDb
 /// it cannot be allocated.
 AcDbObjectId makeClosed3dPolyline(const PolyLine& points, int colorIndex, const ACHAR* layer,
                                   AcDbDatabase* db = nullptr);
+
+/// A reference to a block at a point, upright, in its own size. Null id when the host refuses it. Throws OrvExpAcad
+/// when it cannot be allocated.
+AcDbObjectId makeBlockReference(AcDbObjectId block, const Point3d& position, const ACHAR* layer,
+                                AcDbDatabase* db = nullptr);
 
 /// False when the entity cannot be opened for write: it is erased already, open elsewhere, or on a locked layer.
 bool eraseEntity(AcDbObjectId id);

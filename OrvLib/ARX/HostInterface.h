@@ -32,9 +32,11 @@
 #include <dbregion.h>
 #include <dbsymtb.h>
 #include <dbxrecrd.h>
+#include <fileapi.h>
 #include <geassign.h>
 #include <rxdlinkr.h>
 #include <rxmfcapi.h>
 #include <rxregsvc.h>
+#include <shlobj.h>
 #include <sorttab.h>
 #include <tchar.h>

@@ -16,6 +16,7 @@
 #include "Tolmex/ParkingCommand.h"
 #include "Tolmex/RoofRaster.h"
 #include "Tolmex/ShadowCommands.h"
+#include "Tolmex/SymbolDLG.h"
 
 namespace OrvLib {
 namespace {
@@ -26,11 +27,10 @@ constexpr std::size_t kCommandCount = 30;
 struct Command {
   const ACHAR* globalName;
   const ACHAR* localName;
-  void (*body)();  // null: not available yet
+  void (*body)();
 };
 
 constexpr Command sameName(const ACHAR* name, void (*body)()) { return {name, name, body}; }
-constexpr Command notYet(const ACHAR* name) { return {name, name, nullptr}; }
 
 // In the order of registration.
 constexpr std::array<Command, kCommandCount> kCommands{{
@@ -45,7 +45,7 @@ constexpr std::array<Command, kCommandCount> kCommands{{
     {L"TLM_MUOK_NURMIKKO", L"TLM_MUOK_NURMKKO", [] { makeElements(elements::kGrass); }},
     sameName(L"TLM_MUOK_SORA", [] { makeElements(elements::kGravel); }),
     sameName(L"TLM_MUOK_METSA", [] { makeElements(elements::kForest); }),
-    notYet(L"TLM_LIS_SYMBOLI"),
+    sameName(L"TLM_LIS_SYMBOLI", insertSymbols),
     sameName(L"TLM_MUOK_PENSAS", [] { makeElements(elements::kHedge); }),
     sameName(L"TLM_MUOK_PIHALAATTA", [] { makeElements(elements::kYardPaving); }),
     sameName(L"TLM_MUOK_AITA_LAUTA", [] { makeElements(elements::kBoardFence); }),
@@ -82,13 +82,8 @@ static_assert(namesAreUnique(), "the host refuses a second command of the same n
 template <std::size_t index>
 void runCommand() {
   guarded([] {
-    const Command& command = kCommands[index];
     prepareCurrentDocument();
-    if (command.body != nullptr) {
-      command.body();
-    } else {
-      acutPrintf(L"\nKomento %s ei ole vielä käytettävissä.\n", command.globalName);
-    }
+    kCommands[index].body();
   });
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "Tolmex/Building.h"
@@ -42,6 +43,7 @@ class CDocData {
   float baseHeight = 0;
   RoofColors roofColors;  // chosen for buildings; written into their records
   ShadowSettings shadows;
+  std::wstring symbolDirectory;  // of the symbol dialog, as last left; empty until then
 
  private:
   std::unique_ptr<DocDataReactor> reactor_;

@@ -35,6 +35,19 @@
 #define IDC_SHADOW_SCALE 30218
 #define IDC_SHADOW_COLOR 30222
 
+#define IDD_SYMBOL 30245
+#define IDC_SYMBOL_LIST 30239
+#define IDC_INSERT_SYMBOL 30254
+#define IDC_BROWSE_SYMBOLS 30255
+#define IDC_SYMBOL_SHADOW 30259
+#define IDC_SYMBOL_FILL 30260
+#define IDC_SYMBOL_DIRECTORY 30262
+#define IDC_SYMBOL_SMALL 30263
+#define IDC_SYMBOL_MEDIUM 30264
+#define IDC_SYMBOL_LARGE 30265
+#define IDC_SYMBOL_PREVIEW 30266
+#define IDC_SYMBOL_NO_SIZE 30267
+
 // The resource compiler reads these names here, the code has them from the system.
 #ifdef RC_INVOKED
 #define IDOK 1

@@ -100,6 +100,8 @@ class ADESK_EXPORT CWnd {
   BOOL IsWindowVisible() const { return ::IsWindowVisible(m_hWnd); }
   CWnd* SetFocus() { return FromHandle(::SetFocus(m_hWnd)); }
   void Invalidate(BOOL erase = TRUE) { InvalidateRect(m_hWnd, nullptr, erase); }
+  /// Paints what is invalid now rather than later.
+  void UpdateWindow() { ::UpdateWindow(m_hWnd); }
   void GetClientRect(LPRECT out) const { ::GetClientRect(m_hWnd, out); }
   CWnd* GetParent() const { return FromHandle(::GetParent(m_hWnd)); }
   CWnd* GetDlgItem(int id) const { return FromHandle(::GetDlgItem(m_hWnd, id)); }

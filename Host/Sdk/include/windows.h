@@ -307,7 +307,10 @@ ADESK_EXPORT BOOL ShowWindow(HWND window, int command);
 ADESK_EXPORT BOOL IsWindowVisible(HWND window);
 ADESK_EXPORT HWND SetFocus(HWND window);
 ADESK_EXPORT HWND GetFocus();
+/// The whole window and those in it are painted anew before the next input; `erase` takes pictures shown in them away.
 ADESK_EXPORT BOOL InvalidateRect(HWND window, LPCRECT area, BOOL erase);
+/// Paints now what is invalid.
+ADESK_EXPORT BOOL UpdateWindow(HWND window);
 ADESK_EXPORT BOOL GetClientRect(HWND window, LPRECT out);
 ADESK_EXPORT BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
 inline const HWND HWND_TOP = nullptr;

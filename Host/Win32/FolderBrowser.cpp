@@ -1,0 +1,60 @@
+// The folder browser: one line of the input is the folder; somebody at the screen gets the toolkit's own dialog.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "Editor/DialogInput.h"
+#include "Text/FilePath.h"
+#include "Text/Text.h"
+#include "Win32/WindowObject.h"
+#include "shlobj.h"
+
+namespace host::win32 {
+namespace {
+
+/// Empty when the question was left without an answer.
+std::filesystem::path askByLine(const std::wstring& title) {
+  const std::wstring name = L"folder question \"" + title + L"\"";
+  for (;;) {
+    const editor::Answer answer = editor::nextDialogLine(name);
+    if (answer.kind != editor::Answer::Kind::Text) return {};
+    std::wstring line = answer.text;
+    if (line.size() >= 2 && line.front() == L'"' && line.back() == L'"') line = line.substr(1, line.size() - 2);
+    const std::filesystem::path folder = editor::findFolder(text::toPath(line));
+    if (!folder.empty()) return folder;
+    if (!editor::refuseDialogLine(name + L": " + line + L" is no folder")) return {};
+  }
+}
+
+}  // namespace
+}  // namespace host::win32
+
+using namespace host::win32;
+
+ITEMIDLIST* SHBrowseForFolderW(BROWSEINFOW* question) {
+  if (question == nullptr) return nullptr;
+  const std::wstring title = question->lpszTitle != nullptr ? question->lpszTitle : L"";
+  std::wstring folder;
+  if (WidgetSystem* const system = host::editor::dialogsAreWorkedByHand() ? widgetSystem() : nullptr) {
+    folder = system->askFolder(IsWindow(question->hwndOwner) != FALSE ? question->hwndOwner : nullptr, title);
+  } else {
+    folder = host::text::fromUtf8(askByLine(title).string());
+  }
+  if (folder.empty()) return nullptr;
+  // The list is the path itself, with its terminator.
+  auto* const copy = static_cast<wchar_t*>(std::malloc((folder.size() + 1) * sizeof(wchar_t)));
+  if (copy != nullptr) std::copy_n(folder.c_str(), folder.size() + 1, copy);
+  return reinterpret_cast<ITEMIDLIST*>(copy);
+}
+
+BOOL SHGetPathFromIDListEx(const ITEMIDLIST* list, LPWSTR path, DWORD size, int) {
+  if (list == nullptr || path == nullptr) return FALSE;
+  const std::wstring_view folder = reinterpret_cast<const wchar_t*>(list);
+  if (folder.size() >= size) return FALSE;
+  std::copy(folder.begin(), folder.end(), path);
+  path[folder.size()] = 0;
+  return TRUE;
+}
+
+void CoTaskMemFree(void* memory) { std::free(memory); }

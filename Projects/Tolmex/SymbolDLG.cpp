@@ -1,0 +1,214 @@
+#include "Tolmex/SymbolDLG.h"
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "OrvLib/ARX/EntityMakers.h"
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/ARX/ParentWindow.h"
+#include "OrvLib/ARX/Resources.h"
+#include "Tolmex/DocData.h"
+#include "Tolmex/DocumentLock.h"
+#include "Tolmex/Resource.h"
+#include "Tolmex/SymbolFiles.h"
+#include "Tolmex/SymbolNames.h"
+
+namespace OrvLib {
+namespace {
+
+constexpr std::size_t kLongestPath = 1024;
+// In the order of the sizes.
+constexpr std::array<int, 4> kSizeButtons{IDC_SYMBOL_NO_SIZE, IDC_SYMBOL_SMALL, IDC_SYMBOL_MEDIUM, IDC_SYMBOL_LARGE};
+
+struct IdListFree {
+  void operator()(ITEMIDLIST* list) const { CoTaskMemFree(list); }
+};
+
+/// Asks for a folder; empty when the user gives none.
+std::wstring askSymbolDirectory(HWND parent) {
+  BROWSEINFOW question{};
+  question.hwndOwner = parent;
+  question.lpszTitle = L"Valitse symbolihakemisto";
+  question.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
+  const std::unique_ptr<ITEMIDLIST, IdListFree> picked(SHBrowseForFolderW(&question));
+  std::array<wchar_t, kLongestPath> path{};
+  if (!picked || SHGetPathFromIDListEx(picked.get(), path.data(), static_cast<DWORD>(path.size()), 0) == FALSE)
+    return {};
+  return path.data();
+}
+
+class SymbolDLG : public CAcUiDialog {
+ public:
+  SymbolDLG(CWnd* parent, HINSTANCE resources)
+      : CAcUiDialog(IDD_SYMBOL, parent, resources), directory_(currentDocData().symbolDirectory) {
+    if (directory_.empty()) directory_ = configuredSymbolDirectory();
+  }
+
+ protected:
+  void DoDataExchange(CDataExchange* exchange) override {
+    CAcUiDialog::DoDataExchange(exchange);
+    DDX_Control(exchange, IDC_SYMBOL_LIST, list_);
+    DDX_Control(exchange, IDC_SYMBOL_PREVIEW, preview_);
+    DDX_Control(exchange, IDC_SYMBOL_DIRECTORY, directoryEdit_);
+    DDX_Control(exchange, IDC_INSERT_SYMBOL, insertButton_);
+    for (std::size_t size = 0; size < sizeButtons_.size(); ++size)
+      DDX_Control(exchange, kSizeButtons[size], sizeButtons_[size]);
+  }
+
+  // The document's data have one directory only. Older versions knew a second one that took its place here; nothing
+  // ever wrote it.
+  BOOL OnInitDialog() override {
+    const BOOL result = CAcUiDialog::OnInitDialog();
+    guarded([this] {
+      sizeButtons_.front().SetCheck(static_cast<int>(BST_CHECKED));
+      showDirectory();
+    });
+    return result;
+  }
+
+  afx_msg void OnPaint() {
+    const CPaintDC dc(this);
+    guarded([this] {
+      insertButton_.EnableWindow(FALSE);
+      if (selectedFile_.empty()) return;
+      if (acdbDisplayPreviewFromDwg(symbolPath(directory_, selectedFile_).c_str(), &preview_)) {
+        insertButton_.EnableWindow(TRUE);
+      }
+    });
+  }
+
+  void OnOK() override {
+    guarded([this] { rememberDirectory(); });
+    EndDialog(IDOK);
+  }
+
+  afx_msg void onSize() {
+    for (std::size_t size = 0; size < sizeButtons_.size(); ++size) {
+      if (sizeButtons_[size].GetCheck() != 0) variant_.size = static_cast<int>(size);
+    }
+    guarded([this] { fillList(); });
+  }
+  afx_msg void onShadow() {
+    variant_.shadow = !variant_.shadow;
+    guarded([this] { fillList(); });
+  }
+  afx_msg void onFill() {
+    variant_.fill = !variant_.fill;
+    guarded([this] { fillList(); });
+  }
+
+  afx_msg void onSelect() {
+    guarded([this] {
+      const int index = list_.GetCurSel();
+      if (index < 0 || static_cast<std::size_t>(index) >= matchingFiles_.size()) return;
+      selectedFile_ = matchingFiles_[static_cast<std::size_t>(index)];
+      CString text;
+      list_.GetText(index, text);
+      selectedBase_ = text.GetString();
+      Invalidate();
+    });
+  }
+
+  afx_msg void onBrowse() {
+    guarded([this] {
+      const std::wstring picked = askSymbolDirectory(m_hWnd);
+      if (picked.empty()) return;
+      directory_ = picked;
+      showDirectory();
+    });
+  }
+
+  afx_msg void onInsert() {
+    guarded([this] { insertSelected(); });
+  }
+  afx_msg void onDoubleClick() {
+    guarded([this] {
+      // The first of the two clicks may have chosen a symbol that has not been painted yet.
+      UpdateWindow();
+      if (insertButton_.IsWindowEnabled() != FALSE) insertSelected();
+    });
+  }
+
+  DECLARE_MESSAGE_MAP()
+
+ private:
+  void rememberDirectory() const { currentDocData().symbolDirectory = directory_; }
+
+  void showDirectory() {
+    directoryEdit_.SetWindowText(directory_.c_str());
+    allFiles_ = drawingsIn(directory_);
+    fillList();
+  }
+
+  void fillList() {
+    selectedFile_.clear();
+    selectedBase_.clear();
+    list_.ResetContent();
+    matchingFiles_ = symbolFiles(allFiles_, variant_);
+    for (const std::wstring& file : matchingFiles_) list_.AddString(baseName(file, variant_).c_str());
+    Invalidate();
+  }
+
+  void insertSelected() {
+    if (selectedFile_.empty()) return;
+    const AcDbObjectId block =
+        insertSymbolBlock(symbolPath(directory_, selectedFile_), selectedBase_ + variant_.fileTail());
+    if (block.isNull()) return;
+    const std::wstring layer = symbolLayer(selectedBase_, variant_);
+    BeginEditorCommand();
+    ads_point point{};
+    int answer = RTNORM;
+    while ((answer = acedGetPoint(nullptr, L"\nAnna uusi insertointipiste [Esc - lopetus / Enter - paluu]:", point)) ==
+           RTNORM) {
+      makeBlockReference(block, {point[0], point[1], point[2]}, layer.c_str());
+    }
+    if (answer == RTCAN) {
+      rememberDirectory();
+      CancelEditorCommand();
+    } else {
+      CompleteEditorCommand();
+    }
+  }
+
+  std::wstring directory_;
+  SymbolVariant variant_;
+  std::vector<std::wstring> allFiles_;
+  std::vector<std::wstring> matchingFiles_;  // as the list shows them
+  std::wstring selectedFile_;
+  std::wstring selectedBase_;
+  CListBox list_;
+  CStatic preview_;
+  CEdit directoryEdit_;
+  CButton insertButton_;
+  std::array<CButton, kSizeButtons.size()> sizeButtons_;
+};
+
+BEGIN_MESSAGE_MAP(SymbolDLG, CAcUiDialog)
+ON_WM_PAINT()
+ON_BN_CLICKED(IDC_SYMBOL_NO_SIZE, &SymbolDLG::onSize)
+ON_BN_CLICKED(IDC_SYMBOL_SMALL, &SymbolDLG::onSize)
+ON_BN_CLICKED(IDC_SYMBOL_MEDIUM, &SymbolDLG::onSize)
+ON_BN_CLICKED(IDC_SYMBOL_LARGE, &SymbolDLG::onSize)
+ON_BN_CLICKED(IDC_SYMBOL_SHADOW, &SymbolDLG::onShadow)
+ON_BN_CLICKED(IDC_SYMBOL_FILL, &SymbolDLG::onFill)
+ON_LBN_SELCHANGE(IDC_SYMBOL_LIST, &SymbolDLG::onSelect)
+ON_LBN_DBLCLK(IDC_SYMBOL_LIST, &SymbolDLG::onDoubleClick)
+ON_BN_CLICKED(IDC_BROWSE_SYMBOLS, &SymbolDLG::onBrowse)
+ON_BN_CLICKED(IDC_INSERT_SYMBOL, &SymbolDLG::onInsert)
+END_MESSAGE_MAP()
+
+}  // namespace
+
+void insertSymbols() {
+  // The dialog writes into the drawing while it is open.
+  const DocumentLock lock;
+  if (!lock) return;
+  const OwnResources resources;
+  SymbolDLG dialog(parentWindow(), moduleInstance());
+  dialog.DoModal();
+}
+
+}  // namespace OrvLib
