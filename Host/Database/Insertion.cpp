@@ -8,6 +8,7 @@
 #include <deque>
 
 #include "Database/Adoption.h"
+#include "Database/Ownership.h"
 #include "Database/ResbufTypes.h"
 #include "Text/Text.h"
 
@@ -33,7 +34,9 @@ std::vector<std::wstring> shownBlocks(const DrawingDatabase& db, const Slot& blo
   const BlockContents* const block = db.block(&blockRecord);
   if (block == nullptr) return names;
   for (const Slot* const entity : block->entities) {
-    if (entity->isErased() || (entity->type != DxfType::Insert && entity->type != DxfType::Dimension)) continue;
+    if (entity->isErased() ||
+        (entity->type != DxfType::Insert && entity->type != DxfType::Dimension && entity->type != DxfType::Table))
+      continue;
     Tag tag;
     std::string_view subclass;
     for (TagCursor cursor = entity->tags(); cursor.next(tag) && tag.code < 1000;) {
@@ -85,7 +88,9 @@ class Inserter {
       record = makeBlock(name, sourceBlock);
     } else {
       for (Slot* const entity : parts_.contents(record).entities) {
-        if (!entity->isErased()) parts_.eraseSlot(*entity, true);
+        if (entity->isErased()) continue;
+        eraseExtension(parts_, *entity);
+        parts_.eraseSlot(*entity, true);
       }
       setBlockBegin(*record, name, sourceBlock);
     }
@@ -299,6 +304,59 @@ class Inserter {
         link = &(*link)->nextSub;
       }
     }
+    copyExtension(from, record);
+    setRecordData(record, from);
+  }
+
+  /// Extended data and extension dictionary of a block record as the source has them.
+  void setRecordData(Slot& record, const Slot& from) {
+    const Slot* const former = extensionDictionary(record);
+    const auto extension = copied_.find(extensionDictionary(from));
+    const bool hasExtension = extension != copied_.end() && extension->second != nullptr;
+    TagWriter out = target_.tagWriter();
+    const std::string bytes = parts_.current(record).bytes();
+    bool inGroup = false;
+    Tag tag;
+    for (TagCursor cursor{std::string_view(bytes)}; cursor.next(tag) && tag.code < 1000;) {
+      if (tag.code == 102 && tag.trimmed() == "{ACAD_XDICTIONARY") inGroup = true;
+      if (!inGroup) out.bytes(tag.bytes);
+      if (tag.code == 102 && tag.trimmed() == "}") inGroup = false;
+      if (tag.code != 5 || !hasExtension) continue;
+      out.raw(102, "{ACAD_XDICTIONARY").handle(360, extension->second->handle).raw(102, "}");
+    }
+    if (former != nullptr) eraseExtension(parts_, record);
+    for (TagCursor cursor = from.tags(); cursor.next(tag);) {
+      if (tag.code >= 1000) translate(from, record, "AcDbBlockTableRecord", tag, out);
+    }
+    parts_.setRecord(record, out.take());
+    record.flags |= kHasXData;
+  }
+
+  /// The extension dictionary with what hangs on it, as far as another drawing can use it.
+  void copyExtension(const Slot& from, Slot& to) {
+    const Slot* const extension = extensionDictionary(from);
+    if (extension == nullptr || copied_.count(extension) != 0 || isEmptyFor(target_.version(), *extension)) return;
+    std::vector<std::pair<const Slot*, Slot*>> owners;
+    const auto copyObject = [&](const Slot& object, Slot& owner) {
+      Slot* const copy = parts_.makeSlot(targetType(object), &owner, 0);
+      copied_[&object] = copy;
+      waiting_.push_back({&object, copy, owner.handle});
+      owners.emplace_back(&object, copy);
+    };
+    copyObject(*extension, to);
+    for (std::size_t i = 0; i < owners.size(); ++i) {
+      const auto [owner, copy] = owners[i];
+      for (const Slot* const object : ownedObjects(*owner)) {
+        if (copied_.count(object) == 0 && canHangOn(source_.typeName(*object), target_.version()))
+          copyObject(*object, *copy);
+      }
+    }
+  }
+
+  bool isEmptyFor(DrawingVersion version, const Slot& dictionary) const {
+    const std::vector<Slot*> objects = ownedObjects(dictionary);
+    return std::none_of(objects.begin(), objects.end(),
+                        [&](const Slot* object) { return canHangOn(source_.typeName(*object), version); });
   }
 
   std::string_view whyLeftOut(const Slot& entity) {
@@ -325,15 +383,32 @@ class Inserter {
     Slot* const copy = parts_.makeSlot(targetType(from), &owner, static_cast<std::uint16_t>(kEntity | flags));
     copied_[&from] = copy;
     waiting_.push_back({&from, copy, owner.handle});
+    copyExtension(from, *copy);
     return copy;
   }
 
   // ---- tags ----
 
   void write(const Work& work) {
+    if (work.to->type == DxfType::Dictionary) {
+      writeDictionary(work);
+      return;
+    }
     parts_.setRecord(*work.to, translated(work));
+    work.to->flags |= kHasXData;
     if (work.to->type == DxfType::Layer) parts_.bindLayerRecord(work.to);
     declareClass(source_.typeName(*work.from));
+  }
+
+  void writeDictionary(const Work& work) {
+    TagWriter out = target_.tagWriter();
+    out.raw(0, "DICTIONARY").handle(5, work.to->handle).handle(330, work.owner).raw(100, "AcDbDictionary");
+    parts_.setRecord(*work.to, out.integer(280, 1).integer(281, 1).take());
+    for (const DictionaryContents::Entry& entry : source_.parts().dictionary(*work.from).entries) {
+      const auto found = copied_.find(entry.object);
+      if (entry.object == nullptr || found == copied_.end() || found->second == nullptr) continue;
+      addEntry(parts_, *work.to, entry.key, *found->second);
+    }
   }
 
   std::string translated(const Work& work) {
@@ -381,6 +456,9 @@ class Inserter {
     out.raw(0, source_.typeName(*work.from)).handle(work.from->type == DxfType::DimStyle ? 105 : 5, work.to->handle);
     if (!isEntity && !isTableRecord(work.from->type)) reactors.handle(330, work.owner);
     if (!reactors.str().empty()) out.raw(102, "{ACAD_REACTORS").bytes(reactors.str()).raw(102, "}");
+    const Slot* const extension = extensionDictionary(*work.from);
+    if (const auto found = copied_.find(extension); found != copied_.end() && found->second != nullptr)
+      out.raw(102, "{ACAD_XDICTIONARY").handle(360, found->second->handle).raw(102, "}");
     out.handle(330, work.owner).bytes(body.str());
     return out.take();
   }

@@ -72,6 +72,15 @@ std::string_view cannotCarry(std::string_view typeName, DrawingVersion from, Dra
   return {};
 }
 
+bool canHangOn(std::string_view typeName, DrawingVersion version) {
+  if (typeName == "DICTIONARY" || typeName == "XRECORD") return true;
+  // Draw order is taken over as the order of the entities; networks of associations reach through the whole drawing.
+  for (const std::string_view bound : {"SORTENTSTABLE", "ACDBASSOC", "ACSH_", "ACDBDICTIONARYWDFLT"}) {
+    if (typeName.starts_with(bound)) return false;
+  }
+  return version >= DrawingVersion::V2004;
+}
+
 bool isKnownTag(DxfType type, std::string_view subclass, int code, DrawingVersion version) {
   for (const TagRule& rule : kTags) {
     if (version >= rule.since || code < rule.first || code > rule.last) continue;
@@ -84,9 +93,20 @@ DxfType namedBy(DxfType recordType, std::string_view subclass, int code) {
   if (code == 1001) return DxfType::AppId;
   if (code == 1003) return DxfType::Layer;
   if (code > 1000) return DxfType::Unknown;
-  if (subclass == "AcDbEntity" || subclass == "AcDbLayerTableRecord") {
+  // Not every writer puts the tags of all entities behind their marker, or writes markers at all.
+  const bool isKnownEntity = recordType > DxfType::Unknown && recordType < DxfType::Block;
+  const bool isAnywhere = isKnownEntity || (subclass.empty() && recordType != DxfType::XRecord);
+  if (isAnywhere || subclass == "AcDbEntity" || subclass == "AcDbLayerTableRecord" || subclass == "AcDbMlineStyle") {
     if (code == 6) return DxfType::LineType;
-    return code == 8 ? DxfType::Layer : DxfType::Unknown;
+    if (code == 8) return DxfType::Layer;
+  }
+  if (subclass == "AcDbEntity") return DxfType::Unknown;
+  // Kinds of dimensions and tables that have no type of their own here are known by their subclass.
+  if (subclass == "AcDbDimension" || (recordType == DxfType::Dimension && subclass.empty())) {
+    return code == 2 ? DxfType::BlockRecord : code == 3 ? DxfType::DimStyle : DxfType::Unknown;
+  }
+  if (subclass == "AcDbBlockReference" || (recordType == DxfType::Insert && subclass.empty())) {
+    return code == 2 ? DxfType::BlockRecord : DxfType::Unknown;
   }
   switch (recordType) {
     case DxfType::Text:
@@ -94,14 +114,13 @@ DxfType namedBy(DxfType recordType, std::string_view subclass, int code) {
     case DxfType::Attrib:
     case DxfType::AttDef:
       return code == 7 ? DxfType::TextStyle : DxfType::Unknown;
-    case DxfType::Dimension:
-      if (subclass != "AcDbDimension") return DxfType::Unknown;
-      return code == 2 ? DxfType::BlockRecord : code == 3 ? DxfType::DimStyle : DxfType::Unknown;
     case DxfType::Leader:
     case DxfType::Tolerance:
       return code == 3 ? DxfType::DimStyle : DxfType::Unknown;
-    case DxfType::Insert:
-      return code == 2 && subclass != "AcDbEntity" ? DxfType::BlockRecord : DxfType::Unknown;
+    case DxfType::Insert:  // several at once have a subclass of their own
+      return code == 2 ? DxfType::BlockRecord : DxfType::Unknown;
+    case DxfType::Table:
+      return code == 7 && subclass == "AcDbTable" ? DxfType::TextStyle : DxfType::Unknown;
     default:
       return DxfType::Unknown;
   }
