@@ -407,10 +407,11 @@ class Combo final : public Typed<ComboWidget> {
   void setCurrent(int index) override { t_.setCurrentIndex(index); }
 };
 
+// What is chosen is the selection: the toolkit also has a current row, which the focus alone can give to the first item.
 class List final : public Typed<QListWidget> {
  public:
   List(QListWidget* list, HostWindow& window, Shown shown) : Typed(list, shown) {
-    QObject::connect(list, &QListWidget::currentRowChanged, list, [&window] { win32::widgetChosen(window); });
+    QObject::connect(list, &QListWidget::itemSelectionChanged, list, [&window] { win32::widgetChosen(window); });
     QObject::connect(list, &QListWidget::itemDoubleClicked, list, [&window] { win32::widgetDoubleClicked(window); });
   }
   int count() const override { return t_.count(); }
@@ -421,18 +422,27 @@ class List final : public Typed<QListWidget> {
   }
   void removeItem(int index) override {
     const QSignalBlocker quiet(t_);
-    const bool wasCurrent = t_.currentRow() == index;
+    const int chosen = current();
     delete t_.takeItem(index);
-    if (wasCurrent) t_.setCurrentRow(-1);
+    choose(chosen == index ? -1 : chosen - (index < chosen ? 1 : 0));
   }
   void clear() override {
     const QSignalBlocker quiet(t_);
     t_.clear();
   }
-  int current() const override { return t_.currentRow(); }
+  int current() const override {
+    const QModelIndexList rows = t_.selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.front().row();
+  }
   void setCurrent(int index) override {
     const QSignalBlocker quiet(t_);
+    choose(index);
+  }
+
+ private:
+  void choose(int index) {
     t_.setCurrentRow(index);
+    if (index < 0) t_.clearSelection();
   }
 };
 

@@ -184,7 +184,8 @@ void listControls(HostWindow& dialog) {
         break;
       case WindowKind::ListBox:
         line += L" list ";
-        content = child->widget->current() < 0 ? L"" : inQuotes(child->widget->item(child->widget->current()));
+        content = child->widget->current() < 0 ? L"" : inQuotes(child->widget->item(child->widget->current())) + L" ";
+        content += child->widget->count() == 0 ? L"empty" : L"of " + items(*child);
         break;
       case WindowKind::Button:
         line += isCheckBox(*child) ? L" check box " : child->buttonType() == BS_GROUPBOX ? L" group " : L" button ";
