@@ -20,11 +20,20 @@ from dxf_writer import DrawingWriter, Vertex, number  # noqa: E402
 
 Points = list[Vertex]
 
-BLACK, WHITE, GREY, DARK_GREY = 7, 255, 8, 250
-LEAF, LEAF_LIGHT, LEAF_EDGE = 82, 71, 96
-NEEDLE, NEEDLE_LIGHT, NEEDLE_EDGE = 106, 104, 98
-BUSH, BUSH_LIGHT = 74, 61
-BLOSSOM, WOOD, WOOD_EDGE, BLUE, RED, GLASS, LIGHT = 11, 33, 36, 152, 14, 141, 51
+
+
+class Color(NamedTuple):
+    index: int  # for drawings older than true colours
+    rgb: int | None = None
+
+
+BLACK, WHITE, DARK_GREY = Color(7), Color(255), Color(250)
+LEAF, LEAF_LIGHT, LEAF_EDGE = Color(84, 0x4F8A3C), Color(73, 0x7DB35A), Color(96, 0x2C5424)
+NEEDLE, NEEDLE_LIGHT, NEEDLE_EDGE = Color(106, 0x2F6B4A), Color(104, 0x4A8A66), Color(98, 0x17402B)
+BUSH, BUSH_LIGHT = Color(74, 0x6F9A45), Color(63, 0x9DBF63)
+APPLE, RED = Color(11, 0xD9534A), Color(14, 0x8E2A22)
+WOOD, WOOD_EDGE = Color(33, 0xB98A55), Color(36, 0x5B3F22)
+BLUE, PAINT, GLASS, LIGHT = Color(152, 0x2E6DA8), Color(154, 0x5B84B1), Color(141, 0xBFD8E6), Color(51, 0xFFE27A)
 SHADOW_OPACITY = 110  # of 255
 SHADOW_DIRECTION = math.radians(40)
 SCALLOP = math.tan(math.radians(150) / 4)  # bulge of a leafy edge
@@ -38,24 +47,26 @@ class Symbol(DrawingWriter):
 
     def _begin(self, kind: str, layer: str, owner: int | None = None) -> int:
         handle = super()._begin(kind, layer, owner)
-        self._pairs(62, self.color)
+        self._pairs(62, self.color.index)
+        if self.color.rgb is not None:
+            self._pairs(420, self.color.rgb)
         if self.opacity is not None:
             self._pairs(440, 0x02000000 | self.opacity)
         return handle
 
-    def outline(self, color: int, points: Points, closed: bool = True) -> None:
+    def outline(self, color: Color, points: Points, closed: bool = True) -> None:
         self.color = color
         self.polyline("0", points, closed)
 
-    def stroke(self, color: int, start: Vertex, end: Vertex) -> None:
+    def stroke(self, color: Color, start: Vertex, end: Vertex) -> None:
         self.color = color
         self.line("0", start, end)
 
-    def ring(self, color: int, center: Vertex, radius: float) -> None:
+    def ring(self, color: Color, center: Vertex, radius: float) -> None:
         self.color = color
         self.circle("0", center, radius)
 
-    def area(self, color: int, points: Points) -> None:
+    def area(self, color: Color, points: Points) -> None:
         """A solid hatch in a closed polyline."""
         self.color = color
         self._begin("HATCH", "0")
@@ -154,7 +165,7 @@ def fruit_tree(symbol: Symbol, size: int, shadow: bool, fill: bool) -> None:
         angle, reach = 2.4 * i, radius * 0.22 * math.sqrt(i + 1)
         place = (reach * math.cos(angle), reach * math.sin(angle))
         if fill:
-            symbol.area(BLOSSOM, disc(0.07 * radius, *place))
+            symbol.area(APPLE, disc(0.07 * radius, *place))
         symbol.ring(RED, place, 0.07 * radius)
 
 
@@ -202,7 +213,7 @@ def car(symbol: Symbol, size: int, shadow: bool, fill: bool) -> None:
     body = box(-2.2, -0.88, 2.2, 0.88, 0.45)
     if shadow:
         symbol.shadow(body, 0.6)
-    symbol.area(BLUE if fill else WHITE, body)
+    symbol.area(PAINT if fill else WHITE, body)
     symbol.outline(BLACK, body)
     for window in ([(0.5, -0.68), (1.05, -0.78, 0.12), (1.05, 0.78), (0.5, 0.68)], [(-1.75, -0.7), (-1.2, -0.62), (-1.2, 0.62), (-1.75, 0.7)]):
         if fill:

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "../Database/Support.h"
+#include "Database/Ownership.h"
 #include "Database/Parts.h"
 #include "Text/Text.h"
 
@@ -158,10 +159,88 @@ TEST(Insertion, NamesOfTheTargetStayAndTheBlockIsRedefined) {
   EXPECT_EQ(audit(drawing), 0);
 }
 
+/// The symbol with an extension dictionary on its model space: a record that names the boundary, a record of another
+/// kind that owns one more, a draw order; extended data on the block "sub"; an attribute's definition.
+std::string extendedSymbolText() {
+  std::string text = symbolText();
+  const std::size_t space = text.find("\n  5\n1F\n", text.find("\nBLOCK_RECORD\n")) + 8;
+  text.insert(space, "102\n{ACAD_XDICTIONARY\n360\nC1\n102\n}\n");
+  text.insert(text.find("  2\nsub\n340\n0\n") + 14, "1001\nkaava\n1000\nmark\n1005\nA4\n");
+  text = with(text, "ENTITIES",
+              "  0\nATTDEF\n  5\nB5\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbText\n 10\n0.0\n 20\n0.0\n 30\n0.0\n"
+              " 40\n1.0\n  1\noletus\n  7\nStandard\n100\nAcDbAttributeDefinition\n  3\nNimi\n  2\nNIMI\n 70\n0\n");
+  return with(text, "OBJECTS",
+              "  0\nDICTIONARY\n  5\nC1\n330\n1F\n100\nAcDbDictionary\n280\n1\n281\n1\n  3\nACAD_SORTENTS\n360\nC2\n"
+              "  3\nEXTRA\n360\nC3\n  3\nGRAPH\n360\nC4\n"
+              "  0\nSORTENTSTABLE\n  5\nC2\n330\nC1\n100\nAcDbSortentsTable\n330\n1F\n"
+              "  0\nXRECORD\n  5\nC3\n330\nC1\n100\nAcDbXrecord\n280\n1\n  1\ntext\n330\nB1\n330\nEEE\n"
+              "  0\nOTHERGRAPH\n  5\nC4\n330\nC1\n100\nOther\n360\nC5\n"
+              "  0\nOTHERNODE\n  5\nC5\n330\nC4\n100\nOther\n360\nC4\n  1\nnode\n");
+}
+
+TEST(Insertion, ExtensionDictionariesAndDataOfBlocksComeAlong) {
+  for (const char* const version : {"AC1015", "AC1027"}) {
+    SCOPED_TRACE(version);
+    std::string text = tests::OpenDrawing().text();
+    text.replace(text.find("AC1027"), 6, version);
+    tests::OpenDrawing drawing(text);
+    DrawingDatabase& db = drawing.database();
+    const std::string extended = extendedSymbolText();
+    Symbol symbol(extended);
+    AcDbObjectId id;
+    std::size_t objects = 0;
+    for (int time = 0; time < 3; ++time) {
+      ASSERT_EQ(drawing->insert(id, L"a", &symbol.db), Acad::eOk);
+      const Slot* const extension = host::database::extensionDictionary(*id.slot());
+      ASSERT_NE(extension, nullptr);
+      const auto owned = host::database::ownedObjects(*extension);
+      ASSERT_EQ(owned.size(), std::string(version) == "AC1015" ? 1U : 2U);  // old drawings know no such graph
+      const std::string extra = db.parts().current(*owned[0]).bytes();
+      EXPECT_EQ(handleAfter(extra, "text\n330\n"), static_cast<std::int64_t>(living(db, L"a").front()->handle));
+      EXPECT_NE(extra.find("330\n0\n"), std::string::npos);
+      if (owned.size() > 1) {
+        const auto nodes = host::database::ownedObjects(*owned[1]);
+        ASSERT_EQ(nodes.size(), 1U);
+        EXPECT_EQ(host::database::ownedObjects(*nodes[0]), std::vector<Slot*>{owned[1]});  // a circle of two
+      }
+      const std::string sub = db.parts().current(*db.findRecord(DxfType::BlockRecord, L"sub")).bytes();
+      EXPECT_NE(sub.find("1001\nkaava\n1000\nmark\n1005\n"), std::string::npos);
+      EXPECT_EQ(handleAfter(sub, "mark\n1005\n"), static_cast<std::int64_t>(living(db, L"sub").front()->handle));
+      Tag flags;
+      ASSERT_TRUE(host::database::findTagIn(db.findBlock(L"a")->begin->tags(), "AcDbBlockBegin", 70, flags));
+      EXPECT_EQ(flags.integer(), 2);  // it has attributes
+      EXPECT_EQ(living(db, L"a").back()->type, DxfType::AttDef);
+      EXPECT_EQ(audit(drawing), 0);
+      // Objects of former contents do not pile up in the file.
+      const std::string saved = drawing.text();
+      const std::size_t count = static_cast<std::size_t>(std::count(saved.begin(), saved.end(), '\n'));
+      EXPECT_TRUE(time == 0 || count == objects) << count;
+      objects = count;
+    }
+  }
+}
+
+TEST(Insertion, LayersOfEntitiesWithoutMarkersComeAlong) {
+  tests::OpenDrawing drawing;
+  Symbol symbol(with(symbolText(), "ENTITIES",
+                     "  0\nLINE\n  5\nB6\n  8\nel\xE4in\n  6\nContinuous\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 11\n1.0\n"
+                     " 21\n1.0\n 31\n0.0\n"
+                     "  0\nINSERT\n  5\nB7\n  8\nel\xE4in\n  2\nsub\n 10\n1.0\n 20\n1.0\n 30\n0.0\n"));
+  AcDbObjectId id;
+  ASSERT_EQ(drawing->insert(id, L"a", &symbol.db), Acad::eOk);
+  DrawingDatabase& db = drawing.database();
+  EXPECT_NE(db.findRecord(DxfType::Layer, L"el\u00e4in"), nullptr);
+  const std::vector<Slot*> entities = living(db, L"a");
+  ASSERT_EQ(entities.size(), 5U);
+  EXPECT_EQ(db.layerName(entities[3]->layer), L"el\u00e4in");
+  EXPECT_EQ(db.layerName(entities[4]->layer), L"el\u00e4in");
+}
+
 TEST(Insertion, RealDrawingsPassTheAuditor) {
   const std::filesystem::path folder = tests::realDrawingFolder();
   if (folder.empty()) GTEST_SKIP() << "the folder of real drawings is missing";
-  for (const char* const name : {"tree21.dxf", "hatchpat.dxf", "dynblk.dxf", "ex2000.dxf"}) {
+  for (const char* const name :
+       {"tree21.dxf", "hatchpat.dxf", "dynblk.dxf", "ex2000.dxf", "frame_a4.dxf", "floor04.dxf"}) {
     SCOPED_TRACE(name);
     AcDbDatabase source(false, true);
     ASSERT_EQ(source.readDwgFile(host::text::fromUtf8((folder / name).string()).c_str()), Acad::eOk);
@@ -186,22 +265,37 @@ TEST(Insertion, RefusesBlocksThatWouldHoldThemselves) {
   }
   EXPECT_EQ(drawing->insert(id, L"none", L"x", &symbol.db), Acad::eKeyNotFound);
   EXPECT_EQ(drawing.text(), before);
+}
 
-  // "sub" of the target shows "outer", and keeps its meaning: "outer" would come to show itself.
-  ASSERT_EQ(drawing->insert(id, L"sub", L"outer", &symbol.db), Acad::eOk);
-  std::string other = symbolText();
-  other.replace(other.find("BlockReference\n  2\nsub"), 22, "BlockReference\n  2\nouter");
-  Symbol showsOuter(other);
-  ASSERT_EQ(showsOuter.db.insert(id, L"outer", &symbol.db), Acad::eOk);
-  ASSERT_EQ(drawing->insert(id, L"top", &showsOuter.db), Acad::eOk);
-  EXPECT_EQ(drawing->insert(id, L"outer", &symbol.db), Acad::eOk);  // redefined by what shows "sub" only
-  Symbol showsTop([] {
-    std::string text = symbolText();
-    text.replace(text.find("BlockReference\n  2\nsub"), 22, "BlockReference\n  2\ntop");
-    return text;
-  }());
-  ASSERT_EQ(showsTop.db.insert(id, L"top", &symbol.db), Acad::eOk);
-  EXPECT_EQ(drawing->insert(id, L"outer", &showsTop.db), Acad::eSelfReference);
+/// A symbol whose one reference shows another block of it than "sub"; that block is empty.
+std::string symbolShowing(const std::string& name) {
+  std::string text = symbolText();
+  for (const std::string before :
+       {"\nAcDbBlockBegin\n  2\n", "\nAcDbBlockTableRecord\n  2\n", "\nAcDbBlockReference\n  2\n"}) {
+    const std::size_t at = text.find(before + "sub\n");
+    text.replace(at + before.size(), 3, name);
+  }
+  return text;
+}
+
+TEST(Insertion, RefusesCirclesThroughBlocksOfTheTarget) {
+  tests::OpenDrawing drawing;
+  Symbol showsSub(symbolText());
+  Symbol showsTree(symbolShowing("tree"));
+  AcDbObjectId id;
+  // In the target "tree" shows "sub" and "wood" shows "tree".
+  ASSERT_EQ(drawing->insert(id, L"tree", &showsSub.db), Acad::eOk);
+  ASSERT_EQ(drawing->insert(id, L"wood", &showsTree.db), Acad::eOk);
+  const std::string before = drawing.text();
+  // What comes in under the name "sub" may show neither: "tree" keeps its meaning and would close the circle.
+  EXPECT_EQ(drawing->insert(id, L"SUB", &showsTree.db), Acad::eSelfReference);
+  Symbol showsWood(symbolShowing("wood"));
+  EXPECT_EQ(drawing->insert(id, L"sub", &showsWood.db), Acad::eSelfReference);
+  EXPECT_EQ(drawing->insert(id, L"tree", &showsWood.db), Acad::eSelfReference);
+  EXPECT_EQ(drawing.text(), before);
+  EXPECT_EQ(drawing->insert(id, L"wood", &showsSub.db), Acad::eOk);
+  EXPECT_EQ(drawing->insert(id, L"tree", &showsWood.db), Acad::eOk);  // "wood" does not show it any more
+  EXPECT_EQ(audit(drawing), 0);
 }
 
 }  // namespace
