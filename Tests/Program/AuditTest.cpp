@@ -79,7 +79,7 @@ TEST_F(Audit, IllustratedExampleHoldsWhatTheScriptMade) {
                           "baseheight": "0.4", "roofheight": "2.5", "tolm_roofline_handle": "2E0"}}],
     "layers": {"tma_asf": 254, "tma_nurmi": 73, "tma_pensas": 94},
     "order": [[")" + lawn + R"(", ")" +
-                             street + R"(", ")" + hedge + R"(", "2D1", "300"], ["240", "2D1"]]
+                             street + R"(", ")" + hedge + R"(", "2D1", "375"], ["240", "2D1"]]
   })");
   const Outcome result = audit({"--baseline", "plan.dxf", "--expect", "expected.json", "a.dxf"});
   EXPECT_EQ(result.status, 0) << result.err;
@@ -87,6 +87,63 @@ TEST_F(Audit, IllustratedExampleHoldsWhatTheScriptMade) {
   // What the expectation asks for is really asked for.
   write("wrong.json", R"({"order": [["2D1", "240"]]})");
   EXPECT_EQ(audit({"--expect", "wrong.json", "a.dxf"}).status, 1);
+}
+
+/// Every symbol of a folder inserted twice, from one dialog.
+std::string insertAll(const fs::path& folder, std::size_t& count) {
+  std::string script = "TLM_LIS_SYMBOLI\n30255\n" + folder.string() + "\n";
+  const std::vector<std::string> sizeButtons{"30267", "30263", "30264", "30265"};
+  for (std::size_t size = 0; size < sizeButtons.size(); ++size) {
+    for (const std::string letters : {"", "v", "t", "vt"}) {
+      const auto state = [&](char letter) { return letters.find(letter) != std::string::npos ? "on" : "off"; };
+      const std::string tail = "_" + std::to_string(size) + letters + ".dwg";
+      script += sizeButtons[size] + "\n30259 " + state('v') + "\n30260 " + state('t') + "\n";
+      for (const auto& entry : fs::directory_iterator(folder)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.ends_with(tail)) continue;
+        script += "30239 " + name.substr(0, name.size() - tail.size()) + "\nLisää\n" + std::to_string(100 * count) +
+                  ",0\n0," + std::to_string(100 * count) + "\n\n";
+        ++count;
+      }
+    }
+  }
+  return script + "Sulje\n";
+}
+
+TEST_F(Audit, InsertedSymbolsAreSound) {
+  std::size_t count = 0;
+  write("symbols.scr", insertAll(kExamples / "symbols", count));
+  ASSERT_GE(count, 20U);
+  ASSERT_EQ(call({"run", "plan.dxf", "--script", "symbols.scr", "--quiet", "--out", "symbols.dxf"}),
+            (Outcome{0, "", ""}));
+  const Outcome result = audit({"--baseline", "plan.dxf", "symbols.dxf"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  const std::string text = read("symbols.dxf");
+  EXPECT_NE(text.find("lehtipuu_2vt.dwg"), std::string::npos);
+
+  if (!fs::is_directory(drawings())) GTEST_SKIP() << "real symbols were not tried: " << drawings() << " is not there";
+  // Without the reader of DWG drawings only those of text are tried.
+  const bool readsDwg = fs::is_directory(kSources / "Host/Dwg/reader/node_modules/@mlightcad");
+  const fs::path real = folder / "real";
+  fs::create_directory(real);
+  for (const char* name :
+       {"sym_r14.dwg", "ex2000.dwg", "sym2004.dwg", "sym2007.dwg", "sym2010.dwg", "sym2013.dwg", "dynblk.dwg",
+        "tree21.dxf", "frame_a4.dxf", "hatchpat.dxf", "nest.dxf", "dynblk.dxf", "floor04.dxf", "openring.dxf"}) {
+    const fs::path file = drawings() / name;
+    if (file.extension() == ".dwg" && !readsDwg) continue;
+    const std::string base = file.stem().string() + (file.extension() == ".dwg" ? "_0.dwg" : "_1.dwg");
+    fs::copy_file(file, real / base);
+  }
+  for (const char* const target : {"plan.dxf", "ex2000.dxf"}) {
+    if (!fs::exists(folder / target)) fs::copy_file(drawings() / target, folder / target);
+    count = 0;
+    write("real.scr", insertAll(real, count));
+    const Outcome inserted = call({"run", target, "--script", "real.scr", "--quiet", "--out", "real.dxf"});
+    ASSERT_EQ(inserted.status, 0) << inserted.err;
+    const Outcome sound = audit({"--baseline", target, "real.dxf"});
+    EXPECT_EQ(sound.status, 0) << target << "\n" << sound.err;
+  }
+  if (!readsDwg) GTEST_SKIP() << "real DWG symbols were not tried: their reader is not installed";
 }
 
 TEST_F(Audit, RealDrawingsStaySoundWithElementsOnEverything) {

@@ -137,7 +137,7 @@ TEST_F(Outputs, InfoCountsElementsAndNamesProblems) {
   const Outcome after = call({"info", "a.dxf"});
   EXPECT_EQ(after.status, 0);
   EXPECT_EQ(after.err, "");
-  EXPECT_THAT(after.out, StartsWith("a.dxf: AC1027, 389 entities in model space, 46 layers\n"
+  EXPECT_THAT(after.out, StartsWith("a.dxf: AC1027, 484 entities in model space, 57 layers\n"
                                     "elements\n"
                                     "  Asfaltti         10, 10 with a fill\n"
                                     "  Nurmialue         5, 5 with a fill\n"
