@@ -162,6 +162,7 @@ void Session::execute(const std::shared_ptr<Command>& command, bool transparent)
   if (transparent) ++transparentDepth_;
   const bool marksUndo = isOutermost && document != nullptr && (command->flags & ACRX_CMD_NO_UNDO_MARKER) == 0;
   if (marksUndo) document->drawing().beginUndoStep(command->global);
+  const std::size_t knownProblems = document != nullptr ? document->drawing().problems().size() : 0;
   // Commands of the document are given its write lock.
   const bool locks = document != nullptr && (command->flags & ACRX_CMD_SESSION) == 0;
   if (locks) ++document->locks;
@@ -184,7 +185,21 @@ void Session::execute(const std::shared_ptr<Command>& command, bool transparent)
     editor.tell(&AcEditorReactor::commandEnded, name.c_str());
   }
   commandFailed_ = false;
+  if (isOutermost && isOpen) reportNewProblems(*document, knownProblems);
   if (isOutermost) afterCommand(isOpen ? document : nullptr);
+}
+
+/// What a command could not bring into the drawing.
+void Session::reportNewProblems(Document& document, std::size_t known) const {
+  constexpr std::size_t kMostTold = 10;
+  const std::vector<database::Problem>& problems = document.drawing().problems();
+  for (std::size_t i = known; i < problems.size(); ++i) {
+    if (i == known + kMostTold) {
+      reportProblem("... and " + std::to_string(problems.size() - i) + " more like these");
+      break;
+    }
+    reportProblem(problems[i].text);
+  }
 }
 
 void Session::afterCommand(Document* document) {

@@ -103,6 +103,7 @@ class Session {
   void execute(const std::shared_ptr<Command>& command, bool transparent);
   bool mayRun(const Command& command);
   void callHandler(Command& command);
+  void reportNewProblems(Document& document, std::size_t known) const;
   void afterCommand(Document* document);
 
   ApplicationOptions options_;

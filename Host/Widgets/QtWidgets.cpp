@@ -407,7 +407,8 @@ class Combo final : public Typed<ComboWidget> {
   void setCurrent(int index) override { t_.setCurrentIndex(index); }
 };
 
-// What is chosen is the selection: the toolkit also has a current row, which the focus alone can give to the first item.
+// What is chosen is the selection: the toolkit also has a current row, which the focus alone can give to the first
+// item.
 class List final : public Typed<QListWidget> {
  public:
   List(QListWidget* list, HostWindow& window, Shown shown) : Typed(list, shown) {
