@@ -21,9 +21,11 @@ std::filesystem::path askByLine(const std::wstring& title) {
     if (answer.kind != editor::Answer::Kind::Text) return {};
     std::wstring line = answer.text;
     if (line.size() >= 2 && line.front() == L'"' && line.back() == L'"') line = line.substr(1, line.size() - 2);
-    const std::filesystem::path folder = editor::findFolder(text::toPath(line));
+    std::filesystem::path folder = editor::findFolder(text::toPath(line));
     if (!folder.empty()) return folder;
-    if (!editor::refuseDialogLine(name + L": " + line + L" is no folder")) return {};
+    std::wstring refusal = name;
+    refusal.append(L": ").append(line).append(L" is no folder");
+    if (!editor::refuseDialogLine(refusal)) return {};
   }
 }
 

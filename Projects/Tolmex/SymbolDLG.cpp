@@ -58,8 +58,8 @@ class SymbolDLG : public CAcUiDialog {
       DDX_Control(exchange, kSizeButtons[size], sizeButtons_[size]);
   }
 
-  // The document's data have one directory only. Older versions knew a second one that took its place here; nothing
-  // ever wrote it.
+  // A second directory in the document's data would take the first one's place here. Nothing writes such a one, so
+  // there is none.
   BOOL OnInitDialog() override {
     const BOOL result = CAcUiDialog::OnInitDialog();
     guarded([this] {

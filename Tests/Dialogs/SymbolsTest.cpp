@@ -4,6 +4,7 @@
 
 #include "Illustration/Plan.h"
 #include "Preview/FilePreview.h"
+#include "fileapi.h"
 
 namespace {
 
@@ -207,6 +208,28 @@ TEST_F(Symbols, PaneShowsTheSymbol) {
   EXPECT_NE(fileText(shot("tree.png")), fileText(shot("chair.png")));
   EXPECT_EQ(fileText(shot("tree.png")), fileText(shot("again.png")));
   EXPECT_LT(fileText(shot("gone.png")).size(), fileText(shot("tree.png")).size());
+}
+
+TEST_F(Symbols, FoldersAreSearchedByNamesOfWindows) {
+  for (const char* const name : {"b.TXT", "A#1.txt", "a21.txt", "c.txt.bak"}) std::ofstream(symbols_ / name);
+  fs::create_directory(symbols_ / "d.txt");
+  const auto found = [&](const std::wstring& pattern) {
+    std::wstring names;
+    WIN32_FIND_DATAW data{};
+    const HANDLE search = FindFirstFileW((symbols_.wstring() + L"\\" + pattern).c_str(), &data);
+    if (search == INVALID_HANDLE_VALUE) return names;
+    do {
+      names += std::wstring(data.cFileName) + ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? L"/ " : L" ");
+    } while (FindNextFileW(search, &data) != FALSE);
+    EXPECT_EQ(FindClose(search), TRUE);
+    EXPECT_EQ(FindClose(search), FALSE);
+    EXPECT_EQ(FindNextFileW(search, &data), FALSE);
+    return names;
+  };
+  EXPECT_EQ(found(L"*.txt"), L"A#1.txt a21.txt b.TXT d.txt/ ");
+  EXPECT_EQ(found(L"a#?.TXT"), L"A#1.txt ");
+  EXPECT_EQ(found(L"?.txt"), L"b.TXT d.txt/ ");
+  EXPECT_EQ(found(L"x*"), L"");
 }
 
 // ---- pictures of files ----------------------------------------------------------------------------------------------
