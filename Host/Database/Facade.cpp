@@ -36,6 +36,8 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* file, OpenMode, bool, c
   const std::filesystem::path path = host::text::toPath(file);
   std::error_code error;
   if (!std::filesystem::exists(path, error)) return Acad::eFileNotFound;
+  // Nobody may ever write to a pipe.
+  if (!std::filesystem::is_regular_file(path, error)) return Acad::eNotAcadFile;
   std::string message;
   if (read(*impl_, path, message)) return Acad::eOk;
   impl_->parts().problems.push_back({0, 0, message});

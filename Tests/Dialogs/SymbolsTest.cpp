@@ -1,4 +1,6 @@
 // Symbols: what is listed, shown and inserted.
+#include <sys/stat.h>
+
 #include <chrono>
 #include <cstdint>
 
@@ -115,12 +117,13 @@ TEST_F(Symbols, OnlyWhatCanBeShownCanBeInserted) {
   std::ofstream(symbols_ / "vanha_0.dwg") << "AC1032" + std::string(300, '\xFF');
   std::ofstream(symbols_ / "tyhja_0.dwg");
   fs::create_symlink("ei ole", symbols_ / "puuttuu_0.dwg");
+  ASSERT_EQ(::mkfifo((symbols_ / "putki_0.dwg").c_str(), 0600), 0);
   run(opened("LIST\n30239 roskaa\nLIST\ndouble-click 30239\n30239 hyva\nLIST\n30239 puuttuu\nLIST\nSulje\n"));
   std::vector<bool> disabled;
   for (std::size_t at = 0; (at = transcript_.find("30254 button \"Lisää\"", at)) != std::string::npos; ++at)
     disabled.push_back(transcript_.compare(at, 32, "30254 button \"Lisää\", disabled") == 0);
   EXPECT_EQ(disabled, (std::vector<bool>{true, true, false, true})) << transcript_;
-  for (const char* const name : {"katkennut", "roskaa", "vanha", "tyhja", "puuttuu"}) {
+  for (const char* const name : {"katkennut", "roskaa", "vanha", "tyhja", "puuttuu", "putki"}) {
     expectFailure(opened(std::string("30239 ") + name + "\nLisää\n"), "control 30254 is disabled");
   }
   run(opened("30239 hyva\nLisää\n0,0\n^C\n"));
