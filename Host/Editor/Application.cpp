@@ -1,5 +1,6 @@
 #include "Editor/Application.h"
 
+#include "Dxf/DxfFile.h"
 #include "Editor/DialogInput.h"
 #include "Editor/Session.h"
 #include "Text/Text.h"
@@ -35,6 +36,14 @@ Result Application::saveDrawing(const std::filesystem::path& file) {
   Document* const document = host().documents.current();
   if (document == nullptr) return {RunStatus::OutputFailed, file.string() + ": no drawing is open"};
   return host().saveDrawing(*document, file);
+}
+
+Result Application::drawingText(std::string& text) {
+  Document* const document = host().documents.current();
+  if (document == nullptr) return {RunStatus::OutputFailed, "no drawing is open"};
+  host().modules.tellAll(AcRx::kSaveMsg, document);
+  text = dxf::drawingText(document->drawing());
+  return {};
 }
 
 Result Application::loadModule(const std::filesystem::path& file) { return host().modules.load(file); }

@@ -52,6 +52,8 @@ class Application {
   std::filesystem::path drawingFile() const;
   /// Writes the current drawing; status 4. The drawing keeps its own name.
   Result saveDrawing(const std::filesystem::path& file);
+  /// The current drawing as it would be written; status 4.
+  Result drawingText(std::string& text);
 
   /// Loads a module and tells it about the open drawings. A module that is loaded already stays as it is.
   Result loadModule(const std::filesystem::path& file);

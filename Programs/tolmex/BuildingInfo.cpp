@@ -1,8 +1,6 @@
 #include "BuildingInfo.h"
 
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <memory>
 #include <numbers>
 
@@ -54,43 +52,45 @@ class Reader {
   std::vector<std::string>& problems_;
 };
 
-std::string describeRidge(const Reader& reader, const std::wstring& handleText, const std::string& height,
-                          const DrawingDatabase& drawing) {
-  const std::uint64_t handle = host::text::parseHandle(utf8(handleText));
+bool isLivingRidge(const Reader& reader, std::uint64_t handle, const DrawingDatabase& drawing) {
   const Slot* const ridge = drawing.findHandle(handle);
-  const std::string name = "ridge " + host::text::formatHandle(handle);
   if (ridge == nullptr || ridge->isErased()) {
     reader.complain("its ridge line " + host::text::formatHandle(handle) + " is not in the drawing");
-    return name + " (dead)";
+    return false;
   }
   const std::wstring_view ridgeTag = OrvLib::row(OrvLib::Category::RidgeLine).tag;
-  if (XDataValues(*ridge, drawing, OrvLib::kTagApplication).value(OrvLib::kEntityTypeKey) != ridgeTag) {
-    reader.complain("its ridge line " + host::text::formatHandle(handle) + " is not tagged as one");
-    return name + " (dead)";
-  }
-  return name + " at " + height;
+  if (XDataValues(*ridge, drawing, OrvLib::kTagApplication).value(OrvLib::kEntityTypeKey) == ridgeTag) return true;
+  reader.complain("its ridge line " + host::text::formatHandle(handle) + " is not tagged as one");
+  return false;
 }
 
 }  // namespace
 
-std::optional<std::string> describeBuilding(const Slot& slot, const DrawingDatabase& drawing,
-                                            std::vector<std::string>& problems) {
+std::optional<BuildingValues> readBuilding(const Slot& slot, const DrawingDatabase& drawing,
+                                           std::vector<std::string>& problems) {
   namespace keys = OrvLib::building_keys;
   const XDataValues record(slot, drawing, OrvLib::kBuildingApplication);
   const std::optional<std::wstring> type = record.value(keys::kType);
   if (!type || !host::text::equalFolded(*type, keys::kBuildingType)) return std::nullopt;
   const std::string handle = host::text::formatHandle(slot.handle);
   const Reader reader(record, std::string(drawing.typeName(slot)) + " " + handle, problems);
-  std::string line = handle + ": floors " + reader.number(keys::kFloors) + " of " + reader.number(keys::kFloorHeight) +
-                     ", base " + reader.number(keys::kBaseHeight) + ", eaves " + reader.number(keys::kEavesWidth);
-  const std::string ridgeHeight = reader.number(keys::kRoofHeight);
-  const std::optional<std::wstring> ridge = record.value(keys::kRoofLine);
-  line += ", " + (ridge ? describeRidge(reader, *ridge, ridgeHeight, drawing) : "flat roof");
-  line += ", colours sun " + reader.number(keys::kSunColor) + " shade " + reader.number(keys::kShadowColor);
-  return line;
+  BuildingValues values;
+  values.handle = slot.handle;
+  values.floors = reader.number(keys::kFloors);
+  values.floorHeight = reader.number(keys::kFloorHeight);
+  values.baseHeight = reader.number(keys::kBaseHeight);
+  values.eavesWidth = reader.number(keys::kEavesWidth);
+  values.ridgeHeight = reader.number(keys::kRoofHeight);
+  if (const std::optional<std::wstring> ridge = record.value(keys::kRoofLine)) {
+    values.ridge = host::text::parseHandle(utf8(*ridge));
+    values.ridgeIsAlive = isLivingRidge(reader, *values.ridge, drawing);
+  }
+  values.sunColor = reader.number(keys::kSunColor);
+  values.shadeColor = reader.number(keys::kShadowColor);
+  return values;
 }
 
-std::optional<std::string> describeShadowSettings(AcDbDatabase& database, std::vector<std::string>& problems) {
+std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vector<std::string>& problems) {
   namespace keys = OrvLib::shadow_keys;
   AcDbDictionary* root = nullptr;
   if (database.getNamedObjectsDictionary(root) != Acad::eOk) return std::nullopt;
@@ -117,17 +117,14 @@ std::optional<std::string> describeShadowSettings(AcDbDatabase& database, std::v
     problems.push_back("the shadow settings lack " + quoted(key) + "; the default counts");
     return std::nullopt;
   };
-  const auto shown = [](std::optional<double> value) {
-    std::array<char, 32> text{};
-    if (value) std::snprintf(text.data(), text.size(), "%g", *value);
-    return value ? std::string(text.data()) : "?";
-  };
-  const std::optional<double> angle = number(keys::kAngle);
-  std::string line =
-      "direction " + shown(angle ? std::optional(*angle * 180 / std::numbers::pi) : std::nullopt) + " degrees";
-  line += ", length " + shown(number(keys::kLength)) + " per floor, colour " + shown(number(keys::kColor));
-  line += ", scale " + shown(number(keys::kScale));
-  return line + (number(keys::kHatchType) == keys::kStoredDots ? ", dots" : ", lines");
+  ShadowValues values;
+  if (const std::optional<double> angle = number(keys::kAngle))
+    values.directionDegrees = *angle * 180 / std::numbers::pi;
+  values.lengthPerFloor = number(keys::kLength);
+  values.color = number(keys::kColor);
+  values.scale = number(keys::kScale);
+  values.isDots = number(keys::kHatchType) == keys::kStoredDots;
+  return values;
 }
 
 }  // namespace tolmex

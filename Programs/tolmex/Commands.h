@@ -2,6 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,40 +12,67 @@
 
 namespace tolmex {
 
-/// What every call takes.
+/// What several calls take.
 struct CommonOptions {
-  std::filesystem::path drawing;
+  std::vector<std::filesystem::path> drawings;  // "-": standard input
   std::vector<std::filesystem::path> supportFolders;
-};
-
-struct RunOptions : CommonOptions {
-  std::filesystem::path script;       // empty: only `commands`
-  std::vector<std::string> commands;  // script lines given inline, after the script
-  std::filesystem::path out;
-  bool savesDrawing = false;  // to `out`
-  std::vector<std::filesystem::path> pictures;
   std::vector<std::string> variables;  // NAME=VALUE
   bool quiet = false;
+  int jobs = 1;  // drawings worked on at once
 };
 
-struct PictureCallOptions : CommonOptions {
-  std::filesystem::path out;
+/// Where results go. With a folder every drawing gives files of its own name there.
+struct OutputOptions {
+  std::optional<std::filesystem::path> folder;
+  std::vector<host::picture::PictureFormat> formats;  // of pictures in the folder or on standard output
+};
+
+struct RunOptions : CommonOptions, OutputOptions {
+  std::filesystem::path script;       // empty: only `commands`; "-": standard input
+  std::vector<std::string> commands;  // script lines given inline, after the script
+  std::optional<std::filesystem::path> out;
+  std::vector<std::filesystem::path> pictures;
+};
+
+struct PictureCallOptions : CommonOptions, OutputOptions {
+  std::filesystem::path out;  // used without a folder
   host::picture::PictureOptions picture;
 };
 
-struct InfoOptions : CommonOptions {};
+struct InfoOptions : CommonOptions {
+  bool json = false;
+};
 
 /// Each answers the exit status; problems have then been printed to standard error.
-int runDrawing(const RunOptions& options);
-int pictureDrawing(const PictureCallOptions& options);
-int describeDrawing(const InfoOptions& options);
+int runDrawings(const RunOptions& options);
+/// Commands typed at a terminal, or read from a pipe; the first drawing only, a new one without any.
+int runShell(const RunOptions& options);
+int pictureDrawings(const PictureCallOptions& options);
+int describeDrawings(const InfoOptions& options);
 
-/// Empty, or one sentence: the name of a picture has no ending that names a format.
-std::string refusePictureName(const std::filesystem::path& file);
-/// Prints one sentence to standard error and answers the status.
-int complain(host::editor::RunStatus status, const std::string& sentence);
-/// Draws one file of the named format; problems are printed.
+/// One picture to be made: "-" is standard output.
+struct PictureFile {
+  std::filesystem::path file;
+  host::picture::PictureFormat format;
+};
+/// The picture of this name; the formats tell that of standard output (PNG without any). Nothing when the name has no
+/// ending that names a format or contradicts the formats; `refusal` is then one sentence.
+std::optional<PictureFile> pictureFile(const std::filesystem::path& file,
+                                       const std::vector<host::picture::PictureFormat>& formats, std::string& refusal);
+/// "out/plan.png" for "plans/plan.dxf".
+std::filesystem::path outputIn(const std::filesystem::path& folder, const std::filesystem::path& drawing,
+                               std::string_view ending);
+std::string_view endingOf(host::picture::PictureFormat format);
+
+/// Empty, or one sentence on the first that is not NAME=VALUE.
+std::string refuseVariables(const std::vector<std::string>& variables);
+
+/// Draws one file; problems are printed.
 host::editor::RunStatus writePicture(const host::database::DrawingDatabase& drawing,
-                                     host::picture::PictureOptions options, const std::filesystem::path& file);
+                                     host::picture::PictureOptions options, const PictureFile& picture);
+
+/// A job of its own for every drawing, or the only one right here; results of several end with a line each.
+int forEachDrawing(const CommonOptions& options, host::editor::RunStatus crashStatus,
+                   const std::function<int(std::size_t)>& work);
 
 }  // namespace tolmex

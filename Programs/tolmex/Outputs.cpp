@@ -1,10 +1,24 @@
 #include "Outputs.h"
 
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <map>
+
+#include "Console.h"
+#include "Dxf/DxfFile.h"
+#include "Interruption.h"
 
 namespace tolmex {
 
 namespace fs = std::filesystem;
+using host::editor::RunStatus;
 
 namespace {
 
@@ -14,32 +28,121 @@ fs::path trueName(const fs::path& file) {
   return error ? file : name;
 }
 
-bool isSame(const fs::path& a, const fs::path& b) {
-  std::error_code error;
-  return trueName(a) == trueName(b) || fs::equivalent(a, b, error);
-}
+/// Files by name and, where they are there, by what the name leads to.
+class FileSet {
+ public:
+  /// The name under which the same file was added before; null when it was not.
+  const fs::path* find(const fs::path& file) const {
+    if (const auto known = byName_.find(trueName(file)); known != byName_.end()) return &known->second;
+    struct stat status {};
+    if (::stat(file.c_str(), &status) != 0) return nullptr;
+    const auto known = byNode_.find({status.st_dev, status.st_ino});
+    return known != byNode_.end() ? &known->second : nullptr;
+  }
+  void add(const fs::path& file) { add(file, file); }
+  void add(const fs::path& file, const fs::path& shown) {
+    byName_.emplace(trueName(file), shown);
+    struct stat status {};
+    if (::stat(file.c_str(), &status) == 0) byNode_.emplace(std::pair(status.st_dev, status.st_ino), shown);
+  }
+
+ private:
+  std::map<fs::path, fs::path> byName_;
+  std::map<std::pair<dev_t, ino_t>, fs::path> byNode_;
+};
 
 }  // namespace
 
-std::string refuseOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs) {
+std::string shownName(const fs::path& name) { return isStandardStream(name) ? "standard input" : name.string(); }
+
+std::string refuseOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
+                          const fs::path& folderToCome) {
+  FileSet sources, results;
+  for (const fs::path& input : inputs) sources.add(isStandardStream(input) ? "/dev/stdin" : input, shownName(input));
   std::error_code error;
-  for (auto output = outputs.begin(); output != outputs.end(); ++output) {
-    const std::string name = output->string();
-    if (fs::is_directory(*output, error)) return name + ": this output is a folder";
+  bool takesStandardOutput = false;
+  for (const fs::path& output : outputs) {
+    if (isStandardStream(output)) {
+      if (takesStandardOutput) return "-: two outputs go to standard output";
+      takesStandardOutput = true;
+      continue;
+    }
+    const std::string name = output.string();
+    if (fs::is_directory(output, error)) return name + ": this output is a folder";
     // Outputs take the place of older files; a device or a pipe must not be replaced by a file.
-    if (fs::exists(*output, error) && !fs::is_regular_file(*output, error)) {
+    if (fs::exists(output, error) && !fs::is_regular_file(output, error))
       return name + ": this output is no ordinary file";
-    }
-    const fs::path folder = output->parent_path();
-    if (!folder.empty() && !fs::is_directory(folder, error)) return name + ": there is no folder " + folder.string();
-    for (const fs::path& input : inputs) {
-      if (isSame(*output, input)) return name + ": this output is the input " + input.string();
-    }
-    for (auto other = outputs.begin(); other != output; ++other) {
-      if (isSame(*output, *other)) return name + ": two outputs have this name";
-    }
+    const fs::path folder = output.parent_path();
+    if (!folder.empty() && folder != folderToCome && !fs::is_directory(folder, error))
+      return name + ": there is no folder " + folder.string();
+    if (const fs::path* const input = sources.find(output))
+      return name + ": this output is the input " + input->string();
+    if (results.find(output) != nullptr) return name + ": two outputs have this name";
+    results.add(output);
   }
   return {};
+}
+
+RunStatus prepareOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
+                         const std::optional<fs::path>& folder) {
+  const auto refuse = [](const std::string& sentence) {
+    complain(RunStatus::OutputFailed, sentence);
+    return RunStatus::OutputFailed;
+  };
+  std::error_code error;
+  if (folder && fs::exists(*folder, error) && !fs::is_directory(*folder, error))
+    return refuse(folder->string() + ": this is no folder");
+  if (const std::string refusal = refuseOutputs(inputs, outputs, folder.value_or(fs::path())); !refusal.empty())
+    return refuse(refusal);
+  if (std::any_of(outputs.begin(), outputs.end(), isStandardStream)) {
+    if (::isatty(STDOUT_FILENO) == 1)
+      return refuse("-: standard output is a terminal; name a file or send it elsewhere");
+    keepStandardOutputForData();
+  }
+  if (folder && !fs::is_directory(*folder, error)) {
+    fs::create_directories(*folder, error);
+    if (error) return refuse(folder->string() + ": the folder cannot be made: " + error.message());
+  }
+  return RunStatus::Done;
+}
+
+fs::path readableFile(const fs::path& name) {
+  if (!isStandardStream(name)) return name;
+  const auto failed = [] {
+    complain(RunStatus::DrawingUnreadable, std::string("standard input: cannot be read: ") + std::strerror(errno));
+    return fs::path();
+  };
+  // Kept in memory and open until the program ends, so that a path leads to it.
+  const int copy = ::memfd_create("standard input", MFD_CLOEXEC);
+  if (copy < 0) return failed();
+  std::array<char, 1 << 16> buffer{};
+  for (;;) {
+    const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return failed();
+    if (count == 0) break;
+    for (ssize_t written = 0; written < count;) {
+      const ssize_t more = ::write(copy, buffer.data() + written, static_cast<std::size_t>(count - written));
+      if (more < 0) return failed();
+      written += more;
+    }
+  }
+  std::string path = "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(copy);
+  showFileAs(path, "standard input");
+  return path;
+}
+
+RunStatus writeOutput(const fs::path& file, std::string_view bytes) {
+  const Interruption::Writing writing;
+  if (!isStandardStream(file)) {
+    const host::dxf::FileResult written = host::dxf::writeFileWhole(file, bytes);
+    if (!written.ok) complain(RunStatus::OutputFailed, written.message);
+    return written.ok ? RunStatus::Done : RunStatus::OutputFailed;
+  }
+  if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0)
+    return RunStatus::Done;
+  complain(RunStatus::OutputFailed, "standard output cannot be written");
+  return RunStatus::OutputFailed;
 }
 
 }  // namespace tolmex

@@ -16,19 +16,39 @@ TEST_F(Usage, HelpAndVersion) {
   const Outcome help = call({"--help"});
   EXPECT_EQ(help.status, 0);
   EXPECT_EQ(help.err, "");
-  for (const char* part : {"  run ", "  picture ", "  info ", "4 an output could not be written"})
+  for (const char* part : {"  run ", "  shell ", "  picture ", "  info ", "4 an output could not be written"})
     EXPECT_THAT(help.out, HasSubstr(part));
-  for (const char* name : {"run", "picture", "info"}) EXPECT_EQ(call({name, "--help"}).status, 0) << name;
+  for (const char* name : {"run", "shell", "picture", "info", "desktop"})
+    EXPECT_EQ(call({name, "--help"}).status, 0) << name;
 }
 
 TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
   const std::vector<std::pair<Arguments, std::string>> cases = {
       {{}, std::string("A subcommand is required") + kHint},
-      {{"ruin", "plan.dxf"}, std::string("ruin: No such call; the calls are run, picture and info") + kHint},
+      {{"ruin", "plan.dxf"},
+       std::string("ruin: No such call; the calls are run, shell, picture, info and desktop") + kHint},
       {{"run"}, std::string("PLAN is required") + kHint},
       {{"run", "plan.dxf"}, std::string("--script or --command is required") + kHint},
-      {{"run", "plan.dxf", "other.dxf", "--command", "REGEN"},
-       std::string("The following argument was not expected: other.dxf") + kHint},
+      {{"run", "plan.dxf", "other.dxf", "--command", "REGEN", "--out", "a.dxf"},
+       "tolmex: --out names one file; with several drawings give --out-dir DIR\n"},
+      {{"run", "plan.dxf", "other.dxf", "--command", "REGEN", "--picture", "a.png"},
+       "tolmex: --picture names one file; with several drawings give --out-dir DIR --format png\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--out", "a.dxf", "--out-dir", "out"},
+       std::string("--out-dir excludes --out") + kHint},
+      {{"run", "-", "--script", "-"}, "tolmex: -: standard input can be one drawing, or the script\n"},
+      {{"run", "-", "--command", "REGEN", "--out-dir", "out"},
+       "tolmex: the drawing on standard input has no name for --out-dir; give --out FILE\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--format", "png"},
+       "tolmex: --format goes with --out-dir DIR, or with a picture on standard output (--picture -)\n"},
+      {{"run", "plan.dxf", "--command", "REGEN", "--jobs", "0"},
+       std::string("--jobs: \"0\" is not a whole number from 1 to 256") + kHint},
+      {{"picture", "plan.dxf"}, std::string("OUT, the name of the picture, or --out-dir DIR is required") + kHint},
+      {{"picture", "plan.dxf", "other.dxf", "a.png"}, std::string("PLAN: several drawings need --out-dir DIR") + kHint},
+      {{"picture", "plan.dxf", "a.png", "--format", "svg"},
+       "tolmex: a.png: the name and --format ask for different formats\n"},
+      {{"picture", "plan.dxf", "-", "--format", "gif"},
+       std::string("--format: \"gif\" is no picture format; use png, svg or pdf") + kHint},
+      {{"desktop"}, "tolmex: desktop: the window is not part of this build; use run, shell or picture\n"},
       {{"run", "plan.dxf", "--command", "REGEN", "--out", "a.dwg"},
        "tolmex: a.dwg: drawings are saved as DXF; the name must end in .dxf\n"},
       {{"run", "plan.dxf", "--command", "REGEN", "--out", ""},

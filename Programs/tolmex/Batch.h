@@ -1,0 +1,37 @@
+// Several drawings, each in a process of its own, so that what fails in one leaves the others alone.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Editor/Result.h"
+
+namespace tolmex {
+
+struct BatchTask {
+  std::string drawing;        // as the command line names it
+  std::function<int()> work;  // in the worker; answers the exit status, prints as usual
+};
+
+struct BatchResult {
+  int status = 0;
+  std::string out, err;  // what the worker printed; a crash adds its sentence
+};
+
+struct BatchOptions {
+  int jobs = 1;  // drawings worked on at once
+  host::editor::RunStatus crashStatus =
+      host::editor::RunStatus::ScriptFailed;  // of workers that did not end by themselves
+  bool showsProgress = true;
+};
+
+/// Hands the results out in the order of the tasks and answers the highest status. SIGINT and SIGTERM end the workers;
+/// drawings that were not begun then are results too.
+int workThrough(const std::vector<BatchTask>& tasks, const BatchOptions& options,
+                const std::function<void(const BatchTask&, const BatchResult&)>& take);
+
+/// "done", "the script failed": what an exit status says.
+const char* statusText(int status);
+
+}  // namespace tolmex

@@ -1,0 +1,289 @@
+#include "CommandLine.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+
+#include "Commands.h"
+#include "Console.h"
+#include "Editor/Answers.h"
+#include "Text/Text.h"
+
+namespace tolmex {
+
+using host::editor::RunStatus;
+using host::picture::PictureOptions;
+
+namespace {
+
+constexpr int kMostJobs = 256;
+
+constexpr const char* kExitStatus =
+    "Exit status: 0 done, 1 wrong usage, 2 a drawing could not be read, 3 the script failed,\n"
+    "4 an output could not be written. With several drawings the highest of any.\n"
+    "Ctrl+C stops within a second: run ends with 3, picture with 4; old files stay whole.";
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  tolmex run plan.dxf --script yard.scr --out new.dxf --picture new.png\n"
+    "  tolmex run plans/*.dxf --script yard.scr --out-dir new --format pdf --jobs 4\n"
+    "  tolmex run - --command TLM_VARJO_PAIVITA --out - < plan.dxf > new.dxf\n"
+    "  tolmex picture plan.dxf plan.pdf --paper A3 --scale 1:500\n"
+    "  tolmex info *.dxf --json\n"
+    "  tolmex shell plan.dxf";
+
+constexpr const char* kRunExamples =
+    "Examples:\n"
+    "  tolmex run plan.dxf --script yard.scr --out new.dxf --picture new.png --picture new.pdf\n"
+    "  tolmex run plan.dxf --command TLM_MUOK_ASFALTTI --command ALL --command \"\" --picture new.png\n"
+    "  tolmex run plans/*.dxf --script yard.scr --out-dir new --format png --jobs 4\n"
+    "  tolmex run - --script yard.scr --out - < plan.dxf > new.dxf";
+
+constexpr const char* kShellNotes =
+    "Tab completes command names, Up and Down go through the history, Esc or Ctrl+C cancels,\n"
+    "an empty line repeats the last command, U takes it back, Ctrl+D or QUIT leaves. While a\n"
+    "dialog is open every line is one action on it; LIST prints its controls.";
+
+constexpr const char* kPictureExamples =
+    "Examples:\n"
+    "  tolmex picture plan.dxf plan.png --width 3000\n"
+    "  tolmex picture plan.dxf plan.pdf --paper A3-landscape --scale 1:500\n"
+    "  tolmex picture plan.dxf yard.svg --window 0,0,80,60 --layers \"tm?_*\" --background transparent\n"
+    "  tolmex picture plans/*.dxf --out-dir pictures --format png --format pdf\n"
+    "  tolmex picture plan.dxf - --format svg > plan.svg";
+
+constexpr const char* kInfoExamples =
+    "Examples:\n"
+    "  tolmex info plan.dxf\n"
+    "  tolmex info plans/*.dxf --json --jobs 4 > plans.json";
+
+std::string footer(const char* text) { return std::string(text) + "\n\n" + kExitStatus; }
+
+void addDrawings(CLI::App& call, std::vector<std::filesystem::path>& drawings, const char* description) {
+  call.add_option("PLAN", drawings, description)->type_name("FILE");
+}
+
+void addFormats(CLI::App& call, OutputOptions& options) {
+  call.add_option_function<std::vector<std::string>>(
+          "--format",
+          [&options](const std::vector<std::string>& names) {
+            for (const std::string& name : names) {
+              const auto format = host::picture::formatOfFile("." + name);
+              if (!format)
+                throw CLI::ValidationError("--format", "\"" + name + "\" is no picture format; use png, svg or pdf");
+              if (std::find(options.formats.begin(), options.formats.end(), *format) == options.formats.end())
+                options.formats.push_back(*format);
+            }
+          },
+          "format of the pictures in the folder or on standard output; may be given more than once")
+      ->type_name("png|svg|pdf")
+      ->allow_extra_args(false);
+}
+
+void addJobs(CLI::App& call, CommonOptions& options) {
+  call.add_option_function<std::string>(
+          "--jobs",
+          [&options](const std::string& text) {
+            const auto count = host::editor::parseWhole(host::text::fromUtf8(text));
+            if (!count || *count < 1 || *count > kMostJobs)
+              throw CLI::ValidationError(
+                  "--jobs", "\"" + text + "\" is not a whole number from 1 to " + std::to_string(kMostJobs));
+            options.jobs = static_cast<int>(*count);
+          },
+          "how many drawings are worked on at once [1]")
+      ->type_name("N");
+}
+
+void addSupport(CLI::App& call, CommonOptions& options) {
+  call.add_option("--support", options.supportFolders,
+                  "a folder with tolm.ini, orvpath.cfg, linetype and pattern files; may be given more than once")
+      ->type_name("DIR")
+      ->allow_extra_args(false)
+      ->check(CLI::ExistingDirectory);
+}
+
+void addVariables(CLI::App& call, CommonOptions& options) {
+  call.add_option("--set", options.variables, "sets a system variable first; may be given more than once")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+}
+
+void addRunOutputs(CLI::App& call, RunOptions& options) {
+  call.add_option("--out", options.out,
+                  "where the drawing is saved, - for standard output; without it nothing is saved")
+      ->type_name("FILE");
+  call.add_option("--picture", options.pictures,
+                  "a picture of the result, .png, .svg or .pdf; may be given more than once")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+}
+
+/// An option whose text a function of the picture module reads; its sentence becomes the usage error.
+void addPictureOption(CLI::App& call, const std::string& name, PictureOptions& options,
+                      std::string (*read)(PictureOptions&, std::string_view), const std::string& form,
+                      const std::string& description) {
+  call.add_option_function<std::string>(
+          name,
+          [&options, read, name](const std::string& text) {
+            const std::string refusal = read(options, text);
+            if (!refusal.empty()) throw CLI::ValidationError(name, refusal);
+          },
+          description)
+      ->type_name(form);
+}
+
+void addPictureOptions(CLI::App& call, PictureOptions& options) {
+  addPictureOption(call, "--width", options, host::picture::setWidth, "PX", "width in pixels [1600]");
+  addPictureOption(call, "--paper", options, host::picture::setPaper, "SIZE",
+                   "paper: A0 to A5, A3-landscape, or 594x420 in millimetres");
+  addPictureOption(call, "--scale", options, host::picture::setScale, "1:N", "scale on the paper");
+  addPictureOption(call, "--window", options, host::picture::setWindow, "x1,y1,x2,y2",
+                   "the part to draw, drawing units");
+  addPictureOption(call, "--background", options, host::picture::setBackground, "COLOUR",
+                   "a name, #rrggbb or transparent [white]");
+  addPictureOption(call, "--lineweights", options, host::picture::setLineweights, "off|FACTOR",
+                   "draw lines thin, or their widths times a factor");
+  call.add_option("--layers", options.layers, "only layers whose names match, for instance tm?_*")
+      ->type_name("PATTERN");
+  CLI::Option* const gray = call.add_flag_callback(
+      "--grayscale", [&options] { options.colors = host::picture::ColorMode::Grayscale; }, "shades of grey");
+  call.add_flag_callback(
+          "--monochrome", [&options] { options.colors = host::picture::ColorMode::Monochrome; }, "one colour")
+      ->excludes(gray);
+}
+
+constexpr const char* kQuietText = "do not print what the command line would show";
+
+void addRun(CLI::App& app, RunOptions& options, int& status) {
+  CLI::App* const call = app.add_subcommand("run", "run a script on drawings, save them, draw pictures of them");
+  addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
+  call->add_option("--script", options.script, "the script: commands and answers, as typed; - for standard input")
+      ->type_name("FILE");
+  call->add_option("--command", options.commands, "a line of script; may be given more than once, after --script")
+      ->type_name("LINE")
+      ->allow_extra_args(false);
+  addRunOutputs(*call, options);
+  call->add_option("--out-dir", options.folder, "the folder where drawings are saved under their own names")
+      ->type_name("DIR")
+      ->excludes("--out");
+  addFormats(*call, options);
+  addJobs(*call, options);
+  addVariables(*call, options);
+  addSupport(*call, options);
+  call->add_flag("--quiet", options.quiet, kQuietText);
+  call->footer(footer(kRunExamples));
+  call->callback([&] {
+    if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
+    if (options.script.empty() && options.commands.empty()) throw CLI::RequiredError("--script or --command");
+    status = runDrawings(options);
+  });
+}
+
+void addShell(CLI::App& app, RunOptions& options, int& status) {
+  CLI::App* const call = app.add_subcommand("shell", "type commands at a terminal");
+  addDrawings(*call, options.drawings, "the drawing, a DXF or DWG file; without one a new drawing");
+  addRunOutputs(*call, options);
+  addVariables(*call, options);
+  addSupport(*call, options);
+  call->add_flag("--quiet", options.quiet, kQuietText);
+  call->footer(footer(kShellNotes));
+  call->callback([&] {
+    if (options.drawings.size() > 1) throw CLI::ValidationError("PLAN", "shell works on one drawing");
+    status = runShell(options);
+  });
+}
+
+void addPicture(CLI::App& app, PictureCallOptions& options, int& status) {
+  CLI::App* const call = app.add_subcommand("picture", "draw pictures of drawings as they are");
+  addDrawings(*call, options.drawings,
+              "the drawing, then OUT, the picture: .png, .svg or .pdf (- for standard input and output); with "
+              "--out-dir drawings only");
+  call->add_option("--out-dir", options.folder, "the folder where pictures get their drawings' names")
+      ->type_name("DIR");
+  addFormats(*call, options);
+  addJobs(*call, options);
+  addPictureOptions(*call, options.picture);
+  addVariables(*call, options);
+  call->add_flag("--quiet", options.quiet, kQuietText);
+  call->footer(footer(kPictureExamples));
+  call->callback([&] {
+    if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
+    if (!options.folder) {
+      if (options.drawings.size() < 2) throw CLI::RequiredError("OUT, the name of the picture, or --out-dir DIR");
+      if (options.drawings.size() > 2) throw CLI::ValidationError("PLAN", "several drawings need --out-dir DIR");
+      options.out = options.drawings.back();
+      options.drawings.pop_back();
+    }
+    status = pictureDrawings(options);
+  });
+}
+
+void addInfo(CLI::App& app, InfoOptions& options, int& status) {
+  CLI::App* const call = app.add_subcommand("info", "say which elements drawings have and what is wrong with them");
+  addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
+  call->add_flag("--json", options.json, "one JSON document for all drawings, described in docs/info-json.md");
+  addJobs(*call, options);
+  call->footer(footer(kInfoExamples));
+  call->callback([&] {
+    if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
+    status = describeDrawings(options);
+  });
+}
+
+void addDesktop(CLI::App& app, std::vector<std::filesystem::path>& drawings, int& status) {
+  CLI::App* const call = app.add_subcommand("desktop", "the window (not part of this build)");
+  addDrawings(*call, drawings, "the drawing");
+  call->callback([&status] {
+    status =
+        complain(RunStatus::WrongUsage, "desktop: the window is not part of this build; use run, shell or picture");
+  });
+}
+
+/// The library would say of a misspelt call that it is missing.
+void checkCall(const CLI::App& app, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return;
+  const auto calls = app.get_subcommands(nullptr);
+  if (std::any_of(calls.begin(), calls.end(), [&](const CLI::App* call) { return call->get_name() == argv[1]; }))
+    return;
+  throw CLI::ValidationError(argv[1], "No such call; the calls are run, shell, picture, info and desktop");
+}
+
+/// Whoever read standard output through a pipe has seen enough.
+bool readerLeft() {
+  pollfd out{STDOUT_FILENO, 0, 0};
+  return ::poll(&out, 1, 0) == 1 && (out.revents & POLLERR) != 0;
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+  CLI::App app("Illustrates land-use plans: hatched areas, hedges, fences, parking rows, without a CAD program.");
+  app.set_version_flag("--version", "tolmex " TOLMEX_VERSION);
+  app.footer(footer(kExamples));
+  app.require_subcommand(1);
+  int status = 0;
+  RunOptions run, shell;
+  PictureCallOptions picture;
+  InfoOptions info;
+  std::vector<std::filesystem::path> desktop;
+  addRun(app, run, status);
+  addShell(app, shell, status);
+  addPicture(app, picture, status);
+  addInfo(app, info, status);
+  addDesktop(app, desktop, status);
+  try {
+    checkCall(app, argc, argv);
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    // Help and version are no errors; everything else is wrong usage, whatever number the library gives it.
+    return app.exit(error) == 0 ? 0 : static_cast<int>(RunStatus::WrongUsage);
+  }
+  if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && !readerLeft())
+    return std::max(status, complain(RunStatus::OutputFailed, "standard output cannot be written"));
+  return status;
+}
+
+}  // namespace tolmex

@@ -1,0 +1,102 @@
+#include "Console.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Text/Text.h"
+
+namespace tolmex {
+
+namespace {
+
+constexpr std::chrono::milliseconds kFirstShownAfter{400};
+constexpr std::chrono::milliseconds kShownEvery{100};
+constexpr std::size_t kBarCells = 24;
+
+struct {
+  std::string drawing;         // of several: named in every problem
+  std::string file, name;      // what a file of ours is called
+  FILE* transcript = nullptr;  // null: standard output
+  bool barStandsThere = false;
+} console;
+
+std::size_t terminalColumns() {
+  winsize size{};
+  return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+}  // namespace
+
+int complain(host::editor::RunStatus status, const std::string& sentence) {
+  ProgressBar::clear();
+  std::fflush(stdout);
+  std::string shown = sentence;
+  for (std::size_t at = 0; !console.file.empty() && (at = shown.find(console.file, at)) != std::string::npos;) {
+    shown.replace(at, console.file.size(), console.name);
+    at += console.name.size();
+  }
+  const std::string& drawing = console.drawing;
+  if (!drawing.empty() &&
+      !(shown.starts_with(drawing) && shown.size() > drawing.size() && shown[drawing.size()] == ':'))
+    shown.insert(0, drawing + ": ");
+  std::fprintf(stderr, "tolmex: %s\n", shown.c_str());
+  return static_cast<int>(status);
+}
+
+void nameDrawingInProblems(std::string drawing) { console.drawing = std::move(drawing); }
+
+void showFileAs(std::string file, std::string name) {
+  console.file = std::move(file);
+  console.name = std::move(name);
+}
+
+void printTranscript(std::wstring_view text) {
+  ProgressBar::clear();
+  const std::string bytes = host::text::toUtf8(text);
+  std::fwrite(bytes.data(), 1, bytes.size(), console.transcript != nullptr ? console.transcript : stdout);
+}
+
+void keepStandardOutputForData() { console.transcript = stderr; }
+
+ProgressBar::ProgressBar(bool isWanted) {
+  const char* const terminal = std::getenv("TERM");
+  isShown_ = isWanted && ::isatty(STDERR_FILENO) == 1 && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+void ProgressBar::show(std::string_view label, double fraction) {
+  const auto now = Clock::now();
+  if (!isShown_ || now - begin_ < kFirstShownAfter || now - last_ < kShownEvery) return;
+  last_ = now;
+  fraction = std::clamp(fraction, 0.0, 1.0);
+  const auto filled = static_cast<std::size_t>(fraction * kBarCells);
+  std::string bar = "[" + std::string(filled, '#') + std::string(kBarCells - filled, '.') + "] ";
+  const std::string percent = std::to_string(static_cast<int>(fraction * 100));
+  bar += std::string(3 - std::min<std::size_t>(percent.size(), 3), ' ') + percent + " % ";
+  // Cut where the line would wrap: a bar of two lines cannot be taken back.
+  const std::size_t room = terminalColumns() - std::min(terminalColumns(), bar.size() + 1);
+  std::wstring text = host::text::fromUtf8(label);
+  std::erase_if(text, [](wchar_t c) { return c < L' '; });
+  bar += host::text::toUtf8(std::wstring_view(text).substr(0, room));
+  std::fflush(stdout);
+  std::fprintf(stderr, "\r\x1b[K%s", bar.c_str());
+  console.barStandsThere = true;
+}
+
+void ProgressBar::clear() {
+  if (!console.barStandsThere) return;
+  std::fprintf(stderr, "\r\x1b[K");
+  console.barStandsThere = false;
+}
+
+void showMeter(ProgressBar& bar, std::wstring_view label, double fraction) {
+  if (fraction < 0) {
+    ProgressBar::clear();
+  } else {
+    bar.show(host::text::toUtf8(label), fraction);
+  }
+}
+
+}  // namespace tolmex

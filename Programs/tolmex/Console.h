@@ -1,0 +1,47 @@
+// What the program says: problems, the transcript, and how far long work has come.
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "Editor/Result.h"
+
+namespace tolmex {
+
+/// Prints one sentence to standard error and answers the status.
+int complain(host::editor::RunStatus status, const std::string& sentence);
+/// From now on sentences that do not begin with this drawing's name are given it: one of several is worked on.
+void nameDrawingInProblems(std::string drawing);
+/// Sentences that name `file` say `name` in its place.
+void showFileAs(std::string file, std::string name);
+
+/// Text of the command line: to standard output, or to standard error when standard output carries a file.
+void printTranscript(std::wstring_view text);
+void keepStandardOutputForData();
+
+/// A bar on standard error, if that is a terminal; work that is done at once shows none.
+class ProgressBar {
+ public:
+  explicit ProgressBar(bool isWanted = true);
+  ~ProgressBar() { clear(); }
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
+
+  /// `fraction` from 0 to 1.
+  void show(std::string_view label, double fraction);
+  /// Takes it from the screen; the next `show` brings it back. Whatever prints calls it first.
+  static void clear();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  bool isShown_;
+  Clock::time_point begin_ = Clock::now();
+  Clock::time_point last_{};
+};
+
+/// A plug-in's progress meter as such a bar; a negative fraction takes it away.
+void showMeter(ProgressBar& bar, std::wstring_view label, double fraction);
+
+}  // namespace tolmex

@@ -1,0 +1,161 @@
+// The JSON form of `tolmex info`; docs/info-json.md describes it.
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "DrawingInfo.h"
+#include "Text/Text.h"
+
+namespace tolmex {
+
+using Json = nlohmann::ordered_json;
+using host::text::formatHandle;
+
+namespace {
+
+constexpr int kSchemaVersion = 1;
+
+/// Measured figures to a micrometre; JSON knows no infinity.
+Json figure(double value) {
+  constexpr double kSteps = 1e6;
+  if (!std::isfinite(value)) return nullptr;
+  const double rounded = std::round(value * kSteps) / kSteps;
+  return std::isfinite(rounded) ? rounded : value;
+}
+Json figure(const std::optional<double>& value) { return value ? figure(*value) : Json(nullptr); }
+
+/// A stored figure; null when it is none.
+Json stored(const std::string& text) {
+  const std::optional<double> value = host::text::parseReal(text);
+  if (!value || !std::isfinite(*value)) return nullptr;
+  const double whole = std::floor(*value);
+  if (whole == *value && std::abs(whole) < 1e15) return static_cast<std::int64_t>(whole);
+  return *value;
+}
+
+Json handle(const std::optional<std::uint64_t>& value) { return value ? Json(formatHandle(*value)) : Json(nullptr); }
+
+Json elementsOf(const DrawingInfo& info) {
+  Json categories = Json::array();
+  for (std::size_t i = 0; i < OrvLib::kCategories.size(); ++i) {
+    if (info.elements[i].empty()) continue;
+    double area = 0, length = 0;
+    std::size_t filled = 0;
+    Json items = Json::array();
+    for (const ElementInfo& element : info.elements[i]) {
+      area += element.area.value_or(0);
+      length += element.length;
+      if (element.fill) ++filled;
+      items.push_back({{"handle", formatHandle(element.handle)},
+                       {"type", element.type},
+                       {"layer", element.layer},
+                       {"area", figure(element.area)},
+                       {"length", figure(element.length)},
+                       {"fill", handle(element.fill)},
+                       {"height", stored(element.height)}});
+    }
+    categories.push_back({{"category", host::text::toUtf8(OrvLib::kCategories[i].tag)},
+                          {"count", info.elements[i].size()},
+                          {"filled", filled},
+                          {"area", figure(area)},
+                          {"length", figure(length)},
+                          {"items", std::move(items)}});
+  }
+  return categories;
+}
+
+Json fencesOf(const DrawingInfo& info) {
+  Json fences = Json::array();
+  for (const auto category : {OrvLib::Category::BoardFence, OrvLib::Category::StoneFence}) {
+    for (const ElementInfo& element : info.elements[static_cast<std::size_t>(category)])
+      fences.push_back({{"handle", formatHandle(element.handle)},
+                        {"category", host::text::toUtf8(OrvLib::row(category).tag)},
+                        {"height", stored(element.height)},
+                        {"length", figure(element.length)}});
+  }
+  return fences;
+}
+
+Json buildingsOf(const DrawingInfo& info) {
+  Json buildings = Json::array();
+  for (const BuildingValues& building : info.buildings) {
+    Json ridge = nullptr;
+    if (building.ridge)
+      ridge = {{"handle", formatHandle(*building.ridge)},
+               {"height", stored(building.ridgeHeight)},
+               {"alive", building.ridgeIsAlive}};
+    buildings.push_back({{"handle", formatHandle(building.handle)},
+                         {"floors", stored(building.floors)},
+                         {"floorHeight", stored(building.floorHeight)},
+                         {"baseHeight", stored(building.baseHeight)},
+                         {"eavesWidth", stored(building.eavesWidth)},
+                         {"ridge", std::move(ridge)},
+                         {"sunColour", stored(building.sunColor)},
+                         {"shadeColour", stored(building.shadeColor)}});
+  }
+  return buildings;
+}
+
+Json shadowsOf(const DrawingInfo& info) {
+  if (!info.shadows) return nullptr;
+  const ShadowValues& shadows = *info.shadows;
+  return {{"direction", figure(shadows.directionDegrees)},
+          {"lengthPerFloor", figure(shadows.lengthPerFloor)},
+          {"colour", figure(shadows.color)},
+          {"scale", figure(shadows.scale)},
+          {"pattern", shadows.isDots ? "dots" : "lines"}};
+}
+
+Json problemsOf(const DrawingInfo& info) {
+  Json problems = Json::array();
+  for (const host::database::Problem& problem : info.fileProblems)
+    problems.push_back({{"line", problem.line != 0 ? Json(problem.line) : Json(nullptr)},
+                        {"handle", problem.handle != 0 ? Json(formatHandle(problem.handle)) : Json(nullptr)},
+                        {"text", problem.text}});
+  for (const std::string& problem : info.problems)
+    problems.push_back({{"line", nullptr}, {"handle", nullptr}, {"text", problem}});
+  return problems;
+}
+
+/// Names of files and layers may hold bytes that are no UTF-8.
+std::string spelled(const Json& json, int indent = -1) {
+  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace
+
+std::string drawingJson(const std::string& file, const DrawingInfo& info) {
+  Json colors = Json::array();
+  for (const LayerColor& color : info.colors)
+    colors.push_back({{"layer", color.layer}, {"colour", color.color}, {"on", !color.isOff}});
+  return spelled({{"file", file},
+                  {"status", 0},
+                  {"error", nullptr},
+                  {"version", "AC" + std::to_string(info.version)},
+                  {"entities", info.entities},
+                  {"layers", info.layers},
+                  {"elements", elementsOf(info)},
+                  {"fences", fencesOf(info)},
+                  {"buildings", buildingsOf(info)},
+                  {"parkingRows", info.parkingRows},
+                  {"shadows", shadowsOf(info)},
+                  {"colours", std::move(colors)},
+                  {"problems", problemsOf(info)}});
+}
+
+std::string failedDrawingJson(const std::string& file, int status, const std::string& error) {
+  return spelled({{"file", file}, {"status", status}, {"error", error}});
+}
+
+std::string documentJson(const std::vector<std::string>& drawings) {
+  Json document = {{"schema", "tolmex-info"},
+                   {"version", kSchemaVersion},
+                   {"units", {{"length", "m"}, {"area", "m2"}, {"direction", "degree"}, {"colour", "index"}}},
+                   {"drawings", Json::array()}};
+  for (const std::string& drawing : drawings) {
+    Json object = Json::parse(drawing, nullptr, false);
+    if (!object.is_discarded()) document["drawings"].push_back(std::move(object));
+  }
+  return spelled(document, 2) + "\n";
+}
+
+}  // namespace tolmex
