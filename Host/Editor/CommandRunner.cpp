@@ -90,7 +90,8 @@ void Session::runTyped(const Answer& answer) {
 void Session::reportUnknown(std::wstring_view name) {
   if (name.starts_with(L'(')) {
     transcript.line(L"Expressions in parentheses are no commands of this host.");
-    fail(RunStatus::ScriptFailed, "expressions are not supported where a command is wanted: " + text::toUtf8(name));
+    fail(RunStatus::ScriptFailed, "expressions are not supported where a command is wanted: " + text::toUtf8(name),
+         true);
     return;
   }
   while (!name.empty() && std::wstring_view(L"'_-.").find(name.front()) != std::wstring_view::npos)
@@ -106,7 +107,7 @@ void Session::reportUnknown(std::wstring_view name) {
   if (inputFromCode()) {
     frames_.back().failed = true;
   } else {
-    fail(RunStatus::ScriptFailed, std::move(sentence));
+    fail(RunStatus::ScriptFailed, std::move(sentence), true);
   }
 }
 

@@ -92,8 +92,31 @@ void closeCurrent(Prompter& prompter) {
   session.closeDocument(*document);
 }
 
+/// Offers to save what was changed; false when the user wants to stay or saving failed.
+bool maySaveAndLeave(Prompter& prompter) {
+  Session& session = prompter.session();
+  Limits limits;
+  limits.keywords = Keywords(L"Yes No Cancel");
+  for (const auto& document : session.documents.all()) {
+    if (!document->drawing().isModified()) continue;
+    session.documents.setCurrent(document.get());
+    const std::filesystem::path name = document->fileName() != nullptr ? text::toUtf8(document->fileName()) : "";
+    const auto reply =
+        prompter.keyword(L"Save changes to " + wide(name.filename()) + L"? [Yes/No/Cancel] <Y>: ", limits);
+    const bool isYes = reply.outcome == Outcome::Enter || reply.keyword == L"Yes";
+    if (isYes) quickSave(prompter);
+    const bool isSaved = isYes && !document->drawing().isModified();
+    if (!isSaved && reply.keyword != L"No") return false;
+  }
+  return true;
+}
+
 void quit(Prompter& prompter) {
   Session& session = prompter.session();
+  if (session.isInteractive()) {
+    session.quitRequested = maySaveAndLeave(prompter);
+    return;
+  }
   bool isModified = false;
   for (const auto& document : session.documents.all()) isModified = isModified || document->drawing().isModified();
   if (isModified) {

@@ -143,7 +143,7 @@ bool Prompter::refuse(std::wstring_view sentence) { return session_.refuse(sente
 
 void Prompter::fail(RunStatus status, std::wstring_view sentence) {
   session_.transcript.line(sentence);
-  session_.fail(status, text::toUtf8(sentence));
+  session_.fail(status, text::toUtf8(sentence), true);
 }
 
 }  // namespace host::editor

@@ -169,7 +169,7 @@ Answer Session::pull(const Question& question) {
   return {};
 }
 
-void Session::fail(RunStatus status, std::string sentence) {
+void Session::fail(RunStatus status, std::string sentence, bool isShown) {
   if (inputFromCode()) {
     transcript.line(text::fromUtf8(sentence));
     frames_.back().failed = true;
@@ -178,7 +178,7 @@ void Session::fail(RunStatus status, std::string sentence) {
   const std::string here = place();
   Result result{status, here.empty() ? std::move(sentence) : here + ": " + sentence};
   if (isInteractive()) {
-    reportProblem(result.message);
+    if (!isShown || !options_.problemsOnScreen) reportProblem(result.message);
     return;
   }
   if (!failure_) failure_ = std::move(result);

@@ -78,7 +78,10 @@ class Session {
   /// Says why an answer cannot be used; true when it can be asked for again.
   bool refuse(std::wstring_view sentence);
   /// Records a failure with the input's place; for input that can be asked again it is only reported.
-  void fail(RunStatus status, std::string sentence);
+  /// `isShown`: the transcript has said it.
+  void fail(RunStatus status, std::string sentence, bool isShown = false);
+  /// Somebody can be asked again.
+  bool isInteractive() const;
 
   // ---- commands ---------------------------------------------------------------------------------------------------
   Result run(InputSource& input);
@@ -96,7 +99,6 @@ class Session {
   Session();
   Answer pull(const Question& question);
   std::string place() const;
-  bool isInteractive() const;
   void answersRanOut(std::wstring_view waiting);
   void runTyped(const Answer& answer);
   void reportUnknown(std::wstring_view name);

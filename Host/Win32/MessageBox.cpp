@@ -61,7 +61,7 @@ std::wstring_view trimmed(std::wstring_view line) {
 int askBox(const Box& box, std::wstring_view caption, std::size_t defaultButton) {
   const std::wstring name = L"message box \"" + std::wstring(caption) + L"\"";
   for (;;) {
-    const editor::Answer answer = editor::nextDialogLine(name);
+    const editor::Answer answer = editor::nextDialogLine(name + L" [" + captions(box) + L"]");
     std::wstring refusal;
     if (answer.kind == editor::Answer::Kind::Enter) return box.buttons[defaultButton].id;
     if (answer.kind == editor::Answer::Kind::Text) {

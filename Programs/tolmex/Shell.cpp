@@ -1,9 +1,254 @@
-// `tolmex shell`.
+// `tolmex shell`: commands typed at a terminal, or read from a pipe as they come.
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
 #include "Commands.h"
 #include "Console.h"
+#include "Editor/ScriptInput.h"
+#include "Interruption.h"
+#include "Outputs.h"
+#include "PlanSession.h"
+#include "Terminal.h"
+#include "Text/Text.h"
 
 namespace tolmex {
 
-int runShell(const RunOptions&) { return complain(host::editor::RunStatus::WrongUsage, "later"); }
+namespace fs = std::filesystem;
+using host::editor::AnswerForm;
+using host::editor::Application;
+using host::editor::Question;
+using host::editor::RunStatus;
+
+namespace {
+
+constexpr std::wstring_view kCommandPrompt = L"Command: ";
+constexpr const wchar_t* kEscape = L"\x1b";
+
+/// The transcript on the screen. What the user typed stands there already, so the echo of a typed line is left out.
+class Screen {
+ public:
+  void print(std::wstring_view text) {
+    if (pending_ == Pending::Echo && !text.starts_with(L'\n')) {
+      pending_ = Pending::Break;
+      return;
+    }
+    if (std::exchange(pending_, Pending::Nothing) != Pending::Nothing && text.starts_with(L'\n')) text.remove_prefix(1);
+    printTranscript(text);
+    const std::size_t end = text.rfind(L'\n');
+    tail_ = end == std::wstring_view::npos ? tail_ + std::wstring(text) : std::wstring(text.substr(end + 1));
+  }
+
+  /// Takes the unfinished line off the screen: the line editor shows it again as its prompt.
+  std::string takePrompt() {
+    if (tail_.empty()) return {};
+    winsize size{};
+    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    if (tail_.size() + 1 >= (isKnown ? size.ws_col : 80U)) {
+      std::printf("\n");
+      return {};
+    }
+    std::printf("\r\x1b[K");
+    return host::text::toUtf8(tail_);
+  }
+
+  /// Ends an unfinished line; the break that the transcript still owes it is left out then.
+  void startLine() {
+    if (tail_.empty()) return;
+    std::printf("\n");
+    tail_.clear();
+    pending_ = Pending::Break;
+  }
+
+  /// A line was typed behind the prompt; the cursor stands on the next one.
+  void lineWasTyped() {
+    pending_ = Pending::Echo;
+    tail_.clear();
+  }
+  void lineWasLeft() { tail_.clear(); }
+
+ private:
+  enum class Pending { Nothing, Echo, Break };
+  Pending pending_ = Pending::Nothing;  // of the echo that is left out
+  std::wstring tail_;
+};
+
+/// Asks for the list of controls once when a dialog opens.
+class DialogGreeting {
+ public:
+  bool isDue(const Question& question) {
+    if (question.form != AnswerForm::Line) {
+      if (question.prompt == kCommandPrompt) greeted_.clear();
+      return false;
+    }
+    if (!question.prompt.starts_with(L"dialog ") || greeted_ == question.prompt) return false;
+    greeted_ = question.prompt;
+    return true;
+  }
+
+ private:
+  std::wstring greeted_;
+};
+
+class TerminalInput final : public host::editor::LineInput {
+ public:
+  TerminalInput(Terminal& terminal, Screen& screen) : terminal_(terminal), screen_(screen) {}
+  bool isInteractive() const override { return true; }
+
+ protected:
+  std::optional<std::wstring> readLine(const Question& question) override {
+    if (greeting_.isDue(question)) return L"LIST";
+    const bool isCommand = question.prompt == kCommandPrompt;
+    const bool isDialog = question.form == AnswerForm::Line;
+    if (isDialog) screen_.startLine();
+    const std::string prompt = isDialog ? host::text::toUtf8(question.prompt) + ": " : screen_.takePrompt();
+    const Terminal::Typed typed = terminal_.read(prompt, isCommand);
+    switch (typed.key) {
+      case Terminal::Key::Line:
+        if (!isDialog) screen_.lineWasTyped();
+        return host::text::fromUtf8(typed.text);
+      case Terminal::Key::Cancel:
+        screen_.lineWasLeft();
+        return kEscape;
+      case Terminal::Key::Leave:
+        // Inside a command the first Ctrl+D ends the command only.
+        screen_.lineWasTyped();
+        return isCommand ? L"_.QUIT" : kEscape;
+      case Terminal::Key::Gone:
+        break;
+    }
+    return std::nullopt;
+  }
+
+ private:
+  Terminal& terminal_;
+  Screen& screen_;
+  DialogGreeting greeting_;
+};
+
+/// Lines of a pipe. Failures do not end it, as they do not end the work of somebody who types.
+class PipeInput final : public host::editor::LineInput {
+ public:
+  ~PipeInput() override { std::free(buffer_); }
+  bool isInteractive() const override { return true; }
+  std::string place() const override { return "standard input:" + std::to_string(lines_); }
+
+ protected:
+  std::optional<std::wstring> readLine(const Question& question) override {
+    if (greeting_.isDue(question)) return L"LIST";
+    if (Interruption::isAsked()) return std::nullopt;
+    const ssize_t count = ::getline(&buffer_, &size_, stdin);
+    if (count < 0) return std::nullopt;
+    ++lines_;
+    std::string_view line(buffer_, static_cast<std::size_t>(count));
+    if (line.ends_with('\n')) line.remove_suffix(1);
+    if (lines_ == 1 && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
+    return host::text::fromUtf8(line);
+  }
+
+ private:
+  char* buffer_ = nullptr;
+  std::size_t size_ = 0;
+  int lines_ = 0;
+  DialogGreeting greeting_;
+};
+
+/// Ctrl+C while a command works: its next question ends in Esc; given again it ends the program.
+class ShellInterruption {
+ public:
+  ShellInterruption() { former_ = std::signal(SIGINT, &ShellInterruption::ask); }
+  ~ShellInterruption() { std::signal(SIGINT, former_); }
+  ShellInterruption(const ShellInterruption&) = delete;
+  ShellInterruption& operator=(const ShellInterruption&) = delete;
+  /// Somebody was asked something: the next Ctrl+C is a first one.
+  static void forget() { asked_ = 0; }
+
+ private:
+  static void say(std::string_view text) {
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+  }
+  static void ask(int) {
+    if (asked_ != 0) {
+      say("\ntolmex: interrupted; nothing was saved\n");
+      ::_exit(static_cast<int>(RunStatus::ScriptFailed));
+    }
+    asked_ = 1;
+    Application::interrupt();
+    say("\nCtrl+C again ends tolmex without saving\n");
+  }
+
+  static inline volatile std::sig_atomic_t asked_ = 0;
+  void (*former_)(int) = SIG_DFL;
+};
+
+RunStatus typeCommands(PlanSession& session, Screen& screen) {
+  Terminal terminal(
+      [&session] {
+        std::vector<std::string> names;
+        for (const std::wstring& name : session.application().commandNames()) names.push_back(host::text::toUtf8(name));
+        return names;
+      },
+      Terminal::historyFile());
+  TerminalInput input(terminal, screen);
+  const ShellInterruption interruption;
+  const host::editor::Result result = session.application().run(input);
+  return result.status;
+}
+
+}  // namespace
+
+int runShell(const RunOptions& options) {
+  if (const std::string refusal = refuseRunOptions(options); !refusal.empty())
+    return complain(RunStatus::WrongUsage, refusal);
+  const fs::path drawing = options.drawings.empty() ? fs::path() : options.drawings.front();
+  if (isStandardStream(drawing))
+    return complain(RunStatus::WrongUsage, "-: shell reads commands from standard input; name the drawing's file");
+  std::string refusal;
+  const PlanOutputs outputs = outputsOf(options, drawing, refusal);
+  const std::vector<fs::path> inputs = drawing.empty() ? std::vector<fs::path>{} : std::vector{drawing};
+  if (const RunStatus made = prepareOutputs(inputs, outputs.files(), options.folder); made != RunStatus::Done)
+    return static_cast<int>(made);
+
+  const bool atTerminal = Terminal::isThere();
+  Screen screen;
+  ProgressBar bar;
+  bool hasFailed = false;
+  host::editor::ApplicationOptions settings;
+  settings.problemsOnScreen = atTerminal;
+  if (atTerminal) {
+    settings.transcript = [&](std::wstring_view text) { screen.print(text); };
+  } else if (!options.quiet) {
+    settings.transcript = printTranscript;
+  }
+  settings.problem = [&](std::string_view sentence) {
+    hasFailed = true;
+    complain(RunStatus::Done, std::string(sentence));
+  };
+  settings.meter = [&](std::wstring_view label, double fraction) { showMeter(bar, label, fraction); };
+  PlanSession session(options, settings);
+  if (const RunStatus opened = session.open(drawing); opened != RunStatus::Done) return static_cast<int>(opened);
+
+  RunStatus status = RunStatus::Done;
+  if (atTerminal) {
+    status = typeCommands(session, screen);
+  } else {
+    const Interruption interruption(RunStatus::ScriptFailed);
+    PipeInput input;
+    session.application().run(input);
+    if (hasFailed || Interruption::isAsked()) status = RunStatus::ScriptFailed;
+  }
+  std::fflush(stdout);
+  Application& application = session.application();
+  if (application.drawing() == nullptr) {
+    if (outputs.isEmpty()) return static_cast<int>(status);
+    return complain(RunStatus::ScriptFailed, "no drawing was left open; nothing was written");
+  }
+  if (!application.quitRequested() && !outputs.drawing && application.drawing()->isModified())
+    complain(RunStatus::Done, application.drawingFile().string() + ": the input ended; changes were not saved");
+  return static_cast<int>(std::max(status, session.write(outputs)));
+}
 
 }  // namespace tolmex

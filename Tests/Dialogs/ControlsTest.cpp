@@ -317,7 +317,8 @@ TEST_F(Boxes, OtherAnswersFailTheScript) {
   EXPECT_EQ(answer(MB_YESNO, "^C\n"), IDNO);
   EXPECT_NE(last.message.find("cannot be left with Esc"), std::string::npos);
   EXPECT_EQ(answer(MB_ABORTRETRYIGNORE, ""), IDABORT);
-  EXPECT_NE(last.message.find("message box \"Tolmex\" was left without an answer"), std::string::npos);
+  EXPECT_NE(last.message.find("message box \"Tolmex\" [Abort, Retry, Ignore] was left without an answer"),
+            std::string::npos);
 }
 
 TEST(Strings, FollowMfc) {

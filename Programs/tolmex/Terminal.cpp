@@ -1,0 +1,209 @@
+#include "Terminal.h"
+
+#include <histedit.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cwctype>
+#include <string_view>
+
+#include "Text/Text.h"
+
+namespace tolmex {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kHistoryLines = 1000;
+constexpr wchar_t kEscape = 0x1B;
+constexpr wchar_t kControlC = 0x03;
+// Keys that send more than Esc send the rest at once.
+constexpr int kEscapePatienceMs = 50;
+constexpr std::size_t kListedColumns = 78;
+
+bool moreIsThere() {
+  pollfd in{STDIN_FILENO, POLLIN, 0};
+  return ::poll(&in, 1, kEscapePatienceMs) == 1;
+}
+
+/// Bytes behind the first of a character in UTF-8.
+int bytesToCome(unsigned char first) { return first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : 0; }
+
+std::string capitals(std::string_view text) {
+  std::wstring wide = host::text::fromUtf8(text);
+  for (wchar_t& c : wide) c = static_cast<wchar_t>(std::towupper(static_cast<wint_t>(c)));
+  return host::text::toUtf8(wide);
+}
+
+std::string_view commonBeginning(const std::vector<std::string>& names) {
+  std::string_view common = names.front();
+  for (const std::string& name : names) {
+    const auto end = std::mismatch(common.begin(), common.end(), name.begin(), name.end()).first;
+    common = common.substr(0, static_cast<std::size_t>(end - common.begin()));
+  }
+  // Never half of a character.
+  std::size_t size = common.size();
+  while (size > 0 && size < names.front().size() && (static_cast<unsigned char>(names.front()[size]) & 0xC0U) == 0x80)
+    --size;
+  return common.substr(0, size);
+}
+
+void printColumns(const std::vector<std::string>& names) {
+  std::size_t width = 0;
+  for (const std::string& name : names) width = std::max(width, name.size() + 2);
+  const std::size_t perLine = std::max<std::size_t>(1, kListedColumns / width);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    std::printf("%s%-*s", i % perLine == 0 ? "\n" : "", static_cast<int>(width), names[i].c_str());
+  }
+  std::printf("\n");
+  std::fflush(stdout);
+}
+
+}  // namespace
+
+struct Terminal::Editor {
+  EditLine* line = nullptr;
+  History* history = nullptr;
+  HistEvent event{};
+  Names names;
+  fs::path historyFile;
+  std::string prompt;
+  bool completes = false, isCancelled = false, isGone = false;
+
+  static Editor& of(EditLine* line) {
+    Editor* self = nullptr;
+    el_get(line, EL_CLIENTDATA, &self);
+    return *self;
+  }
+
+  static char* promptOf(EditLine* line) { return of(line).prompt.data(); }
+
+  static int nextByte() {
+    unsigned char byte = 0;
+    for (;;) {
+      const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
+      if (count == 1) return byte;
+      if (count == 0 || errno != EINTR) return -1;
+    }
+  }
+
+  /// One character. Esc alone is told from a key that begins with it by what follows, and becomes Ctrl+C.
+  static int character(EditLine* line, wchar_t* result) {
+    const int first = nextByte();
+    if (first < 0) {
+      of(line).isGone = true;
+      return 0;
+    }
+    std::string bytes(1, static_cast<char>(first));
+    for (int i = bytesToCome(static_cast<unsigned char>(first)); i > 0; --i) {
+      const int next = nextByte();
+      if (next >= 0) bytes += static_cast<char>(next);
+    }
+    const std::wstring decoded = host::text::fromUtf8(bytes);
+    *result = decoded.empty() ? L'?' : decoded.front();
+    if (*result == kEscape && !moreIsThere()) *result = kControlC;
+    return 1;
+  }
+
+  static unsigned char cancel(EditLine* line, int) {
+    of(line).isCancelled = true;
+    return CC_NEWLINE;
+  }
+
+  static unsigned char complete(EditLine* line, int) {
+    Editor& self = of(line);
+    const LineInfo* const info = el_line(line);
+    const std::string typed(info->buffer, info->cursor);
+    if (!self.completes || typed.find(' ') != std::string::npos) return CC_ERROR;
+    const std::size_t begin = std::min(typed.find_first_not_of("'_-."), typed.size());
+    const std::string wanted = capitals(typed.substr(begin));
+    std::vector<std::string> found;
+    for (std::string& name : self.names()) {
+      if (name.starts_with(wanted)) found.push_back(std::move(name));
+    }
+    if (found.empty()) return CC_ERROR;
+    const std::string common(commonBeginning(found));
+    if (common.size() > wanted.size() || typed.substr(begin) != common) {
+      el_deletestr(line, static_cast<int>(host::text::fromUtf8(typed.substr(begin)).size()));
+      el_insertstr(line, common.c_str());
+      if (common.size() > wanted.size()) return CC_REFRESH;
+    }
+    if (found.size() == 1) return CC_REFRESH;
+    printColumns(found);
+    return CC_REDISPLAY;
+  }
+};
+
+Terminal::Terminal(Names names, fs::path history) : editor_(std::make_unique<Editor>()) {
+  // The transcript is UTF-8 whatever the surroundings say.
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  Editor& e = *editor_;
+  e.names = std::move(names);
+  e.historyFile = std::move(history);
+  e.line = el_init("tolmex", stdin, stdout, stderr);
+  e.history = history_init();
+  el_set(e.line, EL_CLIENTDATA, &e);
+  el_set(e.line, EL_EDITOR, "emacs");
+  el_set(e.line, EL_SIGNAL, 1);
+  el_set(e.line, EL_PROMPT, &Editor::promptOf);
+  el_set(e.line, EL_GETCFN, &Editor::character);
+  el_set(e.line, EL_HIST, &::history, e.history);
+  // The narrow form of this call would never free its copies of the names.
+  el_wset(e.line, EL_ADDFN, L"cancel-prompt", L"Cancel the prompt", &Editor::cancel);
+  el_wset(e.line, EL_ADDFN, L"complete-name", L"Complete a command name", &Editor::complete);
+  el_set(e.line, EL_SETTY, "-d", "-isig", nullptr);
+  el_source(e.line, nullptr);
+  el_set(e.line, EL_BIND, "^C", "cancel-prompt", nullptr);
+  el_set(e.line, EL_BIND, "^I", "complete-name", nullptr);
+  ::history(e.history, &e.event, H_SETSIZE, kHistoryLines);
+  ::history(e.history, &e.event, H_SETUNIQUE, 1);
+  if (!e.historyFile.empty()) ::history(e.history, &e.event, H_LOAD, e.historyFile.c_str());
+}
+
+Terminal::~Terminal() {
+  Editor& e = *editor_;
+  if (!e.historyFile.empty()) {
+    std::error_code error;
+    fs::create_directories(e.historyFile.parent_path(), error);
+    ::history(e.history, &e.event, H_SAVE, e.historyFile.c_str());
+  }
+  history_end(e.history);
+  el_end(e.line);
+}
+
+bool Terminal::isThere() { return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDOUT_FILENO) == 1; }
+
+fs::path Terminal::historyFile() {
+  const char* const state = std::getenv("XDG_STATE_HOME");
+  if (state != nullptr && state[0] == '/') return fs::path(state) / "tolmex/history";
+  const char* const home = std::getenv("HOME");
+  return home != nullptr && home[0] == '/' ? fs::path(home) / ".local/state/tolmex/history" : fs::path();
+}
+
+Terminal::Typed Terminal::read(const std::string& prompt, bool completes) {
+  Editor& e = *editor_;
+  e.prompt = prompt;
+  e.completes = completes;
+  e.isCancelled = false;
+  std::fflush(stdout);
+  int count = 0;
+  const char* const text = el_gets(e.line, &count);
+  if (e.isGone) return {};
+  if (e.isCancelled) return {Key::Cancel, {}};
+  if (text == nullptr || count <= 0) {
+    std::printf("\n");
+    return {Key::Leave, {}};
+  }
+  std::string line(text, static_cast<std::size_t>(count));
+  while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.pop_back();
+  if (!line.empty()) ::history(e.history, &e.event, H_ENTER, line.c_str());
+  return {Key::Line, std::move(line)};
+}
+
+}  // namespace tolmex
