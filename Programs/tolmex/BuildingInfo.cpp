@@ -30,10 +30,11 @@ bool isNumber(const std::wstring& text) {
 /// The values of one record and what is wrong with them.
 class Reader {
  public:
-  Reader(const XDataValues& record, std::string where, std::vector<std::string>& problems)
-      : record_(record), where_(std::move(where)), problems_(problems) {}
+  Reader(const XDataValues& record, std::uint64_t handle, std::string where,
+         std::vector<host::database::Problem>& problems)
+      : record_(record), handle_(handle), where_(std::move(where)), problems_(problems) {}
 
-  void complain(const std::string& what) const { problems_.push_back(where_ + ": " + what); }
+  void complain(const std::string& what) const { problems_.push_back({0, handle_, where_ + ": " + what}); }
 
   /// The value as it is stored; "?" when it is missing.
   std::string number(const wchar_t* key) const {
@@ -48,8 +49,9 @@ class Reader {
 
  private:
   const XDataValues& record_;
+  std::uint64_t handle_;
   std::string where_;
-  std::vector<std::string>& problems_;
+  std::vector<host::database::Problem>& problems_;
 };
 
 bool isLivingRidge(const Reader& reader, std::uint64_t handle, const DrawingDatabase& drawing) {
@@ -67,13 +69,13 @@ bool isLivingRidge(const Reader& reader, std::uint64_t handle, const DrawingData
 }  // namespace
 
 std::optional<BuildingValues> readBuilding(const Slot& slot, const DrawingDatabase& drawing,
-                                           std::vector<std::string>& problems) {
+                                           std::vector<host::database::Problem>& problems) {
   namespace keys = OrvLib::building_keys;
   const XDataValues record(slot, drawing, OrvLib::kBuildingApplication);
   const std::optional<std::wstring> type = record.value(keys::kType);
   if (!type || !host::text::equalFolded(*type, keys::kBuildingType)) return std::nullopt;
   const std::string handle = host::text::formatHandle(slot.handle);
-  const Reader reader(record, std::string(drawing.typeName(slot)) + " " + handle, problems);
+  const Reader reader(record, slot.handle, std::string(drawing.typeName(slot)) + " " + handle, problems);
   BuildingValues values;
   values.handle = slot.handle;
   values.floors = reader.number(keys::kFloors);
@@ -90,7 +92,7 @@ std::optional<BuildingValues> readBuilding(const Slot& slot, const DrawingDataba
   return values;
 }
 
-std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vector<std::string>& problems) {
+std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vector<host::database::Problem>& problems) {
   namespace keys = OrvLib::shadow_keys;
   AcDbDictionary* root = nullptr;
   if (database.getNamedObjectsDictionary(root) != Acad::eOk) return std::nullopt;
@@ -114,7 +116,7 @@ std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vect
       if (value.restype >= 38 && value.restype < 60 && std::isfinite(value.resval.rreal)) return value.resval.rreal;
       break;
     }
-    problems.push_back("the shadow settings lack " + quoted(key) + "; the default counts");
+    problems.push_back({0, 0, "the shadow settings lack " + quoted(key) + "; the default counts"});
     return std::nullopt;
   };
   ShadowValues values;

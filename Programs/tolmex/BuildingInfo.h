@@ -22,7 +22,7 @@ struct BuildingValues {
 /// to `problems`.
 std::optional<BuildingValues> readBuilding(const host::database::Slot& slot,
                                            const host::database::DrawingDatabase& drawing,
-                                           std::vector<std::string>& problems);
+                                           std::vector<host::database::Problem>& problems);
 
 /// Missing values have no number.
 struct ShadowValues {
@@ -31,6 +31,6 @@ struct ShadowValues {
 };
 
 /// The stored shadow settings; nothing when the drawing has none. What is wrong with them is added to `problems`.
-std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vector<std::string>& problems);
+std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vector<host::database::Problem>& problems);
 
 }  // namespace tolmex

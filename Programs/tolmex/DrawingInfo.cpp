@@ -88,9 +88,10 @@ class Look {
     const auto row = std::find_if(OrvLib::kCategories.begin(), OrvLib::kCategories.end(),
                                   [&](const OrvLib::CategoryRow& candidate) { return entityType == candidate.tag; });
     if (row == OrvLib::kCategories.end()) {
-      info_.problems.push_back(where + ": " +
-                               (entityType.empty() ? "the tag names no category"
-                                                   : "unknown category \"" + host::text::toUtf8(entityType) + "\""));
+      info_.problems.push_back(
+          {0, slot.handle,
+           where + (entityType.empty() ? ": the tag names no category"
+                                       : ": unknown category \"" + host::text::toUtf8(entityType) + "\"")});
       return;
     }
     const std::string height = host::text::toUtf8(tag.value(OrvLib::kHeightKey).value_or(L""));
@@ -98,7 +99,7 @@ class Look {
     const std::uint64_t handle =
         host::text::parseHandle(host::text::toUtf8(tag.value(OrvLib::kHatchHandleKey).value_or(L"")));
     // Fences with a height name themselves.
-    if (handle != 0 && handle != slot.handle) element.fill = livingFill(handle, where);
+    if (handle != 0 && handle != slot.handle) element.fill = livingFill(handle, slot, where);
     if (measures_) {
       element.layer = host::text::toUtf8(layerName(slot));
       measure(slot, element);
@@ -106,13 +107,13 @@ class Look {
     info_.elements[static_cast<std::size_t>(row - OrvLib::kCategories.begin())].push_back(std::move(element));
   }
 
-  std::optional<std::uint64_t> livingFill(std::uint64_t handle, const std::string& where) {
+  std::optional<std::uint64_t> livingFill(std::uint64_t handle, const Slot& slot, const std::string& where) {
     const Slot* const fill = drawing_.findHandle(handle);
     const std::string name = where + ": its fill " + host::text::formatHandle(handle);
     if (fill == nullptr || fill->isErased()) {
-      info_.problems.push_back(name + " is not in the drawing");
+      info_.problems.push_back({0, slot.handle, name + " is not in the drawing"});
     } else if (fill->type != DxfType::Hatch) {
-      info_.problems.push_back(name + " is not a hatch");
+      info_.problems.push_back({0, slot.handle, name + " is not a hatch"});
     } else {
       return handle;
     }

@@ -33,7 +33,7 @@ struct DrawingInfo {
   std::optional<ShadowValues> shadows;
   std::vector<LayerColor> colors;                     // of fill layers that are there
   std::vector<host::database::Problem> fileProblems;  // met while reading
-  std::vector<std::string> problems;                  // in what the elements say
+  std::vector<host::database::Problem> problems;      // in what the elements say; the texts name the handles too
 };
 
 /// `measures`: areas and lengths are wanted too.

@@ -81,7 +81,7 @@ void print(const std::string& file, const DrawingInfo& info) {
                                   (problem.handle != 0 ? host::text::formatHandle(problem.handle) + ": " : "") +
                                   problem.text);
   }
-  for (const std::string& problem : info.problems) complain(RunStatus::Done, file + ": " + problem);
+  for (const host::database::Problem& problem : info.problems) complain(RunStatus::Done, file + ": " + problem.text);
   std::printf("problems %zu\n", info.problems.size() + info.fileProblems.size());
 }
 

@@ -107,12 +107,12 @@ Json shadowsOf(const DrawingInfo& info) {
 
 Json problemsOf(const DrawingInfo& info) {
   Json problems = Json::array();
-  for (const host::database::Problem& problem : info.fileProblems)
-    problems.push_back({{"line", problem.line != 0 ? Json(problem.line) : Json(nullptr)},
-                        {"handle", problem.handle != 0 ? Json(formatHandle(problem.handle)) : Json(nullptr)},
-                        {"text", problem.text}});
-  for (const std::string& problem : info.problems)
-    problems.push_back({{"line", nullptr}, {"handle", nullptr}, {"text", problem}});
+  for (const auto* list : {&info.fileProblems, &info.problems}) {
+    for (const host::database::Problem& problem : *list)
+      problems.push_back({{"line", problem.line != 0 ? Json(problem.line) : Json(nullptr)},
+                          {"handle", problem.handle != 0 ? Json(formatHandle(problem.handle)) : Json(nullptr)},
+                          {"text", problem.text}});
+  }
   return problems;
 }
 

@@ -247,7 +247,8 @@ int runShell(const RunOptions& options) {
     return complain(RunStatus::ScriptFailed, "no drawing was left open; nothing was written");
   }
   if (!application.quitRequested() && !outputs.drawing && application.drawing()->isModified())
-    complain(RunStatus::Done, application.drawingFile().string() + ": the input ended; changes were not saved");
+    complain(RunStatus::Done,
+             (drawing.empty() ? "the new drawing" : drawing.string()) + ": the input ended; changes were not saved");
   return static_cast<int>(std::max(status, session.write(outputs)));
 }
 

@@ -1,0 +1,39 @@
+# Completion of tolmex in bash.
+_tolmex() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} call=${COMP_WORDS[1]:-}
+  local pictures='--width --paper --scale --window --background --layers --lineweights --grayscale --monochrome'
+  local words=
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    mapfile -t COMPREPLY < <(compgen -W 'run shell picture info desktop --help --version' -- "$current")
+    return
+  fi
+  case $previous in
+    --format) words='png svg pdf' ;;
+    --paper) words='A0 A1 A2 A3 A4 A5 A0-landscape A1-landscape A2-landscape A3-landscape A4-landscape A5-landscape' ;;
+    --background) words='white black transparent' ;;
+    --lineweights) words='off' ;;
+    --out-dir | --support)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -d -- "$current")
+      return
+      ;;
+    --command | --set | --jobs | --width | --scale | --window | --layers) return ;;
+  esac
+  if [[ -z $words && $current == -* ]]; then
+    case $call in
+      run) words='--script --command --out --out-dir --picture --format --jobs --set --support --quiet --help' ;;
+      shell) words='--out --picture --set --support --quiet --help' ;;
+      picture) words="--out-dir --format --jobs --set --quiet --help $pictures" ;;
+      info) words='--json --jobs --help' ;;
+      *) words='--help' ;;
+    esac
+  fi
+  if [[ -n $words ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  else
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+  fi
+}
+complete -F _tolmex tolmex

@@ -1,0 +1,31 @@
+# Completion of tolmex in fish.
+set -l calls run shell picture info desktop
+complete -c tolmex -n "not __fish_seen_subcommand_from $calls" -f -a "$calls"
+for call in run shell picture
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l set -x -d 'Set a system variable'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l quiet -d 'Hide the transcript'
+end
+for call in run shell
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l support -r -d 'Folder of support files'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l out -r -d 'Where the drawing is saved'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l picture -r -d 'A picture of the result'
+end
+for call in run picture
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l out-dir -r -d 'Folder of the results'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l format -x -a 'png svg pdf' -d 'Format of pictures'
+end
+for call in run picture info
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l jobs -x -d 'Drawings worked on at once'
+end
+complete -c tolmex -n '__fish_seen_subcommand_from run' -l script -r -d 'The script'
+complete -c tolmex -n '__fish_seen_subcommand_from run' -l command -x -d 'A line of script'
+complete -c tolmex -n '__fish_seen_subcommand_from info' -l json -d 'One JSON document'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l width -x -d 'Width in pixels'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l paper -x -a 'A0 A1 A2 A3 A4 A5' -d 'Paper'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l scale -x -d 'Scale on the paper, 1:N'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l window -x -d 'Part to draw, x1,y1,x2,y2'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l background -x -a 'white black transparent' -d 'Colour'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l layers -x -d 'Layers to draw'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l lineweights -x -a 'off' -d 'Off, or a factor'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l grayscale -d 'Shades of grey'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l monochrome -d 'One colour'
