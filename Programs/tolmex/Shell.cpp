@@ -115,8 +115,12 @@ class TerminalInput final : public host::editor::LineInput {
         return kEscape;
       case Terminal::Key::Leave:
         // Inside a command the first Ctrl+D ends the command only.
+        if (!isCommand) {
+          screen_.lineWasLeft();
+          return kEscape;
+        }
         screen_.lineWasTyped();
-        return isCommand ? L"_.QUIT" : kEscape;
+        return L"_.QUIT";
       case Terminal::Key::Gone:
         break;
     }

@@ -40,6 +40,7 @@ struct Surroundings {
   fs::path folder = {};                // current folder; empty: the test's own
   rlim_t largestFile = RLIM_INFINITY;  // bytes
   fs::path standardOut = {};           // empty: caught
+  fs::path standardIn = {};            // from the test's folder; empty: nothing
   const char* program = nullptr;       // null: the program under test
 };
 
@@ -81,6 +82,9 @@ class Program : public testing::Test {
     };
     redirect(surroundings.standardOut.empty() ? catchFile("out") : surroundings.standardOut, STDOUT_FILENO);
     redirect(catchFile("err"), STDERR_FILENO);
+    const fs::path in = surroundings.standardIn.empty() ? "/dev/null" : folder / surroundings.standardIn;
+    const int opened = ::open(in.c_str(), O_RDONLY);
+    if (opened < 0 || ::dup2(opened, STDIN_FILENO) < 0) ::_exit(123);
     if (::chdir((surroundings.folder.empty() ? folder : surroundings.folder).c_str()) != 0) ::_exit(121);
     std::signal(SIGINT, SIG_DFL);
     const rlimit limit{surroundings.largestFile, RLIM_INFINITY};

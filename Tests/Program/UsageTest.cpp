@@ -34,7 +34,7 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {{"run", "plan.dxf", "other.dxf", "--command", "REGEN", "--picture", "a.png"},
        "tolmex: --picture names one file; with several drawings give --out-dir DIR --format png\n"},
       {{"run", "plan.dxf", "--command", "REGEN", "--out", "a.dxf", "--out-dir", "out"},
-       std::string("--out-dir excludes --out") + kHint},
+       std::string("--out excludes --out-dir") + kHint},
       {{"run", "-", "--script", "-"}, "tolmex: -: standard input can be one drawing, or the script\n"},
       {{"run", "-", "--command", "REGEN", "--out-dir", "out"},
        "tolmex: the drawing on standard input has no name for --out-dir; give --out FILE\n"},
