@@ -149,7 +149,7 @@ TEST_F(ManyDrawings, JsonHoldsWhatTheDrawingsHold) {
         "PLINE\n0,0\n10,0\n10,5\n0,5\nC\nTLM_MUOK_ASFALTTI\nL\n\n"
         // A half circle of radius 2 on a rectangle.
         "PLINE\n0,20\n10,20\nA\n10,24\nL\n0,24\nC\nTLM_MUOK_PENSAS\nL\n\n"
-        "LINE\n0,0\n3,4\n\nTLM_MUOK_AITA_LAUTA\nL\n\nTLM_ASETA_KORKEUS\nL\n\n1.25\n");
+        "PLINE\n0,0\n3,4\n\nTLM_MUOK_AITA_LAUTA\nL\n\nTLM_ASETA_KORKEUS\nL\n\n1.25\n");
   ASSERT_EQ(call({"run", "plan.dxf", "--script", "a.scr", "--quiet", "--out", "a.dxf"}), (Outcome{0, "", ""}));
   const Outcome outcome = call({"info", "a.dxf", "bad.dxf", "plan.dxf", "--json", "--jobs", "2"});
   EXPECT_EQ(outcome.status, 2);
