@@ -31,7 +31,7 @@ struct ApplicationOptions {
   std::function<void()> regenerate;  // REGEN and ads_regen
   std::vector<std::filesystem::path> supportFolders;
   bool problemsOnScreen = false;  // beside the transcript: what that has shown to somebody is no problem as well
-  bool dialogsByHand = false;  // dialogs and boxes stand on the screen instead of taking lines of the input
+  bool dialogsByHand = false;     // dialogs and boxes stand on the screen instead of taking lines of the input
 };
 
 class Application {

@@ -207,6 +207,7 @@ void addPicture(CLI::App& app, PictureCallOptions& options, int& status) {
   addJobs(*call, options);
   addPictureOptions(*call, options.picture);
   addVariables(*call, options);
+  addSupport(*call, options);
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kPictureExamples));
   call->callback([&] {
@@ -226,6 +227,7 @@ void addInfo(CLI::App& app, InfoOptions& options, int& status) {
   addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
   call->add_flag("--json", options.json, "one JSON document for all drawings, described in docs/info-json.md");
   addJobs(*call, options);
+  call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kInfoExamples));
   call->callback([&] {
     if (options.drawings.empty()) throw CLI::RequiredError("PLAN");

@@ -66,7 +66,9 @@ int pictureDrawing(const PictureCallOptions& options, const fs::path& name, cons
   const fs::path file = readableFile(name);
   if (file.empty()) return static_cast<int>(RunStatus::DrawingUnreadable);
   if (!options.variables.empty()) {
-    host::editor::Application application;
+    host::editor::ApplicationOptions settings;
+    settings.supportFolders = options.supportFolders;
+    host::editor::Application application(settings);
     const RunStatus opened = openDrawing(application, file, options.variables);
     return static_cast<int>(opened != RunStatus::Done ? opened : writeAll(*application.drawing(), options, pictures));
   }

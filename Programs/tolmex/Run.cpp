@@ -1,4 +1,6 @@
 // `tolmex run`: a script on every drawing.
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -45,17 +47,37 @@ std::optional<Script> readScript(const RunOptions& options) {
   return script;
 }
 
+/// A script whose lines move the progress bar.
+class WatchedScript final : public host::editor::InputSource {
+ public:
+  WatchedScript(const Script& script, ProgressBar& bar)
+      : input_(script.text, script.name),
+        lines_(static_cast<double>(std::count(script.text.begin(), script.text.end(), '\n'))),
+        bar_(bar) {}
+  host::editor::Answer next(const host::editor::Question& question) override {
+    bar_.show(input_.place(), input_.lineNumber() / std::max(1.0, lines_));
+    return input_.next(question);
+  }
+  std::string place() const override { return input_.place(); }
+
+ private:
+  host::editor::ScriptInput input_;
+  double lines_;
+  ProgressBar& bar_;
+};
+
 RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const PlanOutputs& outputs,
                      const Script& script) {
   host::editor::ApplicationOptions settings;
-  ProgressBar bar;
+  // A transcript on the screen shows how far the work has come.
+  ProgressBar bar(options.quiet || ::isatty(STDOUT_FILENO) == 0);
   if (!options.quiet) settings.transcript = printTranscript;
   settings.problem = [](std::string_view sentence) { complain(RunStatus::Done, std::string(sentence)); };
   settings.meter = [&](std::wstring_view label, double fraction) { showMeter(bar, label, fraction); };
   PlanSession session(options, settings);
   if (const RunStatus opened = session.open(drawing); opened != RunStatus::Done) return opened;
 
-  host::editor::ScriptInput input(script.text, script.name);
+  WatchedScript input(script, bar);
   const Result result = session.application().run(input);
   ProgressBar::clear();
   std::fflush(stdout);

@@ -93,6 +93,34 @@ class DialogGreeting {
   std::wstring greeted_;
 };
 
+/// Ctrl+C while a command works: its next question ends in Esc; given again it ends the program.
+class ShellInterruption {
+ public:
+  ShellInterruption() { former_ = std::signal(SIGINT, &ShellInterruption::ask); }
+  ~ShellInterruption() { std::signal(SIGINT, former_); }
+  ShellInterruption(const ShellInterruption&) = delete;
+  ShellInterruption& operator=(const ShellInterruption&) = delete;
+  /// Somebody was asked something: the next Ctrl+C is a first one.
+  static void forget() { asked_ = 0; }
+
+ private:
+  static void say(std::string_view text) {
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+  }
+  static void ask(int) {
+    if (asked_ != 0) {
+      say("\ntolmex: interrupted; nothing was saved\n");
+      ::_exit(static_cast<int>(RunStatus::ScriptFailed));
+    }
+    asked_ = 1;
+    Application::interrupt();
+    say("\nCtrl+C again ends tolmex without saving\n");
+  }
+
+  static inline volatile std::sig_atomic_t asked_ = 0;
+  void (*former_)(int) = SIG_DFL;
+};
+
 class TerminalInput final : public host::editor::LineInput {
  public:
   TerminalInput(Terminal& terminal, Screen& screen) : terminal_(terminal), screen_(screen) {}
@@ -101,6 +129,7 @@ class TerminalInput final : public host::editor::LineInput {
  protected:
   std::optional<std::wstring> readLine(const Question& question) override {
     if (greeting_.isDue(question)) return L"LIST";
+    ShellInterruption::forget();
     const bool isCommand = question.prompt == kCommandPrompt;
     const bool isDialog = question.form == AnswerForm::Line;
     if (isDialog) screen_.startLine();
@@ -160,34 +189,6 @@ class PipeInput final : public host::editor::LineInput {
   DialogGreeting greeting_;
 };
 
-/// Ctrl+C while a command works: its next question ends in Esc; given again it ends the program.
-class ShellInterruption {
- public:
-  ShellInterruption() { former_ = std::signal(SIGINT, &ShellInterruption::ask); }
-  ~ShellInterruption() { std::signal(SIGINT, former_); }
-  ShellInterruption(const ShellInterruption&) = delete;
-  ShellInterruption& operator=(const ShellInterruption&) = delete;
-  /// Somebody was asked something: the next Ctrl+C is a first one.
-  static void forget() { asked_ = 0; }
-
- private:
-  static void say(std::string_view text) {
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
-  }
-  static void ask(int) {
-    if (asked_ != 0) {
-      say("\ntolmex: interrupted; nothing was saved\n");
-      ::_exit(static_cast<int>(RunStatus::ScriptFailed));
-    }
-    asked_ = 1;
-    Application::interrupt();
-    say("\nCtrl+C again ends tolmex without saving\n");
-  }
-
-  static inline volatile std::sig_atomic_t asked_ = 0;
-  void (*former_)(int) = SIG_DFL;
-};
-
 RunStatus typeCommands(PlanSession& session, Screen& screen) {
   Terminal terminal(
       [&session] {
@@ -229,6 +230,7 @@ int runShell(const RunOptions& options) {
   }
   settings.problem = [&](std::string_view sentence) {
     hasFailed = true;
+    if (atTerminal) screen.startLine();
     complain(RunStatus::Done, std::string(sentence));
   };
   settings.meter = [&](std::wstring_view label, double fraction) { showMeter(bar, label, fraction); };

@@ -24,8 +24,8 @@ _tolmex() {
     case $call in
       run) words='--script --command --out --out-dir --picture --format --jobs --set --support --quiet --help' ;;
       shell) words='--out --picture --set --support --quiet --help' ;;
-      picture) words="--out-dir --format --jobs --set --quiet --help $pictures" ;;
-      info) words='--json --jobs --help' ;;
+      picture) words="--out-dir --format --jobs --set --support --quiet --help $pictures" ;;
+      info) words='--json --jobs --quiet --help' ;;
       *) words='--help' ;;
     esac
   fi

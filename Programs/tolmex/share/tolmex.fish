@@ -4,9 +4,9 @@ complete -c tolmex -n "not __fish_seen_subcommand_from $calls" -f -a "$calls"
 for call in run shell picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l set -x -d 'Set a system variable'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l quiet -d 'Hide the transcript'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l support -r -d 'Folder of support files'
 end
 for call in run shell
-    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l support -r -d 'Folder of support files'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l out -r -d 'Where the drawing is saved'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l picture -r -d 'A picture of the result'
 end
