@@ -1,6 +1,7 @@
 #include "Batch.h"
 
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -74,6 +75,7 @@ std::string problem(const BatchTask& task, const std::string& what) {
 [[noreturn]] void workAlone(const BatchTask& task, const Worker& worker, const sigset_t& mask, RunStatus crashStatus) {
   int status = static_cast<int>(crashStatus);
   ::sigprocmask(SIG_SETMASK, &mask, nullptr);
+  ::prctl(PR_SET_PDEATHSIG, SIGTERM);
   if (worker.out.takesThePlaceOf(STDOUT_FILENO) && worker.err.takesThePlaceOf(STDERR_FILENO)) {
     nameDrawingInProblems(task.drawing);
     try {

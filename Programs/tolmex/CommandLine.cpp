@@ -63,7 +63,9 @@ constexpr const char* kInfoExamples =
 std::string footer(const char* text) { return std::string(text) + "\n\n" + kExitStatus; }
 
 void addDrawings(CLI::App& call, std::vector<std::filesystem::path>& drawings, const char* description) {
-  call.add_option("PLAN", drawings, description)->type_name("FILE");
+  call.add_option("PLAN", drawings, description)->type_name("FILE")->check([](const std::string& name) {
+    return name.empty() ? std::string("a file name is empty") : std::string();
+  });
 }
 
 void addFormats(CLI::App& call, OutputOptions& options) {
@@ -98,11 +100,13 @@ void addJobs(CLI::App& call, CommonOptions& options) {
 }
 
 void addSupport(CLI::App& call, CommonOptions& options) {
+  CLI::Validator isFolder = CLI::ExistingDirectory;
+  isFolder.description({});  // help would name the type twice
   call.add_option("--support", options.supportFolders,
                   "a folder with tolm.ini, orvpath.cfg, linetype and pattern files; may be given more than once")
       ->type_name("DIR")
       ->allow_extra_args(false)
-      ->check(CLI::ExistingDirectory);
+      ->check(isFolder);
 }
 
 void addVariables(CLI::App& call, CommonOptions& options) {
@@ -262,7 +266,8 @@ bool readerLeft() {
 }  // namespace
 
 int runCommandLine(int argc, char** argv) {
-  CLI::App app("Illustrates land-use plans: hatched areas, hedges, fences, parking rows, without a CAD program.");
+  CLI::App app("Illustrates land-use plans: hatched areas, hedges, fences, parking rows, without a CAD program.",
+               "tolmex");
   app.set_version_flag("--version", "tolmex " TOLMEX_VERSION);
   app.footer(footer(kExamples));
   app.require_subcommand(1);

@@ -141,6 +141,7 @@ RunStatus writeOutput(const fs::path& file, std::string_view bytes) {
   }
   if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0)
     return RunStatus::Done;
+  std::clearerr(stdout);  // said once
   complain(RunStatus::OutputFailed, "standard output cannot be written");
   return RunStatus::OutputFailed;
 }

@@ -28,6 +28,7 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {{"ruin", "plan.dxf"},
        std::string("ruin: No such call; the calls are run, shell, picture, info and desktop") + kHint},
       {{"run"}, std::string("PLAN is required") + kHint},
+      {{"run", "plan.dxf", "", "--command", "REGEN"}, std::string("PLAN: a file name is empty") + kHint},
       {{"run", "plan.dxf"}, std::string("--script or --command is required") + kHint},
       {{"run", "plan.dxf", "other.dxf", "--command", "REGEN", "--out", "a.dxf"},
        "tolmex: --out names one file; with several drawings give --out-dir DIR\n"},
