@@ -44,6 +44,9 @@ class Shell : public Program {
     ASSERT_EQ(::write(terminal, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
   }
 
+  /// The same once the line editor has shown the prompt: only then do keys reach it and not the terminal.
+  void atPrompt(const std::string& prompt, const std::string& keys) { at("\r\x1b[K" + prompt, keys); }
+
   int end() {
     while (more()) {
     }
@@ -73,16 +76,16 @@ class Shell : public Program {
 
 TEST_F(Shell, TakesCommandsKeysAndDialogsOfATerminal) {
   open({"plan.dxf"});
-  at("Command: ", "TLM_MUOK_PEN\t");
+  atPrompt("Command: ", "TLM_MUOK_PEN\t");
   at("SAS", "\r");
   at("Select objects: ", "(handent \"290\")\r");
   at("1 found", "\r");
   at("Command: ", "LINE 0,0 1,1\r");
-  at("or [Undo]: ", "\x1b");  // Esc alone
+  atPrompt("Specify next point or [Undo]: ", "\x1b");  // Esc alone
   at("*Cancel*", "LINE\r");
-  at("first point: ", "\x03");  // Ctrl+C
+  atPrompt("Specify first point: ", "\x03");  // Ctrl+C
   at("*Cancel*", "LINE\r");
-  at("first point: ", "\x04");  // Ctrl+D leaves the command, not the program
+  atPrompt("Specify first point: ", "\x04");  // Ctrl+D leaves the command, not the program
   at("*Cancel*", "REGENN\r");
   at("Unknown command \"REGENN\".  Nearest: REGEN.", "TLM_MUOK_RAKENNUS (handent \"2C0\")\r");
   at("Select objects: ", "\r");
@@ -93,12 +96,13 @@ TEST_F(Shell, TakesCommandsKeysAndDialogsOfATerminal) {
   at("dialog", "30208 0\r");
   at("dialog", "OK\r");
   at("Command: ", "U\r");
-  at("TLM_MUOK_RAKENNUS", "\x04");
+  atPrompt("Command: ", "\x04");
   at("Save changes to plan.dxf? [Yes/No/Cancel]", "c\r");
-  at("Command: ", "\x1b[A\x1b[A\r");  // the line before the last answer
+  atPrompt("Command: ", "\x1b[A\x1b[A\r");  // the line before the last answer
   at("Command: ", "quit\r");
   at("Save changes to plan.dxf? [Yes/No/Cancel]", "\r");
   EXPECT_EQ(end(), 0) << all;
+  EXPECT_THAT(all, HasSubstr("U\r\nTLM_MUOK_RAKENNUS\r\n"));
   EXPECT_THAT(all, testing::Not(HasSubstr("tolmex: "))) << "what the transcript says is not said twice";
   EXPECT_THAT(call({"info", "plan.dxf"}).out, HasSubstr("Pensas            1, 1 with a fill\n"));
   EXPECT_THAT(call({"info", "plan.dxf"}).out, testing::Not(HasSubstr("buildings")));
