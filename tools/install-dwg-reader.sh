@@ -8,8 +8,8 @@ if ! command -v node >/dev/null || ! command -v npm >/dev/null; then
   echo "install-dwg-reader: node and npm (Debian packages nodejs and npm) are missing; DWG drawings cannot be read" >&2
   exit 1
 fi
-if [ "$(node -p 'process.versions.node.split(".")[0]')" -lt 20 ]; then
-  echo "install-dwg-reader: $(node --version) is older than the package asks for (v20); DWG drawings may not be read" >&2
+if [ "$(node -p 'process.versions.node.split(".")[0]')" -lt 18 ]; then
+  echo "install-dwg-reader: $(node --version) is older than v18, Debian's, which this was tried with; DWG drawings may not be read" >&2
 fi
 if [ ! node_modules/.package-lock.json -nt package-lock.json ]; then
   npm ci --no-audit --no-fund --loglevel=error >/dev/null
