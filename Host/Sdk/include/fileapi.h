@@ -4,7 +4,6 @@
 #include "windows.h"
 
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-1)))  // NOLINT(performance-no-int-to-ptr)
-inline constexpr int MAX_PATH = 260;
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
 inline constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
