@@ -18,6 +18,11 @@ class FittedPattern {
     const double rounds = std::floor((length - first) / round);
     unbroken_ = !(rounds >= 1);
     left_ = (length - rounds * round + first) / 2;
+    // A dot cannot be lengthened to fill the ends: they stay empty, the same at both.
+    if (pattern.front() == 0 && pattern.back() < 0) {
+      at_ = pattern.size() - 1;
+      isStart_ = false;
+    }
   }
   bool isUnbroken() const { return unbroken_; }
   double length() const { return left_; }

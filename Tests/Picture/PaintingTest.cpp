@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "Picture/Dashes.h"
 #include "Picture/Rendered.h"
 
 namespace tests {
@@ -112,6 +113,17 @@ TEST(Painting, WidthsLinetypesAndWipeouts) {
                "|2 6 0000ff|4 6 ffffff|6 6 0000ff|8 6 ffffff|18 6 0000ff"
                "|2 9 00ff00|3.9 9.1 ffffff|2 14 00ff00|3.5 14 00ff00|4.5 14 00ff00"
                "|3 18 ffff00|7 18 ffffff|11 18 ffff00");
+}
+
+TEST(Painting, DottedLinesEndAlike) {
+  using host::geometry::Point;
+  std::vector<double> dots;
+  const auto take = [&](const std::vector<Point>& dot) {
+    EXPECT_EQ(dot.size(), 1U);
+    dots.push_back(dot.front().x);
+  };
+  host::picture::drawDashes({{0, 0}, {10, 0}}, false, {0, -3}, {-1, -1, 11, 1}, 100, take);
+  EXPECT_EQ(dots, (std::vector<double>{0.5, 3.5, 6.5, 9.5}));
 }
 
 TEST(Painting, TransparencyMixesOnce) {
