@@ -2,7 +2,7 @@
 //   30206 2.8              the text of an edit ("" empties it), the entry of a list
 //   30255                  presses a button, chooses a radio button
 //   30300 on               a check box
-//   OK                     a button by its caption
+//   OK                     a button by its caption; a check box too: Roof on
 //   double-click 30239     a list
 //   PICTURE dialog.png     what the dialog looks like now, for documents and tests
 //   LIST                   prints the controls with their contents in the transcript
@@ -163,11 +163,22 @@ Refusal doubleClick(HostWindow& control) {
   return {};
 }
 
-HostWindow* buttonByCaption(HostWindow& dialog, std::wstring_view caption) {
+/// A control named by its caption, and what the line says behind it.
+struct Named {
+  HostWindow* control = nullptr;
+  std::wstring_view value;
+};
+
+Named buttonByCaption(HostWindow& dialog, std::wstring_view line) {
+  const std::size_t blank = line.find_last_of(kBlanks);
+  const std::wstring_view front = trimmed(line.substr(0, blank));  // all of it without a blank
   for (const auto& child : dialog.children) {
-    if (isPressed(*child) && text::equalFolded(captionOf(*child), caption)) return child.get();
+    if (!isPressed(*child) && !isCheckBox(*child)) continue;
+    const std::wstring caption = captionOf(*child);
+    if (text::equalFolded(caption, line)) return {child.get(), {}};
+    if (isCheckBox(*child) && text::equalFolded(caption, front)) return {child.get(), line.substr(blank + 1)};
   }
-  return nullptr;
+  return {};
 }
 
 /// "30211 edit "3"", one line per control.
@@ -210,14 +221,16 @@ std::wstring refusalOf(HostWindow& dialog, std::wstring_view line) {
     if (!file.ends_with(".png")) return name + L": a dialog's picture is a .png file";
     return dialog.widget->savePicture(file) ? L"" : name + L": " + unquoted(rest) + L" cannot be written";
   }
-  if (text::equalFolded(line, L"LIST") && buttonByCaption(dialog, line) == nullptr) {
+  if (text::equalFolded(line, L"LIST") && buttonByCaption(dialog, line).control == nullptr) {
     editor::printDialogLine(name + L":");
     listControls(dialog);
     return {};
   }
   const bool isDouble = text::equalFolded(word, L"double-click");
   const std::optional<int> id = asId(isDouble ? rest : word);
-  HostWindow* const control = id ? GetDlgItem(&dialog, *id) : isDouble ? nullptr : buttonByCaption(dialog, line);
+  const auto [control, value] = id         ? Named{GetDlgItem(&dialog, *id), rest}
+                                : isDouble ? Named{}
+                                           : buttonByCaption(dialog, line);
   if (control == nullptr)
     return name + L" has no control " +
            inQuotes(isDouble ? rest
@@ -225,7 +238,7 @@ std::wstring refusalOf(HostWindow& dialog, std::wstring_view line) {
                              : line) +
            L"; it has " + knownControls(dialog);
   const std::wstring which = name + L": control " + std::to_wstring(control->id) + L" ";
-  const Refusal refusal = isDouble ? doubleClick(*control) : actOn(*control, id ? rest : std::wstring_view());
+  const Refusal refusal = isDouble ? doubleClick(*control) : actOn(*control, value);
   return refusal.empty() ? L"" : which + refusal;
 }
 

@@ -78,7 +78,7 @@ TEST_F(Dialogs, EveryControlIsWorked) {
       "10\n"
       "dots\n"
       "12\n"
-      "20 on\n"
+      "roof on\n"
       "20 on\n"
       "30 \"2,5 \"\"m\"\"\"\n"
       "40 Kuusi\n"
@@ -110,6 +110,7 @@ TEST_F(Dialogs, WhatCannotBeDoneNamesDialogLineAndControls) {
   expectFailure("TRY\n31 x\n", "control 31 is read-only");
   expectFailure("TRY\n32 x\n", "control 32 is disabled");
   expectFailure("TRY\n20 maybe\n", "control 20 is a check box");
+  expectFailure("TRY\nroof\n", "control 20 is a check box: give it on or off");
   expectFailure("TRY\n30\n", "control 30 is an edit");
   expectFailure("TRY\n40 lehmus\n", "has no entry \"lehmus\"; its entries: \"mänty\", \"kuusi\", \"koivu\"");
   EXPECT_TRUE(said(L"result 2\n"));  // cancelled, not hung
