@@ -54,17 +54,17 @@ def blocks_of(guide: str) -> Iterator[Block]:
     lines = guide.split("\n")
     at = 0
     while at < len(lines):
-        opening = re.match(r"```(\S+)\s*(.*)$", lines[at])
+        opening = re.match(r"( *)```(\S+)\s*(.*)$", lines[at])
         at += 1
         if not opening:
             continue
-        first = at
-        while at < len(lines) and lines[at] != "```":
+        first, margin = at, len(opening[1])  # in a list, code stands to the right
+        while at < len(lines) and lines[at].strip() != "```":
             at += 1
         if at == len(lines):
             raise Failure(f"kayttoohje.md:{first}: this code block has no end")
-        options = dict((word.split("=", 1) + [""])[:2] for word in opening[2].split())
-        yield Block(first, opening[1], options, "".join(line + "\n" for line in lines[first:at]))
+        options = dict((word.split("=", 1) + [""])[:2] for word in opening[3].split())
+        yield Block(first, opening[2], options, "".join(line[margin:] + "\n" for line in lines[first:at]))
         at += 1
 
 
