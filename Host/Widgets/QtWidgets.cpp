@@ -114,6 +114,24 @@ class DialogWindow : public QDialog {
   HostWindow& window_;
 };
 
+/// A window's inside with the title bar that no window system has drawn.
+QPixmap framed(const QPixmap& inside, const QWidget& window) {
+  constexpr int kMargin = 8, kFrame = 1;
+  QFont font = window.font();
+  font.setBold(true);
+  const int bar = QFontMetrics(font).height() + kMargin;
+  QPixmap whole(inside.width() + 2 * kFrame, inside.height() + bar + 2 * kFrame);
+  whole.fill(QColor(0x80, 0x88, 0x90));
+  QPainter painter(&whole);
+  const QRect title(kFrame, kFrame, inside.width(), bar);
+  painter.fillRect(title, QColor(0xD0, 0xD8, 0xE0));
+  painter.setFont(font);
+  painter.drawText(title.adjusted(kMargin, 0, -kMargin, 0), Qt::AlignVCenter | Qt::TextSingleLine,
+                   window.windowTitle());
+  painter.drawPixmap(kFrame, kFrame + bar, inside);
+  return whole;
+}
+
 class Dialog final : public Typed<DialogWindow> {
  public:
   Dialog(DialogWindow* dialog, Shown shown, bool isResizable)
@@ -141,7 +159,7 @@ class Dialog final : public Typed<DialogWindow> {
   void setText(std::wstring_view text) override { t_.setWindowTitle(toQt(text)); }
   bool savePicture(const std::filesystem::path& file) override {
     handleWaitingEvents();
-    return t_.grab().save(QString::fromStdString(file.string()), "PNG");
+    return framed(t_.grab(), t_).save(QString::fromStdString(file.string()), "PNG");
   }
 
  private:

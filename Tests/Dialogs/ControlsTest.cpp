@@ -1,6 +1,8 @@
 // Every kind of control in a dialog of the test's own, worked by scripts as plug-ins' dialogs are.
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <memory>
 
 #include "Dialogs/TemplateBytes.h"
@@ -243,10 +245,20 @@ TEST_F(Dialogs, NumbersOfNumericEdits) {
   expectDone("TRY\nOK\n");
 }
 
-TEST_F(Dialogs, APictureIsMade) {
+TEST_F(Dialogs, APictureIsMadeWithItsTitle) {
   const auto file = std::filesystem::temp_directory_path() / ("try-" + std::to_string(::getpid()) + ".png");
-  expectDone("TRY\nPICTURE \"" + file.string() + "\"\nOK\n");
-  EXPECT_GT(std::filesystem::file_size(file), 500U);
+  const auto pictureUnder = [&](const wchar_t* title) {
+    TemplateBytes titled(title);
+    titled.button(IDOK, BS_DEFPUSHBUTTON, L"OK");
+    showDialog = [titled] { return TryDialog(titled).DoModal(); };
+    expectDone("TRY\nPICTURE \"" + file.string() + "\"\nOK\n");
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  };
+  const std::string tried = pictureUnder(L"Try");
+  EXPECT_GT(tried.size(), 500U);
+  EXPECT_EQ(tried, pictureUnder(L"Try"));
+  EXPECT_NE(tried, pictureUnder(L"Try it"));
   std::filesystem::remove(file);
   expectFailure("TRY\nPICTURE try.gif\n", ".png");
   expectFailure("TRY\nPICTURE /no/such/folder/try.png\n", "cannot be written");
