@@ -249,7 +249,7 @@ TEST_F(Dialogs, APictureIsMadeWithItsTitle) {
   const auto file = std::filesystem::temp_directory_path() / ("try-" + std::to_string(::getpid()) + ".png");
   const auto pictureUnder = [&](const wchar_t* title) {
     TemplateBytes titled(title);
-    titled.button(IDOK, BS_DEFPUSHBUTTON, L"OK");
+    titled.button(IDOK, BS_DEFPUSHBUTTON, L"OK").button(IDCANCEL, 0, L"Cancel");
     showDialog = [titled] { return TryDialog(titled).DoModal(); };
     expectDone("TRY\nPICTURE \"" + file.string() + "\"\nOK\n");
     std::ifstream in(file, std::ios::binary);
