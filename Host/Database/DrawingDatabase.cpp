@@ -19,6 +19,13 @@ DrawingDatabase::~DrawingDatabase() {
   });
 }
 
+void DrawingDatabase::clear() {
+  parts_->slots.forEach([](Slot& slot) { delete slot.live; });
+  auto fresh = std::make_unique<Parts>(*this, parts_->facade);
+  fresh->reactors = std::move(parts_->reactors);
+  parts_ = std::move(fresh);
+}
+
 AcDbDatabase* DrawingDatabase::facade() const { return parts_->facade; }
 DrawingVersion DrawingDatabase::version() const { return parts_->version; }
 const text::Codec& DrawingDatabase::codec() const { return parts_->codec; }

@@ -37,6 +37,7 @@ struct Problem {
   std::size_t line = 0;      // of the file; 0 when it is not about one line
   std::uint64_t handle = 0;  // 0 when it is not about one object
   std::string text;          // UTF-8, one sentence without file name
+  bool isNote = false;       // something to know, nothing wrong
 };
 
 enum class DrawingVersion {
@@ -57,6 +58,9 @@ class DrawingDatabase {
   ~DrawingDatabase();
   DrawingDatabase(const DrawingDatabase&) = delete;
   DrawingDatabase& operator=(const DrawingDatabase&) = delete;
+
+  /// Forgets everything, as before anything was read. No object may be open.
+  void clear();
 
   AcDbDatabase* facade() const;
   DrawingVersion version() const;

@@ -212,6 +212,21 @@ struct UndoStep {
   bool isEmpty() const { return states.empty() && order.empty() && madeBegin == madeEnd; }
 };
 
+/// How a drawing's text is spelled in its file, when not as it stands (binary drawings).
+class FileForm {
+ public:
+  FileForm() = default;
+  FileForm(const FileForm&) = delete;
+  FileForm& operator=(const FileForm&) = delete;
+  virtual ~FileForm() = default;
+  /// What stands before and behind the spelled text.
+  virtual std::string_view head() const = 0;
+  virtual std::string_view tail() const = 0;
+  /// Adds the bytes that a piece of text (whole tags) makes in the file; `text` is the drawing's text as it was read, in
+  /// which lie the pieces that nobody changed.
+  virtual void spell(std::string_view piece, std::string_view text, std::string& out) const = 0;
+};
+
 struct NameHash {
   using is_transparent = void;
   std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
@@ -226,7 +241,8 @@ struct DrawingDatabase::Parts {
 
   // The file.
   std::string text;
-  std::string fileName;  // as messages call it
+  std::string fileName;                  // as messages call it
+  std::shared_ptr<const FileForm> form;  // null: the text is the file
   DrawingVersion version = DrawingVersion::V2013;
   text::Codec codec;
   std::string lineEnd = "\n";

@@ -17,14 +17,20 @@ struct FileResult {
   std::string message;
 };
 
-/// Reads an ASCII drawing AC1015 to AC1032, or a DWG drawing AC1014 to AC1032, into an empty database; its first bytes
-/// tell which, whatever the file's name. On failure the database stays empty.
+/// Reads a drawing into an empty database: DXF of any version as text or binary, or DWG AC1014 to AC1032; its first
+/// bytes tell which, whatever the file's name. A drawing before 2000 becomes one of 2000; a damaged one is read as far
+/// as it can be; the database's problems tell. Fails, and leaves the database empty, only when nothing could be read.
 FileResult readDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
 /// The same from text already in memory; `name` is what messages call it.
 FileResult readDrawingText(database::DrawingDatabase& db, std::string text, const std::string& name);
 /// Whether a file begins as DWG drawings do.
 bool isDwg(std::string_view bytes);
-/// The drawing as it would be saved.
+/// The bytes of a repaired copy of a drawing, and what was wrong. Well-formed drawings are looked through too.
+FileResult repairDrawing(const std::filesystem::path& file, std::string& repaired,
+                         std::vector<database::Problem>& problems);
+/// One line: file, line, handle and what is wrong.
+std::string problemSentence(const std::string& file, const database::Problem& problem);
+/// The drawing as it would be saved; a binary one as binary.
 std::string drawingText(database::DrawingDatabase& db);
 /// Writes to a temporary file beside the target, flushes it and renames it over the target; a failure leaves the old
 /// file whole. Untouched records keep their bytes.

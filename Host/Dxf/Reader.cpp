@@ -1,13 +1,10 @@
-// Reading a drawing: one pass over the text that makes a slot for every object and parses none of them.
+// Reading a well-formed drawing: one pass over the text that makes a slot for every object and parses none of them.
+#include "Dxf/Reader.h"
+
 #include <algorithm>
 #include <charconv>
-#include <cstring>
-#include <fstream>
 
-#include "Database/DefaultDrawing.h"
-#include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
-#include "Dxf/DxfFile.h"
 #include "Dxf/Scanner.h"
 #include "Text/Text.h"
 
@@ -22,11 +19,6 @@ using database::Slot;
 using database::SymbolTable;
 
 namespace {
-
-/// A sentence that ends the reading.
-struct ReadError {
-  std::string message;
-};
 
 /// What the loader keeps of a slot until all handles are known.
 struct PendingOwner {
@@ -45,7 +37,6 @@ class Reader {
     const std::size_t firstLine = parts_.text.find('\n');
     parts_.lineEnd =
         firstLine != std::string::npos && firstLine > 0 && parts_.text[firstLine - 1] == '\r' ? "\r\n" : "\n";
-    refuseOtherForms();
     readSections();
     finish();
   }
@@ -53,14 +44,6 @@ class Reader {
  private:
   [[noreturn]] void fail(std::size_t offset, const std::string& what) const {
     throw ReadError{name_ + ":" + std::to_string(scanner_.lineAt(offset)) + ": " + what};
-  }
-
-  void refuseOtherForms() const {
-    const std::string_view text = parts_.text;
-    if (text.substr(0, 22) == "AutoCAD Binary DXF\r\n\x1a" || text.substr(0, 18) == "AutoCAD Binary DXF") {
-      throw ReadError{name_ + ": binary DXF cannot be read yet; save the drawing as ASCII DXF"};
-    }
-    if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) throw ReadError{name_ + ": the file is empty"};
   }
 
   void readSections() {
@@ -150,8 +133,7 @@ class Reader {
       std::from_chars(version.data() + 2, version.data() + 6, number);
     }
     if (number < 1015) {
-      throw ReadError{name_ + ": " + (version.empty() ? "the drawing names no version" : "drawing version " + version) +
-                      "; only versions AC1015 (2000) to AC1032 (2018) can be read yet"};
+      throw ReadError{name_ + ": " + (version.empty() ? "the drawing names no version" : "drawing version " + version)};
     }
     // Versions are even numbers of the format, not of the program; newer ones than 2018 have the same structure.
     static constexpr int kVersions[] = {1015, 1018, 1021, 1024, 1027, 1032};
@@ -165,9 +147,7 @@ class Reader {
 
   void needVersion(std::size_t offset) const {
     if (!versionKnown_) {
-      fail(offset,
-           "the drawing has no HEADER with a version before its data; only versions AC1015 (2000) to AC1032 "
-           "(2018) can be read yet");
+      fail(offset, "the drawing has no HEADER with a version before its data");
     }
   }
 
@@ -250,6 +230,9 @@ class Reader {
         default:
           break;
       }
+    }
+    if (isEntity && subclasses == 0 && !isPartType(type) && type != DxfType::EndBlk) {
+      fail(head.offset, std::string(head.value) + " has no subclass markers");
     }
     if (type == DxfType::Polyline2d) type = polylineType(scanned.flags);
     if (type == DxfType::Vertex2d) type = vertexType(scanned.flags);
@@ -433,7 +416,7 @@ class Reader {
     if (!versionKnown_) checkVersion("");
     if (parts_.root == nullptr) parts_.root = firstDictionary_;
     parts_.indexHandles();
-    reportRepeatedHandles();
+    refuseRepeatedHandles();
     giveMissingHandles();
     std::uint64_t lastHandle = 0;  // neighbours mostly have one owner
     Slot* lastOwner = nullptr;
@@ -450,17 +433,15 @@ class Reader {
     parts_.savedChanges = parts_.changes;
   }
 
-  void reportRepeatedHandles() {
+  void refuseRepeatedHandles() const {
     const std::vector<Slot*>& index = parts_.byHandle;
     for (std::size_t i = 1; i < index.size(); ++i) {
-      if (index[i]->handle != index[i - 1]->handle) continue;
-      addProblem(*index[i], "the handle is used twice; the first object keeps it");
+      if (index[i]->handle == index[i - 1]->handle) failAt(*index[i], "the handle is used twice");
     }
   }
 
-  void addProblem(const Slot& slot, std::string text) {
-    const std::size_t offset = static_cast<std::size_t>(slot.begin - parts_.text.data());
-    parts_.problems.push_back({scanner_.lineAt(offset), slot.handle, std::move(text)});
+  [[noreturn]] void failAt(const Slot& slot, const std::string& what) const {
+    fail(static_cast<std::size_t>(slot.begin - parts_.text.data()), text::formatHandle(slot.handle) + ": " + what);
   }
 
   void giveMissingHandles() {
@@ -477,10 +458,8 @@ class Reader {
       if (record == nullptr || record->type != DxfType::BlockRecord) {
         record = db_.findRecord(DxfType::BlockRecord, parts_.codec.decode(pending.name));
       }
-      if (record == nullptr) {
-        addProblem(*pending.begin, "the block has no block record; it is kept but cannot be used");
-        continue;
-      }
+      if (record == nullptr) failAt(*pending.begin, "the block has no block record");
+      if (parts_.contents(record).begin != nullptr) failAt(*pending.begin, "two blocks have one block record");
       BlockContents& block = parts_.contents(record);
       block.record = record;
       block.begin = pending.begin;
@@ -541,56 +520,8 @@ class Reader {
 
 }  // namespace
 
-bool isDwg(std::string_view bytes) {
-  return bytes.size() >= 6 && bytes.substr(0, 2) == "AC" &&
-         std::all_of(bytes.begin() + 2, bytes.begin() + 6, [](char c) { return c >= '0' && c <= '9'; });
+void readWellFormed(DrawingDatabase& db, std::string text, const std::string& name) {
+  Reader(db, name).read(std::move(text));
 }
-
-FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::string& name) {
-  try {
-    if (isDwg(text)) {
-      const database::DwgConverter convert = database::dwgConverter();
-      if (convert == nullptr) return {false, name + ": this is a DWG drawing, and this program has no reader for them"};
-      database::ConvertedDrawing converted = convert(text, name);
-      if (!converted.ok) return {false, std::move(converted.message)};
-      text = std::move(converted.text);
-    }
-    Reader(db, name).read(std::move(text));
-    return {};
-  } catch (const ReadError& error) {
-    return {false, error.message};
-  } catch (const std::bad_alloc&) {
-    return {false, name + ": not enough memory to read the drawing"};
-  }
-}
-
-FileResult readDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
-  const std::string name = file.string();
-  std::error_code error;
-  if (std::filesystem::is_directory(file, error)) return {false, name + ": this is a folder, not a drawing"};
-  std::ifstream in(file, std::ios::binary | std::ios::ate);
-  if (!in) return {false, name + ": cannot be opened: " + std::strerror(errno)};
-  std::string text;
-  try {
-    text.resize(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)));
-  } catch (const std::bad_alloc&) {
-    return {false, name + ": not enough memory to read the drawing"};
-  }
-  in.seekg(0);
-  in.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (static_cast<std::size_t>(in.gcount()) != text.size()) return {false, name + ": cannot be read to its end"};
-  return readDrawingText(db, std::move(text), name);
-}
-
-namespace {
-[[maybe_unused]] const bool textReaderGiven = database::setTextReader(
-    [](DrawingDatabase& db, std::string text) { return readDrawingText(db, std::move(text), "empty drawing").ok; });
-[[maybe_unused]] const bool fileReaderGiven =
-    database::setFileReader([](DrawingDatabase& db, const std::filesystem::path& file, std::string& message) {
-      FileResult result = readDrawing(db, file);
-      message = std::move(result.message);
-      return result.ok;
-    });
-}  // namespace
 
 }  // namespace host::dxf

@@ -279,9 +279,28 @@ class Writer {
 
 }  // namespace
 
+namespace {
+
+/// Gives the bytes of the file, until `give` answers false.
+bool produce(DrawingDatabase& db, const GiveBytes& give) {
+  Writer writer(db);
+  const auto& form = db.parts().form;
+  if (form == nullptr) return writer.write(give);
+  if (!give(form->head())) return false;
+  std::string spelled;
+  const bool isWhole = writer.write([&](std::string_view piece) {
+    spelled.clear();
+    form->spell(piece, db.parts().text, spelled);
+    return give(spelled);
+  });
+  return isWhole && give(form->tail());
+}
+
+}  // namespace
+
 std::string drawingText(DrawingDatabase& db) {
   std::string text;
-  Writer(db).write([&text](std::string_view piece) {
+  produce(db, [&text](std::string_view piece) {
     text += piece;
     return true;
   });
@@ -290,8 +309,7 @@ std::string drawingText(DrawingDatabase& db) {
 
 FileResult saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
   try {
-    FileResult result = writeFileWhole(
-        file, [&db](const std::function<bool(std::string_view)>& give) { return Writer(db).write(give); });
+    FileResult result = writeFileWhole(file, [&db](const GiveBytes& give) { return produce(db, give); });
     if (result.ok) db.setUnmodified();
     return result;
   } catch (const std::bad_alloc&) {

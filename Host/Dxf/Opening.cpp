@@ -1,0 +1,171 @@
+// Opening a drawing of any form: DWG and binary drawings are brought to text; text that is not well-formed, or of a
+// version before 2000, is rebuilt.
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <optional>
+
+#include "Database/DefaultDrawing.h"
+#include "Database/Parts.h"
+#include "Dxf/Binary.h"
+#include "Dxf/DxfFile.h"
+#include "Dxf/Outline.h"
+#include "Dxf/Reader.h"
+#include "Dxf/Rebuild.h"
+
+namespace host::dxf {
+
+using database::DrawingDatabase;
+using database::Problem;
+
+namespace {
+
+/// A drawing as text, whatever form it came in.
+struct TextForm {
+  std::string text;
+  std::shared_ptr<BinaryForm> binary;  // null for drawings in text
+  bool hasLines = true;                // lines of the text are lines of the file
+  std::string failure;
+};
+
+TextForm textFormOf(std::string bytes, const std::string& name) {
+  TextForm form;
+  if (isDwg(bytes)) {
+    const database::DwgConverter convert = database::dwgConverter();
+    form.hasLines = false;
+    if (convert == nullptr) {
+      form.failure = name + ": this is a DWG drawing, and this program has no reader for them";
+      return form;
+    }
+    database::ConvertedDrawing converted = convert(bytes, name);
+    if (!converted.ok) form.failure = std::move(converted.message);
+    form.text = std::move(converted.text);
+    return form;
+  }
+  if (isBinary(bytes)) {
+    form.binary = std::make_shared<BinaryForm>();
+    form.text = form.binary->textOf(bytes);
+    form.hasLines = false;
+    return form;
+  }
+  form.text = std::move(bytes);
+  if (form.text.find_first_not_of(" \t\r\n") == std::string::npos) form.failure = name + ": the file is empty";
+  return form;
+}
+
+/// Lines that end in a carriage return only.
+void useLineFeeds(std::string& text) {
+  if (text.find('\n') == std::string::npos) std::replace(text.begin(), text.end(), '\r', '\n');
+}
+
+/// Rebuilds the text; false when it holds nothing of a drawing.
+bool mend(TextForm& form, std::vector<Problem>& problems) {
+  useLineFeeds(form.text);
+  ProblemLog log(form.text, form.hasLines);
+  Outline outline = outlineOf(form.text, log);
+  if (outline.isEmpty()) return false;
+  const std::size_t firstLine = form.text.find('\n');
+  const bool hasReturns = firstLine != std::string::npos && firstLine > 0 && form.text[firstLine - 1] == '\r';
+  Rebuilt rebuilt = rebuild(std::move(outline), hasReturns ? "\r\n" : "\n", log);
+  problems = log.take();
+  form.text = std::move(rebuilt.text);
+  if (form.binary != nullptr) form.binary->useForNewText(rebuilt.wasUpgraded);
+  return true;
+}
+
+/// Why the text is not well-formed; nothing when it was read.
+std::optional<std::string> readOrSay(DrawingDatabase& db, std::string text, const std::string& name) {
+  try {
+    readWellFormed(db, std::move(text), name);
+    return std::nullopt;
+  } catch (const ReadError& error) {
+    return error.message;
+  }
+}
+
+FileResult bytesOf(const std::filesystem::path& file, std::string& bytes) {
+  const std::string name = file.string();
+  std::error_code error;
+  if (std::filesystem::is_directory(file, error)) return {false, name + ": this is a folder, not a drawing"};
+  std::ifstream in(file, std::ios::binary | std::ios::ate);
+  if (!in) return {false, name + ": cannot be opened: " + std::strerror(errno)};
+  bytes.resize(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)));
+  in.seekg(0);
+  in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (static_cast<std::size_t>(in.gcount()) != bytes.size()) return {false, name + ": cannot be read to its end"};
+  return {};
+}
+
+constexpr const char* kNoMemory = ": not enough memory to read the drawing";
+
+}  // namespace
+
+bool isDwg(std::string_view bytes) {
+  return bytes.size() >= 6 && bytes.substr(0, 2) == "AC" &&
+         std::all_of(bytes.begin() + 2, bytes.begin() + 6, [](char c) { return c >= '0' && c <= '9'; });
+}
+
+FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::string& name) {
+  try {
+    TextForm form = textFormOf(std::move(text), name);
+    if (!form.failure.empty()) return {false, std::move(form.failure)};
+    const std::optional<std::string> fault = readOrSay(db, std::move(form.text), name);
+    std::vector<Problem> problems;
+    if (fault) {
+      form.text = std::move(db.parts().text);
+      db.clear();
+      if (!mend(form, problems)) {
+        return {false, form.hasLines ? *fault : name + ": nothing of a drawing can be read from it"};
+      }
+      if (const auto still = readOrSay(db, std::move(form.text), name)) {
+        db.clear();
+        return {false, *still};
+      }
+    }
+    db.parts().problems = std::move(problems);
+    db.parts().form = std::move(form.binary);
+    return {};
+  } catch (const std::bad_alloc&) {
+    db.clear();
+    return {false, name + kNoMemory};
+  }
+}
+
+FileResult readDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
+  try {
+    std::string bytes;
+    if (FileResult read = bytesOf(file, bytes); !read.ok) return read;
+    return readDrawingText(db, std::move(bytes), file.string());
+  } catch (const std::bad_alloc&) {
+    return {false, file.string() + kNoMemory};
+  }
+}
+
+FileResult repairDrawing(const std::filesystem::path& file, std::string& repaired, std::vector<Problem>& problems) {
+  const std::string name = file.string();
+  try {
+    std::string bytes;
+    if (FileResult read = bytesOf(file, bytes); !read.ok) return read;
+    TextForm form = textFormOf(std::move(bytes), name);
+    if (!form.failure.empty()) return {false, std::move(form.failure)};
+    if (!mend(form, problems)) return {false, name + ": nothing of a drawing can be read from it"};
+    repaired = form.binary != nullptr ? form.binary->spelled({form.text}, form.text) : std::move(form.text);
+    return {};
+  } catch (const std::bad_alloc&) {
+    return {false, name + kNoMemory};
+  }
+}
+
+namespace {
+[[maybe_unused]] const bool textReaderGiven = database::setTextReader(
+    [](DrawingDatabase& db, std::string text) { return readDrawingText(db, std::move(text), "empty drawing").ok; });
+[[maybe_unused]] const bool fileReaderGiven =
+    database::setFileReader([](DrawingDatabase& db, const std::filesystem::path& file, std::string& message) {
+      FileResult result = readDrawing(db, file);
+      message = std::move(result.message);
+      return result.ok;
+    });
+}  // namespace
+
+}  // namespace host::dxf

@@ -1,0 +1,76 @@
+#include "Dxf/Problems.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "Dxf/DxfFile.h"
+#include "Text/Text.h"
+
+namespace host::dxf {
+
+std::string shown(std::string_view bytes) {
+  constexpr std::size_t kMost = 40;
+  std::string text = "\"";
+  for (const char c : bytes.substr(0, kMost)) text += c >= ' ' && c < '\x7f' ? c : '?';
+  return text + (bytes.size() > kMost ? "...\"" : "\"");
+}
+
+std::size_t ProblemLog::lineAt(const char* at) {
+  const std::less<> before;
+  if (!hasLines_ || at == nullptr || before(at, text_.data()) || before(text_.data() + text_.size(), at)) return 0;
+  const auto offset = static_cast<std::size_t>(at - text_.data());
+  if (offset < countedTo_) {
+    countedTo_ = 0;
+    line_ = 1;
+  }
+  line_ += static_cast<std::size_t>(std::count(text_.data() + countedTo_, at, '\n'));
+  countedTo_ = offset;
+  return line_;
+}
+
+void ProblemLog::add(const char* at, std::uint64_t handle, std::string sentence) {
+  if (problems_.size() < kMost) {
+    problems_.push_back({lineAt(at), handle, std::move(sentence)});
+  } else {
+    ++unlisted_;
+  }
+}
+
+void ProblemLog::leftOut(const char* at, std::string_view what, std::uint64_t handle, std::string_view why) {
+  constexpr std::size_t kMostKinds = 100;
+  const std::string name = what.empty() ? "record" : std::string(what.substr(0, 40));
+  add(at, handle, name + " left out: " + std::string(why));
+  if (leftOut_.size() < kMostKinds || leftOut_.contains(name)) {
+    ++leftOut_[name];
+  } else {
+    ++leftOut_["others"];
+  }
+}
+
+void ProblemLog::note(std::string sentence) { notes_.push_back({0, 0, std::move(sentence), true}); }
+
+std::vector<database::Problem> ProblemLog::take() {
+  std::vector<database::Problem> all = std::move(notes_);
+  std::move(problems_.begin(), problems_.end(), std::back_inserter(all));
+  if (unlisted_ > 0) all.push_back({0, 0, "further problems that are not listed: " + std::to_string(unlisted_)});
+  if (!leftOut_.empty()) {
+    std::size_t total = 0;
+    std::string kinds;
+    for (const auto& [name, count] : leftOut_) {
+      total += count;
+      kinds += (kinds.empty() ? "" : ", ") + name + " " + std::to_string(count);
+    }
+    all.push_back({0, 0, "left out in all: " + std::to_string(total) + " (" + kinds + ")"});
+  }
+  return all;
+}
+
+std::string problemSentence(const std::string& file, const database::Problem& problem) {
+  std::string sentence = file + ":";
+  if (problem.line != 0) sentence += std::to_string(problem.line) + ":";
+  sentence += " ";
+  if (problem.handle != 0) sentence += text::formatHandle(problem.handle) + ": ";
+  return sentence + problem.text;
+}
+
+}  // namespace host::dxf
