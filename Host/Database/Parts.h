@@ -222,8 +222,8 @@ class FileForm {
   /// What stands before and behind the spelled text.
   virtual std::string_view head() const = 0;
   virtual std::string_view tail() const = 0;
-  /// Adds the bytes that a piece of text (whole tags) makes in the file; `text` is the drawing's text as it was read, in
-  /// which lie the pieces that nobody changed.
+  /// Adds the bytes that a piece of text (whole tags) makes in the file; `text` is the drawing's text as it was read,
+  /// in which lie the pieces that nobody changed.
   virtual void spell(std::string_view piece, std::string_view text, std::string& out) const = 0;
 };
 

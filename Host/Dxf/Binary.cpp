@@ -164,10 +164,10 @@ std::size_t nextRecord(std::string_view bytes, std::size_t from, bool wideCodes)
 
 bool isBinary(std::string_view bytes) { return bytes.starts_with(kHead.substr(0, 18)); }
 
-void BinaryForm::useForNewText(bool wideCodes) {
+void BinaryForm::useForNewText(bool wasUpgraded) {
   kept_.clear();
   tail_.clear();
-  wideCodes_ = wideCodes;
+  wideCodes_ = wideCodes_ || wasUpgraded;
 }
 
 std::string BinaryForm::textOf(std::string_view bytes) {

@@ -24,8 +24,8 @@ class BinaryForm : public database::FileForm {
   /// The text of a binary drawing. In place of bytes that cannot be read stands a line that begins with kDamage and
   /// tells where they lie, in front of the next record.
   std::string textOf(std::string_view bytes);
-  /// For text that is no longer the one that was read. Drawings from R13 on have group codes of two bytes.
-  void useForNewText(bool wideCodes);
+  /// For text that is no longer the one that was read. From R13 on group codes have two bytes.
+  void useForNewText(bool wasUpgraded);
 
   static constexpr std::string_view kDamage = "?byte ";
 

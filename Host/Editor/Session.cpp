@@ -61,6 +61,9 @@ Result Session::openDrawing(const std::filesystem::path& file) {
   auto db = std::make_unique<AcDbDatabase>(false, true);
   const dxf::FileResult read = dxf::readDrawing(db->hostDatabase(), file);
   if (!read.ok) return {RunStatus::DrawingUnreadable, read.message};
+  for (const database::Problem& problem : db->hostDatabase().problems()) {
+    reportProblem(dxf::problemSentence(file.string(), problem));
+  }
   auto document = std::make_unique<Document>(std::move(db));
   std::error_code error;
   const std::filesystem::path full = std::filesystem::absolute(file, error).lexically_normal();

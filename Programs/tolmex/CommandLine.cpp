@@ -58,6 +58,7 @@ constexpr const char* kPictureExamples =
 constexpr const char* kInfoExamples =
     "Examples:\n"
     "  tolmex info plan.dxf\n"
+    "  tolmex info damaged.dxf --repair mended.dxf\n"
     "  tolmex info plans/*.dxf --json --jobs 4 > plans.json";
 
 std::string footer(const char* text) { return std::string(text) + "\n\n" + kExitStatus; }
@@ -230,6 +231,8 @@ void addInfo(CLI::App& app, InfoOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("info", "say which elements drawings have and what is wrong with them");
   addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
   call->add_flag("--json", options.json, "one JSON document for all drawings, described in docs/info-json.md");
+  call->add_option("--repair", options.repaired, "write a repaired copy of the drawing there; never over the drawing")
+      ->type_name("OUT.dxf");
   addJobs(*call, options);
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kInfoExamples));

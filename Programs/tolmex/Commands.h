@@ -41,6 +41,7 @@ struct PictureCallOptions : CommonOptions, OutputOptions {
 
 struct InfoOptions : CommonOptions {
   bool json = false;
+  std::filesystem::path repaired;  // where a repaired copy is written; empty: nowhere
 };
 
 /// Each answers the exit status; problems have then been printed to standard error.

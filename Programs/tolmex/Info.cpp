@@ -9,6 +9,7 @@
 #include "DrawingInfo.h"
 #include "Dxf/DxfFile.h"
 #include "Outputs.h"
+#include "Repair.h"
 #include "Text/Text.h"
 
 namespace tolmex {
@@ -76,17 +77,15 @@ void print(const std::string& file, const DrawingInfo& info) {
   if (!info.colors.empty()) std::printf("colours\n");
   for (const LayerColor& color : info.colors)
     std::printf("  %-16s %4d%s\n", color.layer.c_str(), color.color, color.isOff ? "  off" : "");
-  for (const host::database::Problem& problem : info.fileProblems) {
-    complain(RunStatus::Done, file + ":" + std::to_string(problem.line) + ": " +
-                                  (problem.handle != 0 ? host::text::formatHandle(problem.handle) + ": " : "") +
-                                  problem.text);
-  }
+  const std::size_t fileProblems = printProblems(file, info.fileProblems);
   for (const host::database::Problem& problem : info.problems) complain(RunStatus::Done, file + ": " + problem.text);
-  std::printf("problems %zu\n", info.problems.size() + info.fileProblems.size());
+  std::printf("problems %zu\n", info.problems.size() + fileProblems);
 }
 
-/// Prints what is in the drawing; in JSON its object, also for one that cannot be read.
-int describeDrawing(const fs::path& name, bool json) {
+/// Prints what is in the drawing; in JSON its object, also for one that cannot be read. A repaired copy is written when
+/// asked for.
+int describeDrawing(const fs::path& name, const InfoOptions& options) {
+  const bool json = options.json;
   const std::string file = shownName(name);
   const auto fail = [&](const std::string& sentence) {
     const int status = complain(RunStatus::DrawingUnreadable, sentence);
@@ -96,27 +95,41 @@ int describeDrawing(const fs::path& name, bool json) {
   const fs::path path = readableFile(name);
   if (path.empty()) return fail(file + ": cannot be read");
   AcDbDatabase database(false);
+  const host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
   const auto read = host::dxf::readDrawing(host::database::databaseOf(&database), path);
   if (!read.ok) return fail(read.message);
-  const DrawingInfo info = lookThrough(database, json);
+  DrawingInfo info = lookThrough(database, json);
+  std::string repaired;
+  info.fileProblems = problemsOf(path, drawing, repaired);
   if (json) {
     std::fputs(drawingJson(file, info).c_str(), stdout);
   } else {
     print(file, info);
   }
+  const int status = options.repaired.empty() ? 0 : writeRepaired(file, options.repaired, repaired);
+  if (status == 0 && !options.repaired.empty() && !json)
+    std::printf("repaired copy %s\n", options.repaired.string().c_str());
   std::fflush(stdout);
-  return 0;
+  return status;
 }
 
 }  // namespace
 
 int describeDrawings(const InfoOptions& options) {
-  if (options.drawings.size() == 1 && !options.json) return describeDrawing(options.drawings.front(), false);
+  if (!options.repaired.empty()) {
+    const std::string refusal =
+        options.drawings.size() > 1 ? "--repair goes with one drawing only" : refuseRepairedName(options.repaired);
+    if (!refusal.empty()) return complain(RunStatus::WrongUsage, refusal);
+    if (const RunStatus made = prepareOutputs(options.drawings, {options.repaired}, std::nullopt);
+        made != RunStatus::Done)
+      return static_cast<int>(made);
+  }
+  if (options.drawings.size() == 1 && !options.json) return describeDrawing(options.drawings.front(), options);
   if (std::count_if(options.drawings.begin(), options.drawings.end(), isStandardStream) > 1)
     return complain(RunStatus::WrongUsage, "-: standard input can be one drawing only");
   std::vector<BatchTask> tasks;
   for (const fs::path& drawing : options.drawings)
-    tasks.push_back({shownName(drawing), [&] { return describeDrawing(drawing, options.json); }});
+    tasks.push_back({shownName(drawing), [&] { return describeDrawing(drawing, options); }});
   std::vector<std::string> objects;
   const int status = workThrough(
       tasks, {options.jobs, RunStatus::DrawingUnreadable}, [&](const BatchTask& task, const BatchResult& result) {

@@ -111,6 +111,7 @@ Json problemsOf(const DrawingInfo& info) {
     for (const host::database::Problem& problem : *list)
       problems.push_back({{"line", problem.line != 0 ? Json(problem.line) : Json(nullptr)},
                           {"handle", problem.handle != 0 ? Json(formatHandle(problem.handle)) : Json(nullptr)},
+                          {"note", problem.isNote},
                           {"text", problem.text}});
   }
   return problems;

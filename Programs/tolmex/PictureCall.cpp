@@ -9,6 +9,7 @@
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "Repair.h"
 
 namespace tolmex {
 
@@ -76,6 +77,7 @@ int pictureDrawing(const PictureCallOptions& options, const fs::path& name, cons
   host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
   if (const auto read = host::dxf::readDrawing(drawing, file); !read.ok)
     return complain(RunStatus::DrawingUnreadable, read.message);
+  printProblems(shownName(name), drawing.problems());
   return static_cast<int>(writeAll(drawing, options, pictures));
 }
 
