@@ -75,12 +75,12 @@ bool mend(TextForm& form, std::vector<Problem>& problems) {
 }
 
 /// Why the text is not well-formed; nothing when it was read.
-std::optional<std::string> readOrSay(DrawingDatabase& db, std::string text, const std::string& name) {
+std::optional<Problem> readOrSay(DrawingDatabase& db, std::string text, const std::string& name) {
   try {
     readWellFormed(db, std::move(text), name);
     return std::nullopt;
   } catch (const ReadError& error) {
-    return error.message;
+    return Problem{error.line, 0, error.sentence};
   }
 }
 
@@ -97,6 +97,7 @@ FileResult bytesOf(const std::filesystem::path& file, std::string& bytes) {
   return {};
 }
 
+constexpr const char* kNothing = ": nothing of a drawing can be read from it";
 constexpr const char* kNoMemory = ": not enough memory to read the drawing";
 
 }  // namespace
@@ -110,18 +111,21 @@ FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::str
   try {
     TextForm form = textFormOf(std::move(text), name);
     if (!form.failure.empty()) return {false, std::move(form.failure)};
-    const std::optional<std::string> fault = readOrSay(db, std::move(form.text), name);
+    std::optional<Problem> fault = readOrSay(db, std::move(form.text), name);
     std::vector<Problem> problems;
     if (fault) {
       form.text = std::move(db.parts().text);
       db.clear();
+      if (!form.hasLines) fault->line = 0;
       if (!mend(form, problems)) {
-        return {false, form.hasLines ? *fault : name + ": nothing of a drawing can be read from it"};
+        return {false, form.hasLines ? problemSentence(name, *fault) : name + kNothing};
       }
       if (const auto still = readOrSay(db, std::move(form.text), name)) {
         db.clear();
-        return {false, *still};
+        return {false, problemSentence(name, *still)};
       }
+      // Some mending is too plain to be told piece by piece: then what made it necessary is.
+      if (problems.empty()) problems.push_back(std::move(*fault));
     }
     db.parts().problems = std::move(problems);
     db.parts().form = std::move(form.binary);
@@ -149,7 +153,7 @@ FileResult repairDrawing(const std::filesystem::path& file, std::string& repaire
     if (FileResult read = bytesOf(file, bytes); !read.ok) return read;
     TextForm form = textFormOf(std::move(bytes), name);
     if (!form.failure.empty()) return {false, std::move(form.failure)};
-    if (!mend(form, problems)) return {false, name + ": nothing of a drawing can be read from it"};
+    if (!mend(form, problems)) return {false, name + kNothing};
     repaired = form.binary != nullptr ? form.binary->spelled({form.text}, form.text) : std::move(form.text);
     return {};
   } catch (const std::bad_alloc&) {

@@ -253,10 +253,8 @@ class Outliner {
     RawRecord& record = cut.record;
     const bool isLost = (cut.isDamaged || cut.isCutOff) && !isMarker(record.type);
     if (isLost) {
-      if (section_ != Section::Other) {
-        problems_.leftOut(record.at, record.type, record.handle,
-                          cut.isDamaged && !cut.isCutOff ? reason_ : "cut off by the end of the file");
-      }
+      problems_.leftOut(record.at, record.type, record.handle,
+                        cut.isDamaged && !cut.isCutOff ? reason_ : "cut off by the end of the file");
       return;
     }
     if (record.type == "EOF") {

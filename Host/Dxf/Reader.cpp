@@ -43,7 +43,7 @@ class Reader {
 
  private:
   [[noreturn]] void fail(std::size_t offset, const std::string& what) const {
-    throw ReadError{name_ + ":" + std::to_string(scanner_.lineAt(offset)) + ": " + what};
+    throw ReadError{scanner_.lineAt(offset), what};
   }
 
   void readSections() {
@@ -75,8 +75,7 @@ class Reader {
         skipToEnd();
       }
     }
-    throw ReadError{name_ + ":" + std::to_string(scanner_.lineAt(parts_.text.size())) +
-                    ": the file ends in the middle (EOF is missing)"};
+    fail(parts_.text.size(), "the file ends in the middle (EOF is missing)");
   }
 
   static std::string spelled(const Token& token) {
@@ -89,6 +88,7 @@ class Reader {
     Token token;
     while (scanner_.next(token)) {
       if (token.code == 0 && token.value == "ENDSEC") return token.offset;
+      if (token.code == kBadCode) fail(token.offset, "expected a group code, found " + spelled(token));
       if (token.code == 0 && (token.value == "SECTION" || token.value == "EOF")) {
         fail(token.offset, "a section is not ended by ENDSEC");
       }
@@ -133,7 +133,7 @@ class Reader {
       std::from_chars(version.data() + 2, version.data() + 6, number);
     }
     if (number < 1015) {
-      throw ReadError{name_ + ": " + (version.empty() ? "the drawing names no version" : "drawing version " + version)};
+      throw ReadError{0, version.empty() ? "the drawing names no version" : "drawing version " + version};
     }
     // Versions are even numbers of the format, not of the program; newer ones than 2018 have the same structure.
     static constexpr int kVersions[] = {1015, 1018, 1021, 1024, 1027, 1032};
@@ -180,10 +180,11 @@ class Reader {
     Token token;
     while (scanner_.peek(token)) {
       if (token.code == 0) break;
+      if (token.code == kBadCode) fail(token.offset, "expected a group code, found " + spelled(token));
       scanner_.take(token);
       if (token.code >= 1000) {
         slot->flags |= database::kHasXData;
-        scanner_.skipRecord();
+        skipTail(*slot);
         break;
       }
       if (token.code == 102) {
@@ -225,8 +226,6 @@ class Reader {
             skipTail(*slot);
           }
           break;
-        case kBadCode:
-          fail(token.offset, "expected a group code, found " + spelled(token));
         default:
           break;
       }
@@ -252,6 +251,9 @@ class Reader {
   /// Runs to the end of the record; only whether there is extended data matters.
   void skipTail(Slot& slot) {
     if (scanner_.skipRecord()) slot.flags |= database::kHasXData;
+    Token token;
+    if (!scanner_.sawBadCode() || !scanner_.peek(token)) return;
+    fail(token.offset, "expected a group code, found " + spelled(token));
   }
 
   static DxfType polylineType(int flags) {
@@ -470,7 +472,9 @@ class Reader {
       block.entities = std::move(pending.entities);
       parts_.blockOrder.push_back(record);
     }
-    parts_.modelSpaceRecord = spaceRecord(L"*Model_Space");
+    parts_.modelSpaceRecord = db_.findRecord(DxfType::BlockRecord, L"*Model_Space");
+    if (parts_.modelSpaceRecord == nullptr) throw ReadError{0, "the drawing has no model space"};
+    parts_.contents(parts_.modelSpaceRecord).record = parts_.modelSpaceRecord;
     parts_.paperSpaceRecord = db_.findRecord(DxfType::BlockRecord, L"*Paper_Space");
     if (parts_.paperSpaceRecord != nullptr) parts_.contents(parts_.paperSpaceRecord).record = parts_.paperSpaceRecord;
     for (Slot* const entity : entities_) {
@@ -482,28 +486,6 @@ class Reader {
       }
       parts_.contents(owner).entities.push_back(entity);
     }
-  }
-
-  /// The model space's record; a drawing without one gets it at once, since nothing can be drawn without.
-  Slot* spaceRecord(std::wstring_view name) {
-    Slot* record = db_.findRecord(DxfType::BlockRecord, name);
-    if (record == nullptr) {
-      SymbolTable& table = parts_.tableFor(DxfType::BlockRecord);
-      record = parts_.makeSlot(DxfType::BlockRecord, table.head, 0);
-      parts_.setRecord(*record, db_.tagWriter()
-                                    .raw(0, "BLOCK_RECORD")
-                                    .handle(5, record->handle)
-                                    .handle(330, table.head->handle)
-                                    .raw(100, "AcDbSymbolTableRecord")
-                                    .raw(100, "AcDbBlockTableRecord")
-                                    .text(2, name)
-                                    .handle(340, 0)
-                                    .take());
-      table.records.push_back(record);
-      table.byName.emplace(name, record);
-    }
-    parts_.contents(record).record = record;
-    return record;
   }
 
   DrawingDatabase& db_;

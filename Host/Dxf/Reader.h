@@ -1,15 +1,17 @@
 // Reading well-formed drawings.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "Database/DrawingDatabase.h"
 
 namespace host::dxf {
 
-/// Why a text is no well-formed drawing: one sentence with file and mostly line.
+/// Why a text is no well-formed drawing.
 struct ReadError {
-  std::string message;
+  std::size_t line = 0;  // 0 when it is not about one line
+  std::string sentence;
 };
 
 /// Reads the text of a well-formed drawing AC1015 to AC1032 into an empty database. Throws ReadError at the first thing

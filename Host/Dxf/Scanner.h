@@ -39,7 +39,8 @@ class Scanner {
     return true;
   }
 
-  /// Moves in front of the next tag 0; true when a tag of extended data was passed. Values are not looked at.
+  /// Moves in front of the next tag 0; true when a tag of extended data was passed. Values are not looked at, and codes
+  /// just enough to see that they are numbers; it stops at one that is not.
   bool skipRecord() {
     bool sawXData = false;
     const char* const end = text_.data() + text_.size();
@@ -53,7 +54,11 @@ class Scanner {
       std::string_view code(at, static_cast<std::size_t>(codeEnd - at));
       if (!code.empty() && code.back() == '\r') code.remove_suffix(1);
       while (!code.empty() && code.front() == ' ') code.remove_prefix(1);
-      if (!code.empty() && code.front() == '0' && database::parseGroupCode(code) == 0) break;
+      if (code.empty() || !startsNumber(code.front())) {
+        sawBadCode_ = true;
+        break;
+      }
+      if (code.front() == '0' && database::parseGroupCode(code) == 0) break;
       // Extended data have four-digit codes, all of them 10xx.
       sawXData = sawXData || (code.size() >= 4 && code.front() == '1' && database::parseGroupCode(code) >= 1000);
       const auto* const valueEnd =
@@ -64,6 +69,9 @@ class Scanner {
     return sawXData;
   }
 
+  /// Whether skipRecord has met what is no group code.
+  bool sawBadCode() const { return sawBadCode_; }
+
   /// Number of the line at an offset, from 1. For messages: counts from the beginning.
   std::size_t lineAt(std::size_t at) const {
     const std::string_view before = text_.substr(0, std::min(at, text_.size()));
@@ -71,8 +79,11 @@ class Scanner {
   }
 
  private:
+  static bool startsNumber(char c) { return (c >= '0' && c <= '9') || c == '-'; }
+
   std::string_view text_;
   std::size_t position_ = 0;
+  bool sawBadCode_ = false;
 };
 
 }  // namespace host::dxf

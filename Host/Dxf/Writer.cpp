@@ -67,12 +67,22 @@ class Writer {
  private:
   /// The drawing in order; the pieces lie in memory of the database.
   Pieces pieces() {
+    if (!isTouched()) return {Piece(parts_.text)};
     parts_.settle();
     collectChanges();
     if (edits_.empty() && insertions_.empty()) return {Piece(parts_.text)};
     collectMissingHandles();
     insertNew();
     return merge();
+  }
+
+  /// Handles that the file lacks, and what counts them, are written only when something else is.
+  bool isTouched() const {
+    bool isTouched = std::any_of(parts_.sortTables.begin(), parts_.sortTables.end(),
+                                 [](const auto& table) { return table.second->changed; });
+    parts_.slots.forEach(
+        [&](const Slot& slot) { isTouched = isTouched || (slot.flags & (kNew | kChanged | database::kErased)) != 0; });
+    return isTouched;
   }
 
   std::size_t offsetOf(const Slot& slot) const { return static_cast<std::size_t>(slot.begin - parts_.text.data()); }
