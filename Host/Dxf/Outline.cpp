@@ -89,6 +89,12 @@ class Outliner {
     while (!sawEof_ && readRecord()) {
     }
     if (!sawEof_) problems_.add(text_.data() + text_.size(), 0, "the file ends in the middle (EOF is missing)");
+    std::erase_if(outline_.variables, [&](const Outline::Variable& variable) {
+      std::string_view rest = withoutHead(variable.bytes);
+      if (!rest.empty()) return false;
+      problems_.leftOut(variable.bytes.data(), variable.name, 0, "the header variable has no value");
+      return true;
+    });
     return std::move(outline_);
   }
 
