@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "Database/Parts.h"
+#include "Dxf/Problems.h"
 #include "Dxf/Scanner.h"
 #include "Text/Text.h"
 
@@ -56,7 +57,7 @@ class Reader {
         sawEof_ = true;
         return;
       }
-      if (token.value != "SECTION") fail(token.offset, "expected a section, found " + std::string(token.value));
+      if (token.value != "SECTION") fail(token.offset, "expected a section, found " + shown(token.value));
       if (!scanner_.next(token) || token.code != 2) fail(token.offset, "a section has no name");
       const std::string section(token.value);
       if (section == "HEADER") {
@@ -79,7 +80,11 @@ class Reader {
   }
 
   static std::string spelled(const Token& token) {
-    if (token.code == kBadCode) return "\"" + std::string(token.codeText().substr(0, 40)) + "\"";
+    if (token.code == kBadCode) {
+      std::string_view line = token.codeText();
+      if (line.ends_with('\r')) line.remove_suffix(1);
+      return shown(line);
+    }
     return std::to_string(token.code);
   }
 
@@ -133,7 +138,7 @@ class Reader {
       std::from_chars(version.data() + 2, version.data() + 6, number);
     }
     if (number < 1015) {
-      throw ReadError{0, version.empty() ? "the drawing names no version" : "drawing version " + version};
+      throw ReadError{0, version.empty() ? "the drawing names no version" : "drawing version " + shown(version)};
     }
     // Versions are even numbers of the format, not of the program; newer ones than 2018 have the same structure.
     static constexpr int kVersions[] = {1015, 1018, 1021, 1024, 1027, 1032};
@@ -231,7 +236,7 @@ class Reader {
       }
     }
     if (isEntity && subclasses == 0 && !isPartType(type) && type != DxfType::EndBlk) {
-      fail(head.offset, std::string(head.value) + " has no subclass markers");
+      fail(head.offset, shown(head.value) + " has no subclass markers");
     }
     if (type == DxfType::Polyline2d) type = polylineType(scanned.flags);
     if (type == DxfType::Vertex2d) type = vertexType(scanned.flags);
@@ -285,7 +290,7 @@ class Reader {
         parts_.tablesEnd = token.offset;
         return;
       }
-      if (token.value != "TABLE") fail(token.offset, "expected a table, found " + std::string(token.value));
+      if (token.value != "TABLE") fail(token.offset, "expected a table, found " + shown(token.value));
       needVersion(token.offset);
       readTable(token);
     }
@@ -323,7 +328,7 @@ class Reader {
         parts_.blocksEnd = token.offset;
         return;
       }
-      if (token.value != "BLOCK") fail(token.offset, "expected a block, found " + std::string(token.value));
+      if (token.value != "BLOCK") fail(token.offset, "expected a block, found " + shown(token.value));
       needVersion(token.offset);
       Scanned begin = scanRecord(token, Kind::Entity);
       begin.slot->flags |= database::kSubEntity;

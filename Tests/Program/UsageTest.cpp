@@ -110,7 +110,7 @@ TEST_F(Usage, UnreadableDrawingsAreNamed) {
   }
   const Outcome letter = call({"info", "letter.dxf"});
   EXPECT_EQ(letter.status, 2);
-  EXPECT_THAT(letter.err, StartsWith("tolmex: letter.dxf:1: "));
+  EXPECT_THAT(letter.err, StartsWith("tolmex: letter.dxf:1: expected a section, found group \"Dear reader,\"\n"));
   // Damaged, or nothing here to read it with: one sentence either way.
   const Outcome dwg = call({"info", "plan.dwg"});
   EXPECT_EQ(dwg.status, 2);
