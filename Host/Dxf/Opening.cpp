@@ -154,7 +154,13 @@ FileResult repairDrawing(const std::filesystem::path& file, std::string& repaire
     TextForm form = textFormOf(std::move(bytes), name);
     if (!form.failure.empty()) return {false, std::move(form.failure)};
     if (!mend(form, problems)) return {false, name + kNothing};
-    repaired = form.binary != nullptr ? form.binary->spelled({form.text}, form.text) : std::move(form.text);
+    if (form.binary != nullptr) {
+      repaired = form.binary->head();
+      form.binary->spell(form.text, form.text, repaired);
+      repaired += form.binary->tail();
+    } else {
+      repaired = std::move(form.text);
+    }
     return {};
   } catch (const std::bad_alloc&) {
     return {false, name + kNoMemory};

@@ -151,6 +151,7 @@ void addPictureOptions(CLI::App& call, PictureOptions& options) {
                    "a name, #rrggbb or transparent [white]");
   addPictureOption(call, "--lineweights", options, host::picture::setLineweights, "off|FACTOR",
                    "draw lines thin, or their widths times a factor");
+  call.add_option("--layout", options.layout, "the layout to draw [Model]")->type_name("NAME");
   call.add_option("--layers", options.layers, "only layers whose names match, for instance tm?_*")
       ->type_name("PATTERN");
   CLI::Option* const gray = call.add_flag_callback(

@@ -1,7 +1,7 @@
 # Completion of tolmex in bash.
 _tolmex() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} call=${COMP_WORDS[1]:-}
-  local pictures='--width --paper --scale --window --background --layers --lineweights --grayscale --monochrome'
+  local pictures='--width --paper --scale --window --background --layout --layers --lineweights --grayscale --monochrome'
   local words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
@@ -18,14 +18,14 @@ _tolmex() {
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
-    --command | --set | --jobs | --width | --scale | --window | --layers) return ;;
+    --command | --set | --jobs | --width | --scale | --window | --layout | --layers) return ;;
   esac
   if [[ -z $words && $current == -* ]]; then
     case $call in
       run) words='--script --command --out --out-dir --picture --format --jobs --set --support --quiet --help' ;;
       shell) words='--out --picture --set --support --quiet --help' ;;
       picture) words="--out-dir --format --jobs --set --support --quiet --help $pictures" ;;
-      info) words='--json --jobs --quiet --help' ;;
+      info) words='--json --repair --jobs --quiet --help' ;;
       *) words='--help' ;;
     esac
   fi
