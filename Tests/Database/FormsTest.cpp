@@ -199,9 +199,9 @@ TEST(OlderDrawings, PolylinesBecomeLightweightUnlessCurvedOr3d) {
       << own;
   EXPECT_EQ(drawing.entity(1).type, DxfType::Polyline3d);
   EXPECT_EQ(drawing.entity(2).type, DxfType::Polyline2d);
-  ASSERT_NE(drawing.entity(1).firstSub, nullptr);
-  EXPECT_THAT(std::string(drawing.entity(1).firstSub->fileBytes()), HasSubstr("AcDb3dPolylineVertex"));
-  EXPECT_EQ(drawing.entity(1).firstSub->owner, &drawing.entity(1));
+  ASSERT_NE(drawing.entity(1).firstSub(), nullptr);
+  EXPECT_THAT(std::string(drawing.entity(1).firstSub()->fileBytes()), HasSubstr("AcDb3dPolylineVertex"));
+  EXPECT_EQ(drawing.entity(1).firstSub()->owner, &drawing.entity(1));
   EXPECT_NE(drawing.drawing().findRecord(DxfType::Layer, L"PIHA"), nullptr);
   EXPECT_NE(drawing.drawing().findRecord(DxfType::AppId, L"oma"), nullptr);
   EXPECT_EQ(drawing.drawing().layouts().size(), 2U);
@@ -231,7 +231,7 @@ TEST(OlderDrawings, TablesBlocksAndEntitiesGetTheFormOf2000) {
   EXPECT_EQ(drawing.said().size(), 1U) << testing::PrintToString(drawing.said());
   EXPECT_THAT(drawing.bytesOf(1), HasSubstr(" 30\n7.0\n"));
   EXPECT_THAT(drawing.bytesOf(2), HasSubstr("AcDbAlignedDimension\n13\n"));
-  EXPECT_THAT(std::string(drawing.entity(0).firstSub->fileBytes()), HasSubstr("AcDbAttribute\n2\nLAJI\n"));
+  EXPECT_THAT(std::string(drawing.entity(0).firstSub()->fileBytes()), HasSubstr("AcDbAttribute\n2\nLAJI\n"));
   const BlockContents* const tree = drawing.drawing().findBlock(L"puu");
   ASSERT_NE(tree, nullptr);
   EXPECT_THAT(std::string(tree->entities.at(0)->fileBytes()), HasSubstr("AcDbArc\n50\n"));
