@@ -183,8 +183,8 @@ TEST_F(ManyDrawings, TheInstalledProgramRunsAnywhere) {
   fs::rename(folder / "there", folder / "elsewhere");
   const std::string program = folder / "elsewhere/bin/tolmex";
   // The script opens dialogs and loads linetypes; the picture needs the painter's library.
-  EXPECT_EQ(call({"run", "plan.dxf", "--script", kExamples / "kortteli.scr", "--quiet", "--out", "a.dxf", "--picture",
-                  "a.svg"},
+  EXPECT_EQ(call({"run", "plan.dxf", "--script", kExamples / "kortteli.scr", "--support", kExamples, "--quiet", "--out",
+                  "a.dxf", "--picture", "a.svg"},
                  {.program = program.c_str()}),
             (Outcome{0, "", ""}));
   EXPECT_TRUE(fs::exists(folder / "elsewhere/share/man/man1/tolmex.1"));

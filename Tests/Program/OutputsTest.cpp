@@ -137,14 +137,14 @@ TEST_F(Outputs, InfoCountsElementsAndNamesProblems) {
   const Outcome after = call({"info", "a.dxf"});
   EXPECT_EQ(after.status, 0);
   EXPECT_EQ(after.err, "");
-  EXPECT_THAT(after.out, StartsWith("a.dxf: AC1027, 484 entities in model space, 57 layers\n"
+  EXPECT_THAT(after.out, StartsWith("a.dxf: AC1027, 486 entities in model space, 57 layers\n"
                                     "elements\n"
                                     "  Asfaltti         10, 10 with a fill\n"
                                     "  Nurmialue         5, 5 with a fill\n"
                                     "  Sora-alue         2, 2 with a fill\n"
                                     "  Pihalaatta        7, 7 with a fill\n"
                                     "  Polku             4, 4 with a fill\n"
-                                    "  Pensas            7, 6 with a fill\n"
+                                    "  Pensas            6, 6 with a fill\n"
                                     "  Metsä             2, 2 with a fill\n"
                                     "  Lauta-aita        4, heights 1.8 1.8 1.8 1.8\n"
                                     "  Kiviaita          3, heights 1.2 1.2 1.2\n"
