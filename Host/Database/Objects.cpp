@@ -370,8 +370,21 @@ DxfType DrawingDatabase::Parts::tableRecordType(const Slot& head) const {
   return DxfType::Unknown;
 }
 
+namespace {
+
+/// Whether what was read from the slot's record is what the file says, which never changes.
+bool isAsInFile(const Slot& slot) {
+  return slot.isEntity() && (slot.flags & (host::database::kNew | host::database::kChanged)) == 0;
+}
+
+bool isOpen(const Live& live) { return live.writer || live.readers > 0; }
+
+}  // namespace
+
 AcDbObject* DrawingDatabase::Parts::objectFor(Slot& slot) {
   Live& state = live(slot);
+  // Changed since it was parked, by another way than its object.
+  if (state.object != nullptr && !isOpen(state) && !isAsInFile(slot)) HostObjectAccess::setData(*state.object, nullptr);
   if (state.object == nullptr) {
     const ClassEntry* const entry = classEntry(slot.type);
     AcDbObject* object = nullptr;
@@ -416,6 +429,22 @@ Acad::ErrorStatus DrawingDatabase::open(AcDbObject*& object, Slot* slot, AcDb::O
   return Acad::eOk;
 }
 
+void DrawingDatabase::Parts::parkData(Slot& slot) {
+  AcDbObject& object = *slot.live->object;
+  if (HostObjectAccess::data(object) == nullptr) return;
+  if (!isAsInFile(slot)) {
+    HostObjectAccess::setData(object, nullptr);
+    return;
+  }
+  if (std::find(parked.begin(), parked.end(), &slot) != parked.end()) return;
+  Slot* const oldest = std::exchange(parked[nextParked], &slot);
+  nextParked = (nextParked + 1) % parked.size();
+  // One that is open has its data looked at and is parked anew when it is closed.
+  if (oldest != nullptr && oldest->live != nullptr && oldest->live->object != nullptr && !isOpen(*oldest->live)) {
+    HostObjectAccess::setData(*oldest->live->object, nullptr);
+  }
+}
+
 Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
   Slot& slot = *object.slot_;
   Live* const state = slot.live;
@@ -424,7 +453,7 @@ Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
   }
   --openCount;
   if (!state->writer) {
-    if (--state->readers == 0) HostObjectAccess::setData(object, nullptr);
+    if (--state->readers == 0) parkData(slot);
     return Acad::eOk;
   }
   if (object.data_ != nullptr && object.data_->changed) {
@@ -436,10 +465,10 @@ Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
     const std::size_t from = begin != RecordLayout::npos ? begin : layout.xdata;
     record.replace(from, layout.xdata - from, arena.keep(writer.str()));
   }
-  HostObjectAccess::setData(object, nullptr);
   const bool appended = state->isAppending;
   const bool modified = state->modified;
   state->writer = false;
+  parkData(slot);
   state->isAppending = false;
   state->modified = false;
   if (!reactors.empty() && (appended || modified)) {
@@ -483,6 +512,7 @@ void DrawingDatabase::Parts::eraseSlot(Slot& slot, bool erasing) {
 
 int DrawingDatabase::releaseObjects() {
   int stillOpen = 0;
+  parts_->parked.fill(nullptr);
   std::vector<Slot*> slots;
   slots.swap(parts_->opened);
   for (Slot* const slot : slots) {

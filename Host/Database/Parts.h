@@ -261,6 +261,10 @@ struct DrawingDatabase::Parts {
   std::vector<Slot*> byHandle;  // ascending
   std::uint64_t nextHandle = 1;
   std::vector<Slot*> opened;  // slots whose Live holds an object
+  // Objects closed a moment ago that still hold what was read from the file: a command that works on an entity opens
+  // it several times. Oldest at `nextParked`.
+  std::array<Slot*, 8> parked{};
+  std::size_t nextParked = 0;
   std::size_t openCount = 0;  // objects open at the moment
 
   // Names.
@@ -335,6 +339,8 @@ struct DrawingDatabase::Parts {
   /// Whether undoing the current step takes the slot away as a whole, so that nothing of it needs to be journaled.
   bool isOfThisStep(const Slot& slot) const { return inStep && (slot.flags & kNew) != 0 && slot.handle >= stepHandle; }
   Acad::ErrorStatus closeObject(AcDbObject& object);
+  /// At the close of an object: drops its data, or keeps those of an unchanged one for a while.
+  void parkData(Slot& slot);
   void eraseSlot(Slot& slot, bool erasing);
   AcDbObject* objectFor(Slot& slot);
 

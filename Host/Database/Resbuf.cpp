@@ -83,9 +83,12 @@ Chain::~Chain() { acutRelRb(head_); }
 
 std::size_t addValue(Chain& chain, const Tag& tag, TagCursor& cursor, const text::Codec& codec) {
   switch (valueKind(tag.code)) {
-    case ValueKind::Text:
-      chain.addText(tag.code, codec.decode(tag.value));
+    case ValueKind::Text: {
+      thread_local std::wstring text;
+      codec.decode(tag.value, text);
+      chain.addText(tag.code, text);
       return 1;
+    }
     case ValueKind::Point: {
       resbuf* const item = chain.add(tag.code);
       item->resval.rpoint[0] = tag.real();

@@ -50,6 +50,11 @@ bool areFinite(const std::vector<LoopVertex>& vertices) {
 
 double gap(const LoopVertex& a, const LoopVertex& b) { return std::hypot(b.x - a.x, b.y - a.y); }
 
+/// Whether two vertices are no farther apart than the tolerance; most are, in one direction already.
+bool areNear(const LoopVertex& a, const LoopVertex& b, double tolerance) {
+  return std::abs(b.x - a.x) <= tolerance && std::abs(b.y - a.y) <= tolerance && gap(a, b) <= tolerance;
+}
+
 /// Area between an arc and its chord, with the sign of the bulge.
 double segmentArea(double chord, double bulge) {
   const double b2 = bulge * bulge;
@@ -80,18 +85,28 @@ double perimeter(const Loop& loop) {
   return sum;
 }
 
+/// Above the perimeter, and quicker to know.
+double cityBlockPerimeter(const Loop& loop) {
+  double sum = 0;
+  for (std::size_t i = 0; i < loop.size(); ++i) {
+    const LoopVertex& next = loop[i + 1 < loop.size() ? i + 1 : 0];
+    sum += (std::abs(next.x - loop[i].x) + std::abs(next.y - loop[i].y)) * (1 + std::abs(loop[i].bulge));
+  }
+  return sum * (1 + 1e-9);  // what the sum is rounded by
+}
+
 /// Drops pieces without length; what follows keeps its bulge.
 Loop withoutRepeats(const std::vector<LoopVertex>& vertices, double tolerance) {
   Loop loop;
   loop.reserve(vertices.size());
   for (const LoopVertex& v : vertices) {
-    if (!loop.empty() && gap(loop.back(), v) <= tolerance) {
+    if (!loop.empty() && areNear(loop.back(), v, tolerance)) {
       loop.back().bulge = v.bulge;
     } else {
       loop.push_back(v);
     }
   }
-  while (loop.size() > 1 && gap(loop.back(), loop.front()) <= tolerance) loop.pop_back();
+  while (loop.size() > 1 && areNear(loop.back(), loop.front(), tolerance)) loop.pop_back();
   return loop;
 }
 
@@ -117,7 +132,7 @@ LoopFault makeLoop(const std::vector<LoopVertex>& vertices, bool closedFlag, Loo
   const Frame frame(vertices);
   if (!std::isfinite(frame.size * frame.size)) return LoopFault::NotFinite;
   const double tolerance = std::max(kCoincidence * frame.size, frame.rounding);
-  if (!closedFlag && gap(vertices.back(), vertices.front()) > tolerance) return LoopFault::NotClosed;
+  if (!closedFlag && !areNear(vertices.back(), vertices.front(), tolerance)) return LoopFault::NotClosed;
 
   Loop candidate = withoutRepeats(vertices, tolerance);
   const bool hasArc = std::any_of(candidate.begin(), candidate.end(), [](const LoopVertex& v) { return v.bulge != 0; });
@@ -132,7 +147,10 @@ LoopFault makeLoop(const std::vector<LoopVertex>& vertices, bool closedFlag, Loo
   }
   if (crossesItself(local, std::max(kCrossing * frame.size, frame.rounding))) return LoopFault::SelfCrossing;
   // Far from the origin a flat loop has the area that its points were rounded by.
-  if (inside < kLeastArea || inside <= frame.rounding * perimeter(candidate)) return LoopFault::ZeroArea;
+  if (inside < kLeastArea ||
+      (inside <= frame.rounding * cityBlockPerimeter(candidate) && inside <= frame.rounding * perimeter(candidate))) {
+    return LoopFault::ZeroArea;
+  }
   loop = std::move(candidate);
   return LoopFault::None;
 }

@@ -1,9 +1,9 @@
 #include "Hatching/SelfCrossing.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
-#include <iterator>
 #include <span>
 
 #include "Hatching/Arcs.h"
@@ -15,6 +15,7 @@ namespace {
 // Only thousands of pieces on top of each other need more looks: a tangle, which counts as crossing.
 constexpr std::size_t kMostLooks = 10'000'000;
 constexpr std::size_t kMostLooksPerPiece = 500;
+constexpr std::size_t kFew = 16;  // straight pieces that are all compared with each other
 
 struct Piece {
   Point2 from, to;
@@ -210,7 +211,37 @@ class PieceTree {
 
 }  // namespace
 
+namespace {
+
+/// The same as comparing all straight pieces with each other, for a handful of them. Pieces that share an end never
+/// cross: the shared end lies on both of their lines, to the last digit.
+bool fewStraightCross(const Loop& loop, double tolerance) {
+  const std::size_t n = loop.size();
+  const auto at = [&](std::size_t i) { return Point2{loop[i < n ? i : 0].x, loop[i < n ? i : 0].y}; };
+  std::array<Point2, kFew> direction{};
+  for (std::size_t i = 0; i < n; ++i) direction[i] = at(i + 1) - at(i);
+  const auto areOnBothSides = [&](std::size_t line, std::size_t piece) {
+    const double ofP = cross(direction[line], at(piece) - at(line));
+    const double ofQ = cross(direction[line], at(piece + 1) - at(line));
+    if (!(ofP > 0 && ofQ < 0) && !(ofP < 0 && ofQ > 0)) return false;
+    return std::min(std::abs(ofP), std::abs(ofQ)) > tolerance * length(direction[line]);
+  };
+  for (std::size_t a = 0; a < n; ++a) {
+    for (std::size_t b = a + 2; b < (a == 0 ? n - 1 : n); ++b) {
+      if (areOnBothSides(a, b) && areOnBothSides(b, a)) return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
 bool crossesItself(const Loop& loop, double tolerance) {
+  // A handful of straight pieces is compared sooner than sorted.
+  if (loop.size() <= kFew &&
+      std::all_of(loop.begin(), loop.end(), [](const LoopVertex& vertex) { return vertex.bulge == 0; })) {
+    return fewStraightCross(loop, tolerance);
+  }
   // Arcs that rise less than this are taken as straight: their circles are too large to compute with.
   const double leastRise = 10 * tolerance;
   std::vector<Piece> pieces;
@@ -224,16 +255,7 @@ bool crossesItself(const Loop& loop, double tolerance) {
     if (piece.isArc) piece.arc = arcOf(piece.from, piece.to, loop[i].bulge);
     pieces.push_back(piece);
   }
-  const CrossingTest test(tolerance);
-  // A handful of straight pieces is compared sooner than sorted.
-  constexpr std::size_t kFew = 8;
-  if (pieces.size() <= kFew && std::none_of(pieces.begin(), pieces.end(), [](const Piece& p) { return p.isArc; })) {
-    for (auto a = pieces.begin(); a != pieces.end(); ++a) {
-      if (std::any_of(std::next(a), pieces.end(), [&](const Piece& b) { return test(*a, b); })) return true;
-    }
-    return false;
-  }
-  return PieceTree(pieces).crosses(test);
+  return PieceTree(pieces).crosses(CrossingTest(tolerance));
 }
 
 }  // namespace host::hatching

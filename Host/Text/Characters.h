@@ -21,9 +21,15 @@ void appendWide(std::wstring& out, char32_t codePoint);
 void appendUtf8(std::string& out, char32_t codePoint);
 
 /// Simple lower-case folding of one character (Latin, Greek, Cyrillic, Armenian); others come back unchanged.
-wchar_t foldedCharacter(wchar_t character);
+inline wchar_t foldedCharacter(wchar_t character);
+wchar_t foldedBeyondAscii(wchar_t character);
 /// Letters of any script; symbols, punctuation and digits are not.
 bool isLetter(wchar_t character);
 inline bool isDigit(wchar_t character) { return character >= L'0' && character <= L'9'; }
+
+inline wchar_t foldedCharacter(wchar_t character) {
+  if (static_cast<char32_t>(character) >= 0x80) return foldedBeyondAscii(character);
+  return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character + 32) : character;
+}
 
 }  // namespace host::text

@@ -144,22 +144,28 @@ Codec Codec::forCodePage(std::string_view name) {
 }
 
 std::wstring Codec::decode(std::string_view bytes) const {
-  bool ascii = true;
-  bool escapes = false;
-  for (const char c : bytes) {
-    ascii = ascii && static_cast<unsigned char>(c) < 0x80;
-    escapes = escapes || c == '\\' || c == '^';
-  }
   std::wstring text;
-  if (ascii) {
-    text.assign(bytes.begin(), bytes.end());
-  } else if (isUtf8()) {
+  decode(bytes, text);
+  return text;
+}
+
+void Codec::decode(std::string_view bytes, std::wstring& text) const {
+  text.resize(bytes.size());
+  unsigned seen = 0;
+  bool escapes = false;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const auto c = static_cast<unsigned char>(bytes[i]);
+    seen |= c;
+    escapes = escapes || c == '\\' || c == '^';
+    text[i] = static_cast<wchar_t>(c);
+  }
+  if (const bool isAscii = seen < 0x80; !isAscii && isUtf8()) {
     text = fromUtf8(bytes);
-  } else {
-    text.reserve(bytes.size());
+  } else if (!isAscii) {
+    text.clear();
     for (std::size_t position = 0; position < bytes.size();) appendWide(text, converter_->page().next(bytes, position));
   }
-  return escapes ? withoutEscapes(text) : text;
+  if (escapes) text = withoutEscapes(text);
 }
 
 std::string Codec::encode(std::wstring_view text) const {

@@ -19,6 +19,8 @@ class Codec {
   bool isUtf8() const { return converter_ == nullptr; }
   /// What cannot be decoded becomes U+FFFD.
   std::wstring decode(std::string_view bytes) const;
+  /// The same into a text whose memory is used again.
+  void decode(std::string_view bytes, std::wstring& text) const;
   /// Characters outside the code page become \U+XXXX; control characters and carets are escaped.
   std::string encode(std::wstring_view text) const;
 

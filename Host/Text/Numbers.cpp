@@ -1,5 +1,6 @@
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
 
 #include "Text.h"
@@ -60,9 +61,39 @@ std::optional<double> parseOldMicrosoftSpecial(std::string_view text) {
                                     : std::numeric_limits<double>::quiet_NaN();
 }
 
+/// A plain decimal number as drawings have them by the million: a sign, digits, a point, digits. Nothing for any other
+/// and for those that need more than one rounding: a whole number and a power of ten that are exact give an exact or
+/// correctly rounded quotient.
+std::optional<double> parsePlain(std::string_view text) {
+  constexpr std::uint64_t kMostExact = std::uint64_t{1} << 53;
+  constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
+                                1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
+  constexpr std::size_t kMostDigits = std::size(kPowers) - 1;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at < end && *at == ' ') ++at;
+  const bool isNegative = at < end && *at == '-';
+  if (isNegative) ++at;
+  if (static_cast<std::size_t>(end - at) > kMostDigits + 1) return std::nullopt;
+  std::uint64_t digits = 0;
+  const char* const first = at;
+  while (at < end && isDecimal(*at)) digits = digits * 10 + static_cast<std::uint64_t>(*at++ - '0');
+  if (at == first) return std::nullopt;
+  std::size_t decimals = 0;
+  if (at < end && *at == '.') {
+    const char* const point = at++;
+    while (at < end && isDecimal(*at)) digits = digits * 10 + static_cast<std::uint64_t>(*at++ - '0');
+    decimals = static_cast<std::size_t>(at - point - 1);
+  }
+  if (at != end || digits > kMostExact) return std::nullopt;
+  const double value = decimals == 0 ? static_cast<double>(digits) : static_cast<double>(digits) / kPowers[decimals];
+  return isNegative ? -value : value;
+}
+
 }  // namespace
 
 std::optional<double> parseReal(std::string_view text) {
+  if (const std::optional<double> plain = parsePlain(text)) return plain;
   text = withoutLeadingBlanks(text);
   if (text.empty()) return std::nullopt;
   const bool negative = text.front() == '-';

@@ -132,9 +132,7 @@ std::string toUtf8(std::wstring_view text) {
   return out;
 }
 
-wchar_t foldedCharacter(wchar_t character) {
-  if (character < 0x80)
-    return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character + 32) : character;
+wchar_t foldedBeyondAscii(wchar_t character) {
   const auto c = static_cast<char32_t>(character);
   const auto* range = std::lower_bound(kCaseRanges.begin(), kCaseRanges.end(), c,
                                        [](const CaseRange& r, char32_t value) { return r.last < value; });

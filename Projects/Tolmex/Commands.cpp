@@ -9,6 +9,7 @@
 #include "OrvLib/ARX/HostInterface.h"
 #include "Tolmex/BuildingCommands.h"
 #include "Tolmex/ColorSettings.h"
+#include "Tolmex/DocData.h"
 #include "Tolmex/DrawingCommands.h"
 #include "Tolmex/ElementCommands.h"
 #include "Tolmex/Fences.h"
@@ -82,6 +83,7 @@ static_assert(namesAreUnique(), "the host refuses a second command of the same n
 template <std::size_t index>
 void runCommand() {
   guarded([] {
+    currentDocData().buildingsAreFresh = false;  // whatever ran before may have changed the drawing
     prepareCurrentDocument();
     kCommands[index].body();
   });

@@ -36,6 +36,8 @@ class CDocData {
   bool prepared = false;  // the first command has run
 
   std::vector<Building> buildings;  // the drawing's, as last collected
+  // The running command found the list not collected yet: until it changes entities, the list is the drawing's.
+  bool buildingsAreFresh = false;
   // What the building dialog accepted last in this drawing.
   float nrFloors = 0;
   float eavesWidth = 0;

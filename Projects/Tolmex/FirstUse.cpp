@@ -12,6 +12,7 @@ void prepareCurrentDocument() {
   data.prepared = true;
   takeColorsFromDrawing(data);
   collectBuildings(data);
+  data.buildingsAreFresh = true;
   readColorSchemeFile(data);
   ensureElementLayers(data.colors);
   readShadowSettings();

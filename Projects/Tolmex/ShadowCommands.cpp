@@ -35,8 +35,11 @@ class ProgressMeter {
   static constexpr std::size_t kMost = std::numeric_limits<int>::max();
 };
 
-void eraseShadows() {
-  for (const AcDbObjectId id : selectLayers({layers::kShadow, layers::kRoofFill})) eraseEntity(id);
+/// Whether there was anything to erase.
+bool eraseShadows() {
+  const std::vector<AcDbObjectId> old = selectLayers({layers::kShadow, layers::kRoofFill});
+  for (const AcDbObjectId id : old) eraseEntity(id);
+  return !old.empty();
 }
 
 bool isFenceToShadow(AcDbObjectId id) {
@@ -48,11 +51,12 @@ bool isFenceToShadow(AcDbObjectId id) {
 
 void updateShadows() {
   prepareCurrentDocument();
-  eraseShadows();
+  CDocData& data = currentDocData();
+  const bool haveErased = eraseShadows();
   // Updates leave many polylines behind that only bound hatches: those without data are not opened.
   const std::vector<AcDbObjectId> tagged = selectTaggedPolylines(kTagApplication);
-  CDocData& data = currentDocData();
-  collectBuildings(data);
+  if (haveErased || !data.buildingsAreFresh) collectBuildings(data);
+  data.buildingsAreFresh = false;
   if (tagged.empty() && data.buildings.empty() && selectAllPolylines().empty()) return;
 
   ProgressMeter meter(L"Varjojen päivitys...", data.buildings.size());
