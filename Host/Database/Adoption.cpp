@@ -107,8 +107,8 @@ void addVertices(Slot& polyline, const OldPolyline& data, const std::string& com
 /// keeps its draft, its values stay what they are.
 const SharedTags* sharedTagsOf(AcDbEntity& entity, DrawingDatabase& db) {
   const EntityDraft* const draft = HostObjectAccess::draft(entity);
-  if (draft == nullptr || (draft->layer != nullptr && &draft->layer->database() != &db)) return nullptr;
   DrawingDatabase::Parts& parts = db.parts();
+  if (draft == nullptr || (draft->layer != nullptr && draft->drawing != parts.life.number())) return nullptr;
   const auto [entry, isNew] = parts.sharedTags.try_emplace({draft->layer, draft->color, draft->isColorFirst});
   if (!isNew) return entry->second;
   entity.setDatabaseDefaults(db.facade());

@@ -134,6 +134,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, Adesk::Boolean doSube
   if (host::database::EntityDraft* const draft = HostObjectAccess::draft(*this)) {
     if (draft->layer == nullptr) draft->isColorFirst = draft->color >= 0;
     draft->layer = &record;
+    draft->drawing = record.database().parts().life.number();
     return Acad::eOk;
   }
   setName(*this, 8, nameFor(*this, record), doSubents);

@@ -31,7 +31,8 @@ struct ObjectData {
 /// What an entity outside any database was given as long as it has no tags.
 struct EntityDraft {
   Slot* layer = nullptr;
-  int color = -1;  // colour index; -1: none
+  std::uint64_t drawing = 0;  // life of the layer's drawing, which may end before the entity does
+  int color = -1;             // colour index; -1: none
   bool isColorFirst = false;
 };
 

@@ -77,7 +77,9 @@ DetachedRecord& written(Record& detached) {
     if (draft.color >= 0) writer.integer(62, draft.color);
   };
   if (draft.isColorFirst) writeColor();
-  if (draft.layer != nullptr) writer.raw(8, utf8().encode(draft.layer->database().recordName(*draft.layer)));
+  // Of a drawing that was closed meanwhile there are no layers to be on.
+  const bool hasLayer = draft.layer != nullptr && host::database::DrawingLife::isLiving(draft.drawing);
+  if (hasLayer) writer.raw(8, utf8().encode(draft.layer->database().recordName(*draft.layer)));
   if (!draft.isColorFirst) writeColor();
   record.assign(record.arena.keep(writer.str()));
   return record;

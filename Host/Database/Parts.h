@@ -232,12 +232,27 @@ struct NameHash {
   std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
 };
 
+/// A number for as long as a drawing lives, never given again: tells whoever points into the drawing that it is gone.
+class DrawingLife {
+ public:
+  DrawingLife();
+  DrawingLife(const DrawingLife&) = delete;
+  DrawingLife& operator=(const DrawingLife&) = delete;
+  ~DrawingLife();
+  std::uint64_t number() const { return number_; }
+  static bool isLiving(std::uint64_t number);
+
+ private:
+  std::uint64_t number_;
+};
+
 struct DrawingDatabase::Parts {
   explicit Parts(DrawingDatabase& owner, AcDbDatabase* facadeIn)
       : facade(facadeIn), self(owner), slots(&owner), lateSlots(&owner) {}
 
   AcDbDatabase* facade;
   DrawingDatabase& self;
+  DrawingLife life;
 
   // The file.
   std::string text;

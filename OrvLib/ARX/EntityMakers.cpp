@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/Failures.h"
@@ -11,21 +12,42 @@
 namespace OrvLib {
 namespace {
 
-/// Appends to model space. On failure nothing is left of the entity.
-AcDbObjectId appendToModelSpace(std::unique_ptr<AcDbEntity> entity, AcDbDatabase& db) {
-  const auto blocks =
-      Opened<AcDbBlockTable>::by([&](AcDbBlockTable*& open) { return db.getBlockTable(open, AcDb::kForRead); });
-  if (!blocks) return {};
-  const auto modelSpace = Opened<AcDbBlockTableRecord>::by(
-      [&](AcDbBlockTableRecord*& open) { return blocks->getAt(ACDB_MODEL_SPACE, open, AcDb::kForWrite); });
+/// The model space that an OpenModelSpace holds, and its database.
+struct HeldModelSpace {
+  AcDbDatabase* db = nullptr;
+  Opened<AcDbBlockTableRecord> space;
+};
+HeldModelSpace& heldModelSpace() {
+  static HeldModelSpace held;
+  return held;
+}
+
+Opened<AcDbBlockTable> openBlocks(AcDbDatabase& db) {
+  return Opened<AcDbBlockTable>::by([&](AcDbBlockTable*& open) { return db.getBlockTable(open, AcDb::kForRead); });
+}
+
+Opened<AcDbBlockTableRecord> openModelSpace(const AcDbBlockTable& blocks) {
+  return Opened<AcDbBlockTableRecord>::by(
+      [&](AcDbBlockTableRecord*& open) { return blocks.getAt(ACDB_MODEL_SPACE, open, AcDb::kForWrite); });
+}
+
+AcDbObjectId append(std::unique_ptr<AcDbEntity> entity, const Opened<AcDbBlockTableRecord>& space) {
   AcDbObjectId id;
-  const Acad::ErrorStatus status = modelSpace ? modelSpace->appendAcDbEntity(id, entity.get()) : modelSpace.status();
+  const Acad::ErrorStatus status = space ? space->appendAcDbEntity(id, entity.get()) : space.status();
   if (status != Acad::eOk) {
     printFailed(acadErrorStatusText(status));
     return {};
   }
   entity.release()->close();
   return id;
+}
+
+/// Appends to model space. On failure nothing is left of the entity.
+AcDbObjectId appendToModelSpace(std::unique_ptr<AcDbEntity> entity, AcDbDatabase& db) {
+  if (const HeldModelSpace& held = heldModelSpace(); held.db == &db) return append(std::move(entity), held.space);
+  const auto blocks = openBlocks(db);
+  if (!blocks) return {};
+  return append(std::move(entity), openModelSpace(*blocks));
 }
 
 // The colour's status is ignored on purpose: a colour the host refuses means "none given".
@@ -64,6 +86,20 @@ bool canBound(AcDbObjectId id) {
 
 }  // namespace
 
+OpenModelSpace::OpenModelSpace(AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  HeldModelSpace& held = heldModelSpace();
+  if (db == nullptr || held.db != nullptr) return;
+  const auto blocks = openBlocks(*db);
+  if (blocks) held.space = openModelSpace(*blocks);
+  isMine_ = static_cast<bool>(held.space);
+  if (isMine_) held.db = db;
+}
+
+OpenModelSpace::~OpenModelSpace() {
+  if (isMine_) heldModelSpace() = {};
+}
+
 AcDbObjectId makeHatch(AcDbObjectId boundary, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
                        AcDbDatabase* database) {
   AcDbDatabase* const db = orWorkingDatabase(database);
@@ -80,6 +116,8 @@ AcDbObjectId makeHatch(const PolyLine& ring, int colorIndex, const ACHAR* layer,
   if (db == nullptr) return {};
   AcGePoint2dArray vertices;
   AcGeDoubleArray bulges;
+  vertices.setPhysicalLength(static_cast<int>(ring.size()));
+  bulges.setPhysicalLength(static_cast<int>(ring.size()));
   for (const Point3d& point : ring.points()) {
     vertices.append(AcGePoint2d(point.x, point.y));
     bulges.append(0);

@@ -13,6 +13,21 @@ inline constexpr int kColorByLayer = 256;
 /// No colour given; the host refuses it, and the new entity takes the drawing's current colour.
 inline constexpr int kNoColor = 65535;
 
+/// Keeps the model space open for write while it lives, which spares the makers opening it for every entity. To be held
+/// for a run of entities only: nobody else can open the model space meanwhile. Where it cannot be opened, the makers
+/// try for themselves and say so.
+class OpenModelSpace {
+ public:
+  /// A null database means the working one.
+  explicit OpenModelSpace(AcDbDatabase* db = nullptr);
+  OpenModelSpace(const OpenModelSpace&) = delete;
+  OpenModelSpace& operator=(const OpenModelSpace&) = delete;
+  ~OpenModelSpace();
+
+ private:
+  bool isMine_ = false;
+};
+
 /// A predefined pattern of the host.
 struct HatchPattern {
   const ACHAR* name = L"SOLID";

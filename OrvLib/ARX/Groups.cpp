@@ -9,7 +9,7 @@ namespace OrvLib {
 
 NumberedGroups::NumberedGroups(const ACHAR* prefix, AcDbDatabase* db) : prefix_(prefix), db_(orWorkingDatabase(db)) {}
 
-AcDbObjectId NumberedGroups::make(const ACHAR* description) {
+Opened<AcDbGroup> NumberedGroups::make(const ACHAR* description) {
   if (db_ == nullptr) return {};
   const auto groups =
       Opened<AcDbDictionary>::by([&](AcDbDictionary*& open) { return db_->getGroupDictionary(open, AcDb::kForWrite); });
@@ -22,14 +22,17 @@ AcDbObjectId NumberedGroups::make(const ACHAR* description) {
     printFailed(acadErrorStatusText(status), name.c_str());
     return {};
   }
-  const Opened<AcDbGroup> resident(group.release());
+  Opened<AcDbGroup> resident(group.release());
   resident->setDescription(description);
-  return id;
+  return resident;
+}
+
+bool appendToGroup(const Opened<AcDbGroup>& group, const AcDbObjectIdArray& members) {
+  return group && group->append(members) == Acad::eOk;
 }
 
 bool appendToGroup(AcDbObjectId groupId, const AcDbObjectIdArray& members) {
-  const Opened<AcDbGroup> group(groupId, AcDb::kForWrite);
-  return group && group->append(members) == Acad::eOk;
+  return appendToGroup(Opened<AcDbGroup>(groupId, AcDb::kForWrite), members);
 }
 
 }  // namespace OrvLib

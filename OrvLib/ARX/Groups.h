@@ -4,6 +4,7 @@
 #include <string>
 
 #include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/ARX/Opened.h"
 
 namespace OrvLib {
 
@@ -14,8 +15,8 @@ class NumberedGroups {
   /// A null database means the working one.
   explicit NumberedGroups(const ACHAR* prefix, AcDbDatabase* db = nullptr);
 
-  /// A new, empty group in the drawing's group dictionary. Null id when the host refuses.
-  AcDbObjectId make(const ACHAR* description);
+  /// A new, empty group in the drawing's group dictionary, open for write. Empty when the host refuses.
+  Opened<AcDbGroup> make(const ACHAR* description);
 
  private:
   std::wstring prefix_;
@@ -23,7 +24,9 @@ class NumberedGroups {
   int next_ = 0;
 };
 
-/// False when the group cannot be opened or a member cannot be appended. Members must not be open for write.
+/// False when the group is not open or a member cannot be appended. Members must not be open for write.
+bool appendToGroup(const Opened<AcDbGroup>& group, const AcDbObjectIdArray& members);
+/// The same with a group that is not open; false also when it cannot be opened.
 bool appendToGroup(AcDbObjectId group, const AcDbObjectIdArray& members);
 
 }  // namespace OrvLib

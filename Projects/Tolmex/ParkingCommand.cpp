@@ -45,11 +45,11 @@ void appendIfMade(AcDbObjectIdArray& ids, AcDbObjectId id) {
 
 /// The group of the row, holding its base line. The host wants it in the drawing before it takes members.
 AcDbObjectId makeRowGroup(AcDbObjectId baseLine) {
-  const AcDbObjectId group = NumberedGroups(kGroupPrefix).make(kGroupDescription);
+  const Opened<AcDbGroup> group = NumberedGroups(kGroupPrefix).make(kGroupDescription);
   AcDbObjectIdArray members;
   appendIfMade(members, baseLine);
   appendToGroup(group, members);
-  return group;
+  return group ? group->objectId() : AcDbObjectId();
 }
 
 void drawPlaces(const ParkingRow& row, AcDbObjectId groupId) {

@@ -27,9 +27,10 @@ void ShadowDrawing::hideBoundaryLayer(const ShadowKind& kind) {
 }
 
 void ShadowDrawing::draw(const std::vector<Quad>& quads, const ShadowKind& kind) {
-  const AcDbObjectId group = groups_.make(kind.groupDescription);
+  const Opened<AcDbGroup> group = groups_.make(kind.groupDescription);
   if (kind.keepsBoundaries && !quads.empty()) hideBoundaryLayer(kind);
   AcDbObjectIdArray hatches;
+  const OpenModelSpace modelSpace;
   for (const Quad& quad : quads) {
     const PolyLine points(std::vector<Point3d>(quad.begin(), quad.end()));
     const AcDbObjectId boundary = makeClosed3dPolyline(points, kBoundaryColor, kind.boundaryLayer);
