@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "Measurement.h"
+#include "Picture/Composition.h"
 
 namespace benchmarks {
 
@@ -11,5 +12,8 @@ namespace benchmarks {
 void scanFile(Clock& clock, const std::filesystem::path& file);
 /// Writes the bytes of the file, held in memory, to another file and flushes it to the disk.
 void copyFile(Clock& clock, const std::filesystem::path& file, const std::filesystem::path& target);
+
+/// Draws outlines that are ready, with the plain rasteriser, into an image of the picture's size and encodes it as PNG.
+void rasterize(Clock& clock, const host::picture::Composition& picture);
 
 }  // namespace benchmarks

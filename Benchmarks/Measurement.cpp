@@ -24,18 +24,30 @@ struct Report {
   std::array<char, 256> failure{};
 };
 
+rusage usedBy(int who) {
+  rusage used{};
+  ::getrusage(who, &used);
+  return used;
+}
+
 std::size_t peakBytes() {
+  std::size_t own = 0;
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmHWM:")) return std::stoul(line.substr(6)) * 1024;
+    if (line.starts_with("VmHWM:")) own = std::stoul(line.substr(6)) * 1024;
   }
-  return 0;
+  // A step that only starts a program is measured by the program.
+  const auto started = static_cast<std::size_t>(usedBy(RUSAGE_CHILDREN).ru_maxrss) * 1024;
+  return started > 0 ? started : own;
 }
 
 double userTime() {
-  rusage used{};
-  ::getrusage(RUSAGE_SELF, &used);
-  return static_cast<double>(used.ru_utime.tv_sec) + static_cast<double>(used.ru_utime.tv_usec) / 1e6;
+  double seconds = 0;
+  for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+    const rusage used = usedBy(who);
+    seconds += static_cast<double>(used.ru_utime.tv_sec) + static_cast<double>(used.ru_utime.tv_usec) / 1e6;
+  }
+  return seconds;
 }
 
 Report runStep(const std::function<void(Clock&)>& step) {

@@ -49,19 +49,6 @@ void readPlan(Clock& clock, const fs::path& plan) {
   });
 }
 
-/// The last of so many updates in one session is what counts.
-void updateShadows(Clock& clock, const fs::path& plan, int updates) {
-  host::editor::Application application;
-  require(application.openDrawing(plan));
-  require(application.loadModule(fs::path(TOLMEX_BIN_DIR) / "tolmex.arx"));
-  const auto update = [&application] {
-    host::editor::ScriptInput script("TLM_VARJO_PAIVITA\n", "benchmark");
-    require(application.run(script));
-  };
-  for (int i = 1; i < updates; ++i) update();
-  clock.time(update);
-}
-
 struct Costs {
   double buildings = 0;
   Measurement read, first, third;
@@ -88,6 +75,18 @@ int printRatio(double ratio, double limit, bool isJudged) {
 }
 
 }  // namespace
+
+void updateShadows(Clock& clock, const fs::path& plan, int updates) {
+  host::editor::Application application;
+  require(application.openDrawing(plan));
+  require(application.loadModule(fs::path(TOLMEX_BIN_DIR) / "tolmex.arx"));
+  const auto update = [&application] {
+    host::editor::ScriptInput script("TLM_VARJO_PAIVITA\n", "benchmark");
+    require(application.run(script));
+  };
+  for (int i = 1; i < updates; ++i) update();
+  clock.time(update);
+}
 
 int measureShadows(const std::vector<fs::path>& plans, int tries) {
   int failures = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Picture/BackEnd.h"
+#include "Picture/Composition.h"
 #include "Picture/EntityPainter.h"
 #include "Picture/PageLayout.h"
 #include "Text/Text.h"
@@ -26,7 +27,7 @@ const database::BlockContents* findLayout(const database::DrawingDatabase& db, c
   return nullptr;
 }
 
-PictureResult failure(std::string message) { return {false, std::move(message), {}, {}}; }
+Composition failure(std::string message) { return {{false, std::move(message), {}, {}}, {}, {}}; }
 
 Box visibleExtents(const database::DrawingDatabase& db, const database::BlockContents& block,
                    const PictureOptions& options, GlyphSource& glyphs) {
@@ -64,7 +65,7 @@ double metresPerPaperUnit(const database::DrawingDatabase& db, const std::string
 
 }  // namespace
 
-PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOptions& given, PictureFormat format) {
+Composition composePicture(const database::DrawingDatabase& db, const PictureOptions& given, PictureFormat format) {
   PictureOptions options = given;
   std::string known;
   const database::BlockContents* block = findLayout(db, options.layout, known);
@@ -101,16 +102,14 @@ PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOpti
   DisplayListCanvas canvas;
   EntityPainter painter(db, options, glyphs, view, canvas);
   painter.paint(*block);
-  const DisplayList list = canvas.take();
-  if (list.items.empty()) {
+  Composition made{{}, canvas.take(), layout.page};
+  if (made.list.items.empty()) {
     const Box shown = options.window.value_or(layout.area);
     return failure("Nothing visible" + chosen + " lies in the window " + boxText(shown) + "; the drawing covers " +
                    boxText(extents) + ".");
   }
 
-  PictureResult result;
-  result.bytes = renderPicture(list, layout.page, options.background, format);
-  if (result.bytes.empty()) return failure("The picture could not be made; it may be too large for the memory.");
+  PictureResult& result = made.result;
   result.ok = true;
   result.drawn = layout.area;
   const auto note = [&](const std::string& text) { result.message += (result.message.empty() ? "" : " ") + text; };
@@ -123,7 +122,17 @@ PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOpti
     note("Left out, having no picture of their own: " + kinds + ".");
   }
   if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
-  return result;
+  return made;
+}
+
+PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
+  Composition made = composePicture(db, options, format);
+  if (!made.result.ok) return std::move(made.result);
+  made.result.bytes = renderPicture(made.list, made.page, options.background, format);
+  if (made.result.bytes.empty()) {
+    return {false, "The picture could not be made; it may be too large for the memory.", {}, {}};
+  }
+  return std::move(made.result);
 }
 
 }  // namespace host::picture

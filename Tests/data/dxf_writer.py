@@ -137,6 +137,87 @@ class DrawingWriter:
         self._pairs(100, "AcDbCircle", 10, number(center[0]), 20, number(center[1]), 30, "0.0", 40, number(radius))
         return handle
 
+    def arc(self, layer: str, center: Vertex, radius: float, start: float, end: float) -> int:
+        """Counter-clockwise from `start` to `end`, degrees."""
+        handle = self._begin("ARC", layer)
+        self._pairs(100, "AcDbCircle", 10, number(center[0]), 20, number(center[1]), 30, "0.0", 40, number(radius))
+        self._pairs(100, "AcDbArc", 50, number(start), 51, number(end))
+        return handle
+
+    def ellipse(self, layer: str, center: Vertex, major: Vertex, ratio: float) -> int:
+        """A whole one; `major` leads from the centre to the end of the longer axis."""
+        handle = self._begin("ELLIPSE", layer)
+        self._pairs(100, "AcDbEllipse", 10, number(center[0]), 20, number(center[1]), 30, "0.0")
+        self._pairs(11, number(major[0]), 21, number(major[1]), 31, "0.0")
+        self._pairs(210, "0.0", 220, "0.0", 230, "1.0", 40, number(ratio), 41, "0.0", 42, "6.283185307179586")
+        return handle
+
+    def spline(self, layer: str, controls: Sequence[Vertex]) -> int:
+        """A cubic one from the first control point to the last; at least four."""
+        handle = self._begin("SPLINE", layer)
+        inner = len(controls) - 4
+        knots = [0] * 4 + list(range(1, inner + 1)) + [inner + 1] * 4
+        self._pairs(100, "AcDbSpline", 210, "0.0", 220, "0.0", 230, "1.0", 70, 8, 71, 3)
+        self._pairs(72, len(knots), 73, len(controls), 74, 0, 42, "0.0000001", 43, "0.0000001")
+        for knot in knots:
+            self._pairs(40, number(knot))
+        for control in controls:
+            self._pairs(10, number(control[0]), 20, number(control[1]), 30, "0.0")
+        return handle
+
+    def point(self, layer: str, position: Vertex) -> int:
+        """With its height as third number."""
+        handle = self._begin("POINT", layer)
+        self._pairs(100, "AcDbPoint", 10, number(position[0]), 20, number(position[1]), 30, number(position[2]))
+        return handle
+
+    def polyline_3d(self, layer: str, vertices: Sequence[Vertex], closed: bool = True) -> int:
+        """Old-style, of points with heights."""
+        handle = self._begin("POLYLINE", layer)
+        self._pairs(100, "AcDb3dPolyline", 66, 1, 10, "0.0", 20, "0.0", 30, "0.0", 70, 8 + int(closed))
+        for vertex in vertices:
+            self._begin("VERTEX", layer, owner=handle)
+            self._pairs(100, "AcDbVertex", 100, "AcDb3dPolylineVertex")
+            self._pairs(10, number(vertex[0]), 20, number(vertex[1]), 30, number(vertex[2]), 70, 32)
+        self._begin("SEQEND", layer, owner=handle)
+        return handle
+
+    def solid(self, layer: str, corners: Sequence[Vertex]) -> int:
+        """Three or four corners in their order around the area."""
+        handle = self._begin("SOLID", layer)
+        self._pairs(100, "AcDbTrace")
+        # The file lists the last two crosswise.
+        listed = [corners[0], corners[1], corners[-1], corners[2]]
+        for i, corner in enumerate(listed):
+            self._pairs(10 + i, number(corner[0]), 20 + i, number(corner[1]), 30 + i, "0.0")
+        return handle
+
+    def hatch(self, layer: str, ring: Sequence[Vertex], line_spacing: float | None = None) -> int:
+        """A fill of a ring of straight edges: solid, or parallel lines at 45 degrees so far apart."""
+        handle = self._begin("HATCH", layer)
+        self._pairs(100, "AcDbHatch", 10, "0.0", 20, "0.0", 30, "0.0", 210, "0.0", 220, "0.0", 230, "1.0")
+        is_solid = line_spacing is None
+        self._pairs(2, "SOLID" if is_solid else "LINE", 70, int(is_solid), 71, 0, 91, 1, 92, 3, 72, 0, 73, 1, 93, len(ring))
+        for vertex in ring:
+            self._pairs(10, number(vertex[0]), 20, number(vertex[1]))
+        self._pairs(97, 0, 75, 1, 76, 1)
+        if line_spacing is not None:
+            offset = line_spacing * 0.7071067811865476
+            self._pairs(52, "45.0", 41, number(line_spacing), 77, 0, 78, 1, 53, "45.0", 43, "0.0", 44, "0.0")
+            self._pairs(45, number(-offset), 46, number(offset), 79, 0)
+        self._pairs(98, 1, 10, "0.0", 20, "0.0")
+        return handle
+
+    def dimension(self, layer: str, block: str, start: Vertex, end: Vertex, offset: float) -> int:
+        """An aligned one of a level distance, its line `offset` above; `block` draws it as measured from the origin."""
+        handle = self._begin("DIMENSION", layer)
+        self._pairs(100, "AcDbDimension", 2, block, 10, number(end[0]), 20, number(end[1] + offset), 30, "0.0")
+        self._pairs(11, number((start[0] + end[0]) / 2), 21, number(start[1] + offset), 31, "0.0")
+        self._pairs(12, number(start[0]), 22, number(start[1]), 32, "0.0", 70, 33, 71, 5, 42, number(end[0] - start[0]))
+        self._pairs(3, "Standard", 100, "AcDbAlignedDimension", 13, number(start[0]), 23, number(start[1]), 33, "0.0")
+        self._pairs(14, number(end[0]), 24, number(end[1]), 34, "0.0")
+        return handle
+
     def text(self, layer: str, center: Vertex, height: float, text: str, rotation: float = 0.0) -> int:
         """One line of text centred on a point; rotation in degrees."""
         handle = self._begin("TEXT", layer)
@@ -152,11 +233,29 @@ class DrawingWriter:
         self._pairs(41, number(width), 71, attachment, 72, 1, 1, escaped(text), 7, "Standard")
         return handle
 
-    def insert(self, layer: str, block: str, point: Vertex, scale: float = 1.0, rotation: float = 0.0) -> int:
+    def insert(
+        self,
+        layer: str,
+        block: str,
+        point: Vertex,
+        scale: float = 1.0,
+        rotation: float = 0.0,
+        attributes: dict[str, str] | None = None,
+    ) -> int:
+        """Attributes (tag to text) stand below the point, in texts of a metre."""
         handle = self._begin("INSERT", layer)
         factor = number(scale)
-        self._pairs(100, "AcDbBlockReference", 2, block, 10, number(point[0]), 20, number(point[1]), 30, "0.0")
+        self._pairs(100, "AcDbBlockReference")
+        if attributes:
+            self._pairs(66, 1)
+        self._pairs(2, block, 10, number(point[0]), 20, number(point[1]), 30, "0.0")
         self._pairs(41, factor, 42, factor, 43, factor, 50, number(rotation))
+        for row, (tag, text) in enumerate((attributes or {}).items()):
+            self._begin("ATTRIB", layer, owner=handle)
+            self._pairs(100, "AcDbText", 10, number(point[0]), 20, number(point[1] - 1.4 * (row + 1)), 30, "0.0")
+            self._pairs(40, "1.0", 1, escaped(text), 7, "Standard", 100, "AcDbAttribute", 2, tag, 70, 0)
+        if attributes:
+            self._begin("SEQEND", layer, owner=handle)
         return handle
 
     def extended_data(self, application: str, texts: Iterable[str]) -> None:
@@ -276,7 +375,7 @@ class DrawingWriter:
         records += [(name, handles[0], 0) for name, handles in self._block_handles.items()]
         for name, handle, layout in records:
             self._entry("BLOCK_RECORD", handle, BLOCK_RECORD_TABLE, "AcDbBlockTableRecord", name, flags=None)
-            self._pairs(340, f"{layout:X}", 70, 0 if layout else 6, 280, 1, 281, 0)
+            self._pairs(340, f"{layout:X}", 70, 0 if layout or name.startswith("*") else 6, 280, 1, 281, 0)
         self._pairs(0, "ENDTAB", 0, "ENDSEC")
 
     def _write_blocks(self) -> None:
@@ -287,7 +386,7 @@ class DrawingWriter:
         }
         for name, (record, begin, end) in {**spaces, **self._block_handles}.items():
             self._pairs(0, "BLOCK", 5, f"{begin:X}", 330, f"{record:X}", 100, "AcDbEntity", 8, "0")
-            self._pairs(100, "AcDbBlockBegin", 2, name, 70, 0, 10, "0.0", 20, "0.0", 30, "0.0", 3, name, 1, "")
+            self._pairs(100, "AcDbBlockBegin", 2, name, 70, int(name.startswith("*D")), 10, "0.0", 20, "0.0", 30, "0.0", 3, name, 1, "")
             if name in self._blocks:
                 self._owner = record
                 self._blocks[name](self)
