@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 
 #include "Database/Parts.h"
 #include "Database/Support.h"
@@ -10,6 +11,7 @@
 #include "dbents.h"
 #include "dbgroup.h"
 #include "dbobjptr.h"
+#include "dbpl.h"
 #include "dbsymtb.h"
 
 namespace {
@@ -215,6 +217,59 @@ TEST_F(NewPolyline, LaterOnesTakeTheLayersAndDefaultsOfTheirMoment) {
   const AcDbObjectId heavy = append();
   EXPECT_EQ(entityProperties(*id.slot()).lineweight, -1);
   EXPECT_EQ(entityProperties(*heavy.slot()).lineweight, 50);
+}
+
+TEST_F(NewPolyline, OutlivesTheDrawingOfItsLayer) {
+  AcGePoint3dArray points;
+  points.append({0, 0, 0});
+  points.append({1, 1, 0});
+  auto spelled = std::make_unique<AcDb3dPolyline>(AcDb::k3dSimplePoly, points, false);
+  auto added = std::make_unique<AcDb3dPolyline>(AcDb::k3dSimplePoly, points, false);
+  {
+    OpenDrawing other;
+    EXPECT_EQ(spelled->setLayer(other->layerZero()), Acad::eOk);
+    EXPECT_EQ(added->setLayer(other->layerZero()), Acad::eOk);
+  }
+  acdbHostApplicationServices()->setWorkingDatabase(drawing.facade());
+  EXPECT_TRUE(spelled->layerId().isNull());
+  AcDbObjectPointer<AcDbBlockTableRecord> space(AcDbObjectId(drawing.database().modelSpace().record), AcDb::kForWrite);
+  for (auto* const polyline : {&spelled, &added}) {
+    ASSERT_EQ(space->appendAcDbEntity(polyline->get()), Acad::eOk);
+    EXPECT_EQ((*polyline)->layerId(), drawing->clayer());
+    polyline->release()->close();
+  }
+}
+
+TEST(ClosedObjects, TellWhatTheirRecordsSayNow) {
+  const auto polyline = [](std::uint64_t handle) {
+    return "  0\nLWPOLYLINE\n  5\n" + host::text::formatHandle(handle) +
+           "\n100\nAcDbEntity\n  8\n0\n100\nAcDbPolyline\n 90\n2\n 70\n0\n 38\n4.0\n 10\n0.0\n 20\n0.0\n"
+           " 10\n1.0\n 20\n0.0\n";
+  };
+  std::string text =
+      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1027\n  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n";
+  constexpr std::uint64_t kFirst = 0x100, kCount = 20;
+  for (std::uint64_t i = 0; i < kCount; ++i) text += polyline(kFirst + i);
+  OpenDrawing drawing(text + "  0\nENDSEC\n  0\nEOF\n");
+  const auto elevation = [&](std::uint64_t handle) {
+    const AcDbObjectPointer<AcDbPolyline> open(drawing.id(handle), AcDb::kForRead);
+    return open->elevation();
+  };
+  DrawingDatabase::Parts& parts = drawing.database().parts();
+  for (std::uint64_t i = 0; i < kCount; ++i) EXPECT_EQ(elevation(kFirst + i), 4);
+  Slot& last = *drawing.id(kFirst + kCount - 1).slot();
+  drawing.database().beginUndoStep(L"RAISE");
+  parts.setTag(last, "AcDbPolyline", 38, "5.0");
+  EXPECT_EQ(elevation(last.handle), 5);
+  {
+    const AcDbObjectPointer<AcDbPolyline> open(AcDbObjectId(&last), AcDb::kForWrite);
+    EXPECT_EQ(open->setElevation(6), Acad::eOk);
+  }
+  EXPECT_EQ(elevation(last.handle), 6);
+  drawing.database().endUndoStep();
+  drawing.database().undo();
+  EXPECT_EQ(elevation(last.handle), 4);
+  EXPECT_EQ(drawing.database().releaseObjects(), 0);
 }
 
 }  // namespace

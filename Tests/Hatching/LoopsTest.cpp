@@ -6,6 +6,7 @@
 #include <fstream>
 #include <map>
 #include <numbers>
+#include <random>
 #include <sstream>
 
 #include "Hatching/Arcs.h"
@@ -185,6 +186,38 @@ TEST(Loops, LargeOnesAreJudgedInTime) {
     std::swap(teeth[20'001], teeth[20'003]);
     EXPECT_EQ(makeLoop(teeth, true, loop), LoopFault::SelfCrossing) << angle;
   }
+}
+
+/// Loops of a few pieces are looked at in another way than those of many.
+TEST(Loops, CrossWhetherTheirPiecesAreFewOrMany) {
+  std::mt19937 random(27);
+  std::uniform_real_distribution<double> coordinate(0, 10);
+  int crossing = 0;
+  for (int i = 0; i < 3000; ++i) {
+    Vertices few;
+    Vertices many;
+    const std::size_t count = 4 + random() % 5;
+    const double spread = i % 2 == 0 ? 1 : 0.1;  // rings round a middle hardly ever cross
+    for (std::size_t k = 0; k < count; ++k) {
+      const double angle = 2 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(count);
+      few.push_back({27496000 + 20 * std::cos(angle) + 4 * spread * coordinate(random),
+                     6700000 + 20 * std::sin(angle) + 4 * spread * coordinate(random), 0});
+    }
+    constexpr int kParts = 5;
+    for (std::size_t k = 0; k < count; ++k) {
+      const LoopVertex& a = few[k];
+      const LoopVertex& b = few[(k + 1) % count];
+      for (int part = 0; part < kParts; ++part) {
+        many.push_back({a.x + (b.x - a.x) * part / kParts, a.y + (b.y - a.y) * part / kParts, 0});
+      }
+    }
+    Loop loop;
+    const LoopFault fault = makeLoop(few, true, loop);
+    crossing += fault == LoopFault::SelfCrossing ? 1 : 0;
+    ASSERT_EQ(fault, makeLoop(many, true, loop)) << i;
+  }
+  EXPECT_GT(crossing, 100);
+  EXPECT_LT(crossing, 2000);
 }
 
 }  // namespace

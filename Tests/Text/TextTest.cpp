@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <random>
@@ -50,6 +51,18 @@ TEST(Numbers, RealsAsDrawingsSpellThem) {
     EXPECT_TRUE(std::isnan(parseReal(nan).value_or(0.0))) << nan;
   EXPECT_EQ(parseReal(std::string(400, '9')), kInfinity);
   EXPECT_EQ(parseReal("0." + std::string(400, '0') + "1"), 0.0);
+}
+
+TEST(Numbers, PlainRealsAreRoundedOnce) {
+  std::mt19937_64 random(27);
+  for (int i = 0; i < 20000; ++i) {
+    std::string digits = std::to_string(random() >> (random() % 60));
+    digits.insert(random() % (digits.size() + 1), ".");
+    if (random() % 3 == 0) digits.insert(0, "-");
+    ASSERT_EQ(parseReal(digits), std::strtod(digits.c_str(), nullptr)) << digits;
+  }
+  EXPECT_EQ(parseReal("9007199254740993"), 9007199254740992.0);
+  EXPECT_EQ(parseReal("0.000000000000000001"), 1e-18);
 }
 
 TEST(Numbers, IntegersAndHandles) {
