@@ -49,7 +49,11 @@ class OrderKeys {
   std::size_t indexOf(const Slot& entity) const {
     constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;  // 2^64 over the golden ratio
     const std::size_t mask = places_.size() - 1;
-    std::size_t index = (reinterpret_cast<std::uintptr_t>(&entity) / sizeof(Slot) * kSpread >> 20) & mask;
+    // Entities made one after the other are moved so too: eight neighbours stay neighbours, for the processor's cache.
+    constexpr std::size_t kNeighbours = 8;
+    const std::uintptr_t number = reinterpret_cast<std::uintptr_t>(&entity) / sizeof(Slot);
+    const std::size_t spread = number / kNeighbours * kSpread >> 20;
+    std::size_t index = (spread * kNeighbours + number % kNeighbours) & mask;
     while (places_[index].entity != nullptr && places_[index].entity != &entity) index = (index + 1) & mask;
     return index;
   }
