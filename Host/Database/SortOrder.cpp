@@ -136,6 +136,37 @@ void settleSortTable(DrawingDatabase& db, Slot& table, SortContents& contents) {
   record.replace(begin, number - begin, parts.arena.keep(out.str()));
 }
 
+/// Programs need the sort table's class declared when the file did not use it before; when the table that needed it has
+/// been undone, the declaration goes too.
+void settleSortTableClass(DrawingDatabase::Parts& parts, bool hasSortTable, bool hasNew) {
+  TagWriter out = parts.self.tagWriter();
+  out.raw(0, "CLASS").raw(1, "SORTENTSTABLE").raw(2, "AcDbSortentsTable").raw(3, "ObjectDBX Classes").integer(90, 0);
+  if (parts.version >= DrawingVersion::V2004) out.integer(91, 1);
+  out.integer(280, 0).integer(281, 0);
+
+  Tag tag;
+  bool isDeclared = false;
+  for (TagCursor cursor = parts.classes->tags(); cursor.next(tag);) {
+    isDeclared = isDeclared || (tag.code == 1 && tag.trimmed() == "SORTENTSTABLE");
+  }
+  if (hasSortTable) {
+    if (hasNew && !isDeclared) parts.edit(*parts.classes).append(parts.arena.keep(out.str()));
+    return;
+  }
+  if (!isDeclared || (parts.classes->flags & kChanged) == 0) return;
+  // Ours is a piece of its own; a declaration of the file's stands among its other bytes.
+  std::size_t index = 0;
+  for (const std::string_view piece : parts.edit(*parts.classes).pieces()) {
+    std::size_t count = 0;
+    for (TagCursor cursor(piece); cursor.next(tag);) ++count;
+    if (piece == out.str()) {
+      parts.edit(*parts.classes).replace(index, count, {});
+      return;
+    }
+    index += count;
+  }
+}
+
 /// Sets a tag when it differs; nothing is touched otherwise.
 void settleInteger(DrawingDatabase::Parts& parts, Slot& slot, std::string_view subclass, int code, std::int64_t value) {
   Tag tag;
@@ -169,25 +200,7 @@ void DrawingDatabase::Parts::settle() {
                                       [](const Slot* record) { return !record->isErased(); });
     settleInteger(*this, *table.head, "AcDbSymbolTable", 70, living);
   }
-  // Programs need the sort table's class declared when the file did not use it before.
-  if (hasNew && hasSortTable && classes != nullptr) {
-    bool isDeclared = false;
-    Tag tag;
-    for (TagCursor cursor = classes->tags(); cursor.next(tag);) {
-      isDeclared = isDeclared || (tag.code == 1 && tag.trimmed() == "SORTENTSTABLE");
-    }
-    if (!isDeclared) {
-      TagWriter out = self.tagWriter();
-      out.raw(0, "CLASS")
-          .raw(1, "SORTENTSTABLE")
-          .raw(2, "AcDbSortentsTable")
-          .raw(3, "ObjectDBX Classes")
-          .integer(90, 0);
-      if (version >= DrawingVersion::V2004) out.integer(91, 1);
-      out.integer(280, 0).integer(281, 0);
-      edit(*classes).append(arena.keep(out.str()));
-    }
-  }
+  if (classes != nullptr) settleSortTableClass(*this, hasSortTable, hasNew);
   if (hasNew) {
     const std::wstring seed = text::fromUtf8(text::formatHandle(std::max(nextHandle, highest + 1)));
     if (text::parseHandle(text::toUtf8(self.headerText("$HANDSEED", 5).value_or(L""))) <= highest) {

@@ -6,6 +6,7 @@
 
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "Tolmex/Catalogue.h"
+#include "Tolmex/ColorSchemeFile.h"
 
 namespace OrvLib {
 namespace {
@@ -38,6 +39,7 @@ bool canBeWrittenTo(AcDbObjectId id) { return static_cast<bool>(Opened<AcDbEntit
 void makeBuildingShadow(Building& building, ShadowDrawing& drawing) {
   const AcAxDocLock lock;
   if (lock.lockStatus() != Acad::eOk || !canBeWrittenTo(building.entityId)) return;
+  makeElementLayerIfMissing(layers::kRoofFill);
   building.roofFillId = makeHatch(building.entityId, kColorByLayer, layers::kRoofFill, {});
   const ShadowSettings& settings = drawing.settings();
   drawing.draw(buildingShadow(casterOf(building), settings.shadowAngleRad, settings.shadowLengthPerFloor),

@@ -1,8 +1,10 @@
 #include "Tolmex/ColorSchemeFile.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/Layers.h"
@@ -54,6 +56,13 @@ void applyAreaColors(const ColorScheme& scheme) {
 
 void ensureElementLayers(const ColorScheme& scheme) {
   for (const LayerRow& layer : kElementLayers) ensureLayer(layer.name, layer.color(scheme), kLinetypeContinuous);
+}
+
+void makeElementLayerIfMissing(const ACHAR* name) {
+  if (!findLayer(name).isNull()) return;
+  const auto* const found = std::find_if(kElementLayers.begin(), kElementLayers.end(),
+                                         [&](const LayerRow& layer) { return std::wstring_view(layer.name) == name; });
+  if (found != kElementLayers.end()) ensureLayer(name, found->color(currentDocData().colors), kLinetypeContinuous);
 }
 
 }  // namespace OrvLib

@@ -19,5 +19,8 @@ void applyAreaColors(const ColorScheme& scheme);
 
 /// Makes all layers of the system in the current drawing, overwriting colour and linetype of those that are there.
 void ensureElementLayers(const ColorScheme& scheme);
+/// Makes the element layer of that name, in the document's colours, when the drawing lacks it: undoing a document's
+/// first command takes the layers away that were made with it.
+void makeElementLayerIfMissing(const ACHAR* name);
 
 }  // namespace OrvLib

@@ -3,6 +3,7 @@
 #include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
+#include "Tolmex/ColorSchemeFile.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocumentLock.h"
 #include "Tolmex/EntityTag.h"
@@ -15,6 +16,7 @@ void makeElement(AcDbObjectId polyline, Category category) {
   AcDbObjectId fill;
   // The host opens the boundary itself, so the fill comes before the polyline is opened.
   if (kind.fillPattern != nullptr) {
+    makeElementLayerIfMissing(kind.fillLayer);
     fill =
         makeHatch(polyline, kColorByLayer, kind.fillLayer, {kind.fillPattern, kind.patternAngleRad, kind.patternScale});
   }

@@ -219,4 +219,25 @@ TEST_F(Elements, NothingSelectedOnlyEndsTheCommand) {
   EXPECT_FALSE(tryRun("TLM_MUOK_SORA\n"));  // answers run out
 }
 
+TEST_F(Elements, UndoingTheFirstCommandLeavesNothingAndTheNextHasItsColours) {
+  run(square(0));
+  const std::string former = text();
+  const std::string grass = "TLM_MUOK_NURMIKKO\n" + pick(*last(DxfType::LwPolyline)) + "\n";
+  run("TLM_TUO_ETEEN\nL\n\n");
+  EXPECT_NE(text().find("SORTENTSTABLE"), std::string::npos);
+  run("U");
+  EXPECT_EQ(text().find("SORTENTSTABLE"), std::string::npos);
+  run(grass);
+  run("U");
+  const std::string undone = text();  // but for the next free handle
+  EXPECT_EQ(undone.substr(undone.find("ENDSEC")), former.substr(former.find("ENDSEC")));
+
+  // The element layers were made by the first command and went with it.
+  EXPECT_EQ(layerColor(L"tma_nurmi"), -1);
+  run(grass);
+  EXPECT_EQ(layerColor(L"tma_nurmi"), 70);
+  run("U\nTLM_MUOK_RAKENNUS\nALL\n\n30211 1\n30206 3\n30207 0\n30208 0\nOK\nTLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(layerColor(L"tma_katto"), 250);
+}
+
 }  // namespace
