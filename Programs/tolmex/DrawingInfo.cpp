@@ -95,7 +95,10 @@ class Look {
       return;
     }
     const std::string height = host::text::toUtf8(tag.value(OrvLib::kHeightKey).value_or(L""));
-    if (host::text::parseReal(height).value_or(0) != 0) element.height = height;
+    const std::optional<double> metres = host::text::parseReal(height);
+    if (metres.value_or(0) != 0) element.height = height;
+    if (!metres && !height.empty())
+      info_.problems.push_back({0, slot.handle, where + ": the height is not a number: \"" + height + "\""});
     const std::uint64_t handle =
         host::text::parseHandle(host::text::toUtf8(tag.value(OrvLib::kHatchHandleKey).value_or(L"")));
     // Fences with a height name themselves.

@@ -56,21 +56,30 @@ void printElements(const DrawingInfo& info) {
     const auto filled =
         std::count_if(elements.begin(), elements.end(), [](const auto& e) { return e.fill.has_value(); });
     if (filled > 0) std::printf(", %td with a fill", filled);
-    bool isFirst = true;
-    for (const ElementInfo& element : elements) {
-      if (element.height.empty()) continue;
-      std::printf("%s %s", isFirst ? ", heights" : "", element.height.c_str());
-      isFirst = false;
-    }
     std::printf("\n");
   }
   if (info.parkingRows > 0) std::printf("  parking rows %6zu\n", info.parkingRows);
+}
+
+void printFences(const DrawingInfo& info) {
+  constexpr std::array kFences{OrvLib::Category::BoardFence, OrvLib::Category::StoneFence};
+  std::size_t count = 0;
+  for (const auto category : kFences) count += info.elements[static_cast<std::size_t>(category)].size();
+  if (count > 0) std::printf("fences %zu\n", count);
+  for (const auto category : kFences) {
+    const std::string name = host::text::toUtf8(OrvLib::row(category).tag);
+    for (const ElementInfo& fence : info.elements[static_cast<std::size_t>(category)]) {
+      std::printf("  %s: %s, %s\n", host::text::formatHandle(fence.handle).c_str(), name.c_str(),
+                  fence.height.empty() ? "no height" : ("height " + fence.height).c_str());
+    }
+  }
 }
 
 void print(const std::string& file, const DrawingInfo& info) {
   std::printf("%s: AC%d, %zu entities in model space, %zu layers\n", file.c_str(), info.version, info.entities,
               info.layers);
   printElements(info);
+  printFences(info);
   if (!info.buildings.empty()) std::printf("buildings %zu\n", info.buildings.size());
   for (const BuildingValues& building : info.buildings) std::printf("  %s\n", text(building).c_str());
   std::printf("shadows\n  %s\n", info.shadows ? text(*info.shadows).c_str() : "default settings");

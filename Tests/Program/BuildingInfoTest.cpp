@@ -28,8 +28,7 @@ TEST_F(BuildingInfo, ListsValuesRidgesAndSettings) {
   const Outcome info = call({"info", "a.dxf"});
   EXPECT_EQ(info.status, 0);
   for (const char* const line :
-       {"Lauta-aita        4, heights 1.8 1.8 1.8 1.8\n", "Kiviaita          3, heights 1.2 1.2 1.2\n", "buildings 8\n",
-        "2C0: floors 2 of 3, base 0.4, eaves 0.5, ridge 2E0 at 2.5, colours sun 42 shade 45\n",
+       {"buildings 8\n", "2C0: floors 2 of 3, base 0.4, eaves 0.5, ridge 2E0 at 2.5, colours sun 42 shade 45\n",
         "2D1: floors 4 of 3, base 0.4, eaves 0, flat roof, colours sun 42 shade 45\n",
         "direction 40 degrees, length 2.5 per floor, colour 7, scale 0.15, lines\n", "problems 0\n"}) {
     EXPECT_THAT(info.out, HasSubstr(line));
@@ -42,6 +41,8 @@ TEST_F(BuildingInfo, SaysWhatIsWrongWithARecord) {
   damage("2D0", "\nroofheight\n", "\nroof\n");  // a key is missing
   damage("2D1", "\nnrfloors\n1000\n4\n", "\nnrfloors\n1000\nmany\n");
   damage("2D2", "\ntolm_bld_suncolor\n", "\nsuncolor\n");  // no building any more
+  damage("2A0", "\nHEIGHT\n1000\n1.8\n", "\nHEIGHT\n1000\nkorkea\n");
+  damage("2A1", "\nHEIGHT\n1000\n1.8\n", "\nHEIGHT\n1000\n0\n");
   text_.replace(text_.find("\nSHADOWSCALE\n"), 13, "\nSCALE\n");
   write("a.dxf", text_);
   const Outcome info = call({"info", "a.dxf"});
@@ -51,11 +52,14 @@ TEST_F(BuildingInfo, SaysWhatIsWrongWithARecord) {
                                     "LWPOLYLINE 2D0: the building record lacks \"roofheight\"\n",
                                     "LWPOLYLINE 2D1: \"nrfloors\" of the building is not a number: \"many\"\n",
                                     "LWPOLYLINE 2D2: the building record lacks \"tolm_bld_suncolor\"\n",
+                                    "LWPOLYLINE 2A0: the height is not a number: \"korkea\"\n",
                                     "the shadow settings lack \"SHADOWSCALE\"; the default counts\n"}) {
     EXPECT_THAT(info.err, HasSubstr(problem));
   }
+  EXPECT_THAT(info.out,
+              HasSubstr("  2A0: Lauta-aita, no height\n  2A1: Lauta-aita, no height\n  2A2: Lauta-aita, height"));
   EXPECT_THAT(info.out, HasSubstr("2C0: floors 2 of 3, base 0.4, eaves 0.5, ridge FFFFF (dead), colours"));
-  EXPECT_THAT(info.out, HasSubstr("problems 6\n"));
+  EXPECT_THAT(info.out, HasSubstr("problems 7\n"));
 }
 
 }  // namespace
