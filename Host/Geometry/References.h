@@ -41,6 +41,7 @@ class ReferenceChain {
   bool enter(const database::BlockContents* block);
   void leave() { blocks_.pop_back(); }
   bool isEmpty() const { return blocks_.empty(); }
+  std::size_t depth() const { return blocks_.size(); }
 
  private:
   std::vector<const database::BlockContents*> blocks_;

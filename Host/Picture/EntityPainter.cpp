@@ -19,8 +19,11 @@ using geometry::isUsable;
 using geometry::takePoint;
 using geometry::Transform;
 
-/// Nested arrays can ask for more than a picture can show; what comes after is left out, and said.
-constexpr std::size_t kMostEntities = 2'000'000;
+/// Nested arrays and viewports can ask for more than a picture can show; what comes after is left out, and said. What
+/// stands in the drawn space itself is drawn however much it is, and lets its references repeat more.
+constexpr std::size_t kMostRepeats = 2'000'000;
+constexpr std::size_t kRepeatsPerEntity = 16;
+constexpr std::size_t kPointsPerRepeat = 64;
 constexpr std::size_t kMostDashes = 3'000'000;
 constexpr double kShortestRoundPx = 1.5;  // of a linetype; finer ones look unbroken
 
@@ -116,7 +119,9 @@ EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureO
 void EntityPainter::paint(const BlockContents& block) {
   const Place place{view_.toPicture, {}};
   const bool isEntered = chain_.enter(&block);
-  for (const Slot* slot : drawOrder(block)) paintEntity(*slot, place);
+  const std::vector<Slot*>& order = drawOrder(block);
+  repeatsLeft_ = std::max(kMostRepeats, kRepeatsPerEntity * order.size());
+  for (const Slot* slot : order) paintEntity(*slot, place);
   if (isEntered) chain_.leave();
 }
 
@@ -152,11 +157,7 @@ EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const 
 }
 
 void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
-  if (entities_ >= kMostEntities) {
-    cutShort_ = true;
-    return;
-  }
-  ++entities_;
+  if (isRepeating() && !spendRepeats(1)) return;
   const std::uint32_t layer = appearances_.effectiveLayer(entity, place.surroundings);
   if (!appearances_.isShown(entity, layer)) return;
   const database::EntityProperties own = database::entityProperties(entity);
@@ -180,6 +181,12 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   if (shape.image) paintImage(*shape.image, place, style);
 }
 
+bool EntityPainter::spendRepeats(std::size_t count) {
+  cutShort_ = cutShort_ || count > repeatsLeft_;
+  if (!cutShort_) repeatsLeft_ -= count;
+  return !cutShort_;
+}
+
 bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own) {
   const Surroundings inside{layer, own};
   const auto reference = geometry::readReference(entity);
@@ -190,7 +197,7 @@ bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::
     const std::int64_t columnStep = view_.boundsOnly ? std::max<std::int64_t>(reference->columns - 1, 1) : 1;
     for (std::int64_t row = 0; row < reference->rows && !cutShort_; row += rowStep)
       for (std::int64_t column = 0; column < reference->columns && !cutShort_; column += columnStep) {
-        if (++entities_ >= kMostEntities) cutShort_ = true;  // empty cells count, too
+        if (!spendRepeats(1)) break;  // empty cells count, too
         const Place cell{place.toPicture.after(reference->cell(column, row)), inside};
         for (const Slot* inner : drawOrder(*reference->block))
           if (geometry::isDrawnInReference(*inner)) paintEntity(*inner, cell);
@@ -293,6 +300,7 @@ void EntityPainter::fillChains(const std::vector<Chain>& rings, const Transform&
 void EntityPainter::paintWire(const geometry::Wire& wire, const Place& place, const Style& style) {
   if (wire.filled) return fillChains({wire.points}, place.toPicture, FillRule::EvenOdd, style.pen.color);
   std::vector<Point> line;
+  if (isRepeating() && !spendRepeats(wire.points.size() / kPointsPerRepeat)) return;
   if (!project(wire.points, place.toPicture, line)) return;
   Pen pen = style.pen;
   if (!wire.outline.empty()) {

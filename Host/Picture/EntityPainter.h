@@ -38,6 +38,8 @@ class EntityPainter {
   void paint(const database::BlockContents& block);
   /// Something was left out because the drawing asks for more pieces than a picture can hold.
   bool isCutShort() const { return cutShort_; }
+  /// Whether there was more text than a picture of vectors can hold; the rest are bars.
+  bool hasTextBars() const { return hasTextBars_; }
   /// Visible entities of kinds without a picture, by type name.
   const std::map<std::string_view, std::size_t>& leftOut() const { return leftOut_; }
 
@@ -58,6 +60,10 @@ class EntityPainter {
   void paintEntity(const database::Slot& entity, const Place& place);
   /// False for a dimension or table without a block.
   bool paintReference(const database::Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own);
+  /// Inside of a reference or a viewport.
+  bool isRepeating() const { return chain_.depth() > 1; }
+  /// False, from then on, when the picture has no room for so much more.
+  bool spendRepeats(std::size_t count);
   void paintViewport(const database::Slot& entity);
   void paintWire(const geometry::Wire& wire, const Place& place, const Style& style);
   void paintPoint(const AcGePoint3d& p, const Place& place, const Style& style);
@@ -94,10 +100,12 @@ class EntityPainter {
   std::map<std::string_view, std::size_t> leftOut_;
   geometry::ReferenceChain chain_;
   std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
-  std::size_t entities_ = 0;
+  std::size_t repeatsLeft_ = 0;
+  std::size_t glyphsDrawn_ = 0;
   std::size_t patternPieces_ = 0;
   std::size_t dashPieces_ = 0;
   bool cutShort_ = false;
+  bool hasTextBars_ = false;
   bool isInViewport_ = false;
   int pointMode_ = 0;
   double pointSize_ = 0;

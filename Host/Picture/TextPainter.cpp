@@ -10,6 +10,9 @@ namespace {
 
 using geometry::Transform;
 
+/// Outlined letters of one picture; vectors of more would be gigabytes.
+constexpr std::size_t kMostGlyphs = 400'000;
+
 /// Pieces per curve of a letter `height` pixels tall.
 int curvePieces(double height, double deviation) {
   // A letter's curve spans about a third of its height; halving pieces quarters the error.
@@ -99,7 +102,9 @@ void EntityPainter::paintMark(const LinePattern::Mark& mark, Point at, Point alo
 void EntityPainter::paintRun(const geometry::TextRun& run, const Transform& frame, Color color) {
   const double heightPx = run.height * frame.planScale();
   const double slant = std::tan(run.obliqueRad);
-  if (heightPx < view_.barsBelow) {
+  const bool isTooMuch = run.text.size() > kMostGlyphs - glyphsDrawn_;
+  hasTextBars_ = hasTextBars_ || (isTooMuch && heightPx >= view_.barsBelow);
+  if (isTooMuch || heightPx < view_.barsBelow) {
     color.alpha = static_cast<std::uint8_t>(color.alpha / 2);
     const double top = run.y + 0.8 * run.height;
     canvas_.fill({{frame.plan({run.x, run.y, 0}), frame.plan({run.x + run.width, run.y, 0}),
@@ -107,6 +112,7 @@ void EntityPainter::paintRun(const geometry::TextRun& run, const Transform& fram
                  FillRule::Nonzero, color);
     return;
   }
+  glyphsDrawn_ += run.text.size();
   const int pieces = curvePieces(heightPx, view_.deviation);
   std::vector<std::vector<Point>> rings;
   double x = run.x;
