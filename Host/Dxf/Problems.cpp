@@ -8,11 +8,23 @@
 
 namespace host::dxf {
 
+namespace {
+
+constexpr std::size_t kMostShown = 40;
+
+}  // namespace
+
 std::string shown(std::string_view bytes) {
-  constexpr std::size_t kMost = 40;
   std::string text = "\"";
-  for (const char c : bytes.substr(0, kMost)) text += c >= ' ' && c < '\x7f' ? c : '?';
-  return text + (bytes.size() > kMost ? "...\"" : "\"");
+  for (const char c : bytes.substr(0, kMostShown)) text += c >= ' ' && c < '\x7f' ? c : '?';
+  return text + (bytes.size() > kMostShown ? "...\"" : "\"");
+}
+
+std::string shown(std::wstring_view value) {
+  std::wstring text(value.substr(0, kMostShown));
+  for (wchar_t& c : text)
+    if (c < L' ' || (c >= 0x7f && c < 0xa0) || c == 0x2028 || c == 0x2029) c = L'?';
+  return "\"" + text::toUtf8(text) + (value.size() > kMostShown ? "...\"" : "\"");
 }
 
 std::size_t ProblemLog::lineAt(const char* at) {

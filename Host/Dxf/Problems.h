@@ -42,5 +42,7 @@ class ProblemLog {
 
 /// Bytes of a file, shortened and made fit for a message.
 std::string shown(std::string_view bytes);
+/// Likewise with the letters of all languages, as UTF-8; for values whose encoding is known.
+std::string shown(std::wstring_view value);
 
 }  // namespace host::dxf

@@ -62,7 +62,7 @@ std::string Rebuilder::whyNot(const RawRecord& record) const {
   if (cut_.contains(record.handle)) return "its block contains itself";
   const std::string_view name = trimmed(nameOf(record));
   if (name.empty()) return "it names no block";
-  return blockNames_.contains(folded(name)) ? "" : "its block " + shown(name) + " is not in the drawing";
+  return blockNames_.contains(folded(name)) ? "" : "its block " + shownName(name) + " is not in the drawing";
 }
 
 void Rebuilder::cutBlockCycles() {

@@ -112,7 +112,7 @@ void Rebuilder::emitMended(std::string& out, const RawRecord& record, std::uint6
       Tag entry;
       if (readTag(next, entry) && (entry.code == 350 || entry.code == 360) && !handles_.contains(entry.handle())) {
         problems_.add(tag.bytes.data(), record.handle,
-                      "the entry " + shown(tag.value) + " names an object that is not in the drawing; removed");
+                      "the entry " + shownName(tag.value) + " names an object that is not in the drawing; removed");
         rest = next;
         isChanged = true;
         continue;

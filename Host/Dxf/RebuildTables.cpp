@@ -58,7 +58,7 @@ void Rebuilder::matchBlocks() {
     const std::wstring key = folded(name);
     if (name.empty() || !taken.insert(key).second) {
       problems_.leftOut(block.begin.at, "BLOCK", block.begin.handle,
-                        name.empty() ? "it has no name" : "another block has the name " + shown(name));
+                        name.empty() ? "it has no name" : "another block has the name " + shownName(name));
       for (const RawRecord& record : block.entities) {
         problems_.leftOut(record.at, record.type, record.handle, "its block was left out");
       }
@@ -129,7 +129,7 @@ void Rebuilder::addMissingNames() {
     if (!isOld_) {
       problems_.add(
           raw.at, raw.handle,
-          std::string(kTableNames[table]) + " " + shown(raw.name) + " is used but was not defined; it was added");
+          std::string(kTableNames[table]) + " " + shownName(raw.name) + " is used but was not defined; it was added");
     }
     addRecord(table, raw.name, newHandle());
   }

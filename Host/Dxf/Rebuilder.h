@@ -60,6 +60,7 @@ class Rebuilder {
   bool hasMarks() const;
   void findVersion();
   std::wstring folded(std::string_view raw) const { return text::folded(codec_.decode(trimmed(raw))); }
+  std::string shownName(std::string_view raw) const { return shown(std::wstring_view(codec_.decode(trimmed(raw)))); }
   static std::string_view nameOf(const RawRecord& record) { return firstValue(record.bytes, 2).value_or(""); }
 
   // ---- handles ----
