@@ -1,5 +1,8 @@
 #include "Repair.h"
 
+#include <fstream>
+#include <iterator>
+
 #include "Console.h"
 #include "Dxf/DxfFile.h"
 #include "Interruption.h"
@@ -24,7 +27,14 @@ std::vector<Problem> problemsOf(const std::filesystem::path& drawing, const Draw
                                 std::string& repaired) {
   std::vector<Problem> problems;
   const host::dxf::FileResult looked = host::dxf::repairDrawing(drawing, repaired, problems);
-  return looked.ok ? problems : read.problems();
+  if (!looked.ok) return read.problems();
+  if (problems.empty() && read.problems().empty()) {
+    // Nothing to repair: the copy is the drawing, to the byte.
+    std::ifstream in(drawing, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    if (in && !bytes.empty() && !host::dxf::isDwg(bytes)) repaired = std::move(bytes);
+  }
+  return problems;
 }
 
 std::string refuseRepairedName(const std::filesystem::path& file) {

@@ -142,6 +142,18 @@ TEST(PictureFiles, HostileDrawingsEndQuickly) {
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(120)) << "sanitizers included";
 }
 
+TEST(PictureFiles, MoreTextThanVectorsCanHoldBecomesBars) {
+  SmallDrawing drawing;
+  drawing.model()
+      .entity("TEXT", "10 0|20 0|40 1|1 first")
+      .entity("TEXT", "10 0|20 5|40 1e-4|1 " + std::string(500'000, 'o'));
+  SmallDatabase db(drawing);
+  const PictureResult result = drawPicture(*db, {}, PictureFormat::Svg);
+  EXPECT_TRUE(result.ok);
+  EXPECT_NE(result.message.find("shown as bars"), std::string::npos) << result.message;
+  EXPECT_LT(result.bytes.size(), 20'000U);
+}
+
 TEST(PictureOptions, TextsOfOptions) {
   struct Case {
     std::string (*set)(PictureOptions&, std::string_view);

@@ -47,7 +47,7 @@ TEST_F(Repair, TheCopyIsSoundAndTheOriginalStays) {
   EXPECT_THAT(sound.out, EndsWith("problems 0\n"));
   // The plan itself has nothing wrong: its copy is the plan.
   EXPECT_EQ(call({"info", "plan.dxf", "--repair", "same.dxf"}).status, 0);
-  EXPECT_EQ(call({"info", "same.dxf"}).err, "");
+  EXPECT_EQ(read("same.dxf"), read("plan.dxf"));
 
   for (const char* name : {"cut.dxf", "../" /* its folder by another way */}) {
     const std::string target = name[0] == '.' ? "../" + folder.filename().string() + "/cut.dxf" : name;
@@ -59,6 +59,14 @@ TEST_F(Repair, TheCopyIsSoundAndTheOriginalStays) {
   const Outcome misnamed = call({"info", "cut.dxf", "--repair", "sound.dwg"});
   EXPECT_EQ(misnamed,
             (Outcome{1, "", "tolmex: sound.dwg: a repaired copy is a DXF drawing; the name must end in .dxf\n"}));
+}
+
+TEST_F(Repair, NamesAreShownInTheirOwnLetters) {
+  write("piha.dxf",
+        "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n9\n$DWGCODEPAGE\n3\nANSI_"
+        "932\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n"
+        "0\nPOINT\n8\n\x95\x5c\x83\x5c\n10\n0\n20\n0\n0\nENDSEC\n0\nEOF\n");
+  EXPECT_THAT(call({"info", "piha.dxf"}).err, HasSubstr("LAYER \"表ソ\" is used but was not defined"));
 }
 
 TEST_F(Repair, AnOldDrawingIsUpgradedInOneNote) {
