@@ -21,6 +21,7 @@ struct {
   std::string file, name;      // what a file of ours is called
   FILE* transcript = nullptr;  // null: standard output
   bool barStandsThere = false;
+  bool lineIsOpen = false;  // the transcript's last line has no end yet
 } console;
 
 std::size_t terminalColumns() {
@@ -32,6 +33,11 @@ std::size_t terminalColumns() {
 
 int complain(host::editor::RunStatus status, const std::string& sentence) {
   ProgressBar::clear();
+  // On a terminal a sentence behind a prompt would be read as its answer.
+  if (console.lineIsOpen && ::isatty(STDOUT_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1) {
+    std::fputc('\n', stdout);
+    console.lineIsOpen = false;
+  }
   std::fflush(stdout);
   std::string shown = sentence;
   for (std::size_t at = 0; !console.file.empty() && (at = shown.find(console.file, at)) != std::string::npos;) {
@@ -57,6 +63,7 @@ void printTranscript(std::wstring_view text) {
   ProgressBar::clear();
   const std::string bytes = host::text::toUtf8(text);
   std::fwrite(bytes.data(), 1, bytes.size(), console.transcript != nullptr ? console.transcript : stdout);
+  if (!bytes.empty()) console.lineIsOpen = bytes.back() != '\n';
 }
 
 void keepStandardOutputForData() { console.transcript = stderr; }

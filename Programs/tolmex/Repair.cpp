@@ -44,14 +44,11 @@ std::string refuseRepairedName(const std::filesystem::path& file) {
 
 int writeRepaired(const std::string& drawing, const std::filesystem::path& file, const std::string& repaired) {
   const std::string name = file.string();
-  if (repaired.empty()) {
-    return complain(RunStatus::OutputFailed, drawing + ": DWG drawings are not repaired; " + name + " was not written");
-  }
   // The copy is promised to be sound, so it is read before it is given out.
   AcDbDatabase database(false);
   DrawingDatabase& copy = host::database::databaseOf(&database);
   const host::dxf::FileResult read = host::dxf::readDrawingText(copy, repaired, name);
-  if (!read.ok || !copy.problems().empty()) {
+  if (repaired.empty() || !read.ok || !copy.problems().empty()) {
     return complain(RunStatus::OutputFailed, drawing + ": could not be repaired; " + name + " was not written");
   }
   const Interruption::Writing writing;

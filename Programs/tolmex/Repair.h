@@ -9,7 +9,7 @@
 
 namespace tolmex {
 
-/// Everything that is wrong with a drawing's file, and its repaired copy in `repaired` (DWG drawings are not repaired).
+/// Everything that is wrong with a drawing's file, and its repaired copy in `repaired` (as DXF).
 /// `read` is the drawing as it was opened.
 std::vector<host::database::Problem> problemsOf(const std::filesystem::path& drawing,
                                                 const host::database::DrawingDatabase& read, std::string& repaired);

@@ -1,14 +1,9 @@
 // Any bytes as a script on a small plan.
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <sstream>
 
-#include "Database/DrawingDatabase.h"
-#include "Dxf/DxfFile.h"
-#include "Editor/Application.h"
-#include "Editor/ScriptInput.h"
-#include "Target.h"
+#include "PluginHost.h"
 
 namespace {
 
@@ -33,39 +28,18 @@ std::string harmless(std::string_view script) {
   return kept;
 }
 
-class Host {
- public:
-  Host() {
-    application_.newDrawing();
-    const auto loaded = application_.loadModule(std::filesystem::path(TOLMEX_BIN_DIR) / "tolmex.arx");
-    fuzz::require(static_cast<bool>(loaded), "the module can be loaded", loaded.message);
-  }
-
-  void run(std::string_view bytes) {
-    while (application_.drawing() != nullptr) application_.closeDrawing();
-    application_.newDrawing();
-    host::editor::ScriptInput plan(kPlan, "plan.scr");
-    fuzz::require(static_cast<bool>(application_.run(plan)), "the plan is drawn");
-    host::editor::ScriptInput script(harmless(bytes), "fuzz.scr");
-    application_.run(script);
-    if (application_.drawing() == nullptr) return;
-    AcDbDatabase again(false);
-    const auto reread = host::dxf::readDrawingText(host::database::databaseOf(&again),
-                                                   host::dxf::drawingText(*application_.drawing()), "again");
-    fuzz::require(reread.ok, "what was saved can be read", reread.message);
-    for (const auto& problem : host::database::databaseOf(&again).problems()) {
-      fuzz::require(false, "saved sound", problem.text);
-    }
-  }
-
- private:
-  host::editor::Application application_;
-};
+void runOnPlan(fuzz::PluginHost& host, std::string_view bytes) {
+  while (host.application.drawing() != nullptr) host.application.closeDrawing();
+  host.application.newDrawing();
+  host::editor::ScriptInput plan(kPlan, "plan.scr");
+  fuzz::require(static_cast<bool>(host.application.run(plan)), "the plan is drawn");
+  host.runAndReread(harmless(bytes));
+}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static Host host;
-  host.run(fuzz::textOf(data, size));
+  static fuzz::PluginHost host;
+  runOnPlan(host, fuzz::textOf(data, size));
   return 0;
 }

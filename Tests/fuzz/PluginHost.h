@@ -1,0 +1,39 @@
+// An editor with the plug-in, for targets that run commands.
+#pragma once
+
+#include <filesystem>
+
+#include "Database/DrawingDatabase.h"
+#include "Dxf/DxfFile.h"
+#include "Editor/Application.h"
+#include "Editor/ScriptInput.h"
+#include "Target.h"
+
+namespace fuzz {
+
+class PluginHost {
+ public:
+  PluginHost() {
+    application.newDrawing();
+    const auto loaded = application.loadModule(std::filesystem::path(TOLMEX_BIN_DIR) / "tolmex.arx");
+    require(static_cast<bool>(loaded), "the module can be loaded", loaded.message);
+  }
+
+  /// Runs the script; what it made must be saved without a fault.
+  void runAndReread(std::string_view text) {
+    host::editor::ScriptInput script(text, "fuzz.scr");
+    application.run(script);
+    if (application.drawing() == nullptr) return;
+    AcDbDatabase again(false);
+    const auto reread = host::dxf::readDrawingText(host::database::databaseOf(&again),
+                                                   host::dxf::drawingText(*application.drawing()), "again");
+    require(reread.ok, "what was saved can be read", reread.message);
+    for (const auto& problem : host::database::databaseOf(&again).problems()) {
+      require(false, "saved sound", problem.text);
+    }
+  }
+
+  host::editor::Application application;
+};
+
+}  // namespace fuzz
