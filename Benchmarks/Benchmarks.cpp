@@ -96,7 +96,9 @@ void runProgram(Clock& clock, std::vector<std::string> line) {
   if (status != 0) throw std::runtime_error(line[0] + " " + line[1] + " failed on " + line[2]);
 }
 
-void openByProgram(Clock& clock, const fs::path& plan) { runProgram(clock, {"info", plan}); }
+void openByProgram(Clock& clock, const fs::path& plan) {
+  runProgram(clock, {"run", plan, "--quiet", "--command", "REGEN"});
+}
 void drawByProgram(Clock& clock, const fs::path& plan) {
   const fs::path picture = plan.parent_path() / (plan.stem().string() + ".scratch.png");
   runProgram(clock, {"picture", plan, picture});
