@@ -173,6 +173,7 @@ void BinaryForm::useForNewText(bool wasUpgraded) {
 std::string BinaryForm::textOf(std::string_view bytes) {
   std::string out;
   out.reserve(bytes.size() + bytes.size() / 2);
+  head_ = bytes.substr(0, kHead.size());
   Bytes in(bytes, std::min(kHead.size(), bytes.size()));
   if (bytes.size() > kHead.size() + 1) {
     const auto first = static_cast<unsigned char>(bytes[kHead.size()]);
@@ -244,8 +245,6 @@ void BinaryForm::spellTag(std::string& out, int code, std::string_view value) co
       appendNumber(out, static_cast<std::uint64_t>(text::parseInteger(value).value_or(0)), sizeOf(field));
   }
 }
-
-std::string_view BinaryForm::head() const { return kHead; }
 
 void BinaryForm::spell(std::string_view piece, std::string_view text, std::string& out) const {
   const std::less<> before;

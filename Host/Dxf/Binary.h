@@ -17,7 +17,7 @@ bool isBinary(std::string_view bytes);
 /// How a binary drawing spells its tags. What spelling the text again would not give back byte for byte is kept.
 class BinaryForm : public database::FileForm {
  public:
-  std::string_view head() const override;
+  std::string_view head() const override { return head_; }
   std::string_view tail() const override { return tail_; }
   void spell(std::string_view piece, std::string_view text, std::string& out) const override;
 
@@ -34,6 +34,7 @@ class BinaryForm : public database::FileForm {
 
   bool wideCodes_ = true;
   std::unordered_map<std::size_t, std::string> kept_;  // bytes of a tag by its offset in the text
+  std::string head_;                                   // the mark that files begin with, as this one has it
   std::string tail_;                                   // behind EOF
 };
 
