@@ -4,12 +4,8 @@
 
 #include <random>
 
+#include "Database/ChangeEverything.h"
 #include "Database/Support.h"
-#include "acutads.h"
-#include "dbents.h"
-#include "dbgroup.h"
-#include "dbpl.h"
-#include "sorttab.h"
 
 namespace {
 
@@ -27,28 +23,7 @@ void exercise(const std::string& text) {
   }
   acdbHostApplicationServices()->setWorkingDatabase(&db);
   drawing.beginUndoStep(L"TEST");
-  std::vector<Slot*> slots;
-  drawing.forEachSlot([&](Slot& slot) { slots.push_back(&slot); });
-  for (Slot* const slot : slots) {
-    AcDbObject* object = nullptr;
-    if (acdbOpenAcDbObject(object, AcDbObjectId(slot), AcDb::kForWrite) != Acad::eOk) continue;
-    acutRelRb(object->xData());
-    if (auto* const entity = AcDbEntity::cast(object)) {
-      entity->setLayer(ACRX_T("0"));
-      entity->setColorIndex(2);
-    }
-    if (auto* const polyline = AcDbPolyline::cast(object)) polyline->setClosed(!polyline->isClosed());
-    if (auto* const group = AcDbGroup::cast(object)) group->setDescription(ACRX_T("x"));
-    if (auto* const table = AcDbSortentsTable::cast(object)) {
-      AcDbObjectIdArray ids;
-      table->getFullDrawOrder(ids);
-      table->moveToTop(ids);
-    }
-    object->createExtensionDictionary();
-    object->close();
-  }
-  drawing.layouts();
-  drawing.drawOrder(drawing.modelSpace());
+  tests::changeEverything(drawing);
   drawing.endUndoStep();
   const std::string saved = host::dxf::drawingText(drawing);
   AcDbDatabase again(false);

@@ -143,6 +143,7 @@ TEST(BinaryDrawings, OddValuesKeepTheirBytes) {
   const std::size_t text = binary.find("  text with blanks");
   ASSERT_NE(text, std::string::npos);
   binary[text + 6] = '\n';
+  binary[20] = '\x9a';  // of the mark that the file begins with
   ReadDrawing drawing(binary);
   EXPECT_EQ(drawing.saved(), binary);
 }

@@ -1,44 +1,11 @@
 // Any bytes as a drawing: opened, looked at object by object, changed, painted, saved; what is saved is well-formed.
-#include <vector>
-
-#include "Database/DrawingDatabase.h"
+#include "Database/ChangeEverything.h"
 #include "Dxf/DxfFile.h"
 #include "Picture/Picture.h"
 #include "Target.h"
-#include "acutads.h"
 #include "dbapserv.h"
-#include "dbents.h"
-#include "dbgroup.h"
-#include "dbhatch.h"
-#include "dbpl.h"
-#include "sorttab.h"
-
-namespace {
 
 using namespace host::database;
-
-void openEverything(DrawingDatabase& drawing) {
-  std::vector<Slot*> slots;
-  drawing.forEachSlot([&](Slot& slot) { slots.push_back(&slot); });
-  for (Slot* const slot : slots) {
-    AcDbObject* object = nullptr;
-    if (acdbOpenAcDbObject(object, AcDbObjectId(slot), AcDb::kForWrite) != Acad::eOk) continue;
-    acutRelRb(object->xData());
-    if (auto* const entity = AcDbEntity::cast(object)) entity->setLayer(ACRX_T("0"));
-    if (auto* const polyline = AcDbPolyline::cast(object)) polyline->setClosed(!polyline->isClosed());
-    if (auto* const group = AcDbGroup::cast(object)) group->setDescription(ACRX_T("x"));
-    if (auto* const table = AcDbSortentsTable::cast(object)) {
-      AcDbObjectIdArray ids;
-      table->getFullDrawOrder(ids);
-      table->moveToTop(ids);
-    }
-    object->close();
-  }
-  drawing.layouts();
-  drawing.drawOrder(drawing.modelSpace());
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes(fuzz::textOf(data, size));
@@ -53,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   options.widthPx = 100;
   host::picture::drawPicture(drawing, options, host::picture::PictureFormat::Svg);
   acdbHostApplicationServices()->setWorkingDatabase(&db);
-  openEverything(drawing);
+  tests::changeEverything(drawing);
   const std::string saved = host::dxf::drawingText(drawing);
   AcDbDatabase again(false);
   const host::dxf::FileResult reread = host::dxf::readDrawingText(databaseOf(&again), saved, "again");
