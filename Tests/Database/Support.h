@@ -14,6 +14,7 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Dxf/DxfFile.h"
+#include "Places.h"
 #include "dbapserv.h"
 
 namespace tests {
@@ -28,7 +29,7 @@ inline std::string fileText(const std::filesystem::path& file) {
 /// The folder of real drawings beside the checkout, or empty. TOLMEX_DRAWINGS names another place.
 inline std::filesystem::path realDrawingFolder() {
   if (const char* const given = std::getenv("TOLMEX_DRAWINGS")) return given;
-  const std::filesystem::path beside = std::filesystem::path(TOLMEX_SOURCE_DIR) / ".." / "shared" / "drawings";
+  const std::filesystem::path beside = std::filesystem::path(kSourceDir) / ".." / "shared" / "drawings";
   return std::filesystem::is_directory(beside) ? beside : std::filesystem::path();
 }
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "Illustration/Plan.h"
+#include "Places.h"
 #include "Preview/FilePreview.h"
 #include "fileapi.h"
 
@@ -13,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace tests;
 
-const fs::path kExamples = fs::path(TOLMEX_SOURCE_DIR) / "examples" / "symbols";
+const fs::path kExamples = fs::path(kSourceDir) / "examples" / "symbols";
 const fs::path kTree = kExamples / "lehtipuu_2vt.dwg";
 
 std::string fileText(const fs::path& file) {

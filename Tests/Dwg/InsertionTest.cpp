@@ -6,6 +6,7 @@
 #include "../Database/Support.h"
 #include "Database/Ownership.h"
 #include "Database/Parts.h"
+#include "Places.h"
 #include "Text/Text.h"
 
 namespace {
@@ -78,7 +79,7 @@ std::vector<Slot*> living(DrawingDatabase& db, const wchar_t* block) {
 int audit(tests::OpenDrawing& drawing) {
   const auto file = std::filesystem::temp_directory_path() / ("insert-" + std::to_string(::getpid()) + ".dxf");
   EXPECT_TRUE(host::dxf::saveDrawing(drawing.database(), file).ok);
-  const std::string call = "/usr/bin/python3 " TOLMEX_SOURCE_DIR "/Tests/audit/audit_dxf.py " + file.string();
+  const std::string call = "/usr/bin/python3 " + std::string(kSourceDir) + "/Tests/audit/audit_dxf.py " + file.string();
   const int status = std::system(call.c_str());
   std::filesystem::remove(file);
   return status;

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "Places.h"
 #include "Support.h"
 #include "acedads.h"
 #include "acutads.h"
@@ -203,7 +204,7 @@ TEST_F(Documents, TooltipsComeFromMonitors) {
 
 class ModuleFiles : public test::Host {
  protected:
-  static std::string module(const char* name) { return std::string(TOLMEX_BIN_DIR) + "/" + name + ".arx"; }
+  static std::string module(const char* name) { return std::string(kBinDir) + "/" + name + ".arx"; }
 };
 
 TEST_F(ModuleFiles, LoadTellUnloadAndLoadAgain) {
@@ -238,7 +239,7 @@ TEST_F(ModuleFiles, Refusals) {
   const std::filesystem::path text = std::filesystem::path(testing::TempDir()) / "text.arx";
   std::ofstream(text) << "this is no library";
   EXPECT_NE(app.loadModule(text).message.find("cannot be loaded"), std::string::npos);
-  EXPECT_NE(app.loadModule(std::string(TOLMEX_BIN_DIR) + "/libtolmexhost.so").message.find("no acrxEntryPoint"),
+  EXPECT_NE(app.loadModule(std::string(kBinDir) + "/libtolmexhost.so").message.find("no acrxEntryPoint"),
             std::string::npos);
   EXPECT_TRUE(app.moduleNames().empty());
   expectFailure("ARX L " + text.string() + "\n", "plan.scr:1: ARX: ");

@@ -9,6 +9,7 @@
 
 #include "Hatching/Linetypes.h"
 #include "Hatching/Patterns.h"
+#include "Places.h"
 #include "Text/Text.h"
 
 namespace host::hatching {
@@ -19,7 +20,7 @@ using Problems = std::vector<std::string>;
 using Numbers = std::vector<double>;
 
 std::string shipped(const char* name) {
-  const auto root = std::filesystem::path(TOLMEX_SOURCE_DIR);
+  const auto root = std::filesystem::path(kSourceDir);
   std::ifstream file(root / "Host/Hatching/support" / name, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }

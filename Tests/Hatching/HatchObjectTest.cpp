@@ -6,6 +6,7 @@
 
 #include "Database/Support.h"
 #include "Hatching/Boundary.h"
+#include "Places.h"
 #include "dbents.h"
 #include "dbhatch.h"
 #include "dbobjptr.h"
@@ -20,7 +21,7 @@ constexpr double kPi = std::numbers::pi;
 class HatchObjects : public testing::Test {
  protected:
   HatchObjects() : before_(std::filesystem::current_path()) {
-    std::filesystem::current_path(std::filesystem::path(TOLMEX_SOURCE_DIR) / "Host/Hatching/support");
+    std::filesystem::current_path(std::filesystem::path(kSourceDir) / "Host/Hatching/support");
     drawing_->setMeasurement(AcDb::kMetric);
   }
   ~HatchObjects() override { std::filesystem::current_path(before_); }

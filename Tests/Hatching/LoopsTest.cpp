@@ -11,6 +11,7 @@
 
 #include "Hatching/Arcs.h"
 #include "Hatching/Loops.h"
+#include "Places.h"
 
 namespace host::hatching {
 
@@ -35,7 +36,7 @@ std::vector<HardLoop> hardLoops() {
       {"None", LoopFault::None},           {"NotFinite", LoopFault::NotFinite},
       {"NotClosed", LoopFault::NotClosed}, {"TooFewPoints", LoopFault::TooFewPoints},
       {"ZeroArea", LoopFault::ZeroArea},   {"SelfCrossing", LoopFault::SelfCrossing}};
-  std::ifstream file(std::filesystem::path(TOLMEX_SOURCE_DIR) / "Tests/Hatching/loops.txt");
+  std::ifstream file(std::filesystem::path(kSourceDir) / "Tests/Hatching/loops.txt");
   std::vector<HardLoop> loops;
   for (std::string line; std::getline(file, line);) {
     if (line.empty() || line.front() == '#') continue;

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "Illustration/Plan.h"
+#include "Places.h"
 
 namespace {
 
@@ -226,7 +227,7 @@ TEST_F(Tools, AllThirtyCommandsAreThereAndComeBackAfterReloading) {
   EXPECT_TRUE(application_.unloadModule(L"tolmex.arx"));
   EXPECT_EQ(count(), 0U);
   EXPECT_FALSE(tryRun("TLM_MUOK_SORA\n"));
-  ASSERT_TRUE(application_.loadModule(std::filesystem::path(TOLMEX_BIN_DIR) / "tolmex.arx"));
+  ASSERT_TRUE(application_.loadModule(std::filesystem::path(kBinDir) / "tolmex.arx"));
   EXPECT_EQ(count(), 31U);
   run("PLINE\n0,0\n9,0\n9,9\nC\nTLM_MUOK_SORA\nALL\n\n");
   EXPECT_EQ(living(DxfType::Hatch, L"tma_sora").size(), 1U);

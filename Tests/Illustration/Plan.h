@@ -15,6 +15,7 @@
 #include "Dxf/DxfFile.h"
 #include "Editor/Application.h"
 #include "Editor/ScriptInput.h"
+#include "Places.h"
 #include "Text/Text.h"
 
 namespace tests {
@@ -32,7 +33,7 @@ class Plan : public testing::Test {
     std::filesystem::remove_all(folder_);
     std::filesystem::create_directories(folder_ / "support");
     EXPECT_TRUE(application_.newDrawing());
-    const auto loaded = application_.loadModule(std::filesystem::path(TOLMEX_BIN_DIR) / "tolmex.arx");
+    const auto loaded = application_.loadModule(std::filesystem::path(kBinDir) / "tolmex.arx");
     EXPECT_TRUE(loaded) << loaded.message;
   }
   ~Plan() override { std::filesystem::remove_all(folder_); }

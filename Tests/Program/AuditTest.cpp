@@ -1,11 +1,12 @@
 // Our drawings under a reader that shares no code with us.
+#include "Places.h"
 #include "Support.h"
 
 using namespace tests;
 
 namespace {
 
-const fs::path kSources = TOLMEX_SOURCE_DIR;
+const fs::path kSources = kSourceDir;
 /// The folder of real drawings beside the checkout. TOLMEX_DRAWINGS names another place.
 fs::path drawings() {
   const char* const given = std::getenv("TOLMEX_DRAWINGS");
@@ -15,7 +16,7 @@ fs::path drawings() {
 class Audit : public Program {
  protected:
   void SetUp() override {
-    if (python({"-c", "import ezdxf"}).status != 0) GTEST_SKIP() << "python3-ezdxf is not installed";
+    ASSERT_EQ(python({"-c", "import ezdxf"}).status, 0) << "python3-ezdxf is not installed (tools/install-deps.sh)";
   }
   Outcome python(const Arguments& arguments) const { return call(arguments, {.program = "/usr/bin/python3"}); }
   Outcome audit(const Arguments& arguments) const {

@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Places.h"
 #include "Support.h"
 
 using namespace tests;
@@ -177,8 +178,8 @@ TEST_F(ManyDrawings, JsonHoldsWhatTheDrawingsHold) {
 }
 
 TEST_F(ManyDrawings, TheInstalledProgramRunsAnywhere) {
-  const Outcome installed = call({"--install", fs::path(TOLMEX_BIN_DIR).parent_path(), "--prefix", folder / "there"},
-                                 {.program = "/usr/bin/cmake"});
+  const Outcome installed =
+      call({"--install", fs::path(kBinDir).parent_path(), "--prefix", folder / "there"}, {.program = "/usr/bin/cmake"});
   ASSERT_EQ(installed.status, 0) << installed.err;
   fs::rename(folder / "there", folder / "elsewhere");
   const std::string program = folder / "elsewhere/bin/tolmex";

@@ -1,16 +1,17 @@
 // Shadows, groups and records of drawings under a reader that shares no code with us, which works them out again.
+#include "Places.h"
 #include "Support.h"
 
 using namespace tests;
 
 namespace {
 
-const fs::path kTests = fs::path(TOLMEX_SOURCE_DIR) / "Tests";
+const fs::path kTests = fs::path(kSourceDir) / "Tests";
 
 class ShadowAudit : public Program {
  protected:
   void SetUp() override {
-    if (python({"-c", "import ezdxf"}).status != 0) GTEST_SKIP() << "python3-ezdxf is not installed";
+    ASSERT_EQ(python({"-c", "import ezdxf"}).status, 0) << "python3-ezdxf is not installed (tools/install-deps.sh)";
   }
   Outcome python(const Arguments& arguments) const { return call(arguments, {.program = "/usr/bin/python3"}); }
   Outcome shadowsOf(const fs::path& drawing) const { return python({kTests / "audit/audit_shadows.py", drawing}); }

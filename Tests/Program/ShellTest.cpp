@@ -24,7 +24,8 @@ class Shell : public Program {
     ::setenv("TERM", "xterm", 1);
     ::setenv("XDG_STATE_HOME", folder.c_str(), 1);
     if (::chdir(folder.c_str()) != 0) ::_exit(121);
-    std::vector<char*> argv{const_cast<char*>(TOLMEX_BIN_DIR "/tolmex"), const_cast<char*>("shell")};
+    const std::string program = std::string(kBinDir) + "/tolmex";
+    std::vector<char*> argv{const_cast<char*>(program.c_str()), const_cast<char*>("shell")};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
     ::execv(argv[0], argv.data());

@@ -17,12 +17,14 @@
 #include <thread>
 #include <vector>
 
+#include "Places.h"
+
 namespace tests {
 
 namespace fs = std::filesystem;
 using Arguments = std::vector<std::string>;
 
-inline const fs::path kExamples = fs::path(TOLMEX_SOURCE_DIR) / "examples";
+inline const fs::path kExamples = fs::path(kSourceDir) / "examples";
 inline const fs::path kPlan = kExamples / "kortteli.dxf";
 
 struct Outcome {
@@ -72,7 +74,8 @@ class Program : public testing::Test {
   pid_t start(const Arguments& arguments, const Surroundings& surroundings = {}) const {
     const pid_t child = ::fork();
     if (child != 0) return child;
-    const std::string program = surroundings.program != nullptr ? surroundings.program : TOLMEX_BIN_DIR "/tolmex";
+    const std::string program =
+        surroundings.program != nullptr ? surroundings.program : std::string(kBinDir) + "/tolmex";
     std::vector<char*> argv{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);

@@ -9,6 +9,7 @@
 #include "Editor/Application.h"
 #include "Editor/ScriptInput.h"
 #include "OrvLib/ARX/DebugLog.h"
+#include "Places.h"
 #include "Reports/Exports.h"
 #include "Text/Text.h"
 
@@ -352,7 +353,7 @@ TEST_F(DestinationsInHost, AProgramThatJustEndsLeavesAFinishedFile) {
 
 TEST_F(DestinationsInHost, TwoModulesLogThroughOneLogger) {
   const Outcome outcome = inHost([&](Exports& log, host::editor::Application& application) {
-    if (!application.loadModule(fs::path(TOLMEX_BIN_DIR) / "logmodule.arx")) return 1;
+    if (!application.loadModule(fs::path(kBinDir) / "logmodule.arx")) return 1;
     log.setFile(fileName().c_str());
     log.set(4);
     log.print(L"first\n");

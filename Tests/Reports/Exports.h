@@ -16,10 +16,12 @@
 #include <string>
 #include <thread>
 
+#include "Places.h"
+
 namespace tests {
 
 namespace fs = std::filesystem;
-inline const fs::path kModule = fs::path(TOLMEX_BIN_DIR) / "tolmex.arx";
+inline const fs::path kModule = fs::path(kBinDir) / "tolmex.arx";
 
 /// Loads the module, which may be in memory already.
 class Exports {
