@@ -9,6 +9,7 @@
 #include "Database/DrawingDatabase.h"
 #include "Database/Support.h"
 #include "Dxf/DxfFile.h"
+#include "OwnFolder.h"
 #include "acutads.h"
 #include "dbdict.h"
 #include "dbents.h"
@@ -135,8 +136,8 @@ TEST(Fidelity, NewObjectsTouchOnlySeedCountsAndTheirOwnPlaces) {
 
 TEST(Fidelity, AFailedSaveLeavesTheOldFile) {
   OpenDrawing drawing(tests::probeDrawing("\n"));
-  const auto folder = std::filesystem::temp_directory_path() / "tolmex-save-test";
-  std::filesystem::remove_all(folder);
+  const tests::OwnFolder own;
+  const auto& folder = own.path;
   std::filesystem::create_directories(folder / "folder.dxf");
   const auto file = folder / "plan.dxf";
   ASSERT_TRUE(host::dxf::saveDrawing(drawing.database(), file).ok);
@@ -158,14 +159,12 @@ TEST(Fidelity, AFailedSaveLeavesTheOldFile) {
   std::size_t entries = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder)) ++entries;
   EXPECT_EQ(entries, 3U);
-  std::filesystem::remove_all(folder);
 }
 
 TEST(Fidelity, AKilledSaveLeavesTheOldFile) {
   OpenDrawing drawing(tests::probeDrawing("\n"));
-  const auto folder = std::filesystem::temp_directory_path() / "tolmex-kill-test";
-  std::filesystem::remove_all(folder);
-  std::filesystem::create_directories(folder);
+  const tests::OwnFolder own;
+  const auto& folder = own.path;
   const auto file = folder / "plan.dxf";
   std::ofstream(file) << "old";
   const std::string text(8 << 20, 'x');
@@ -183,7 +182,6 @@ TEST(Fidelity, AKilledSaveLeavesTheOldFile) {
     EXPECT_TRUE(now == "old" || now == text) << now.size();
     std::ofstream(file) << "old";
   }
-  std::filesystem::remove_all(folder);
 }
 
 TEST(Fidelity, ANewDrawingIsComplete) {

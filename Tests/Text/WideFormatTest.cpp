@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <limits>
 
+#include "OwnFolder.h"
 #include "Text/Text.h"
 #include "Text/WideFormat.h"
 
@@ -91,8 +92,8 @@ TEST(Tchar, BoundedFormatting) {
 }
 
 TEST(Tchar, FilesWithWideNames) {
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "tolmex-tchar-test";
-  std::filesystem::create_directories(folder);
+  const tests::OwnFolder own;
+  const std::filesystem::path& folder = own.path;
   const std::wstring name = fromUtf8((folder / "v\xC3\xA4rit.ini").string());
   EXPECT_EQ(_wfsopen(name.c_str(), L"r", _SH_DENYNO), nullptr);
   EXPECT_EQ(_waccess(name.c_str(), 0), -1);
@@ -102,7 +103,6 @@ TEST(Tchar, FilesWithWideNames) {
   std::fclose(file);
   EXPECT_EQ(_waccess(name.c_str(), 6), 0);
   EXPECT_TRUE(std::filesystem::exists(folder / "v\xC3\xA4rit.ini"));
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace
