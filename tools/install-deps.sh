@@ -9,7 +9,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format-14 clang-tidy-14
   binutils-mingw-w64-x86-64 fonts-dejavu-core
-  python3 python3-ezdxf
+  python3 python3-ezdxf librecad-data
 )
 
 installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }

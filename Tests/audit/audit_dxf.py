@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Checks drawings with a reader that shares no code with this program (ezdxf, Debian package python3-ezdxf).
 
-    python3 audit_dxf.py [--baseline ORIGINAL.dxf] [--expect EXPECTED.json] FILE...
+    python3 audit_dxf.py [--baseline ORIGINAL.dxf | --originals FOLDER] [--expect EXPECTED.json] FILE...
 
 Prints one line per file, `name: N errors`, each error on standard error, and ends with status 1 when there is any. What the
 auditor can repair counts too: we do not leave repairs to others. With a baseline, problems that the original drawing already
-has (same kind, at most as many) do not count.
+has (same kind, at most as many) do not count; a folder of originals holds one of the same name for every file.
 
 The expectation names what must be in every file; all keys may be left out:
 
@@ -191,6 +191,14 @@ def errors_of(path: pathlib.Path, expected: dict, baseline: collections.Counter)
         return [f"cannot be read: {error}"]
 
 
+def problems_of_original(path: pathlib.Path) -> collections.Counter:
+    """Kinds and numbers of problems; none when the reader refuses the original: what was rebuilt must be sound."""
+    try:
+        return collections.Counter(code for code, _ in audit_problems(ezdxf.readfile(path), []))
+    except DXFError:
+        return collections.Counter()
+
+
 def type_of_key(key: str) -> list | dict:
     return {} if key in ("layers", "entities") else []
 
@@ -198,6 +206,7 @@ def type_of_key(key: str) -> list | dict:
 def main() -> int:
     parser = argparse.ArgumentParser(description="Audits drawings with ezdxf.")
     parser.add_argument("--baseline", type=pathlib.Path, help="drawing whose own problems do not count")
+    parser.add_argument("--originals", type=pathlib.Path, help="folder of drawings whose own problems do not count")
     parser.add_argument("--expect", type=pathlib.Path, help="JSON file that names what must be there")
     parser.add_argument("files", nargs="+", type=pathlib.Path)
     arguments = parser.parse_args()
@@ -210,6 +219,8 @@ def main() -> int:
         baseline.update(code for code, _ in audit_problems(ezdxf.readfile(arguments.baseline), []))
     failed = False
     for path in arguments.files:
+        if arguments.originals:
+            baseline = problems_of_original(arguments.originals / path.name)
         errors = errors_of(path, expected, baseline)
         for error in errors:
             print(f"{path.name}: {error}", file=sys.stderr)
