@@ -2,6 +2,7 @@
 # Builds the release benchmarks, makes the plans they need (kept under build/) and prints one table of all steps.
 # Arguments: numbers of buildings; 100 1000 10000 100000 without any. With --shadows first the table is one of shadow
 # updates only, which judges growth, memory and the third update of a session; 100000 buildings want 3 GB of memory.
+# With --once first every step is measured once, which is quick and good enough to see a ratio that went astray.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -11,7 +12,10 @@ cmake --build --preset release --target tolmex_benchmarks
 
 general=yes
 tries=3
-if [ "${1:-}" = --shadows ]; then
+if [ "${1:-}" = --once ]; then
+  tries=1
+  shift
+elif [ "${1:-}" = --shadows ]; then
   general=no
   tries=7  # what is judged must not depend on a busy moment
   shift

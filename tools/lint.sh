@@ -18,8 +18,16 @@ mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.c
 mapfile -t texts < <(git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h' '*.txt' '*.cmake' '*.sh' '*.py' '*.md' \
   '*.scr' '*.lin' '*.pat')
 
-check "formatting (clang-format 14)" \
-  "$(clang-format-14 --dry-run --Werror "${sources[@]}" 2>&1 | grep -E 'error:' | cut -d: -f1 | sort -u)"
+[ ${#sources[@]} -gt 0 ] || { echo "lint: this is no checkout: git names no sources" >&2 && exit 1; }
+
+# A check whose tool is missing or breaks down is a failed check.
+formatting() {
+  clang-format-14 --dry-run --Werror "${sources[@]}" >"$1" 2>&1 && return
+  grep -E 'error:' "$1" | cut -d: -f1 | sort -u | grep . || cat "$1"
+}
+output=$(mktemp)
+trap 'rm -f "$output"' EXIT
+check "formatting (clang-format 14)" "$(formatting "$output")"
 check "no trailing blanks or tabs" "$(grep -nE '[[:blank:]]+$' -- "${texts[@]}" | head -n 20)"
 check "line ends are LF" "$(grep -lU $'\r' -- "${texts[@]}" | head -n 20)"
 check "scripts can be run" "$(for f in tools/*.sh .ci/run; do [ -x "$f" ] || echo "$f"; done)"
@@ -37,10 +45,10 @@ if [ "${1:-}" = "--tidy" ]; then
     local key
     key=$(cat "$1" | sha256sum | cut -c1-16)-$2
     [ -e "$3/$key" ] && return 0
-    if clang-tidy-14 -p "$3" --quiet "$1" 2>/dev/null >"$3/$key.out"; then
+    if clang-tidy-14 -p "$3" --quiet "$1" >"$3/$key.out" 2>&1; then
       mv "$3/$key.out" "$3/$key"
     else
-      grep -E 'error|warning' "$3/$key.out"
+      grep -E 'error|warning' "$3/$key.out" || { echo "$1:" && cat "$3/$key.out"; }
       rm -f "$3/$key.out"
     fi
   }

@@ -1,11 +1,18 @@
 #!/usr/bin/env bash
-# Builds everything with sanitizers, runs all tests, checks the sources' form.
+# Builds everything with sanitizers, runs all tests, checks the sources' form. `tools/test.sh release` does the same with
+# the optimised build that users get, which has no sanitizers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+preset=${1:-debug}
 tools/install-deps.sh
 tools/install-dwg-reader.sh || echo "Going on without DWG drawings."
-[ -f build/debug/build.ninja ] || cmake --preset debug >/dev/null
-cmake --build --preset debug
-tools/lint.sh
-ctest --preset debug -j "$(nproc)"
+cmake --preset "$preset" -DTOLMEX_BUILD_TESTS=ON -DTOLMEX_BUILD_BENCHMARKS=ON >/dev/null
+cmake --build --preset "$preset"
+[ "$preset" = release ] || tools/lint.sh
+results=$PWD/build/$preset/tests.xml
+rm -f "$results"
+status=0
+ctest --preset "$preset" -j "$(nproc)" --output-junit "$results" || status=$?
+tools/check-skips.py "$results" || status=1
+exit "$status"
