@@ -5,11 +5,13 @@
 
 #include "OrvLib/ARX/Layers.h"
 #include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Status.h"
 
 namespace OrvLib {
 namespace {
 
 constexpr const ACHAR* kSortentsKey = L"ACAD_SORTENTS";
+constexpr const ACHAR* kSortentsVariable = L"SORTENTS";
 constexpr short kEverythingSorted = 127;
 
 /// The extension dictionary of the block, open for read; made when missing.
@@ -28,12 +30,12 @@ Opened<AcDbDictionary> extensionDictionaryOf(AcDbObjectId blockId) {
 void honorDrawOrder() {
   if (acdbHostApplicationServices()->workingDatabase() == nullptr) return;
   resbuf variable{};
-  if (acedGetVar(L"SORTENTS", &variable) != RTNORM) return;
+  if (acedGetVar(kSortentsVariable, &variable) != RTNORM) return printFailed(kSortentsVariable);
   const short value = variable.resval.rint;
   if ((value & kEverythingSorted) == kEverythingSorted) return;
   variable.restype = RTSHORT;
   variable.resval.rint = static_cast<short>(value | kEverythingSorted);
-  acedSetVar(L"SORTENTS", &variable);
+  if (acedSetVar(kSortentsVariable, &variable) != RTNORM) printFailed(kSortentsVariable);
 }
 
 Opened<AcDbSortentsTable> sortTableOf(const AcDbEntity& entity) {
@@ -46,8 +48,9 @@ Opened<AcDbSortentsTable> sortTableOf(const AcDbEntity& entity) {
   auto table = std::make_unique<AcDbSortentsTable>();
   AcDbObjectId id;
   if (dictionary->setAt(kSortentsKey, table.get(), id) != Acad::eOk) return {};
-  table->setBlockId(blockId);
-  return Opened<AcDbSortentsTable>(table.release());
+  Opened<AcDbSortentsTable> resident(table.release());
+  if (!succeeded(resident->setBlockId(blockId))) return {};
+  return resident;
 }
 
 bool DrawOrder::moveToTop(AcDbObjectId entity) { return move(entity, &AcDbSortentsTable::moveToTop); }

@@ -8,6 +8,7 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Layers.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Status.h"
 
 namespace OrvLib {
 namespace {
@@ -33,11 +34,7 @@ Opened<AcDbBlockTableRecord> openModelSpace(const AcDbBlockTable& blocks) {
 
 AcDbObjectId append(std::unique_ptr<AcDbEntity> entity, const Opened<AcDbBlockTableRecord>& space) {
   AcDbObjectId id;
-  const Acad::ErrorStatus status = space ? space->appendAcDbEntity(id, entity.get()) : space.status();
-  if (status != Acad::eOk) {
-    printFailed(acadErrorStatusText(status));
-    return {};
-  }
+  if (!succeeded(space ? space->appendAcDbEntity(id, entity.get()) : space.status())) return {};
   entity.release()->close();
   return id;
 }
@@ -46,7 +43,7 @@ AcDbObjectId append(std::unique_ptr<AcDbEntity> entity, const Opened<AcDbBlockTa
 AcDbObjectId appendToModelSpace(std::unique_ptr<AcDbEntity> entity, AcDbDatabase& db) {
   if (const HeldModelSpace& held = heldModelSpace(); held.db == &db) return append(std::move(entity), held.space);
   const auto blocks = openBlocks(db);
-  if (!blocks) return {};
+  if (!succeeded(blocks.status())) return {};
   return append(std::move(entity), openModelSpace(*blocks));
 }
 
@@ -55,7 +52,7 @@ bool setColorAndLayer(AcDbEntity& entity, int colorIndex, const ACHAR* layer, Ac
   entity.setColorIndex(static_cast<Adesk::UInt16>(colorIndex));
   if (layer == nullptr) return true;
   const AcDbObjectId layerId = layerMadeIfMissing(layer, &db);
-  return !layerId.isNull() && entity.setLayer(layerId) == Acad::eOk;
+  return !layerId.isNull() && succeeded(entity.setLayer(layerId), layer);
 }
 
 bool setPattern(AcDbHatch& hatch, const HatchPattern& pattern) {
@@ -69,10 +66,10 @@ template <class AppendLoop>
 AcDbObjectId makeHatchIn(AcDbDatabase& db, int colorIndex, const ACHAR* layer, const HatchPattern& pattern,
                          const AppendLoop& appendLoop) {
   auto hatch = std::make_unique<AcDbHatch>();
-  hatch->setNormal(AcGeVector3d::kZAxis);
-  hatch->setElevation(0);
-  hatch->setAssociative(false);
-  if (!setColorAndLayer(*hatch, colorIndex, layer, db) || !setPattern(*hatch, pattern) ||
+  const bool isPlain = succeeded(hatch->setNormal(AcGeVector3d::kZAxis)) && succeeded(hatch->setElevation(0)) &&
+                       succeeded(hatch->setAssociative(false));
+  // What cannot be filled is no failure: callers ask for whatever the user has drawn.
+  if (!isPlain || !setColorAndLayer(*hatch, colorIndex, layer, db) || !setPattern(*hatch, pattern) ||
       appendLoop(*hatch) != Acad::eOk || hatch->evaluateHatch() != Acad::eOk) {
     return {};
   }
@@ -154,9 +151,9 @@ AcDbObjectId makeBlockReference(AcDbObjectId block, const Point3d& position, con
   std::unique_ptr<AcDbBlockReference> reference(new (std::nothrow) AcDbBlockReference);
   if (!reference) throw OrvExpAcad(L"Allocation of AcDbBlockReference failed");
   const AcDbObjectId layerId = layerMadeIfMissing(layer, db);
-  if (layerId.isNull() || reference->setBlockTableRecord(block) != Acad::eOk ||
-      reference->setPosition(toHost(position)) != Acad::eOk || reference->setRotation(0) != Acad::eOk ||
-      reference->setNormal(AcGeVector3d::kZAxis) != Acad::eOk || reference->setLayer(layerId) != Acad::eOk) {
+  if (layerId.isNull() || !succeeded(reference->setBlockTableRecord(block)) ||
+      !succeeded(reference->setPosition(toHost(position))) || !succeeded(reference->setRotation(0)) ||
+      !succeeded(reference->setNormal(AcGeVector3d::kZAxis)) || !succeeded(reference->setLayer(layerId), layer)) {
     return {};
   }
   return appendToModelSpace(std::move(reference), *db);

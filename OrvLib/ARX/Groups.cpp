@@ -2,8 +2,7 @@
 
 #include <memory>
 
-#include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Status.h"
 
 namespace OrvLib {
 
@@ -13,26 +12,25 @@ Opened<AcDbGroup> NumberedGroups::make(const ACHAR* description) {
   if (db_ == nullptr) return {};
   const auto groups =
       Opened<AcDbDictionary>::by([&](AcDbDictionary*& open) { return db_->getGroupDictionary(open, AcDb::kForWrite); });
-  if (!groups) return {};
+  if (!succeeded(groups.status(), prefix_.c_str())) return {};
   std::wstring name = prefix_ + std::to_wstring(next_);
   while (groups->has(name.c_str())) name = prefix_ + std::to_wstring(++next_);
   auto group = std::make_unique<AcDbGroup>();
   AcDbObjectId id;
-  if (const Acad::ErrorStatus status = groups->setAt(name.c_str(), group.get(), id); status != Acad::eOk) {
-    printFailed(acadErrorStatusText(status), name.c_str());
-    return {};
-  }
+  if (!succeeded(groups->setAt(name.c_str(), group.get(), id), name.c_str())) return {};
   Opened<AcDbGroup> resident(group.release());
-  resident->setDescription(description);
+  succeeded(resident->setDescription(description), name.c_str());
   return resident;
 }
 
 bool appendToGroup(const Opened<AcDbGroup>& group, const AcDbObjectIdArray& members) {
-  return group && group->append(members) == Acad::eOk;
+  return group && succeeded(group->append(members));
 }
 
 bool appendToGroup(AcDbObjectId groupId, const AcDbObjectIdArray& members) {
-  return appendToGroup(Opened<AcDbGroup>(groupId, AcDb::kForWrite), members);
+  if (groupId.isNull()) return false;  // NumberedGroups::make has said why
+  const Opened<AcDbGroup> group(groupId, AcDb::kForWrite);
+  return succeeded(group.status()) && appendToGroup(group, members);
 }
 
 }  // namespace OrvLib

@@ -15,7 +15,8 @@ class NumberedGroups {
   /// A null database means the working one.
   explicit NumberedGroups(const ACHAR* prefix, AcDbDatabase* db = nullptr);
 
-  /// A new, empty group in the drawing's group dictionary, open for write. Empty when the host refuses.
+  /// A new, empty group in the drawing's group dictionary, open for write. Empty, as the command line then says, when
+  /// the host refuses.
   Opened<AcDbGroup> make(const ACHAR* description);
 
  private:
@@ -24,7 +25,8 @@ class NumberedGroups {
   int next_ = 0;
 };
 
-/// False when the group is not open or a member cannot be appended. Members must not be open for write.
+/// False when the group is not open or, as the command line then says, a member cannot be appended. Members must not be
+/// open for write.
 bool appendToGroup(const Opened<AcDbGroup>& group, const AcDbObjectIdArray& members);
 /// The same with a group that is not open; false also when it cannot be opened.
 bool appendToGroup(AcDbObjectId group, const AcDbObjectIdArray& members);

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/ResbufChain.h"
 
 namespace OrvLib {
@@ -24,12 +25,17 @@ class SelectionSet {
   std::vector<AcDbObjectId> ids() const {
     std::vector<AcDbObjectId> ids;
     Adesk::Int32 length = 0;
-    if (!exists_ || acedSSLength(set_, &length) != RTNORM || length <= 0) return ids;
+    if (!exists_) return ids;
+    if (acedSSLength(set_, &length) != RTNORM) throw OrvExpAcad(L"acedSSLength() failed.");
     ids.reserve(static_cast<std::size_t>(length));
     for (Adesk::Int32 i = 0; i < length; ++i) {
       ads_name name = {0, 0};
       AcDbObjectId id;
-      if (acedSSName(set_, i, name) == RTNORM && acdbGetObjectId(id, name) == Acad::eOk) ids.push_back(id);
+      // A command that worked on a part of the selection would look finished.
+      if (acedSSName(set_, i, name) != RTNORM || acdbGetObjectId(id, name) != Acad::eOk) {
+        throw OrvExpAcad(L"acedSSName() failed.");
+      }
+      ids.push_back(id);
     }
     return ids;
   }

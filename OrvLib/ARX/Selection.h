@@ -1,4 +1,4 @@
-// Choosing entities.
+// Choosing entities. All throw OrvExpAcad when the host does not give what it says it has selected.
 #pragma once
 
 #include <vector>
