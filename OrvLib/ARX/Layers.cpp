@@ -5,6 +5,7 @@
 
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Status.h"
 
 namespace OrvLib {
 namespace {
@@ -24,15 +25,12 @@ AcDbObjectId recordId(AcDbDatabase& db, const ACHAR* name) {
 Opened<AcDbLayerTableRecord> makeLayer(AcDbDatabase& db, const ACHAR* name) {
   const auto table =
       Opened<AcDbLayerTable>::by([&](AcDbLayerTable*& open) { return db.getLayerTable(open, AcDb::kForWrite); });
-  if (!table) return {};
+  if (!succeeded(table.status(), name)) return {};
   std::unique_ptr<AcDbLayerTableRecord> layer(new (std::nothrow) AcDbLayerTableRecord);
   if (!layer) throw OrvExpAcad(L"Allocation of layerTableRecord failed");
   Acad::ErrorStatus status = layer->setName(name);
   if (status == Acad::eOk) status = table->add(layer.get());
-  if (status != Acad::eOk) {
-    printFailed(acadErrorStatusText(status), name);
-    return {};
-  }
+  if (!succeeded(status, name)) return {};
   return Opened<AcDbLayerTableRecord>(layer.release());
 }
 
@@ -44,16 +42,16 @@ std::optional<AcCmColor> colorOfLayer(int colorIndex) {
   return color;
 }
 
-/// Writes only what differs, so that a layer that is right already stays untouched in the drawing file.
-bool setLayerProperties(AcDbLayerTableRecord& layer, int colorIndex, AcDbObjectId linetype) {
+/// Writes only what differs, so that a layer that is right already stays untouched in the drawing file. A true colour
+/// that the index stands for differs in nothing.
+bool setLayerProperties(AcDbLayerTableRecord& layer, const ACHAR* name, int colorIndex, AcDbObjectId linetype) {
   const std::optional<AcCmColor> color = colorOfLayer(colorIndex);
-  const bool setsColor = color && !(layer.color() == *color);
+  const bool setsColor = color && layer.color().colorIndex() != color->colorIndex();
   const bool setsLinetype = !linetype.isNull() && layer.linetypeObjectId() != linetype;
   if (!setsColor && !setsLinetype) return true;
-  if (!makeWritable(layer)) return false;
+  if (!layer.isWriteEnabled() && !succeeded(layer.upgradeOpen(), name)) return false;
   if (setsColor) layer.setColor(*color);
-  if (setsLinetype) layer.setLinetypeObjectId(linetype);
-  return true;
+  return !setsLinetype || succeeded(layer.setLinetypeObjectId(linetype), name);
 }
 
 }  // namespace
@@ -68,11 +66,11 @@ EnsuredLayer ensureLayer(const ACHAR* name, int colorIndex, const ACHAR* linetyp
   {
     const Opened<AcDbLayerTableRecord> layer =
         isNew ? makeLayer(*db, name) : Opened<AcDbLayerTableRecord>(layerId, AcDb::kForRead);
-    if (!layer || !setLayerProperties(*layer, colorIndex, linetypeId)) return EnsuredLayer::Failed;
+    if (!layer || !setLayerProperties(*layer, name, colorIndex, linetypeId)) return EnsuredLayer::Failed;
     layerId = layer->objectId();
   }
   if (linetypeId.isNull()) return EnsuredLayer::WithoutLinetype;
-  if (makeCurrent == MakeCurrent::Yes && db->setClayer(layerId) != Acad::eOk) return EnsuredLayer::Failed;
+  if (makeCurrent == MakeCurrent::Yes && !succeeded(db->setClayer(layerId), name)) return EnsuredLayer::Failed;
   return isNew ? EnsuredLayer::Created : EnsuredLayer::Existed;
 }
 
@@ -84,7 +82,7 @@ AcDbObjectId layerMadeIfMissing(const ACHAR* name, AcDbDatabase* database) {
   const AcDbObjectId linetype = findOrLoadLinetype(kContinuous, db);
   const Opened<AcDbLayerTableRecord> layer = makeLayer(*db, name);
   if (!layer) return {};
-  if (!linetype.isNull()) layer->setLinetypeObjectId(linetype);
+  if (!linetype.isNull()) succeeded(layer->setLinetypeObjectId(linetype), name);
   return layer->objectId();
 }
 
@@ -101,11 +99,18 @@ std::optional<int> layerColor(const ACHAR* name, AcDbDatabase* database) {
   return layer->color().colorIndex();
 }
 
+bool hasTrueColor(const ACHAR* name, AcDbDatabase* database) {
+  AcDbDatabase* const db = orWorkingDatabase(database);
+  if (db == nullptr) return false;
+  const Opened<AcDbLayerTableRecord> layer(recordId<AcDbLayerTable>(*db, name), AcDb::kForRead);
+  return layer && layer->color().isByColor();
+}
+
 bool setLayerColor(const ACHAR* name, int colorIndex, AcDbDatabase* database) {
   AcDbDatabase* const db = orWorkingDatabase(database);
   if (db == nullptr || !colorOfLayer(colorIndex)) return false;
   const Opened<AcDbLayerTableRecord> layer(recordId<AcDbLayerTable>(*db, name), AcDb::kForRead);
-  return layer && setLayerProperties(*layer, colorIndex, {});
+  return layer && setLayerProperties(*layer, name, colorIndex, {});
 }
 
 bool setLayerState(const ACHAR* name, const LayerState& state, AcDbDatabase* database) {

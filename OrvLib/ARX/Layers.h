@@ -1,4 +1,5 @@
-// Layers and linetypes of a drawing. Names compare without regard to case; a null database means the working one.
+// Layers and linetypes of a drawing. Names compare without regard to case; a null database means the working one. What
+// the host refuses is told on the command line, a missing layer is not.
 #pragma once
 
 #include <optional>
@@ -11,8 +12,9 @@ enum class MakeCurrent { No, Yes };
 enum class EnsuredLayer { Failed = 0, Created = 1, Existed = 2, WithoutLinetype = 3 };
 
 /// Makes sure that the layer exists with the colour index (1 to 255; any other leaves the layer's own) and linetype,
-/// overwriting those of an existing layer. A linetype that is neither in the drawing nor in the host's linetype file
-/// leaves the layer's own and answers WithoutLinetype. Throws OrvExpAcad when no layer record can be allocated.
+/// overwriting those of an existing layer, but for a true colour that the index is the nearest to. A linetype that is
+/// neither in the drawing nor in the host's linetype file leaves the layer's own and answers WithoutLinetype. Throws
+/// OrvExpAcad when no layer record can be allocated.
 EnsuredLayer ensureLayer(const ACHAR* name, int colorIndex, const ACHAR* linetype,
                          MakeCurrent makeCurrent = MakeCurrent::No, AcDbDatabase* db = nullptr);
 
@@ -26,7 +28,11 @@ AcDbObjectId findLayer(const ACHAR* name, AcDbDatabase* db = nullptr);
 /// Colour index of the layer (of a true colour the nearest one); nothing when the layer is missing.
 std::optional<int> layerColor(const ACHAR* name, AcDbDatabase* db = nullptr);
 
-/// False for a missing layer and for an index outside 1 to 255; nothing is changed then.
+/// Whether the layer is there with a true colour, which the index of layerColor only stands for.
+bool hasTrueColor(const ACHAR* name, AcDbDatabase* db = nullptr);
+
+/// False for a missing layer and for an index outside 1 to 255; nothing is changed then. A true colour stays when the
+/// index is that of layerColor.
 bool setLayerColor(const ACHAR* name, int colorIndex, AcDbDatabase* db = nullptr);
 
 struct LayerState {

@@ -17,6 +17,7 @@ constexpr int kRoofOnLight = 255;
 constexpr int kRoofOnBlack = 250;
 
 void adaptRoofLayer(bool isBlackBackground) {
+  if (hasTrueColor(layers::kRoofFill)) return;
   const std::optional<int> color = layerColor(layers::kRoofFill);
   const int wanted = isBlackBackground ? kRoofOnBlack : kRoofOnLight;
   if ((color == kRoofOnLight || color == kRoofOnBlack) && color != wanted) setLayerColor(layers::kRoofFill, wanted);
@@ -48,7 +49,7 @@ asdkeditorReactor::~asdkeditorReactor() {
 void asdkeditorReactor::layoutSwitched(const ACHAR* newLayoutName) {
   guarded([&] {
     AcColorSettings colors{};
-    acedGetCurrentColors(&colors);
+    if (acedGetCurrentColors(&colors) == FALSE) return printFailed(newLayoutName);
     const bool isModel = newLayoutName != nullptr && std::wstring_view(newLayoutName) == L"Model";
     CDocData& data = currentDocData();
     data.backgroundColor = isModel ? colors.dwGfxModelBkColor : colors.dwGfxLayoutBkColor;
