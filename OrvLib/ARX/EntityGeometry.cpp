@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
 
 namespace OrvLib {
@@ -9,49 +11,62 @@ namespace {
 
 double bulgeFromAbove(double bulge, const AcGeVector3d& normal) { return normal.z < 0 ? -bulge : bulge; }
 
-PolyArc readLightweight(const AcDbPolyline& polyline) {
+/// What readers answer for a polyline that the host does not give whole: the rest of it would be another course.
+std::nullopt_t unreadable(const AcDbEntity& polyline, const ACHAR* what) {
+  printFailed(what, handleText(polyline).c_str());
+  return std::nullopt;
+}
+
+std::optional<PolyArc> readLightweight(const AcDbPolyline& polyline) {
   PolyArc course;
   course.setClosed(polyline.isClosed());
   const AcGeVector3d normal = polyline.normal();
   for (unsigned int i = 0; i < polyline.numVerts(); ++i) {
     AcGePoint3d point;
     double bulge = 0;
-    if (polyline.getPointAt(i, point) != Acad::eOk || polyline.getBulgeAt(i, bulge) != Acad::eOk) continue;
+    if (polyline.getPointAt(i, point) != Acad::eOk || polyline.getBulgeAt(i, bulge) != Acad::eOk) {
+      return unreadable(polyline, L"LightWeight PolyLine conversion to PolyLine failed!");
+    }
     course.append({toPoint3d(point), bulgeFromAbove(bulge, normal)});
   }
   return course;
 }
 
-/// Calls `visit` with every vertex of an old-style polyline, whether it is in a drawing or not.
+/// Calls `visit` with every vertex of an old-style polyline, whether it is in a drawing or not. False when the host
+/// does not give one of them.
 template <class Vertex, class Polyline, class Visit>
-void visitVertices(const Polyline& polyline, const Visit& visit) {
+bool visitVertices(const Polyline& polyline, const Visit& visit) {
   const std::unique_ptr<AcDbObjectIterator> iterator(polyline.vertexIterator());
-  if (!iterator) return;
+  if (!iterator) return false;
   for (iterator->start(); !iterator->done(); iterator->step()) {
     const auto opened = Opened<Vertex>::by(
         [&](Vertex*& vertex) { return polyline.openVertex(vertex, iterator->objectId(), AcDb::kForRead); });
     const Vertex* const vertex = opened ? opened.get() : Vertex::cast(iterator->entity());
-    if (vertex != nullptr) visit(*vertex);
+    if (vertex == nullptr) return false;
+    visit(*vertex);
   }
+  return true;
 }
 
-PolyArc read2d(const AcDb2dPolyline& polyline) {
+std::optional<PolyArc> read2d(const AcDb2dPolyline& polyline) {
   PolyArc course;
   course.setClosed(polyline.isClosed());
   const AcGeVector3d normal = polyline.normal();
-  visitVertices<AcDb2dVertex>(polyline, [&](const AcDb2dVertex& vertex) {
+  const bool isWhole = visitVertices<AcDb2dVertex>(polyline, [&](const AcDb2dVertex& vertex) {
     if (vertex.vertexType() == AcDb::k2dSplineCtlVertex) return;
     course.append({toPoint3d(polyline.vertexPosition(vertex)), bulgeFromAbove(vertex.bulge(), normal)});
   });
+  if (!isWhole) return unreadable(polyline, L"2D PolyLine conversion to PolyLine failed!");
   return course;
 }
 
-PolyArc read3d(const AcDb3dPolyline& polyline) {
+std::optional<PolyArc> read3d(const AcDb3dPolyline& polyline) {
   PolyArc course;
   course.setClosed(polyline.isClosed());
-  visitVertices<AcDb3dPolylineVertex>(polyline, [&](const AcDb3dPolylineVertex& vertex) {
+  const bool isWhole = visitVertices<AcDb3dPolylineVertex>(polyline, [&](const AcDb3dPolylineVertex& vertex) {
     if (vertex.vertexType() != AcDb::k3dControlVertex) course.append({toPoint3d(vertex.position())});
   });
+  if (!isWhole) return unreadable(polyline, L"3D PolyLine conversion to PolyLine failed!");
   return course;
 }
 

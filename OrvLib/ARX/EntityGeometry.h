@@ -17,7 +17,8 @@ bool isBoundary(const AcDbEntity& entity);
 
 /// The course of an open lightweight, 2D or 3D polyline in world coordinates, bulges as seen from above: those of a
 /// polyline drawn on the underside of the plan (mirrored) change their sign. Frame points of smoothed polylines are
-/// left out. A line gives its ends, a point itself; a region is opaque and gives no vertex. Nothing for other classes.
+/// left out. A line gives its ends, a point itself; a region is opaque and gives no vertex. Nothing for other
+/// classes, nor, as the command line then says, when the host does not give all vertices.
 std::optional<PolyArc> readPolyArc(const AcDbEntity& entity);
 
 }  // namespace OrvLib

@@ -31,6 +31,13 @@ struct Arc {
   }
 };
 
+/// The arc from vertex `i` to the next one, which may wrap to the first.
+Arc arcAt(const std::vector<ArcVertex>& vertices, std::size_t i) {
+  const auto& [start, bulge] = vertices[i];
+  const Point3d& end = vertices[(i + 1) % vertices.size()].point;
+  return bulge > 0 ? Arc{start, end, bulge} : Arc{end, start, -bulge};
+}
+
 void appendPieces(std::vector<Point3d>& points, const Arc& arc, double chordArcLength) {
   points.push_back(arc.start);
   if (arc.isUsable() && chordArcLength > 0) {
@@ -92,18 +99,17 @@ PolyArc PolyArc::reversed() const {
   return back;
 }
 
-PolyLine PolyArc::approximated(double chordArcLength) const {
-  const auto arcOf = [this](std::size_t i) {
-    const auto& [start, bulge] = vertices_[i];
-    const Point3d& end = vertices_[(i + 1) % vertices_.size()].point;
-    return bulge > 0 ? Arc{start, end, bulge} : Arc{end, start, -bulge};
-  };
+bool PolyArc::hasTooManyPieces(double chordArcLength) const {
+  if (!(chordArcLength > 0)) return false;
   double length = 0;
   for (std::size_t i = 0; i < segmentCount(); ++i) {
-    if (isArc(vertices_[i].bulge) && arcOf(i).isUsable()) length += arcOf(i).length();
+    if (isArc(vertices_[i].bulge) && arcAt(vertices_, i).isUsable()) length += arcAt(vertices_, i).length();
   }
-  const double step = chordArcLength > 0 && length <= chordArcLength * kMostPieces ? chordArcLength : 0;
+  return length > chordArcLength * kMostPieces;
+}
 
+PolyLine PolyArc::approximated(double chordArcLength) const {
+  const double step = chordArcLength > 0 && !hasTooManyPieces(chordArcLength) ? chordArcLength : 0;
   std::vector<Point3d> points;
   for (std::size_t i = 0; i < segmentCount(); ++i) {
     if (!isArc(vertices_[i].bulge)) {
@@ -112,7 +118,7 @@ PolyLine PolyArc::approximated(double chordArcLength) const {
       continue;
     }
     const auto first = static_cast<std::ptrdiff_t>(points.size());
-    appendPieces(points, arcOf(i), step);
+    appendPieces(points, arcAt(vertices_, i), step);
     if (vertices_[i].bulge < 0) std::reverse(std::next(points.begin(), first), points.end());
   }
   return PolyLine(std::move(points), closed_);

@@ -25,8 +25,8 @@ class PolyArc {
  public:
   /// A segment counts as an arc from this magnitude of its bulge on.
   static constexpr double kSmallestBulge = 0.0001;
-  /// The most pieces that all arcs of a course are cut into. A course that would give more is no plan but a damaged
-  /// number: its arcs keep their ends only.
+  /// The most pieces that all arcs of a course are cut into: a damaged number must not fill the memory. The arcs of a
+  /// course that would give more keep their ends only (hasTooManyPieces).
   static constexpr int kMostPieces = 50'000;
 
   PolyArc() = default;
@@ -52,6 +52,9 @@ class PolyArc {
   /// run linearly along the arc. A `chordArcLength` that is not positive gives the ends only.
   /// Guarantee: the points of the reversed course are the same points backwards.
   PolyLine approximated(double chordArcLength) const;
+  /// Whether the arcs would give more than kMostPieces pieces of this length, so that `approximated` gives their ends
+  /// only.
+  bool hasTooManyPieces(double chordArcLength) const;
 
   /// Text form for tests and messages: "x,y[,z][ b=bulge]; …", " closed" at the end. Numbers read back exactly.
   std::string toText() const;

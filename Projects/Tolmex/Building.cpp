@@ -43,12 +43,14 @@ Building::Building(Opened<AcDbEntity> entity, int floors, double eaves, double h
 }
 
 bool Building::takeOutline(const AcDbEntity& entity) {
-  const std::optional<PolyArc> course = isBoundary(entity) ? readPolyArc(entity) : std::nullopt;
-  if (!course) {
+  if (!isBoundary(entity)) {
     acutPrintf(L"\nwas given a non polyline object.\n");
     return false;
   }
+  const std::optional<PolyArc> course = readPolyArc(entity);
+  if (!course) return false;
   firstSegmentIsArc = course->firstSegmentIsArc();
+  followsChords = course->hasTooManyPieces(kOutlineStep);
   outline = course->approximated(kOutlineStep);
   return true;
 }

@@ -41,6 +41,7 @@ void makeBuildingShadow(Building& building, ShadowDrawing& drawing) {
   if (lock.lockStatus() != Acad::eOk || !canBeWrittenTo(building.entityId)) return;
   makeElementLayerIfMissing(layers::kRoofFill);
   building.roofFillId = makeHatch(building.entityId, kColorByLayer, layers::kRoofFill, {});
+  if (building.followsChords) ShadowDrawing::tellOfChords(building.entityId);
   const ShadowSettings& settings = drawing.settings();
   drawing.draw(buildingShadow(casterOf(building), settings.shadowAngleRad, settings.shadowLengthPerFloor),
                kBuildingShadow);

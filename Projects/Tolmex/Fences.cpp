@@ -9,6 +9,7 @@
 #include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/EntityTag.h"
 
@@ -40,8 +41,9 @@ bool setFenceHeight(double height, AcDbEntity& fence) {
     alertThatOnlyFencesHaveHeights();
     return false;
   }
-  return makeWritable(fence) &&
-         replaceTag(fence, readCategory(fence).value_or(L""), formatNumber(height), handleText(fence));
+  const std::wstring handle = handleText(fence);
+  if (!fence.isWriteEnabled() && !succeeded(fence.upgradeOpen(), handle.c_str())) return false;
+  return replaceTag(fence, readCategory(fence).value_or(L""), formatNumber(height), handle);
 }
 
 bool makeFenceShadow(AcDbObjectId id, ShadowDrawing& drawing) {
@@ -52,6 +54,7 @@ bool makeFenceShadow(AcDbObjectId id, ShadowDrawing& drawing) {
   if (std::abs(height) < kNoHeight || !makeWritable(*fence)) return false;
   const std::optional<PolyArc> course = readPolyArc(*fence);
   fence.close();
+  if (course && course->hasTooManyPieces(kFenceStep)) ShadowDrawing::tellOfChords(id);
   if (course) drawing.draw(fenceShadow(*course, height, drawing.settings().shadowAngleRad), kFenceShadow);
   return true;
 }

@@ -35,10 +35,11 @@ class ProgressMeter {
   static constexpr std::size_t kMost = std::numeric_limits<int>::max();
 };
 
-/// Whether there was anything to erase.
+/// Whether there was anything to erase. What a locked layer keeps is told: new shadows will lie on it.
 bool eraseShadows() {
   const std::vector<AcDbObjectId> old = selectLayers({layers::kShadow, layers::kRoofFill});
-  for (const AcDbObjectId id : old) eraseEntity(id);
+  const auto kept = std::count_if(old.begin(), old.end(), [](AcDbObjectId id) { return !eraseEntity(id); });
+  if (kept > 0) acutPrintf(L"\nVanhoista varjoista ja kattotäytöistä jäi poistamatta %d.\n", static_cast<int>(kept));
   return !old.empty();
 }
 
@@ -70,6 +71,7 @@ void updateShadows() {
     makeBuildingShadow(building, drawing);
     meter.show(i);
   }
+  drawing.tellIfNothingWasHatched();
   finishDisplay();
 }
 

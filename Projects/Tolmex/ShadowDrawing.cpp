@@ -1,6 +1,10 @@
 #include "Tolmex/ShadowDrawing.h"
 
+#include <cmath>
+
+#include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Layers.h"
+#include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Catalogue.h"
 
 namespace OrvLib {
@@ -9,6 +13,13 @@ namespace {
 constexpr const ACHAR* kGroupPrefix = L"Varjo";
 constexpr int kBoundaryColor = 34;
 constexpr int kBoundaryLayerColor = 7;
+constexpr double kSmallestArea = 1e-4;  // square drawing units; below it a quadrilateral counts as a line
+
+bool isWide(const Quad& quad) {
+  const Point3d a = quad[2] - quad[0];
+  const Point3d b = quad[3] - quad[1];
+  return std::abs(a.x * b.y - a.y * b.x) / 2 > kSmallestArea;
+}
 
 }  // namespace
 
@@ -16,6 +27,14 @@ ShadowDrawing::ShadowDrawing(const ShadowSettings& settings)
     : settings_(settings),
       pattern_{settings_.shadowHatchType.c_str(), settings_.shadowAngleRad, settings_.shadowScale},
       groups_(kGroupPrefix) {}
+
+/// Without the layer the settings' colour had nowhere to go.
+void ShadowDrawing::makeShadowLayer() {
+  if (!isShadowLayerThere_ && findLayer(layers::kShadow).isNull()) {
+    ensureLayer(layers::kShadow, settings_.shadowColor, kLinetypeContinuous);
+  }
+  isShadowLayerThere_ = true;
+}
 
 void ShadowDrawing::hideBoundaryLayer(const ShadowKind& kind) {
   if (isBoundaryLayerHidden_) return;
@@ -28,6 +47,7 @@ void ShadowDrawing::hideBoundaryLayer(const ShadowKind& kind) {
 
 void ShadowDrawing::draw(const std::vector<Quad>& quads, const ShadowKind& kind) {
   const Opened<AcDbGroup> group = groups_.make(kind.groupDescription);
+  if (!quads.empty()) makeShadowLayer();
   if (kind.keepsBoundaries && !quads.empty()) hideBoundaryLayer(kind);
   AcDbObjectIdArray hatches;
   const OpenModelSpace modelSpace;
@@ -37,8 +57,23 @@ void ShadowDrawing::draw(const std::vector<Quad>& quads, const ShadowKind& kind)
     const AcDbObjectId hatch = makeHatch(points, kColorByLayer, layers::kShadow, pattern_);
     if (!hatch.isNull()) hatches.append(hatch);
     if (!kind.keepsBoundaries) eraseEntity(boundary);
+    if (isWide(quad)) ++wideQuads_;
   }
+  hatches_ += static_cast<std::size_t>(hatches.length());
   appendToGroup(group, hatches);
+}
+
+void ShadowDrawing::tellOfChords(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+  if (!entity) return;
+  acutPrintf(L"\nKohteen %s kaaret ovat liian pitkiä jaettaviksi: varjo seuraa niiden jänteitä.\n",
+             handleText(*entity).c_str());
+}
+
+void ShadowDrawing::tellIfNothingWasHatched() const {
+  if (wideQuads_ == 0 || hatches_ > 0) return;
+  acutPrintf(L"\nVarjoja ei voitu piirtää varjon viivojen skaalalla %s.\n",
+             formatNumber(settings_.shadowScale).c_str());
 }
 
 }  // namespace OrvLib

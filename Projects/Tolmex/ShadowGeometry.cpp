@@ -15,6 +15,9 @@ bool isFinite(const Quad& quad) {
 
 bool closes(const PolyLine& points) { return !points.isEmpty() && points[points.size() - 1].isEqualTo(points[0]); }
 
+/// Whether two points are one: what lies between them casts nothing. Edges of any length cast their shadow.
+bool isSamePoint(const Point3d& a, const Point3d& b) { return a.distanceTo(b) < kDuplicateTolerance; }
+
 /// Quadrilaterals between the edges of `foot` and those of `shadow`. With `isRing` the last point has an edge back to
 /// the first one.
 std::vector<Quad> quadsBetween(const PolyLine& foot, const PolyLine& shadow, bool isRing) {
@@ -25,7 +28,7 @@ std::vector<Quad> quadsBetween(const PolyLine& foot, const PolyLine& shadow, boo
     const bool isLast = i + 1 >= count;
     if (isLast && !isRing) break;
     const std::size_t next = isLast ? 0 : i + 1;
-    const bool isJoint = foot[i].isEqualTo(foot[next]) && shadow[i].isEqualTo(shadow[next]);
+    const bool isJoint = isSamePoint(foot[i], foot[next]) && isSamePoint(shadow[i], shadow[next]);
     const Quad quad{foot[i], shadow[i], shadow[next], foot[next]};
     if (!isJoint && isFinite(quad)) quads.push_back(quad);
   }

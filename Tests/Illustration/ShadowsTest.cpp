@@ -251,4 +251,47 @@ TEST_F(Shadows, ADamagedNumberCostsOnlyItsBuilding) {
   reopen();
 }
 
+TEST_F(Shadows, WhatMakesThemOtherThanWantedIsTold) {
+  // Half circles of 100 km: no 130 000 pieces, but the edges between their ends.
+  run("PLINE\n0,0\nA\nS\n100000,-100000\n200000,0\nCL\n");
+  const std::string round = handle(*last(DxfType::LwPolyline));
+  run("PLINE\n0,-9\nA\nS\n10000,-10009\n20000,-9\n\n");
+  const std::string fence = handle(*last(DxfType::LwPolyline));
+  run("TLM_MUOK_AITA_KIVI\n" + pickHandle(fence) + "\nTLM_ASETA_KORKEUS\n" + pickHandle(fence) + "\n2\n");
+  store({{round, building("2")}, {rectangle(0, 0, 10, 10), building("2")}});
+  storeSettings(settings("0.5"));
+  const std::string shown = run("TLM_VARJO_PAIVITA\n");
+  const std::string told = " kaaret ovat liian pitkiä jaettaviksi: varjo seuraa niiden jänteitä.\n";
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = shown.find(told, at)) != std::string::npos; ++at) ++count;
+  EXPECT_EQ(count, 2U) << shown;
+  EXPECT_NE(shown.find("\nKohteen " + round + told), std::string::npos);
+  EXPECT_NE(shown.find("\nKohteen " + fence + told), std::string::npos);
+  EXPECT_EQ(shown.find("ei voitu piirtää"), std::string::npos);
+  // Shadows that a locked layer keeps lie under the new ones.
+  const std::string kept = std::to_string(shadowCount());
+  EXPECT_NE(run("LAYER\nLOCK\ntmv_varjo\n\nTLM_VARJO_POISTA\n")
+                .find("\nVanhoista varjoista ja kattotäytöistä jäi poistamatta " + kept + ".\n"),
+            std::string::npos)
+      << transcript_;
+}
+
+TEST_F(Shadows, APolylineThatIsNotReadWholeCastsNone) {
+  const auto vertex = [](const std::string& handle, const std::string& type, const std::string& x) {
+    return "  0\nVERTEX\n  5\n" + handle + "\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\n" + type + "\n 10\n" + x +
+           "\n 20\n0\n" + (type == "AcDb3dPolylineVertex" ? " 70\n32\n" : "");
+  };
+  openText(
+      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n  9\n$MEASUREMENT\n 70\n1\n  0\nENDSEC\n  0\nSECTION\n"
+      "  2\nENTITIES\n  0\nPOLYLINE\n  5\n50\n100\nAcDbEntity\n  8\n0\n100\nAcDb2dPolyline\n 66\n1\n 10\n0\n 20\n0\n"
+      " 30\n0\n 70\n0\n" +
+      vertex("51", "AcDb2dVertex", "0") + vertex("52", "AcDb3dPolylineVertex", "10") +
+      vertex("53", "AcDb2dVertex", "20") + "  0\nSEQEND\n  5\n54\n100\nAcDbEntity\n  8\n0\n  0\nENDSEC\n  0\nEOF\n");
+  run("TLM_MUOK_SORA\n" + pickHandle(rectangle(90, 0, 5, 5)) + "\n");
+  store({{"50", building()}, {rectangle(0, 50, 10, 10), building()}});
+  EXPECT_NE(run("TLM_VARJO_PAIVITA\n").find("2D PolyLine conversion to PolyLine failed!/50\n"), std::string::npos)
+      << transcript_;
+  EXPECT_EQ(shadowCount(), 4U);
+}
+
 }  // namespace

@@ -97,6 +97,12 @@ TEST(BuildingShadow, ArcsBecomePiecesOfFiveUnits) {
   EXPECT_EQ(buildingShadow(building("0,0; 20,0 b=1 closed", 1), 1, kPerFloor).size(), 7U);
 }
 
+TEST(BuildingShadow, EdgesOfAnyLengthCast) {
+  EXPECT_EQ(buildingShadow(building("0,0; 10,0; 10,0.00005; 10,10; 0,10 closed", 2), 1, kPerFloor).size(), 5U);
+  EXPECT_EQ(buildingShadow(building("0,0; 10,0; 10,0.00000005; 10,10; 0,10 closed", 2), 1, kPerFloor).size(), 4U);
+  EXPECT_EQ(fenceShadow(PolyArc::fromText("0,0; 10,0; 10,0.00005; 20,9"), 2, 1).size(), 3U);
+}
+
 TEST(BuildingShadow, OpenOutlinesGetNoClosingEdge) {
   EXPECT_EQ(buildingShadow(building("0,0; 10,0; 10,10", 1), 1, kPerFloor).size(), 2U);
   EXPECT_EQ(buildingShadow(building("0,0; 10,0; 10,10; 0,10; 0,0", 1), 1, kPerFloor).size(), 4U);
