@@ -6,12 +6,15 @@
 #include <utility>
 #include <vector>
 
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Building.h"
 #include "Tolmex/BuildingDLG.h"
 #include "Tolmex/BuildingRecord.h"
+#include "Tolmex/ColorSchemeFile.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DocumentLock.h"
@@ -23,9 +26,10 @@ namespace {
 
 constexpr double kLowestRidge = -0.0001;  // a ridge as high as the eaves still makes a ridged roof
 
-/// Gives the polyline, open for write, its layer and record. The building as it is now, record written or not.
+/// Gives the open polyline its layer and record. The building as it is now, record written or not; the user is told
+/// when it was not.
 Building convert(Opened<AcDbEntity> polyline, const RidgeChoice& ridge) {
-  polyline->setLayer(layers::kBuilding);
+  if (polyline && makeWritable(*polyline)) putOnElementLayer(*polyline, layers::kBuilding);
   const CDocData& data = currentDocData();
   Building building(std::move(polyline), toInt(data.nrFloors), data.eavesWidth, data.floorHeight, data.baseHeight,
                     ridge.hasRidge, ridge.ridgeLineId, ridge.ridgeHeight);
@@ -39,9 +43,8 @@ void editBuilding(AcDbObjectId id) {
   acutPrintf(ridge.hasRidge && ridge.ridgeHeight > kLowestRidge
                  ? L"\nRakennukselle tehdään harjakatto.\n"
                  : L"\nRakennukselle ei saatu harjaviivaa, tehdään tasakatto.\n");
-  Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
-  if (!polyline) return;
-  Building building = convert(std::move(polyline), ridge);
+  // A polyline that cannot be written to, as on a locked layer, is refused by the record's writer.
+  Building building = convert(Opened<AcDbEntity>(id, AcDb::kForRead), ridge);
   std::vector<Building>& buildings = currentDocData().buildings;
   const auto former = std::find_if(buildings.begin(), buildings.end(),
                                    [&](const Building& candidate) { return candidate.entityId == id; });
@@ -112,8 +115,10 @@ void makeRidgeLines() {
     for (const AcDbObjectId id : selectPolylinesByUser()) {
       const Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
       if (!polyline) continue;
-      polyline->setLayer(layers::kRidgeLine);
-      writeTag(Category::RidgeLine, {}, *polyline, BuildingRecordIs::Kept);
+      putOnElementLayer(*polyline, layers::kRidgeLine);
+      if (!writeTag(Category::RidgeLine, {}, *polyline, BuildingRecordIs::Kept)) {
+        printFailed(row(Category::RidgeLine).tag, handleText(*polyline).c_str());
+      }
     }
   }
   finishDisplay();

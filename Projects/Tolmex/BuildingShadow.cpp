@@ -39,8 +39,7 @@ bool canBeWrittenTo(AcDbObjectId id) { return static_cast<bool>(Opened<AcDbEntit
 void makeBuildingShadow(Building& building, ShadowDrawing& drawing) {
   const AcAxDocLock lock;
   if (lock.lockStatus() != Acad::eOk || !canBeWrittenTo(building.entityId)) return;
-  makeElementLayerIfMissing(layers::kRoofFill);
-  building.roofFillId = makeHatch(building.entityId, kColorByLayer, layers::kRoofFill, {});
+  building.roofFillId = makeHatch(building.entityId, kColorByLayer, elementLayer(layers::kRoofFill), {});
   if (building.followsChords) ShadowDrawing::tellOfChords(building.entityId);
   const ShadowSettings& settings = drawing.settings();
   drawing.draw(buildingShadow(casterOf(building), settings.shadowAngleRad, settings.shadowLengthPerFloor),

@@ -47,6 +47,9 @@ inline constexpr std::array<SchemeColor, 9> kSchemeColors{{
     {&ColorScheme::roofFillSun, L"kattotayttoaurinko", nullptr},
 }};
 
+/// What the area layers of a drawing show, in the order of kSchemeColors; nothing for a layer that is not there.
+using AreaColors = std::array<std::optional<int>, kSchemeColors.size()>;
+
 /// Takes the colours from lines of the form "key value", case of the key ignored, the first line of a key winning. A
 /// value without a leading number is 0. Keys that are missing or have no value leave their colour as it is.
 void readSchemeLines(const std::vector<std::wstring>& lines, ColorScheme& scheme);

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/TextFile.h"
 #include "Tolmex/Catalogue.h"
 
@@ -24,16 +24,28 @@ std::optional<std::wstring> findSchemeFile() {
   return path.data();
 }
 
+AreaColors areaColorsInDrawing() {
+  AreaColors colors;
+  std::transform(kSchemeColors.begin(), kSchemeColors.end(), colors.begin(), [](const SchemeColor& color) {
+    return color.areaLayer != nullptr ? layerColor(color.areaLayer) : std::nullopt;
+  });
+  return colors;
+}
+
 }  // namespace
 
 void takeColorsFromDrawing(CDocData& data) {
-  for (const SchemeColor& color : kSchemeColors) {
-    if (color.areaLayer == nullptr) continue;
-    if (const std::optional<int> present = layerColor(color.areaLayer)) {
-      data.colors.*color.field = *present;
-      data.colorsFromDrawing = true;
-    }
+  followAreaColors(data);
+  data.colorsFromDrawing = data.seenAreaColors != AreaColors();
+}
+
+void followAreaColors(CDocData& data) {
+  const AreaColors present = areaColorsInDrawing();
+  for (std::size_t i = 0; i < present.size(); ++i) {
+    int ColorScheme::*const field = kSchemeColors[i].field;
+    if (present[i] != data.seenAreaColors[i]) data.colors.*field = present[i].value_or(data.preparedColors.*field);
   }
+  data.seenAreaColors = present;
 }
 
 void readColorSchemeFile(CDocData& data) {
@@ -48,21 +60,29 @@ void writeColorSchemeFile(const ColorScheme& scheme) {
   if (!writeText(path, schemeText(scheme))) acutPrintf(L"\ntolm.ini:ä ei pystytä kirjoittamaan.\n");
 }
 
-void applyAreaColors(const ColorScheme& scheme) {
+void applyAreaColors(CDocData& data) {
+  for (const LayerRow& layer : kElementLayers) elementLayer(layer.name);
   for (const SchemeColor& color : kSchemeColors) {
-    if (color.areaLayer != nullptr) setLayerColor(color.areaLayer, scheme.*color.field);
+    if (color.areaLayer != nullptr) setLayerColor(color.areaLayer, data.colors.*color.field);
   }
+  data.seenAreaColors = areaColorsInDrawing();
 }
 
-void ensureElementLayers(const ColorScheme& scheme) {
-  for (const LayerRow& layer : kElementLayers) ensureLayer(layer.name, layer.color(scheme), kLinetypeContinuous);
+void ensureElementLayers(CDocData& data) {
+  for (const LayerRow& layer : kElementLayers) ensureLayer(layer.name, layer.color(data.colors), kLinetypeContinuous);
+  data.seenAreaColors = areaColorsInDrawing();
 }
 
-void makeElementLayerIfMissing(const ACHAR* name) {
-  if (!findLayer(name).isNull()) return;
+const ACHAR* elementLayer(const ACHAR* name) {
+  if (!findLayer(name).isNull()) return name;
   const auto* const found = std::find_if(kElementLayers.begin(), kElementLayers.end(),
                                          [&](const LayerRow& layer) { return std::wstring_view(layer.name) == name; });
   if (found != kElementLayers.end()) ensureLayer(name, found->color(currentDocData().colors), kLinetypeContinuous);
+  return name;
+}
+
+bool putOnElementLayer(AcDbEntity& entity, const ACHAR* name) {
+  return succeeded(entity.setLayer(elementLayer(name)), name);
 }
 
 }  // namespace OrvLib

@@ -31,7 +31,13 @@ constexpr std::array<ColorControl, 9> kControls{{
 
 class ColorSettings : public CAcUiDialog {
  public:
-  ColorSettings() : CAcUiDialog(IDD_COLORS) {}
+  ColorSettings() : CAcUiDialog(IDD_COLORS) {
+    // A layer has a colour of its own.
+    for (CAcUiColorComboBox& box : boxes_) {
+      box.SetUseByBlock(FALSE);
+      box.SetUseByLayer(FALSE);
+    }
+  }
 
  protected:
   void DoDataExchange(CDataExchange* exchange) override {
@@ -74,7 +80,7 @@ class ColorSettings : public CAcUiDialog {
       if (chosen >= 0) data.colors.*kControls[i].color = chosen;
     }
     data.colorsChosen = true;
-    applyAreaColors(data.colors);
+    applyAreaColors(data);
   }
 
   std::array<CAcUiColorComboBox, kControls.size()> boxes_;

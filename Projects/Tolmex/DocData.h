@@ -33,7 +33,9 @@ class CDocData {
   bool colorsChosen = false;          // the user has confirmed the colour dialog
   std::uint32_t backgroundColor = 0;  // of the current layout, 0x00BBGGRR
   ColorScheme colors;
-  bool prepared = false;  // the first command has run
+  ColorScheme preparedColors;  // of drawing, file and defaults, before the user chose others
+  AreaColors seenAreaColors;   // as the drawing showed them when `colors` was last in step with it
+  bool prepared = false;       // the first command has run
 
   std::vector<Building> buildings;  // the drawing's, as last collected
   // The running command found the list not collected yet: until it changes entities, the list is the drawing's.
@@ -45,6 +47,7 @@ class CDocData {
   float baseHeight = 0;
   RoofColors roofColors;  // chosen for buildings; written into their records
   ShadowSettings shadows;
+  ShadowSettings seenShadows;    // as the drawing had them stored when `shadows` was last in step with it
   std::wstring symbolDirectory;  // of the symbol dialog, as last left; empty until then
 
  private:

@@ -3,6 +3,8 @@
 #include <vector>
 
 #include "OrvLib/ARX/DrawOrder.h"
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Layers.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
@@ -53,7 +55,7 @@ void removeDataFromSelected() {
   acutPrintf(L"\nValitse kohteet, joista poistetaan tiedot:\n");
   for (const AcDbObjectId id : selectByUser()) {
     const Opened<AcDbEntity> entity(id, AcDb::kForRead);
-    if (entity) removeTags(*entity);
+    if (entity && !removeTags(*entity)) printFailed(handleText(*entity).c_str());
   }
 }
 

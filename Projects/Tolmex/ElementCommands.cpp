@@ -1,6 +1,8 @@
 #include "Tolmex/ElementCommands.h"
 
 #include "OrvLib/ARX/EntityMakers.h"
+#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
 #include "Tolmex/ColorSchemeFile.h"
@@ -16,18 +18,17 @@ void makeElement(AcDbObjectId polyline, Category category) {
   AcDbObjectId fill;
   // The host opens the boundary itself, so the fill comes before the polyline is opened.
   if (kind.fillPattern != nullptr) {
-    makeElementLayerIfMissing(kind.fillLayer);
-    fill =
-        makeHatch(polyline, kColorByLayer, kind.fillLayer, {kind.fillPattern, kind.patternAngleRad, kind.patternScale});
+    fill = makeHatch(polyline, kColorByLayer, elementLayer(kind.fillLayer),
+                     {kind.fillPattern, kind.patternAngleRad, kind.patternScale});
   }
   const Opened<AcDbEntity> outline(polyline, AcDb::kForWrite);
   if (!outline) {
     // A polyline on a locked layer cannot become an element; its fill would belong to nobody.
-    if (!fill.isNull()) eraseEntity(fill);
+    if (!fill.isNull() && !eraseEntity(fill)) printFailed(kind.fillLayer);
     return;
   }
-  outline->setLayer(kind.outlineLayer);
-  writeTag(category, fill, *outline);
+  putOnElementLayer(*outline, kind.outlineLayer);
+  if (!writeTag(category, fill, *outline)) printFailed(kind.tag, handleText(*outline).c_str());
 }
 
 }  // namespace

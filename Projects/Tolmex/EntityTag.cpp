@@ -3,6 +3,7 @@
 #include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/ResbufChain.h"
+#include "OrvLib/ARX/Status.h"
 #include "OrvLib/ARX/XData.h"
 
 namespace OrvLib {
@@ -13,8 +14,7 @@ constexpr const ACHAR* kNoHeight = L"0";
 
 std::wstring fillHandle(AcDbObjectId fill) {
   const Opened<AcDbObject> object(fill, AcDb::kForRead);
-  if (!object) return kNoHandle;
-  if (object->isKindOf(AcDbHatch::desc())) return handleText(*object);
+  if (object && object->isKindOf(AcDbHatch::desc())) return handleText(*object);
   acutPrintf(L"\nError:Hatch ID wasn't a hatch object even though it should've been.\n");
   return kNoHandle;
 }
@@ -24,9 +24,12 @@ void eraseFillOf(const AcDbEntity& outline) {
   if (!valueInChain(tag.get(), kTagApplication, kEntityTypeKey)) return;
   const auto text = valueInChain(tag.get(), kTagApplication, kHatchHandleKey);
   if (!text) return;
-  // A fence whose height was set names itself; being open already it cannot be opened here, and it is no hatch.
-  const Opened<AcDbHatch> fill(objectOfHandle(*text), AcDb::kForWrite);
-  if (fill) fill->erase();
+  // A fence whose height was set names itself, which is no hatch; a hatch may be gone already.
+  const AcDbObjectId id = objectOfHandle(*text);
+  const AcRxClass* const type = id.isNull() ? nullptr : id.objectClass();
+  if (type == nullptr || !type->isDerivedFrom(AcDbHatch::desc()) || id.isErased()) return;
+  const Opened<AcDbHatch> fill(id, AcDb::kForWrite);
+  succeeded(fill ? fill->erase() : fill.status(), text->c_str());
 }
 
 }  // namespace

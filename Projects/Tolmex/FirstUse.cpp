@@ -8,13 +8,18 @@ namespace OrvLib {
 // The order matters: once the layers are made, nothing tells a drawing's own colours from the defaults any more.
 void prepareCurrentDocument() {
   CDocData& data = currentDocData();
-  if (data.prepared) return;
+  if (data.prepared) {
+    followAreaColors(data);
+    readShadowSettings();
+    return;
+  }
   data.prepared = true;
   takeColorsFromDrawing(data);
   collectBuildings(data);
   data.buildingsAreFresh = true;
   readColorSchemeFile(data);
-  ensureElementLayers(data.colors);
+  data.preparedColors = data.colors;
+  ensureElementLayers(data);
   readShadowSettings();
 }
 

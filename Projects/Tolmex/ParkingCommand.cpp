@@ -6,6 +6,7 @@
 #include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Groups.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Status.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocumentLock.h"
@@ -57,7 +58,7 @@ void drawPlaces(const ParkingRow& row, AcDbObjectId groupId) {
   for (const Line& line : stallLines(row)) appendIfMade(members, makeLine(line, kNoColor, layers::kParking));
   appendToGroup(groupId, members);
   const Opened<AcDbGroup> group(groupId, AcDb::kForWrite);
-  if (group) group->setLayer(layers::kParking);
+  if (group) succeeded(group->setLayer(layers::kParking), layers::kParking);
 }
 
 }  // namespace

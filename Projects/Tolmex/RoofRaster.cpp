@@ -7,6 +7,7 @@
 
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/EntityMakers.h"
+#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/Catalogue.h"
@@ -86,7 +87,7 @@ void makeRoofRaster(const RoofFace& face) {
   // Without colours the outline stays: the user sees which face went unfilled.
   const bool keepsOutline =
       askYesNo(L"Tehdäänkö katolle täyttö?\n") && fill(boundary, *building, face) == Filling::WithoutColors;
-  if (!keepsOutline) eraseEntity(boundary);
+  if (!keepsOutline && !boundary.isNull() && !eraseEntity(boundary)) printFailed();
   finishDisplay();
 }
 

@@ -1,15 +1,14 @@
 #include "Tolmex/ShadowSettings.h"
 
-#include <cmath>
 #include <memory>
 #include <optional>
-#include <string_view>
 
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/ResbufChain.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DocData.h"
+#include "Tolmex/ShadowRecord.h"
 
 namespace OrvLib {
 namespace {
@@ -19,7 +18,6 @@ namespace keys = shadow_keys;
 constexpr short kTextCode = 1;
 constexpr short kRealCode = 40;
 constexpr short kShortCode = 70;
-constexpr short kFirstCodeWithoutText = 10;
 
 Opened<AcDbDictionary> namedObjects(AcDb::OpenMode mode) {
   AcDbDatabase* const db = orWorkingDatabase(nullptr);
@@ -33,30 +31,14 @@ Opened<T> entryOf(const AcDbDictionary& dictionary, const ACHAR* key) {
   return Opened<T>::by([&](T*& object) { return dictionary.getAt(key, object, AcDb::kForRead); });
 }
 
-/// The value behind a key: numbers of either kind, whatever code they are stored under.
-std::optional<double> storedNumber(const resbuf* chain, std::wstring_view key) {
-  for (const resbuf* item = chain; item != nullptr; item = item->rbnext) {
-    const bool isText = item->restype >= 0 && item->restype < kFirstCodeWithoutText;
-    if (!isText || item->resval.rstring == nullptr || key != item->resval.rstring) continue;
-    const resbuf* const value = item->rbnext;
-    if (value == nullptr) return std::nullopt;
-    const short code = value->restype;
-    if (code >= 60 && code < 80) return value->resval.rint;
-    if (code >= 90 && code < 100) return value->resval.rlong;
-    if (code >= 38 && code < 60 && std::isfinite(value->resval.rreal)) return value->resval.rreal;
-    return std::nullopt;
-  }
-  return std::nullopt;
-}
-
-void takeSettings(const resbuf* chain, ShadowSettings& settings) {
-  if (const auto angle = storedNumber(chain, keys::kAngle)) settings.shadowAngleRad = *angle;
-  if (const auto color = storedNumber(chain, keys::kColor)) settings.shadowColor = toInt(*color);
-  if (const auto length = storedNumber(chain, keys::kLength)) settings.shadowLengthPerFloor = *length;
-  if (const auto scale = storedNumber(chain, keys::kScale)) settings.shadowScale = *scale;
-  if (const auto type = storedNumber(chain, keys::kHatchType)) {
-    settings.shadowHatchType = *type == keys::kStoredDots ? kShadowDots : kShadowLines;
-  }
+ShadowSettings settingsOf(const ShadowRecord& record) {
+  ShadowSettings settings;
+  settings.shadowAngleRad = record.angleRad.value_or(settings.shadowAngleRad);
+  if (record.color) settings.shadowColor = toInt(*record.color);
+  settings.shadowLengthPerFloor = record.lengthPerFloor.value_or(settings.shadowLengthPerFloor);
+  settings.shadowScale = record.scale.value_or(settings.shadowScale);
+  if (record.hatchType == keys::kStoredDots) settings.shadowHatchType = kShadowDots;
+  return settings;
 }
 
 ResbufChain recordOf(const ShadowSettings& settings) {
@@ -105,38 +87,54 @@ Opened<AcDbDictionary> ownDictionary() {
   return Opened<AcDbDictionary>(made.release());
 }
 
-}  // namespace
-
-void readShadowSettings() {
+/// What the drawing has stored; the defaults where it has nothing, nothing when its dictionary cannot be opened.
+std::optional<ShadowSettings> storedSettings() {
   const Opened<AcDbDictionary> root = namedObjects(AcDb::kForRead);
   if (!root) {
     acutPrintf(L"\nUnable to open the NOD! Aborting...");
-    return;
+    return std::nullopt;
   }
   const auto dictionary = entryOf<AcDbDictionary>(*root, keys::kDictionary);
-  if (!dictionary) return;
+  if (!dictionary) return ShadowSettings();
   const auto record = entryOf<AcDbXrecord>(*dictionary, keys::kRecord);
   resbuf* items = nullptr;
-  if (!record || record->rbChain(&items) != Acad::eOk) return;
+  if (!record || record->rbChain(&items) != Acad::eOk) return ShadowSettings();
   const ResbufChain chain(items);
-  takeSettings(chain.get(), currentDocData().shadows);
+  return settingsOf(readShadowRecord(chain.get()));
+}
+
+/// Puts the settings in the place of the dictionary's record of them.
+bool store(const ShadowSettings& settings, AcDbDictionary& dictionary) {
+  AcDbObjectId id;
+  if (dictionary.getAt(keys::kRecord, id) == Acad::eOk) {
+    const Opened<AcDbObject> former(id, AcDb::kForWrite);
+    if (!former || former->erase() != Acad::eOk) return false;
+  }
+  auto made = std::make_unique<AcDbXrecord>();
+  if (dictionary.setAt(keys::kRecord, made.get(), id) != Acad::eOk) return false;
+  const Opened<AcDbXrecord> record(made.release());
+  return record->setFromRbChain(*recordOf(settings).get()) == Acad::eOk;
+}
+
+}  // namespace
+
+void readShadowSettings() {
+  const std::optional<ShadowSettings> stored = storedSettings();
+  CDocData& data = currentDocData();
+  if (stored && *stored != data.seenShadows) data.shadows = data.seenShadows = *stored;
 }
 
 void writeShadowSettings() {
-  const Opened<AcDbDictionary> dictionary = ownDictionary();
-  if (!dictionary) return;
-  AcDbObjectId id;
-  if (dictionary->getAt(keys::kRecord, id) == Acad::eOk) {
-    const Opened<AcDbObject> former(id, AcDb::kForWrite);
-    if (former) former->erase();
+  CDocData& data = currentDocData();
+  {
+    const Opened<AcDbDictionary> dictionary = ownDictionary();
+    if (!dictionary) return;
+    if (!store(data.shadows, *dictionary)) {
+      acutPrintf(L"\nTolmex-asetuksien tallentaminen NODiin epäonnistui.");
+      return;
+    }
   }
-  auto made = std::make_unique<AcDbXrecord>();
-  if (dictionary->setAt(keys::kRecord, made.get(), id) != Acad::eOk) {
-    acutPrintf(L"\nTolmex-asetuksien tallentaminen NODiin epäonnistui.");
-    return;
-  }
-  const Opened<AcDbXrecord> record(made.release());
-  record->setFromRbChain(*recordOf(currentDocData().shadows).get());
+  data.seenShadows = storedSettings().value_or(data.seenShadows);
 }
 
 }  // namespace OrvLib

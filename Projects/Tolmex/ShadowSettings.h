@@ -14,11 +14,15 @@ struct ShadowSettings {
   double shadowLengthPerFloor = 3.0;           // drawing units that one floor casts
   double shadowScale = 0.15;                   // of the hatch pattern
   std::wstring shadowHatchType = kShadowLines;
+
+  bool operator==(const ShadowSettings&) const = default;
 };
 
-/// Takes the settings stored in the working database into the current document's data; missing ones stay as they are.
+/// Takes the settings stored in the working database into the current document's data when they are others than those
+/// seen there last. Ones that are not stored are the defaults.
 void readShadowSettings();
-/// Stores the current document's settings in the working database, replacing what was stored.
+/// Stores the current document's settings in the working database, replacing what was stored; a failure is told on the
+/// command line.
 void writeShadowSettings();
 
 }  // namespace OrvLib

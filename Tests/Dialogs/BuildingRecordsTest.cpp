@@ -150,6 +150,19 @@ TEST_F(BuildingRecords, NothingHappensWithoutOk) {
   EXPECT_TRUE(said("30211 edit \"\"\n") && said("30237 drop-down list \"45\""));
 }
 
+TEST_F(BuildingRecords, ALockedBuildingStaysAsItIsAndTheUserIsTold) {
+  run("LAYER\nM\nlukko\n\n");
+  const std::string house = rectangle(0, 0, 16, 9);
+  run("LAYER\nS\n0\n\n");
+  store({{house, building("2")}});
+  const std::string before = record(house);
+  run("LAYER\nLOCK\nlukko\n\n");
+  run(open(pickHandle(house)) + "30211 9\nOK\n");
+  EXPECT_TRUE(said("[tolmex] writing xdata failed\n")) << transcript_;
+  EXPECT_EQ(record(house), before);
+  EXPECT_EQ(layer(slot(house)), L"lukko");
+}
+
 TEST_F(BuildingRecords, TheCursorGoesToTheRefusedField) {
   std::vector<int> focus;
   whenShown_ = [&] {

@@ -83,14 +83,25 @@ TEST_F(PluginDialogs, AnyColorIsAskedFor) {
   run("TLM_MUOK_VARIT\n"
       "30223 \"Select Color...\"\n1001 300\nOK\n1001 77\nOK\n"
       "30224 Select Color...\nCancel\n"
-      "30225 ByBlock\n"
       "LIST\nOK\n");
   EXPECT_TRUE(said("[tolmex] Give a color index from 1 to 255."));
   EXPECT_TRUE(said("30223 drop-down list \"77\"") && said("30224 drop-down list \"31\"")) << transcript_;
   EXPECT_EQ(layerColor(L"tma_asf"), 77);
-  EXPECT_EQ(layerColor(L"tma_laatta"), 252);  // a layer has a colour of its own
   expectFailure("TLM_MUOK_VARIT\n30223 256x\n", "test.scr:2");
-  expectFailure("TLM_MUOK_VARIT\n30223 999\n", "control 30223 has no entry \"999\"; its entries: \"ByLayer\"");
+  expectFailure("TLM_MUOK_VARIT\n30223 999\n", "control 30223 has no entry \"999\"; its entries: \"Red\"");
+  // A layer has a colour of its own.
+  expectFailure("TLM_MUOK_VARIT\n30223 ByLayer\n", "has no entry \"ByLayer\"");
+  expectFailure("TLM_MUOK_VARIT\n30233 ByBlock\n", "has no entry \"ByBlock\"");
+}
+
+TEST_F(PluginDialogs, UndoneColorsAreForgotten) {
+  iniFile("asfaltti 3\n");
+  // With the first command the layers go too.
+  run("TLM_MUOK_VARIT\n30223 5\nOK\nU\nTLM_MUOK_VARIT\nLIST\nOK\n");
+  EXPECT_TRUE(said("30223 drop-down list \"Green\"")) << transcript_;
+  EXPECT_EQ(layerColor(L"tma_asf"), 3);  // made anew
+  run("TLM_MUOK_VARIT\n30223 6\nOK\nTLM_MUOK_VARIT\n30223 5\nOK\nU\nTLM_MUOK_VARIT\nLIST\nCancel\n");
+  EXPECT_TRUE(said("30223 drop-down list \"Magenta\"")) << transcript_;
 }
 
 TEST_F(PluginDialogs, TheSchemeIsSavedWhereItWasFound) {
@@ -199,6 +210,39 @@ TEST_F(PluginDialogs, ShadowSettingsAreTakenByOkOnly) {
   }
   EXPECT_EQ(layerColor(L"tmv_varjo"), 5);
   expectFailure(open + "30222 ByLayer\n", "has no entry \"ByLayer\"; its entries: \"Red\"");
+}
+
+TEST_F(PluginDialogs, UndoneShadowSettingsAreForgotten) {
+  const std::string open = "TLM_VARJO_OMINAISUUDET\n";
+  run("TLM_MUOK_VARIT_PAALLE\n" + open + "30216 90\n30222 5\n30203 Piste\nOK\nU\n" + open + "LIST\nCancel\n");
+  for (const char* const line :
+       {"30216 edit \"45\"\n", "30222 drop-down list \"White\"\n", "30203 drop-down list \"Viiva\"\n"}) {
+    EXPECT_TRUE(said(line)) << line << transcript_;
+  }
+  run(open + "30216 90\nOK\n" + open + "30216 10\nOK\nU\n" + open + "LIST\nCancel\n");
+  EXPECT_TRUE(said("30216 edit \"90\"\n")) << transcript_;
+}
+
+TEST_F(PluginDialogs, TheShadowLayerHasItsColorAlsoWhenItWasUndone) {
+  run("TLM_MUOK_VARIT_PAALLE\nU\n"
+      "PLINE\n0,0\n9,0\n9,9\n0,9\nC\n");
+  const std::string fence = pick(*last(DxfType::LwPolyline)) + "\n";
+  run("TLM_MUOK_AITA_LAUTA\n" + fence + "TLM_ASETA_KORKEUS\n" + fence + "2\nTLM_VARJO_OMINAISUUDET\n30222 5\nOK\n");
+  EXPECT_EQ(layerColor(L"tmv_varjo"), 5);
+}
+
+TEST_F(PluginDialogs, AScaleThatDrawsNoShadowsIsTold) {
+  run("TLM_VARJO_OMINAISUUDET\n30218 0\nOK\n");
+  EXPECT_FALSE(said("ei voitu piirtää"));  // nothing casts any
+  run("PLINE\n0,0\n9,0\n9,9\n0,9\nC\n");
+  const std::string fence = pick(*last(DxfType::LwPolyline)) + "\n";
+  run("TLM_MUOK_AITA_LAUTA\n" + fence + "TLM_ASETA_KORKEUS\n" + fence + "2\nTLM_VARJO_PAIVITA\n");
+  EXPECT_TRUE(said("\nVarjoja ei voitu piirtää varjon viivojen skaalalla 0.\n")) << transcript_;
+  run("TLM_VARJO_OMINAISUUDET\n30218 0.2\nOK\n");
+  EXPECT_FALSE(said("ei voitu piirtää"));
+  // A height that a locked fence does not take is told as well.
+  run("LAYER\nLOCK\ntmv_aita_lauta\n\nTLM_ASETA_KORKEUS\n" + fence + "3\n");
+  EXPECT_TRUE(said("failed Tolmex/Fences.cpp:")) << transcript_;
 }
 
 TEST_F(PluginDialogs, ShadowFieldsAreCheckedInOrder) {

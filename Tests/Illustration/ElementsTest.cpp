@@ -240,4 +240,42 @@ TEST_F(Elements, UndoingTheFirstCommandLeavesNothingAndTheNextHasItsColours) {
   EXPECT_EQ(layerColor(L"tma_katto"), 250);
 }
 
+TEST_F(Elements, CommandsMakeTheLayersThatAnUndoneFirstCommandTookAway) {
+  run(square(0));
+  for (const Row& row : kRows) {
+    reopen();
+    run("TLM_TUO_ETEEN\nL\n\nU\n");
+    ASSERT_EQ(layerColor(row.outlineLayer), -1) << row.command;
+    run(std::string(row.command) + "\n" + pick(*last(DxfType::LwPolyline)) + "\n");
+    EXPECT_EQ(layer(*last(DxfType::LwPolyline)), row.outlineLayer) << row.command;
+    EXPECT_EQ(transcript_.find("failed"), std::string::npos) << transcript_;
+    run("U\n");
+  }
+  reopen();
+  run("TLM_TUO_ETEEN\nL\n\nU\nTLM_MUOK_HARJAVIIVA\nL\n\n");
+  EXPECT_EQ(layer(*last(DxfType::LwPolyline)), L"tmv_harjav");
+  run("U\nTLM_MUOK_RAKENNUS\nL\n\n30211 1\n30206 3\n30207 0\n30208 0\nOK\n");
+  EXPECT_EQ(layer(*last(DxfType::LwPolyline)), L"tmv_rak");
+}
+
+TEST_F(Elements, ATrueColourOfAnAreaLayerIsKept) {
+  run(square(0) + "TLM_MUOK_ASFALTTI\nALL\n\n");
+  std::string changed = text();
+  const std::size_t name = changed.find("\n  2\ntma_asf\n");
+  const std::size_t color = changed.find("\n 62\n", name) + 1;
+  const std::size_t end = changed.find('\n', color + 4) + 1;
+  changed.replace(color, end - color, " 62\n    30\n420\n  16744202\n");  // orange with some blue
+  openText(changed);
+  run("TLM_VARJO_PAIVITA\nTLM_MUOK_VARIT\nLIST\nOK\n");
+  const Slot* const layer = drawing().findRecord(DxfType::Layer, L"tma_asf");
+  EXPECT_EQ(value(*layer, 420), "16744202");
+  EXPECT_NE(transcript_.find("30223 drop-down list \"" + std::to_string(layerColor(L"tma_asf")) + "\""),
+            std::string::npos)
+      << transcript_;
+  // Another colour, chosen, takes its place.
+  run("TLM_MUOK_VARIT\n30223 3\nOK\n");
+  EXPECT_EQ(value(*layer, 420), "");
+  EXPECT_EQ(layerColor(L"tma_asf"), 3);
+}
+
 }  // namespace
