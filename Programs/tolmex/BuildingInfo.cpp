@@ -4,8 +4,10 @@
 #include <memory>
 #include <numbers>
 
+#include "OrvLib/DataStruct/Text.h"
 #include "Text/Text.h"
 #include "Tolmex/Catalogue.h"
+#include "Tolmex/ShadowRecord.h"
 #include "XDataValues.h"
 #include "acutads.h"
 #include "dbdict.h"
@@ -73,7 +75,7 @@ std::optional<BuildingValues> readBuilding(const Slot& slot, const DrawingDataba
   namespace keys = OrvLib::building_keys;
   const XDataValues record(slot, drawing, OrvLib::kBuildingApplication);
   const std::optional<std::wstring> type = record.value(keys::kType);
-  if (!type || !host::text::equalFolded(*type, keys::kBuildingType)) return std::nullopt;
+  if (!type || !OrvLib::equalsIgnoringCase(*type, keys::kBuildingType)) return std::nullopt;
   const std::string handle = host::text::formatHandle(slot.handle);
   const Reader reader(record, slot.handle, std::string(drawing.typeName(slot)) + " " + handle, problems);
   BuildingValues values;
@@ -107,25 +109,21 @@ std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vect
   if (record.openStatus() != Acad::eOk || record->rbChain(&items) != Acad::eOk) return std::nullopt;
   const std::unique_ptr<resbuf, int (*)(resbuf*)> chain(items, &acutRelRb);
 
-  const auto number = [&](const wchar_t* key) -> std::optional<double> {
-    for (const resbuf* item = chain.get(); item != nullptr; item = item->rbnext) {
-      const bool isText = item->restype >= 0 && item->restype < 10 && item->resval.rstring != nullptr;
-      if (!isText || std::wstring_view(key) != item->resval.rstring || item->rbnext == nullptr) continue;
-      const resbuf& value = *item->rbnext;
-      if (value.restype >= 60 && value.restype < 80) return value.resval.rint;
-      if (value.restype >= 38 && value.restype < 60 && std::isfinite(value.resval.rreal)) return value.resval.rreal;
-      break;
-    }
-    problems.push_back({0, 0, "the shadow settings lack " + quoted(key) + "; the default counts"});
-    return std::nullopt;
+  const OrvLib::ShadowRecord stored = OrvLib::readShadowRecord(chain.get());
+  const auto noteIfMissing = [&](const std::optional<double>& value, const wchar_t* key) {
+    if (!value) problems.push_back({0, 0, "the shadow settings lack " + quoted(key) + "; the default counts"});
   };
+  noteIfMissing(stored.angleRad, keys::kAngle);
+  noteIfMissing(stored.lengthPerFloor, keys::kLength);
+  noteIfMissing(stored.color, keys::kColor);
+  noteIfMissing(stored.scale, keys::kScale);
+  noteIfMissing(stored.hatchType, keys::kHatchType);
   ShadowValues values;
-  if (const std::optional<double> angle = number(keys::kAngle))
-    values.directionDegrees = *angle * 180 / std::numbers::pi;
-  values.lengthPerFloor = number(keys::kLength);
-  values.color = number(keys::kColor);
-  values.scale = number(keys::kScale);
-  values.isDots = number(keys::kHatchType) == keys::kStoredDots;
+  if (stored.angleRad) values.directionDegrees = *stored.angleRad * 180 / std::numbers::pi;
+  values.lengthPerFloor = stored.lengthPerFloor;
+  values.color = stored.color;
+  values.scale = stored.scale;
+  values.isDots = stored.hatchType == keys::kStoredDots;
   return values;
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "Geometry/EntityPaths.h"
+#include "OrvLib/DataStruct/Text.h"
 #include "Text/Text.h"
 #include "XDataValues.h"
 
@@ -94,10 +95,10 @@ class Look {
                                        : ": unknown category \"" + host::text::toUtf8(entityType) + "\"")});
       return;
     }
-    const std::string height = host::text::toUtf8(tag.value(OrvLib::kHeightKey).value_or(L""));
-    const std::optional<double> metres = host::text::parseReal(height);
-    if (metres.value_or(0) != 0) element.height = height;
-    if (!metres && !height.empty())
+    const std::wstring stored = tag.value(OrvLib::kHeightKey).value_or(L"");
+    const std::string height = host::text::toUtf8(stored);
+    if (OrvLib::leadingNumber(stored) != 0) element.height = height;
+    if (!host::text::parseReal(height) && !height.empty())
       info_.problems.push_back({0, slot.handle, where + ": the height is not a number: \"" + height + "\""});
     const std::uint64_t handle =
         host::text::parseHandle(host::text::toUtf8(tag.value(OrvLib::kHatchHandleKey).value_or(L"")));

@@ -1,36 +1,40 @@
 #include "XDataValues.h"
 
+#include "OrvLib/ARX/XData.h"
+#include "Text/Text.h"
+#include "dbobjptr.h"
+
 namespace tolmex {
 
+using host::database::DrawingDatabase;
+using host::database::Slot;
 using host::database::Tag;
 using host::database::TagCursor;
 
-XDataValues::XDataValues(const host::database::Slot& slot, const host::database::DrawingDatabase& drawing,
-                         std::wstring_view application) {
-  constexpr int kApplication = 1001;
-  bool isInside = false;
+namespace {
+
+/// Most entities have no data of the application: that is seen without opening them.
+bool hasData(const Slot& slot, const DrawingDatabase& drawing, const wchar_t* application) {
+  constexpr int kApplicationCode = 1001;
   Tag tag;
   for (TagCursor cursor = slot.tags(); cursor.next(tag);) {
-    if (tag.code < 1000) continue;
-    if (tag.code == kApplication) {
-      isInside = drawing.codec().decode(tag.value) == application;
-      isThere_ = isThere_ || isInside;
-    } else if (isInside) {
-      items_.push_back({tag.code, drawing.codec().decode(tag.value)});
-    }
+    if (tag.code == kApplicationCode && host::text::equalFolded(drawing.codec().decode(tag.value), application))
+      return true;
   }
+  return false;
 }
 
-std::optional<std::wstring> XDataValues::value(std::wstring_view key) const {
-  constexpr int kText = 1000;
-  constexpr int kControl = 1002;
-  for (std::size_t i = 0; i < items_.size(); ++i) {
-    if (items_[i].code != kText || items_[i].text != key) continue;
-    std::size_t next = i + 1;
-    while (next < items_.size() && items_[next].code == kControl) ++next;
-    return next < items_.size() ? std::optional(items_[next].text) : std::nullopt;
-  }
-  return std::nullopt;
+}  // namespace
+
+XDataValues::XDataValues(const Slot& slot, const DrawingDatabase& drawing, const wchar_t* application)
+    : application_(application) {
+  if (!hasData(slot, drawing, application)) return;
+  const AcDbObjectPointer<AcDbObject> object(AcDbObjectId(const_cast<Slot*>(&slot)), AcDb::kForRead);
+  if (object.openStatus() == Acad::eOk) chain_.reset(object->xData(application));
+}
+
+std::optional<std::wstring> XDataValues::value(const wchar_t* key) const {
+  return OrvLib::valueInChain(chain_.get(), application_, key);
 }
 
 }  // namespace tolmex

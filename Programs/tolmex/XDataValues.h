@@ -1,31 +1,29 @@
-// Extended data of entities as keys and values, read from their records.
+// Extended data of entities as keys and values, by the rules of the plug-in.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "Database/DrawingDatabase.h"
+#include "acutads.h"
 
 namespace tolmex {
 
 /// The extended data of one application on one entity.
 class XDataValues {
  public:
+  /// `application` outlives the values.
   XDataValues(const host::database::Slot& slot, const host::database::DrawingDatabase& drawing,
-              std::wstring_view application);
+              const wchar_t* application);
 
-  bool isThere() const { return isThere_; }
-  /// The item behind the first text item that equals the key, as the plug-in finds it; nothing without one.
-  std::optional<std::wstring> value(std::wstring_view key) const;
+  bool isThere() const { return chain_ != nullptr; }
+  /// As OrvLib::valueInChain.
+  std::optional<std::wstring> value(const wchar_t* key) const;
 
  private:
-  struct Item {
-    int code;
-    std::wstring text;
-  };
-  bool isThere_ = false;
-  std::vector<Item> items_;
+  const wchar_t* application_;
+  std::unique_ptr<resbuf, int (*)(resbuf*)> chain_{nullptr, &acutRelRb};
 };
 
 }  // namespace tolmex

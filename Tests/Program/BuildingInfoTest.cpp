@@ -62,4 +62,17 @@ TEST_F(BuildingInfo, SaysWhatIsWrongWithARecord) {
   EXPECT_THAT(info.out, HasSubstr("problems 7\n"));
 }
 
+TEST_F(BuildingInfo, ReadsRecordsAsThePlugInDoes) {
+  damage("2A0", "\nHEIGHT\n1000\n1.8\n", "\nHEIGHT\n1040\n2.50\n");                 // a number: as text
+  damage("2A1", "\nHEIGHT\n1000\n1.8\n", "\nHEIGHT\n1002\n{\n1000\n3\n1002\n}\n");  // a list: none
+  damage("2A2", "\nHEIGHT\n1000\n1.8\n", "\nHEIGHT\n1000\n2 m\n");                  // what it begins with
+  text_.replace(text_.find("\nSHADOWCOLOR\n 70\n") + 13, 3, " 90");
+  write("a.dxf", text_);
+  const Outcome info = call({"info", "a.dxf"});
+  EXPECT_THAT(info.out, HasSubstr("  2A0: Lauta-aita, height 2.5\n  2A1: Lauta-aita, no height\n"
+                                  "  2A2: Lauta-aita, height 2 m\n"));
+  EXPECT_THAT(info.out, HasSubstr("per floor, colour 7, scale"));
+  EXPECT_EQ(info.err.find("SHADOWCOLOR"), std::string::npos) << info.err;
+}
+
 }  // namespace
