@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "OrvLib/ARX/AdsResbuf.h"
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/ResbufChain.h"
 
 namespace OrvLib {
 namespace {
@@ -75,13 +75,13 @@ std::vector<AcDbObjectId> selectByUser() { return SelectionSet(nullptr, nullptr)
 std::vector<AcDbObjectId> selectPolylinesByUser() { return polylinesOf(selectByUser()); }
 
 std::vector<AcDbObjectId> selectAllPolylines() {
-  ResbufChain filter;
+  AdsResbuf filter;
   filter.append(kTypeCode, kPolylineTypes);
   return polylinesOf(SelectionSet(L"X", filter.get()).ids());
 }
 
 std::vector<AcDbObjectId> selectTaggedPolylines(const ACHAR* application) {
-  ResbufChain filter;
+  AdsResbuf filter;
   filter.append(kTypeCode, kPolylineTypes);
   filter.append(kXDataCode);
   filter.append(kApplicationCode, literalPattern(application));
@@ -91,7 +91,7 @@ std::vector<AcDbObjectId> selectTaggedPolylines(const ACHAR* application) {
 std::vector<AcDbObjectId> selectLayers(const std::vector<const ACHAR*>& layers) {
   std::wstring pattern;
   for (const ACHAR* const layer : layers) pattern += (pattern.empty() ? L"" : L",") + literalPattern(layer);
-  ResbufChain filter;
+  AdsResbuf filter;
   filter.append(kLayerCode, pattern);
   return SelectionSet(L"X", filter.get()).ids();
 }

@@ -1,13 +1,13 @@
 #include "OrvLib/ARX/XData.h"
 
+#include "OrvLib/ARX/AdsResbuf.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/ResbufChain.h"
 
 namespace OrvLib {
 
 std::optional<std::wstring> readXDataValue(const AcDbObject& object, const ACHAR* application, const ACHAR* key,
                                            short keyCode) {
-  const ResbufChain chain(object.xData(application));
+  const AdsResbuf chain(object.xData(application));
   return valueInChain(chain.get(), application, key, keyCode);
 }
 
@@ -18,10 +18,10 @@ bool setXDataRegistered(AcDbObject& object, const ACHAR* application, const resb
 }
 
 bool removeXData(AcDbObject& object, const ACHAR* application) {
-  if (ResbufChain(object.xData(application)).isEmpty()) return true;
+  if (AdsResbuf(object.xData(application)).isEmpty()) return true;
   const bool wasWritable = object.isWriteEnabled();
   if (!makeWritable(object)) return false;
-  ResbufChain nameOnly;
+  AdsResbuf nameOnly;
   nameOnly.append(kXDataApplication, application);
   const Acad::ErrorStatus status = object.setXData(nameOnly.get());
   if (!wasWritable) object.downgradeOpen();

@@ -1,8 +1,8 @@
 #include "Tolmex/BuildingRecord.h"
 
+#include "OrvLib/ARX/AdsResbuf.h"
 #include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/ResbufChain.h"
 #include "OrvLib/ARX/XData.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Building.h"
@@ -37,7 +37,7 @@ class RecordChain {
   }
 
  private:
-  ResbufChain chain_;
+  AdsResbuf chain_;
 };
 
 }  // namespace
@@ -76,8 +76,8 @@ constexpr const ACHAR* kMaterialSet = L"mat_rakennus";
 constexpr const ACHAR* kTextureWidth = L"16";
 
 /// Order and the repeated base material are those of drawings in use.
-ResbufChain recordOf(const Building& building, const RoofColors& colors) {
-  ResbufChain record;
+AdsResbuf recordOf(const Building& building, const RoofColors& colors) {
+  AdsResbuf record;
   record.append(kXDataApplication, kBuildingApplication);
   const auto add = [&](const ACHAR* key, const std::wstring& value) {
     record.append(kXDataText, key);
@@ -101,7 +101,7 @@ ResbufChain recordOf(const Building& building, const RoofColors& colors) {
   return record;
 }
 
-void addRidgeLine(ResbufChain& record, AcDbObjectId ridgeLine) {
+void addRidgeLine(AdsResbuf& record, AcDbObjectId ridgeLine) {
   const Opened<AcDbEntity> ridge(ridgeLine, AcDb::kForRead);
   if (!ridge) {
     acutPrintf(L"\nRakennuksen harjaviivaa ei saatu luettua, rakennuksen varjostus tulee tasakattona.\n");
@@ -114,7 +114,7 @@ void addRidgeLine(ResbufChain& record, AcDbObjectId ridgeLine) {
 }  // namespace
 
 bool writeBuildingRecord(const Building& building) {
-  ResbufChain record = recordOf(building, currentDocData().roofColors);
+  AdsResbuf record = recordOf(building, currentDocData().roofColors);
   if (building.hasRoofLine) addRidgeLine(record, building.roofLineId);
   Opened<AcDbEntity> entity(building.entityId, AcDb::kForWrite);
   if (!entity) return false;

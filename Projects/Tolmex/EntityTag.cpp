@@ -1,8 +1,8 @@
 #include "Tolmex/EntityTag.h"
 
+#include "OrvLib/ARX/AdsResbuf.h"
 #include "OrvLib/ARX/Handles.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/ResbufChain.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/ARX/XData.h"
 
@@ -20,7 +20,7 @@ std::wstring fillHandle(AcDbObjectId fill) {
 }
 
 void eraseFillOf(const AcDbEntity& outline) {
-  const ResbufChain tag(outline.xData(kTagApplication));
+  const AdsResbuf tag(outline.xData(kTagApplication));
   if (!valueInChain(tag.get(), kTagApplication, kEntityTypeKey)) return;
   const auto text = valueInChain(tag.get(), kTagApplication, kHatchHandleKey);
   if (!text) return;
@@ -63,7 +63,7 @@ bool writeTag(Category category, AcDbObjectId fill, AcDbEntity& outline, Buildin
 
 bool replaceTag(AcDbEntity& outline, const std::wstring& category, const std::wstring& height,
                 const std::wstring& handle) {
-  ResbufChain tag;
+  AdsResbuf tag;
   tag.append(kXDataApplication, kTagApplication);
   for (const std::wstring& text : {std::wstring(kVersionKey), std::wstring(kVersion), std::wstring(kEntityTypeKey),
                                    category, std::wstring(kHeightKey), height, std::wstring(kHatchHandleKey)}) {

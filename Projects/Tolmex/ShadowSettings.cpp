@@ -3,8 +3,8 @@
 #include <memory>
 #include <optional>
 
+#include "OrvLib/ARX/AdsResbuf.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/ResbufChain.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DocData.h"
@@ -41,8 +41,8 @@ ShadowSettings settingsOf(const ShadowRecord& record) {
   return settings;
 }
 
-ResbufChain recordOf(const ShadowSettings& settings) {
-  ResbufChain chain;
+AdsResbuf recordOf(const ShadowSettings& settings) {
+  AdsResbuf chain;
   chain.append(kTextCode, keys::kAngle);
   chain.appendReal(kRealCode, settings.shadowAngleRad);
   chain.append(kTextCode, keys::kColor);
@@ -99,7 +99,7 @@ std::optional<ShadowSettings> storedSettings() {
   const auto record = entryOf<AcDbXrecord>(*dictionary, keys::kRecord);
   resbuf* items = nullptr;
   if (!record || record->rbChain(&items) != Acad::eOk) return ShadowSettings();
-  const ResbufChain chain(items);
+  const AdsResbuf chain(items);
   return settingsOf(readShadowRecord(chain.get()));
 }
 

@@ -182,7 +182,7 @@ TEST_F(Failures, AHostCallThatFailsEndsItsCommandAlone) {
   run("TLM_MUOK_SORA\n\n");  // the drawing is prepared
   faults::newRbFails = true;
   EXPECT_THAT(run("TLM_MUOK_ASFALTTI\nALL\n\n"),
-              HasSubstr("[Error] ads_newrb() failed.\n\n(Error location: ARX/ResbufChain.cpp:"));
+              HasSubstr("[Error] ads_newrb() failed.\n\n(Error location: ARX/AdsResbuf.cpp:"));
   faults::newRbFails = false;
   run("TLM_MUOK_NURMIKKO\nALL\n\n");
   EXPECT_EQ(tagValue(*last(DxfType::LwPolyline), "ENTITYTYPE"), "Nurmialue");

@@ -1,10 +1,10 @@
-#include "OrvLib/ARX/ResbufChain.h"
+#include "OrvLib/ARX/AdsResbuf.h"
 
 #include "OrvLib/ARX/Failures.h"
 
 namespace OrvLib {
 
-ResbufChain& ResbufChain::operator=(ResbufChain&& other) noexcept {
+AdsResbuf& AdsResbuf::operator=(AdsResbuf&& other) noexcept {
   if (this != &other) {
     acutRelRb(first_);
     first_ = std::exchange(other.first_, nullptr);
@@ -13,7 +13,7 @@ ResbufChain& ResbufChain::operator=(ResbufChain&& other) noexcept {
   return *this;
 }
 
-resbuf* ResbufChain::appendItem(short code) {
+resbuf* AdsResbuf::appendItem(short code) {
   resbuf* const item = acutNewRb(code);
   if (item == nullptr) throw OrvExpAcad(L"ads_newrb() failed.");
   if (first_ == nullptr) {
@@ -27,7 +27,7 @@ resbuf* ResbufChain::appendItem(short code) {
   return last_ = item;
 }
 
-void ResbufChain::append(short code, const ACHAR* text) {
+void AdsResbuf::append(short code, const ACHAR* text) {
   resbuf* const item = appendItem(code);
   if (acutNewString(text, item->resval.rstring) != Acad::eOk) throw OrvExpAcad(L"ads_newrb() failed.");
 }

@@ -9,17 +9,17 @@
 namespace OrvLib {
 
 /// Owns a chain with its texts. Movable, not copyable.
-class ResbufChain {
+class AdsResbuf {
  public:
-  ResbufChain() = default;
+  AdsResbuf() = default;
   /// Takes over a chain from the host; null makes an empty one.
-  explicit ResbufChain(resbuf* chain) : first_(chain) {}
-  ResbufChain(ResbufChain&& other) noexcept
+  explicit AdsResbuf(resbuf* chain) : first_(chain) {}
+  AdsResbuf(AdsResbuf&& other) noexcept
       : first_(std::exchange(other.first_, nullptr)), last_(std::exchange(other.last_, nullptr)) {}
-  ResbufChain& operator=(ResbufChain&& other) noexcept;
-  ResbufChain(const ResbufChain&) = delete;
-  ResbufChain& operator=(const ResbufChain&) = delete;
-  ~ResbufChain() { acutRelRb(first_); }
+  AdsResbuf& operator=(AdsResbuf&& other) noexcept;
+  AdsResbuf(const AdsResbuf&) = delete;
+  AdsResbuf& operator=(const AdsResbuf&) = delete;
+  ~AdsResbuf() { acutRelRb(first_); }
 
   const resbuf* get() const { return first_; }
   bool isEmpty() const { return first_ == nullptr; }
