@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Selection.h"
 #include "OrvLib/ARX/Status.h"
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 
 namespace OrvLib {

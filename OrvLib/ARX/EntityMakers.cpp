@@ -6,7 +6,7 @@
 
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
 

@@ -39,7 +39,7 @@ class OrvExpBase {
   virtual const wchar_t* title() const noexcept { return L"Error"; }
 
   const std::wstring& message() const { return message_; }
-  /// Path below the source root without its leading folders, for instance "ARX/Layers.cpp".
+  /// Path below the source root without its leading folders, for instance "ARX/GenARX.cpp".
   const std::wstring& file() const { return file_; }
   int line() const { return line_; }
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "OrvLib/ARX/EntityGeometry.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Selection.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/BuildingRecord.h"

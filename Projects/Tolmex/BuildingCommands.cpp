@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
 #include "OrvLib/DataStruct/Text.h"

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"

@@ -1,7 +1,7 @@
 #include "Tolmex/BuildingRecord.h"
 
 #include "OrvLib/ARX/AdsResbuf.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/XData.h"
 #include "OrvLib/DataStruct/Text.h"

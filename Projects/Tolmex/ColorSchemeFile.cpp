@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/TextFile.h"
 #include "Tolmex/Catalogue.h"

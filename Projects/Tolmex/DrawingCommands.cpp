@@ -4,8 +4,7 @@
 
 #include "OrvLib/ARX/DrawOrder.h"
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Handles.h"
-#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
 #include "Tolmex/EntityTag.h"

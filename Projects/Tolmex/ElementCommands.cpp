@@ -2,7 +2,7 @@
 
 #include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
 #include "Tolmex/ColorSchemeFile.h"

@@ -1,7 +1,7 @@
 #include "Tolmex/EntityTag.h"
 
 #include "OrvLib/ARX/AdsResbuf.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/ARX/XData.h"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "OrvLib/ARX/EntityGeometry.h"
-#include "OrvLib/ARX/Handles.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selection.h"
 #include "OrvLib/ARX/Status.h"

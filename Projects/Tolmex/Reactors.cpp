@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DocumentLock.h"

@@ -2,8 +2,7 @@
 
 #include <cmath>
 
-#include "OrvLib/ARX/Handles.h"
-#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Catalogue.h"
 

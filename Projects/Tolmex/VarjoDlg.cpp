@@ -4,8 +4,8 @@
 #include <string>
 
 #include "OrvLib/ARX/Failures.h"
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/HostInterface.h"
-#include "OrvLib/ARX/Layers.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
 #include "Tolmex/Catalogue.h"

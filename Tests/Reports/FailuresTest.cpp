@@ -96,14 +96,14 @@ TEST_F(Failures, TheMessageDialogOffersWhatItIsGiven) {
 
 TEST_F(Failures, HelpersNameThePlaceOnTheCommandLine) {
   EXPECT_THAT(told([] {
-                OrvLib::printFailed(nullptr, nullptr, {"x/OrvLib/ARX/Layers.cpp", 3});
+                OrvLib::printFailed(nullptr, nullptr, {"x/OrvLib/ARX/GenARX.cpp", 3});
               }),
-              HasSubstr("failed ARX/Layers.cpp:3\n"));
+              HasSubstr("failed ARX/GenARX.cpp:3\n"));
   EXPECT_THAT(told([] {
-                OrvLib::printFailed(L"a", nullptr, {"Layers.cpp", 3});
+                OrvLib::printFailed(L"a", nullptr, {"GenARX.cpp", 3});
               }),
-              HasSubstr("failed Layers.cpp:3 a\n"));
-  EXPECT_THAT(told([] { OrvLib::printFailed(L"a", L"b", {"Layers.cpp", 3}); }), HasSubstr("failed Layers.cpp:3 a/b\n"));
+              HasSubstr("failed GenARX.cpp:3 a\n"));
+  EXPECT_THAT(told([] { OrvLib::printFailed(L"a", L"b", {"GenARX.cpp", 3}); }), HasSubstr("failed GenARX.cpp:3 a/b\n"));
 }
 
 // ---- out of memory --------------------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
-#include "OrvLib/ARX/Layers.h"
+#include "OrvLib/ARX/GenARX.h"
 
+#include <iterator>
 #include <memory>
 #include <new>
 
@@ -133,6 +134,21 @@ AcDbObjectId findOrLoadLinetype(const ACHAR* name, AcDbDatabase* database) {
   if (!present.isNull()) return present;
   if (acdbLoadLineTypeFile(name, kLinetypeFile, db) != Acad::eOk) return {};
   return recordId<AcDbLinetypeTable>(*db, name);
+}
+
+std::wstring handleText(const AcDbObject& object) {
+  AcDbHandle handle;
+  object.getAcDbHandle(handle);
+  ACHAR text[20] = {};
+  return handle.getIntoAsciiBuffer(text, std::size(text)) ? text : L"0";
+}
+
+AcDbObjectId objectOfHandle(const std::wstring& text) {
+  const AcDbDatabase* const db = orWorkingDatabase(nullptr);
+  const AcDbHandle handle(text.c_str());
+  AcDbObjectId id;
+  if (db == nullptr || handle.isNull() || db->getAcDbObjectId(id, false, handle) != Acad::eOk) return {};
+  return id;
 }
 
 }  // namespace OrvLib

@@ -1,8 +1,10 @@
-// Layers and linetypes of a drawing. Names compare without regard to case; a null database means the working one. What
-// the host refuses is told on the command line, a missing layer is not.
+// What a drawing knows by name: layers and linetypes, whose names compare without regard to case, and objects by their
+// handles. A null database means the working one. What the host refuses is told on the command line, a missing layer is
+// not.
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "OrvLib/ARX/HostInterface.h"
 
@@ -46,5 +48,11 @@ bool setLayerState(const ACHAR* name, const LayerState& state, AcDbDatabase* db 
 
 /// The linetype's id; a missing one is loaded from the host's "acad.lin". Null id when it is not there either.
 AcDbObjectId findOrLoadLinetype(const ACHAR* name, AcDbDatabase* db = nullptr);
+
+/// The handle of an object that is in a drawing as hexadecimal text; "0", which names nothing, for any other.
+std::wstring handleText(const AcDbObject& object);
+
+/// The object of the working database that the text names; it may be an erased one. Null id when there is none.
+AcDbObjectId objectOfHandle(const std::wstring& handle);
 
 }  // namespace OrvLib
