@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "OrvLib/ARX/GenARX.h"
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 #include "OrvLib/ARX/Status.h"
 
 namespace OrvLib {
@@ -76,7 +76,7 @@ void bringLayersToTop(const std::vector<const ACHAR*>& layers) {
   std::vector<AcDbObjectId> layerIds(layers.size());
   std::transform(layers.begin(), layers.end(), layerIds.begin(), [](const ACHAR* name) { return findLayer(name); });
   std::vector<std::vector<AcDbObjectId>> entities(layers.size());
-  for (const AcDbObjectId id : selectLayers(layers)) {
+  for (const AcDbObjectId id : Selector::entities().onLayers(layers)) {
     const Opened<AcDbEntity> entity(id, AcDb::kForRead);
     if (!entity) continue;
     const auto layer = std::find(layerIds.begin(), layerIds.end(), entity->layerId());

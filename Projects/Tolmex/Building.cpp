@@ -4,7 +4,7 @@
 
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/GenARX.h"
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/DocData.h"
@@ -78,7 +78,7 @@ void Building::refreshOutline() {
 
 void collectBuildings(CDocData& data) {
   data.buildings.clear();
-  for (const AcDbObjectId id : selectTaggedPolylines(kBuildingApplication)) {
+  for (const AcDbObjectId id : Selector::polylines().withDataOf(kBuildingApplication)) {
     Opened<AcDbEntity> entity(id, AcDb::kForRead);
     if (!entity) continue;
     Building building(std::move(entity));

@@ -9,7 +9,7 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Building.h"
 #include "Tolmex/BuildingDLG.h"
@@ -93,7 +93,7 @@ void makeBuildings() {
   acutPrintf(L"\nValitse muokattava rakennus:\n");
   const DocumentLock lock;
   if (!lock) return;
-  const std::vector<AcDbObjectId> selected = selectPolylinesByUser();
+  const std::vector<AcDbObjectId> selected = Selector::polylines().byUser();
   if (selected.empty()) return;
   collectBuildings(currentDocData());
   if (selected.size() > 1) return makeNewBuildings(selected);
@@ -112,7 +112,7 @@ void makeRidgeLines() {
   {
     const DocumentLock lock;
     if (!lock) return;
-    for (const AcDbObjectId id : selectPolylinesByUser()) {
+    for (const AcDbObjectId id : Selector::polylines().byUser()) {
       const Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
       if (!polyline) continue;
       putOnElementLayer(*polyline, layers::kRidgeLine);

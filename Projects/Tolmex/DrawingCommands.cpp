@@ -6,7 +6,7 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 #include "Tolmex/EntityTag.h"
 
 namespace OrvLib {
@@ -14,7 +14,7 @@ namespace {
 
 void moveSelected(const ACHAR* prompt, bool (DrawOrder::*move)(AcDbObjectId)) {
   acutPrintf(L"%s", prompt);
-  const std::vector<AcDbObjectId> selected = selectByUser();
+  const std::vector<AcDbObjectId> selected = Selector::entities().byUser();
   if (selected.empty()) return;
   {
     DrawOrder order;
@@ -52,7 +52,7 @@ void hideFills() {
 
 void removeDataFromSelected() {
   acutPrintf(L"\nValitse kohteet, joista poistetaan tiedot:\n");
-  for (const AcDbObjectId id : selectByUser()) {
+  for (const AcDbObjectId id : Selector::entities().byUser()) {
     const Opened<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity && !removeTags(*entity)) printFailed(handleText(*entity).c_str());
   }

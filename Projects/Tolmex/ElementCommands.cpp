@@ -4,7 +4,7 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 #include "Tolmex/ColorSchemeFile.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocumentLock.h"
@@ -38,7 +38,7 @@ void makeElements(const ElementCommand& command) {
   {
     const DocumentLock lock;
     if (!lock) return;
-    for (const AcDbObjectId polyline : selectPolylinesByUser()) makeElement(polyline, command.category);
+    for (const AcDbObjectId polyline : Selector::polylines().byUser()) makeElement(polyline, command.category);
   }
   finishDisplay();
 }

@@ -8,7 +8,7 @@
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/EntityTag.h"
@@ -61,7 +61,7 @@ bool makeFenceShadow(AcDbObjectId id, ShadowDrawing& drawing) {
 
 void setHeightOfSelected() {
   acutPrintf(L"\nValitse lauta-aita tai kivimuuri, jonka korkeutta muutetaaan:\n");
-  const std::vector<AcDbObjectId> selected = selectPolylinesByUser();
+  const std::vector<AcDbObjectId> selected = Selector::polylines().byUser();
   if (selected.empty()) return;
   if (selected.size() == 1 && !isFenceId(selected.front())) {
     alertThatOnlyFencesHaveHeights();

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "OrvLib/ARX/EntityMakers.h"
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 #include "Tolmex/BuildingShadow.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"
@@ -37,7 +37,7 @@ class ProgressMeter {
 
 /// Whether there was anything to erase. What a locked layer keeps is told: new shadows will lie on it.
 bool eraseShadows() {
-  const std::vector<AcDbObjectId> old = selectLayers({layers::kShadow, layers::kRoofFill});
+  const std::vector<AcDbObjectId> old = Selector::entities().onLayers({layers::kShadow, layers::kRoofFill});
   const auto kept = std::count_if(old.begin(), old.end(), [](AcDbObjectId id) { return !eraseEntity(id); });
   if (kept > 0) acutPrintf(L"\nVanhoista varjoista ja kattotäytöistä jäi poistamatta %d.\n", static_cast<int>(kept));
   return !old.empty();
@@ -55,10 +55,10 @@ void updateShadows() {
   CDocData& data = currentDocData();
   const bool haveErased = eraseShadows();
   // Updates leave many polylines behind that only bound hatches: those without data are not opened.
-  const std::vector<AcDbObjectId> tagged = selectTaggedPolylines(kTagApplication);
+  const std::vector<AcDbObjectId> tagged = Selector::polylines().withDataOf(kTagApplication);
   if (haveErased || !data.buildingsAreFresh) collectBuildings(data);
   data.buildingsAreFresh = false;
-  if (tagged.empty() && data.buildings.empty() && selectAllPolylines().empty()) return;
+  if (tagged.empty() && data.buildings.empty() && Selector::polylines().all().empty()) return;
 
   ProgressMeter meter(L"Varjojen päivitys...", data.buildings.size());
   ShadowDrawing drawing(data.shadows);

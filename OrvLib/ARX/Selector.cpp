@@ -1,4 +1,4 @@
-#include "OrvLib/ARX/Selection.h"
+#include "OrvLib/ARX/Selector.h"
 
 #include <string>
 #include <string_view>
@@ -56,50 +56,54 @@ std::wstring literalPattern(const ACHAR* name) {
   return pattern;
 }
 
-std::vector<AcDbObjectId> polylinesOf(std::vector<AcDbObjectId> ids) {
-  std::erase_if(ids, [](AcDbObjectId id) { return !isPolyline(id); });
-  return ids;
-}
-
 constexpr short kTypeCode = 0;
 constexpr short kLayerCode = 8;
 constexpr short kXDataCode = -3;
 constexpr short kApplicationCode = 1001;
-// The type name POLYLINE covers meshes too, which the class tells apart.
+
 constexpr const ACHAR* kPolylineTypes = L"LWPOLYLINE,POLYLINE";
+constexpr const ACHAR* kWholeDrawing = L"X";
 
-}  // namespace
-
-std::vector<AcDbObjectId> selectByUser() { return SelectionSet(nullptr, nullptr).ids(); }
-
-std::vector<AcDbObjectId> selectPolylinesByUser() { return polylinesOf(selectByUser()); }
-
-std::vector<AcDbObjectId> selectAllPolylines() {
-  AdsResbuf filter;
-  filter.append(kTypeCode, kPolylineTypes);
-  return polylinesOf(SelectionSet(L"X", filter.get()).ids());
-}
-
-std::vector<AcDbObjectId> selectTaggedPolylines(const ACHAR* application) {
-  AdsResbuf filter;
-  filter.append(kTypeCode, kPolylineTypes);
-  filter.append(kXDataCode);
-  filter.append(kApplicationCode, literalPattern(application));
-  return polylinesOf(SelectionSet(L"X", filter.get()).ids());
-}
-
-std::vector<AcDbObjectId> selectLayers(const std::vector<const ACHAR*>& layers) {
-  std::wstring pattern;
-  for (const ACHAR* const layer : layers) pattern += (pattern.empty() ? L"" : L",") + literalPattern(layer);
-  AdsResbuf filter;
-  filter.append(kLayerCode, pattern);
-  return SelectionSet(L"X", filter.get()).ids();
-}
-
+/// Known without opening the object.
 bool isPolyline(AcDbObjectId id) {
   const AcRxClass* const type = id.objectClass();
   return type != nullptr && (type->isDerivedFrom(AcDbPolyline::desc()) || type->isDerivedFrom(AcDb2dPolyline::desc()) ||
                              type->isDerivedFrom(AcDb3dPolyline::desc()));
+}
+
+}  // namespace
+
+/// What spares the host entities of other classes. The type name POLYLINE covers meshes too, which the class tells
+/// apart.
+AdsResbuf Selector::filter() const {
+  AdsResbuf types;
+  if (polylinesOnly_) types.append(kTypeCode, kPolylineTypes);
+  return types;
+}
+
+std::vector<AcDbObjectId> Selector::taken(const ACHAR* mode, const resbuf* wanted) const {
+  std::vector<AcDbObjectId> ids = SelectionSet(mode, wanted).ids();
+  if (polylinesOnly_) std::erase_if(ids, [](AcDbObjectId id) { return !isPolyline(id); });
+  return ids;
+}
+
+std::vector<AcDbObjectId> Selector::byUser() const { return taken(nullptr, nullptr); }
+
+std::vector<AcDbObjectId> Selector::all() const { return taken(kWholeDrawing, filter().get()); }
+
+std::vector<AcDbObjectId> Selector::withDataOf(const ACHAR* application) const {
+  AdsResbuf wanted = filter();
+  wanted.append(kXDataCode);
+  wanted.append(kApplicationCode, literalPattern(application));
+  return taken(kWholeDrawing, wanted.get());
+}
+
+std::vector<AcDbObjectId> Selector::onLayers(const std::vector<const ACHAR*>& layers) const {
+  std::wstring pattern;
+  for (const ACHAR* const layer : layers) pattern += (pattern.empty() ? L"" : L",") + literalPattern(layer);
+  AdsResbuf wanted = filter();
+  wanted.append(kLayerCode, pattern);
+  return taken(kWholeDrawing, wanted.get());
 }
 
 }  // namespace OrvLib
