@@ -1,10 +1,10 @@
 #include "Tolmex/ElementCommands.h"
 
-#include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selector.h"
+#include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/ColorSchemeFile.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocumentLock.h"

@@ -3,10 +3,10 @@
 #include <optional>
 
 #include "OrvLib/ARX/EntityGeometry.h"
-#include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Groups.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
+#include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocumentLock.h"

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "OrvLib/ARX/EntityGeometry.h"
-#include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"

@@ -4,8 +4,8 @@
 #include <limits>
 #include <vector>
 
-#include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Selector.h"
+#include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/BuildingShadow.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"

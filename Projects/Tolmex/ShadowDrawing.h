@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Groups.h"
+#include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/ShadowGeometry.h"
 #include "Tolmex/ShadowSettings.h"
 

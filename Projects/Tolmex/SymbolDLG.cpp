@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "OrvLib/ARX/EntityMakers.h"
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
+#include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DocumentLock.h"
 #include "Tolmex/Resource.h"

@@ -1,4 +1,4 @@
-#include "OrvLib/ARX/EntityMakers.h"
+#include "OrvLib/GeomStructs/EntityMakers.h"
 
 #include <memory>
 #include <new>
