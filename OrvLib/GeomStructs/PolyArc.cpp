@@ -38,7 +38,7 @@ Arc arcAt(const std::vector<ArcVertex>& vertices, std::size_t i) {
   return bulge > 0 ? Arc{start, end, bulge} : Arc{end, start, -bulge};
 }
 
-void appendPieces(std::vector<Point3d>& points, const Arc& arc, double chordArcLength) {
+void appendPieces(Point3dArray& points, const Arc& arc, double chordArcLength) {
   points.push_back(arc.start);
   if (arc.isUsable() && chordArcLength > 0) {
     const double angle = arc.angle();
@@ -110,7 +110,7 @@ bool PolyArc::hasTooManyPieces(double chordArcLength) const {
 
 PolyLine PolyArc::approximated(double chordArcLength) const {
   const double step = chordArcLength > 0 && !hasTooManyPieces(chordArcLength) ? chordArcLength : 0;
-  std::vector<Point3d> points;
+  Point3dArray points;
   for (std::size_t i = 0; i < segmentCount(); ++i) {
     if (!isArc(vertices_[i].bulge)) {
       points.push_back(vertices_[i].point);

@@ -6,10 +6,10 @@
 
 namespace OrvLib {
 
-PolyLine::PolyLine(std::vector<Point3d> points, bool closed) : points_(std::move(points)), closed_(closed) {}
+PolyLine::PolyLine(Point3dArray points, bool closed) : points_(std::move(points)), closed_(closed) {}
 
 void PolyLine::append(const PolyLine& other) {
-  const std::vector<Point3d> copy = other.points_;  // appending to itself is allowed
+  const Point3dArray copy = other.points_;  // appending to itself is allowed
   points_.insert(points_.end(), copy.begin(), copy.end());
 }
 

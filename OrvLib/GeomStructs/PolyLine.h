@@ -3,10 +3,9 @@
 
 #include <cstddef>
 #include <utility>
-#include <vector>
 
 #include "OrvLib/GeomEnts/Line.h"
-#include "OrvLib/GeomStructs/Point3d.h"
+#include "OrvLib/GeomStructs/Point3dArray.h"
 
 namespace OrvLib {
 
@@ -16,10 +15,10 @@ namespace OrvLib {
 class PolyLine {
  public:
   PolyLine() = default;
-  explicit PolyLine(std::vector<Point3d> points, bool closed = false);
+  explicit PolyLine(Point3dArray points, bool closed = false);
 
-  const std::vector<Point3d>& points() const& { return points_; }
-  std::vector<Point3d> points() && { return std::move(points_); }
+  const Point3dArray& points() const& { return points_; }
+  Point3dArray points() && { return std::move(points_); }
   std::size_t size() const { return points_.size(); }
   bool isEmpty() const { return points_.empty(); }
   const Point3d& operator[](std::size_t index) const { return points_[index]; }
@@ -49,7 +48,7 @@ class PolyLine {
   bool operator==(const PolyLine&) const = default;
 
  private:
-  std::vector<Point3d> points_;
+  Point3dArray points_;
   bool closed_ = false;
 };
 

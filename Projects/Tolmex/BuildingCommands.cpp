@@ -45,7 +45,7 @@ void editBuilding(AcDbObjectId id) {
                  : L"\nRakennukselle ei saatu harjaviivaa, tehdään tasakatto.\n");
   // A polyline that cannot be written to, as on a locked layer, is refused by the record's writer.
   Building building = convert(Opened<AcDbEntity>(id, AcDb::kForRead), ridge);
-  std::vector<Building>& buildings = currentDocData().buildings;
+  Array<Building>& buildings = currentDocData().buildings;
   const auto former = std::find_if(buildings.begin(), buildings.end(),
                                    [&](const Building& candidate) { return candidate.entityId == id; });
   if (former != buildings.end()) buildings.erase(former);

@@ -11,8 +11,8 @@
 namespace OrvLib {
 namespace {
 
-std::vector<Point3d> ridgePoints(AcDbObjectId ridgeLine) {
-  std::vector<Point3d> points;
+Point3dArray ridgePoints(AcDbObjectId ridgeLine) {
+  Point3dArray points;
   const Opened<AcDbEntity> entity(ridgeLine, AcDb::kForRead);
   const std::optional<PolyArc> course = entity ? readPolyArc(*entity) : std::nullopt;
   if (!course) return points;

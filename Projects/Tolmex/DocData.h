@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "OrvLib/DataStruct/Array.h"
 #include "Tolmex/Building.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/ColorScheme.h"
@@ -37,7 +37,7 @@ class CDocData {
   AreaColors seenAreaColors;   // as the drawing showed them when `colors` was last in step with it
   bool prepared = false;       // the first command has run
 
-  std::vector<Building> buildings;  // the drawing's, as last collected
+  Array<Building> buildings;  // the drawing's, as last collected
   // The running command found the list not collected yet: until it changes entities, the list is the drawing's.
   bool buildingsAreFresh = false;
   // What the building dialog accepted last in this drawing.

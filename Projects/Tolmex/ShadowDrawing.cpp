@@ -51,7 +51,7 @@ void ShadowDrawing::draw(const std::vector<Quad>& quads, const ShadowKind& kind)
   AcDbObjectIdArray hatches;
   const OpenModelSpace modelSpace;
   for (const Quad& quad : quads) {
-    const PolyLine points(std::vector<Point3d>(quad.begin(), quad.end()));
+    const PolyLine points(Point3dArray(quad.begin(), quad.end()));
     const AcDbObjectId boundary = makeClosed3dPolyline(points, kBoundaryColor, kind.boundaryLayer);
     const AcDbObjectId hatch = makeHatch(points, kColorByLayer, layers::kShadow, pattern_);
     if (!hatch.isNull()) hatches.append(hatch);

@@ -41,7 +41,7 @@ struct Ridged {
   PolyLine shadow;
 };
 
-Ridged splitByRidge(const PolyLine& outline, const std::vector<Point3d>& ridge, const Point3d& ridgeSweep) {
+Ridged splitByRidge(const PolyLine& outline, const Point3dArray& ridge, const Point3d& ridgeSweep) {
   Ridged split{outline, outline};
   const std::size_t count = outline.size();
   if (count == 0) return split;

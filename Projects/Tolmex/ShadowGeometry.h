@@ -19,8 +19,8 @@ struct ShadowCaster {
   bool firstSegmentIsArc = false;
   double nrFloors = 0;
   double floorHeight = 0;
-  double roofHeight = 0;       // of the ridge above the eaves
-  std::vector<Point3d> ridge;  // vertices of the ridge line; empty: flat roof
+  double roofHeight = 0;  // of the ridge above the eaves
+  Point3dArray ridge;     // vertices of the ridge line; empty: flat roof
 };
 
 /// The shadow of a building whose floors cast `lengthPerFloor` each, in edge order. Edges across the shadow's direction

@@ -125,7 +125,7 @@ TEST(PolyArc, TextFormReadsBack) {
 TEST(PolyLine, RemovesRepeatedPointsInPlanOnly) {
   PolyLine line({{0, 0, 0}, {0, 0, 9}, {5e-8, 0, 0}, {1, 0, 0}, {1, 2e-7, 0}, {0, 0, 0}}, true);
   line.removeDuplicates();
-  EXPECT_EQ(line.points(), (std::vector<Point3d>{{0, 0, 0}, {1, 0, 0}, {1, 2e-7, 0}, {0, 0, 0}}));
+  EXPECT_EQ(line.points(), (Point3dArray{{0, 0, 0}, {1, 0, 0}, {1, 2e-7, 0}, {0, 0, 0}}));
 }
 
 TEST(PolyLine, ClosesOnceWithinTheTolerance) {
@@ -146,7 +146,7 @@ TEST(PolyLine, EditsAndWalksItsSegments) {
   line.insertAt(1, {1, 0, 0});
   line.insertAt(99, {3, 0, 0});
   line.removeAt(99);
-  EXPECT_EQ(line.points(), (std::vector<Point3d>{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}}));
+  EXPECT_EQ(line.points(), (Point3dArray{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}}));
   EXPECT_EQ(line.segmentCount(), 3u);
   line.setClosed(true);
   EXPECT_EQ(line.segmentCount(), 4u);

@@ -15,7 +15,7 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 constexpr double kPerFloor = 3;
 
-ShadowCaster building(const char* course, double floors, std::vector<Point3d> ridge = {}) {
+ShadowCaster building(const char* course, double floors, Point3dArray ridge = {}) {
   const PolyArc arcs = PolyArc::fromText(course);
   ShadowCaster caster;
   caster.outline = arcs.approximated(5);
@@ -30,7 +30,7 @@ ShadowCaster building(const char* course, double floors, std::vector<Point3d> ri
 constexpr const char* kSquare = "0,0; 10,0; 10,10; 0,10 closed";
 // A gable over edges that do not come before one another's place, and its ridge.
 constexpr const char* kGable = "0,0; 16,0; 16,9; 0,9 closed";
-const std::vector<Point3d> kGableRidge = {{16, 4.5, 0}, {0, 4.5, 0}};
+const Point3dArray kGableRidge = {{16, 4.5, 0}, {0, 4.5, 0}};
 
 double area(const Quad& quad) {
   double twice = 0;
@@ -149,7 +149,7 @@ TEST(BuildingShadow, WithoutFloorHeightTheRidgeReachesNoFurther) {
 TEST(BuildingShadow, FollowsTheBuilding) {
   const Point3d grid{27'496'000, 6'713'000, 12};
   for (const bool isRidged : {false, true}) {
-    ShadowCaster near = building(kGable, 2, isRidged ? kGableRidge : std::vector<Point3d>{});
+    ShadowCaster near = building(kGable, 2, isRidged ? kGableRidge : Point3dArray{});
     const auto quads = buildingShadow(near, 0.7, kPerFloor);
     ShadowCaster far = near;
     far.outline.translate(grid);
