@@ -17,8 +17,6 @@ struct Line {
   double length() const { return start.distanceTo(end); }
   /// Plan direction, radians in (-pi, pi]; 2 pi when the ends coincide in plan.
   double planAngle() const;
-  /// True when the point lies within `tolerance` of the segment, ends included. A segment of no length is a point.
-  bool contains(const Point3d& point, double tolerance = kPointTolerance) const;
 };
 
 }  // namespace OrvLib

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "OrvLib/ARX/Contains.h"
+
 namespace OrvLib {
 namespace {
 
@@ -50,7 +52,7 @@ Ridged splitByRidge(const PolyLine& outline, const Point3dArray& ridge, const Po
   for (std::size_t i = 0; i < outline.segmentCount(); ++i) {
     const Line edge = outline.segment(i);
     for (const Point3d& point : ridge) {
-      if (!edge.contains(point)) continue;
+      if (!isOnSegment(point, edge)) continue;
       const bool isClosingEdge = i + 2 == count;
       split.foot.insertAt(isClosingEdge ? split.foot.size() : i + 1, point);
       split.shadow.insertAt(isClosingEdge ? split.shadow.size() : i + 1, point + ridgeSweep);

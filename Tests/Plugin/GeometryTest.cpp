@@ -6,6 +6,7 @@
 #include <numbers>
 #include <random>
 
+#include "OrvLib/ARX/Contains.h"
 #include "OrvLib/GeomEnts/Line.h"
 #include "OrvLib/GeomStructs/PolyArc.h"
 #include "OrvLib/GeomStructs/PolyLine.h"
@@ -165,16 +166,16 @@ TEST(Line, RunsFromAnAngleUpAndDown) {
   EXPECT_NEAR((Line{{1, 1, 0}, {1, 1, 8}}.planAngle()), 2 * kPi, 1e-12);
 }
 
-TEST(Line, ContainsPointsWithinTheToleranceOfTheSegmentOnly) {
+TEST(Contains, PointsWithinTheToleranceOfTheSegmentOnly) {
   const Line line{{0, 0, 0}, {10, 0, 0}};
-  EXPECT_TRUE(line.contains({5, 0.00009, 0}));
-  EXPECT_FALSE(line.contains({5, 0.00011, 0}));
-  EXPECT_TRUE(line.contains({10.00009, 0, 0}));
-  EXPECT_FALSE(line.contains({10.001, 0, 0}));
-  EXPECT_FALSE(line.contains({5, 0, 0.001}));
+  EXPECT_TRUE(isOnSegment({5, 0.00009, 0}, line));
+  EXPECT_FALSE(isOnSegment({5, 0.00011, 0}, line));
+  EXPECT_TRUE(isOnSegment({10.00009, 0, 0}, line));
+  EXPECT_FALSE(isOnSegment({10.001, 0, 0}, line));
+  EXPECT_FALSE(isOnSegment({5, 0, 0.001}, line));
   const Line nothing{{1, 1, 0}, {1, 1, 0}};
-  EXPECT_TRUE(nothing.contains({1, 1, 0}));
-  EXPECT_FALSE(nothing.contains({1, 2, 0}));
+  EXPECT_TRUE(isOnSegment({1, 1, 0}, nothing));
+  EXPECT_FALSE(isOnSegment({1, 2, 0}, nothing));
 }
 
 }  // namespace

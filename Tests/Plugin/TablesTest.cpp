@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "OrvLib/ARX/Contains.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/ColorScheme.h"
@@ -123,7 +124,7 @@ TEST(ParkingLayout, TurnsWithTheRowAndKeepsToItsLeft) {
       const Point3d v = stall.vector();
       EXPECT_NEAR(along.x * v.y - along.y * v.x, 4 * std::sqrt(0.5), 1e-9) << direction;
       EXPECT_NEAR(along.x * v.x + along.y * v.y, 4 * std::sqrt(0.5), 1e-9) << direction;
-      EXPECT_TRUE(baseLine.contains(stall.start)) << direction;
+      EXPECT_TRUE(isOnSegment(stall.start, baseLine)) << direction;
       EXPECT_EQ(stall.end.z, 7);
     }
   }
