@@ -14,12 +14,6 @@ namespace {
 // The C library's classification depends on the locale; this one does not.
 bool isSpace(wchar_t c) { return c == L' ' || (c >= L'\t' && c <= L'\r') || c == L'\u00a0' || c == L'\ufeff'; }
 
-wchar_t lowered(wchar_t c) {
-  const bool isCapital =
-      (c >= L'A' && c <= L'Z') || c == L'\u00c4' /* Ä */ || c == L'\u00c5' /* Å */ || c == L'\u00d6' /* Ö */;
-  return isCapital ? static_cast<wchar_t>(c + 0x20) : c;
-}
-
 void appendCodePoint(std::wstring& text, std::uint32_t c) {
   if (std::numeric_limits<wchar_t>::digits <= 16 && c > 0xFFFF) {
     text += static_cast<wchar_t>(0xD800 + ((c - 0x10000) >> 10));
@@ -102,14 +96,15 @@ std::vector<std::wstring> lines(std::wstring_view text) {
   return found;
 }
 
-bool equalsIgnoringCase(std::wstring_view a, std::wstring_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](wchar_t x, wchar_t y) { return lowered(x) == lowered(y); });
+wchar_t lowerCase(wchar_t letter) {
+  const bool isCapital = (letter >= L'A' && letter <= L'Z') || letter == L'\u00c4' /* Ä */ ||
+                         letter == L'\u00c5' /* Å */ || letter == L'\u00d6' /* Ö */;
+  return isCapital ? static_cast<wchar_t>(letter + 0x20) : letter;
 }
 
 std::wstring lowerCase(std::wstring_view text) {
   std::wstring lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), lowered);
+  for (wchar_t& letter : lower) letter = lowerCase(letter);
   return lower;
 }
 

@@ -13,11 +13,9 @@ std::vector<std::wstring_view> words(std::wstring_view line);
 /// The lines of a text without their ends (LF, CR LF or CR). A final line end starts no further line.
 std::vector<std::wstring> lines(std::wstring_view text);
 
-/// Equality without regard to the case of the letters A to Z, Å, Ä and Ö.
-bool equalsIgnoringCase(std::wstring_view a, std::wstring_view b);
-
 /// The text with the letters A to Z, Å, Ä and Ö in lower case.
 std::wstring lowerCase(std::wstring_view text);
+wchar_t lowerCase(wchar_t letter);
 
 /// The decimal number that the text begins with, after white space, "." as the decimal mark whatever the locale.
 /// 0 without one and for a number outside the range of double.

@@ -4,6 +4,7 @@
 #include <memory>
 #include <numbers>
 
+#include "OrvLib/DataStruct/Ordering.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Text/Text.h"
 #include "Tolmex/Catalogue.h"

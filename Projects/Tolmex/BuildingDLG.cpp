@@ -11,6 +11,7 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
+#include "OrvLib/DataStruct/Ordering.h"
 #include "Tolmex/Catalogue.h"
 #include "Tolmex/DialogFields.h"
 #include "Tolmex/DocData.h"

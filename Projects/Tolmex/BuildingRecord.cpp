@@ -4,6 +4,7 @@
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/XData.h"
+#include "OrvLib/DataStruct/Ordering.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Building.h"
 #include "Tolmex/DocData.h"

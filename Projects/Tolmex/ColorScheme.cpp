@@ -1,5 +1,6 @@
 #include "Tolmex/ColorScheme.h"
 
+#include "OrvLib/DataStruct/Ordering.h"
 #include "OrvLib/DataStruct/Text.h"
 
 namespace OrvLib {

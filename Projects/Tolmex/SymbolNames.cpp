@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "OrvLib/DataStruct/Ordering.h"
 #include "OrvLib/DataStruct/Text.h"
 
 namespace OrvLib {

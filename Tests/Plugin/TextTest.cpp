@@ -6,6 +6,7 @@
 #include <deque>
 
 #include "OrvLib/ARX/XData.h"
+#include "OrvLib/DataStruct/Ordering.h"
 #include "OrvLib/DataStruct/Text.h"
 
 namespace OrvLib {
@@ -29,6 +30,18 @@ TEST(Text, ReadsNumbersAsTheHostDoes) {
   EXPECT_EQ(toInt(1e300), INT_MAX);
   EXPECT_EQ(toInt(-2.9), -2);
   EXPECT_EQ(toInt(std::nan("")), 0);
+}
+
+TEST(Ordering, PassesOverTheCaseOfFinnishLetters) {
+  EXPECT_TRUE(equalsIgnoringCase(L"RÄYSTÄS-Ö_Å1", L"räystäs-ö_å1"));
+  for (const wchar_t* other : {L"kaav", L"kaavaa", L"kaavä", L""}) EXPECT_FALSE(equalsIgnoringCase(L"KAAVA", other));
+  // Of any two in this row, the first one comes before the other one.
+  const std::wstring_view row[] = {L"", L"Kaava", L"kaavaa", L"kaavb", L"KAAW", L"kiva", L"Z", L"ä", L"Ö"};
+  for (std::size_t i = 0; i < std::size(row); ++i) {
+    for (std::size_t k = 0; k < std::size(row); ++k) {
+      EXPECT_EQ(compareIgnoringCase(row[i], lowerCase(row[k])), std::weak_ordering(i <=> k)) << i << " " << k;
+    }
+  }
 }
 
 TEST(Text, WritesNumbersWithSixDigits) {
