@@ -11,7 +11,6 @@
 namespace OrvLib {
 namespace {
 
-constexpr const ACHAR* kContinuous = L"CONTINUOUS";
 constexpr const ACHAR* kLinetypeFile = L"acad.lin";
 
 template <class Table>

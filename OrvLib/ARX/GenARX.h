@@ -10,6 +10,9 @@
 
 namespace OrvLib {
 
+/// The linetype that every drawing has.
+inline constexpr const ACHAR* kContinuous = L"CONTINUOUS";
+
 enum class MakeCurrent { No, Yes };
 enum class EnsuredLayer { Failed = 0, Created = 1, Existed = 2, WithoutLinetype = 3 };
 

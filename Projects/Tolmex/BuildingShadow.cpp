@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "OrvLib/ARX/EntityGeometry.h"
-#include "Tolmex/Catalogue.h"
 #include "Tolmex/ColorSchemeFile.h"
+#include "Tolmex/Names.h"
 
 namespace OrvLib {
 namespace {

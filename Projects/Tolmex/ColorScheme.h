@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Tolmex/Names.h"
+
 namespace OrvLib {
 
 /// Host colour indices, 1 to 255; a file may hold any number, which layers then refuse.
@@ -36,13 +38,13 @@ struct SchemeColor {
 
 /// In the order of the file's lines.
 inline constexpr std::array<SchemeColor, 9> kSchemeColors{{
-    {&ColorScheme::asphalt, L"asfaltti", L"tma_asf"},
-    {&ColorScheme::grass, L"nurmi", L"tma_nurmi"},
-    {&ColorScheme::gravel, L"sora", L"tma_sora"},
-    {&ColorScheme::yardPaving, L"pihalaatta", L"tma_laatta"},
-    {&ColorScheme::path, L"polku", L"tma_polku"},
-    {&ColorScheme::hedge, L"pensasviiva", L"tma_pensas"},
-    {&ColorScheme::forest, L"metsa", L"tma_metsa"},
+    {&ColorScheme::asphalt, L"asfaltti", layers::kAsphaltFill},
+    {&ColorScheme::grass, L"nurmi", layers::kGrassFill},
+    {&ColorScheme::gravel, L"sora", layers::kGravelFill},
+    {&ColorScheme::yardPaving, L"pihalaatta", layers::kYardPavingFill},
+    {&ColorScheme::path, L"polku", layers::kPathFill},
+    {&ColorScheme::hedge, L"pensasviiva", layers::kHedgeFill},
+    {&ColorScheme::forest, L"metsa", layers::kForestFill},
     {&ColorScheme::roofFillShadow, L"kattotayttovarjo", nullptr},
     {&ColorScheme::roofFillSun, L"kattotayttoaurinko", nullptr},
 }};

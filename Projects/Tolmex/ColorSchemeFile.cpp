@@ -69,7 +69,7 @@ void applyAreaColors(CDocData& data) {
 }
 
 void ensureElementLayers(CDocData& data) {
-  for (const LayerRow& layer : kElementLayers) ensureLayer(layer.name, layer.color(data.colors), kLinetypeContinuous);
+  for (const LayerRow& layer : kElementLayers) ensureLayer(layer.name, layer.color(data.colors), kContinuous);
   data.seenAreaColors = areaColorsInDrawing();
 }
 
@@ -77,7 +77,7 @@ const ACHAR* elementLayer(const ACHAR* name) {
   if (!findLayer(name).isNull()) return name;
   const auto* const found = std::find_if(kElementLayers.begin(), kElementLayers.end(),
                                          [&](const LayerRow& layer) { return std::wstring_view(layer.name) == name; });
-  if (found != kElementLayers.end()) ensureLayer(name, found->color(currentDocData().colors), kLinetypeContinuous);
+  if (found != kElementLayers.end()) ensureLayer(name, found->color(currentDocData().colors), kContinuous);
   return name;
 }
 

@@ -1,7 +1,7 @@
 #include "Tolmex/DisplayFinish.h"
 
 #include "OrvLib/ARX/DrawOrder.h"
-#include "Tolmex/Catalogue.h"
+#include "Tolmex/Names.h"
 
 namespace OrvLib {
 

@@ -8,6 +8,7 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selector.h"
 #include "Tolmex/EntityTag.h"
+#include "Tolmex/Names.h"
 
 namespace OrvLib {
 namespace {
@@ -25,8 +26,9 @@ void moveSelected(const ACHAR* prompt, bool (DrawOrder::*move)(AcDbObjectId)) {
 
 void setFillLayers(const LayerState& state) {
   for (const ACHAR* const layer :
-       {L"tma_asf", L"tma_sora", L"tma_laatta", L"tma_polku", L"tma_aita_kivi", L"tma_aita_lauta", L"tma_pensas",
-        L"tma_metsa", L"tma_nurmi", layers::kRoofFillSun, layers::kRoofFillShadow}) {
+       {layers::kAsphaltFill, layers::kGravelFill, layers::kYardPavingFill, layers::kPathFill, layers::kStoneFenceFill,
+        layers::kBoardFenceFill, layers::kHedgeFill, layers::kForestFill, layers::kGrassFill, layers::kRoofFillSun,
+        layers::kRoofFillShadow}) {
     setLayerState(layer, state);
   }
 }

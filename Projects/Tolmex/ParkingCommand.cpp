@@ -7,9 +7,9 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
-#include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocumentLock.h"
+#include "Tolmex/Names.h"
 #include "Tolmex/ParkingLayout.h"
 
 namespace OrvLib {

@@ -5,9 +5,9 @@
 
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
-#include "Tolmex/Catalogue.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DocumentLock.h"
+#include "Tolmex/Names.h"
 
 namespace OrvLib {
 namespace {

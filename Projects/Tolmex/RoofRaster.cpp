@@ -10,9 +10,9 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/BuildingRecord.h"
-#include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/MessageBoxes.h"
+#include "Tolmex/Names.h"
 
 namespace OrvLib {
 namespace {

@@ -7,11 +7,11 @@
 #include "OrvLib/ARX/Selector.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/BuildingShadow.h"
-#include "Tolmex/Catalogue.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/Fences.h"
 #include "Tolmex/FirstUse.h"
+#include "Tolmex/Names.h"
 #include "Tolmex/VarjoDlg.h"
 
 namespace OrvLib {

@@ -4,7 +4,6 @@
 
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/DataStruct/Text.h"
-#include "Tolmex/Catalogue.h"
 
 namespace OrvLib {
 namespace {
@@ -30,7 +29,7 @@ ShadowDrawing::ShadowDrawing(const ShadowSettings& settings)
 /// Without the layer the settings' colour had nowhere to go.
 void ShadowDrawing::makeShadowLayer() {
   if (!isShadowLayerThere_ && findLayer(layers::kShadow).isNull()) {
-    ensureLayer(layers::kShadow, settings_.shadowColor, kLinetypeContinuous);
+    ensureLayer(layers::kShadow, settings_.shadowColor, kContinuous);
   }
   isShadowLayerThere_ = true;
 }
@@ -38,7 +37,7 @@ void ShadowDrawing::makeShadowLayer() {
 void ShadowDrawing::hideBoundaryLayer(const ShadowKind& kind) {
   if (isBoundaryLayerHidden_) return;
   isBoundaryLayerHidden_ = true;
-  ensureLayer(kind.boundaryLayer, kBoundaryLayerColor, kLinetypeContinuous);
+  ensureLayer(kind.boundaryLayer, kBoundaryLayerColor, kContinuous);
   LayerState hidden;
   hidden.off = true;
   setLayerState(kind.boundaryLayer, hidden);

@@ -6,6 +6,7 @@
 
 #include "OrvLib/ARX/Groups.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
+#include "Tolmex/Names.h"
 #include "Tolmex/ShadowGeometry.h"
 #include "Tolmex/ShadowSettings.h"
 
@@ -17,8 +18,8 @@ struct ShadowKind {
   const ACHAR* boundaryLayer;
   bool keepsBoundaries;  // on the layer, which is made and switched off; otherwise they are erased
 };
-inline constexpr ShadowKind kBuildingShadow{L"Rakennuksien varjon hatch", L"tmv_varjo_reunaviiva", true};
-inline constexpr ShadowKind kFenceShadow{L"Aidan varjon hatch", L"POLY", false};
+inline constexpr ShadowKind kBuildingShadow{L"Rakennuksien varjon hatch", layers::kShadowBoundary, true};
+inline constexpr ShadowKind kFenceShadow{L"Aidan varjon hatch", layers::kPassingBoundary, false};
 
 /// Draws shadows into the working database, all of one update with the same settings.
 class ShadowDrawing {

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "OrvLib/ARX/HostInterface.h"
-#include "Tolmex/Catalogue.h"
+#include "Tolmex/Names.h"
 
 namespace OrvLib {
 namespace {

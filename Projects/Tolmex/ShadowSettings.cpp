@@ -6,8 +6,8 @@
 #include "OrvLib/ARX/AdsResbuf.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/DataStruct/Text.h"
-#include "Tolmex/Catalogue.h"
 #include "Tolmex/DocData.h"
+#include "Tolmex/Names.h"
 #include "Tolmex/ShadowRecord.h"
 
 namespace OrvLib {
