@@ -5,7 +5,6 @@
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Selector.h"
-#include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DocumentLock.h"
@@ -56,14 +55,14 @@ bool Building::takeOutline(const AcDbEntity& entity) {
 }
 
 void Building::takeRecord(const AcDbEntity& entity) {
-  const std::optional<BuildingTexts> texts = readBuildingTexts(entity);
-  if (!texts) return;
-  nrFloors = leadingNumber(texts->nrFloors);
-  eavesWidth = leadingNumber(texts->eavesWidth);
-  floorHeight = leadingNumber(texts->floorHeight);
-  baseHeight = leadingNumber(texts->baseHeight);
-  roofHeight = leadingNumber(texts->roofHeight);
-  if (texts->roofLineHandle) roofLineId = ridgeLineOf(*texts->roofLineHandle);
+  BuildingRecord<double> record;
+  if (!readBuildingRecord(entity, record)) return;
+  nrFloors = record.nrFloors;
+  eavesWidth = record.eavesWidth;
+  floorHeight = record.floorHeight;
+  baseHeight = record.baseHeight;
+  roofHeight = record.roofHeight;
+  if (record.hasRoofLine) roofLineId = ridgeLineOf(record.roofLineHandle);
   hasRoofLine = !roofLineId.isNull();
   valid = true;
 }

@@ -144,24 +144,24 @@ class BuildingDLG : public CAcUiDialog {
   static const std::array<Field, 4> kFields;
 
   void readBuilding(AcDbObjectId building) {
-    std::optional<std::wstring> ridgeHandle;
+    BuildingRecord<std::wstring> record;
     {
       const Opened<AcDbEntity> entity(building, AcDb::kForRead);
       if (!entity) return;
-      if (const auto texts = readBuildingTexts(*entity)) {
-        values_.floors = texts->nrFloors;
-        values_.floorHeight = texts->floorHeight;
-        values_.eavesWidth = texts->eavesWidth;
-        values_.baseHeight = texts->baseHeight;
-        ridge_.ridgeHeight = leadingNumber(texts->roofHeight);
-        ridgeHandle = texts->roofLineHandle;
+      if (readBuildingRecord(*entity, record)) {
+        values_.floors = record.nrFloors;
+        values_.floorHeight = record.floorHeight;
+        values_.eavesWidth = record.eavesWidth;
+        values_.baseHeight = record.baseHeight;
+        ridge_.ridgeHeight = leadingNumber(record.roofHeight);
       }
-      if (const auto colors = readRoofColors(*entity)) {
-        values_.shadedRoofColor = colors->shadow;
-        values_.sunlitRoofColor = colors->sun;
+      RoofColours colours;
+      if (readRoofColours(*entity, colours)) {
+        values_.shadedRoofColor = colours.shaded;
+        values_.sunlitRoofColor = colours.sunlit;
       }
     }
-    const AcDbObjectId line = ridgeHandle ? objectOfHandle(*ridgeHandle) : AcDbObjectId();
+    const AcDbObjectId line = record.hasRoofLine ? objectOfHandle(record.roofLineHandle) : AcDbObjectId();
     if (line.isNull() || categoryOf(line) != row(Category::RidgeLine).tag) return;
     ridge_.ridgeLineId = line;
     ridge_.hasRidge = true;
@@ -187,7 +187,7 @@ class BuildingDLG : public CAcUiDialog {
     const int shaded = shadedRoofBox_.GetCurrentItemColorIndex();
     if (sunlit >= 0) values_.sunlitRoofColor = sunlit;
     if (shaded >= 0) values_.shadedRoofColor = shaded;
-    currentDocData().roofColors = {values_.shadedRoofColor, values_.sunlitRoofColor};
+    currentDocData().roofColours = {values_.shadedRoofColor, values_.sunlitRoofColor};
   }
 
   CAcUiColorComboBox shadedRoofBox_;

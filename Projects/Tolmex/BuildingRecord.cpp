@@ -1,5 +1,8 @@
 #include "Tolmex/BuildingRecord.h"
 
+#include <optional>
+#include <utility>
+
 #include "OrvLib/ARX/AdsResbuf.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
@@ -25,16 +28,16 @@ class RecordChain {
     return valueInChain(chain_.get(), kBuildingApplication, key);
   }
 
-  std::optional<RoofColors> roofColors() const {
-    const auto shadow = value(keys::kShadowColor);
-    const auto sun = value(keys::kSunColor);
-    if (!shadow || !sun) return std::nullopt;
-    return RoofColors{toInt(leadingNumber(*shadow)), toInt(leadingNumber(*sun))};
+  std::optional<RoofColours> roofColours() const {
+    const auto shaded = value(keys::kShadowColor);
+    const auto sunlit = value(keys::kSunColor);
+    if (!shaded || !sunlit) return std::nullopt;
+    return RoofColours{toInt(leadingNumber(*shaded)), toInt(leadingNumber(*sunlit))};
   }
 
   bool isBuilding() const {
     const auto type = value(keys::kType);
-    return type && equalsIgnoringCase(*type, keys::kBuildingType) && roofColors();
+    return type && equalsIgnoringCase(*type, keys::kBuildingType) && roofColours();
   }
 
  private:
@@ -43,30 +46,47 @@ class RecordChain {
 
 }  // namespace
 
-std::optional<RoofColors> readRoofColors(const AcDbEntity& entity) { return RecordChain(entity).roofColors(); }
+bool readRoofColours(const AcDbEntity& entity, RoofColours& colours) {
+  const std::optional<RoofColours> stored = RecordChain(entity).roofColours();
+  if (stored) colours = *stored;
+  return stored.has_value();
+}
 
 bool isBuilding(const AcDbEntity& entity) { return RecordChain(entity).isBuilding(); }
 
-std::optional<BuildingTexts> readBuildingTexts(const AcDbEntity& entity) {
-  const RecordChain record(entity);
-  if (!record.isBuilding()) return std::nullopt;
-  BuildingTexts texts;
+bool readBuildingRecord(const AcDbEntity& entity, BuildingRecord<std::wstring>& texts) {
+  using Texts = BuildingRecord<std::wstring>;
   struct Field {
     const ACHAR* key;
-    std::wstring BuildingTexts::*text;
+    std::wstring Texts::*text;
   };
-  static constexpr Field kFields[] = {{keys::kBaseHeight, &BuildingTexts::baseHeight},
-                                      {keys::kFloorHeight, &BuildingTexts::floorHeight},
-                                      {keys::kFloors, &BuildingTexts::nrFloors},
-                                      {keys::kEavesWidth, &BuildingTexts::eavesWidth},
-                                      {keys::kRoofHeight, &BuildingTexts::roofHeight}};
+  static constexpr Field kFields[] = {{keys::kBaseHeight, &Texts::baseHeight},
+                                      {keys::kFloorHeight, &Texts::floorHeight},
+                                      {keys::kFloors, &Texts::nrFloors},
+                                      {keys::kEavesWidth, &Texts::eavesWidth},
+                                      {keys::kRoofHeight, &Texts::roofHeight}};
+  const RecordChain record(entity);
+  if (!record.isBuilding()) return false;
+  Texts stored;
   for (const Field& field : kFields) {
     auto value = record.value(field.key);
-    if (!value) return std::nullopt;
-    texts.*field.text = std::move(*value);
+    if (!value) return false;
+    stored.*field.text = std::move(*value);
   }
-  texts.roofLineHandle = record.value(keys::kRoofLine);
-  return texts;
+  const std::optional<std::wstring> roofLine = record.value(keys::kRoofLine);
+  stored.hasRoofLine = roofLine.has_value();
+  stored.roofLineHandle = roofLine.value_or(L"");
+  texts = std::move(stored);
+  return true;
+}
+
+bool readBuildingRecord(const AcDbEntity& entity, BuildingRecord<double>& numbers) {
+  BuildingRecord<std::wstring> texts;
+  if (!readBuildingRecord(entity, texts)) return false;
+  numbers = {leadingNumber(texts.baseHeight), leadingNumber(texts.floorHeight), leadingNumber(texts.nrFloors),
+             leadingNumber(texts.eavesWidth), leadingNumber(texts.roofHeight),  texts.hasRoofLine,
+             std::move(texts.roofLineHandle)};
+  return true;
 }
 
 namespace {
@@ -77,7 +97,7 @@ constexpr const ACHAR* kMaterialSet = L"mat_rakennus";
 constexpr const ACHAR* kTextureWidth = L"16";
 
 /// Order and the repeated base material are those of drawings in use.
-AdsResbuf recordOf(const Building& building, const RoofColors& colors) {
+AdsResbuf recordOf(const Building& building, const RoofColours& colours) {
   AdsResbuf record;
   record.append(kXDataApplication, kBuildingApplication);
   const auto add = [&](const ACHAR* key, const std::wstring& value) {
@@ -97,8 +117,8 @@ AdsResbuf recordOf(const Building& building, const RoofColors& colors) {
   add(L"materials", kMaterialSet);
   add(keys::kRoofHeight, formatNumber(building.roofHeight));
   add(kVersionKey, kVersion);
-  add(keys::kShadowColor, std::to_wstring(colors.shadow));
-  add(keys::kSunColor, std::to_wstring(colors.sun));
+  add(keys::kShadowColor, std::to_wstring(colours.shaded));
+  add(keys::kSunColor, std::to_wstring(colours.sunlit));
   return record;
 }
 
@@ -115,7 +135,7 @@ void addRidgeLine(AdsResbuf& record, AcDbObjectId ridgeLine) {
 }  // namespace
 
 bool writeBuildingRecord(const Building& building) {
-  AdsResbuf record = recordOf(building, currentDocData().roofColors);
+  AdsResbuf record = recordOf(building, currentDocData().roofColours);
   if (building.hasRoofLine) addRidgeLine(record, building.roofLineId);
   Opened<AcDbEntity> entity(building.entityId, AcDb::kForWrite);
   if (!entity) return false;

@@ -1,7 +1,6 @@
 // The building record: extended data that makes a polyline a building.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "OrvLib/ARX/HostInterface.h"
@@ -10,29 +9,36 @@ namespace OrvLib {
 
 class Building;
 
-struct RoofColors {
-  int shadow = 0;
-  int sun = 0;
+/// Colour indices of the roof's two sides.
+struct RoofColours {
+  int shaded = 0;
+  int sunlit = 0;
 };
 
-/// The record's values as they are stored; lengths are numbers in drawing units.
-struct BuildingTexts {
-  std::wstring baseHeight;
-  std::wstring floorHeight;
-  std::wstring nrFloors;
-  std::wstring eavesWidth;
-  std::wstring roofHeight;
-  std::optional<std::wstring> roofLineHandle;  // present: the building has a ridge line
+/// What a record says of its building, lengths in drawing units. `Value` is double for the numbers, std::wstring for
+/// the texts as they are stored.
+template <class Value>
+struct BuildingRecord {
+  Value baseHeight{};
+  Value floorHeight{};
+  Value nrFloors{};
+  Value eavesWidth{};
+  Value roofHeight{};
+  bool hasRoofLine = false;
+  std::wstring roofLineHandle;
 };
 
-/// The colours of the roof's two sides; nothing when either is missing. The entity must be open.
-std::optional<RoofColors> readRoofColors(const AcDbEntity& entity);
+// The readers take an open entity. False leaves what they give untouched.
 
-/// Whether the open entity carries a building record: the type "building", case ignored, and both roof colours.
+/// False when either colour is missing.
+bool readRoofColours(const AcDbEntity& entity, RoofColours& colours);
+
+/// Whether the entity carries a building record: the type "building", case ignored, and both roof colours.
 bool isBuilding(const AcDbEntity& entity);
 
-/// The record of a building; nothing when the open entity is none or any of the five values is missing.
-std::optional<BuildingTexts> readBuildingTexts(const AcDbEntity& entity);
+/// False when the entity is no building or any of the five values is missing. A text without a leading number is 0.
+bool readBuildingRecord(const AcDbEntity& entity, BuildingRecord<double>& numbers);
+bool readBuildingRecord(const AcDbEntity& entity, BuildingRecord<std::wstring>& texts);
 
 /// Writes the record onto the building's polyline, which must not be open; the roof colours are those chosen last in
 /// the drawing. A ridge line that cannot be read is left out, which the command line says. False, and nothing changed,

@@ -45,7 +45,7 @@ class CDocData {
   float eavesWidth = 0;
   float floorHeight = 0;
   float baseHeight = 0;
-  RoofColors roofColors;  // chosen for buildings; written into their records
+  RoofColours roofColours;  // chosen for buildings; written into their records
   ShadowSettings shadows;
   ShadowSettings seenShadows;    // as the drawing had them stored when `shadows` was last in step with it
   std::wstring symbolDirectory;  // of the symbol dialog, as last left; empty until then

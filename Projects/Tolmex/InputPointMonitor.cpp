@@ -18,11 +18,11 @@ std::array<ACHAR, 512> tooltipBuffer;
 
 std::optional<std::wstring> tooltipOf(const AcDbEntity& entity) {
   if (const std::optional<Category> category = knownCategory(entity)) return row(*category).tag;
-  const std::optional<BuildingTexts> building = readBuildingTexts(entity);
-  if (!building) return std::nullopt;
-  const std::wstring start = L"Rakennus (" + formatNumber(leadingNumber(building->nrFloors)) + L" kerrosta): ";
-  if (!building->roofLineHandle) return start + L"harjaviivaa ei määritelty.";
-  return start + L"harjaviiva määritelty (" + building->roofHeight + L" m).";
+  BuildingRecord<std::wstring> building;
+  if (!readBuildingRecord(entity, building)) return std::nullopt;
+  const std::wstring start = L"Rakennus (" + formatNumber(leadingNumber(building.nrFloors)) + L" kerrosta): ";
+  if (!building.hasRoofLine) return start + L"harjaviivaa ei määritelty.";
+  return start + L"harjaviiva määritelty (" + building.roofHeight + L" m).";
 }
 
 }  // namespace

@@ -31,9 +31,9 @@ bool isBuildingId(AcDbObjectId id) {
   return entity && isBuilding(*entity);
 }
 
-std::optional<RoofColors> roofColorsOf(AcDbObjectId id) {
+bool readRoofColoursOf(AcDbObjectId id, RoofColours& colours) {
   const Opened<AcDbEntity> entity(id, AcDb::kForRead);
-  return entity ? readRoofColors(*entity) : std::nullopt;
+  return entity && readRoofColours(*entity, colours);
 }
 
 /// Nothing when the user does not give every point.
@@ -57,12 +57,12 @@ double directionOf(const Line& edge) {
 enum class Filling { Done, WithoutColors };
 
 Filling fill(AcDbObjectId boundary, AcDbObjectId building, const RoofFace& face) {
-  const std::optional<RoofColors> colors = roofColorsOf(building);
-  if (!colors) {
+  RoofColours colours;
+  if (!readRoofColoursOf(building, colours)) {
     showMessage(L"\nEi saatu luettua katolle määritettyjä täyttövärejä. Täyttöä ei tehdä.\n");
     return Filling::WithoutColors;
   }
-  makeHatch(boundary, face.isShaded ? colors->shadow : colors->sun,
+  makeHatch(boundary, face.isShaded ? colours.shaded : colours.sunlit,
             face.isShaded ? layers::kRoofFillShadow : layers::kRoofFillSun, {});
   return Filling::Done;
 }
