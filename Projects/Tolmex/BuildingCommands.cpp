@@ -9,6 +9,7 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/ARX/Resources.h"
 #include "OrvLib/ARX/Selector.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Building.h"
@@ -37,14 +38,22 @@ Building convert(Opened<AcDbEntity> polyline, const RidgeChoice& ridge) {
   return building;
 }
 
+/// The ridge line chosen in the building dialog; nothing when the user cancels it.
+std::optional<RidgeChoice> askBuilding(AcDbObjectId building, bool offerRidgeButton) {
+  const OwnResources resources;
+  BuildingDLG dialog(building, offerRidgeButton);
+  if (dialog.DoModal() != IDOK) return std::nullopt;
+  return dialog.ridge();
+}
+
 void editBuilding(AcDbObjectId id) {
-  RidgeChoice ridge;
-  if (!askBuilding(id, true, ridge)) return;
-  acutPrintf(ridge.hasRidge && ridge.ridgeHeight > kLowestRidge
+  const std::optional<RidgeChoice> ridge = askBuilding(id, true);
+  if (!ridge) return;
+  acutPrintf(ridge->hasRidge && ridge->ridgeHeight > kLowestRidge
                  ? L"\nRakennukselle tehdään harjakatto.\n"
                  : L"\nRakennukselle ei saatu harjaviivaa, tehdään tasakatto.\n");
   // A polyline that cannot be written to, as on a locked layer, is refused by the record's writer.
-  Building building = convert(Opened<AcDbEntity>(id, AcDb::kForRead), ridge);
+  Building building = convert(Opened<AcDbEntity>(id, AcDb::kForRead), *ridge);
   Array<Building>& buildings = currentDocData().buildings;
   const auto former = std::find_if(buildings.begin(), buildings.end(),
                                    [&](const Building& candidate) { return candidate.entityId == id; });
@@ -64,13 +73,13 @@ bool refuseElement(const AcDbEntity& polyline) {
 }
 
 void makeNewBuildings(const std::vector<AcDbObjectId>& polylines) {
-  RidgeChoice ridge;
-  if (!askBuilding({}, polylines.size() == 1, ridge)) return;
-  if (!ridge.hasRidge) ridge.ridgeHeight = 0;
+  std::optional<RidgeChoice> ridge = askBuilding({}, polylines.size() == 1);
+  if (!ridge) return;
+  if (!ridge->hasRidge) ridge->ridgeHeight = 0;
   for (const AcDbObjectId id : polylines) {
     Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
     if (!polyline || refuseElement(*polyline)) continue;
-    currentDocData().buildings.push_back(convert(std::move(polyline), ridge));
+    currentDocData().buildings.push_back(convert(std::move(polyline), *ridge));
   }
   finishDisplay();
 }
