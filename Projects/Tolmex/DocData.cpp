@@ -16,8 +16,8 @@ CDocData::CDocData() = default;
 CDocData::~CDocData() = default;
 
 void CDocData::attachTo(AcApDocument& document) {
-  if (!reactor_) reactor_ = std::make_unique<DocDataReactor>(true, &document);
-  if (!monitor_) monitor_ = std::make_unique<InputPointMonitor>(true, &document);
+  if (!reactor) reactor = std::make_unique<DocDataReactor>(true, &document);
+  if (!monitor) monitor = std::make_unique<InputPointMonitor>(true, &document);
 }
 
 CDocData& currentDocData() { return documents.current(); }

@@ -18,8 +18,8 @@ namespace OrvLib {
 class DocDataReactor;
 class InputPointMonitor;
 
-/// The record of one open drawing.
-class CDocData {
+/// The record of one open drawing; its shadow settings are members of its own.
+class CDocData : public ShadowSettings {
  public:
   CDocData();
   CDocData(const CDocData&) = delete;
@@ -29,9 +29,11 @@ class CDocData {
   /// Makes the reactor and the monitor of the document if the record has none yet; they go with the record.
   void attachTo(AcApDocument& document);
 
+  std::unique_ptr<DocDataReactor> reactor;  // empty until attached, as the monitor
   bool colorsFromDrawing = false;     // an area layer was in the drawing before the system made its layers
   bool colorsChosen = false;          // the user has confirmed the colour dialog
   std::uint32_t backgroundColor = 0;  // of the current layout, 0x00BBGGRR
+  std::unique_ptr<InputPointMonitor> monitor;
   ColorScheme colors;
   ColorScheme preparedColors;  // of drawing, file and defaults, before the user chose others
   AreaColors seenAreaColors;   // as the drawing showed them when `colors` was last in step with it
@@ -46,13 +48,8 @@ class CDocData {
   float floorHeight = 0;
   float baseHeight = 0;
   RoofColours roofColours;  // chosen for buildings; written into their records
-  ShadowSettings shadows;
-  ShadowSettings seenShadows;    // as the drawing had them stored when `shadows` was last in step with it
+  ShadowSettings seenShadows;    // as the drawing had them stored when the record was last in step with it
   std::wstring symbolDirectory;  // of the symbol dialog, as last left; empty until then
-
- private:
-  std::unique_ptr<DocDataReactor> reactor_;
-  std::unique_ptr<InputPointMonitor> monitor_;
 };
 
 /// The current document's record. Throws OrvExpAcad when no drawing is open.

@@ -61,7 +61,7 @@ void updateShadows() {
   if (tagged.empty() && data.buildings.empty() && Selector::polylines().all().empty()) return;
 
   ProgressMeter meter(L"Varjojen päivitys...", data.buildings.size());
-  ShadowDrawing drawing(data.shadows);
+  ShadowDrawing drawing(data);
   for (const AcDbObjectId id : tagged) {
     if (isFenceToShadow(id)) makeFenceShadow(id, drawing);
   }

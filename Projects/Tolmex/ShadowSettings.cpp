@@ -121,7 +121,7 @@ bool store(const ShadowSettings& settings, AcDbDictionary& dictionary) {
 void readShadowSettings() {
   const std::optional<ShadowSettings> stored = storedSettings();
   CDocData& data = currentDocData();
-  if (stored && *stored != data.seenShadows) data.shadows = data.seenShadows = *stored;
+  if (stored && *stored != data.seenShadows) static_cast<ShadowSettings&>(data) = data.seenShadows = *stored;
 }
 
 void writeShadowSettings() {
@@ -129,7 +129,7 @@ void writeShadowSettings() {
   {
     const Opened<AcDbDictionary> dictionary = ownDictionary();
     if (!dictionary) return;
-    if (!store(data.shadows, *dictionary)) {
+    if (!store(data, *dictionary)) {
       acutPrintf(L"\nTolmex-asetuksien tallentaminen NODiin epäonnistui.");
       return;
     }

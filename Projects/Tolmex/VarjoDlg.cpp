@@ -42,14 +42,14 @@ class VarjoDlg : public CAcUiDialog {
   BOOL OnInitDialog() override {
     const BOOL result = CAcUiDialog::OnInitDialog();
     guarded([this] {
-      const ShadowSettings& settings = currentDocData().shadows;
-      angleEdit_.SetWindowText(formatNumber(settings.shadowAngleRad / kTwoPi * 360).c_str());
-      lengthEdit_.SetWindowText(formatNumber(settings.shadowLengthPerFloor).c_str());
-      scaleEdit_.SetWindowText(formatNumber(settings.shadowScale).c_str());
-      colorBox_.SetCurSel(colorBox_.AddColorToMRU(settings.shadowColor));
+      const CDocData& data = currentDocData();
+      angleEdit_.SetWindowText(formatNumber(data.shadowAngleRad / kTwoPi * 360).c_str());
+      lengthEdit_.SetWindowText(formatNumber(data.shadowLengthPerFloor).c_str());
+      scaleEdit_.SetWindowText(formatNumber(data.shadowScale).c_str());
+      colorBox_.SetCurSel(colorBox_.AddColorToMRU(data.shadowColor));
       const int lines = hatchBox_.AddString(kLinesText);
       const int dots = hatchBox_.AddString(kDotsText);
-      hatchBox_.SetCurSel(settings.shadowHatchType == kShadowDots ? dots : lines);
+      hatchBox_.SetCurSel(data.shadowHatchType == kShadowDots ? dots : lines);
     });
     return result;
   }
@@ -57,14 +57,14 @@ class VarjoDlg : public CAcUiDialog {
   void OnOK() override {
     guarded([this] {
       if (!isFilled()) return;
-      ShadowSettings& settings = currentDocData().shadows;
-      settings.shadowAngleRad = fieldNumber(angleEdit_) / 360 * kTwoPi;
-      settings.shadowLengthPerFloor = fieldNumber(lengthEdit_);
-      settings.shadowScale = fieldNumber(scaleEdit_);
+      CDocData& data = currentDocData();
+      data.shadowAngleRad = fieldNumber(angleEdit_) / 360 * kTwoPi;
+      data.shadowLengthPerFloor = fieldNumber(lengthEdit_);
+      data.shadowScale = fieldNumber(scaleEdit_);
       // A colour that the box cannot show stays until another one is chosen.
-      if (const int color = colorBox_.GetCurrentItemColorIndex(); color >= 0) settings.shadowColor = color;
-      setLayerColor(layers::kShadow, settings.shadowColor);
-      settings.shadowHatchType = fieldText(hatchBox_) == kDotsText ? kShadowDots : kShadowLines;
+      if (const int color = colorBox_.GetCurrentItemColorIndex(); color >= 0) data.shadowColor = color;
+      setLayerColor(layers::kShadow, data.shadowColor);
+      data.shadowHatchType = fieldText(hatchBox_) == kDotsText ? kShadowDots : kShadowLines;
       updateShadows();
       writeShadowSettings();
       EndDialog(IDOK);
