@@ -30,9 +30,9 @@ class CDocData : public ShadowSettings {
   void attachTo(AcApDocument& document);
 
   std::unique_ptr<DocDataReactor> reactor;  // empty until attached, as the monitor
-  bool colorsFromDrawing = false;     // an area layer was in the drawing before the system made its layers
-  bool colorsChosen = false;          // the user has confirmed the colour dialog
-  std::uint32_t backgroundColor = 0;  // of the current layout, 0x00BBGGRR
+  bool colorsFromDrawing = false;           // an area layer was in the drawing before the system made its layers
+  bool colorsChosen = false;                // the user has confirmed the colour dialog
+  std::uint32_t backgroundColor = 0;        // of the current layout, 0x00BBGGRR
   std::unique_ptr<InputPointMonitor> monitor;
   ColorScheme colors;
   ColorScheme preparedColors;  // of drawing, file and defaults, before the user chose others
@@ -47,7 +47,7 @@ class CDocData : public ShadowSettings {
   float eavesWidth = 0;
   float floorHeight = 0;
   float baseHeight = 0;
-  RoofColours roofColours;  // chosen for buildings; written into their records
+  RoofColours roofColours;       // chosen for buildings; written into their records
   ShadowSettings seenShadows;    // as the drawing had them stored when the record was last in step with it
   std::wstring symbolDirectory;  // of the symbol dialog, as last left; empty until then
 };

@@ -1,11 +1,9 @@
 #include "Tolmex/Fences.h"
 
-#include <cmath>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Selector.h"
@@ -15,8 +13,6 @@
 
 namespace OrvLib {
 namespace {
-
-constexpr double kNoHeight = 0.0001;  // heights below it cast no shadow
 
 void alertThatOnlyFencesHaveHeights() {
   acedAlert(
@@ -44,19 +40,6 @@ bool setFenceHeight(double height, AcDbEntity& fence) {
   const std::wstring handle = handleText(fence);
   if (!fence.isWriteEnabled() && !succeeded(fence.upgradeOpen(), handle.c_str())) return false;
   return replaceTag(fence, readCategory(fence).value_or(L""), formatNumber(height), handle);
-}
-
-bool makeFenceShadow(AcDbObjectId id, ShadowDrawing& drawing) {
-  Opened<AcDbEntity> fence(id, AcDb::kForRead);
-  const std::optional<std::wstring> stored = fence ? readHeight(*fence) : std::nullopt;
-  if (!stored) return true;
-  const double height = leadingNumber(*stored);
-  if (std::abs(height) < kNoHeight || !makeWritable(*fence)) return false;
-  const std::optional<PolyArc> course = readPolyArc(*fence);
-  fence.close();
-  if (course && course->hasTooManyPieces(kFenceStep)) ShadowDrawing::tellOfChords(id);
-  if (course) drawing.draw(fenceShadow(*course, height, drawing.settings().shadowAngleRad), kFenceShadow);
-  return true;
 }
 
 void setHeightOfSelected() {

@@ -2,16 +2,17 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "OrvLib/ARX/Selector.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
-#include "Tolmex/BuildingShadow.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/Fences.h"
 #include "Tolmex/FirstUse.h"
 #include "Tolmex/Names.h"
+#include "Tolmex/ShadowDrawing.h"
 #include "Tolmex/VarjoDlg.h"
 
 namespace OrvLib {
@@ -43,11 +44,6 @@ bool eraseShadows() {
   return !old.empty();
 }
 
-bool isFenceToShadow(AcDbObjectId id) {
-  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
-  return entity && isFence(*entity);
-}
-
 }  // namespace
 
 void updateShadows() {
@@ -63,12 +59,13 @@ void updateShadows() {
   ProgressMeter meter(L"Varjojen päivitys...", data.buildings.size());
   ShadowDrawing drawing(data);
   for (const AcDbObjectId id : tagged) {
-    if (isFenceToShadow(id)) makeFenceShadow(id, drawing);
+    Opened<AcDbEntity> entity(id, AcDb::kForRead);
+    if (entity && isFence(*entity)) drawing.makeFenceShadow(std::move(entity));
   }
   for (std::size_t i = 0; i < data.buildings.size(); ++i) {
     Building& building = data.buildings[i];
     building.refreshOutline();
-    makeBuildingShadow(building, drawing);
+    drawing.makeBuildingShadow(building);
     meter.show(i);
   }
   drawing.tellIfNothingWasHatched();

@@ -5,36 +5,36 @@
 #include <vector>
 
 #include "OrvLib/ARX/Groups.h"
+#include "OrvLib/ARX/Opened.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
-#include "Tolmex/Names.h"
+#include "Tolmex/Building.h"
 #include "Tolmex/ShadowGeometry.h"
 #include "Tolmex/ShadowSettings.h"
 
 namespace OrvLib {
 
-/// Whose shadow it is: what its group says and what becomes of the hatches' boundaries.
-struct ShadowKind {
-  const ACHAR* groupDescription;
-  const ACHAR* boundaryLayer;
-  bool keepsBoundaries;  // on the layer, which is made and switched off; otherwise they are erased
-};
-inline constexpr ShadowKind kBuildingShadow{L"Rakennuksien varjon hatch", layers::kShadowBoundary, true};
-inline constexpr ShadowKind kFenceShadow{L"Aidan varjon hatch", layers::kPassingBoundary, false};
+struct ShadowKind;
 
-/// Draws shadows into the working database, all of one update with the same settings.
+/// Draws shadows into the working database, all of one update with the same settings: each as hatches in a new group
+/// "Varjo<n>". What cannot be hatched is passed over.
 class ShadowDrawing {
  public:
   explicit ShadowDrawing(const ShadowSettings& settings);
+  ShadowDrawing(const ShadowDrawing&) = delete;
+  ShadowDrawing& operator=(const ShadowDrawing&) = delete;
 
-  const ShadowSettings& settings() const { return settings_; }
-  /// One hatch for each quadrilateral, all in a new group "Varjo<n>". Those that cannot be hatched are passed over.
-  void draw(const std::vector<Quad>& quads, const ShadowKind& kind);
-  /// Tells that the shadow of an entity follows the chords of its arcs, which are too long to be cut into pieces.
-  static void tellOfChords(AcDbObjectId entity);
+  /// The roof fill of a building, whose id the building keeps, and the shadow of its outline as it stands. Nothing when
+  /// the document cannot be locked or the building's polyline not be written to. A ridge line that cannot be read any
+  /// more counts as none.
+  void makeBuildingShadow(Building& building);
+  /// The shadow of an open fence, which is closed for it. False for a height of zero and for a fence that cannot be
+  /// written to; a fence without a height is left alone.
+  bool makeFenceShadow(Opened<AcDbEntity> fence);
   /// Tells when nothing could be hatched though there was something to hatch: then it is the settings' fault.
   void tellIfNothingWasHatched() const;
 
  private:
+  void draw(const std::vector<Quad>& quads, const ShadowKind& kind);
   void makeShadowLayer();
   void hideBoundaryLayer(const ShadowKind& kind);
 
