@@ -61,10 +61,10 @@ constexpr std::array<Command, kCommandCount> kCommands{{
     sameName(L"TLM_VARJO_PAIVITA", updateShadows),
     sameName(L"TLM_VARJO_POISTA", removeShadows),
     sameName(L"TLM_ASETA_KORKEUS", setHeightOfSelected),
-    sameName(L"TLM_KATTO_RAST_TEE_4_VARJO", [] { makeRoofRaster(roofs::kFourShade); }),
-    sameName(L"TLM_KATTO_RAST_TEE_3_VARJO", [] { makeRoofRaster(roofs::kThreeShade); }),
-    sameName(L"TLM_KATTO_RAST_TEE_4_AURINKO", [] { makeRoofRaster(roofs::kFourSun); }),
-    sameName(L"TLM_KATTO_RAST_TEE_3_AURINKO", [] { makeRoofRaster(roofs::kThreeSun); }),
+    sameName(L"TLM_KATTO_RAST_TEE_4_VARJO", [] { makeRoofRaster(kShadedRaster, 4, true); }),
+    sameName(L"TLM_KATTO_RAST_TEE_3_VARJO", [] { makeRoofRaster(kShadedRaster, 3, true); }),
+    sameName(L"TLM_KATTO_RAST_TEE_4_AURINKO", [] { makeRoofRaster(kSunlitRaster, 4, false); }),
+    sameName(L"TLM_KATTO_RAST_TEE_3_AURINKO", [] { makeRoofRaster(kSunlitRaster, 3, false); }),
     sameName(L"TLM_POISTA_TIEDOT", removeDataFromSelected),
 }};
 

@@ -56,37 +56,37 @@ double directionOf(const Line& edge) {
 
 enum class Filling { Done, WithoutColors };
 
-Filling fill(AcDbObjectId boundary, AcDbObjectId building, const RoofFace& face) {
+Filling fill(AcDbObjectId boundary, AcDbObjectId building, bool isShaded) {
   RoofColours colours;
   if (!readRoofColoursOf(building, colours)) {
     showMessage(L"\nEi saatu luettua katolle määritettyjä täyttövärejä. Täyttöä ei tehdä.\n");
     return Filling::WithoutColors;
   }
-  makeHatch(boundary, face.isShaded ? colours.shaded : colours.sunlit,
-            face.isShaded ? layers::kRoofFillShadow : layers::kRoofFillSun, {});
+  makeHatch(boundary, isShaded ? colours.shaded : colours.sunlit,
+            isShaded ? layers::kRoofFillShadow : layers::kRoofFillSun, {});
   return Filling::Done;
 }
 
 }  // namespace
 
-void makeRoofRaster(const RoofFace& face) {
+void makeRoofRaster(double rasterScale, int pointCount, bool isShaded) {
   const std::optional<AcDbObjectId> building = askEntity();
   if (!building) return;
   if (!isBuildingId(*building)) {
     acutPrintf(L"\nEi valittu rakennusta.\n");
     return;
   }
-  acutPrintf(face.pointCount == 3
+  acutPrintf(pointCount == 3
                  ? L"\nValitse ensin rakennuksen ulkoreunan pisteet ja lopuksi kolmas piste kiertosuunnassa.\n"
                  : L"\nValitse ensin harjaviivan pisteet ja lopuksi muut pisteet kiertosuunnassa.\n");
-  const std::optional<PolyLine> points = askFace(face.pointCount);
+  const std::optional<PolyLine> points = askFace(pointCount);
   if (!points) return;
   const AcDbObjectId boundary = makeClosed3dPolyline(*points, kColorByLayer, nullptr);
   const double downSlope = directionOf(points->segment(0)) + std::numbers::pi / 2;
-  makeHatch(boundary, kColorByLayer, layers::kRoof, {L"LINE", downSlope, face.rasterScale});
+  makeHatch(boundary, kColorByLayer, layers::kRoof, {L"LINE", downSlope, rasterScale});
   // Without colours the outline stays: the user sees which face went unfilled.
   const bool keepsOutline =
-      askYesNo(L"Tehdäänkö katolle täyttö?\n") && fill(boundary, *building, face) == Filling::WithoutColors;
+      askYesNo(L"Tehdäänkö katolle täyttö?\n") && fill(boundary, *building, isShaded) == Filling::WithoutColors;
   if (!keepsOutline && !boundary.isNull() && !eraseEntity(boundary)) printFailed();
   finishDisplay();
 }

@@ -3,23 +3,15 @@
 
 namespace OrvLib {
 
-struct RoofFace {
-  int pointCount;      // 3: a hip, eaves first; 4: between ridge, which comes first, and eaves
-  bool isShaded;       // on the side away from the sun: twice as dense a raster, the building's shadow colour
-  double rasterScale;  // of the hatch pattern
-};
-
-namespace roofs {
-inline constexpr double kSunScale = 0.65;
-inline constexpr double kShadeScale = 0.325;
-inline constexpr RoofFace kFourShade{4, true, kShadeScale};
-inline constexpr RoofFace kThreeShade{3, true, kShadeScale};
-inline constexpr RoofFace kFourSun{4, false, kSunScale};
-inline constexpr RoofFace kThreeSun{3, false, kSunScale};
-}  // namespace roofs
+// Scales of the raster's pattern: it is twice as dense in the shade.
+inline constexpr double kSunlitRaster = 0.65;
+inline constexpr double kShadedRaster = 0.325;
 
 /// Lets the user pick a building and the corners of one of its roof faces, lays the raster over the face and, when the
 /// user agrees, fills it with the building's colour of that side.
-void makeRoofRaster(const RoofFace& face);
+///
+/// `pointCount`: 3 for a hip, eaves first, or 4 for a face between ridge, which comes first, and eaves.
+/// `isShaded`: whether the face is on the side away from the sun.
+void makeRoofRaster(double rasterScale, int pointCount, bool isShaded);
 
 }  // namespace OrvLib
