@@ -125,7 +125,7 @@ void makeRidgeLines() {
       const Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
       if (!polyline) continue;
       putOnElementLayer(*polyline, layers::kRidgeLine);
-      if (!writeTag(Category::RidgeLine, {}, *polyline, BuildingRecordIs::Kept)) {
+      if (!writeElementTag(Category::RidgeLine, {}, *polyline, BuildingRecordIs::Kept)) {
         printFailed(row(Category::RidgeLine).tag, handleText(*polyline).c_str());
       }
     }

@@ -28,7 +28,7 @@ void makeElement(AcDbObjectId polyline, Category category) {
     return;
   }
   putOnElementLayer(*outline, kind.outlineLayer);
-  if (!writeTag(category, fill, *outline)) printFailed(kind.tag, handleText(*outline).c_str());
+  if (!writeElementTag(category, fill, *outline)) printFailed(kind.tag, handleText(*outline).c_str());
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ std::optional<std::wstring> readHeight(const AcDbEntity& entity) {
   return readXDataValue(entity, kTagApplication, kHeightKey);
 }
 
-bool writeTag(Category category, AcDbObjectId fill, AcDbEntity& outline, BuildingRecordIs record) {
+bool writeElementTag(Category category, AcDbObjectId fill, AcDbEntity& outline, BuildingRecordIs record) {
   const std::wstring handle = fill.isNull() ? kNoHandle : fillHandle(fill);
   eraseFillOf(outline);
   if (!makeWritable(outline)) return false;

@@ -26,8 +26,8 @@ enum class BuildingRecordIs { Removed, Kept };
 /// Makes the outline, which is open, an element of the category with the given fill, or none for a null id. The fill
 /// that an earlier tag named is erased, the earlier tag goes, and the height becomes 0. False when the host refuses the
 /// data.
-bool writeTag(Category category, AcDbObjectId fill, AcDbEntity& outline,
-              BuildingRecordIs record = BuildingRecordIs::Removed);
+bool writeElementTag(Category category, AcDbObjectId fill, AcDbEntity& outline,
+                     BuildingRecordIs record = BuildingRecordIs::Removed);
 
 /// Puts a tag of these values in the place of the outline's own, touching no fill. The outline is open for write.
 bool replaceTag(AcDbEntity& outline, const std::wstring& category, const std::wstring& height,
