@@ -120,7 +120,7 @@ std::vector<Box> boxesAnswered(int answer) {
     boxes.push_back({text, caption, type});
     return answer;
   };
-  OrvLib::guarded([] { throw std::bad_alloc(); }, {"Projects/Tolmex/Commands.cpp", 84});
+  OrvLib::guarded([] { throw std::bad_alloc(); }, {"Projects/Tolmex/tolmexCommands.cpp", 84});
   faults::messageBox = nullptr;
   return boxes;
 }
@@ -138,7 +138,7 @@ TEST_F(Failures, OutOfMemoryOffersTheFigures) {
   EXPECT_EQ(boxes[1].type, 48U);
   const std::string figure = " *[0-9]+ [KMGTPE]?B ";
   EXPECT_THAT(host::text::toUtf8(boxes[1].text),
-              MatchesRegex("\nOut of memory at line 84 in file Tolmex/Commands.cpp.\n\n"
+              MatchesRegex("\nOut of memory at line 84 in file Tolmex/tolmexCommands.cpp.\n\n"
                            "[0-9]+ percent of memory is in use.\n" +
                            figure + "total physical memory.\n" + figure + "of physical memory free.\n" + figure +
                            "total paging file size.\n" + figure + "of paging file free.\n" + figure +
@@ -150,7 +150,7 @@ TEST_F(Failures, OtherAnswersShowNoFiguresAndABoxNotShownGivesWayToThePlainRepor
   for (const int answer : {IDOK, IDNO, IDCONTINUE}) EXPECT_EQ(boxesAnswered(answer).size(), 1U) << answer;
   const std::vector<Box> boxes = boxesAnswered(0);
   ASSERT_EQ(boxes.size(), 2U);
-  EXPECT_EQ(boxes[1].text, L"\nException \"Out of memory\" at line 84 in file Tolmex/Commands.cpp.\n");
+  EXPECT_EQ(boxes[1].text, L"\nException \"Out of memory\" at line 84 in file Tolmex/tolmexCommands.cpp.\n");
   EXPECT_EQ(boxes[1].caption, L"Error");
   EXPECT_EQ(boxes[1].type, 0U);
   EXPECT_THAT(told([] { OrvLib::guarded([] { throw OrvLib::OrvExpNoMem(L"malloc() failed"); }); }),

@@ -1,12 +1,15 @@
-#include "Tolmex/Commands.h"
-
+// The module's door and the commands behind it: what the host calls by name.
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string_view>
 #include <utility>
 
+#include "OrvLib/ARX/DebugLog.h"
+#include "OrvLib/ARX/Export.h"
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/ARX/ParentWindow.h"
 #include "Tolmex/BuildingCommands.h"
 #include "Tolmex/ColorSettings.h"
 #include "Tolmex/DocData.h"
@@ -15,6 +18,7 @@
 #include "Tolmex/Fences.h"
 #include "Tolmex/FirstUse.h"
 #include "Tolmex/ParkingCommand.h"
+#include "Tolmex/Reactors.h"
 #include "Tolmex/RoofRaster.h"
 #include "Tolmex/ShadowCommands.h"
 #include "Tolmex/SymbolDLG.h"
@@ -97,8 +101,7 @@ constexpr auto kEntryPoints = entryPoints(std::make_index_sequence<kCommandCount
 
 AcEdCommandStack* commandStack() { return acedRegCmds; }
 
-}  // namespace
-
+/// One that the host refuses is left out, the others follow.
 void registerCommands() {
   AcEdCommandStack* const stack = commandStack();
   if (stack == nullptr) return;
@@ -112,4 +115,36 @@ void removeCommands() {
   if (AcEdCommandStack* const stack = commandStack()) stack->removeGroup(kCommandGroup);
 }
 
+std::unique_ptr<asdkeditorReactor> editorReactor;
+
+void load(void* application) {
+  if (const AcRxDynamicLinker* const linker = acrxDynamicLinker) {
+    linker->unlockApplication(application);
+    linker->registerAppMDIAware(application);
+  }
+  registerCommands();
+  keepParentWindow();
+  editorReactor = std::make_unique<asdkeditorReactor>(true);
+  attachToDocuments();
+}
+
+// The host may take the module out of memory after this, so nothing of it may stay attached anywhere.
+void unload() {
+  removeCommands();
+  editorReactor.reset();
+  detachFromDocuments();
+  DebugLog::instance().closeWindow();
+}
+
+}  // namespace
 }  // namespace OrvLib
+
+ORV_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* application) {
+  if (message == AcRx::kInitAppMsg) OrvLib::guarded([&] { OrvLib::load(application); });
+  if (message == AcRx::kUnloadAppMsg) OrvLib::guarded([] { OrvLib::unload(); });
+  return AcRx::kRetOK;
+}
+
+#ifndef _WIN32  // there the host's own library brings it
+ORV_EXPORT int acrxGetApiVersion() { return ACRX_API_VERSION; }
+#endif
