@@ -31,13 +31,13 @@ class Building : public PolyLine {
   double baseHeight = 0;
   double roofHeight = 0;           // of the ridge above the eaves; with a ridge line only
   bool firstSegmentIsArc = false;  // of the footprint; later arcs do not count
-  bool followsChords = false;      // the outline does: its arcs are too long to be cut into pieces
   bool valid = false;              // the record was read completely
   bool hasRoofLine = false;
   AcDbObjectId roofLineId;
   AcDbObjectId roofFillId;  // drawn last for the building; not in the record
   AcDbObjectId entityId;
-  PolyLine outline;  // arcs as straight pieces
+  PolyLine outline;            // arcs as straight pieces
+  bool followsChords = false;  // the outline does: its arcs are too long to be cut into pieces
 
  private:
   bool takeOutline(const AcDbEntity& entity);
