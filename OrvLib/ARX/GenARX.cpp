@@ -120,10 +120,10 @@ bool setLayerState(const ACHAR* name, const LayerState& state, AcDbDatabase* dat
   if (!layer) return false;
   if (layer->isOff() == state.off && layer->isFrozen() == state.frozen && layer->isLocked() == state.locked)
     return true;
-  if (!makeWritable(*layer)) return false;
+  if (!layer->isWriteEnabled() && !succeeded(layer->upgradeOpen(), name)) return false;
   layer->setIsOff(state.off);
   layer->setIsLocked(state.locked);
-  return layer->isFrozen() == state.frozen || layer->setIsFrozen(state.frozen) == Acad::eOk;
+  return layer->isFrozen() == state.frozen || succeeded(layer->setIsFrozen(state.frozen), name);
 }
 
 AcDbObjectId findOrLoadLinetype(const ACHAR* name, AcDbDatabase* database) {

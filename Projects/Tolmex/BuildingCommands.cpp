@@ -11,6 +11,7 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Resources.h"
 #include "OrvLib/ARX/Selector.h"
+#include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Building.h"
 #include "Tolmex/BuildingDLG.h"
@@ -123,7 +124,7 @@ void makeRidgeLines() {
     if (!lock) return;
     for (const AcDbObjectId id : Selector::polylines().byUser()) {
       const Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
-      if (!polyline) continue;
+      if (!succeeded(polyline.status(), row(Category::RidgeLine).tag)) continue;
       putOnElementLayer(*polyline, layers::kRidgeLine);
       if (!writeElementTag(Category::RidgeLine, {}, *polyline, BuildingRecordIs::Kept)) {
         printFailed(row(Category::RidgeLine).tag, handleText(*polyline).c_str());

@@ -39,7 +39,9 @@ bool setFenceHeight(double height, AcDbEntity& fence) {
   }
   const std::wstring handle = handleText(fence);
   if (!fence.isWriteEnabled() && !succeeded(fence.upgradeOpen(), handle.c_str())) return false;
-  return replaceTag(fence, readCategory(fence).value_or(L""), formatNumber(height), handle);
+  const bool isWritten = replaceTag(fence, readCategory(fence).value_or(L""), formatNumber(height), handle);
+  if (!isWritten) printFailed(kHeightKey, handle.c_str());
+  return isWritten;
 }
 
 void setHeightOfSelected() {
