@@ -36,7 +36,8 @@ AreaColors areaColorsInDrawing() {
 
 void takeColorsFromDrawing(CDocData& data) {
   followAreaColors(data);
-  data.colorsFromDrawing = data.seenAreaColors != AreaColors();
+  data.colorsFromDrawing = std::any_of(data.seenAreaColors.begin(), data.seenAreaColors.end(),
+                                       [](const std::optional<int>& color) { return color.has_value(); });
 }
 
 void followAreaColors(CDocData& data) {
