@@ -2,8 +2,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "Curves/Bulges.h"
 #include "Editor/HostCommands.h"
-#include "Editor/PolylineDrafter.h"
 #include "Editor/Session.h"
 #include "Text/Text.h"
 #include "dbents.h"
@@ -12,6 +12,8 @@
 
 namespace host::editor {
 namespace {
+
+using curves::Point2;
 
 constexpr double kPi = std::numbers::pi;
 
@@ -75,6 +77,13 @@ void line(Prompter& prompter) {
   }
 }
 
+/// A vertex and the piece that starts there.
+struct DraftVertex {
+  Point2 point;
+  double bulge = 0;
+  double startWidth = 0, endWidth = 0;
+};
+
 /// The dialogue of PLINE: collects vertices, makes the polyline at the end.
 class PolylineDialogue {
  public:
@@ -94,7 +103,7 @@ class PolylineDialogue {
   }
 
  private:
-  static AcGePoint2d flat(const AcGePoint3d& point) { return {point.x, point.y}; }
+  static Point2 flat(const AcGePoint3d& point) { return {point.x, point.y}; }
   AcGePoint3d lastPoint() const { return {vertices_.back().point.x, vertices_.back().point.y, elevation_}; }
 
   /// Direction in which the next arc leaves: that of the last piece, east when there is none.
@@ -111,7 +120,7 @@ class PolylineDialogue {
     return result;
   }
 
-  void add(const AcGePoint2d& point, double bulge) {
+  void add(Point2 point, double bulge) {
     DraftVertex& from = vertices_.back();
     from.bulge = bulge;
     from.startWidth = startWidth_;
@@ -166,13 +175,13 @@ class PolylineDialogue {
     return askCommon(reply.keyword);
   }
 
-  bool addArc(const AcGePoint2d& end, std::optional<double> bulge) {
+  bool addArc(Point2 end, std::optional<double> bulge) {
     if (!bulge || !std::isfinite(*bulge)) return prompter_.refuse(L"No arc goes through these points.");
     add(end, *bulge);
     return true;
   }
 
-  std::optional<AcGePoint2d> askPoint(std::wstring_view prompt) {
+  std::optional<Point2> askPoint(std::wstring_view prompt) {
     Limits needed = limits({});
     needed.bits = RSG_NONULL;
     const auto reply = prompter_.point(prompt, needed);
@@ -200,7 +209,7 @@ class PolylineDialogue {
     if (!center) return false;
     const auto toward = askPoint(L"Specify endpoint of arc: ");
     if (!toward) return false;
-    AcGePoint2d end;
+    Point2 end;
     const auto bulge = bulgeAbout(*center, vertices_.back().point, *toward, end);
     return addArc(end, bulge);
   }
@@ -210,7 +219,7 @@ class PolylineDialogue {
     if (!toward) return false;
     const auto end = askPoint(L"Specify endpoint of the arc: ");
     if (!end) return false;
-    const AcGePoint2d from = vertices_.back().point;
+    const Point2 from = vertices_.back().point;
     return addArc(*end, tangentBulge(from, std::atan2(toward->y - from.y, toward->x - from.x), *end));
   }
 
@@ -219,8 +228,8 @@ class PolylineDialogue {
     if (!radius) return false;
     const auto end = askPoint(L"Specify endpoint of arc: ");
     if (!end) return false;
-    const AcGePoint2d from = vertices_.back().point;
-    const double halfChord = std::hypot(end->x - from.x, end->y - from.y) / 2;
+    const Point2 from = vertices_.back().point;
+    const double halfChord = distance(from, *end) / 2;
     if (halfChord == 0 || halfChord > *radius)
       return prompter_.refuse(L"No arc of that radius goes through the points.");
     // The shorter arc, counter-clockwise.
@@ -238,7 +247,7 @@ class PolylineDialogue {
   bool askLength() {
     const auto length = askNumber(L"Specify length of line: ", RSG_NONULL);
     if (!length) return false;
-    const AcGePoint2d from = vertices_.back().point;
+    const Point2 from = vertices_.back().point;
     add({from.x + *length * std::cos(direction()), from.y + *length * std::sin(direction())}, 0);
     return true;
   }
@@ -284,7 +293,8 @@ class PolylineDialogue {
     auto* const polyline = new AcDbPolyline(static_cast<unsigned>(vertices_.size()));
     unsigned index = 0;
     for (const DraftVertex& vertex : vertices_)
-      polyline->addVertexAt(index++, vertex.point, vertex.bulge, vertex.startWidth, vertex.endWidth);
+      polyline->addVertexAt(index++, {vertex.point.x, vertex.point.y}, vertex.bulge, vertex.startWidth,
+                            vertex.endWidth);
     if (closed_) polyline->setClosed(true);
     if (elevation_ != 0) polyline->setElevation(elevation_);
     append(prompter_, polyline);

@@ -1,10 +1,10 @@
 // LIST, LAYOUT, ZOOM, HOVER.
 #include <cmath>
 
+#include "Curves/Bulges.h"
 #include "Editor/HostCommands.h"
 #include "Editor/Session.h"
 #include "Editor/Spaces.h"
-#include "Hatching/Loops.h"
 #include "Text/Text.h"
 #include "dbents.h"
 #include "dbpl.h"
@@ -25,7 +25,7 @@ void listLine(Prompter& prompter, const AcDbLine& line) {
 }
 
 void listPolyline(Prompter& prompter, const AcDbPolyline& polyline) {
-  std::vector<hatching::LoopVertex> vertices;
+  curves::Loop vertices;
   double length = 0;
   for (unsigned i = 0; i < polyline.numVerts(); ++i) {
     AcGePoint2d point;
@@ -38,15 +38,12 @@ void listPolyline(Prompter& prompter, const AcDbPolyline& polyline) {
   }
   const std::size_t pieces = vertices.empty() ? 0 : vertices.size() - (polyline.isClosed() ? 0 : 1);
   for (std::size_t i = 0; i < pieces; ++i) {
-    const hatching::LoopVertex& a = vertices[i];
-    const hatching::LoopVertex& b = vertices[(i + 1) % vertices.size()];
-    const double chord = std::hypot(b.x - a.x, b.y - a.y);
-    const double quarter = std::atan(std::abs(a.bulge));
-    length += a.bulge == 0 ? chord : chord * 2 * quarter / std::sin(2 * quarter);
+    const curves::Point2 next = vertices[(i + 1) % vertices.size()].point();
+    length += curves::arcLength(distance(vertices[i].point(), next), vertices[i].bulge);
   }
   std::wstring summary = polyline.isClosed() ? L"    closed" : L"    open";
   summary += L"  length " + shownNumber(length);
-  if (polyline.isClosed()) summary += L"  area " + shownNumber(std::abs(hatching::area(vertices)));
+  if (polyline.isClosed()) summary += L"  area " + shownNumber(std::abs(curves::area(vertices)));
   prompter.line(summary);
 }
 

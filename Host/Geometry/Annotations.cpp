@@ -6,12 +6,14 @@
 #include <numbers>
 
 #include "Database/ObjectAccess.h"
+#include "Database/TagValues.h"
 #include "Geometry/PolylineShapes.h"
-#include "Geometry/TagValues.h"
 
 namespace host::geometry {
 namespace {
 
+using database::GeometryTags;
+using database::isUsable;
 using database::Slot;
 using database::Tag;
 
@@ -159,7 +161,7 @@ class DimensionDrawer {
       sweep = 2 * std::numbers::pi - sweep;
     }
     middle_ = center + AcGeVector3d{std::cos(begin + sweep / 2), std::sin(begin + sweep / 2), 0} * radius;
-    EllipseArc arc{center, {radius, 0, 0}, {0, radius, 0}, begin, begin + sweep};
+    const curves::EllipseArc<AcGePoint3d> arc{center, {radius, 0, 0}, {0, radius, 0}, begin, sweep};
     Wire wire;
     flatten(arc, deviation_, wire.points);
     const auto at = [&](double t) { return center + AcGeVector3d{std::cos(t), std::sin(t), 0} * radius; };

@@ -4,18 +4,20 @@
 #include <unordered_map>
 
 #include "Database/ObjectAccess.h"
+#include "Database/TagValues.h"
 #include "Geometry/EntityShapes.h"
 #include "Geometry/HatchArea.h"
 #include "Geometry/Layers.h"
 #include "Geometry/MultiLeaders.h"
 #include "Geometry/References.h"
-#include "Geometry/TagValues.h"
 #include "Geometry/TextLayout.h"
 
 namespace host::geometry {
 namespace {
 
+using curves::Chain;
 using database::DxfType;
+using database::kLargestCoordinate;
 using database::Slot;
 
 /// Nested arrays can ask for more copies than any machine holds; what comes after this many entities is left out.
@@ -114,11 +116,11 @@ class PathCollector {
              frame);
   }
 
-  void addHatchLoops(const std::vector<hatching::Polygon>& loops, bool filled, const Transform& plane) {
+  void addHatchLoops(const std::vector<curves::Polygon>& loops, bool filled, const Transform& plane) {
     ++area_;
-    for (const hatching::Polygon& loop : loops) {
+    for (const curves::Polygon& loop : loops) {
       Chain chain;
-      for (const auto& p : loop) chain.push_back({p.x, p.y, 0});
+      for (const Point p : loop) chain.push_back({p.x, p.y, 0});
       addChain(chain, true, filled, filled ? area_ : 0, plane);
     }
   }
@@ -159,24 +161,6 @@ Box boxOf(const std::vector<Path>& paths) {
 }
 
 }  // namespace
-
-void Box::add(Point p) {
-  minX = std::min(minX, p.x);
-  minY = std::min(minY, p.y);
-  maxX = std::max(maxX, p.x);
-  maxY = std::max(maxY, p.y);
-}
-
-void Box::add(const Box& other) {
-  minX = std::min(minX, other.minX);
-  minY = std::min(minY, other.minY);
-  maxX = std::max(maxX, other.maxX);
-  maxY = std::max(maxY, other.maxY);
-}
-
-bool Box::intersects(const Box& other) const {
-  return minX <= other.maxX && other.minX <= maxX && minY <= other.maxY && other.minY <= maxY;
-}
 
 std::vector<Path> entityPaths(const Slot& entity, double deviation) {
   PathCollector collector(deviation, Cells::All, nullptr);

@@ -3,27 +3,15 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <vector>
 
+#include "Curves/Plane.h"
 #include "Database/DrawingDatabase.h"
 
 namespace host::geometry {
 
-struct Point {
-  double x = 0, y = 0;
-};
-
-/// Plan box; empty until something is added.
-struct Box {
-  double minX = std::numeric_limits<double>::infinity(), minY = std::numeric_limits<double>::infinity();
-  double maxX = -std::numeric_limits<double>::infinity(), maxY = -std::numeric_limits<double>::infinity();
-  bool isEmpty() const { return minX > maxX; }
-  void add(Point p);
-  void add(const Box& other);
-  bool contains(Point p) const { return p.x >= minX && p.x <= maxX && p.y >= minY && p.y <= maxY; }
-  bool intersects(const Box& other) const;
-};
+using curves::Box;  // in plan
+using Point = curves::Point2;
 
 /// One connected piece of an entity in plan (world X, Y).
 struct Path {

@@ -1,29 +1,29 @@
 #include "Geometry/EntityShapes.h"
 
 #include <algorithm>
-#include <numbers>
 
+#include "Curves/EntityCurves.h"
 #include "Database/ObjectAccess.h"
+#include "Database/TagValues.h"
 #include "Geometry/MeshShapes.h"
 #include "Geometry/PolylineShapes.h"
-#include "Geometry/TagValues.h"
 
 namespace host::geometry {
 namespace {
 
 using database::DxfType;
+using database::GeometryTags;
+using database::isUsable;
 using database::ObjectAxes;
 using database::Slot;
 using database::Tag;
-
-constexpr double kRadiansPerDegree = std::numbers::pi / 180;
 
 /// The points, axes and numbers simple entities are made of.
 struct SimpleTags {
   AcGePoint3d p[4];
   bool has[4] = {};
   AcGePoint3d normal{0, 0, 1};
-  double real40 = 0, real41 = 0, real42 = 0, begin = 0, end = 360;
+  double real40 = 0, real41 = 0;
   int flags = 0;
 
   explicit SimpleTags(const Slot& slot) {
@@ -31,29 +31,8 @@ struct SimpleTags {
     for (Tag tag; tags.next(tag);) {
       for (int i = 0; i < 4; ++i)
         if (takePoint(tag, 10 + i, p[i])) has[i] = true;
-      takePoint(tag, 210, normal);
-      switch (tag.code) {
-        case 40:
-          real40 = coordinate(tag);
-          break;
-        case 41:
-          real41 = coordinate(tag);
-          break;
-        case 42:
-          real42 = coordinate(tag);
-          break;
-        case 50:
-          begin = coordinate(tag);
-          break;
-        case 51:
-          end = coordinate(tag);
-          break;
-        case 70:
-          flags = static_cast<int>(tag.integer());
-          break;
-        default:
-          break;
-      }
+      takePoint(tag, 210, normal) || takeReal(tag, 40, real40) || takeReal(tag, 41, real41);
+      if (tag.code == 70) flags = static_cast<int>(tag.integer());
     }
   }
 };
@@ -67,39 +46,12 @@ void readLine(const SimpleTags& tags, EntityShape& shape) {
   add(shape, {.points = {tags.p[0], tags.p[1]}, .corners = {}, .outline = {}});
 }
 
-void readCircleOrArc(const Slot& slot, const SimpleTags& tags, double deviation, EntityShape& shape) {
-  if (!(tags.real40 > 0) || !isUsable(tags.p[0])) return;
-  const ObjectAxes axes(tags.normal.asVector());
-  EllipseArc arc;
-  arc.center = axes.toWorld(tags.p[0].x, tags.p[0].y, tags.p[0].z);
-  arc.major = axes.ax * tags.real40;
-  arc.minor = axes.ay * tags.real40;
-  arc.end = 2 * std::numbers::pi;
-  if (slot.type == DxfType::Arc) {
-    if (!std::isfinite(tags.begin) || !std::isfinite(tags.end)) return;
-    arc.begin = std::fmod(tags.begin, 360) * kRadiansPerDegree;
-    arc.end = std::fmod(tags.end, 360) * kRadiansPerDegree;
-    while (arc.end <= arc.begin) arc.end += 2 * std::numbers::pi;
-    while (arc.end > arc.begin + 2 * std::numbers::pi) arc.end -= 2 * std::numbers::pi;
-  }
+void readArc(const Slot& slot, double deviation, EntityShape& shape) {
+  const auto arc = curves::readArc(slot);
+  if (!arc) return;
   Wire wire;
-  wire.closed = slot.type == DxfType::Circle;
-  flatten(arc, deviation, wire.points);
-  add(shape, std::move(wire));
-}
-
-void readEllipse(const SimpleTags& tags, double deviation, EntityShape& shape) {
-  EllipseArc arc;
-  arc.center = tags.p[0];
-  arc.major = tags.p[1].asVector();
-  arc.minor = tags.normal.asVector().normal().crossProduct(arc.major) * tags.real40;
-  arc.begin = std::fmod(tags.real41, 2 * std::numbers::pi);
-  arc.end = std::fmod(tags.real42, 2 * std::numbers::pi);
-  if (!isUsable(arc.center) || !isUsable(tags.p[1]) || !std::isfinite(tags.real40 + arc.begin + arc.end)) return;
-  if (arc.end <= arc.begin + 1e-9) arc.end += 2 * std::numbers::pi;
-  Wire wire;
-  wire.closed = arc.isWhole();
-  flatten(arc, deviation, wire.points);
+  wire.closed = slot.type == DxfType::Circle || (slot.type == DxfType::Ellipse && arc->isWhole());
+  flatten(*arc, deviation, wire.points);
   add(shape, std::move(wire));
 }
 
@@ -131,56 +83,10 @@ void readFace(const SimpleTags& tags, EntityShape& shape) {
 }
 
 void readSpline(const Slot& slot, double deviation, EntityShape& shape) {
-  Nurbs curve;
-  Chain fit;
-  AcGePoint3d startTangent, endTangent;
-  int flags = 0;
-  GeometryTags tags(slot.tags());
-  for (Tag tag; tags.next(tag);) {
-    if (tag.code == 100 && tag.trimmed() == "AcDbHelix") break;  // its own figures follow the curve's
-    switch (tag.code) {
-      case 10:
-        curve.controls.push_back({coordinate(tag), 0, 0});
-        break;
-      case 11:
-        fit.push_back({coordinate(tag), 0, 0});
-        break;
-      case 20:
-      case 30:
-        if (!curve.controls.empty()) curve.controls.back()[tag.code == 20 ? 1 : 2] = coordinate(tag);
-        break;
-      case 21:
-      case 31:
-        if (!fit.empty()) fit.back()[tag.code == 21 ? 1 : 2] = coordinate(tag);
-        break;
-      case 40:
-        curve.knots.push_back(coordinate(tag));
-        break;
-      case 41:
-        curve.weights.push_back(coordinate(tag));
-        break;
-      case 70:
-        flags = static_cast<int>(tag.integer());
-        break;
-      case 71:
-        curve.degree = static_cast<int>(tag.integer());
-        break;
-      default:
-        takePoint(tag, 12, startTangent) || takePoint(tag, 13, endTangent);
-        break;
-    }
-  }
-  if (!std::ranges::all_of(curve.controls, isUsable) || !std::ranges::all_of(fit, isUsable)) return;
-  const auto isFinite = [](double v) { return std::isfinite(v); };
-  if (!std::ranges::all_of(curve.knots, isFinite)) curve.knots.clear();
-  if (!std::ranges::all_of(curve.weights, isFinite)) curve.weights.clear();
+  const auto spline = curves::readSpline(slot);
+  if (!spline) return;
   Wire wire;
-  wire.points = flatten(curve, deviation);
-  if (wire.points.empty() && fit.size() >= 2) {
-    if (!isUsable(startTangent)) startTangent = {};
-    if (!isUsable(endTangent)) endTangent = {};
-    wire.points = interpolate(fit, (flags & 1) != 0, startTangent.asVector(), endTangent.asVector(), deviation);
-  }
+  wire.points = flatten(*spline, deviation);
   add(shape, std::move(wire));
 }
 
@@ -299,10 +205,8 @@ EntityShape readShape(const Slot& entity, double deviation) {
     }
     case DxfType::Circle:
     case DxfType::Arc:
-      readCircleOrArc(entity, SimpleTags(entity), deviation, shape);
-      break;
     case DxfType::Ellipse:
-      readEllipse(SimpleTags(entity), deviation, shape);
+      readArc(entity, deviation, shape);
       break;
     case DxfType::Solid:
     case DxfType::Trace:

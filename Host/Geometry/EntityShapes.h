@@ -4,11 +4,13 @@
 #include <optional>
 #include <vector>
 
+#include "Curves/Curve.h"
 #include "Database/DrawingDatabase.h"
-#include "Geometry/Curves.h"
 #include "Geometry/Transform.h"
 
 namespace host::geometry {
+
+using curves::Chain;
 
 /// A connected piece, curves flattened.
 struct Wire {
@@ -45,7 +47,7 @@ struct EntityShape {
 
 /// Lines, curves, polylines, faces, meshes, leaders, multilines, viewports' frames. Empty for texts, references,
 /// hatches and for what has no drawn shape. Pieces with coordinates that are not finite are left out. `deviation` as in
-/// Curves.h.
+/// Curves/Curve.h.
 EntityShape readShape(const database::Slot& entity, double deviation);
 
 /// False for kinds whose drawn shape is not in their own data, or in none this host can read.

@@ -12,6 +12,6 @@ hatching::HatchRecord readHatch(const database::Slot& entity, double deviation);
 
 /// The loops that bound the filled area under the even-odd rule: all of them (normal), the outermost two levels
 /// (outer), or the outermost (ignore).
-std::vector<hatching::Polygon> filledLoops(const hatching::HatchRecord& hatch);
+std::vector<curves::Polygon> filledLoops(const hatching::HatchRecord& hatch);
 
 }  // namespace host::geometry

@@ -5,11 +5,14 @@
 #include <numbers>
 
 #include "Database/ObjectAccess.h"
-#include "Geometry/TagValues.h"
+#include "Database/TagValues.h"
 #include "Geometry/TextLayout.h"
 
 namespace host::geometry {
 namespace {
+
+using database::isUsable;
+using database::kLargestCoordinate;
 
 constexpr double kLinePitch = 5.0 / 3;  // from base line to base line, of the height
 constexpr double kStackedHeight = 0.7;  // of the height around a fraction

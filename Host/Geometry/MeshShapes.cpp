@@ -2,12 +2,13 @@
 
 #include <cstdlib>
 
-#include "Geometry/TagValues.h"
+#include "Database/TagValues.h"
 
 namespace host::geometry {
 namespace {
 
 using database::DxfType;
+using database::GeometryTags;
 using database::Slot;
 using database::Tag;
 

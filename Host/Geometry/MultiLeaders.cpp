@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include "Database/TagValues.h"
 #include "Geometry/PolylineShapes.h"
-#include "Geometry/TagValues.h"
 
 namespace host::geometry {
 namespace {
 
+using database::GeometryTags;
+using database::isUsable;
 using database::Tag;
 
 struct LeaderPart {
@@ -137,7 +139,7 @@ MultiLeaderShape readMultiLeader(const database::Slot& entity, double deviation,
       Chain points = line;
       points.push_back(leader.end);
       Wire wire;
-      wire.points = reader.lineKind == 2 ? interpolate(points, false, {}, {}, deviation) : points;
+      wire.points = reader.lineKind == 2 ? flatten(curves::splineThrough(points), deviation) : points;
       if (dogleg.length() > 0) wire.points.push_back(leader.end + dogleg);
       shape.wires.push_back(std::move(wire));
       if (reader.arrowSize > 0 && points[0].distanceTo(points[1]) > reader.arrowSize)

@@ -3,7 +3,6 @@
 #include <map>
 
 #include "Geometry/EntityPaths.h"
-#include "Geometry/PlaneTests.h"
 
 namespace host::geometry {
 namespace {

@@ -2,14 +2,18 @@
 
 #include <algorithm>
 
+#include "Curves/Bulges.h"
 #include "Database/ObjectAccess.h"
+#include "Database/TagValues.h"
 #include "Database/UnwrittenTags.h"
-#include "Geometry/TagValues.h"
+#include "Geometry/WideOutline.h"
 
 namespace host::geometry {
 namespace {
 
 using database::DxfType;
+using database::GeometryTags;
+using database::isUsable;
 using database::ObjectAxes;
 using database::Slot;
 using database::Tag;
@@ -127,7 +131,7 @@ FlatPolyline flattened(const Polyline& line, bool closed, double deviation) {
     const AcGePoint3d& to = line.vertices[(i + 1) % count].p;
     const std::size_t before = flat.points.size();
     if (i > 0) flat.corners.push_back(static_cast<std::uint32_t>(before - 1));
-    flattenBulge(from.p, to, std::isfinite(from.bulge) ? from.bulge : 0, deviation, flat.points);
+    curves::flattenBulge(from.p, to, from.bulge, deviation, flat.points);
     const double w0 = usableWidth(from.startWidth, line.startWidth), w1 = usableWidth(from.endWidth, line.endWidth);
     if (w0 > 0 || w1 > 0) flat.hasWidth = true;
     const auto chords = static_cast<double>(flat.points.size() - before);
@@ -218,7 +222,7 @@ void readLeader(const Slot& entity, double deviation, std::vector<Wire>& wires) 
   }
   if (wire.points.size() < 2 || !std::ranges::all_of(wire.points, isUsable)) return;
   const AcGePoint3d tip = wire.points[0], next = wire.points[1];
-  if (isSpline) wire.points = interpolate(wire.points, false, {}, {}, deviation);
+  if (isSpline) wire.points = flatten(curves::splineThrough(std::move(wire.points)), deviation);
   wires.push_back(std::move(wire));
   const auto& db = entity.database();
   const double scale = dimensionStyleReal(db, style, 40, "$DIMSCALE", 1);

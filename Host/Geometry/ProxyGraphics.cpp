@@ -8,12 +8,17 @@
 #include <numbers>
 #include <string>
 
+#include "Curves/Bulges.h"
 #include "Database/ObjectAccess.h"
-#include "Geometry/TagValues.h"
+#include "Database/TagValues.h"
 
 namespace host::geometry {
 namespace {
 
+using SpaceArc = curves::EllipseArc<AcGePoint3d>;
+using database::GeometryTags;
+using database::isUsable;
+using database::kLargestCoordinate;
 using database::Slot;
 using database::Tag;
 
@@ -223,7 +228,6 @@ std::string metafile(const Slot& entity) {
 }
 
 bool isUsable(const AcGeVector3d& v) { return std::isfinite(v.x + v.y + v.z); }
-using geometry::isUsable;
 
 class Player {
  public:
@@ -337,7 +341,7 @@ class Player {
     pieces_.back().wires.push_back(std::move(wire));
   }
 
-  void addArc(const EllipseArc& curve) {
+  void addArc(const SpaceArc& curve) {
     Wire wire;
     flatten(curve, deviation_, wire.points);
     wire.closed = curve.isWhole();
@@ -346,33 +350,28 @@ class Player {
   }
 
   void circle(Bytes& bytes) {
-    EllipseArc curve;
-    curve.center = bytes.point();
+    SpaceArc curve;
+    curve.centre = bytes.point();
     const double radius = bytes.real();
     const AcGeVector3d normal = bytes.point().asVector();
-    if (bytes.isShort() || !(radius > 0) || !isUsable(curve.center) || !isUsable(normal)) return;
+    if (bytes.isShort() || !(radius > 0) || !isUsable(curve.centre) || !isUsable(normal)) return;
     const database::ObjectAxes axes(normal);
     curve.major = axes.ax * radius;
     curve.minor = axes.ay * radius;
-    curve.end = 2 * std::numbers::pi;
     addArc(curve);
   }
 
   void arc(Bytes& bytes) {
-    EllipseArc curve;
-    curve.center = bytes.point();
+    SpaceArc curve;
+    curve.centre = bytes.point();
     const double radius = bytes.real();
     const AcGeVector3d normal = bytes.point().asVector(), start = bytes.point().asVector();
-    curve.end = bytes.real();
-    if (bytes.isShort() || !(radius > 0) || !isUsable(curve.center) || !isUsable(normal) || !isUsable(start) ||
+    curve.sweep = bytes.real();
+    if (bytes.isShort() || !(radius > 0) || !isUsable(curve.centre) || !isUsable(normal) || !isUsable(start) ||
         !(start.length() > 0) || !(normal.length() > 0))
       return;
     curve.major = start.normal() * radius;
     curve.minor = normal.normal().crossProduct(start.normal()) * radius;
-    if (curve.end < 0) {
-      curve.minor = -curve.minor;
-      curve.end = -curve.end;
-    }
     addArc(curve);
   }
 
@@ -385,14 +384,14 @@ class Player {
     if (!(area > 0)) return add({.points = {a, b, c}, .corners = {}, .outline = {}});
     const AcGeVector3d toCenter =
         (normal.crossProduct(u) * v.dotProduct(v) + v.crossProduct(normal) * u.dotProduct(u)) * (1 / (2 * area));
-    EllipseArc curve;
-    curve.center = a + toCenter;
-    curve.major = a - curve.center;
+    SpaceArc curve;
+    curve.centre = a + toCenter;
+    curve.major = a - curve.centre;
     curve.minor = normal.normal().crossProduct(curve.major);
-    const AcGeVector3d end = c - curve.center;
-    curve.end = std::atan2(end.dotProduct(curve.minor), end.dotProduct(curve.major));
-    if (curve.end <= 0 || isCircle) curve.end += 2 * std::numbers::pi;
-    if (isCircle) curve.end = 2 * std::numbers::pi;
+    const AcGeVector3d end = c - curve.centre;
+    curve.sweep = std::atan2(end.dotProduct(curve.minor), end.dotProduct(curve.major));
+    if (curve.sweep <= 0) curve.sweep += 2 * std::numbers::pi;
+    if (isCircle) curve.sweep = 2 * std::numbers::pi;
     addArc(curve);
   }
 
@@ -440,7 +439,8 @@ class Player {
       const Point& from = corners[i];
       const Point& to = corners[(i + 1) % count];
       if (!std::isfinite(from.x + from.y + to.x + to.y + bulge[i])) return;
-      flattenBulge({from.x, from.y, elevation}, {to.x, to.y, elevation}, bulge[i], deviation_, wire.points);
+      curves::flattenBulge<AcGePoint3d>({from.x, from.y, elevation}, {to.x, to.y, elevation}, bulge[i], deviation_,
+                                        wire.points);
     }
     for (AcGePoint3d& p : wire.points) p = axes.toWorld(p.x, p.y, p.z);
     add(std::move(wire));

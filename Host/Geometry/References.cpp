@@ -4,12 +4,14 @@
 #include <numbers>
 
 #include "Database/ObjectAccess.h"
-#include "Geometry/TagValues.h"
+#include "Database/TagValues.h"
 
 namespace host::geometry {
 namespace {
 
 using database::DxfType;
+using database::GeometryTags;
+using database::isUsable;
 using database::Slot;
 using database::Tag;
 
@@ -50,27 +52,13 @@ struct ReferenceTags {
     GeometryTags tags(slot.tags());
     for (Tag tag; tags.next(tag);) {
       if (takePoint(tag, 10, position) || takePoint(tag, 11, direction) || takePoint(tag, 12, clonePosition) ||
-          takePoint(tag, 210, normal))
+          takePoint(tag, 210, normal) || takeReal(tag, 41, scale.x) || takeReal(tag, 42, scale.y) ||
+          takeReal(tag, 43, scale.z) || takeReal(tag, 44, columnSpacing) || takeReal(tag, 45, rowSpacing))
         continue;
       switch (tag.code) {
         case 2:
           if (!hasName) name = tag.value;
           hasName = true;
-          break;
-        case 41:
-          scale.x = coordinate(tag);
-          break;
-        case 42:
-          scale.y = coordinate(tag);
-          break;
-        case 43:
-          scale.z = coordinate(tag);
-          break;
-        case 44:
-          columnSpacing = coordinate(tag);
-          break;
-        case 45:
-          rowSpacing = coordinate(tag);
           break;
         case 50:
           rotationRad = tag.real() * std::numbers::pi / 180;

@@ -4,12 +4,14 @@
 #include <numbers>
 
 #include "Database/ObjectAccess.h"
-#include "Geometry/TagValues.h"
+#include "Database/TagValues.h"
 
 namespace host::geometry {
 namespace {
 
 using database::DxfType;
+using database::GeometryTags;
+using database::isUsable;
 using database::Slot;
 using database::Tag;
 

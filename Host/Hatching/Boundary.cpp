@@ -1,15 +1,12 @@
 #include "Hatching/Boundary.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <list>
 #include <memory>
-#include <numbers>
 
+#include "Curves/EntityCurves.h"
 #include "Database/ObjectAccess.h"
-#include "Hatching/Arcs.h"
-#include "Hatching/Curves.h"
 #include "dbents.h"
 #include "dbobjptr.h"
 #include "dbpl.h"
@@ -20,12 +17,10 @@ namespace {
 
 using database::DxfType;
 using database::ObjectAxes;
-using database::Tag;
 
-constexpr double kRadPerDegree = std::numbers::pi / 180;
-constexpr double kTurn = 2 * std::numbers::pi;
 constexpr double kParallel = 1e-12;    // of the squared sine between normals
-constexpr double kCurveDetail = 1e-4;  // deviation of chords, of the curve's size
+constexpr double kOwnDetail = 0;       // deviation of chords: the curve's own, a part of its size
+constexpr double kBulgeDetail = 1e-4;  // the same of a bulge, of half its chord or of its diameter
 constexpr double kJoint = 1e-8;        // gap between joined entities, of the boundary's size
 
 /// One entity's shape in the hatch's plane.
@@ -46,8 +41,12 @@ class HatchPlane {
     return {p.x, p.y};
   }
 
-  /// A direction: points far from the origin would lose its digits.
-  Point2 vector(const AcGeVector3d& v) const { return {v.dotProduct(axes_.ax), v.dotProduct(axes_.ay)}; }
+  /// Whether planes with that normal lie parallel to this one, seen from either side.
+  bool isParallel(const AcGeVector3d& normal) const {
+    const AcGeVector3d sine = normal.crossProduct(axes_.az);
+    return sine.dotProduct(sine) < kParallel;
+  }
+  bool isSeenFromBehind(const AcGeVector3d& normal) const { return !(normal.dotProduct(axes_.az) > 0); }
 
   Chain points(const std::vector<AcGePoint3d>& world, bool isClosed) const {
     Chain chain;
@@ -59,26 +58,21 @@ class HatchPlane {
   /// A shape in its own object coordinates.
   Chain shape(const std::vector<LoopVertex>& own, double elevation, const AcGeVector3d& normal, bool isClosed) const {
     const ObjectAxes from(normal);
-    const double facing = from.az.dotProduct(axes_.az);
-    const bool isParallel = from.az.crossProduct(axes_.az).dotProduct(from.az.crossProduct(axes_.az)) < kParallel;
+    const bool keepsArcs = isParallel(from.az);
+    const double side = isSeenFromBehind(from.az) ? -1 : 1;
     Chain chain;
     chain.isClosed = isClosed;
     for (std::size_t i = 0; i < own.size(); ++i) {
       const LoopVertex& v = own[i];
       const Point2 at = point(from.toWorld(v.x, v.y, elevation));
-      if (v.bulge == 0 || isParallel) {
-        chain.vertices.push_back(vertexAt(at, facing > 0 ? v.bulge : -v.bulge));
-        continue;
-      }
-      chain.vertices.push_back(vertexAt(at));
-      if (i + 1 == own.size() && !isClosed) continue;
-      const LoopVertex& next = own[(i + 1) % own.size()];
-      const Arc arc = arcOf({v.x, v.y}, {next.x, next.y}, v.bulge);
-      const int chords = chordCount(arc.radius, arc.sweep, arc.radius * kCurveDetail);
-      for (int k = 1; k < chords; ++k) {
-        const Point2 p = arc.at(static_cast<double>(k) / chords);
-        chain.vertices.push_back(vertexAt(point(from.toWorld(p.x, p.y, elevation))));
-      }
+      chain.vertices.push_back(vertexAt(at, keepsArcs ? side * v.bulge : 0));
+      if (v.bulge == 0 || keepsArcs || (i + 1 == own.size() && !isClosed)) continue;
+      const Point2 next = own[(i + 1) % own.size()].point();
+      const double size = std::max(std::abs(v.bulge), 1.0) * distance(v.point(), next) / 2;
+      Polygon path;
+      curves::flattenBulge(v.point(), next, v.bulge, size * kBulgeDetail, path);
+      path.pop_back();
+      for (const Point2 p : path) chain.vertices.push_back(vertexAt(point(from.toWorld(p.x, p.y, elevation))));
     }
     return chain;
   }
@@ -142,151 +136,34 @@ Acad::ErrorStatus readChain(const AcDb3dPolyline& polyline, const HatchPlane& pl
 
 // ---- curves that the interface has no class for, from their records ----
 
-/// The single-valued tags of a curve's record.
-struct CurveTags {
-  AcGePoint3d centre;
-  AcGeVector3d major;
-  AcGeVector3d normal{0, 0, 1};
-  double size = 0, angle50 = 0, angle51 = 0, angle41 = 0, angle42 = kTurn;
-};
-
-CurveTags readCurve(const AcDbEntity& entity) {
-  CurveTags curve;
-  database::TagCursor tags = HostObjectAccess::tags(entity);
-  Tag tag;
-  while (tags.next(tag) && tag.code < 1000) {
-    switch (tag.code) {
-      case 10:
-        curve.centre.x = tag.real();
-        break;
-      case 20:
-        curve.centre.y = tag.real();
-        break;
-      case 30:
-        curve.centre.z = tag.real();
-        break;
-      case 11:
-        curve.major.x = tag.real();
-        break;
-      case 21:
-        curve.major.y = tag.real();
-        break;
-      case 31:
-        curve.major.z = tag.real();
-        break;
-      case 210:
-        curve.normal.x = tag.real();
-        break;
-      case 220:
-        curve.normal.y = tag.real();
-        break;
-      case 230:
-        curve.normal.z = tag.real();
-        break;
-      case 40:
-        curve.size = tag.real();
-        break;
-      case 41:
-        curve.angle41 = tag.real();
-        break;
-      case 42:
-        curve.angle42 = tag.real();
-        break;
-      case 50:
-        curve.angle50 = tag.real();
-        break;
-      case 51:
-        curve.angle51 = tag.real();
-        break;
-      default:
-        break;
-    }
+/// Circles and their arcs stay arcs, in halves, so that none is nearly a full turn over a tiny chord.
+Chain arcChain(const database::Slot& slot, const HatchPlane& plane) {
+  const auto arc = curves::readArc(slot);
+  if (!arc) return {};
+  const AcGeVector3d normal = arc->major.crossProduct(arc->minor).normal();
+  if (slot.type == DxfType::Ellipse || !plane.isParallel(normal)) {
+    std::vector<AcGePoint3d> path;
+    flatten(*arc, kOwnDetail, path);
+    return plane.points(path, arc->isWhole());
   }
-  return curve;
-}
-
-/// Counter-clockwise from `start` to `end`; a full turn when they are the same.
-double sweepBetween(double start, double end) {
-  double sweep = std::fmod(end - start, kTurn);
-  if (sweep < 0) sweep += kTurn;
-  return sweep < 1e-9 || kTurn - sweep < 1e-9 ? kTurn : sweep;
-}
-
-Chain circleChain(const CurveTags& curve, const HatchPlane& plane) {
-  const AcGePoint3d& c = curve.centre;
-  return plane.shape({{c.x - curve.size, c.y, 1}, {c.x + curve.size, c.y, 1}}, c.z, curve.normal, true);
-}
-
-Chain arcChain(const CurveTags& curve, const HatchPlane& plane) {
-  const double start = curve.angle50 * kRadPerDegree;
-  const double sweep = sweepBetween(start, curve.angle51 * kRadPerDegree);
-  const Arc arc{{curve.centre.x, curve.centre.y}, curve.size, start, sweep};
-  const double bulge = std::tan(sweep / 8);  // of one half: no arc of nearly a full turn over a tiny chord
-  return plane.shape({vertexAt(arc.at(0), bulge), vertexAt(arc.at(0.5), bulge), vertexAt(arc.at(1))}, curve.centre.z,
-                     curve.normal, false);
-}
-
-Chain chordChain(const Polygon& path, bool isClosed) {
+  const double side = plane.isSeenFromBehind(normal) ? -1 : 1;
   Chain chain;
-  chain.isClosed = isClosed;
-  for (const Point2 p : path) chain.vertices.push_back(vertexAt(p));
+  if (slot.type == DxfType::Circle) {
+    chain.isClosed = true;
+    for (const AcGePoint3d& p : {arc->centre - arc->major, arc->centre + arc->major})
+      chain.vertices.push_back(vertexAt(plane.point(p), side));
+    return chain;
+  }
+  const double bulge = side * std::tan(arc->sweep / 8);
+  for (const double fraction : {0.0, 0.5, 1.0})
+    chain.vertices.push_back(
+        vertexAt(plane.point(arc->at(arc->start + fraction * arc->sweep)), fraction < 1 ? bulge : 0));
   return chain;
 }
 
-Chain ellipseChain(const CurveTags& curve, const HatchPlane& plane) {
-  const AcGeVector3d minor = curve.normal.normal().crossProduct(curve.major) * curve.size;
-  const double sweep = sweepBetween(curve.angle41, curve.angle42);
-  const EllipseArc arc{plane.point(curve.centre), plane.vector(curve.major), plane.vector(minor), curve.angle41, sweep};
-  return chordChain(flatten(arc, curve.major.length() * kCurveDetail), sweep == kTurn);
-}
-
-Chain splineChain(const AcDbEntity& entity, const HatchPlane& plane) {
-  Spline spline;
-  std::vector<AcGePoint3d> controls;
-  std::vector<AcGePoint3d> fits;
-  bool isClosed = false;
-  database::TagCursor tags = HostObjectAccess::tags(entity);
-  Tag tag;
-  bool isInside = false;
-  while (tags.next(tag) && tag.code < 1000) {
-    if (tag.code == 100) isInside = tag.trimmed() == "AcDbSpline";
-    if (!isInside) continue;
-    std::vector<AcGePoint3d>& points = tag.code % 10 == 0 ? controls : fits;
-    switch (tag.code) {
-      case 70:
-        isClosed = (tag.integer() & 1) != 0;
-        break;
-      case 71:
-        spline.degree = static_cast<int>(std::clamp<std::int64_t>(tag.integer(), 0, 1000));
-        break;
-      case 40:
-        spline.knots.push_back(tag.real());
-        break;
-      case 41:
-        spline.weights.push_back(tag.real());
-        break;
-      case 10:
-      case 11:
-        points.emplace_back(tag.real(), 0, 0);
-        break;
-      case 20:
-      case 21:
-        if (!points.empty()) points.back().y = tag.real();
-        break;
-      case 30:
-      case 31:
-        if (!points.empty()) points.back().z = tag.real();
-        break;
-      default:
-        break;
-    }
-  }
-  for (const AcGePoint3d& p : controls) spline.controls.push_back(plane.point(p));
-  for (const AcGePoint3d& p : fits) spline.fits.push_back(plane.point(p));
-  const std::vector<Point2>& frame = spline.controls.empty() ? spline.fits : spline.controls;
-  double size = 0;
-  for (const Point2 p : frame) size = std::max(size, distance(frame.front(), p));
-  return chordChain(flatten(spline, size * kCurveDetail).value_or(Polygon()), isClosed);
+Chain splineChain(const database::Slot& slot, const HatchPlane& plane) {
+  const auto spline = curves::readSpline(slot);
+  return spline ? plane.points(flatten(*spline, kOwnDetail), spline->isClosed) : Chain();
 }
 
 Acad::ErrorStatus readChain(const AcDbEntity& entity, const HatchPlane& plane, Chain& chain) {
@@ -303,16 +180,12 @@ Acad::ErrorStatus readChain(const AcDbEntity& entity, const HatchPlane& plane, C
   const database::Slot* const slot = HostObjectAccess::slot(entity);
   switch (slot != nullptr ? slot->type : DxfType::Unknown) {
     case DxfType::Circle:
-      chain = circleChain(readCurve(entity), plane);
-      return Acad::eOk;
     case DxfType::Arc:
-      chain = arcChain(readCurve(entity), plane);
-      return Acad::eOk;
     case DxfType::Ellipse:
-      chain = ellipseChain(readCurve(entity), plane);
+      chain = arcChain(*slot, plane);
       return Acad::eOk;
     case DxfType::Spline:
-      chain = splineChain(entity, plane);
+      chain = splineChain(*slot, plane);
       return Acad::eOk;
     default:
       return Acad::eInvalidInput;  // points, texts, regions: nothing that closes a loop here
@@ -328,7 +201,7 @@ void turnRound(std::vector<LoopVertex>& vertices) {
   if (!vertices.empty()) vertices.back().bulge = 0;
 }
 
-double gapBetween(const LoopVertex& a, const LoopVertex& b) { return std::hypot(b.x - a.x, b.y - a.y); }
+double gapBetween(const LoopVertex& a, const LoopVertex& b) { return distance(a.point(), b.point()); }
 
 /// One open chain of all; false when they do not join end to end in one run.
 bool join(std::vector<Chain> chains, Chain& whole) {

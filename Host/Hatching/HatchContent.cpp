@@ -5,6 +5,7 @@
 #include <limits>
 #include <numbers>
 
+#include "Curves/EntityCurves.h"
 #include "Text/Text.h"
 
 namespace host::hatching {
@@ -147,7 +148,10 @@ class HatchReader {
     }
     if (loop.edges.empty() || tag.code == 97) return;
     HatchEdge& edge = loop.edges.back();
-    if (edge.kind == HatchEdge::Kind::Spline) return takeSpline(loop, edge.spline, tag);
+    if (edge.kind == HatchEdge::Kind::Spline) {
+      takeSplineTag(tag, curves::kSplineEdge, edge.spline);
+      return;
+    }
     switch (tag.code) {
       case 10:
         edge.first.x = realIn(loop, tag);
@@ -175,53 +179,6 @@ class HatchReader {
         break;
       default:
         break;
-    }
-  }
-
-  void takeSpline(HatchLoop& loop, Spline& spline, const Tag& tag) {
-    const auto setY = [&](std::vector<Point2>& points) {
-      if (!points.empty()) points.back().y = realIn(loop, tag);
-    };
-    const auto setTangent = [&](std::optional<Point2>& tangent, bool isX) {
-      if (!tangent) tangent.emplace();
-      (isX ? tangent->x : tangent->y) = realIn(loop, tag);
-    };
-    switch (tag.code) {
-      case 94:
-        spline.degree = static_cast<int>(std::min<std::int64_t>(std::max<std::int64_t>(tag.integer(), 0), 1000));
-        break;
-      case 40:
-        spline.knots.push_back(realIn(loop, tag));
-        break;
-      case 10:
-        spline.controls.push_back({realIn(loop, tag), 0});
-        break;
-      case 20:
-        setY(spline.controls);
-        break;
-      case 42:
-        spline.weights.push_back(realIn(loop, tag));
-        break;
-      case 11:
-        spline.fits.push_back({realIn(loop, tag), 0});
-        break;
-      case 21:
-        setY(spline.fits);
-        break;
-      case 12:
-        setTangent(spline.startTangent, true);
-        break;
-      case 22:
-        setTangent(spline.startTangent, false);
-        break;
-      case 13:
-        setTangent(spline.endTangent, true);
-        break;
-      case 23:
-        setTangent(spline.endTangent, false);
-        break;
-      default:
-        break;  // 73 rational, 74 periodic, 95 and 96: told by what is there
     }
   }
 

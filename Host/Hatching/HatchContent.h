@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Curves/Curve.h"
 #include "Database/Record.h"
-#include "Hatching/Curves.h"
 #include "Hatching/Loops.h"
 #include "Hatching/PatternFill.h"
 #include "gepnt3d.h"
@@ -23,7 +23,7 @@ struct HatchEdge {
   double size = 0;                    // arc: radius; ellipse: minor to major
   double startDeg = 0, endDeg = 360;  // clockwise ones count clockwise from +X (the major axis)
   bool isCounterClockwise = true;
-  Spline spline;
+  curves::Spline<Point2> spline;
 };
 
 struct HatchLoop {

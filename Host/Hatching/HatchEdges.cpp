@@ -1,9 +1,8 @@
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
 
-#include "Hatching/Arcs.h"
+#include "Curves/Curve.h"
 #include "Hatching/HatchContent.h"
 
 namespace host::hatching {
@@ -28,6 +27,13 @@ Range rangeOf(const HatchEdge& edge) {
 
 enum class EllipseAngles { Parameters, Directions };
 
+using EllipseArc = curves::EllipseArc<Point2>;
+
+EllipseArc arcOf(const HatchEdge& edge) {
+  const Range range = rangeOf(edge);
+  return {edge.first, {edge.size, 0}, {0, edge.size}, range.start, range.sweep};
+}
+
 EllipseArc ellipseOf(const HatchEdge& edge, EllipseAngles angles) {
   const Range range = rangeOf(edge);
   EllipseArc arc{edge.first, edge.second, left(edge.second) * edge.size, range.start, range.sweep};
@@ -42,22 +48,24 @@ EllipseArc ellipseOf(const HatchEdge& edge, EllipseAngles angles) {
   return arc;
 }
 
+/// From end to end: a whole turn comes back to its first point.
+Polygon pathOf(const EllipseArc& arc, double deviation) {
+  Polygon path;
+  flatten(arc, deviation, path);
+  if (arc.isWhole() && !path.empty()) path.push_back(path.front());
+  return path;
+}
+
 Polygon pathOf(const HatchEdge& edge, EllipseAngles angles, double deviation) {
   switch (edge.kind) {
     case HatchEdge::Kind::Line:
       return {edge.first, edge.second};
-    case HatchEdge::Kind::Arc: {
-      const Range range = rangeOf(edge);
-      const Arc arc{edge.first, edge.size, range.start, range.sweep};
-      const int chords = chordCount(arc.radius, arc.sweep, deviation);
-      Polygon path;
-      for (int i = 0; i <= chords; ++i) path.push_back(arc.at(static_cast<double>(i) / chords));
-      return path;
-    }
+    case HatchEdge::Kind::Arc:
+      return pathOf(arcOf(edge), deviation);
     case HatchEdge::Kind::Ellipse:
-      return flatten(ellipseOf(edge, angles), deviation);
+      return pathOf(ellipseOf(edge, angles), deviation);
     case HatchEdge::Kind::Spline:
-      return flatten(edge.spline, deviation).value_or(Polygon());
+      return flatten(edge.spline, deviation);
   }
   return {};
 }
@@ -115,7 +123,7 @@ Polygon joined(std::vector<Polygon> paths) {
 Polygon flatten(const HatchLoop& loop, double deviation) {
   if (loop.isDamaged) return {};
   Polygon polygon = loop.isPolyline() ? flatten(loop.vertices, deviation) : joined(pathsOf(loop.edges, deviation));
-  if (polygon.size() < 3 || !std::all_of(polygon.begin(), polygon.end(), isFinite)) return {};
+  if (polygon.size() < 3 || !std::all_of(polygon.begin(), polygon.end(), curves::isFinite)) return {};
   return polygon;
 }
 

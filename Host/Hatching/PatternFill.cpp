@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "Hatching/Arcs.h"
+#include "Curves/Plane.h"
 
 namespace host::hatching {
 
@@ -97,7 +97,7 @@ std::optional<PlacedFamily> place(const PatternLine& family, Point2 origin) {
 std::vector<Edge> edgesOf(const std::vector<Polygon>& area, Point2 origin, const PlacedFamily& family) {
   std::vector<Edge> edges;
   for (const Polygon& polygon : area) {
-    if (polygon.size() < 3 || !std::all_of(polygon.begin(), polygon.end(), isFinite)) continue;
+    if (polygon.size() < 3 || !std::all_of(polygon.begin(), polygon.end(), curves::isFinite)) continue;
     Point2 before = polygon.back() - origin;
     double uBefore = dot(before, family.along);
     double vBefore = dot(before, family.across);

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <span>
 
-#include "Hatching/Arcs.h"
+#include "Curves/Bulges.h"
 
 namespace host::hatching {
 
@@ -20,7 +20,7 @@ constexpr std::size_t kFew = 16;  // straight pieces that are all compared with 
 struct Piece {
   Point2 from, to;
   bool isArc = false;
-  Arc arc;  // meaningful when isArc
+  curves::Arc arc;  // meaningful when isArc
 };
 
 /// A rectangle in any direction around some pieces.
@@ -217,7 +217,7 @@ namespace {
 /// cross: the shared end lies on both of their lines, to the last digit.
 bool fewStraightCross(const Loop& loop, double tolerance) {
   const std::size_t n = loop.size();
-  const auto at = [&](std::size_t i) { return Point2{loop[i < n ? i : 0].x, loop[i < n ? i : 0].y}; };
+  const auto at = [&](std::size_t i) { return loop[i < n ? i : 0].point(); };
   std::array<Point2, kFew> direction{};
   for (std::size_t i = 0; i < n; ++i) direction[i] = at(i + 1) - at(i);
   const auto areOnBothSides = [&](std::size_t line, std::size_t piece) {
@@ -249,10 +249,10 @@ bool crossesItself(const Loop& loop, double tolerance) {
   for (std::size_t i = 0; i < loop.size(); ++i) {
     const LoopVertex& next = loop[i + 1 < loop.size() ? i + 1 : 0];
     Piece piece;
-    piece.from = {loop[i].x, loop[i].y};
-    piece.to = {next.x, next.y};
+    piece.from = loop[i].point();
+    piece.to = next.point();
     piece.isArc = distance(piece.from, piece.to) * std::abs(loop[i].bulge) / 2 > leastRise;
-    if (piece.isArc) piece.arc = arcOf(piece.from, piece.to, loop[i].bulge);
+    if (piece.isArc) piece.arc = curves::arcOf(piece.from, piece.to, loop[i].bulge);
     pieces.push_back(piece);
   }
   return PieceTree(pieces).crosses(CrossingTest(tolerance));

@@ -56,8 +56,6 @@ class FittedPattern {
   bool unbroken_ = false;
 };
 
-double length(Point a, Point b) { return std::hypot(b.x - a.x, b.y - a.y); }
-
 }  // namespace
 
 void drawDashes(const std::vector<Point>& given, bool closed, const std::vector<double>& pattern, const Box& clip,
@@ -67,7 +65,7 @@ void drawDashes(const std::vector<Point>& given, bool closed, const std::vector<
   if (closed && !line.empty()) line.push_back(line.front());
   if (line.size() < 2) return;
   double total = 0;
-  for (std::size_t i = 0; i + 1 < line.size(); ++i) total += length(line[i], line[i + 1]);
+  for (std::size_t i = 0; i + 1 < line.size(); ++i) total += distance(line[i], line[i + 1]);
   const double round =
       std::accumulate(pattern.begin(), pattern.end(), 0.0, [](double s, double d) { return s + std::abs(d); });
   if (pattern.size() < 2 || !(round > 0) || !(total > 0) || !std::isfinite(total / round)) {
@@ -90,7 +88,7 @@ void drawDashes(const std::vector<Point>& given, bool closed, const std::vector<
   };
   for (std::size_t i = 0; i + 1 < line.size(); ++i) {
     const Point a = line[i], b = line[i + 1];
-    const double whole = length(a, b);
+    const double whole = distance(a, b);
     if (whole == 0) continue;
     Box box;
     box.add(a);

@@ -5,7 +5,7 @@
 #include <numbers>
 
 #include "Database/ObjectAccess.h"
-#include "Geometry/TagValues.h"
+#include "Database/TagValues.h"
 #include "Picture/Dashes.h"
 
 namespace host::picture {
@@ -13,10 +13,11 @@ namespace {
 
 using database::BlockContents;
 using database::DxfType;
+using database::GeometryTags;
+using database::isUsable;
+using database::kLargestCoordinate;
 using database::Slot;
 using geometry::Chain;
-using geometry::isUsable;
-using geometry::takePoint;
 using geometry::Transform;
 
 /// Nested arrays and viewports can ask for more than a picture can show; what comes after is left out, and said. What
@@ -41,21 +42,13 @@ ViewportTags readViewport(const Slot& viewport) {
   AcGePoint3d center, viewCenter, direction{0, 0, 1}, target;
   double width = 0, height = 0, viewHeight = 0, twistRad = 0;
   std::int64_t status = 1, flags = 0;
-  geometry::GeometryTags tags(viewport.tags());
+  GeometryTags tags(viewport.tags());
   for (database::Tag tag; tags.next(tag);) {
     if (takePoint(tag, 10, center) || takePoint(tag, 12, viewCenter) || takePoint(tag, 16, direction) ||
-        takePoint(tag, 17, target))
+        takePoint(tag, 17, target) || takeReal(tag, 40, width) || takeReal(tag, 41, height) ||
+        takeReal(tag, 45, viewHeight))
       continue;
     switch (tag.code) {
-      case 40:
-        width = geometry::coordinate(tag);
-        break;
-      case 41:
-        height = geometry::coordinate(tag);
-        break;
-      case 45:
-        viewHeight = geometry::coordinate(tag);
-        break;
       case 51:
         twistRad = tag.real() * std::numbers::pi / 180;
         break;
@@ -266,9 +259,7 @@ bool EntityPainter::project(const Chain& chain, const Transform& toPicture, std:
   out.reserve(chain.size());
   for (const AcGePoint3d& p : chain) {
     out.push_back(toPicture.plan(p));
-    if (!(std::abs(out.back().x) <= geometry::kLargestCoordinate &&
-          std::abs(out.back().y) <= geometry::kLargestCoordinate))
-      return false;
+    if (!(std::abs(out.back().x) <= kLargestCoordinate && std::abs(out.back().y) <= kLargestCoordinate)) return false;
   }
   return !out.empty();
 }

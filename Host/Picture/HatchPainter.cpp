@@ -13,8 +13,8 @@
 namespace host::picture {
 namespace {
 
+using curves::Polygon;
 using geometry::Transform;
-using hatching::Polygon;
 
 constexpr double kClosestLinesPx = 1.2;
 constexpr std::size_t kMostPiecesOfHatch = 400'000;
@@ -67,7 +67,7 @@ Gradient gradientOf(const hatching::HatchRecord& hatch, const std::vector<Polygo
   const double c = std::cos(hatch.gradientForm.angleRad), s = std::sin(hatch.gradientForm.angleRad);
   Box box;  // u along the gradient's direction, v across
   for (const Polygon& loop : loops)
-    for (const auto& p : loop) box.add(Point{p.x * c + p.y * s, p.y * c - p.x * s});
+    for (const Point p : loop) box.add(Point{p.x * c + p.y * s, p.y * c - p.x * s});
   const double width = std::max(box.maxX - box.minX, 1e-9), height = std::max(box.maxY - box.minY, 1e-9);
   const double shift = hatch.gradientForm.shift;
   Gradient gradient;
@@ -117,23 +117,18 @@ std::vector<Polygon> cutToPicture(const std::vector<Polygon>& loops, const Trans
   const double border = (window.maxX - window.minX + window.maxY - window.minY) / 100;
   window = {window.minX - border, window.minY - border, window.maxX + border, window.maxY + border};
   std::vector<Polygon> cut;
-  std::vector<Point> ring, clipped, scratch;
+  std::vector<Point> clipped, scratch;
   for (const Polygon& loop : loops) {
-    ring.clear();
     Box box;
-    for (const auto& p : loop) {
-      ring.push_back({p.x, p.y});
-      box.add(ring.back());
-    }
+    for (const Point p : loop) box.add(p);
     if (!box.intersects(window)) continue;
     if (window.contains({box.minX, box.minY}) && window.contains({box.maxX, box.maxY})) {
       cut.push_back(loop);
       continue;
     }
-    clipPolygon(window, ring, clipped, scratch);
+    clipPolygon(window, loop, clipped, scratch);
     if (clipped.size() < 3) continue;
-    Polygon& part = cut.emplace_back();
-    for (const Point p : clipped) part.push_back({p.x, p.y});
+    cut.push_back(clipped);
   }
   return cut;
 }
@@ -151,7 +146,7 @@ void EntityPainter::paintHatch(const database::Slot& entity, const Place& place,
     std::vector<geometry::Chain> chains;
     for (const Polygon& loop : loops) {
       geometry::Chain& ring = chains.emplace_back();
-      for (const auto& p : loop) ring.push_back({p.x, p.y, 0});
+      for (const Point p : loop) ring.push_back({p.x, p.y, 0});
     }
     return chains;
   };

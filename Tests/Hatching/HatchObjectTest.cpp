@@ -195,10 +195,10 @@ TEST_F(HatchObjects, CurvesCloseLoopsToo) {
   const auto areaOf = [&](std::initializer_list<std::uint64_t> handles) {
     AcDbObjectIdArray boundary;
     for (const std::uint64_t handle : handles) boundary.append(curves.id(handle));
-    host::hatching::Loop loop;
+    host::curves::Loop loop;
     const Acad::ErrorStatus status = host::hatching::boundaryLoop(boundary, AcGeVector3d::kZAxis, loop);
     EXPECT_TRUE(status == Acad::eOk || status == Acad::eInvalidInput);
-    return status == Acad::eOk ? std::abs(host::hatching::area(loop)) : kRefused;
+    return status == Acad::eOk ? std::abs(host::curves::area(loop)) : kRefused;
   };
   EXPECT_NEAR(areaOf({0xA01}), kPi * 9, 1e-9);
   for (const auto& order : {std::initializer_list<std::uint64_t>{0xA02, 0xA03, 0xA04},

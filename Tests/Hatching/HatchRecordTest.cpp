@@ -3,7 +3,6 @@
 #include <cmath>
 #include <numbers>
 
-#include "Hatching/Arcs.h"
 #include "Hatching/HatchContent.h"
 #include "Hatching/HatchRecord.h"
 
@@ -109,16 +108,11 @@ TEST(HatchRecords, Splines) {
   EXPECT_NEAR(onlyArea("92 1 93 2 " + closing + parabola + "97 1 330 8E"), 80.0 / 3, 0.01);
   EXPECT_NEAR(onlyArea("92 1 93 2 " + closing + parabola + "97 2 11 0 21 0 11 10 21 0 12 1 22 1 13 1 23 -1 97 0"),
               80.0 / 3, 0.01);
-  // A half circle as one rational piece of degree 3 (weights 1, 1/3, 1/3, 1).
-  const std::string half =
-      "72 4 94 3 73 1 74 0 95 8 96 4 40 0 40 0 40 0 40 0 40 1 40 1 40 1 40 1 "
-      "10 10 20 0 42 1 10 10 20 10 42 0.33333333333 10 0 20 10 42 0.33333333333 10 0 20 0 42 1 ";
-  EXPECT_NEAR(onlyArea("92 1 93 2 " + half + "97 0 72 1 10 0 20 0 11 10 21 0 97 0"), kPi * 12.5, 0.01);
-  // Fit points only: through all of them.
+  // Fit points only: the cubic with natural ends, 5/8 of the rectangle.
   const HatchRecord fit =
       readLoops("92 1 93 2 72 4 94 3 73 0 74 0 95 0 96 0 97 3 11 0 21 0 11 5 21 4 11 10 21 0 " + closing + "97 0");
   ASSERT_EQ(fit.loops.size(), 1u);
-  EXPECT_NEAR(areaOf(fit.loops[0]), -25, 3);
+  EXPECT_NEAR(areaOf(fit.loops[0]), -25, 0.01);
 }
 
 TEST(HatchRecords, DamagedLoopsAreLeftOutAlone) {
@@ -132,9 +126,8 @@ TEST(HatchRecords, DamagedLoopsAreLeftOutAlone) {
         "92 2 72 0 73 1 93 -3 97 0",                                        //
         "92 1 93 2 72 1 10 0 20 0 11 4 21 0 97 0",                          // an edge is missing
         "92 1 93 1 72 9 10 0 20 0 11 4 21 0 97 0",                          // of no kind
-        "92 1 93 1 72 4 94 3 95 2 96 4 40 0 40 1 10 0 20 0 10 1 20 0 10 2 20 1 10 0 20 0 97 0",  // knots
-        "92 1 93 1 72 4 94 99999999 95 0 96 1 10 0 20 0 97 0",                                   //
-        "92 1 93 1 72 4 94 1 73 1 40 0 40 0 40 1 40 1 10 0 20 0 42 0 10 1 20 0 42 0 97 0"}) {
+        "92 1 93 1 72 4 94 99999999 95 0 96 1 10 0 20 0 97 0",              //
+        "92 1 93 1 72 4 94 1 73 0 40 0 40 0 40 1 40 2 40 2 10 0 20 0 10 4 20 nan 10 0 20 4 97 0"}) {
     const HatchRecord record = readLoops(bad + good);
     ASSERT_EQ(record.loops.size(), 1u) << bad;
     EXPECT_NEAR(areaOf(record.loops[0]), 8, 1e-9) << bad;

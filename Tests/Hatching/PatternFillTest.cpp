@@ -6,7 +6,6 @@
 #include <numbers>
 #include <random>
 
-#include "Hatching/Arcs.h"
 #include "Hatching/PatternFill.h"
 #include "Hatching/Patterns.h"
 

@@ -8,13 +8,13 @@
 #include "Text/Text.h"
 #include "gepnt3d.h"
 
-namespace host::geometry {
+namespace host::database {
 
 /// Larger figures are no places in a drawing: "unset" extents are 1e20, damaged ones anything.
 constexpr double kLargestCoordinate = 1e15;
 
 /// NaN when the value is not a number a drawing can hold.
-inline double coordinate(const database::Tag& tag) {
+inline double coordinate(const Tag& tag) {
   const auto value = text::parseReal(tag.value);
   if (!value || !(std::abs(*value) <= kLargestCoordinate)) return std::numeric_limits<double>::quiet_NaN();
   return *value;
@@ -22,7 +22,7 @@ inline double coordinate(const database::Tag& tag) {
 inline bool isUsable(const AcGePoint3d& p) { return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z); }
 
 /// Takes the tag when it is the x, y or z of the point with code `base`.
-inline bool takePoint(const database::Tag& tag, int base, AcGePoint3d& p) {
+inline bool takePoint(const Tag& tag, int base, AcGePoint3d& p) {
   if (tag.code == base)
     p.x = coordinate(tag);
   else if (tag.code == base + 10)
@@ -34,12 +34,19 @@ inline bool takePoint(const database::Tag& tag, int base, AcGePoint3d& p) {
   return true;
 }
 
+/// Takes the tag when it is the number with that code.
+inline bool takeReal(const Tag& tag, int code, double& value) {
+  if (tag.code != code) return false;
+  value = coordinate(tag);
+  return true;
+}
+
 /// Tags of an entity's own geometry: up to its extended data, and up to an object embedded in it, whose codes mean
 /// other things.
 class GeometryTags {
  public:
-  explicit GeometryTags(database::TagCursor tags) : tags_(tags) {}
-  bool next(database::Tag& tag) {
+  explicit GeometryTags(TagCursor tags) : tags_(tags) {}
+  bool next(Tag& tag) {
     while (tags_.next(tag)) {
       if (tag.code == 101 || tag.code >= 1000) return false;
       if (tag.code == 102) {  // reactors and dictionaries
@@ -52,8 +59,8 @@ class GeometryTags {
   }
 
  private:
-  database::TagCursor tags_;
+  TagCursor tags_;
   bool inGroup_ = false;
 };
 
-}  // namespace host::geometry
+}  // namespace host::database

@@ -1,67 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <numbers>
-#include <numeric>
-
-#include "Geometry/Curves.h"
 #include "Geometry/SmallDrawing.h"
 #include "Geometry/TextLayout.h"
 
 namespace host::geometry {
 namespace {
-
-double area(const std::vector<Chain>& rings) {
-  double twice = 0;
-  for (const Chain& ring : rings)
-    for (std::size_t i = 0; i < ring.size(); ++i) {
-      const AcGePoint3d &a = ring[i], &b = ring[(i + 1) % ring.size()];
-      twice += a.x * b.y - a.y * b.x;
-    }
-  return std::abs(twice) / 2;
-}
-
-TEST(Curves, RationalSplineIsAnExactCircle) {
-  // Nine control points of degree 2, weights 1 and the cosine of 45 degrees; far from the origin.
-  const double w = std::numbers::sqrt2 / 2;
-  Nurbs circle;
-  circle.degree = 2;
-  circle.knots = {0, 0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 4};
-  for (const auto& [x, y] : std::vector<std::pair<double, double>>{
-           {1, 0}, {1, 1}, {0, 1}, {-1, 1}, {-1, 0}, {-1, -1}, {0, -1}, {1, -1}, {1, 0}})
-    circle.controls.push_back({27496000 + x, 6713000 + y, 0});
-  circle.weights = {1, w, 1, w, 1, w, 1, w, 1};
-  const Chain points = flatten(circle, 1e-4);
-  ASSERT_GT(points.size(), 20U);
-  for (const AcGePoint3d& p : points) ASSERT_NEAR(std::hypot(p.x - 27496000, p.y - 6713000), 1, 1e-7);
-}
-
-TEST(Curves, InterpolationMeetsItsPointsAndClosesSmoothly) {
-  const Chain square = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
-  const Chain open = interpolate(square, false, {}, {}, 1e-3), closed = interpolate(square, true, {}, {}, 1e-3);
-  for (const AcGePoint3d& p : square)
-    for (const Chain* chain : {&open, &closed})
-      EXPECT_TRUE(std::ranges::any_of(*chain, [&](const AcGePoint3d& q) { return p.distanceTo(q) < 1e-9; }));
-  EXPECT_LT(closed.front().distanceTo(closed.back()), 1e-9);
-  const AcGeVector3d out = (closed[1] - closed[0]).normal(), in = (closed.back() - closed[closed.size() - 2]).normal();
-  EXPECT_GT(out.dotProduct(in), 0.99) << "no corner where it closes";
-  // Start tangent straight up although the next point lies to the right.
-  const Chain led = interpolate({{0, 0, 0}, {10, 0, 0}, {20, 5, 0}}, false, {0, 1, 0}, {}, 1e-4);
-  EXPECT_GT((led[1] - led[0]).normal().y, 0.95);
-}
-
-TEST(Curves, WideOutlinesHaveTheRightArea) {
-  const Chain corner = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}};
-  EXPECT_NEAR(area(wideOutline(corner, false, {2, 2, 2, 2})), 2 * 20, 1e-9) << "mitred corner";
-  EXPECT_NEAR(area(wideOutline({{0, 0, 0}, {10, 0, 0}}, false, {0, 4})), 20, 1e-9) << "taper";
-  const Chain square = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
-  const auto frame = wideOutline(square, true, {1, 1, 1, 1, 1, 1, 1, 1});
-  EXPECT_EQ(frame.size(), 2U);
-  EXPECT_NEAR(area({frame[0]}) - area({frame[1]}), -40, 1e-9) << "inner ring first, 9 x 9; outer 11 x 11";
-  // Width jumps at the corner, then runs round to the start: two runs, square ends.
-  EXPECT_EQ(wideOutline(square, true, {1, 1, 3, 3, 3, 3, 3, 3}).size(), 2U);
-  EXPECT_TRUE(wideOutline({{5, 5, 0}, {5, 5, 0}}, true, {1, 1, 1, 1}).empty()) << "no length, no direction";
-}
 
 double unitWidth(wchar_t, bool) { return 1; }
 
