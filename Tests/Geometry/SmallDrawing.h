@@ -93,8 +93,9 @@ class SmallDrawing {
   }
   static std::string marker(const std::string& type) {
     static const std::map<std::string, std::string> markers = {
-        {"HATCH", "AcDbHatch"},         {"INSERT", "AcDbBlockReference"}, {"ATTRIB", "AcDbAttribute"},
-        {"LWPOLYLINE", "AcDbPolyline"}, {"POLYLINE", "AcDb2dPolyline"},   {"VERTEX", "AcDbVertex"}};
+        {"LINE", "AcDbLine"},        {"HATCH", "AcDbHatch"},         {"INSERT", "AcDbBlockReference"},
+        {"ATTRIB", "AcDbAttribute"}, {"LWPOLYLINE", "AcDbPolyline"}, {"POLYLINE", "AcDb2dPolyline"},
+        {"VERTEX", "AcDbVertex"}};
     const auto found = markers.find(type);
     return found == markers.end() ? "AcDbOther" : found->second;
   }
