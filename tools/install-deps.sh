@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what building, testing and the demo need, from Debian's packages. Quiet and quick when all is there.
+# Installs what building, testing and the demo need, from Debian's packages; packages named as arguments too. Quiet and
+# quick when all is there.
 set -euo pipefail
 
 packages=(
@@ -10,6 +11,7 @@ packages=(
   clang-format-14 clang-tidy-14
   binutils-mingw-w64-x86-64 fonts-dejavu-core
   python3 python3-ezdxf librecad-data
+  "$@"
 )
 
 installed() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'install ok installed'; }

@@ -22,6 +22,16 @@
 
 namespace host::database {
 
+/// Blocks of pools and arenas, in bytes. Where every block costs work for each of its bytes, as under a sanitizer,
+/// small ones keep small drawings quick.
+#ifdef TOLMEX_SMALL_BLOCKS
+inline constexpr std::size_t kPoolBlockBytes = std::size_t{1} << 13;
+inline constexpr std::size_t kArenaBlockBytes = std::size_t{1} << 13;
+#else
+inline constexpr std::size_t kPoolBlockBytes = std::size_t{1} << 16;
+inline constexpr std::size_t kArenaBlockBytes = std::size_t{1} << 18;
+#endif
+
 /// Gives out large pieces of memory, ever larger ones up to a limit; all of it goes back at once. Big drawings spend
 /// much of their time on the system's handing out of pages, so it is asked for big ones.
 class MemorySource {
@@ -66,7 +76,7 @@ class SlotPool {
   }
 
  private:
-  static constexpr std::size_t kBlockBytes = 65536;
+  static constexpr std::size_t kBlockBytes = kPoolBlockBytes;
   static constexpr std::size_t kHeadBytes = 64;
   static constexpr std::size_t kSlotsPerBlock = (kBlockBytes - kHeadBytes) / sizeof(Slot);
   static Slot* firstSlot(char* block) { return reinterpret_cast<Slot*>(block + kHeadBytes); }
@@ -108,7 +118,7 @@ class ObjectPool {
     Place* next;
     alignas(T) char bytes[sizeof(T)];
   };
-  static constexpr std::size_t kChunkBytes = std::size_t{1} << 16;
+  static constexpr std::size_t kChunkBytes = kPoolBlockBytes;
   static constexpr std::size_t kPerChunk = kChunkBytes / sizeof(Place);
   MemorySource source_;
   Place* chunk_ = nullptr;

@@ -58,10 +58,9 @@ DrawingDatabase& SlotPool::databaseOf(const Slot* slot) {
 }
 
 void Arena::refill(std::size_t bytes) {
-  constexpr std::size_t kBlockBytes = std::size_t{1} << 18;
-  if (chunkBytes_ == 0 && bytes <= kBlockBytes) {
-    next_ = source_.block(kBlockBytes);
-    left_ = kBlockBytes;
+  if (chunkBytes_ == 0 && bytes <= kArenaBlockBytes) {
+    next_ = source_.block(kArenaBlockBytes);
+    left_ = kArenaBlockBytes;
     return;
   }
   left_ = std::max(chunkBytes_, bytes);

@@ -30,13 +30,20 @@ bool isObsolete(std::string_view variable) {
   return kObsolete.contains(variable);
 }
 
+/// The empty drawing, whose parts stand in for missing ones. Its text stays, so copies may point into it.
+const Outline& basicOutline() {
+  static const std::string text = database::defaultDrawingText();
+  static const Outline outline = [] {
+    ProblemLog silent(text, false);
+    return outlineOf(text, silent);
+  }();
+  return outline;
+}
+
 }  // namespace
 
 Rebuilder::Rebuilder(Outline outline, std::string_view lineEnd, ProblemLog& problems)
-    : outline_(std::move(outline)), lineEnd_(lineEnd), problems_(problems), basicText_(database::defaultDrawingText()) {
-  ProblemLog silent(basicText_, false);
-  basic_ = outlineOf(basicText_, silent);
-}
+    : outline_(std::move(outline)), lineEnd_(lineEnd), problems_(problems), basic_(basicOutline()) {}
 
 Rebuilt Rebuilder::run() {
   findVersion();

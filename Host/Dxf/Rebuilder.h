@@ -171,7 +171,6 @@ class Rebuilder {
   Outline outline_;
   std::string_view lineEnd_;
   ProblemLog& problems_;
-  std::string basicText_;
   Outline basic_;
   text::Codec codec_;
   std::string codePage_;

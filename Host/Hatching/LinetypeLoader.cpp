@@ -35,17 +35,19 @@ Acad::ErrorStatus acdbLoadLineTypeFile(const ACHAR* name, const ACHAR* fileName,
   if (db == nullptr) return Acad::eNoDatabase;
   const std::optional<std::string> path = host::hatching::findSupportFile(fileName, db, false);
   if (!path) return Acad::eFileNotFound;
-  const std::optional<std::string> text = host::hatching::readTextFile(*path);
-  if (!text) return Acad::eFileAccessErr;
+  static host::hatching::DefinitionFiles<Linetype> files(host::hatching::parseLinetypeFile);
+  const auto all = files.read(*path);
+  if (all == nullptr) return Acad::eFileAccessErr;
 
   const std::wstring_view wanted(name);
   const bool isWildcard = wanted.find_first_of(L"*?") != std::wstring_view::npos;
-  std::vector<std::string> problems;  // a damaged line costs its own linetype only
-  std::vector<Linetype> linetypes = host::hatching::parseLinetypeFile(*text, problems);
-  std::erase_if(linetypes, [&](const Linetype& linetype) {
+  std::vector<Linetype> linetypes;
+  for (const Linetype& linetype : *all) {
     const std::wstring wide = host::text::fromUtf8(linetype.name);
-    return !(isWildcard ? host::text::matchesWildcard(wide, wanted) : host::text::equalFolded(wide, wanted));
-  });
+    const bool isWanted =
+        isWildcard ? host::text::matchesWildcard(wide, wanted) : host::text::equalFolded(wide, wanted);
+    if (isWanted) linetypes.push_back(linetype);
+  }
   if (linetypes.empty()) return Acad::eUndefinedLineType;
 
   AcDbObjectPointer<AcDbLinetypeTable> table(db->linetypeTableId(), AcDb::kForWrite);

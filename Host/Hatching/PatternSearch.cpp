@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <filesystem>
 #include <map>
 #include <mutex>
-#include <unordered_map>
 #include <utility>
 
 #include "Hatching/Patterns.h"
@@ -13,41 +11,15 @@ namespace host::hatching {
 
 namespace {
 
-/// Parsed pattern files by path, read again when a file has changed.
-class PatternFiles {
- public:
-  std::optional<Pattern> find(const std::string& path, std::wstring_view name) {
-    std::error_code error;
-    const auto changed = std::filesystem::last_write_time(path, error);
-    if (error) return std::nullopt;
-    const std::lock_guard lock(mutex_);
-    File& file = files_[path];
-    if (!file.isRead || file.changed != changed) {
-      const std::optional<std::string> bytes = readTextFile(path);
-      if (!bytes) return std::nullopt;
-      std::vector<std::string> problems;  // a damaged line costs its own pattern only; nobody asked for the file
-      file = {true, changed, parsePatternFile(*bytes, problems)};
-    }
-    const auto found = std::find_if(file.patterns.begin(), file.patterns.end(), [&](const Pattern& pattern) {
-      return text::equalFolded(text::fromUtf8(pattern.name), name);
-    });
-    return found == file.patterns.end() ? std::nullopt : std::optional(*found);
-  }
-
- private:
-  struct File {
-    bool isRead = false;
-    std::filesystem::file_time_type changed;
-    std::vector<Pattern> patterns;
-  };
-  std::mutex mutex_;
-  std::unordered_map<std::string, File> files_;
-};
-
 std::optional<Pattern> searchIn(const std::wstring& fileName, std::wstring_view name) {
-  static PatternFiles files;
+  static DefinitionFiles<Pattern> files(parsePatternFile);
   const std::optional<std::string> path = findSupportFile(fileName, nullptr, true);
-  return path ? files.find(*path, name) : std::nullopt;
+  const auto patterns = path ? files.read(*path) : nullptr;
+  if (patterns == nullptr) return std::nullopt;
+  const auto found = std::find_if(patterns->begin(), patterns->end(), [&](const Pattern& pattern) {
+    return text::equalFolded(text::fromUtf8(pattern.name), name);
+  });
+  return found == patterns->end() ? std::nullopt : std::optional(*found);
 }
 
 /// What was found, or not, since the outermost PatternMemory began.

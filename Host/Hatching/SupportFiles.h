@@ -1,8 +1,14 @@
 // Text files on the support path.
 #pragma once
 
+#include <filesystem>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "adesk.h"
 
@@ -15,5 +21,39 @@ namespace host::hatching {
 std::optional<std::string> findSupportFile(const std::wstring& name, AcDbDatabase* db, bool isPatternFile);
 /// Its bytes; nothing when it cannot be read.
 std::optional<std::string> readTextFile(const std::string& path);
+
+/// Definitions of files by path, parsed once and again when a file has changed: commands ask for one after the other.
+template <class Definition>
+class DefinitionFiles {
+ public:
+  using Definitions = std::vector<Definition>;
+  using Parse = Definitions (*)(std::string_view text, std::vector<std::string>& problems);
+  explicit DefinitionFiles(Parse parse) : parse_(parse) {}
+
+  /// Those of a file; null when it cannot be read. A damaged line costs its own definition only.
+  std::shared_ptr<const Definitions> read(const std::string& path) {
+    std::error_code error;
+    const auto changed = std::filesystem::last_write_time(path, error);
+    if (error) return nullptr;
+    const std::lock_guard lock(mutex_);
+    File& file = files_[path];
+    if (file.definitions == nullptr || file.changed != changed) {
+      const std::optional<std::string> bytes = readTextFile(path);
+      if (!bytes) return nullptr;
+      std::vector<std::string> problems;
+      file = {changed, std::make_shared<const Definitions>(parse_(*bytes, problems))};
+    }
+    return file.definitions;
+  }
+
+ private:
+  struct File {
+    std::filesystem::file_time_type changed;
+    std::shared_ptr<const Definitions> definitions;
+  };
+  Parse parse_;
+  std::mutex mutex_;
+  std::unordered_map<std::string, File> files_;
+};
 
 }  // namespace host::hatching

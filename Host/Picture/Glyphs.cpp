@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 #include <cmath>
+#include <mutex>
 #include <numbers>
 
 #include "Geometry/TextLayout.h"
@@ -110,6 +111,12 @@ struct GlyphSource::Face {
   }
 };
 
+/// The open fonts, which all pictures of the program share: opening them takes longer than a small picture.
+struct GlyphSource::Faces {
+  std::mutex mutex;  // while a letter is loaded: pictures may be made by several threads
+  Face regular{"DejaVuSans.ttf"}, bold{"DejaVuSans-Bold.ttf"};
+};
+
 namespace {
 
 void addCircle(Glyph& glyph, Point center, double radius, bool clockwise) {
@@ -145,7 +152,7 @@ bool GlyphSource::compose(wchar_t character, Glyph& glyph) {
     addBox(glyph, center.x - kPen / 2, center.y - 0.5, center.x + kPen / 2, center.y + 0.5);
   } else {
     Glyph letter;
-    regular_->load(static_cast<wchar_t>(L'A' + (character - kCircledA)), letter);
+    faces_.regular.load(static_cast<wchar_t>(L'A' + (character - kCircledA)), letter);
     constexpr double kSize = 0.6;
     const auto moved = [&](Point p) {
       return Point{center.x + (p.x - letter.advance / 2) * kSize, center.y + (p.y - 0.5) * kSize};
@@ -162,18 +169,23 @@ bool GlyphSource::compose(wchar_t character, Glyph& glyph) {
   return true;
 }
 
-GlyphSource::GlyphSource()
-    : regular_(std::make_unique<Face>("DejaVuSans.ttf")), bold_(std::make_unique<Face>("DejaVuSans-Bold.ttf")) {}
-GlyphSource::~GlyphSource() = default;
+GlyphSource::Faces& GlyphSource::faces() {
+  static Faces faces;
+  return faces;
+}
 
-bool GlyphSource::hasFont() const { return regular_->face != nullptr; }
+GlyphSource::GlyphSource() : faces_(faces()) {}
+
+bool GlyphSource::hasFont() const { return faces_.regular.face != nullptr; }
 
 const Glyph& GlyphSource::glyph(wchar_t character, bool bold) {
   const auto key = static_cast<std::uint64_t>(character) << 1 | (bold ? 1 : 0);
   const auto [entry, isNew] = glyphs_.try_emplace(key);
   Glyph& glyph = entry->second;
-  if (isNew && hasFont() && !regular_->has(character) && compose(character, glyph)) return glyph;
-  if (isNew && !(bold && bold_->load(character, glyph)) && !regular_->load(character, glyph))
+  if (!isNew) return glyph;
+  const std::lock_guard lock(faces_.mutex);
+  if (hasFont() && !faces_.regular.has(character) && compose(character, glyph)) return glyph;
+  if (!(bold && faces_.bold.load(character, glyph)) && !faces_.regular.load(character, glyph))
     glyph.advance = geometry::meanCharacterWidth(character, bold);
   return glyph;
 }

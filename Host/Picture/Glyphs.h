@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <unordered_map>
 #include <vector>
 
@@ -28,7 +27,6 @@ struct Glyph {
 class GlyphSource {
  public:
   GlyphSource();
-  ~GlyphSource();
   GlyphSource(const GlyphSource&) = delete;
   GlyphSource& operator=(const GlyphSource&) = delete;
 
@@ -41,7 +39,10 @@ class GlyphSource {
   bool compose(wchar_t character, Glyph& glyph);
 
   struct Face;
-  std::unique_ptr<Face> regular_, bold_;
+  struct Faces;
+  static Faces& faces();
+
+  Faces& faces_;
   std::unordered_map<std::uint64_t, Glyph> glyphs_;
 };
 

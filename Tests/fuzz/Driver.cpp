@@ -15,17 +15,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <vector>
 
+#include "Mutator.h"
 #include "Target.h"
 
 extern "C" void __sanitizer_set_death_callback(void (*callback)()) __attribute__((weak));  // NOLINT
-extern "C" const char* __asan_default_options();                                           // NOLINT
-extern "C" const char* __asan_default_options() {                                          // NOLINT
-  // No count in a file may make the host ask for that much at once.
-  return "max_allocation_size_mb=1024:detect_stack_use_after_return=0";
-}
 
 namespace {
 
@@ -61,97 +56,15 @@ void runInput(unsigned long seed, unsigned long number) {
   ::alarm(0);
 }
 
-class Mutator {
- public:
-  Mutator(std::vector<std::string> corpus, unsigned long seed) : corpus_(std::move(corpus)), random_(seed) {}
-
-  std::string next() {
-    std::string text = corpus_[below(corpus_.size())];
-    const std::size_t times = 1 + below(6);
-    for (std::size_t i = 0; i < times; ++i) change(text);
-    if (text.size() > kLongest) text.resize(kLongest);
-    return text;
+/// The corpus changed some times over.
+std::string mutated(fuzz::Mutator& mutator, const std::vector<std::string>& corpus) {
+  std::string text = corpus[mutator.below(corpus.size())];
+  for (std::size_t times = 1 + mutator.below(6); times > 0; --times) {
+    mutator.change(text, corpus[mutator.below(corpus.size())]);
   }
-
- private:
-  std::size_t below(std::size_t end) { return end == 0 ? 0 : random_() % end; }
-
-  /// Begin of a line near a random place.
-  std::size_t line(const std::string& text) {
-    const std::size_t at = text.find('\n', below(text.size()));
-    return at == std::string::npos ? 0 : at + 1;
-  }
-  static std::size_t behind(const std::string& text, std::size_t at, std::size_t lines) {
-    for (; lines > 0 && at < text.size(); --lines) {
-      const std::size_t end = text.find('\n', at);
-      at = end == std::string::npos ? text.size() : end + 1;
-    }
-    return at;
-  }
-
-  void change(std::string& text) {
-    static const char* const kValues[] = {"0",          "-1",          "1",
-                                          "2147483648", "-2147483649", "4294967295",
-                                          "nan",        "inf",         "1e308",
-                                          "-1e308",     "1e-320",      "9999999999999999999",
-                                          "",           " ",           "FFFFFFFFFFFFFFFF",
-                                          "*",          "\\U+0000",    "^J",
-                                          "70",         "330",         "ENDSEC",
-                                          "SECTION",    "100",         "1001",
-                                          "INSERT",     "POLYLINE",    "*Model_Space",
-                                          "65535",      "32768",       "1.7976931348623157e308"};
-    if (text.empty()) text = "0";
-    const std::size_t at = below(text.size());
-    switch (random_() % 10) {
-      case 0:
-        text[at] = static_cast<char>(random_());
-        break;
-      case 1:
-        text[at] = static_cast<char>(text[at] ^ (1U << below(8)));
-        break;
-      case 2:
-        text.erase(at, 1 + below(30));
-        break;
-      case 3:
-        text.resize(at);
-        break;
-      case 4:
-        text.insert(at, text.substr(below(text.size()), below(400)));
-        break;
-      case 5: {  // another value
-        const std::size_t begin = line(text);
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        text.replace(begin, end - begin, kValues[below(std::size(kValues))]);
-        break;
-      }
-      case 6: {  // some lines twice
-        const std::size_t begin = line(text);
-        text.insert(begin, text.substr(begin, behind(text, begin, 1 + below(40)) - begin));
-        break;
-      }
-      case 7: {  // some lines gone
-        const std::size_t begin = line(text);
-        text.erase(begin, behind(text, begin, 1 + below(20)) - begin);
-        break;
-      }
-      case 8: {  // a line of one place in another
-        const std::size_t from = line(text);
-        const std::string taken = text.substr(from, behind(text, from, 1) - from);
-        const std::size_t begin = line(text);
-        text.replace(begin, behind(text, begin, 1) - begin, taken);
-        break;
-      }
-      default: {  // lines of another file
-        const std::string& other = corpus_[below(corpus_.size())];
-        const std::size_t begin = below(other.size());
-        text.insert(line(text), other.substr(begin, below(600)));
-      }
-    }
-  }
-
-  std::vector<std::string> corpus_;
-  std::mt19937_64 random_;
-};
+  if (text.size() > kLongest) text.resize(kLongest);
+  return text;
+}
 
 }  // namespace
 
@@ -197,11 +110,11 @@ int main(int argc, char** argv) {
     return 1;
   }
   const auto start = std::chrono::steady_clock::now();
-  Mutator mutator(corpus, seed);
+  fuzz::Mutator mutator(seed);
   unsigned long done = 0;
   for (; done < runs; ++done) {
     if (std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() > seconds) break;
-    current = mutator.next();
+    current = mutated(mutator, corpus);
     runInput(seed, done + 1);
   }
   std::printf("%zu files, %lu mutations\n", corpus.size(), done);

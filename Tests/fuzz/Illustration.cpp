@@ -1,4 +1,4 @@
-// Any bytes as a plan on which an element is drawn for everything there is.
+// Any bytes as a plan on which areas, shrubs, buildings and their shadows are drawn for everything there is.
 #include <unistd.h>
 
 #include <filesystem>
@@ -7,6 +7,11 @@
 #include "PluginHost.h"
 
 namespace {
+
+/// Each runs even when another stops: a drawing may hold nothing that it is for.
+constexpr const char* kScripts[] = {"TLM_MUOK_ASFALTTI\nALL\n\n", "TLM_MUOK_PENSAS\nALL\n\n",
+                                    "TLM_MUOK_RAKENNUS\nALL\n\n30211 2\n30206 3\n30207 0.5\n30208 0.4\nOK\n",
+                                    "TLM_VARJO_PAIVITA\n"};
 
 class Illustrator {
  public:
@@ -22,8 +27,8 @@ class Illustrator {
         .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     host_.application.closeDrawing();
     if (!host_.application.openDrawing(file_)) return;
-    host_.runAndReread(
-        "TLM_MUOK_ASFALTTI\nALL\n\nTLM_MUOK_PENSAS\nALL\n\nTLM_MUOK_RAKENNUS\nALL\n\nOK\nTLM_VARJO_PAIVITA\n");
+    for (const char* const script : kScripts) host_.run(script);
+    host_.reread();
   }
 
  private:

@@ -15,14 +15,19 @@ class PluginHost {
  public:
   PluginHost() {
     application.newDrawing();
-    const auto loaded = application.loadModule(std::filesystem::path(TOLMEX_BIN_DIR) / "tolmex.arx");
+    // The module beside the target: fuzzing goes on in a copy of the folder while the next one is built.
+    const auto folder = std::filesystem::canonical("/proc/self/exe").parent_path();
+    const auto loaded = application.loadModule(folder / "tolmex.arx");
     require(static_cast<bool>(loaded), "the module can be loaded", loaded.message);
   }
 
-  /// Runs the script; what it made must be saved without a fault.
-  void runAndReread(std::string_view text) {
+  void run(std::string_view text) {
     host::editor::ScriptInput script(text, "fuzz.scr");
     application.run(script);
+  }
+
+  /// The drawing must be saved without a fault.
+  void reread() {
     if (application.drawing() == nullptr) return;
     AcDbDatabase again(false);
     const auto reread = host::dxf::readDrawingText(host::database::databaseOf(&again),
