@@ -11,8 +11,6 @@
 
 namespace benchmarks {
 
-namespace {
-
 std::string readBytes(const std::filesystem::path& file) {
   const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor < 0) throw std::runtime_error(file.string() + ": cannot be opened");
@@ -27,8 +25,6 @@ std::string readBytes(const std::filesystem::path& file) {
   if (done < bytes.size()) throw std::runtime_error(file.string() + ": cannot be read");
   return bytes;
 }
-
-}  // namespace
 
 void scanFile(Clock& clock, const std::filesystem::path& file) {
   double sum = 0;

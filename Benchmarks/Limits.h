@@ -2,11 +2,15 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "Measurement.h"
 #include "Picture/Composition.h"
 
 namespace benchmarks {
+
+/// The whole file; throws when it cannot be read.
+std::string readBytes(const std::filesystem::path& file);
 
 /// Reads the file, finds every line in it and turns every line that is a number into one.
 void scanFile(Clock& clock, const std::filesystem::path& file);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <ranges>
 #include <set>
 
 #include "Database/ObjectAccess.h"
@@ -129,7 +130,7 @@ Slot* DrawingDatabase::Parts::makeSlot(DxfType type, Slot* owner, std::uint16_t 
   slot->owner = owner;
   slot->flags = static_cast<std::uint16_t>(flags | kNew);
   slot->handle = nextHandle++;
-  byHandle.push_back(slot);  // the newest handle is the highest: the order holds
+  byHandle.push_back(slot);  // the newest handle is the highest of its part: the order holds
   if (inStep) live(*slot).journalMark = stepNumber;
   if (type == DxfType::Layout) layoutSlots.reset();
   ++changes;
@@ -146,15 +147,21 @@ void DrawingDatabase::Parts::indexHandles() {
   // Files list objects mostly by ascending handle within each section; ties keep file order, so the first one counts.
   std::stable_sort(byHandle.begin(), byHandle.end(),
                    [](const Slot* a, const Slot* b) { return a->handle < b->handle; });
-  if (!byHandle.empty()) nextHandle = std::max(nextHandle, byHandle.back()->handle + 1);
+  fileHandles = byHandle.size();
+  const auto handles = byHandle | std::views::transform([](const Slot* slot) { return slot->handle; });
+  freeHandles = findFreeHandles(handles, byHandle.empty() ? 0 : byHandle.back()->handle, nextHandle);
+  nextHandle = freeHandles.begin;
 }
 
 Slot* DrawingDatabase::findHandle(std::uint64_t handle) const {
-  const std::vector<Slot*>& index = parts_->byHandle;
-  const auto found = std::lower_bound(index.begin(), index.end(), handle,
-                                      [](const Slot* slot, std::uint64_t value) { return slot->handle < value; });
-  if (found != index.end() && (*found)->handle == handle) return *found;
-  return found != index.begin() ? findVertex(**(found - 1), handle) : nullptr;
+  const auto middle = parts_->byHandle.begin() + static_cast<std::ptrdiff_t>(parts_->fileHandles);
+  const bool isOfFile = !parts_->freeHandles.contains(handle);
+  const auto begin = isOfFile ? parts_->byHandle.begin() : middle;
+  const auto end = isOfFile ? middle : parts_->byHandle.end();
+  const auto found = std::lower_bound(
+      begin, end, handle, [](const Slot* slot, std::uint64_t value) { return slot->handle < value; });
+  if (found != end && (*found)->handle == handle) return *found;
+  return found != begin ? findVertex(**(found - 1), handle) : nullptr;
 }
 
 void DrawingDatabase::forEachSlot(const std::function<void(Slot&)>& visit) const {

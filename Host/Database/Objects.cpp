@@ -546,8 +546,14 @@ Acad::ErrorStatus acdbOpenAcDbEntity(AcDbEntity*& entity, AcDbObjectId id, AcDb:
   if (!id.slot()->isEntity()) return Acad::eNotAnEntity;
   AcDbObject* object = nullptr;
   const Acad::ErrorStatus status = acdbOpenAcDbObject(object, id, mode, openErased);
-  if (status == Acad::eOk) entity = static_cast<AcDbEntity*>(object);
-  return status;
+  if (status != Acad::eOk) return status;
+  AcDbEntity* const opened = AcDbEntity::cast(object);
+  if (opened == nullptr) {
+    object->close();
+    return Acad::eNotAnEntity;
+  }
+  entity = opened;
+  return Acad::eOk;
 }
 
 // ---- ids and handles ------------------------------------------------------------------------------------------------

@@ -4,14 +4,17 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
+#include "Database/FreeHandles.h"
 #include "Database/Slot.h"
 
 namespace host::database {
 
 /// Position in the draw order of a block: entities are drawn by ascending key. An entity that nobody moved has its own
-/// handle; one moved to the top has the highest handle of that moment and a count that grows with every move.
+/// handle; one moved to the top has the highest handle of that moment and a count that grows with every move. New
+/// entities whose handles come from a gap among those of the file stand above all others, in their own order.
 struct OrderKey {
   std::uint64_t handle = 0;
   std::int64_t move = 0;
@@ -22,18 +25,28 @@ struct OrderKey {
 /// open addressing, without memory of their own.
 class OrderKeys {
  public:
-  /// The entity's key; its handle when it was never moved.
+  explicit OrderKeys(const FreeHandles& freeHandles) : free_(freeHandles) {}
+
+  /// The entity's key; its own when it was never moved.
   OrderKey of(const Slot& entity) const {
-    if (places_.empty()) return {entity.handle, 0};
+    if (places_.empty()) return own(entity);
     const Place& place = places_[indexOf(entity)];
-    return place.entity != nullptr ? place.key : OrderKey{entity.handle, 0};
+    return place.entity != nullptr ? place.key : own(entity);
+  }
+  /// The key of an entity that nobody moved.
+  OrderKey own(const Slot& entity) const {
+    return free_.isGap() && free_.contains(entity.handle) ? youngest(entity.handle) : OrderKey{entity.handle, 0};
+  }
+  /// That of an entity with a handle from a gap.
+  OrderKey youngest(std::uint64_t handle) const {
+    return {std::numeric_limits<std::uint64_t>::max(), static_cast<std::int64_t>(handle - free_.begin) + 1};
   }
 
   /// Gives the entity a key; its former one is the answer.
   OrderKey set(const Slot& entity, OrderKey key) {
     if ((count_ + 1) * 3 > places_.size() * 2) grow();
     Place& place = places_[indexOf(entity)];
-    const OrderKey former = place.entity != nullptr ? place.key : OrderKey{entity.handle, 0};
+    const OrderKey former = place.entity != nullptr ? place.key : own(entity);
     if (place.entity == nullptr) ++count_;
     place = {&entity, key};
     return former;
@@ -66,6 +79,7 @@ class OrderKeys {
     }
   }
 
+  FreeHandles free_;
   std::vector<Place> places_;  // a power of two of them
   std::size_t count_ = 0;
 };

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "Database/DrawingDatabase.h"
+#include "Database/FreeHandles.h"
 #include "Database/ObjectAccess.h"
 #include "Database/OrderKeys.h"
 #include "Database/UnwrittenTags.h"
@@ -186,6 +187,8 @@ struct DictionaryContents {
 
 /// Parsed contents of a sort-entities table; written back when the drawing is saved.
 struct SortContents {
+  explicit SortContents(const FreeHandles& freeHandles) : keys(freeHandles) {}
+
   Slot* block = nullptr;
   OrderKeys keys;
   std::int64_t moves = 0;  // counts moves to the top
@@ -283,7 +286,10 @@ struct DrawingDatabase::Parts {
   ObjectPool<Live> lives;
   SlotPool slots;
   SlotPool lateSlots;           // vertices made when asked for; undo steps, which count slots, know nothing of them
-  std::vector<Slot*> byHandle;  // ascending
+  // Those of the file, then those that got their handles here; each part ascending. See FreeHandles.
+  std::vector<Slot*> byHandle;
+  std::size_t fileHandles = 0;  // how many are the file's
+  FreeHandles freeHandles;
   std::uint64_t nextHandle = 1;
   std::vector<Slot*> opened;  // slots whose Live holds an object
   // Objects closed a moment ago that still hold what was read from the file: a command that works on an entity opens
@@ -385,6 +391,7 @@ struct DrawingDatabase::Parts {
   Slot* ensureRoot();
   Slot* dictionaryIn(Slot& parent, std::wstring_view key);  // made when missing
   void setOrderKey(Slot& table, const Slot& entity, OrderKey key);
+  void orderYoungest();
   /// Writes pending sort tables, table counts, classes and the hand seed into their records, before saving.
   void settle();
   BlockContents& contents(const Slot* blockRecord);

@@ -37,7 +37,7 @@ namespace host::database {
 SortContents& DrawingDatabase::Parts::sortTable(const Slot& slot) {
   std::unique_ptr<SortContents>& contents = sortTables[&slot];
   if (contents != nullptr) return *contents;
-  contents = std::make_unique<SortContents>();
+  contents = std::make_unique<SortContents>(freeHandles);
   const Slot* entity = nullptr;
   bool inside = false;
   Tag tag;
@@ -176,10 +176,26 @@ void settleInteger(DrawingDatabase::Parts& parts, Slot& slot, std::string_view s
 
 }  // namespace
 
+/// New entities with handles from a gap stand on top by keys that no file holds: a table that was there before them has
+/// to name them.
+void DrawingDatabase::Parts::orderYoungest() {
+  self.forEachSlot([&](const Slot& table) {
+    if (table.type != DxfType::SortentsTable || table.isErased()) return;
+    SortContents& contents = sortTable(table);
+    const BlockContents* const block = contents.block != nullptr ? self.block(contents.block) : nullptr;
+    if (block == nullptr) return;
+    const std::vector<Slot*>& entities = block->entities;
+    contents.changed = contents.changed || std::any_of(entities.begin(), entities.end(), [&](const Slot* entity) {
+      return !entity->isErased() && freeHandles.contains(entity->handle);
+    });
+  });
+}
+
 void DrawingDatabase::Parts::settle() {
   std::uint64_t highest = 0;
   bool hasSortTable = false;
   bool hasNew = false;
+  if (freeHandles.isGap()) orderYoungest();
   for (auto& [slot, contents] : sortTables) {
     if (contents->changed && !slot->isErased()) settleSortTable(self, const_cast<Slot&>(*slot), *contents);
   }
@@ -202,7 +218,7 @@ void DrawingDatabase::Parts::settle() {
   }
   if (classes != nullptr) settleSortTableClass(*this, hasSortTable, hasNew);
   if (hasNew) {
-    const std::wstring seed = text::fromUtf8(text::formatHandle(std::max(nextHandle, highest + 1)));
+    const std::wstring seed = text::fromUtf8(text::formatHandle(leastSeed(highest, nextHandle)));
     if (text::parseHandle(text::toUtf8(self.headerText("$HANDSEED", 5).value_or(L""))) <= highest) {
       self.setHeaderText("$HANDSEED", 5, seed);
     }
@@ -261,7 +277,7 @@ Move beginMove(AcDbSortentsTable& table, const AcDbObjectIdArray& ids) {
 void renumber(Move& move, Slot& table, const std::vector<Slot*>& order) {
   std::vector<OrderKey> keys;
   keys.reserve(order.size());
-  for (const Slot* const slot : order) keys.push_back({slot->handle, 0});
+  for (const Slot* const slot : order) keys.push_back(move.contents->keys.own(*slot));
   std::sort(keys.begin(), keys.end());
   for (std::size_t i = 0; i < order.size(); ++i) {
     if (keyOf(*move.contents, *order[i]) != keys[i]) move.parts->setOrderKey(table, *order[i], keys[i]);
@@ -295,9 +311,15 @@ Acad::ErrorStatus moveBeside(AcDbSortentsTable& table, const AcDbObjectIdArray& 
 Acad::ErrorStatus AcDbSortentsTable::moveToTop(const AcDbObjectIdArray& ids) {
   Move move = beginMove(*this, ids);
   if (move.status != Acad::eOk) return move.status;
-  // The highest handle of this moment: entities made later come above, as they do in the file.
+  // The highest handle of this moment: entities made later come above, as they do in the file. In a gap every move
+  // takes a handle of its own, for the place of an entity made later is counted by its handle only.
+  const bool isGap = move.parts->freeHandles.isGap();
   const std::uint64_t top = move.parts->nextHandle - 1;
-  for (const AcDbObjectId& id : ids) move.parts->setOrderKey(*slot_, *id.slot(), {top, ++move.contents->moves});
+  for (const AcDbObjectId& id : ids) {
+    const OrderKey key = isGap ? move.contents->keys.youngest(move.parts->nextHandle++)
+                               : OrderKey{top, ++move.contents->moves};
+    move.parts->setOrderKey(*slot_, *id.slot(), key);
+  }
   return Acad::eOk;
 }
 

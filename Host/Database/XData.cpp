@@ -100,7 +100,14 @@ std::string hexText(const ads_binary& binary) {
 
 void writeItem(TagWriter& out, const resbuf& item) {
   if (item.restype == 1005) {
-    out.handle(1005, host::text::parseHandle(host::text::toUtf8(item.resval.rstring)));
+    const std::string text = host::text::toUtf8(item.resval.rstring);
+    const std::uint64_t handle = host::text::parseHandle(text);
+    // What is no handle came from a drawing that has such: it stays as it is.
+    if (handle == 0 && text.find_first_not_of("0 ") != std::string::npos) {
+      out.text(1005, item.resval.rstring);
+    } else {
+      out.handle(1005, handle);
+    }
   } else if (!writeValue(out, item) && valueKind(item.restype) == ValueKind::Binary) {
     out.raw(item.restype, hexText(item.resval.rbinary));
   }

@@ -146,6 +146,14 @@ bool appendValue(std::string& out, Bytes& bytes, Field field) {
 
 bool isTypeLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_'; }
 
+/// Whether a tag 0 that names a type stands at the offset; a drawing's end does not count.
+bool isRecordAt(std::string_view bytes, std::size_t at, bool wideCodes) {
+  Bytes in(bytes, at);
+  if (in.number(wideCodes ? 2 : 1).value_or(1) != 0) return false;
+  const std::string_view type = in.text().value_or("");
+  return !type.empty() && type != "EOF" && std::all_of(type.begin(), type.end(), isTypeLetter);
+}
+
 /// Offset of the next tag 0 that names a type, for going on behind bytes that cannot be read.
 std::size_t nextRecord(std::string_view bytes, std::size_t from, bool wideCodes) {
   const std::size_t zeros = wideCodes ? 2 : 1;
@@ -210,7 +218,7 @@ std::string BinaryForm::textOf(std::string_view bytes) {
     spellTag(again, static_cast<int>(*code), value);
     const std::string_view original = bytes.substr(begin, in.position() - begin);
     if (again != original) kept_.emplace(at, original);
-    if (*code == 0 && value == "EOF") {
+    if (*code == 0 && value == "EOF" && !isRecordAt(bytes, in.position(), wideCodes_)) {
       tail_ = bytes.substr(in.position());
       break;
     }

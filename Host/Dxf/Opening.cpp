@@ -9,7 +9,9 @@
 #include "Database/DefaultDrawing.h"
 #include "Database/Parts.h"
 #include "Dxf/Binary.h"
+#include "Dxf/Cutter.h"
 #include "Dxf/DxfFile.h"
+#include "Dxf/LineEnds.h"
 #include "Dxf/Outline.h"
 #include "Dxf/Reader.h"
 #include "Dxf/Rebuild.h"
@@ -18,6 +20,7 @@ namespace host::dxf {
 
 using database::DrawingDatabase;
 using database::Problem;
+using database::Tag;
 
 namespace {
 
@@ -54,25 +57,59 @@ TextForm textFormOf(std::string bytes, const std::string& name) {
   return form;
 }
 
-/// Lines that end in a carriage return only.
-void useLineFeeds(std::string& text) {
-  if (text.find('\n') == std::string::npos) std::replace(text.begin(), text.end(), '\r', '\n');
-}
+/// Rebuilds the text of a drawing, and then leaves out what cannot be read all the same.
+class Mending {
+ public:
+  explicit Mending(TextForm& form)
+      : form_(form), oddLineEnd_(useKnownLineEnds(form.text)), log_(form.text, form.hasLines) {
+    if (!oddLineEnd_.empty()) log_.note("every line ends in " + oddLineEnd_ + "; that was taken for one line end");
+  }
 
-/// Rebuilds the text; false when it holds nothing of a drawing.
-bool mend(TextForm& form, std::vector<Problem>& problems) {
-  useLineFeeds(form.text);
-  ProblemLog log(form.text, form.hasLines);
-  Outline outline = outlineOf(form.text, log);
-  if (outline.isEmpty()) return false;
-  const std::size_t firstLine = form.text.find('\n');
-  const bool hasReturns = firstLine != std::string::npos && firstLine > 0 && form.text[firstLine - 1] == '\r';
-  Rebuilt rebuilt = rebuild(std::move(outline), hasReturns ? "\r\n" : "\n", log);
-  problems = log.take();
-  form.text = std::move(rebuilt.text);
-  if (form.binary != nullptr) form.binary->useForNewText(rebuilt.wasUpgraded);
-  return true;
-}
+  /// False when the text holds nothing of a drawing.
+  bool rebuild() {
+    Outline outline = outlineOf(form_.text, log_);
+    if (outline.isEmpty()) return false;
+    const std::size_t firstLine = form_.text.find('\n');
+    const bool hasReturns = firstLine != std::string::npos && firstLine > 0 && form_.text[firstLine - 1] == '\r';
+    Rebuilt rebuilt = dxf::rebuild(std::move(outline), hasReturns ? "\r\n" : "\n", log_);
+    form_.text = std::move(rebuilt.text);
+    if (form_.binary != nullptr) form_.binary->useForNewText(rebuilt.wasUpgraded);
+    return true;
+  }
+
+  /// Leaves out of the rebuilt text the record in which the fault lies; false when the file's structure is at fault, or
+  /// when that happened often already.
+  bool leaveOut(const Problem& fault) {
+    constexpr int kMostTries = 50;
+    if (fault.line == 0 || ++tries_ > kMostTries) return false;
+    std::size_t line = 1;
+    Tag tag;
+    std::string_view record;
+    std::string_view rest = form_.text;
+    if (rest.starts_with(kUtf8Mark)) rest.remove_prefix(kUtf8Mark.size());
+    while (line <= fault.line && database::readTag(rest, tag)) {
+      if (tag.code == 0) record = tag.bytes;
+      if (!record.empty()) record = {record.data(), static_cast<std::size_t>(rest.data() - record.data())};
+      line += static_cast<std::size_t>(std::count(tag.bytes.begin(), tag.bytes.end(), '\n'));
+    }
+    while (database::readTag(rest, tag) && tag.code != 0) {
+      record = {record.data(), record.size() + tag.bytes.size()};
+    }
+    std::string_view head = record;
+    if (!database::readTag(head, tag) || isMarker(tag.trimmed())) return false;
+    log_.leftOut(nullptr, tag.trimmed(), 0, fault.text);
+    form_.text.erase(static_cast<std::size_t>(record.data() - form_.text.data()), record.size());
+    return true;
+  }
+
+  std::vector<Problem> problems() { return log_.take(); }
+
+ private:
+  TextForm& form_;
+  std::string oddLineEnd_;
+  ProblemLog log_;
+  int tries_ = 0;
+};
 
 /// Why the text is not well-formed; nothing when it was read.
 std::optional<Problem> readOrSay(DrawingDatabase& db, std::string text, const std::string& name) {
@@ -117,13 +154,14 @@ FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::str
       form.text = std::move(db.parts().text);
       db.clear();
       if (!form.hasLines) fault->line = 0;
-      if (!mend(form, problems)) {
-        return {false, form.hasLines ? problemSentence(name, *fault) : name + kNothing};
-      }
-      if (const auto still = readOrSay(db, std::move(form.text), name)) {
+      Mending mending(form);
+      if (!mending.rebuild()) return {false, form.hasLines ? problemSentence(name, *fault) : name + kNothing};
+      while (const auto still = readOrSay(db, std::move(form.text), name)) {
+        form.text = std::move(db.parts().text);
         db.clear();
-        return {false, problemSentence(name, *still)};
+        if (!mending.leaveOut(*still)) return {false, problemSentence(name, *still)};
       }
+      problems = mending.problems();
       // Some mending is too plain to be told piece by piece: then what made it necessary is.
       if (problems.empty()) problems.push_back(std::move(*fault));
     }
@@ -153,7 +191,9 @@ FileResult repairDrawing(const std::filesystem::path& file, std::string& repaire
     if (FileResult read = bytesOf(file, bytes); !read.ok) return read;
     TextForm form = textFormOf(std::move(bytes), name);
     if (!form.failure.empty()) return {false, std::move(form.failure)};
-    if (!mend(form, problems)) return {false, name + kNothing};
+    Mending mending(form);
+    if (!mending.rebuild()) return {false, name + kNothing};
+    problems = mending.problems();
     if (form.binary != nullptr) {
       repaired = form.binary->head();
       form.binary->spell(form.text, form.text, repaired);

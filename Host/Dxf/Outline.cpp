@@ -5,14 +5,12 @@
 
 #include "Database/Parts.h"
 #include "Database/Record.h"
-#include "Dxf/Binary.h"
-#include "Dxf/Fields.h"
+#include "Dxf/Cutter.h"
 #include "Text/Text.h"
 
 namespace host::dxf {
 
 using database::DxfType;
-using database::kBadCode;
 using database::readTag;
 using database::Tag;
 
@@ -20,14 +18,6 @@ std::optional<std::size_t> tableIndex(std::string_view name) {
   const auto found = std::find(kTableNames.begin(), kTableNames.end(), name);
   if (found == kTableNames.end()) return std::nullopt;
   return static_cast<std::size_t>(found - kTableNames.begin());
-}
-
-std::optional<std::string_view> firstValue(std::string_view bytes, int code) {
-  Tag tag;
-  while (readTag(bytes, tag) && tag.code < 1000) {
-    if (tag.code == code) return tag.value;
-  }
-  return std::nullopt;
 }
 
 bool Outline::isEmpty() const {
@@ -38,32 +28,16 @@ bool Outline::isEmpty() const {
 
 namespace {
 
-std::string_view trimmed(std::string_view line) {
-  while (!line.empty() && (line.front() == ' ' || line.front() == '\t')) line.remove_prefix(1);
-  while (!line.empty() && (line.back() == ' ' || line.back() == '\t' || line.back() == '\r')) line.remove_suffix(1);
-  return line;
-}
-
-/// Whether a value of group 0 can be one: a name in capitals mostly, without blanks, never a number.
-bool isTypeName(std::string_view name) {
-  constexpr std::size_t kLongest = 255;
-  if (name.empty() || name.size() > kLongest) return false;
-  bool hasLetter = false;
-  for (const char c : name) {
-    if (c <= ' ' || c >= '\x7f') return false;
-    hasLetter = hasLetter || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+std::string_view nameOf(Section section) {
+  for (const auto& [name, known] : kSections) {
+    if (section == known) return name;
   }
-  return hasLetter && name.find_first_of("\\;={}<>\"") == std::string_view::npos;
-}
-
-std::string_view lineAt(std::string_view text, std::size_t position) {
-  const std::size_t end = text.find('\n', position);
-  return text.substr(position, end == std::string_view::npos ? end : end - position);
+  return "other";
 }
 
 enum class Place { Entity, TableRecord, Object, Class, Unknown };
 
-/// Where records stand whose section is not known.
+/// Where records of the type stand.
 Place placeOf(std::string_view type) {
   static const auto setOf = [](DxfType first, DxfType last) {
     std::unordered_set<std::string_view> names;
@@ -80,18 +54,42 @@ Place placeOf(std::string_view type) {
   return type == "CLASS" ? Place::Class : Place::Unknown;
 }
 
+/// The same where nothing but the record itself can tell.
+Place placeOf(const RawRecord& record) {
+  const Place place = placeOf(record.type);
+  if (place != Place::Unknown || !record.isMarked()) return place;
+  if (record.mark == Mark::Entity) return Place::Entity;
+  return record.mark == Mark::Other ? Place::Object : Place::Unknown;
+}
+
+bool isPart(std::string_view type) { return type == "VERTEX" || type == "ATTRIB" || type == "SEQEND"; }
+bool isTableMarker(std::string_view type) { return type == "TABLE" || type == "ENDTAB"; }
+bool isBlockMarker(std::string_view type) { return type == "BLOCK" || type == "ENDBLK"; }
+
+std::string_view withoutHead(std::string_view bytes) {
+  Tag tag;
+  readTag(bytes, tag);
+  return bytes;
+}
+
+std::string_view nameIn(const RawRecord& record) { return trimmed(firstValue(record.bytes, 2).value_or("")); }
+
+/// Puts records in their places. A section that the file names is what its records stand in until it ends; where none is
+/// named, the section is guessed by what stands there.
 class Outliner {
  public:
-  Outliner(std::string_view text, ProblemLog& problems) : text_(text), problems_(problems) {}
+  Outliner(std::string_view text, ProblemLog& problems) : text_(text), problems_(problems), cutter_(text, outline_, problems) {}
 
   Outline run() {
-    if (text_.starts_with("\xEF\xBB\xBF")) position_ = 3;  // a byte order mark
-    while (!sawEof_ && readRecord()) {
+    Cut cut;
+    while (!sawEnd_ && cutter_.next(cut)) {
+      take(cut);
+      cutter_.setSection(section_);
     }
-    if (!sawEof_) problems_.add(text_.data() + text_.size(), 0, "the file ends in the middle (EOF is missing)");
+    if (!sawEnd_) problems_.add(text_.data() + text_.size(), 0, "the file ends in the middle (EOF is missing)");
+    leaveSection();
     std::erase_if(outline_.variables, [&](const Outline::Variable& variable) {
-      std::string_view rest = withoutHead(variable.bytes);
-      if (!rest.empty()) return false;
+      if (!withoutHead(variable.bytes).empty()) return false;
       problems_.leftOut(variable.bytes.data(), variable.name, 0, "the header variable has no value");
       return true;
     });
@@ -99,338 +97,212 @@ class Outliner {
   }
 
  private:
-  enum class Section { None, Header, Classes, Tables, Blocks, Entities, Objects, Other };
-
-  const char* at(std::size_t offset) const { return text_.data() + offset; }
-
-  // ---- cutting ----
-
-  struct Cut {
-    RawRecord record;
-    bool isDamaged = false;
-    bool isCutOff = false;  // by the end of the file
-    std::string clean;      // its tags when lines between them had to go
-    bool isCleaned = false;
-  };
-
-  /// Reads one record and puts it in its place; false at the end of the text.
-  bool readRecord() {
-    if (position_ >= text_.size()) return false;
-    Cut cut;
-    const std::size_t begin = position_;
-    bool hasHead = false;
-    bool hasTags = false;
-    while (position_ < text_.size()) {
-      std::string_view rest = text_.substr(position_);
-      Tag tag;
-      readTag(rest, tag);
-      const std::size_t here = position_;
-      if (tag.code == kBadCode && trimmed(lineAt(text_, here)).empty()) {
-        skipBlankLine(cut, begin, here);
-        continue;
-      }
-      const bool isBadType = tag.code == 0 && !isTypeName(tag.trimmed());
-      if (tag.code == kBadCode || !isGroupCode(tag.code) || isBadType) {
-        if (isLastLine(here) && hasHead) cut.isCutOff = true;
-        damage(cut, here, isBadType, hasHead);
-        break;
-      }
-      if (tag.code == 0 && hasTags) break;
-      hasTags = true;
-      if (tag.code == 0) {
-        hasHead = true;
-        cut.record.type = tag.trimmed();
-        cut.record.at = at(here);
-      }
-      if (rest.empty() && tag.bytes.back() != '\n' && !(tag.code == 0 && tag.value == "EOF")) cut.isCutOff = true;
-      if (rest.empty() && valueIsMissing(tag)) cut.isCutOff = true;
-      if (cut.isCleaned) cut.clean += tag.bytes;
-      position_ = here + tag.bytes.size();
-      noteTag(cut.record, tag);
-    }
-    const std::size_t end = std::min(position_, damagedAt_.value_or(position_));
-    damagedAt_.reset();
-    cut.record.bytes = text_.substr(begin, end - begin);
-    if (cut.isCleaned) {
-      outline_.mended.push_back(std::move(cut.clean));
-      cut.record.bytes = outline_.mended.back();
-    }
-    handleCode_ = 5;
-    isInFront_ = true;
-    isInGroup_ = false;
-    if (position_ >= text_.size() && section_ != Section::None && section_ != Section::Header &&
-        cut.record.type != "ENDSEC" && cut.record.type != "EOF") {
-      cut.isCutOff = true;
-    }
-    if (hasHead) {
-      place(cut);
-    } else {
-      strayTags(cut.record.bytes);
-    }
-    return true;
-  }
-
-  void noteTag(RawRecord& record, const Tag& tag) {
-    if (tag.code == 0) {
-      if (record.type == "DIMSTYLE") handleCode_ = 105;
-    } else if (tag.code == 100) {
-      record.isMarked = true;
-      isInFront_ = false;
-    } else if (tag.code >= 1000) {
-      isInFront_ = false;
-    } else if (tag.code == 102) {
-      isInGroup_ = !tag.trimmed().empty() && tag.trimmed().front() == '{';
-    } else if (isInFront_ && !isInGroup_) {
-      constexpr std::uint64_t kMost = std::uint64_t{1} << 60;
-      if (tag.code == handleCode_ && record.handle == 0) record.handle = tag.handle() < kMost ? tag.handle() : 0;
-      if (tag.code == 330 && record.owner == 0) record.owner = tag.handle() < kMost ? tag.handle() : 0;
-    }
-  }
-
-  bool isLastLine(std::size_t from) const {
-    const std::size_t end = text_.find('\n', from);
-    return end == std::string_view::npos || end + 1 >= text_.size();
-  }
-
-  static bool valueIsMissing(const Tag& tag) {
-    return tag.bytes.find('\n') + 1 == tag.bytes.size() || tag.bytes.find('\n') == std::string_view::npos;
-  }
-
-  /// Group codes are never blank: the line is dropped, the record goes on.
-  void skipBlankLine(Cut& cut, std::size_t begin, std::size_t here) {
-    if (!cut.isCleaned) {
-      cut.isCleaned = true;
-      cut.clean = text_.substr(begin, here - begin);
-    }
-    const std::size_t end = text_.find('\n', here);
-    position_ = end == std::string_view::npos ? text_.size() : end + 1;
-    if (saidBlank_) return;
-    saidBlank_ = true;
-    const bool isAtEnd = text_.find_first_not_of(" \t\r\n", here) == std::string_view::npos;
-    if (!isAtEnd) problems_.add(at(here), 0, "a blank line where a group code should be; skipped");
-  }
-
-  /// Goes on at the next record, or header variable.
-  void damage(Cut& cut, std::size_t here, bool isBadType, bool hasHead) {
-    cut.isDamaged = true;
-    damagedAt_ = here;
-    const std::string_view line = trimmed(lineAt(text_, here));
-    std::string sentence;
-    if (line.starts_with(BinaryForm::kDamage)) {
-      sentence = "byte " + std::string(line.substr(BinaryForm::kDamage.size())) + " and what follows cannot be read";
-    } else {
-      const std::size_t codeEnd = text_.find('\n', here);
-      const bool hasValue = isBadType && codeEnd != std::string_view::npos;
-      sentence =
-          isBadType ? "expected the name of a type, found " + shown(hasValue ? trimmed(lineAt(text_, codeEnd + 1)) : "")
-                    : "expected a group code, found " + shown(line);
-    }
-    reason_ = sentence;
-    if (!hasHead || isMarker(cut.record.type)) problems_.add(at(here), 0, sentence);
-    std::size_t next = text_.find('\n', here);
-    while (next != std::string_view::npos && next + 1 < text_.size()) {
-      const std::size_t line0 = next + 1;
-      const std::size_t lineEnd = text_.find('\n', line0);
-      if (lineEnd == std::string_view::npos) break;
-      const std::string_view code = text_.substr(line0, lineEnd - line0);
-      constexpr std::size_t kLongestCode = 8;
-      if (code.size() <= kLongestCode) {
-        const std::string_view digits = trimmed(code);
-        const bool isZero = digits == "0" && isTypeName(trimmed(lineAt(text_, lineEnd + 1)));
-        const bool isVariable = digits == "9" && trimmed(lineAt(text_, lineEnd + 1)).starts_with("$");
-        if (isZero || (isVariable && section_ == Section::Header)) {
-          position_ = line0;
-          return;
-        }
-      }
-      next = lineEnd;
-    }
-    position_ = text_.size();
-  }
-
-  static bool isMarker(std::string_view type) {
-    return type == "SECTION" || type == "ENDSEC" || type == "TABLE" || type == "ENDTAB" || type == "BLOCK" ||
-           type == "ENDBLK" || type == "EOF" || type == "SEQEND";
-  }
-
-  // ---- placing ----
-
-  void place(Cut& cut) {
-    RawRecord& record = cut.record;
-    const bool isLost = (cut.isDamaged || cut.isCutOff) && !isMarker(record.type);
-    if (isLost) {
-      problems_.leftOut(record.at, record.type, record.handle,
-                        cut.isDamaged && !cut.isCutOff ? reason_ : "cut off by the end of the file");
+  void take(const Cut& cut) {
+    const RawRecord& record = cut.record;
+    if (record.type.empty()) {
+      strayTags(record.bytes);
       return;
     }
-    if (record.type == "EOF") {
-      endSection(record);
-      sawEof_ = true;
+    std::string_view loss = cut.loss;
+    const bool isLast = cutter_.isAtEnd() && record.type != "ENDSEC" && record.type != "EOF";
+    if (isLast && section_ != Section::None && section_ != Section::Header) loss = "cut off by the end of the file";
+    if (!loss.empty() && !isMarker(record.type)) {
+      problems_.leftOut(record.at, record.type, record.handle, loss);
+    } else if (record.type == "EOF") {
+      takeEof(record);
     } else if (record.type == "SECTION") {
       beginSection(record);
     } else if (record.type == "ENDSEC") {
-      if (section_ == Section::None) problems_.add(record.at, 0, "ENDSEC without SECTION");
-      section_ = Section::None;
-      table_.reset();
-      block_ = nullptr;
-      strayTags(withoutHead(record.bytes));
-    } else if (section_ == Section::Other) {
-      outline_.others.back().records.push_back(record);
-    } else if (section_ == Section::Classes) {
-      placeClass(record);
-    } else if (section_ == Section::Tables) {
-      placeInTables(record);
-    } else if (section_ == Section::Blocks) {
-      placeInBlocks(record);
-    } else if (section_ == Section::Entities) {
-      placeEntity(record);
-    } else if (section_ == Section::Objects) {
-      placeObject(record);
+      endSection(record);
     } else {
-      placeByType(record);
+      goOnBehindEndsec(record);
+      place(record);
     }
   }
 
-  static std::string_view withoutHead(std::string_view bytes) {
-    Tag tag;
-    readTag(bytes, tag);
-    return bytes;
-  }
+  // ---- sections ----
 
-  void endSection(const RawRecord& by) {
-    if (section_ != Section::None) problems_.add(by.at, 0, "a section is not ended by ENDSEC");
-    section_ = Section::None;
-    table_.reset();
-    block_ = nullptr;
+  void takeEof(const RawRecord& record) {
+    if (goesOnBehindEof(cutter_.rest(), hadHeader_)) {
+      problems_.leftOut(record.at, record.type, 0, "the file goes on behind it");
+      return;
+    }
+    if (section_ != Section::None) problems_.add(record.at, 0, "a section is not ended by ENDSEC");
+    sawEnd_ = true;
   }
 
   void beginSection(const RawRecord& record) {
-    endSection(record);
     std::string_view rest = withoutHead(record.bytes);
     Tag tag;
-    if (!readTag(rest, tag) || tag.code != 2) {
-      problems_.add(record.at, 0, "a section has no name; what it holds is taken by its kind");
+    const bool hasName = readTag(rest, tag) && tag.code == 2;
+    if (!hasName && isNamed_) {
+      leaveOut(record);
       return;
     }
-    const std::string_view name = tag.trimmed();
-    constexpr std::pair<std::string_view, Section> kSections[] = {
-        {"HEADER", Section::Header}, {"CLASSES", Section::Classes},   {"TABLES", Section::Tables},
-        {"BLOCKS", Section::Blocks}, {"ENTITIES", Section::Entities}, {"OBJECTS", Section::Objects}};
-    section_ = Section::Other;
-    for (const auto& [known, section] : kSections) {
-      if (name == known) section_ = section;
+    if (section_ != Section::None) problems_.add(record.at, 0, "a section is not ended by ENDSEC");
+    leaveSection();
+    ended_.reset();
+    if (!hasName) {
+      problems_.add(record.at, 0, "a section has no name; what it holds is taken by its kind");
+    } else {
+      enterSection(tag.trimmed(), rest);
     }
+  }
+
+  void enterSection(std::string_view name, std::string_view tags) {
+    section_ = sectionOf(name).value_or(Section::Other);
+    isNamed_ = true;
     if (section_ == Section::Header) {
-      readVariables(rest);
+      hadHeader_ = true;
+      readVariables(tags);
     } else if (section_ == Section::Other) {
-      outline_.others.push_back({name, rest, {}});
-    } else if (!rest.empty()) {
+      outline_.others.push_back({name, tags, {}});
+    } else {
+      strayTags(tags);
+    }
+  }
+
+  /// Ends whatever section it is, without saying anything of its end.
+  void leaveSection() {
+    placeOrphans();
+    section_ = Section::None;
+    isNamed_ = false;
+    table_.reset();
+    otherTable_ = nullptr;
+    block_ = closed_ = nullptr;
+  }
+
+  void endSection(const RawRecord& record) {
+    if (section_ == Section::None) problems_.add(record.at, 0, "ENDSEC without SECTION");
+    ended_.reset();
+    if (isNamed_) ended_ = Ended{record.at, section_, table_, otherTable_, block_};
+    leaveSection();
+    std::string_view rest = withoutHead(record.bytes);
+    std::string_view behindName = rest;
+    Tag tag;
+    if (readTag(behindName, tag) && tag.code == 2 && sectionOf(tag.trimmed())) {
+      problems_.add(tag.bytes.data(), 0, "a section begins without SECTION");
+      ended_.reset();
+      enterSection(tag.trimmed(), behindName);
+    } else {
       strayTags(rest);
     }
   }
 
-  void readVariables(std::string_view tags) {
-    Tag tag;
-    while (readTag(tags, tag)) {
-      if (tag.code == 9) {
-        outline_.variables.push_back({tag.trimmed(), tag.bytes});
-      } else if (tag.code != 999 && !outline_.variables.empty()) {
-        std::string_view& bytes = outline_.variables.back().bytes;
-        // Comments between variables would break the range; tags of one follow each other.
-        if (bytes.data() + bytes.size() == tag.bytes.data()) {
-          bytes = {bytes.data(), bytes.size() + tag.bytes.size()};
-        }
+  /// A section that what follows its ENDSEC fits into goes on: the ENDSEC was none.
+  void goOnBehindEndsec(const RawRecord& record) {
+    if (!ended_) return;
+    const Ended ended = *ended_;
+    ended_.reset();
+    if (section_ != Section::None || !fits(record, ended)) return;
+    problems_.leftOut(ended.at, "ENDSEC", 0, "its section goes on behind it");
+    section_ = ended.section;
+    isNamed_ = true;
+    table_ = ended.table;
+    otherTable_ = ended.otherTable;
+    block_ = ended.block;
+  }
+
+  struct Ended {
+    const char* at;
+    Section section;
+    std::optional<std::size_t> table;
+    Outline::Table* otherTable;
+    Outline::Block* block;
+  };
+
+  static bool fits(const RawRecord& record, const Ended& ended) {
+    const bool isOtherMarker = isTableMarker(record.type) || isBlockMarker(record.type);
+    const Place place = placeOf(record);
+    switch (ended.section) {
+      case Section::Tables:
+        return isTableMarker(record.type) || place == Place::TableRecord;
+      case Section::Blocks:
+        if (isBlockMarker(record.type)) return record.type == "BLOCK" || ended.block != nullptr;
+        return ended.block != nullptr && !isOtherMarker && (place == Place::Entity || place == Place::Unknown);
+      case Section::Entities:
+        return !isOtherMarker && (place == Place::Entity || place == Place::Unknown);
+      case Section::Objects:
+        return !isOtherMarker && (place == Place::Object || place == Place::Unknown);
+      case Section::Classes:
+        return place == Place::Class;
+      case Section::Other:
+        return !isOtherMarker && placeOf(record.type) == Place::Unknown;
+      default:
+        return false;
+    }
+  }
+
+  // ---- records ----
+
+  void place(const RawRecord& record) {
+    if (section_ != Section::Other) {
+      const Section home = isTableMarker(record.type)   ? Section::Tables
+                           : isBlockMarker(record.type) ? Section::Blocks
+                                                        : section_;
+      if (home != section_ && isNamed_ && !beginsOther(record)) {
+        leaveOut(record);
+        return;
+      }
+      if (home != section_) {
+        leaveSection();
+        section_ = home;
       }
     }
-  }
-
-  /// Tags that belong to no record: header variables are taken wherever they stand.
-  void strayTags(std::string_view tags) {
-    Tag tag;
-    std::string_view rest = tags;
-    while (readTag(rest, tag) && tag.code == 999) tags = rest;
-    if (tags.empty() || tag.code == 999) return;
-    if (tag.code == 9 && tag.trimmed().starts_with("$")) {
-      if (section_ != Section::Header) {
-        problems_.add(tags.data(), 0, "header variables outside the header; they are taken all the same");
-      }
-      readVariables(tags);
-    } else if (section_ != Section::Header) {
-      problems_.add(tags.data(), 0, "tags outside a record; skipped");
+    switch (section_) {
+      case Section::Other:
+        outline_.others.back().records.push_back(record);
+        break;
+      case Section::Tables:
+        placeInTables(record);
+        break;
+      case Section::Blocks:
+        placeInBlocks(record);
+        break;
+      case Section::Entities:
+        placeIn(outline_.entities, Place::Entity, record);
+        break;
+      case Section::Objects:
+        placeIn(outline_.objects, Place::Object, record);
+        break;
+      case Section::Classes:
+      case Section::Header:
+      case Section::None:
+        placeByKind(record);
     }
   }
 
-  void placeClass(const RawRecord& record) {
-    if (record.type == "CLASS") {
-      outline_.classes.push_back(record);
-    } else {
-      placeByType(record);
+  /// Whether a marker of tables or blocks begins some although another section is open: the lines between are lost then.
+  /// Among entities nobody can tell.
+  bool beginsOther(const RawRecord& record) const {
+    const std::string_view next = cutter_.nextType();
+    if (record.type == "TABLE" && section_ != Section::Entities && block_ == nullptr) {
+      return tableIndex(nameIn(record)) && (next == "ENDTAB" || placeOf(next) == Place::TableRecord);
     }
+    if (record.type == "BLOCK" && section_ != Section::Entities) {
+      return !nameIn(record).empty() && (next == "ENDBLK" || placeOf(next) == Place::Entity);
+    }
+    return false;
   }
 
-  void placeInTables(const RawRecord& record) {
-    if (record.type == "TABLE") {
-      if (table_) problems_.add(record.at, 0, "a table is not ended by ENDTAB");
-      table_ = tableIndex(trimmed(firstValue(record.bytes, 2).value_or("")));
-      if (!table_) {
-        problems_.add(record.at, record.handle, "a table without a known name; its records are taken by their kind");
-      } else if (!outline_.tables[*table_].head) {
-        outline_.tables[*table_].head = record;
-      }
-    } else if (record.type == "ENDTAB") {
-      table_.reset();
-    } else {
-      placeByType(record);
-    }
+  void leaveOut(const RawRecord& marker) {
+    problems_.leftOut(marker.at, marker.type, marker.handle, "nothing of its kind can begin or end here");
+    if (section_ == Section::Header) strayTags(withoutHead(marker.bytes));
   }
 
-  void placeInBlocks(const RawRecord& record) {
-    if (record.type == "BLOCK") {
-      if (block_ != nullptr) problems_.add(record.at, 0, "a block is not ended by ENDBLK");
-      outline_.blocks.push_back({record, std::nullopt, {}});
-      block_ = &outline_.blocks.back();
-    } else if (record.type == "ENDBLK") {
-      if (block_ == nullptr) problems_.add(record.at, record.handle, "ENDBLK without BLOCK");
-      if (block_ != nullptr) block_->end = record;
-      block_ = nullptr;
-    } else if (block_ != nullptr) {
-      block_->entities.push_back(record);
+  void placeIn(std::vector<RawRecord>& records, Place kind, const RawRecord& record) {
+    const Place place = placeOf(record.type);
+    if (place == kind || place == Place::Unknown) {
+      records.push_back(record);
     } else {
-      problems_.leftOut(record.at, record.type, record.handle, "it stands outside a block");
-    }
-  }
-
-  void placeEntity(const RawRecord& record) {
-    if (record.type == "TABLE" || record.type == "ENDTAB" || record.type == "BLOCK" || record.type == "ENDBLK") {
-      placeByType(record);
-    } else if (block_ != nullptr) {
-      block_->entities.push_back(record);
-    } else {
-      outline_.entities.push_back(record);
-    }
-  }
-
-  void placeObject(const RawRecord& record) {
-    if (isMarker(record.type)) {
-      placeByType(record);
-    } else {
-      outline_.objects.push_back(record);
+      placeByKind(record);
     }
   }
 
   /// Records whose section is unknown, or that stand in the wrong one.
-  void placeByType(const RawRecord& record) {
-    if (record.type == "TABLE" || record.type == "ENDTAB") {
-      section_ = Section::Tables;
-      placeInTables(record);
-      return;
-    }
-    if (record.type == "BLOCK" || record.type == "ENDBLK") {
-      section_ = Section::Blocks;
-      placeInBlocks(record);
-      return;
-    }
-    switch (placeOf(record.type)) {
+  void placeByKind(const RawRecord& record) {
+    const Place place = placeOf(record);
+    switch (place) {
       case Place::TableRecord:
         outline_.tables[*tableIndex(record.type)].records.push_back(record);
         break;
@@ -443,26 +315,196 @@ class Outliner {
       case Place::Class:
         outline_.classes.push_back(record);
         break;
-      default:
+      case Place::Unknown:
         problems_.leftOut(record.at, record.type, record.handle, "it stands where nothing of its kind can");
+        return;
+    }
+    const bool isAtHome = section_ == Section::Classes && place == Place::Class;
+    if (isNamed_ && !isAtHome) tellMoved(record, "in the section " + std::string(nameOf(section_)));
+  }
+
+  void tellMoved(const RawRecord& record, const std::string& where) {
+    problems_.add(record.at, record.handle, shown(record.type) + " stood " + where + "; it was moved to its place");
+  }
+
+  // ---- tables ----
+
+  void placeInTables(const RawRecord& record) {
+    const std::optional<std::size_t> index = tableIndex(record.type);
+    if (record.type == "TABLE") {
+      beginTable(record);
+    } else if (record.type == "ENDTAB") {
+      table_.reset();
+      otherTable_ = nullptr;
+    } else if (index) {
+      outline_.tables[*index].records.push_back(record);
+      if (table_ && *table_ != *index) tellMoved(record, "in the table " + std::string(kTableNames[*table_]));
+    } else if (otherTable_ != nullptr && placeOf(record.type) == Place::Unknown) {
+      otherTable_->records.push_back(record);
+    } else {
+      placeByKind(record);
+    }
+  }
+
+  void beginTable(const RawRecord& record) {
+    const std::string_view name = nameIn(record);
+    const bool isOpen = table_ || otherTable_ != nullptr;
+    if (name.empty() && isOpen) {
+      leaveOut(record);
+      return;
+    }
+    if (isOpen) problems_.add(record.at, 0, "a table is not ended by ENDTAB");
+    table_ = tableIndex(name);
+    otherTable_ = nullptr;
+    if (table_ && !outline_.tables[*table_].head) {
+      outline_.tables[*table_].head = record;
+    } else if (table_) {
+      problems_.leftOut(record.at, record.type, record.handle,
+                        "the drawing has a table " + std::string(name) + " already; the records join it");
+    } else if (!name.empty() && record.isMarked()) {
+      otherTable_ = &outline_.otherTables.emplace_back(Outline::Table{record, {}});
+    } else {
+      problems_.leftOut(record.at, record.type, record.handle, "its name is not known; its records are taken by their kind");
+    }
+  }
+
+  // ---- blocks ----
+
+  void placeInBlocks(const RawRecord& record) {
+    if (record.type == "BLOCK") {
+      const std::string_view name = nameIn(record);
+      if (block_ != nullptr && (name.empty() || name == nameIn(block_->begin))) {
+        leaveOut(record);
+        return;
+      }
+      if (block_ != nullptr) problems_.add(record.at, 0, "a block is not ended by ENDBLK");
+      placeOrphans();
+      outline_.blocks.push_back({record, std::nullopt, {}});
+      block_ = &outline_.blocks.back();
+      closed_ = nullptr;
+    } else if (record.type == "ENDBLK") {
+      endBlock(record);
+    } else if (const Place place = placeOf(record.type); place != Place::Entity && place != Place::Unknown) {
+      placeByKind(record);
+    } else if (block_ != nullptr) {
+      block_->entities.push_back(record);
+    } else {
+      placeOutsideBlock(record);
+    }
+  }
+
+  void endBlock(const RawRecord& record) {
+    if (block_ == nullptr && !orphans_.empty()) {
+      // The block is ended twice, with entities between: the first end was none.
+      const RawRecord& former = *closed_->end;
+      problems_.leftOut(former.at, former.type, former.handle, "its block goes on behind it");
+      closed_->entities.insert(closed_->entities.end(), orphans_.begin(), orphans_.end());
+      orphans_.clear();
+      block_ = closed_;
+    }
+    if (block_ == nullptr) {
+      problems_.leftOut(record.at, record.type, record.handle, "no block is open");
+      return;
+    }
+    block_->end = record;
+    closed_ = block_;
+    block_ = nullptr;
+  }
+
+  /// Behind a block's end: of that block when another end comes, else of the space that the entity names.
+  void placeOutsideBlock(const RawRecord& record) {
+    if (!isPart(record.type)) {
+      const bool mayBelong = closed_ != nullptr && (record.owner == 0 || closed_->begin.owner == 0 ||
+                                                    record.owner == closed_->begin.owner);
+      outside_ = mayBelong ? Outside::Orphan : isSpace(record.owner) ? Outside::Space : Outside::Nothing;
+    }
+    if (outside_ == Outside::Orphan) {
+      orphans_.push_back(record);
+    } else if (outside_ == Outside::Space) {
+      outline_.entities.push_back(record);
+      tellMoved(record, "outside a block");
+    } else {
+      problems_.leftOut(record.at, record.type, record.handle, "it stands outside a block");
+    }
+  }
+
+  /// Whether the handle is that of the record of model or paper space.
+  bool isSpace(std::uint64_t owner) const {
+    const std::vector<RawRecord>& records = outline_.tables.back().records;
+    return owner != 0 && std::any_of(records.begin(), records.end(), [&](const RawRecord& record) {
+             if (record.handle != owner) return false;
+             const std::wstring name = text::folded(text::fromUtf8(nameIn(record)));
+             return name == L"*model_space" || name == L"*paper_space";
+           });
+  }
+
+  /// Entities behind a block's end that no other end follows.
+  void placeOrphans() {
+    for (const RawRecord& record : orphans_) {
+      if (!isPart(record.type)) {
+        outside_ = record.owner != 0 && record.owner == closed_->begin.owner ? Outside::Orphan : Outside::Space;
+      }
+      (outside_ == Outside::Orphan ? closed_->entities : outline_.entities).push_back(record);
+      tellMoved(record, "outside a block");
+    }
+    orphans_.clear();
+  }
+
+  // ---- the header, and tags anywhere ----
+
+  void readVariables(std::string_view tags) {
+    Tag tag;
+    bool isLost = false;
+    while (readTag(tags, tag)) {
+      if (tag.code == 9) {
+        outline_.variables.push_back({tag.trimmed(), tag.bytes});
+      } else if (tag.code != 999 && !outline_.variables.empty()) {
+        std::string_view& bytes = outline_.variables.back().bytes;
+        if (bytes.data() + bytes.size() == tag.bytes.data()) {
+          bytes = {bytes.data(), bytes.size() + tag.bytes.size()};
+        } else {  // a comment, or something that was left out, stands between the tags of one variable
+          outline_.mended.push_back(std::string(bytes).append(tag.bytes));
+          bytes = outline_.mended.back();
+        }
+      } else if (tag.code != 999 && !std::exchange(isLost, true)) {
+        problems_.add(tag.bytes.data(), 0, "a value without a header variable; skipped");
+      }
+    }
+  }
+
+  /// Tags that belong to no record: header variables are taken wherever they stand.
+  void strayTags(std::string_view tags) {
+    Tag tag;
+    std::string_view rest = tags;
+    while (readTag(rest, tag) && tag.code == 999) tags = rest;
+    if (tags.empty() || tag.code == 999) return;
+    const bool isVariable = tag.code == 9 && tag.trimmed().starts_with("$");
+    if (isVariable && section_ != Section::Header) {
+      problems_.add(tags.data(), 0, "header variables outside the header; they are taken all the same");
+    }
+    if (isVariable || section_ == Section::Header) {
+      readVariables(tags);
+    } else {
+      problems_.add(tags.data(), 0, "tags outside a record; skipped");
     }
   }
 
   std::string_view text_;
   ProblemLog& problems_;
   Outline outline_;
-  std::size_t position_ = 0;
+  Cutter cutter_;
+  bool sawEnd_ = false;
+  bool hadHeader_ = false;
+
   Section section_ = Section::None;
+  bool isNamed_ = false;        // by the file; otherwise it is a guess
+  std::optional<Ended> ended_;  // the section whose ENDSEC was just met
   std::optional<std::size_t> table_;
-  Outline::Block* block_ = nullptr;  // the last of the blocks, while it is open
-  bool sawEof_ = false;
-  bool saidBlank_ = false;
-  std::optional<std::size_t> damagedAt_;
-  std::string reason_;
-  // Of the record being read.
-  int handleCode_ = 5;
-  bool isInFront_ = true;
-  bool isInGroup_ = false;
+  Outline::Table* otherTable_ = nullptr;
+  Outline::Block* block_ = nullptr;   // the last of the blocks, while it is open
+  Outline::Block* closed_ = nullptr;  // the last of the blocks, once it is closed
+  std::vector<RawRecord> orphans_;    // behind its end
+  enum class Outside { Orphan, Space, Nothing } outside_ = Outside::Nothing;  // where the last one outside a block went
 };
 
 }  // namespace

@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 #include "Database/Parts.h"
+#include "Dxf/Outline.h"
 #include "Dxf/Problems.h"
 #include "Dxf/Scanner.h"
 #include "Text/Text.h"
@@ -34,7 +36,8 @@ class Reader {
   void read(std::string text) {
     parts_.text = std::move(text);
     parts_.fileName = name_;
-    scanner_ = Scanner(parts_.text);
+    isUtf8_ = parts_.text.starts_with(kUtf8Mark);
+    scanner_ = Scanner(parts_.text, isUtf8_ ? kUtf8Mark.size() : 0);
     const std::size_t firstLine = parts_.text.find('\n');
     parts_.lineEnd =
         firstLine != std::string::npos && firstLine > 0 && parts_.text[firstLine - 1] == '\r' ? "\r\n" : "\n";
@@ -53,8 +56,10 @@ class Reader {
       if (token.code == 999) continue;
       if (token.code != 0) fail(token.offset, "expected a section, found group " + spelled(token));
       if (token.value == "EOF") {
+        if (goesOnBehindEof(std::string_view(parts_.text).substr(scanner_.offset()), parts_.header != nullptr)) {
+          fail(token.offset, "EOF stands in the middle of the file");
+        }
         parts_.fileEnd = token.offset;
-        sawEof_ = true;
         return;
       }
       if (token.value != "SECTION") fail(token.offset, "expected a section, found " + shown(token.value));
@@ -63,7 +68,7 @@ class Reader {
       if (section == "HEADER") {
         readHeader();
       } else if (section == "CLASSES") {
-        parts_.classes = partSlot(DxfType::Classes);
+        parts_.classes = partSlot(DxfType::Classes, "CLASS");
       } else if (section == "TABLES") {
         readTables();
       } else if (section == "BLOCKS") {
@@ -88,23 +93,28 @@ class Reader {
     return std::to_string(token.code);
   }
 
-  /// Leaves the scanner behind ENDSEC; answers the offset of ENDSEC.
-  std::size_t skipToEnd() {
+  /// Leaves the scanner behind ENDSEC; answers the offset of ENDSEC. `only` is the type of records that the section may
+  /// have; nothing: any.
+  std::size_t skipToEnd(std::optional<std::string_view> only = {}) {
     Token token;
     while (scanner_.next(token)) {
-      if (token.code == 0 && token.value == "ENDSEC") return token.offset;
       if (token.code == kBadCode) fail(token.offset, "expected a group code, found " + spelled(token));
-      if (token.code == 0 && (token.value == "SECTION" || token.value == "EOF")) {
-        fail(token.offset, "a section is not ended by ENDSEC");
-      }
+      if (token.code != 0) continue;
+      if (token.value == "ENDSEC") return token.offset;
+      if (token.value == "SECTION" || token.value == "EOF") fail(token.offset, "a section is not ended by ENDSEC");
+      if (only && token.value != *only) failMisplaced(token);
     }
     fail(parts_.text.size(), "the file ends inside a section");
   }
 
+  [[noreturn]] void failMisplaced(const Token& head) const {
+    fail(head.offset, shown(head.value) + " cannot stand in this section");
+  }
+
   /// A section whose whole content is edited as one record.
-  Slot* partSlot(DxfType type) {
+  Slot* partSlot(DxfType type, std::string_view recordType) {
     const std::size_t begin = scanner_.offset();
-    const std::size_t end = skipToEnd();
+    const std::size_t end = skipToEnd(recordType);
     Slot* const slot = parts_.slots.make();
     slot->type = type;
     slot->begin = parts_.text.data() + begin;
@@ -119,16 +129,15 @@ class Reader {
   }
 
   void readHeader() {
-    parts_.header = partSlot(DxfType::Header);
+    parts_.header = partSlot(DxfType::Header, "");
     parts_.variables.clear();
     const std::string version = text::toUtf8(db_.headerText("$ACADVER", 1).value_or(L""));
     checkVersion(version);
-    if (parts_.version < DrawingVersion::V2007) {
+    if (parts_.version < DrawingVersion::V2007 && !isUtf8_) {
       parts_.codec = text::Codec::forCodePage(text::toUtf8(db_.headerText("$DWGCODEPAGE", 3).value_or(L"ANSI_1252")));
     }
     if (const auto seed = db_.headerText("$HANDSEED", 5)) {
-      constexpr std::uint64_t kMost = std::uint64_t{1} << 60;
-      parts_.nextHandle = std::clamp<std::uint64_t>(text::parseHandle(text::toUtf8(*seed)), 1, kMost);
+      parts_.nextHandle = text::parseHandle(text::toUtf8(*seed));
     }
   }
 
@@ -189,23 +198,28 @@ class Reader {
       scanner_.take(token);
       if (token.code >= 1000) {
         slot->flags |= database::kHasXData;
+        if (subclasses == 0) continue;  // nothing of the object's own may follow
         skipTail(*slot);
         break;
       }
+      if ((slot->flags & database::kHasXData) != 0 && token.code != 999) {
+        fail(token.offset, "extended data stand in front of the object's own");
+      }
       if (token.code == 102) {
-        inGroup = !token.value.empty() && token.trimmed().front() == '{';
+        inGroup = token.trimmed().starts_with("{");
         continue;
       }
       if (inGroup) continue;
       switch (token.code) {
         case 5:
-          if (subclasses == 0 && slot->handle == 0 && type != DxfType::DimStyle) slot->handle = handleOf(token);
+          if (subclasses == 0 && type != DxfType::DimStyle) takeHandle(*slot, token);
+          if (subclasses == 1 && isEntity && slot->handle == 0) fail(token.offset, "the handle stands in the wrong place");
           break;
         case 105:
-          if (subclasses == 0 && slot->handle == 0) slot->handle = handleOf(token);
+          if (subclasses == 0) takeHandle(*slot, token);
           break;
         case 330:
-          if (subclasses == 0 && scanned.owner == 0) scanned.owner = handleOf(token);
+          if (subclasses == 0 && scanned.owner == 0) scanned.owner = text::parseHandle(token.trimmed());
           break;
         case 8:
           if (isEntity && slot->layer == 0) slot->layer = parts_.internLayer(token.value);
@@ -272,11 +286,10 @@ class Reader {
     return (flags & 32) != 0 ? DxfType::Vertex3d : DxfType::Vertex2d;
   }
 
-  /// Handles no program gives out would leave no room for new ones; an object with one gets another.
-  static std::uint64_t handleOf(const Token& token) {
-    constexpr std::uint64_t kMost = std::uint64_t{1} << 60;
-    const std::uint64_t handle = text::parseHandle(token.trimmed());
-    return handle < kMost ? handle : 0;
+  void takeHandle(Slot& slot, const Token& token) const {
+    if (slot.handle != 0) fail(token.offset, "the object has two handles");
+    slot.handle = handleIn(token.value);
+    if (slot.handle == 0) fail(token.offset, shown(token.value) + " is no handle");
   }
 
   // ---- sections ----
@@ -300,7 +313,7 @@ class Reader {
   void readTable(const Token& begin) {
     const Scanned head = scanRecord(begin, Kind::TablePart);
     head.slot->type = DxfType::TableHead;
-    const DxfType recordType = parts_.typeOf(head.name);
+    const DxfType recordType = parts_.typeOf(trimmed(head.name));
     SymbolTable& table = parts_.tables[recordType];
     const bool isFirst = table.head == nullptr;  // a table twice: records join, the first head stays
     if (isFirst) table.head = head.slot;
@@ -312,6 +325,9 @@ class Reader {
       }
       if (token.value == "ENDSEC" || token.value == "EOF") break;
       const Scanned record = scanRecord(token, Kind::TablePart);
+      // Tables of unknown names have records of any unknown type.
+      const DxfType type = record.slot->type;
+      if (type != recordType && (type < DxfType::FirstOther || recordType < DxfType::FirstOther)) failMisplaced(token);
       record.slot->owner = table.head;
       table.records.push_back(record.slot);
       table.byName.try_emplace(parts_.codec.decode(record.name), record.slot);
@@ -350,6 +366,7 @@ class Reader {
   std::size_t readEntities(PendingBlock* block) {
     Slot* compound = nullptr;  // polyline or reference whose parts follow
     Slot** link = nullptr;
+    bool isEnded = false;  // by SEQEND, just now
     Token token;
     while (scanner_.next(token)) {
       if (token.code == 999) continue;
@@ -368,15 +385,19 @@ class Reader {
         block->end = slot;
         return token.offset;
       }
+      if (!isEntityType(slot->type) || token.value == "ENDTAB") failMisplaced(token);
       const bool isPart = compound != nullptr && isPartType(slot->type);
       if (isPart) {
         slot->flags |= database::kSubEntity;
         slot->owner = compound;
         *link = slot;
         link = &slot->nextSub;
-        if (slot->type == DxfType::SeqEnd) compound = nullptr;
+        isEnded = slot->type == DxfType::SeqEnd;
+        if (isEnded) compound = nullptr;
         continue;
       }
+      if (isEnded && isPartType(slot->type)) fail(token.offset, shown(token.value) + " stands behind its SEQEND");
+      isEnded = false;
       compound = nullptr;
       if (isOldPolyline(slot->type) || (slot->type == DxfType::Insert && scanned.hasAttributes)) {
         compound = slot;
@@ -392,6 +413,12 @@ class Reader {
     fail(parts_.text.size(), "the file ends inside entities");
   }
 
+  /// Types that may stand in blocks. Those that are not known are taken for what their section holds.
+  static bool isEntityType(DxfType type) { return type < DxfType::Block || type >= DxfType::FirstOther; }
+  static bool isObjectType(DxfType type) {
+    return type == DxfType::Unknown || (type >= DxfType::Dictionary && type <= DxfType::Layout) ||
+           type >= DxfType::FirstOther;
+  }
   static bool isPartType(DxfType type) {
     return type == DxfType::Vertex2d || type == DxfType::Vertex3d || type == DxfType::VertexOther ||
            type == DxfType::Attrib || type == DxfType::SeqEnd;
@@ -410,6 +437,7 @@ class Reader {
       if (token.value == "EOF" || token.value == "SECTION") fail(token.offset, "a section is not ended by ENDSEC");
       needVersion(token.offset);
       const Scanned object = scanRecord(token, Kind::Object);
+      if (!isObjectType(object.slot->type) || token.value == "ENDTAB") failMisplaced(token);
       const bool isDictionary = object.slot->type == DxfType::Dictionary;
       if (parts_.root == nullptr && isDictionary && object.owner == 0) parts_.root = object.slot;
       if (firstDictionary_ == nullptr && isDictionary) firstDictionary_ = object.slot;
@@ -477,10 +505,10 @@ class Reader {
       block.entities = std::move(pending.entities);
       parts_.blockOrder.push_back(record);
     }
-    parts_.modelSpaceRecord = db_.findRecord(DxfType::BlockRecord, L"*Model_Space");
+    parts_.modelSpaceRecord = findSpace(L"*Model_Space");
     if (parts_.modelSpaceRecord == nullptr) throw ReadError{0, "the drawing has no model space"};
     parts_.contents(parts_.modelSpaceRecord).record = parts_.modelSpaceRecord;
-    parts_.paperSpaceRecord = db_.findRecord(DxfType::BlockRecord, L"*Paper_Space");
+    parts_.paperSpaceRecord = findSpace(L"*Paper_Space");
     if (parts_.paperSpaceRecord != nullptr) parts_.contents(parts_.paperSpaceRecord).record = parts_.paperSpaceRecord;
     for (Slot* const entity : entities_) {
       Slot* owner = entity->owner;
@@ -493,6 +521,15 @@ class Reader {
     }
   }
 
+  /// The record of a space; some write blanks around its name.
+  Slot* findSpace(std::wstring_view name) const {
+    if (Slot* const record = db_.findRecord(DxfType::BlockRecord, name)) return record;
+    for (Slot* const record : db_.records(DxfType::BlockRecord)) {
+      if (text::equalFolded(text::fromUtf8(trimmed(text::toUtf8(db_.recordName(*record)))), name)) return record;
+    }
+    return nullptr;
+  }
+
   DrawingDatabase& db_;
   DrawingDatabase::Parts& parts_;
   std::string name_;
@@ -502,7 +539,7 @@ class Reader {
   std::vector<Slot*> entities_;
   Slot* firstDictionary_ = nullptr;
   bool versionKnown_ = false;
-  bool sawEof_ = false;
+  bool isUtf8_ = false;  // by its first bytes, whatever the version
 };
 
 }  // namespace

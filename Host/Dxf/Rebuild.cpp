@@ -4,6 +4,8 @@
 #include <charconv>
 
 #include "Database/DefaultDrawing.h"
+#include "Database/FreeHandles.h"
+#include "Database/Insertion.h"
 #include "Dxf/Rebuilder.h"
 #include "Text/Text.h"
 
@@ -18,6 +20,13 @@ std::string_view programOf(int version) {
     if (version >= first) return name;
   }
   return "old";
+}
+
+std::string upperCase(std::string_view text) {
+  std::string upper(text);
+  std::transform(upper.begin(), upper.end(), upper.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return upper;
 }
 
 /// Variables that drawings of 2000 no longer have.
@@ -59,6 +68,7 @@ Rebuilt Rebuilder::run() {
   result.wasUpgraded = isOld_;
   std::string& out = result.text;
   out.reserve(expectedSize());
+  if (outline_.isUtf8) out += kUtf8Mark;
   writeHeader(out);
   writeClasses(out);
   writeSection(out, "TABLES", [&] { writeTables(out); });
@@ -71,7 +81,7 @@ Rebuilt Rebuilder::run() {
   for (const Outline::Section& section : outline_.others) {
     writeSection(out, section.name, [&] {
       out += section.front;
-      for (const RawRecord& record : section.records) out += record.bytes;
+      for (const RawRecord& record : section.records) out += withNewHandles(record.bytes);
     });
   }
   out += writer().raw(0, "EOF").str();
@@ -86,10 +96,10 @@ std::optional<std::string_view> Rebuilder::variable(std::string_view name, int c
 }
 
 bool Rebuilder::hasMarks() const {
-  const auto isMarked = [](const RawRecord& record) { return record.isMarked; };
+  const auto isMarked = [](const RawRecord& record) { return record.isMarked(); };
   return std::any_of(outline_.entities.begin(), outline_.entities.end(), isMarked) ||
          std::any_of(outline_.blocks.begin(), outline_.blocks.end(),
-                     [&](const Outline::Block& block) { return block.begin.isMarked; }) ||
+                     [&](const Outline::Block& block) { return block.begin.isMarked(); }) ||
          std::any_of(outline_.objects.begin(), outline_.objects.end(), isMarked);
 }
 
@@ -109,31 +119,76 @@ void Rebuilder::findVersion() {
     problems_.note("the drawing is of version AC" + std::to_string(number) + " (" + std::string(programOf(number)) +
                    "); it was upgraded to AC1015 (2000)");
   }
-  if (version_ < kFirstUtf8Version) {
-    codePage_ = std::string(trimmed(variable("$DWGCODEPAGE", 3).value_or("ANSI_1252")));
-    codec_ = text::Codec::forCodePage(codePage_);
-  } else {
-    codePage_ = std::string(trimmed(variable("$DWGCODEPAGE", 3).value_or("ANSI_1252")));
-  }
+  codePage_ = std::string(trimmed(variable("$DWGCODEPAGE", 3).value_or("ANSI_1252")));
+  if (version_ < kFirstUtf8Version && !outline_.isUtf8) codec_ = text::Codec::forCodePage(codePage_);
 }
 
 void Rebuilder::giveHandles() {
+  std::vector<std::uint64_t> given;
   forEachRecord([&](RawRecord& record, Kind) {
     if (record.handle == 0) return;
-    nextHandle_ = std::max(nextHandle_, record.handle + 1);
-    if (!handles_.insert(record.handle).second) {
+    if (handles_.insert(record.handle).second) {
+      given.push_back(record.handle);
+    } else {
       problems_.add(record.at, record.handle,
                     "the handle is used twice; this " + std::string(record.type.substr(0, 40)) + " gets another");
       record.handle = 0;
     }
   });
+  std::sort(given.begin(), given.end());
+  highestHandle_ = given.empty() ? 0 : given.back();
+  Tag seed;
+  seed.value = variable("$HANDSEED", 5).value_or("");
+  seed_ = seed.handle();
+  nextHandle_ = database::findFreeHandles(given, highestHandle_, seed_).begin;
   forEachRecord([&](RawRecord& record, Kind) {
-    if (record.handle == 0) record.handle = newHandle();
+    if (record.handle != 0) return;
+    record.handle = newHandle();
+    const auto odd = outline_.oddHandles.find(record.at);
+    if (odd == outline_.oddHandles.end() || odd->second.handle.empty()) return;
+    problems_.add(record.at, record.handle,
+                  shown(odd->second.handle) + " is no handle; this " + std::string(record.type.substr(0, 40)) +
+                      " gets another, and so does what names it");
+    newHandles_.try_emplace(upperCase(odd->second.handle), record.handle);
+  });
+  forEachRecord([&](RawRecord& record, Kind) {
+    if (record.owner != 0 || newHandles_.empty()) return;
+    const auto odd = outline_.oddHandles.find(record.at);
+    Tag owner;
+    if (odd != outline_.oddHandles.end()) owner.value = odd->second.owner;
+    record.owner = resolved(owner);
   });
   // Handles of added objects keep their distances.
   basicOffset_ = nextHandle_;
   constexpr std::uint64_t kRoom = 0x100;
   nextHandle_ += kRoom;
+}
+
+std::uint64_t Rebuilder::resolved(const Tag& tag) const {
+  if (newHandles_.empty()) return tag.handle();
+  if (const std::uint64_t handle = handleIn(tag.value); handle != 0) return handle;
+  const auto found = newHandles_.find(upperCase(tag.trimmed()));
+  return found != newHandles_.end() ? found->second : 0;
+}
+
+bool Rebuilder::namesNew(const Tag& tag, bool isSortTable) const {
+  const bool isReference =
+      (tag.code >= 320 && tag.code < 330) || database::holdsHandle(tag.code) || (tag.code == 5 && isSortTable);
+  return isReference && !newHandles_.empty() && handleIn(tag.value) == 0 && resolved(tag) != 0;
+}
+
+std::string Rebuilder::withNewHandles(std::string_view bytes) const {
+  if (newHandles_.empty()) return std::string(bytes);
+  TagWriter tags = writer();
+  Tag tag;
+  while (readTag(bytes, tag)) {
+    if (namesNew(tag, false)) {
+      tags.handle(tag.code, resolved(tag));
+    } else {
+      tags.bytes(tag.bytes);
+    }
+  }
+  return tags.take();
 }
 
 std::uint64_t Rebuilder::newHandle() {
@@ -158,7 +213,8 @@ std::size_t Rebuilder::expectedSize() {
 std::uint64_t Rebuilder::seed() {
   std::uint64_t count = 1;
   forEachRecord([&](const RawRecord&, Kind) { ++count; });
-  return nextHandle_ + count;
+  // A seed that falls would give new objects the handles of some that are gone.
+  return std::max(seed_, database::leastSeed(highestHandle_, nextHandle_ + count));
 }
 
 void Rebuilder::writeHeader(std::string& out) {
@@ -172,14 +228,18 @@ void Rebuilder::writeHeader(std::string& out) {
   std::unordered_set<std::string_view> written;
   bool hasSeed = false;
   for (const Outline::Variable& one : outline_.variables) {
-    if (!written.insert(one.name).second || (isOld_ && isObsolete(one.name))) continue;
+    if (isOld_ && isObsolete(one.name)) continue;
+    if (!written.insert(one.name).second) {
+      problems_.leftOut(one.bytes.data(), one.name, 0, "the header has the variable already");
+      continue;
+    }
     if (one.name == "$ACADVER" && !keepsVersion) continue;
     if (one.name == "$HANDSEED") {
       hasSeed = true;
       content += writer().raw(9, one.name).handle(5, next).str();
       continue;
     }
-    content += one.bytes;
+    content += withNewHandles(one.bytes);
     if (!content.ends_with('\n')) content += lineEnd_;
   }
   if (!written.contains("$DWGCODEPAGE")) content += writer().raw(9, "$DWGCODEPAGE").raw(3, codePage_).str();

@@ -12,7 +12,7 @@ namespace host::dxf {
 void Rebuilder::writeBlock(std::string& out, Outline::Block& block) {
   const std::uint64_t owner = block.begin.owner;
   RawRecord begin = block.begin;
-  if (begin.isMarked) {
+  if (begin.isMarked()) {
     emit(out, begin, owner, Kind::Entity);
   } else {
     TagWriter tags = writer();
@@ -54,7 +54,7 @@ int Rebuilder::flagsOf(const RawRecord& record) {
 }
 
 std::uint64_t Rebuilder::partOwner(const RawRecord& part, const RawRecord& whole, std::uint64_t owner) {
-  return part.owner == owner && part.isMarked ? owner : whole.handle;
+  return part.owner == owner && part.isMarked() ? owner : whole.handle;
 }
 
 std::string Rebuilder::whyNot(const RawRecord& record) const {
@@ -104,6 +104,49 @@ void Rebuilder::cutBlockCycles() {
   }
 }
 
+/// A reference's tags with the one that says that attributes follow.
+std::string Rebuilder::withAttributesAnnounced(std::string_view bytes) const {
+  TagWriter tags = writer();
+  bool isSaid = false;
+  Tag tag;
+  while (readTag(bytes, tag)) {
+    if (tag.code == 66) continue;
+    if (tag.code == 2 && !std::exchange(isSaid, true)) tags.integer(66, 1);
+    tags.bytes(tag.bytes);
+  }
+  return tags.take();
+}
+
+Rebuilder::Parts Rebuilder::takeParts(std::vector<RawRecord>& records, std::size_t& next) {
+  RawRecord& whole = records[next - 1];
+  const bool isPolyline = whole.type == "POLYLINE";
+  const std::string_view type = isPolyline ? "VERTEX" : "ATTRIB";
+  const auto isType = [&](std::size_t index, std::string_view wanted) {
+    return index < records.size() && records[index].type == wanted;
+  };
+  Parts parts;
+  Tag announced;
+  announced.value = firstValue(whole.bytes, 66).value_or("");
+  parts.areAnnounced = isPolyline || announced.integer() != 0;
+  if (!parts.areAnnounced && isType(next, type)) {
+    parts.areAnnounced = true;
+    whole.bytes = keep(withAttributesAnnounced(whole.bytes));
+    problems_.add(whole.at, whole.handle, "it did not say that it has attributes; they were given back to it");
+  }
+  if (!parts.areAnnounced) return parts;
+  for (;; ++next) {
+    if (isType(next, type)) {
+      parts.records.push_back(&records[next]);
+    } else if (isType(next, "SEQEND") && isType(next + 1, type)) {
+      problems_.leftOut(records[next].at, "SEQEND", records[next].handle, "what it ends goes on behind it");
+    } else {
+      break;
+    }
+  }
+  if (isType(next, "SEQEND")) parts.end = &records[next++];
+  return parts;
+}
+
 void Rebuilder::writeEntityList(std::string& out, std::vector<RawRecord>& records, const OwnerOf& ownerOf) {
   for (std::size_t i = 0; i < records.size();) {
     RawRecord& record = records[i++];
@@ -112,44 +155,34 @@ void Rebuilder::writeEntityList(std::string& out, std::vector<RawRecord>& record
       continue;
     }
     const bool isPolyline = record.type == "POLYLINE";
-    bool hasParts = isPolyline;
-    if (record.type == "INSERT") {
-      Tag tag;
-      tag.value = firstValue(record.bytes, 66).value_or("");
-      hasParts = tag.integer() != 0;
-    }
-    const std::size_t firstPart = i;
-    const std::string_view partType = isPolyline ? "VERTEX" : "ATTRIB";
-    while (hasParts && i < records.size() && records[i].type == partType) ++i;
-    const std::size_t endOfParts = i;
-    const bool hasEnd = hasParts && i < records.size() && records[i].type == "SEQEND";
-    if (hasEnd) ++i;
+    const Parts parts = isPolyline || record.type == "INSERT" ? takeParts(records, i) : Parts();
     if (const std::string why = whyNot(record); !why.empty()) {
       problems_.leftOut(record.at, record.type, record.handle, why);
+      for (const RawRecord* const part : parts.records) {
+        problems_.leftOut(part->at, part->type, part->handle, "its reference was left out");
+      }
       continue;
     }
     const std::uint64_t owner = ownerOf(record);
     const bool isLight = isPolyline && isOld_ && isLightweight(record);
-    if (isPolyline && firstPart == endOfParts) {
+    if (isPolyline && parts.records.empty()) {
       problems_.leftOut(record.at, record.type, record.handle, "it has no vertices");
       continue;
     }
     if (isLight) {
       TagWriter tags = writer();
-      const std::vector<RawRecord> vertices(records.begin() + static_cast<std::ptrdiff_t>(firstPart),
-                                            records.begin() + static_cast<std::ptrdiff_t>(endOfParts));
-      writeLightweight(tags, record, vertices, {record.handle, owner});
+      writeLightweight(tags, record, parts.records, {record.handle, owner});
       out += tags.str();
       continue;
     }
     emit(out, record, owner, Kind::Entity);
     const int flags = isPolyline ? flagsOf(record) : 0;
-    for (std::size_t part = firstPart; part < endOfParts; ++part) {
-      emit(out, records[part], partOwner(records[part], record, owner), Kind::Entity, flags);
+    for (RawRecord* const part : parts.records) {
+      emit(out, *part, partOwner(*part, record, owner), Kind::Entity, flags);
     }
-    if (hasEnd) {
-      emit(out, records[i - 1], partOwner(records[i - 1], record, owner), Kind::Entity);
-    } else if (hasParts) {
+    if (parts.end != nullptr) {
+      emit(out, *parts.end, partOwner(*parts.end, record, owner), Kind::Entity);
+    } else if (parts.areAnnounced) {
       if (!isOld_) problems_.add(record.at, record.handle, "it is not ended by SEQEND; one was added");
       TagWriter tags = writer();
       tags.raw(0, "SEQEND").handle(5, newHandle()).handle(330, record.handle).raw(100, "AcDbEntity");

@@ -71,7 +71,7 @@ void Rebuilder::settleOwners() {
     if (!isDictionary(record)) continue;
     Tag tag;
     for (std::string_view rest = record.bytes; readTag(rest, tag) && tag.code < 1000;) {
-      if (tag.code == 350 || tag.code == 360) listed.try_emplace(tag.handle(), record.handle);
+      if (tag.code == 350 || tag.code == 360) listed.try_emplace(resolved(tag), record.handle);
     }
   }
   const auto mend = [&](RawRecord& record, const char* why) {

@@ -31,7 +31,7 @@ void Rebuilder::emitBasic(std::string& out, const RawRecord& record, std::uint64
 }
 
 void Rebuilder::emit(std::string& out, RawRecord& record, std::uint64_t owner, Kind kind, int polylineFlags) {
-  if (kind != Kind::Entity || record.isMarked) {
+  if (kind != Kind::Entity || record.isMarked()) {
     emitMended(out, record, owner, kind);
     return;
   }
@@ -40,7 +40,7 @@ void Rebuilder::emit(std::string& out, RawRecord& record, std::uint64_t owner, K
   RawRecord marked = record;
   const std::string bytes = tags.take();
   marked.bytes = bytes;
-  marked.isMarked = true;
+  marked.mark = Mark::Entity;
   emitMended(out, marked, owner, kind);
 }
 
@@ -53,6 +53,7 @@ void Rebuilder::emitMended(std::string& out, const RawRecord& record, std::uint6
   bool hasOwner = false;
   bool hasEntries = &record != root_ || missingEntries_.empty();
   const int handleCode = record.type == "DIMSTYLE" ? 105 : 5;
+  const bool isSortTable = record.type == "SORTENTSTABLE";
   // Nothing behind may change while the front is incomplete: the handle goes first, the owner ends it.
   const auto endFront = [&] {
     if (isInGroup) {
@@ -85,7 +86,7 @@ void Rebuilder::emitMended(std::string& out, const RawRecord& record, std::uint6
     }
     if (tag.code == 102) isInGroup = tag.trimmed().starts_with("{");
     if (isFront && !isInGroup && tag.code == handleCode) {
-      if (!hasHandle && tag.handle() == record.handle) {
+      if (!hasHandle && handleIn(tag.value) == record.handle) {  // otherwise there are two, or it was replaced
         tags.bytes(tag.bytes);
       } else {
         if (!hasHandle) tags.handle(handleCode, record.handle);
@@ -95,12 +96,12 @@ void Rebuilder::emitMended(std::string& out, const RawRecord& record, std::uint6
       continue;
     }
     if (isFront && !isInGroup && tag.code == 330) {
-      if (!hasOwner && tag.handle() == owner) {
+      if (!hasOwner && handleIn(tag.value) == owner) {
         tags.bytes(tag.bytes);
       } else {
         if (!hasOwner) tags.handle(330, owner);
         isChanged = true;
-        if (!isOld_ && kind != Kind::Object && tag.handle() != 0) {
+        if (!isOld_ && kind != Kind::Object && handleIn(tag.value) != 0) {
           problems_.add(record.at, record.handle, "the owner was not the one it should have; it was mended");
         }
       }
@@ -110,13 +111,18 @@ void Rebuilder::emitMended(std::string& out, const RawRecord& record, std::uint6
     if (!isInGroup && tag.code == 3 && kind == Kind::Object && isDictionary(record)) {
       std::string_view next = rest;
       Tag entry;
-      if (readTag(next, entry) && (entry.code == 350 || entry.code == 360) && !handles_.contains(entry.handle())) {
+      if (readTag(next, entry) && (entry.code == 350 || entry.code == 360) && !handles_.contains(resolved(entry))) {
         problems_.add(tag.bytes.data(), record.handle,
                       "the entry " + shownName(tag.value) + " names an object that is not in the drawing; removed");
         rest = next;
         isChanged = true;
         continue;
       }
+    }
+    if (namesNew(tag, isSortTable && !isFront)) {
+      tags.handle(tag.code, resolved(tag));
+      isChanged = true;
+      continue;
     }
     if (kind == Kind::TableRecord && record.type == "BLOCK_RECORD" && tag.code == 340 && !isInGroup &&
         tag.handle() == 0 && layoutOf(record.handle) != 0) {

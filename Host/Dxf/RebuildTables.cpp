@@ -146,7 +146,7 @@ void Rebuilder::writeTables(std::string& out) {
   for (std::size_t i = 0; i < kTableNames.size(); ++i) {
     Outline::Table& table = outline_.tables[i];
     RawRecord& head = *table.head;
-    if (head.isOwn && head.isMarked) {
+    if (head.isOwn && head.isMarked()) {
       emit(out, head, 0, Kind::TableRecord);
     } else {
       TagWriter tags = writer();
@@ -158,7 +158,7 @@ void Rebuilder::writeTables(std::string& out) {
     for (RawRecord& record : table.records) {
       if (!record.isOwn) {
         emitBasic(out, record, head.handle);
-      } else if (record.isMarked) {
+      } else if (record.isMarked()) {
         emit(out, record, head.handle, Kind::TableRecord);
       } else {
         TagWriter tags = writer();
@@ -167,6 +167,11 @@ void Rebuilder::writeTables(std::string& out) {
         out += tags.str();
       }
     }
+    out += writer().raw(0, "ENDTAB").str();
+  }
+  for (Outline::Table& table : outline_.otherTables) {
+    emit(out, *table.head, 0, Kind::TableRecord);
+    for (RawRecord& record : table.records) emit(out, record, table.head->handle, Kind::TableRecord);
     out += writer().raw(0, "ENDTAB").str();
   }
 }

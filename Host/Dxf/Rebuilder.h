@@ -38,12 +38,6 @@ inline constexpr int kFirstUtf8Version = 1021;
 
 enum class Kind { Entity, TableRecord, Object };
 
-inline std::string_view trimmed(std::string_view text) {
-  Tag tag;
-  tag.value = text;
-  return tag.trimmed();
-}
-
 /// Rebuilds one drawing: `run` may be called once.
 class Rebuilder {
  public:
@@ -71,6 +65,10 @@ class Rebuilder {
       if (table.head) visit(*table.head, Kind::TableRecord);
       for (RawRecord& record : table.records) visit(record, Kind::TableRecord);
     }
+    for (Outline::Table& table : outline_.otherTables) {
+      visit(*table.head, Kind::TableRecord);
+      for (RawRecord& record : table.records) visit(record, Kind::TableRecord);
+    }
     for (Outline::Block& block : outline_.blocks) {
       visit(block.begin, Kind::Entity);
       for (RawRecord& record : block.entities) visit(record, Kind::Entity);
@@ -80,7 +78,14 @@ class Rebuilder {
     for (RawRecord& record : outline_.objects) visit(record, Kind::Object);
   }
 
+  /// Every record gets a handle of its own. What names one that is no handle is named anew.
   void giveHandles();
+  /// The handle that the tag holds, or the one that stands for it now; 0 for neither.
+  std::uint64_t resolved(const Tag& tag) const;
+  /// Whether the tag names an object by what is no handle.
+  bool namesNew(const Tag& tag, bool isSortTable) const;
+  /// The tags with such names replaced.
+  std::string withNewHandles(std::string_view bytes) const;
   std::uint64_t newHandle();
 
   /// The handle that stands for one of the basic drawing.
@@ -114,6 +119,16 @@ class Rebuilder {
   static bool isPart(std::string_view type) { return type == "VERTEX" || type == "ATTRIB" || type == "SEQEND"; }
 
   static int flagsOf(const RawRecord& record);
+
+  /// Vertices of a polyline or attributes of a reference.
+  struct Parts {
+    std::vector<RawRecord*> records;
+    RawRecord* end = nullptr;
+    bool areAnnounced = false;  // by the record that they belong to
+  };
+  /// Those that stand behind the record in front of `next`, which moves past them.
+  Parts takeParts(std::vector<RawRecord>& records, std::size_t& next);
+  std::string withAttributesAnnounced(std::string_view bytes) const;
   void writeEntityList(std::string& out, std::vector<RawRecord>& records, const OwnerOf& ownerOf);
 
   /// Some programs give parts the block as their owner; that is left alone.
@@ -178,7 +193,10 @@ class Rebuilder {
   bool isOld_ = false;
 
   std::unordered_set<std::uint64_t> handles_;
+  std::unordered_map<std::string, std::uint64_t> newHandles_;  // by the text that is no handle, in capitals
   std::uint64_t nextHandle_ = 1;
+  std::uint64_t highestHandle_ = 0;  // of the file
+  std::uint64_t seed_ = 0;           // of the file
   std::uint64_t basicOffset_ = 0;
   std::unordered_map<std::uint64_t, std::uint64_t> basicHandles_;
   std::array<std::unordered_set<std::wstring>, 9> names_;

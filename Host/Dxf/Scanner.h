@@ -20,7 +20,7 @@ struct Token : database::Tag {
 class Scanner {
  public:
   Scanner() = default;
-  explicit Scanner(std::string_view text) : text_(text) {}
+  explicit Scanner(std::string_view text, std::size_t position = 0) : text_(text), position_(position) {}
 
   std::size_t offset() const { return position_; }
 
@@ -53,7 +53,7 @@ class Scanner {
       }
       std::string_view code(at, static_cast<std::size_t>(codeEnd - at));
       if (!code.empty() && code.back() == '\r') code.remove_suffix(1);
-      while (!code.empty() && code.front() == ' ') code.remove_prefix(1);
+      while (!code.empty() && (code.front() == ' ' || code.front() == '\t')) code.remove_prefix(1);
       if (code.empty() || !startsNumber(code.front())) {
         sawBadCode_ = true;
         break;

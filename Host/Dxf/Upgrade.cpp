@@ -287,7 +287,7 @@ bool isLightweight(const RawRecord& polyline) {
   return (integerOf(polyline, 70) & kOthers) == 0 && integerOf(polyline, 75) == 0;
 }
 
-void writeLightweight(TagWriter& out, const RawRecord& polyline, const std::vector<RawRecord>& vertices,
+void writeLightweight(TagWriter& out, const RawRecord& polyline, const std::vector<RawRecord*>& vertices,
                       Place2000 place) {
   struct Vertex {
     double x = 0, y = 0, startWidth = 0, endWidth = 0, bulge = 0;
@@ -305,9 +305,9 @@ void writeLightweight(TagWriter& out, const RawRecord& polyline, const std::vect
   }
   std::vector<Vertex> points;
   bool hasOneWidth = startWidth == endWidth;
-  for (const RawRecord& record : vertices) {
+  for (const RawRecord* const record : vertices) {
     Vertex vertex{0, 0, startWidth, endWidth, 0};
-    for (const Tag& tag : sorted(record).own) {
+    for (const Tag& tag : sorted(*record).own) {
       if (tag.code == 10) vertex.x = tag.real();
       if (tag.code == 20) vertex.y = tag.real();
       if (tag.code == 40) vertex.startWidth = tag.real();

@@ -25,7 +25,7 @@ void upgradeTableRecord(database::TagWriter& out, const RawRecord& record, Place
 /// Whether a POLYLINE becomes an LWPOLYLINE: 2D, and neither curve-fit nor a spline.
 bool isLightweight(const RawRecord& polyline);
 /// That LWPOLYLINE; widths, bulges, elevation, thickness and extended data of the polyline are kept.
-void writeLightweight(database::TagWriter& out, const RawRecord& polyline, const std::vector<RawRecord>& vertices,
+void writeLightweight(database::TagWriter& out, const RawRecord& polyline, const std::vector<RawRecord*>& vertices,
                       Place2000 place);
 
 }  // namespace host::dxf

@@ -140,7 +140,11 @@ bool isDrawnInReference(const Slot& entity) {
 bool isInvisibleAttribute(const Slot& attribute) { return (attributeFlags(attribute) & 1) != 0; }
 
 bool ReferenceChain::enter(const database::BlockContents* block) {
-  if (blocks_.size() >= kDeepestNesting || std::ranges::find(blocks_, block) != blocks_.end()) return false;
+  if (std::ranges::find(blocks_, block) != blocks_.end()) return false;
+  if (blocks_.size() >= kDeepestNesting) {
+    wasTooDeep_ = true;
+    return false;
+  }
   blocks_.push_back(block);
   return true;
 }

@@ -9,7 +9,8 @@
 
 namespace host::geometry {
 
-constexpr int kDeepestNesting = 64;
+/// Blocks within blocks; deeper ones are not looked into, for each takes its share of the stack.
+constexpr std::size_t kDeepestNesting = 256;
 
 /// Where the content of a block comes to stand; arrays repeat it in columns and rows.
 struct BlockReference {
@@ -39,12 +40,15 @@ class ReferenceChain {
  public:
   /// False when the block is being drawn already or the nesting is too deep.
   bool enter(const database::BlockContents* block);
+  /// Whether a block was not entered because of the nesting.
+  bool wasTooDeep() const { return wasTooDeep_; }
   void leave() { blocks_.pop_back(); }
   bool isEmpty() const { return blocks_.empty(); }
   std::size_t depth() const { return blocks_.size(); }
 
  private:
   std::vector<const database::BlockContents*> blocks_;
+  bool wasTooDeep_ = false;
 };
 
 }  // namespace host::geometry

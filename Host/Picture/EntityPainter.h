@@ -38,6 +38,8 @@ class EntityPainter {
   void paint(const database::BlockContents& block);
   /// Something was left out because the drawing asks for more pieces than a picture can hold.
   bool isCutShort() const { return cutShort_; }
+  /// Whether blocks were nested too deeply to be shown.
+  bool isTooDeep() const { return chain_.wasTooDeep(); }
   /// Whether there was more text than a picture of vectors can hold; the rest are bars.
   bool hasTextBars() const { return hasTextBars_; }
   /// Visible entities of kinds without a picture, by type name.

@@ -115,6 +115,9 @@ Composition composePicture(const database::DrawingDatabase& db, const PictureOpt
   const auto note = [&](const std::string& text) { result.message += (result.message.empty() ? "" : " ") + text; };
   if (!layout.note.empty()) note(layout.note);
   if (painter.isCutShort()) note("The drawing repeats blocks so often that part of it was left out.");
+  if (painter.isTooDeep()) {
+    note("Blocks that are nested more than " + std::to_string(geometry::kDeepestNesting) + " deep are not shown.");
+  }
   if (painter.hasTextBars()) note("The drawing has so much text that part of it is shown as bars.");
   if (!painter.leftOut().empty()) {
     std::string kinds;

@@ -5,113 +5,17 @@
 #include <cstring>
 #include <limits>
 
-#include "Database/Support.h"
-#include "Dxf/Binary.h"
+#include "Database/ReadDrawing.h"
 #include "dbents.h"
 #include "dbpl.h"
 
 namespace {
 
 using namespace host::database;
+using namespace tests;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-/// Text of tags given as "0 LINE | 8 0 | ".
-std::string tags(std::string_view bars) {
-  std::string text;
-  for (std::size_t end = bars.find(" | "); end != std::string_view::npos; end = bars.find(" | ")) {
-    const std::string_view tag = bars.substr(0, end);
-    bars.remove_prefix(end + 3);
-    const std::size_t blank = tag.find(' ');
-    text += std::string(tag.substr(0, blank)) + "\n" + std::string(tag.substr(blank + 1)) + "\n";
-  }
-  return text;
-}
-
-std::string section(const char* name, std::string_view bars) {
-  return tags("0 SECTION | 2 " + std::string(name) + " | ") + tags(bars) + tags("0 ENDSEC | ");
-}
-
-const std::string kR12Header = section("HEADER", "9 $ACADVER | 1 AC1009 | ");
-const std::string kEnd = tags("0 EOF | ");
-
-/// A drawing read from bytes, with what was said of it.
-class ReadDrawing {
- public:
-  explicit ReadDrawing(const std::string& bytes) : db_(false) {
-    result = host::dxf::readDrawingText(drawing(), bytes, "plan.dxf");
-    EXPECT_TRUE(result.ok) << result.message;
-  }
-  DrawingDatabase& drawing() { return databaseOf(&db_); }
-  std::string saved() { return host::dxf::drawingText(drawing()); }
-  std::vector<std::string> said() {
-    std::vector<std::string> all;
-    for (const Problem& problem : drawing().problems()) all.push_back(host::dxf::problemSentence("plan.dxf", problem));
-    return all;
-  }
-  /// Types of the entities in model space.
-  std::vector<std::string> types() {
-    std::vector<std::string> all;
-    for (const Slot* const slot : drawing().modelSpace().entities) all.emplace_back(drawing().typeName(*slot));
-    return all;
-  }
-  const Slot& entity(std::size_t index) { return *drawing().modelSpace().entities.at(index); }
-  std::string bytesOf(std::size_t index) { return std::string(entity(index).fileBytes()); }
-
-  host::dxf::FileResult result;
-
- private:
-  AcDbDatabase db_;
-};
-
-/// Binary form of a text: an encoder of its own, so that the reader is not tested with itself.
-std::string binaryOf(std::string_view text, bool wideCodes) {
-  std::string out("AutoCAD Binary DXF\r\n\x1a\0", 22);
-  const auto number = [&](const void* value, std::size_t size) { out.append(static_cast<const char*>(value), size); };
-  Tag tag;
-  while (readTag(text, tag)) {
-    const int code = tag.code;
-    const auto wide = static_cast<std::int16_t>(code);
-    if (wideCodes) {
-      number(&wide, 2);
-    } else if (code < 255) {
-      out += static_cast<char>(code);
-    } else {
-      out += '\xff';
-      number(&wide, 2);
-    }
-    const double real = tag.real();
-    const std::int64_t integer = tag.integer();
-    const bool isReal = (code >= 10 && code < 60) || (code >= 110 && code < 150) || (code >= 210 && code < 240) ||
-                        (code >= 1010 && code < 1060);
-    if (isReal) {
-      number(&real, 8);
-    } else if ((code >= 60 && code < 80) || (code >= 270 && code < 290) || code == 370 || code == 1070) {
-      number(&integer, 2);
-    } else if ((code >= 90 && code < 100) || code == 420 || code == 1071) {
-      number(&integer, 4);
-    } else if (code == 290) {
-      number(&integer, 1);
-    } else if (code == 310 || code == 1004) {
-      out += static_cast<char>(tag.value.size() / 2);
-      for (std::size_t i = 0; i < tag.value.size(); i += 2) {
-        out += static_cast<char>(std::stoi(std::string(tag.value.substr(i, 2)), nullptr, 16));
-      }
-    } else {
-      out += tag.value;
-      out += '\0';
-    }
-  }
-  return out;
-}
-
-std::string withoutComments(std::string text) {
-  for (std::size_t at = text.find("999\n"); at != std::string::npos; at = text.find("999\n")) {
-    text.erase(at, text.find('\n', at + 4) + 1 - at);
-  }
-  return text;
-}
 
 TEST(BinaryDrawings, OnlyTheChangedRecordIsSpelledAnew) {
   const std::string binary = binaryOf(withoutComments(tests::probeDrawing("\n")), true);
@@ -324,6 +228,158 @@ TEST(DamagedDrawings, CirclesAndRepeatedHandlesAreMended) {
   EXPECT_EQ(mended.types().size(), 5U);
   EXPECT_NE(mended.entity(4).handle, 0x50U);
   EXPECT_EQ(mended.drawing().findHandle(0x50), &mended.entity(0));
+}
+
+void replaceOnce(std::string& text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  ASSERT_NE(at, std::string::npos) << from;
+  text.replace(at, from.size(), to);
+}
+
+std::string withLineEnds(const std::string& text, const std::string& end) {
+  std::string out;
+  for (const char c : text) out += c == '\n' ? end : std::string(1, c);
+  return out;
+}
+
+TEST(OddDrawings, LineEndsOfEveryKindAreTakenForOne) {
+  const std::string sound = tests::probeDrawing("\n");
+  const std::vector<std::pair<std::string, std::string>> ends = {
+      {"\r\r\n", "CR CR LF"}, {"\n\n", "LF LF"}, {"\n\r", "LF CR"}, {"\r\n\r\n", "CR LF CR LF"}, {"\r", ""}};
+  for (const auto& [end, name] : ends) {
+    ReadDrawing drawing(withLineEnds(sound, end));
+    EXPECT_THAT(drawing.said().at(0), HasSubstr(name.empty() ? "was missing" : "every line ends in " + name));
+    EXPECT_EQ(drawing.types().size(), 5U) << name;
+    EXPECT_THAT(std::string(withLineEnds(drawing.saved(), "")), HasSubstr("text with blanks")) << name;
+    EXPECT_THAT(drawing.saved(), HasSubstr("1001" + std::string(end.find("\r\n") != std::string::npos ? "\r" : "") + "\nVIERAS"));
+    EXPECT_THAT(ReadDrawing(drawing.saved()).said(), ElementsAre());
+    EXPECT_EQ(drawing.drawing().findHandle(0x54)->owner, drawing.drawing().findHandle(0x53));
+  }
+  // Tabs in front of group codes are blanks like others.
+  std::string tabs = withLineEnds(sound, "\n");
+  replaceOnce(tabs, "\n 11\n1\n", "\n\t11\n1\n");
+  replaceOnce(tabs, "\n1001\n", "\n\t1001\n");
+  ReadDrawing drawing(tabs);
+  EXPECT_THAT(drawing.said(), ElementsAre());
+  EXPECT_EQ(drawing.saved(), tabs);
+  EXPECT_TRUE((drawing.entity(1).flags & kHasXData) != 0);
+}
+
+TEST(OddDrawings, AMarkOfUtf8DecidesOnTheEncodingAndStays) {
+  std::string text = "\xEF\xBB\xBF" + tests::probeDrawing("\n");
+  for (std::size_t at = text.find('\xe4'); at != std::string::npos; at = text.find('\xe4', at + 2)) {
+    text.replace(at, 1, "\xc3\xa4");
+  }
+  ReadDrawing drawing(text);
+  EXPECT_THAT(drawing.said(), ElementsAre());
+  EXPECT_EQ(drawing.saved(), text);
+  EXPECT_NE(drawing.drawing().findRecord(DxfType::Layer, L"metsä"), nullptr);
+  replaceOnce(text, "  0\nEOF\n", "");
+  ReadDrawing damaged(text);
+  EXPECT_EQ(damaged.said().size(), 3U) << testing::PrintToString(damaged.said());  // dictionaries that it lacks
+  EXPECT_NE(damaged.drawing().findRecord(DxfType::Layer, L"metsä"), nullptr);
+  EXPECT_THAT(damaged.saved(), StartsWith("\xEF\xBB\xBF"));
+  EXPECT_THAT(ReadDrawing(damaged.saved()).said(), ElementsAre());
+}
+
+TEST(DamagedDrawings, RecordsAmongOthersGoToTheirOwn) {
+  std::string text = tests::probeDrawing("\n");
+  const auto cut = [&](const std::string& head) {
+    const std::size_t at = text.find("  0\n" + head);
+    std::string record = text.substr(at, text.find("\n  0\n", at) + 1 - at);
+    text.erase(at, record.size());
+    return record;
+  };
+  std::string among;
+  for (const char* const head : {"XRECORD\n", "DICTIONARY\n  5\n60", "LAYER\n  5\n11", "LTYPE\n", "BLOCK_RECORD\n  5\n1B",
+                                 "GROUP\n", "SORTENTSTABLE\n", "CLASS\n"}) {
+    among += cut(head);
+  }
+  const std::string line = cut("LINE\n");
+  replaceOnce(text, "  0\nSTRANGE\n", among + "  0\nSTRANGE\n");
+  replaceOnce(text, "  0\nSTRANGEOBJECT\n", line + "  0\nSTRANGEOBJECT\n");
+  ReadDrawing drawing(text);
+  EXPECT_THAT(drawing.said(), testing::Contains(HasSubstr("62: \"XRECORD\" stood in the section ENTITIES")));
+  EXPECT_EQ(drawing.types(), (std::vector<std::string>{"LWPOLYLINE", "LWPOLYLINE", "STRANGE", "POLYLINE", "LINE"}));
+  for (const std::uint64_t handle : {0x62, 0x60, 0x11, 0x16, 0x1B, 0x70, 0x61}) {
+    Slot* const slot = drawing.drawing().findHandle(handle);
+    ASSERT_NE(slot, nullptr) << handle;
+    EXPECT_FALSE(slot->isEntity()) << handle;
+    AcDbEntity* entity = nullptr;
+    EXPECT_EQ(acdbOpenAcDbEntity(entity, AcDbObjectId(slot), AcDb::kForRead), Acad::eNotAnEntity) << handle;
+  }
+  EXPECT_EQ(drawing.drawing().drawOrder(drawing.drawing().modelSpace()).at(0)->handle, 0x52U);
+  EXPECT_NE(drawing.drawing().findRecord(DxfType::Layer, L"vanha"), nullptr);
+  EXPECT_THAT(ReadDrawing(drawing.saved()).said(), ElementsAre());
+}
+
+TEST(DamagedDrawings, ExtendedDataInFrontOfARecordMoveBehindIt) {
+  std::string text = tests::probeDrawing("\n");
+  replaceOnce(text, "LINE\n  5\n58\n", "LINE\n1001\nVIERAS\n1000\nx\n  5\n58\n");
+  ReadDrawing drawing(text);
+  EXPECT_THAT(drawing.said(), testing::Contains(HasSubstr("58: extended data stood in front")));
+  EXPECT_EQ(drawing.entity(4).handle, 0x58U);
+  EXPECT_THAT(drawing.bytesOf(4), StartsWith("  0\nLINE\n  5\n58\n330\n1F\n"));
+  EXPECT_THAT(drawing.bytesOf(4), testing::EndsWith(" 31\n0\n1001\nVIERAS\n1000\nx\n"));
+}
+
+// The tolerant scan does not know all that the strict pass refuses: such records go one by one.
+TEST(DamagedDrawings, WhatCannotBeReadAllTheSameIsLeftOut) {
+  std::string text = tests::probeDrawing("\n");
+  replaceOnce(text, "  0\nSTRANGEOBJECT\n", "  0\nHEADER\n  5\n80\n330\nC\n  0\nSTRANGEOBJECT\n");
+  replaceOnce(text, "  0\nSTRANGE\n", "  0\nCLASSES\n  5\n81\n330\n1F\n100\nAcDbEntity\n  8\n0\n  0\nSTRANGE\n");
+  ReadDrawing drawing(text);
+  EXPECT_THAT(drawing.said(), testing::Contains(HasSubstr("HEADER left out: ")));
+  EXPECT_THAT(drawing.said(), testing::Contains("plan.dxf: left out in all: 2 (CLASSES 1, HEADER 1)"));
+  EXPECT_EQ(drawing.types().size(), 5U);
+  EXPECT_EQ(drawing.drawing().findHandle(0x71)->owner, drawing.drawing().rootDictionary());
+}
+
+TEST(DamagedDrawings, AnEarlyEndLosesNothing) {
+  const std::string sound = withoutComments(tests::probeDrawing("\n"));
+  for (const char* const before : {"  0\nSECTION\n  2\nENTITIES\n", "  0\nSECTION\n  2\nOBJECTS\n", "  0\nSTRANGE\n"}) {
+    std::string text = sound;
+    replaceOnce(text, before, "  0\nEOF\n" + std::string(before));
+    for (const std::string& given : {text, binaryOf(text, true)}) {
+      ReadDrawing drawing(given);
+      EXPECT_THAT(drawing.said(), testing::Contains(HasSubstr("left out in all: 1 (EOF 1)")));
+      EXPECT_EQ(drawing.types().size(), 5U);
+      EXPECT_NE(drawing.drawing().findHandle(0x71), nullptr);
+    }
+  }
+  // What follows a drawing's end and is none of it stays where it is.
+  for (const std::string rest : {"\x1a", "greetings\n0\n", "  0\nEOF\n", "  0\nSECTION\n  2\nHEADER\n  0\nENDSEC\n"}) {
+    ReadDrawing drawing(sound + rest);
+    EXPECT_THAT(drawing.said(), ElementsAre());
+    EXPECT_EQ(drawing.saved(), sound + rest);
+  }
+}
+
+TEST(DamagedDrawings, WhatGoesIsCountedAndWhatCanStayStays) {
+  std::string text = tests::probeDrawing("\n");
+  const std::string front = "330\n1F\n100\nAcDbEntity\n  8\n0\n100\n";
+  const auto insert = [&](const std::string& handle, const std::string& block, const std::string& announced) {
+    return "  0\nINSERT\n  5\n" + handle + "0\n" + front + "AcDbBlockReference\n" + announced + "  2\n" + block +
+           "\n 10\n0\n 20\n0\n  0\nATTRIB\n  5\n" + handle + "1\n" + front +
+           "AcDbText\n 10\n0\n 20\n0\n  1\nx\n100\nAcDbAttribute\n  2\nA\n 70\n0\n  0\nSEQEND\n  5\n" + handle +
+           "2\n330\n1F\n100\nAcDbEntity\n  8\n0\n";
+  };
+  replaceOnce(text, "  0\nLINE\n", insert("8", "NONE", " 66\n1\n") + insert("9", "*Paper_Space", "") + "  0\nLINE\n");
+  replaceOnce(text, "  0\nVERTEX\n  5\n56\n", "  0\nSEQEND\n  5\n99\n330\n53\n100\nAcDbEntity\n  8\n0\n  0\nVERTEX\n  5\n56\n");
+  replaceOnce(text, "  9\n$CLAYER\n", "  9\n$INSBASE\n 10\n1.0\n999\nwhy\n 20\n2.0\n 30\n3.0\n  9\n$CLAYER\n");
+  replaceOnce(text, "  9\n$MEASUREMENT\n", "  9\n$CLAYER\n  8\nvanha\n  9\n$MEASUREMENT\n");
+  ReadDrawing drawing(text);
+  EXPECT_THAT(drawing.said(),
+              testing::Contains("plan.dxf: left out in all: 4 ($CLAYER 1, ATTRIB 1, INSERT 1, SEQEND 1)"));
+  EXPECT_EQ(drawing.drawing().headerReal("$INSBASE", 30), 3.0);
+  int parts = 0;
+  for (const Slot* sub = drawing.drawing().findHandle(0x53)->firstSub(); sub != nullptr; sub = sub->nextSub) ++parts;
+  EXPECT_EQ(parts, 4);
+  const Slot* const reference = drawing.drawing().findHandle(0x90);
+  ASSERT_NE(reference, nullptr);
+  ASSERT_NE(reference->firstSub(), nullptr);
+  EXPECT_EQ(reference->firstSub()->handle, 0x91U);
+  EXPECT_THAT(ReadDrawing(drawing.saved()).said(), ElementsAre());
 }
 
 TEST(DamagedDrawings, HostileFilesTakeTimeInProportion) {

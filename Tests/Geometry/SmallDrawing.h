@@ -62,7 +62,7 @@ class SmallDrawing {
     t += "0\nSECTION\n2\nTABLES\n" + table("LTYPE", "5", linetypes_) + table("LAYER", "2", layers_);
     std::string records = record("*Model_Space", "1F", modelRecord_);
     std::string sections = blockText("*Model_Space", "1F", "20", "21", "10 0|20 0", "");
-    int handle = 0x40;
+    int handle = 0x40000;  // far above those of entities
     for (const auto& [name, content] : blocks_) {
       const std::string owner = hex(handle++), begin = hex(handle++), end = hex(handle++);
       records += record(name, owner, "");

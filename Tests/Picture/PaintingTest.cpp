@@ -40,6 +40,24 @@ TEST(Painting, IslandStyles) {
   expectPixels(nested("2"), "2 10 ff0000|6 10 ff0000|10 10 ff0000");
 }
 
+TEST(Painting, DeeplyNestedBlocksAreShownOrTold) {
+  for (const int depth : {200, 300}) {
+    SmallDrawing drawing;
+    for (int i = 0; i < depth; ++i) {
+      drawing.block("b" + std::to_string(i))
+          .entity("INSERT", "2 b" + std::to_string(i + 1) + "|10 0|20 0")
+          .entity("HATCH", solidBox(i == 100 ? 4 : 0, 0, i == 100 ? 6 : 2, 2), "8 0|62 1");
+    }
+    drawing.block("b" + std::to_string(depth)).entity("HATCH", solidBox(8, 0, 10, 2), "8 0|62 3");
+    drawing.model().entity("INSERT", "2 b0|10 0|20 0");
+    const bool isShown = depth == 200;
+    expectPixels(drawing, std::string("1 1 ff0000|5 1 ff0000|9 1 ") + (isShown ? "00ff00" : "ffffff"));
+    SmallDatabase db(drawing);
+    EXPECT_EQ(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg).message,
+              isShown ? "" : "Blocks that are nested more than 256 deep are not shown.");
+  }
+}
+
 TEST(Painting, LayersAndBlocksGiveTheirColours) {
   SmallDrawing drawing;
   drawing.layer("0", "70 0|62 7")

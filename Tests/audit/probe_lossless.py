@@ -1,18 +1,22 @@
 #!/usr/bin/env python3
 """Proves that the program changes nothing it was not asked to change, with drawings no drawing program would write.
 
-    python3 probe_lossless.py TOLMEX [--seeds FIRST LAST] [--keep FOLDER]
+    python3 probe_lossless.py TOLMEX [--seeds FIRST LAST] [--strays COUNT] [--keep FOLDER]
 
 Every seed makes one drawing: foreign extended data of every code, groups, extension dictionaries with xrecords, sort tables,
 entities, objects and sections of unknown kinds, comments in odd places, blanks around values, odd spellings of numbers, handles
-and group codes, optional values written out, CR LF and LF, code pages and UTF-8. Each drawing is then
+and group codes, handles of up to 64 bits, hand seeds that leave no room, optional values written out, CR LF and LF, code pages
+and UTF-8. Each drawing is then
 
   1. saved untouched: not a byte may differ;
   2. given an area element on one outline: every other record keeps its bytes, the outline gets its layer and its tag and keeps
      all else, and of tables, header and sort table only what has to follow follows;
-  3. the same again on the result, which must be as careful with its own output.
+  3. the same again on the result, which must be as careful with its own output;
+  4. damaged, COUNT times, by a marker (SECTION, ENDSEC, TABLE, ENDTAB, BLOCK, ENDBLK, EOF) in a place where none can stand, between
+     records or inside one: every record comes back in its section, table or block with all its bytes, the header with all its
+     variables, and something is said.
 
-Prints one line per fault, then a count; status 1 when there is any.
+No object has two handles, no handle two objects. Prints one line per fault, then a count; status 1 when there is any.
 """
 
 from __future__ import annotations
@@ -50,7 +54,10 @@ class Drawing:
         self.line_end = rng.choice([b"\n", b"\r\n"])
         self.code_width = rng.choice([0, 3, 6])
         self.out: list[bytes] = []
-        self.next_handle = 0x100
+        # Below the limits of numbers with fewer bits, from the middle, and so high that no room is left above.
+        low = rng.choice([0, 0, 0, 2**31, 2**53, 2**60, 2**63, 0xD9B071D01A0C8E23, 2**64 - 0x3000])
+        self.next_handle = max(low - 0x40, 0x100)
+        self.seed = f"{rng.choice([low + 0x2FFF, low + 0x2FFF, 2**64 - 1]):X}"
         self.outlines: list[str] = []
         self.has_sort_table = rng.random() < 0.5
 
@@ -62,7 +69,7 @@ class Drawing:
             spellings += [f"{int(value)}.", f"{int(value)}", f"{value:.3f}", f"{int(value)}.0000000000000000"]
         if value == 0:
             spellings += ["-0.000", "-0", ".0", "+0.0E+00"]
-        if 0 < value < 1:
+        if repr(value).startswith("0."):
             spellings.append(repr(value)[1:])
         return self.rng.choice(spellings)
 
@@ -271,7 +278,7 @@ class Drawing:
         self.tag(9, "$DWGCODEPAGE")
         self.tag(3, self.page)
         self.tag(9, "$HANDSEED")
-        self.tag(5, rng.choice(["FFFF", "  ffff", "000000000000FFFF"]))
+        self.tag(5, rng.choice([self.seed, "  " + self.seed.lower(), self.seed.rjust(16, "0")]))
         self.tag(9, "$TUNTEMATON")
         self.tag(40, self.number(0.5))
         self.tag(9, "$CLAYER")
@@ -556,6 +563,119 @@ def compare_outline(before: bytes, after: bytes) -> list[str]:
     return []
 
 
+def check_handles(text: bytes) -> list[str]:
+    """Faults of the handles alone: two of one object, one of two objects."""
+    faults: list[str] = []
+    seen: set[int] = set()
+    for record in records(text):
+        own = []
+        in_group = False
+        for code, value in tags(record):
+            if code in (9, 100) or code >= 1000:
+                break
+            if code == 102:
+                in_group = value.strip().startswith(b"{")
+            elif code in (5, 105) and not in_group:
+                own.append(int(value, 16))
+        if len(own) > 1:
+            faults.append(f"{len(own)} handles: {record[:80]!r}")
+        faults += [f"{handle:X} is the handle of two objects" for handle in own if handle in seen]
+        seen.update(own)
+    return faults
+
+
+SECTIONS = {b"HEADER", b"CLASSES", b"TABLES", b"BLOCKS", b"ENTITIES", b"OBJECTS"}
+MARKERS = ["SECTION", "ENDSEC", "TABLE", "ENDTAB", "BLOCK", "ENDBLK", "EOF"]
+# A rebuilt drawing gets what it lacks: these gain tags or have a count.
+GROWING = {b"TABLE", b"BLOCK_RECORD"}
+
+
+def places(text: bytes) -> dict[str, bytes]:
+    """Records by where they stand and what they are: "TABLES/LAYER/LAYER 10"; header variables by name."""
+    found: dict[str, bytes] = {}
+    section = inner = ""
+    for record in records(text):
+        content = [tag for tag in tags(record) if tag[0] != 999]
+        if not content:
+            continue
+        code, kind = content[0][0], content[0][1].strip().decode("latin-1")
+        names = [value.strip().decode("latin-1") for number, value in content if number == 2]
+        if code == 9:
+            found[f"HEADER/{kind}"] = record
+            continue
+        if kind == "SECTION":
+            section, inner = (names or ["?"])[0], ""
+        elif kind in ("TABLE", "BLOCK"):
+            inner = (names or ["?"])[0]
+        if kind not in ("SECTION", "ENDSEC", "ENDTAB", "EOF"):
+            handle = handle_of(record) or f"({sum(key.startswith(f'{section}/{inner}/{kind}') for key in found)})"
+            found[f"{section}/{inner}/{kind} {handle}"] = record
+        if kind in ("ENDTAB", "ENDBLK"):
+            inner = ""
+    return found
+
+
+def without_comments(record: bytes) -> list[bytes]:
+    lines = record.split(b"\n")
+    kept = []
+    for at in range(0, len(lines) - 1, 2):
+        if lines[at].strip() != b"999":
+            kept += lines[at : at + 2]
+    return kept
+
+
+def lines_of(record: bytes, other: bytes) -> list[bytes]:
+    """The lines of one that the other lacks."""
+    rest = other.split(b"\n")
+    return [line for line in record.split(b"\n") if line not in rest or rest.remove(line)]  # type: ignore[func-returns-value]
+
+
+def stray(rng: random.Random, sound: bytes) -> tuple[bytes, str]:
+    """The drawing with a marker in front of one of its tags, and words for it."""
+    lines = sound.split(b"\n")
+    marker = rng.choice(MARKERS)
+    starts = [at for at in range(0, len(lines) - 3, 2) if lines[at].strip() == b"0" and lines[at + 1].strip() == b"SECTION"]
+    while True:
+        # Between records there are fewer places than inside, and they matter more.
+        between = rng.random() < 0.5
+        at = rng.randrange(2, len(lines) // 2) * 2
+        code = lines[at].strip()
+        before = lines[at - 2].strip(), lines[at - 1].strip()
+        # Between a section's marker and its name, or in front of a name, nobody can tell which marker is meant.
+        if code == b"999" or before[0] == b"999" or before == (b"0", b"SECTION") or (marker == "SECTION" and code == b"2"):
+            continue
+        # Sections of unknown kinds may hold anything but what ends them.
+        section = max((start for start in starts if start < at), default=0)
+        if lines[section + 3].strip() not in SECTIONS and marker not in ("SECTION", "ENDSEC", "EOF"):
+            continue
+        if (code == b"0") == between:
+            break
+    line_end = b"\r" if lines[0].endswith(b"\r") else b""
+    lines[at:at] = [b"  0" + line_end, marker.encode() + line_end]
+    return b"\n".join(lines), f"{marker} at line {at + 1}, in front of {lines[at + 2]!r} {lines[at + 3]!r}"
+
+
+def probe_stray(program: str, rng: random.Random, sound: bytes, folder: pathlib.Path) -> list[str]:
+    damaged, what = stray(rng, sound)
+    source, out = folder / "stray.dxf", folder / "stray-out.dxf"
+    source.write_bytes(damaged)
+    result = subprocess.run([program, "run", str(source), "--out", str(out), "--command", "REGEN"], capture_output=True)
+    if result.returncode != 0:
+        return [f"{what}: status {result.returncode}: {result.stdout[-300:]!r}{result.stderr[-300:]!r}"]
+    after = out.read_bytes()
+    faults = [] if result.stderr else ["not a word"]
+    faults += check_handles(after)
+    old, new = places(sound), places(after)
+    root = next(key for key, record in old.items() if key.startswith("OBJECTS//DICTIONARY"))
+    for key, record in old.items():
+        grows = key == root or tags(record)[0][1].strip() in GROWING or key == "HEADER/$HANDSEED"
+        if key not in new:
+            faults.append(f"{key} is gone: {record!r}")
+        elif not grows and without_comments(new[key]) != without_comments(record):
+            faults.append(f"{key} changed: {lines_of(record, new[key])} -> {lines_of(new[key], record)}")
+    return [f"{what}: {fault}" for fault in faults]
+
+
 def run(program: str, drawing: pathlib.Path, out: pathlib.Path, lines: list[str]) -> str:
     command = [program, "run", str(drawing), "--out", str(out), "--quiet"]
     script = drawing.with_suffix(".scr")
@@ -566,7 +686,7 @@ def run(program: str, drawing: pathlib.Path, out: pathlib.Path, lines: list[str]
     return ""
 
 
-def probe(program: str, seed: int, folder: pathlib.Path) -> list[str]:
+def probe(program: str, seed: int, strays: int, folder: pathlib.Path) -> list[str]:
     drawing = Drawing(seed)
     before = drawing.build()
     source = folder / f"probe{seed}.dxf"
@@ -588,6 +708,13 @@ def probe(program: str, seed: int, folder: pathlib.Path) -> list[str]:
     # The fill of the first run is erased, its record is the only one that may be gone.
     gone = re.compile(rb"HATCH")
     faults += ["second run: " + fault for fault in compare(first, again.read_bytes(), outline) if not gone.search(fault.encode()[:24])]
+    faults += check_handles(first) + check_handles(again.read_bytes())
+    # What the outline's tag names is its fill.
+    fill = re.search(rb"HATCH_HANDLE\r?\n *1005\r?\n([0-9A-F]+)\r?\n", first)
+    if not fill or not any(handle_of(record) == fill[1].decode() for record in records(first) if gone.search(record[:24])):
+        faults.append(f"the tag names no fill: {fill[1] if fill else None}")
+    for _ in range(strays):
+        faults += probe_stray(program, drawing.rng, before, folder)
     return faults
 
 
@@ -595,6 +722,7 @@ def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("program")
     parser.add_argument("--seeds", nargs=2, type=int, default=(1, 20), metavar=("FIRST", "LAST"))
+    parser.add_argument("--strays", type=int, default=4, metavar="COUNT", help="damaged drawings for each seed")
     parser.add_argument("--keep", type=pathlib.Path, help="folder for the drawings; otherwise they are removed")
     options = parser.parse_args()
     faulty = 0
@@ -602,7 +730,7 @@ def main() -> int:
         folder = options.keep or pathlib.Path(temporary)
         folder.mkdir(parents=True, exist_ok=True)
         for seed in range(options.seeds[0], options.seeds[1] + 1):
-            faults = probe(options.program, seed, folder)
+            faults = probe(options.program, seed, options.strays, folder)
             faulty += bool(faults)
             for fault in faults:
                 print(f"seed {seed}: {fault}")

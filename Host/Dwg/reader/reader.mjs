@@ -86,7 +86,7 @@ function survey(module) {
     if (!object || module.dwg_object_get_fixedtype(object) !== layerType) continue;
     const layer = module.dwg_object_to_object_tio(object);
     if (!module.dwg_dynapi_entity_value(layer, 'off').data) continue;
-    layersOff.add(Number(module.dwg_object_get_handle_object(object).value).toString(16).toUpperCase());
+    layersOff.add(BigInt(module.dwg_object_get_handle_object(object).value).toString(16).toUpperCase());
   }
   return { objects, layersOff };
 }
