@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Database/DrawingDatabase.h"
 
@@ -24,6 +25,7 @@ struct ConvertedDrawing {
   bool ok = false;
   std::string text;
   std::string message;
+  std::vector<Problem> problems;  // what the text lacks
 };
 /// Turns the bytes of a DWG drawing into DXF text; `name` is what messages call it. Given by the DWG module.
 using DwgConverter = ConvertedDrawing (*)(std::string_view bytes, const std::string& name);

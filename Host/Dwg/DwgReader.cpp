@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdlib>
 #include <mutex>
+#include <sstream>
 
 namespace host::dwg {
 
@@ -32,6 +33,38 @@ void raiseVersion(std::string& text) {
   if (value != std::string::npos && value - variable < kNear) text.replace(value, 6, "AC1015");
 }
 
+/// Takes the lines behind the text's end: "left-out <count> <class>" and "pictured <count> <class>".
+std::vector<database::Problem> takeLosses(std::string& text) {
+  constexpr std::string_view kEnd = "EOF\r\n";
+  const std::size_t end = text.rfind(kEnd);
+  if (end == std::string::npos) return {};
+  const std::string lines = text.substr(end + kEnd.size());
+  text.resize(end + kEnd.size());
+  struct Kind {
+    std::string_view word, sentence;
+    std::string classes = {};
+    std::size_t total = 0;
+  };
+  Kind kinds[] = {{"left-out", "left out, because the DWG reader does not give them: "},
+                  {"pictured", "kept as pictures of themselves, because the DWG reader does not give their data: "}};
+  std::istringstream in(lines);
+  std::string word, name;
+  for (std::size_t count = 0; in >> word >> count && std::getline(in >> std::ws, name);) {
+    for (Kind& kind : kinds) {
+      if (word != kind.word) continue;
+      kind.classes += (kind.classes.empty() ? "" : ", ") + name + " " + std::to_string(count);
+      kind.total += count;
+    }
+  }
+  std::vector<database::Problem> problems;
+  for (const Kind& kind : kinds) {
+    if (kind.total > 0)
+      problems.push_back(
+          {0, 0, std::string(kind.sentence) + std::to_string(kind.total) + " (" + kind.classes + ")"});
+  }
+  return problems;
+}
+
 }  // namespace
 
 ReaderSettings defaultSettings() {
@@ -44,10 +77,10 @@ database::ConvertedDrawing convert(ReaderProcess& reader, std::string_view bytes
   using Outcome = ReaderProcess::Outcome;
   const std::string_view version = bytes.substr(0, 6);
   if (std::find(std::begin(kVersions), std::end(kVersions), version) == std::end(kVersions)) {
-    return {false,
-            {},
-            name + ": DWG version " + std::string(version) +
-                " cannot be read; only versions AC1014 (R14) to AC1032 (2018) can"};
+    database::ConvertedDrawing refused;
+    refused.message = name + ": DWG version " + std::string(version) +
+                      " cannot be read; only versions AC1014 (R14) to AC1032 (2018) can";
+    return refused;
   }
   database::ConvertedDrawing result;
   const auto fail = [&](std::string_view what) {
@@ -57,6 +90,7 @@ database::ConvertedDrawing convert(ReaderProcess& reader, std::string_view bytes
   };
   switch (reader.convert(bytes, result.text)) {
     case Outcome::Ok:
+      result.problems = takeLosses(result.text);
       if (version == "AC1014") raiseVersion(result.text);
       result.ok = true;
       return result;

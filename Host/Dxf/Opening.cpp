@@ -29,6 +29,7 @@ struct TextForm {
   std::string text;
   std::shared_ptr<BinaryForm> binary;  // null for drawings in text
   bool hasLines = true;                // lines of the text are lines of the file
+  std::vector<Problem> problems;       // of bringing it to text
   std::string failure;
 };
 
@@ -44,6 +45,7 @@ TextForm textFormOf(std::string bytes, const std::string& name) {
     database::ConvertedDrawing converted = convert(bytes, name);
     if (!converted.ok) form.failure = std::move(converted.message);
     form.text = std::move(converted.text);
+    form.problems = std::move(converted.problems);
     return form;
   }
   if (isBinary(bytes)) {
@@ -165,6 +167,7 @@ FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::str
       // Some mending is too plain to be told piece by piece: then what made it necessary is.
       if (problems.empty()) problems.push_back(std::move(*fault));
     }
+    problems.insert(problems.begin(), form.problems.begin(), form.problems.end());
     db.parts().problems = std::move(problems);
     db.parts().form = std::move(form.binary);
     return {};
@@ -194,6 +197,7 @@ FileResult repairDrawing(const std::filesystem::path& file, std::string& repaire
     Mending mending(form);
     if (!mending.rebuild()) return {false, name + kNothing};
     problems = mending.problems();
+    problems.insert(problems.begin(), form.problems.begin(), form.problems.end());
     if (form.binary != nullptr) {
       repaired = form.binary->head();
       form.binary->spell(form.text, form.text, repaired);

@@ -32,6 +32,15 @@ std::filesystem::path Application::drawingFile() const {
   return document != nullptr ? document->file() : std::filesystem::path();
 }
 
+std::vector<std::filesystem::path> Application::unsavedDrawings(Current current) const {
+  std::vector<std::filesystem::path> unsaved;
+  for (const auto& document : host().documents.all()) {
+    if (current == Current::LeftOut && document.get() == host().documents.current()) continue;
+    if (document->drawing().isModified()) unsaved.emplace_back(text::toUtf8(document->fileName()));
+  }
+  return unsaved;
+}
+
 Result Application::saveDrawing(const std::filesystem::path& file) {
   Document* const document = host().documents.current();
   if (document == nullptr) return {RunStatus::OutputFailed, file.string() + ": no drawing is open"};
@@ -116,9 +125,7 @@ std::filesystem::path findFolder(const std::filesystem::path& folder) { return H
 
 void printDialogLine(std::wstring_view text) { host().transcript.line(text); }
 
-void showNotice(std::wstring_view caption, std::wstring_view text) {
-  host().transcript.line(L"[" + std::wstring(caption) + L"] " + std::wstring(text));
-}
+void showNotice(std::wstring_view caption, std::wstring_view text) { host().showNotice(caption, text); }
 
 void* topResource() { return host().documents.topResource(); }
 void setTopResource(void* module) { host().documents.setTopResource(module); }

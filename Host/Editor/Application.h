@@ -31,6 +31,7 @@ struct ApplicationOptions {
   std::function<void()> regenerate;  // REGEN and ads_regen
   std::vector<std::filesystem::path> supportFolders;
   bool problemsOnScreen = false;  // beside the transcript: what that has shown to somebody is no problem as well
+  std::vector<std::wstring> failureCaptions;  // of message boxes by which plug-ins tell that a command has failed
   bool dialogsByHand = false;     // dialogs and boxes stand on the screen instead of taking lines of the input
 };
 
@@ -41,7 +42,8 @@ class Application {
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 
-  /// Opens a drawing as a further document and makes it the current one. Status 2 with one sentence on failure.
+  /// Opens a drawing as a further document and makes it the current one; one that is open already only becomes current.
+  /// Status 2 with one sentence on failure.
   Result openDrawing(const std::filesystem::path& file);
   /// A new drawing with the standard tables, metric, as a further document.
   Result newDrawing();
@@ -51,7 +53,11 @@ class Application {
   database::DrawingDatabase* drawing() const;
   /// File of the current drawing; empty for a new one.
   std::filesystem::path drawingFile() const;
-  /// Writes the current drawing; status 4. The drawing keeps its own name.
+  enum class Current { Counts, LeftOut };
+  /// Names of the open drawings with changes that were not saved; of new ones without a folder.
+  std::vector<std::filesystem::path> unsavedDrawings(Current current) const;
+  /// Writes the current drawing; status 4. The drawing keeps its own name. Refused when the file belongs to another open
+  /// drawing, or is the drawing's own and somebody else has changed it.
   Result saveDrawing(const std::filesystem::path& file);
   /// The current drawing as it would be written; status 4.
   Result drawingText(std::string& text);

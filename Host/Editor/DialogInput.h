@@ -26,7 +26,7 @@ void reportDialogProblem(std::string_view sentence);
 std::filesystem::path findFolder(const std::filesystem::path& folder);
 /// Text on a line of its own in the transcript.
 void printDialogLine(std::wstring_view text);
-/// A box with OK only: "[CAPTION] text" on a line of its own.
+/// A box with OK only: "[CAPTION] text" on a line of its own. Where the caption stands for failures the command fails.
 void showNotice(std::wstring_view caption, std::wstring_view text);
 /// The module that the document manager was given last to look dialogs and strings up in; null when there is none.
 void* topResource();

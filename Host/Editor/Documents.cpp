@@ -41,6 +41,18 @@ void Document::setFile(const std::filesystem::path& file) {
   fileName_ = text::fromUtf8(file.string());
 }
 
+bool Document::isOf(const std::filesystem::path& file) const {
+  if (file_.empty()) return false;
+  const FileStamp own(file_), its(file);
+  // Of a file that is gone only the name is left.
+  return own.isThere() || its.isThere() ? own.isSameFile(its) : fullPath(file_) == fullPath(file);
+}
+
+bool Document::isChangedOutside() const {
+  const FileStamp now(file_);
+  return stamp.isThere() && now.isThere() && now != stamp;
+}
+
 void Document::setUntitled(int number) {
   file_.clear();
   fileName_ = L"Drawing" + std::to_wstring(number) + L".dxf";
@@ -127,14 +139,30 @@ Document& DocumentManager::add(std::unique_ptr<Document> document) {
   // With nothing else to be current, reactors that ask for the current document find the new one.
   if (current_ == nullptr) setCurrent(added);
   tell([added](AcApDocManagerReactor& r) { r.documentCreated(added); });
-  if (Document* const former = current_; former != added) {
-    tell([former](AcApDocManagerReactor& r) { r.documentToBeDeactivated(former); });
-    setCurrent(added);
-  }
-  tell([added](AcApDocManagerReactor& r) { r.documentBecameCurrent(added); });
-  tell([added](AcApDocManagerReactor& r) { r.documentToBeActivated(added); });
-  tell([added](AcApDocManagerReactor& r) { r.documentActivated(added); });
+  tellCurrent(*added);
   return *added;
+}
+
+void DocumentManager::tellCurrent(Document& document) {
+  Document* const next = &document;
+  if (Document* const former = current_; former != next) {
+    tell([former](AcApDocManagerReactor& r) { r.documentToBeDeactivated(former); });
+    setCurrent(next);
+  }
+  tell([next](AcApDocManagerReactor& r) { r.documentBecameCurrent(next); });
+  tell([next](AcApDocManagerReactor& r) { r.documentToBeActivated(next); });
+  tell([next](AcApDocManagerReactor& r) { r.documentActivated(next); });
+}
+
+void DocumentManager::activate(Document& document) {
+  if (current_ != &document) tellCurrent(document);
+}
+
+Document* DocumentManager::documentOf(const std::filesystem::path& file) const {
+  for (const auto& document : documents_) {
+    if (document->isOf(file)) return document.get();
+  }
+  return nullptr;
 }
 
 void DocumentManager::close(Document& document) {

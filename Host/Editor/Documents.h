@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Database/DrawingDatabase.h"
+#include "Editor/FileStamp.h"
 #include "Geometry/EntityPaths.h"
 #include "acdocman.h"
 
@@ -37,6 +38,13 @@ class Document final : public AcApDocument {
   const std::filesystem::path& file() const { return file_; }
   /// Full path of the drawing; "Drawing1.dxf" without a folder for a new one.
   void setFile(const std::filesystem::path& file);
+  /// The drawing's file as this document has read or written it last.
+  FileStamp stamp;
+  /// Whether `file` is the document's own, by whatever name.
+  bool isOf(const std::filesystem::path& file) const;
+  /// Somebody else has changed the document's file since it was read or written here. A file that is gone is no change:
+  /// nothing of it could be lost.
+  bool isChangedOutside() const;
   void setUntitled(int number);
 
   int locks = 0;
@@ -74,6 +82,10 @@ class DocumentManager final : public AcApDocManager {
   bool has(const AcApDocManagerReactor* reactor) const;
   /// Takes a new document over, tells the reactors, makes it the current one.
   Document& add(std::unique_ptr<Document> document);
+  /// Makes one of the documents the current one and tells the reactors.
+  void activate(Document& document);
+  /// The open document of a file, by whatever name; null when there is none.
+  Document* documentOf(const std::filesystem::path& file) const;
   /// Tells the reactors and destroys it; the last other document becomes current.
   void close(Document& document);
   /// Makes it current without telling anybody; for messages about one document. Null: none.
@@ -90,6 +102,7 @@ class DocumentManager final : public AcApDocManager {
  private:
   template <class Tell>
   void tell(const Tell& message);
+  void tellCurrent(Document& document);
 
   std::vector<std::unique_ptr<Document>> documents_;
   std::vector<AcApDocManagerReactor*> reactors_;

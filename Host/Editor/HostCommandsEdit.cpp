@@ -51,16 +51,21 @@ std::vector<Slot*> selected(Prompter& prompter) {
 }
 
 void erase(Prompter& prompter) {
-  std::size_t locked = 0;
+  std::size_t locked = 0, inUse = 0;
   for (Slot* slot : selected(prompter)) {
     AcDbEntity* entity = nullptr;
     const Acad::ErrorStatus status = acdbOpenAcDbEntity(entity, AcDbObjectId(slot), AcDb::kForWrite);
-    if (status == Acad::eOnLockedLayer) ++locked;
-    if (status != Acad::eOk) continue;
+    if (status == Acad::eWasErased) continue;
+    if (status != Acad::eOk) {
+      ++(status == Acad::eOnLockedLayer ? locked : inUse);
+      continue;
+    }
     entity->erase();
     entity->close();
   }
   if (locked > 0) prompter.line(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
+  if (inUse > 0)
+    prompter.refuse(std::to_wstring(inUse) + (inUse == 1 ? L" is" : L" are") + L" in use and cannot be erased.");
 }
 
 // Selecting sets the previous selection; nothing else is to do.

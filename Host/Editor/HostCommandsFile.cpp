@@ -20,12 +20,21 @@ std::filesystem::path typedPath(const std::wstring& text) {
   return text::toUtf8(text.substr(begin, end - begin));
 }
 
+/// Nothing when the user cancelled, or gave no name, which has been said.
+std::optional<std::filesystem::path> askFile(Prompter& prompter, std::wstring_view prompt) {
+  const auto name = prompter.text(prompt);
+  if (name.outcome == Outcome::Cancel) return std::nullopt;
+  std::filesystem::path typed = typedPath(name.value);
+  if (!typed.empty()) return typed;
+  prompter.refuse(L"A file name is needed.");
+  return std::nullopt;
+}
+
 void open(Prompter& prompter) {
-  const auto name = prompter.text(L"Enter name of drawing to open: ");
-  if (!name) return;
-  const std::filesystem::path typed = typedPath(name.value);
-  std::filesystem::path file = HostServices::find(typed, nullptr);
-  if (file.empty()) file = typed;
+  const auto typed = askFile(prompter, L"Enter name of drawing to open: ");
+  if (!typed) return;
+  std::filesystem::path file = HostServices::find(*typed, nullptr);
+  if (file.empty()) file = *typed;
   if (const Result result = prompter.session().openDrawing(file); !result)
     prompter.fail(result.status, text::fromUtf8(result.message));
 }
@@ -35,12 +44,32 @@ void createDrawing(Prompter& prompter) {
     prompter.fail(result.status, text::fromUtf8(result.message));
 }
 
+/// Asks somebody who is there whether to replace a file that somebody else has changed.
+bool mayReplace(Prompter& prompter, const std::filesystem::path& file) {
+  Limits limits;
+  limits.keywords = Keywords(L"Yes No");
+  const auto reply = prompter.keyword(
+      wide(file.filename()) +
+          L" has been changed by somebody else since it was opened. Replace it all the same? [Yes/No] <N>: ",
+      limits);
+  return reply.outcome == Outcome::Keyword && reply.keyword == L"Yes";
+}
+
 void saveTo(Prompter& prompter, Document& document, const std::filesystem::path& file) {
-  if (const Result result = prompter.session().saveDrawing(document, file); !result) {
+  auto changed = Session::ChangedFile::Refuse;
+  if (prompter.session().isInteractive() && document.isOf(file) && document.isChangedOutside()) {
+    if (!mayReplace(prompter, file)) {
+      prompter.line(wide(file) + L" was not saved; SAVEAS saves under another name.");
+      return;
+    }
+    changed = Session::ChangedFile::Replace;
+  }
+  if (const Result result = prompter.session().saveDrawing(document, file, changed); !result) {
     prompter.fail(result.status, text::fromUtf8(result.message));
     return;
   }
   if (file != document.file()) document.setFile(file);
+  document.stamp = FileStamp(document.file());
   document.drawing().setUnmodified();
   prompter.line(L"Saved " + wide(file));
 }
@@ -69,7 +98,7 @@ void saveAs(Prompter& prompter) {
     prompter.fail(RunStatus::OutputFailed, wide(file) + L": drawings are saved as DXF; the name must end in .dxf");
     return;
   }
-  saveTo(prompter, document, std::filesystem::absolute(file, error).lexically_normal());
+  saveTo(prompter, document, fullPath(file));
 }
 
 void quickSave(Prompter& prompter) {
@@ -82,6 +111,27 @@ void quickSave(Prompter& prompter) {
   }
 }
 
+/// Offers to save a changed drawing; false when the user wants to stay or saving failed.
+bool maySaveAndLeave(Prompter& prompter, Document& document) {
+  if (!document.drawing().isModified()) return true;
+  Limits limits;
+  limits.keywords = Keywords(L"Yes No Cancel");
+  const std::filesystem::path name = document.fileName() != nullptr ? text::toUtf8(document.fileName()) : "";
+  const auto reply =
+      prompter.keyword(L"Save changes to " + wide(name.filename()) + L"? [Yes/No/Cancel] <Y>: ", limits);
+  const bool isYes = reply.outcome == Outcome::Enter || reply.keyword == L"Yes";
+  if (isYes) quickSave(prompter);
+  return isYes ? !document.drawing().isModified() : reply.keyword == L"No";
+}
+
+/// What scripts are asked in its place.
+bool mayDiscard(Prompter& prompter) {
+  Limits limits;
+  limits.keywords = Keywords(L"Yes No");
+  const auto reply = prompter.keyword(L"Really want to discard all changes to drawing? [Yes/No] <N>: ", limits);
+  return reply.outcome == Outcome::Keyword && reply.keyword == L"Yes";
+}
+
 void closeCurrent(Prompter& prompter) {
   Session& session = prompter.session();
   Document* const document = session.documents.current();
@@ -89,43 +139,22 @@ void closeCurrent(Prompter& prompter) {
     prompter.refuse(L"No drawing is open.");
     return;
   }
-  session.closeDocument(*document);
-}
-
-/// Offers to save what was changed; false when the user wants to stay or saving failed.
-bool maySaveAndLeave(Prompter& prompter) {
-  Session& session = prompter.session();
-  Limits limits;
-  limits.keywords = Keywords(L"Yes No Cancel");
-  for (const auto& document : session.documents.all()) {
-    if (!document->drawing().isModified()) continue;
-    session.documents.setCurrent(document.get());
-    const std::filesystem::path name = document->fileName() != nullptr ? text::toUtf8(document->fileName()) : "";
-    const auto reply =
-        prompter.keyword(L"Save changes to " + wide(name.filename()) + L"? [Yes/No/Cancel] <Y>: ", limits);
-    const bool isYes = reply.outcome == Outcome::Enter || reply.keyword == L"Yes";
-    if (isYes) quickSave(prompter);
-    const bool isSaved = isYes && !document->drawing().isModified();
-    if (!isSaved && reply.keyword != L"No") return false;
-  }
-  return true;
+  const bool mayLeave = session.isInteractive() ? maySaveAndLeave(prompter, *document)
+                                                : !document->drawing().isModified() || mayDiscard(prompter);
+  if (mayLeave) session.closeDocument(*document);
 }
 
 void quit(Prompter& prompter) {
   Session& session = prompter.session();
-  if (session.isInteractive()) {
-    session.quitRequested = maySaveAndLeave(prompter);
-    return;
-  }
   bool isModified = false;
-  for (const auto& document : session.documents.all()) isModified = isModified || document->drawing().isModified();
-  if (isModified) {
-    Limits limits;
-    limits.keywords = Keywords(L"Yes No");
-    const auto reply = prompter.keyword(L"Really want to discard all changes to drawing? [Yes/No] <N>: ", limits);
-    if (reply.outcome != Outcome::Keyword || reply.keyword != L"Yes") return;
+  for (const auto& document : session.documents.all()) {
+    if (!document->drawing().isModified()) continue;
+    isModified = true;
+    if (!session.isInteractive()) continue;
+    session.documents.activate(*document);
+    if (!maySaveAndLeave(prompter, *document)) return;
   }
-  session.quitRequested = true;
+  session.quitRequested = session.isInteractive() || !isModified || mayDiscard(prompter);
 }
 
 void arxList(Prompter& prompter) {
@@ -148,17 +177,16 @@ void arx(Prompter& prompter) {
     for (const std::wstring& name : session.commands.names()) prompter.line(name);
   } else {
     const bool isLoad = option.keyword == L"Load";
-    const auto name = prompter.text(isLoad ? L"Enter module file name: " : L"Enter module name to unload: ");
-    if (!name) return;
+    const auto typed = askFile(prompter, isLoad ? L"Enter module file name: " : L"Enter module name to unload: ");
+    if (!typed) return;
     if (isLoad) {
-      const std::filesystem::path typed = typedPath(name.value);
-      const std::filesystem::path found = HostServices::find(typed, nullptr);
-      result = session.modules.load(found.empty() ? typed : found);
+      const std::filesystem::path found = HostServices::find(*typed, nullptr);
+      result = session.modules.load(found.empty() ? *typed : found);
     } else {
-      result = session.modules.unload(wide(typedPath(name.value)));
+      result = session.modules.unload(wide(*typed));
     }
     if (result) {
-      prompter.line(wide(typedPath(name.value)) + (isLoad ? L" loaded." : L" unloaded."));
+      prompter.line(wide(*typed) + (isLoad ? L" loaded." : L" unloaded."));
     } else {
       prompter.refuse(text::fromUtf8(result.message));
     }
@@ -167,20 +195,25 @@ void arx(Prompter& prompter) {
 
 void script(Prompter& prompter) {
   Session& session = prompter.session();
-  const auto name = prompter.text(L"Enter script file name: ");
-  if (!name) return;
-  std::filesystem::path typed = typedPath(name.value);
-  std::filesystem::path found = HostServices::find(typed, nullptr);
-  if (found.empty() && typed.extension().empty()) found = HostServices::find(typed += ".scr", nullptr);
+  auto typed = askFile(prompter, L"Enter script file name: ");
+  if (!typed) return;
+  std::filesystem::path found = HostServices::find(*typed, nullptr);
+  if (found.empty() && typed->extension().empty()) found = HostServices::find(*typed += ".scr", nullptr);
   if (session.inputDepth() >= kDeepestScripts) {
     prompter.refuse(L"Scripts call one another too deeply.");
     return;
   }
-  std::unique_ptr<ScriptInput> input = found.empty() ? nullptr : ScriptInput::fromFile(found);
-  if (input == nullptr) {
-    prompter.refuse(L"The script " + wide(typed) + L" cannot be read.");
+  if (found.empty()) {
+    prompter.refuse(L"The script " + wide(*typed) + L" cannot be read.");
     return;
   }
+  std::string told;
+  std::unique_ptr<ScriptInput> input = ScriptInput::fromFile(found, told);
+  if (input == nullptr) {
+    prompter.refuse(text::fromUtf8(told));
+    return;
+  }
+  if (!told.empty()) session.reportProblem(told);
   session.pushScript(std::move(input));
 }
 

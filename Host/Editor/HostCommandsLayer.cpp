@@ -130,7 +130,8 @@ class LayerDialogue {
         continue;
       }
       Record* record = nullptr;
-      if (acdbOpenObject(record, AcDbObjectId(layer), AcDb::kForWrite) != Acad::eOk) continue;
+      if (acdbOpenObject(record, AcDbObjectId(layer), AcDb::kForWrite) != Acad::eOk)
+        return refused(L"Layer \"" + drawingOf(prompter_).recordName(*layer) + L"\" is in use and cannot be changed.");
       edit(*record);
       record->close();
     }
@@ -144,7 +145,8 @@ class LayerDialogue {
         continue;
       }
       AcDbLayerTable* table = nullptr;
-      if (facadeOf(prompter_).getLayerTable(table, AcDb::kForWrite) != Acad::eOk) return true;
+      if (facadeOf(prompter_).getLayerTable(table, AcDb::kForWrite) != Acad::eOk)
+        return refused(L"The table of layers is in use and cannot be changed.");
       auto* const record = new Record;
       Acad::ErrorStatus status = record->setName(name.c_str());
       if (status == Acad::eOk) status = table->add(record);

@@ -81,7 +81,11 @@ AcRx::AppRetCode ModuleList::tell(Module& module, AcRx::AppMsgCode message, void
 void ModuleList::tellAll(AcRx::AppMsgCode message, Document* document) {
   Document* const former = session_.documents.current();
   if (document != nullptr) session_.documents.setCurrent(document);
-  for (const auto& module : modules_) tell(*module, message, nullptr);
+  for (const auto& module : modules_) {
+    if (tell(*module, message, nullptr) == AcRx::kRetError && message == AcRx::kLoadDwgMsg)
+      session_.reportProblem(text::toUtf8(module->name) + ": refused the drawing " +
+                             (document != nullptr ? text::toUtf8(document->fileName()) : std::string()));
+  }
   if (document != nullptr) session_.documents.setCurrent(former);
 }
 

@@ -1,8 +1,11 @@
 #include "Editor/ScriptInput.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
+#include "Editor/ScriptText.h"
 #include "Text/Text.h"
 
 namespace host::editor {
@@ -140,14 +143,25 @@ ScriptInput::ScriptInput(std::string_view utf8, std::string name) : text_(utf8),
   if (text_.starts_with("\xEF\xBB\xBF")) next_ = 3;
 }
 
-std::unique_ptr<ScriptInput> ScriptInput::fromFile(const std::filesystem::path& file) {
+std::unique_ptr<ScriptInput> ScriptInput::fromFile(const std::filesystem::path& file, std::string& told) {
+  const std::string name = file.filename().string();
+  const auto refused = [&](const std::string& why) {
+    told = name + ": the script " + why;
+    return nullptr;
+  };
   std::error_code error;
-  if (std::filesystem::is_directory(file, error)) return nullptr;
+  if (!std::filesystem::is_regular_file(file, error)) return refused("cannot be read: it is no ordinary file");
+  if (const auto size = std::filesystem::file_size(file, error); !error && size > kLargestScript)
+    return refused("is longer than " + std::to_string(kLargestScript >> 20) + " MB");
   std::ifstream stream(file, std::ios::binary);
-  if (!stream) return nullptr;
-  const std::string text{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  if (stream.bad()) return nullptr;
-  return std::make_unique<ScriptInput>(text, file.filename().string());
+  std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  if (!stream) return refused(std::string("cannot be read: ") + std::strerror(errno));
+  ScriptText script = scriptText(std::move(bytes));
+  const std::string line = name + ":" + std::to_string(script.line) + ": ";
+  if (!script.remark.empty()) told = line + script.remark;
+  if (script.refusal.empty()) return std::make_unique<ScriptInput>(script.utf8, name);
+  told = line + script.refusal;
+  return nullptr;
 }
 
 std::optional<std::wstring> ScriptInput::readLine(const Question&) {

@@ -42,8 +42,8 @@ class ScriptInput final : public LineInput {
  public:
   /// `name` is what messages call it.
   ScriptInput(std::string_view utf8, std::string name);
-  /// Null when the file cannot be read.
-  static std::unique_ptr<ScriptInput> fromFile(const std::filesystem::path& file);
+  /// Null when the file cannot be read as a script. `told`: why, or a remark on its encoding; a sentence, or empty.
+  static std::unique_ptr<ScriptInput> fromFile(const std::filesystem::path& file, std::string& told);
   std::string place() const override { return name_ + ":" + std::to_string(lineNumber()); }
 
  protected:

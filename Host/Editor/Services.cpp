@@ -1,7 +1,11 @@
 #include "Editor/Services.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <cwchar>
+#include <fstream>
+#include <iterator>
 
 #include "Editor/Modules.h"
 #include "Editor/Session.h"
@@ -19,11 +23,19 @@ ACRX_NO_CONS_DEFINE_MEMBERS(AcDbHostApplicationServices, AcRxObject)
 namespace host::editor {
 namespace {
 
+// Readers of settings give up on larger ones.
+constexpr std::uintmax_t kLargestSettings = std::uintmax_t{16} << 20;
+constexpr std::wstring_view kSettingsEndings[] = {L".ini", L".cfg"};
+
 /// The file in the folder, also when only the case of its name differs.
-std::filesystem::path inFolder(const std::filesystem::path& folder, const std::filesystem::path& name) {
+std::filesystem::path inFolder(const std::filesystem::path& folder, const std::filesystem::path& name,
+                               std::vector<std::filesystem::path>* passedOver) {
   std::error_code error;
   std::filesystem::path exact = folder / name;
   if (std::filesystem::is_regular_file(exact, error)) return exact;
+  // Not a folder, which may have any name.
+  const bool isThere = std::filesystem::symlink_status(exact, error).type() > std::filesystem::file_type::not_found;
+  if (passedOver != nullptr && isThere && !std::filesystem::is_directory(exact, error)) passedOver->push_back(exact);
   const std::filesystem::path parent = exact.parent_path();
   const std::wstring wanted = text::fromUtf8(exact.filename().string());
   for (std::filesystem::directory_iterator it(parent, error), end; !error && it != end; it.increment(error)) {
@@ -99,13 +111,14 @@ std::vector<std::filesystem::path> searchedFolders(const AcDbDatabase* db) {
 
 }  // namespace
 
-std::filesystem::path HostServices::find(const std::filesystem::path& name, const AcDbDatabase* db) {
+std::filesystem::path HostServices::find(const std::filesystem::path& name, const AcDbDatabase* db,
+                                         std::vector<std::filesystem::path>* passedOver) {
   std::error_code error;
   if (name.empty()) return {};
   if (name.is_absolute()) return std::filesystem::is_regular_file(name, error) ? name : std::filesystem::path();
   for (const std::filesystem::path& folder : searchedFolders(db)) {
-    const std::filesystem::path found = inFolder(folder, name);
-    if (!found.empty()) return std::filesystem::absolute(found, error).lexically_normal();
+    const std::filesystem::path found = inFolder(folder, name, passedOver);
+    if (!found.empty()) return fullPath(found);
   }
   return {};
 }
@@ -120,11 +133,37 @@ std::filesystem::path HostServices::findFolder(const std::filesystem::path& name
   return {};
 }
 
+namespace {
+
+/// Why whoever reads the file will not get its contents; empty when nothing is wrong.
+std::string faultOf(const std::filesystem::path& file) {
+  std::error_code error;
+  errno = 0;
+  std::ifstream in(file, std::ios::binary);
+  const bool isRead = in && (in.get() != std::ifstream::traits_type::eof() || !in.bad());
+  if (!isRead) return std::string("cannot be read") + (errno != 0 ? std::string(": ") + std::strerror(errno) : "");
+  const std::wstring ending = text::folded(text::fromUtf8(file.extension().string()));
+  const bool isSettings = std::find(std::begin(kSettingsEndings), std::end(kSettingsEndings), ending) !=
+                          std::end(kSettingsEndings);
+  if (isSettings && std::filesystem::file_size(file, error) > kLargestSettings && !error)
+    return "is passed over: it is longer than " + std::to_string(kLargestSettings >> 20) + " MB";
+  return {};
+}
+
+}  // namespace
+
+void HostServices::tellOnce(const std::filesystem::path& file, const std::string& what) {
+  if (told_.insert(file).second) Session::instance().reportProblem(file.string() + ": " + what);
+}
+
 Acad::ErrorStatus HostServices::findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName, AcDbDatabase* db,
                                          FindFileHint) {
   if (pathOut == nullptr || fileName == nullptr || bufferLength <= 0) return Acad::eInvalidInput;
-  const std::filesystem::path found = find(text::toUtf8(fileName), db);
+  std::vector<std::filesystem::path> passedOver;
+  const std::filesystem::path found = find(text::toUtf8(fileName), db, &passedOver);
+  for (const std::filesystem::path& file : passedOver) tellOnce(file, "is passed over: it is no file");
   if (found.empty()) return Acad::eFileNotFound;
+  if (const std::string fault = faultOf(found); !fault.empty()) tellOnce(found, fault);
   const std::wstring path = text::fromUtf8(found.string());
   if (path.size() >= static_cast<std::size_t>(bufferLength)) return Acad::eBufferTooSmall;
   std::copy(path.begin(), path.end(), pathOut);

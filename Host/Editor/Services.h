@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -44,15 +45,25 @@ class EditorService final : public AcEditor {
 
 class HostServices final : public AcDbHostApplicationServices {
  public:
+  /// Plug-ins go on without a file that they cannot read, and say nothing: what is wrong with it is said here, once.
   Acad::ErrorStatus findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName, AcDbDatabase* db,
                              FindFileHint hint) override;
   /// Current folder, the drawing's folder, the support folders, the host's own `support` folder; empty when not found.
-  static std::filesystem::path find(const std::filesystem::path& name, const AcDbDatabase* db);
+  /// `passedOver`: names on the way that are no files, as pipes and links that lead nowhere.
+  static std::filesystem::path find(const std::filesystem::path& name, const AcDbDatabase* db,
+                                    std::vector<std::filesystem::path>* passedOver = nullptr);
 
   /// A folder, by the same search.
   static std::filesystem::path findFolder(const std::filesystem::path& name);
+  /// What was said of files that cannot be read may be said again.
+  void forgetToldFiles() { told_.clear(); }
 
   AcDbDatabase* working = nullptr;
+
+ private:
+  void tellOnce(const std::filesystem::path& file, const std::string& what);
+
+  std::set<std::filesystem::path> told_;
 };
 
 /// The status bar's progress meter.

@@ -1,5 +1,7 @@
 #include "Editor/Session.h"
 
+#include <algorithm>
+
 #include "Dxf/DxfFile.h"
 #include "Editor/HostCommands.h"
 #include "Text/Text.h"
@@ -26,6 +28,7 @@ void Session::begin(ApplicationOptions options) {
   quitRequested = false;
   interrupted = false;
   documents.refuseLocks = false;
+  services.forgetToldFiles();
   lastCommand_.clear();
   untitledCount_ = 0;
 }
@@ -48,6 +51,28 @@ void Session::reportProblem(std::string_view sentence) const {
   if (options_.problem) options_.problem(sentence);
 }
 
+void Session::showNotice(std::wstring_view caption, std::wstring_view text) {
+  const std::wstring notice = L"[" + std::wstring(caption) + L"] " + std::wstring(text);
+  transcript.line(notice);
+  const std::vector<std::wstring>& captions = options_.failureCaptions;
+  if (std::find(captions.begin(), captions.end(), caption) == captions.end()) return;
+  // One sentence of the box's lines.
+  std::wstring told;
+  for (const wchar_t c : running_.empty() ? std::wstring_view(notice) : text) {
+    const bool isSpace = c == L'\n' || c == L'\r' || c == L' ';
+    if (!isSpace) told += c;
+    if (isSpace && !told.empty() && told.back() != L' ') told += L' ';
+  }
+  while (told.ends_with(L' ')) told.pop_back();
+  if (frames_.empty()) {
+    reportProblem(text::toUtf8(told));
+    return;
+  }
+  commandFailed_ = !running_.empty();
+  if (commandFailed_) told = running_.back()->global + L" failed: " + told;
+  fail(RunStatus::ScriptFailed, text::toUtf8(told), true);
+}
+
 void Session::regenerate() {
   if (options_.regenerate) options_.regenerate();
 }
@@ -55,19 +80,29 @@ void Session::regenerate() {
 // ---- documents ------------------------------------------------------------------------------------------------------
 
 Result Session::openDrawing(const std::filesystem::path& file) {
+  // A second copy would be saved over the first.
+  if (Document* const open = documents.documentOf(file)) {
+    documents.activate(*open);
+    transcript.line(text::fromUtf8(file.string()) + L" is open already; it is the current drawing now.");
+    return {};
+  }
   if (const Module* module = modules.blocksFurtherDrawing())
     return {RunStatus::DrawingUnreadable,
             file.string() + ": not opened: " + text::toUtf8(module->name) + " works with one open drawing only"};
+  std::error_code error;
+  if (std::filesystem::exists(file, error) && !std::filesystem::is_directory(file, error) &&
+      !std::filesystem::is_regular_file(file, error))
+    return {RunStatus::DrawingUnreadable, file.string() + ": this is no ordinary file"};
   auto db = std::make_unique<AcDbDatabase>(false, true);
+  const FileStamp stamp(file);  // before reading: what is changed meanwhile is a change
   const dxf::FileResult read = dxf::readDrawing(db->hostDatabase(), file);
   if (!read.ok) return {RunStatus::DrawingUnreadable, read.message};
   for (const database::Problem& problem : db->hostDatabase().problems()) {
     reportProblem(dxf::problemSentence(file.string(), problem));
   }
   auto document = std::make_unique<Document>(std::move(db));
-  std::error_code error;
-  const std::filesystem::path full = std::filesystem::absolute(file, error).lexically_normal();
-  document->setFile(error ? file : full);
+  document->stamp = stamp;
+  document->setFile(fullPath(file));
   if (document->drawing().headerInteger("$TILEMODE", 70).value_or(1) == 0) {
     const auto layouts = document->drawing().layouts();
     const database::BlockContents* const paper = document->drawing().findBlock(ACDB_PAPER_SPACE);
@@ -101,13 +136,22 @@ void Session::closeDocument(Document& document) {
   documents.close(document);
 }
 
-Result Session::saveDrawing(Document& document, const std::filesystem::path& file) {
+Result Session::saveDrawing(Document& document, const std::filesystem::path& file, ChangedFile changed) {
   std::error_code error;
   if (std::filesystem::is_directory(file, error))
     return {RunStatus::OutputFailed, file.string() + ": is a folder; a drawing needs a file name"};
+  const bool isOwn = document.isOf(file);
+  if (isOwn && changed == ChangedFile::Refuse && document.isChangedOutside())
+    return {RunStatus::OutputFailed,
+            file.string() + ": somebody else has changed the file since it was opened; it was not replaced"};
+  for (const auto& other : documents.all()) {
+    if (other.get() != &document && other->isOf(file))
+      return {RunStatus::OutputFailed, file.string() + ": this drawing is open too; close it before it is replaced"};
+  }
   modules.tellAll(AcRx::kSaveMsg, &document);
   const dxf::FileResult saved = dxf::saveDrawing(document.drawing(), file);
   if (!saved.ok) return {RunStatus::OutputFailed, saved.message};
+  if (isOwn) document.stamp = FileStamp(document.file());
   return {};
 }
 

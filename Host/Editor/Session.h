@@ -53,15 +53,21 @@ class Session {
   bool quitRequested = false;
   static std::atomic<bool> interrupted;
 
+  /// A drawing that is open already becomes the current one.
   Result openDrawing(const std::filesystem::path& file);
   Result newDrawing();
   void closeDocument(Document& document);
-  Result saveDrawing(Document& document, const std::filesystem::path& file);
+  /// Refuses to replace the document's own file when somebody else has changed it, and the files of other documents.
+  enum class ChangedFile { Refuse, Replace };
+  Result saveDrawing(Document& document, const std::filesystem::path& file,
+                     ChangedFile changed = ChangedFile::Refuse);
   /// Makes a layout current. False when there is none of that name.
   bool switchLayout(std::wstring_view name);
   /// Block of the current layout; the model space when the layout is gone.
   const database::BlockContents& currentSpace() const;
   void reportProblem(std::string_view sentence) const;
+  /// A box with OK only. One whose caption stands for failures fails the running command.
+  void showNotice(std::wstring_view caption, std::wstring_view text);
   void regenerate();
 
   // ---- input ------------------------------------------------------------------------------------------------------

@@ -1,11 +1,13 @@
 #include "Editor/Transcript.h"
 
+#include "Text/Text.h"
+
 namespace host::editor {
 
 void Transcript::write(std::wstring_view text) {
   if (text.empty()) return;
   atLineStart_ = text.back() == L'\n';
-  if (sink_) sink_(text);
+  if (sink_) sink_(text::printable(text));
 }
 
 void Transcript::print(std::wstring_view text) {

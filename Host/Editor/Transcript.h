@@ -7,7 +7,8 @@
 
 namespace host::editor {
 
-/// Keeps track of the line so that answers end their line and whole-line messages start on a fresh one.
+/// Keeps track of the line so that answers end their line and whole-line messages start on a fresh one. What is written
+/// is made printable: names in drawings may hold what a terminal would obey.
 class Transcript {
  public:
   using Sink = std::function<void(std::wstring_view)>;

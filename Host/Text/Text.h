@@ -13,6 +13,14 @@ std::wstring fromUtf8(std::string_view bytes);
 /// Wide to UTF-8. Works with 16-bit and 32-bit wide characters; lone surrogates become U+FFFD.
 std::string toUtf8(std::wstring_view text);
 
+/// Text that a terminal shows and does not obey: control characters are spelled as drawings spell them ("^[" for Esc,
+/// \U+009B beyond ASCII), and so are characters that turn the direction of writing or end a line unseen. Line feeds and
+/// tabs stay; a carriage return before a line feed goes.
+std::wstring printable(std::wstring_view text);
+enum class LineFeeds { Stay, Spelled };
+/// The same for UTF-8. Bytes that are not UTF-8 become U+FFFD.
+std::string printable(std::string_view bytes, LineFeeds lineFeeds);
+
 /// Lower-case form for comparing names (simple folding, Finnish, Greek and Cyrillic letters included).
 std::wstring folded(std::wstring_view text);
 bool equalFolded(std::wstring_view a, std::wstring_view b);

@@ -18,7 +18,9 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "Interruption.h"
 #include "Outputs.h"
+#include "Text/Text.h"
 
 namespace tolmex {
 
@@ -68,7 +70,8 @@ struct Worker {
 };
 
 std::string problem(const BatchTask& task, const std::string& what) {
-  return "tolmex: " + task.drawing + ": " + what + "\n";
+  using namespace host::text;
+  return "tolmex: " + printable(task.drawing + ": " + what, LineFeeds::Spelled) + "\n";
 }
 
 /// In the worker; does not come back.
@@ -97,11 +100,12 @@ class Batch {
       : tasks_(tasks), options_(options), workers_(tasks.size()), bar_(options.showsProgress) {
     ::sigemptyset(&signals_);
     ::sigaddset(&signals_, SIGCHLD);
-    for (const int signal : {SIGINT, SIGTERM}) {
-      // A job in the background was started with the signal ignored, and stays so.
+    ::sigemptyset(&ending_);
+    for (const int signal : Interruption::kSignals) {
       struct sigaction action {};
-      if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) ::sigaddset(&signals_, signal);
+      if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) ::sigaddset(&ending_, signal);
     }
+    ::sigorset(&signals_, &signals_, &ending_);
     ::sigprocmask(SIG_BLOCK, &signals_, &mask_);
   }
   ~Batch() { ::sigprocmask(SIG_SETMASK, &mask_, nullptr); }
@@ -147,10 +151,8 @@ class Batch {
               static_cast<double>(ended_) / static_cast<double>(tasks_.size()));
     const timespec time{0, 200'000'000};
     const int signal = ::sigtimedwait(&signals_, nullptr, &time);
-    if (signal == SIGINT || signal == SIGTERM) {
-      if (!isInterrupted_) patienceEnds_ = std::chrono::steady_clock::now() + kPatience;
-      isInterrupted_ = true;
-      endWorkers(signal);
+    if (signal > 0 && ::sigismember(&ending_, signal) == 1) {
+      interrupt();
     } else if (isInterrupted_ && std::chrono::steady_clock::now() > patienceEnds_) {
       endWorkers(SIGKILL);
     }
@@ -164,6 +166,12 @@ class Batch {
       --running_;
       ++ended_;
     }
+  }
+
+  void interrupt() {
+    if (!isInterrupted_) patienceEnds_ = std::chrono::steady_clock::now() + kPatience;
+    isInterrupted_ = true;
+    endWorkers(SIGTERM);
   }
 
   void endWorkers(int signal) const {
@@ -196,15 +204,25 @@ class Batch {
       result.err = problem(task, isInterrupted_ ? "not begun: interrupted" : "not begun: no process could be started");
     }
     ProgressBar::clear();
-    take(task, result);
+    giveOut(task, result, take);
     return result.status;
+  }
+
+  /// Nobody may read what is printed: signals are heard meanwhile, and work that ends with this process is given up.
+  void giveOut(const BatchTask& task, const BatchResult& result,
+               const std::function<void(const BatchTask&, const BatchResult&)>& take) {
+    const Interruption interruption(options_.crashStatus);
+    ::sigprocmask(SIG_UNBLOCK, &ending_, nullptr);
+    take(task, result);
+    ::sigprocmask(SIG_BLOCK, &ending_, nullptr);
+    if (Interruption::isAsked()) interrupt();
   }
 
   const std::vector<BatchTask>& tasks_;
   BatchOptions options_;
   std::vector<std::unique_ptr<Worker>> workers_;  // null before the start and after the result was taken
   ProgressBar bar_;
-  sigset_t signals_{}, mask_{};
+  sigset_t signals_{}, ending_{}, mask_{};  // awaited, those that end programs, the former mask
   std::size_t begun_ = 0, ended_ = 0;
   int running_ = 0;
   bool isInterrupted_ = false;
@@ -234,7 +252,7 @@ int forEachDrawing(const CommonOptions& options, RunStatus crashStatus, const st
     std::fwrite(result.out.data(), 1, result.out.size(), stdout);
     std::fflush(stdout);
     std::fwrite(result.err.data(), 1, result.err.size(), stderr);
-    std::printf("%s: %s\n", task.drawing.c_str(), statusText(result.status));
+    printLine(task.drawing + ": " + statusText(result.status));
     std::fflush(stdout);
   });
 }

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <sstream>
 
 #include "Commands.h"
 #include "Console.h"
@@ -289,8 +290,16 @@ int runCommandLine(int argc, char** argv) {
     checkCall(app, argc, argv);
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    // Help and version are no errors; everything else is wrong usage, whatever number the library gives it.
-    return app.exit(error) == 0 ? 0 : static_cast<int>(RunStatus::WrongUsage);
+    // Arguments are told as they were given, and a shell's pattern gives names of files. Help and version are no errors;
+    // everything else is wrong usage, whatever number the library gives it.
+    std::ostringstream out, err;
+    const int number = app.exit(error, out, err);
+    const auto print = [](const std::ostringstream& text, std::FILE* stream) {
+      std::fputs(host::text::printable(text.str(), host::text::LineFeeds::Stay).c_str(), stream);
+    };
+    print(out, stdout);
+    print(err, stderr);
+    return number == 0 ? 0 : static_cast<int>(RunStatus::WrongUsage);
   }
   if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && !readerLeft())
     return std::max(status, complain(RunStatus::OutputFailed, "standard output cannot be written"));

@@ -1,14 +1,20 @@
 #include "Console.h"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 
 #include "Text/Text.h"
 
 namespace tolmex {
+
+using host::text::LineFeeds;
+using host::text::printable;
 
 namespace {
 
@@ -20,6 +26,7 @@ struct {
   std::string drawing;         // of several: named in every problem
   std::string file, name;      // what a file of ours is called
   FILE* transcript = nullptr;  // null: standard output
+  int data = -1;               // where standard output led, once it carries a file
   bool barStandsThere = false;
   bool lineIsOpen = false;  // the transcript's last line has no end yet
 } console;
@@ -48,9 +55,11 @@ int complain(host::editor::RunStatus status, const std::string& sentence) {
   if (!drawing.empty() &&
       !(shown.starts_with(drawing) && shown.size() > drawing.size() && shown[drawing.size()] == ':'))
     shown.insert(0, drawing + ": ");
-  std::fprintf(stderr, "tolmex: %s\n", shown.c_str());
+  std::fprintf(stderr, "tolmex: %s\n", printable(shown, LineFeeds::Spelled).c_str());
   return static_cast<int>(status);
 }
+
+void printLine(const std::string& line) { std::printf("%s\n", printable(line, LineFeeds::Spelled).c_str()); }
 
 void nameDrawingInProblems(std::string drawing) { console.drawing = std::move(drawing); }
 
@@ -66,7 +75,28 @@ void printTranscript(std::wstring_view text) {
   if (!bytes.empty()) console.lineIsOpen = bytes.back() != '\n';
 }
 
-void keepStandardOutputForData() { console.transcript = stderr; }
+bool keepStandardOutputForData() {
+  std::fflush(stdout);
+  console.data = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  if (console.data < 0 || ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) return false;
+  console.transcript = stderr;
+  return true;
+}
+
+bool writeStandardOutput(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(console.data, bytes.data(), bytes.size());
+    if (written > 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno == EAGAIN) {  // whoever started the program may have made it so
+      pollfd ready{console.data, POLLOUT, 0};
+      ::poll(&ready, 1, -1);
+    } else if (errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
 
 ProgressBar::ProgressBar(bool isWanted) {
   const char* const terminal = std::getenv("TERM");
@@ -84,8 +114,7 @@ void ProgressBar::show(std::string_view label, double fraction) {
   bar += std::string(3 - std::min<std::size_t>(percent.size(), 3), ' ') + percent + " % ";
   // Cut where the line would wrap: a bar of two lines cannot be taken back.
   const std::size_t room = terminalColumns() - std::min(terminalColumns(), bar.size() + 1);
-  std::wstring text = host::text::fromUtf8(label);
-  std::erase_if(text, [](wchar_t c) { return c < L' '; });
+  const std::wstring text = host::text::fromUtf8(printable(label, LineFeeds::Spelled));
   bar += host::text::toUtf8(std::wstring_view(text).substr(0, room));
   std::fflush(stdout);
   std::fprintf(stderr, "\r\x1b[K%s", bar.c_str());

@@ -10,16 +10,24 @@
 
 namespace tolmex {
 
-/// Prints one sentence to standard error and answers the status.
+/// Prints one sentence to standard error and answers the status. Names in it may hold anything: it is made printable.
 int complain(host::editor::RunStatus status, const std::string& sentence);
 /// From now on sentences that do not begin with this drawing's name are given it: one of several is worked on.
 void nameDrawingInProblems(std::string drawing);
 /// Sentences that name `file` say `name` in its place.
 void showFileAs(std::string file, std::string name);
 
+/// A line of results to standard output, made printable.
+void printLine(const std::string& line);
+
 /// Text of the command line: to standard output, or to standard error when standard output carries a file.
 void printTranscript(std::wstring_view text);
-void keepStandardOutputForData();
+
+/// From now on standard output carries a file: whatever this program or a plug-in prints there goes to standard error.
+/// False when there is no standard output.
+bool keepStandardOutputForData();
+/// Bytes of that file; false when they cannot be written.
+bool writeStandardOutput(std::string_view bytes);
 
 /// A bar on standard error, if that is a terminal; work that is done at once shows none.
 class ProgressBar {

@@ -8,6 +8,7 @@
 #include "Console.h"
 #include "DrawingInfo.h"
 #include "Dxf/DxfFile.h"
+#include "Inputs.h"
 #include "Outputs.h"
 #include "Repair.h"
 #include "Text/Text.h"
@@ -44,51 +45,60 @@ std::string text(const ShadowValues& shadows) {
          (shadows.isDots ? ", dots" : ", lines");
 }
 
+/// A figure with blanks before it, as columns need them.
+std::string padded(std::size_t figure, std::size_t width) {
+  const std::string text = std::to_string(figure);
+  return std::string(width - std::min(width, text.size()), ' ') + text;
+}
+
 void printElements(const DrawingInfo& info) {
-  std::printf("elements\n");
+  printLine("elements");
   for (std::size_t i = 0; i < OrvLib::kCategories.size(); ++i) {
     const std::vector<ElementInfo>& elements = info.elements[i];
     if (elements.empty()) continue;
     // Padded by characters, not bytes: names have letters of two bytes.
     std::string name = host::text::toUtf8(OrvLib::kCategories[i].tag);
     name.append(12 - std::min<std::size_t>(std::wstring_view(OrvLib::kCategories[i].tag).size(), 12), ' ');
-    std::printf("  %s %6zu", name.c_str(), elements.size());
     const auto filled =
         std::count_if(elements.begin(), elements.end(), [](const auto& e) { return e.fill.has_value(); });
-    if (filled > 0) std::printf(", %td with a fill", filled);
-    std::printf("\n");
+    printLine("  " + name + " " + padded(elements.size(), 6) +
+              (filled > 0 ? ", " + std::to_string(filled) + " with a fill" : ""));
   }
-  if (info.parkingRows > 0) std::printf("  parking rows %6zu\n", info.parkingRows);
+  if (info.parkingRows > 0) printLine("  parking rows " + padded(info.parkingRows, 6));
 }
 
 void printFences(const DrawingInfo& info) {
   constexpr std::array kFences{OrvLib::Category::BoardFence, OrvLib::Category::StoneFence};
   std::size_t count = 0;
   for (const auto category : kFences) count += info.elements[static_cast<std::size_t>(category)].size();
-  if (count > 0) std::printf("fences %zu\n", count);
+  if (count > 0) printLine("fences " + std::to_string(count));
   for (const auto category : kFences) {
     const std::string name = host::text::toUtf8(OrvLib::row(category).tag);
     for (const ElementInfo& fence : info.elements[static_cast<std::size_t>(category)]) {
-      std::printf("  %s: %s, %s\n", host::text::formatHandle(fence.handle).c_str(), name.c_str(),
-                  fence.height.empty() ? "no height" : ("height " + fence.height).c_str());
+      printLine("  " + host::text::formatHandle(fence.handle) + ": " + name + ", " +
+                (fence.height.empty() ? "no height" : "height " + fence.height));
     }
   }
 }
 
 void print(const std::string& file, const DrawingInfo& info) {
-  std::printf("%s: AC%d, %zu entities in model space, %zu layers\n", file.c_str(), info.version, info.entities,
-              info.layers);
+  printLine(file + ": AC" + std::to_string(info.version) + ", " + std::to_string(info.entities) +
+            " entities in model space, " + std::to_string(info.layers) + " layers");
   printElements(info);
   printFences(info);
-  if (!info.buildings.empty()) std::printf("buildings %zu\n", info.buildings.size());
-  for (const BuildingValues& building : info.buildings) std::printf("  %s\n", text(building).c_str());
-  std::printf("shadows\n  %s\n", info.shadows ? text(*info.shadows).c_str() : "default settings");
-  if (!info.colors.empty()) std::printf("colours\n");
-  for (const LayerColor& color : info.colors)
-    std::printf("  %-16s %4d%s\n", color.layer.c_str(), color.color, color.isOff ? "  off" : "");
+  if (!info.buildings.empty()) printLine("buildings " + std::to_string(info.buildings.size()));
+  for (const BuildingValues& building : info.buildings) printLine("  " + text(building));
+  printLine("shadows");
+  printLine("  " + (info.shadows ? text(*info.shadows) : "default settings"));
+  if (!info.colors.empty()) printLine("colours");
+  for (const LayerColor& color : info.colors) {
+    const std::string number = std::to_string(color.color);
+    printLine("  " + color.layer + std::string(17 - std::min<std::size_t>(color.layer.size(), 16), ' ') +
+              std::string(4 - std::min<std::size_t>(number.size(), 4), ' ') + number + (color.isOff ? "  off" : ""));
+  }
   const std::size_t fileProblems = printProblems(file, info.fileProblems);
   for (const host::database::Problem& problem : info.problems) complain(RunStatus::Done, file + ": " + problem.text);
-  std::printf("problems %zu\n", info.problems.size() + fileProblems);
+  printLine("problems " + std::to_string(info.problems.size() + fileProblems));
 }
 
 /// Prints what is in the drawing; in JSON its object, also for one that cannot be read. A repaired copy is written when
@@ -102,7 +112,11 @@ int describeDrawing(const fs::path& name, const InfoOptions& options) {
     return status;
   };
   const fs::path path = readableFile(name);
-  if (path.empty()) return fail(file + ": cannot be read");
+  if (path.empty()) {
+    constexpr auto kStatus = static_cast<int>(RunStatus::DrawingUnreadable);
+    if (json) std::fputs(failedDrawingJson(file, kStatus, file + ": cannot be read").c_str(), stdout);
+    return kStatus;
+  }
   AcDbDatabase database(false);
   const host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
   const auto read = host::dxf::readDrawing(host::database::databaseOf(&database), path);
@@ -117,7 +131,7 @@ int describeDrawing(const fs::path& name, const InfoOptions& options) {
   }
   const int status = options.repaired.empty() ? 0 : writeRepaired(file, options.repaired, repaired);
   if (status == 0 && !options.repaired.empty() && !json)
-    std::printf("repaired copy %s\n", options.repaired.string().c_str());
+    printLine("repaired copy " + options.repaired.string());
   std::fflush(stdout);
   return status;
 }

@@ -117,9 +117,27 @@ Json problemsOf(const DrawingInfo& info) {
   return problems;
 }
 
-/// Names of files and layers may hold bytes that are no UTF-8.
+/// Names of files and layers may hold bytes that are no UTF-8, and control characters: terminals obey those beyond ASCII
+/// too, which the library leaves as they are.
 std::string spelled(const Json& json, int indent = -1) {
-  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+  const std::string text = json.dump(indent, ' ', false, Json::error_handler_t::replace);
+  std::string safe;
+  safe.reserve(text.size());
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  const auto escape = [&safe, kDigits](unsigned c) { safe.append("\\u00") += {kDigits[c >> 4], kDigits[c & 0xFU]}; };
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+    if (c == 0x7F) {
+      escape(c);
+    } else if (c == 0xC2 && next < 0xA0) {  // U+0080 to U+009F
+      escape(next);
+      ++i;
+    } else {
+      safe += text[i];
+    }
+  }
+  return safe;
 }
 
 }  // namespace

@@ -1,12 +1,10 @@
 #include "Interruption.h"
 
+#include <poll.h>
 #include <unistd.h>
 
-#include <array>
 #include <atomic>
-#include <csignal>
 #include <ctime>
-#include <string_view>
 
 #include "Editor/Application.h"
 
@@ -19,7 +17,6 @@ std::atomic<bool> asked = false;
 std::atomic<int> writing = 0;
 std::atomic<int> exitStatus = 0;
 timer_t patience{};
-constexpr std::array kSignals = {SIGINT, SIGTERM};
 static_assert(std::atomic<bool>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
 
 void startTimer() {
@@ -39,8 +36,7 @@ extern "C" void endWork(int) {
     startTimer();
     return;
   }
-  constexpr std::string_view kSentence = "tolmex: interrupted; unfinished outputs were not written\n";
-  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, kSentence.data(), kSentence.size());
+  sayFromHandler("tolmex: interrupted; unfinished outputs were not written\n");
   ::_exit(exitStatus);
 }
 
@@ -54,6 +50,12 @@ struct sigaction handle(int signal, void (*handler)(int)) {
 }
 
 }  // namespace
+
+void sayFromHandler(std::string_view sentence) {
+  pollfd ready{STDERR_FILENO, POLLOUT, 0};
+  if (::poll(&ready, 1, 0) != 1 || (ready.revents & POLLOUT) == 0) return;
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, sentence.data(), sentence.size());
+}
 
 Interruption::Interruption(host::editor::RunStatus status) {
   asked = false;
@@ -78,6 +80,7 @@ Interruption::~Interruption() {
 }
 
 bool Interruption::isAsked() { return asked; }
+host::editor::RunStatus Interruption::status() { return static_cast<host::editor::RunStatus>(exitStatus.load()); }
 
 Interruption::Writing::Writing() { ++writing; }
 Interruption::Writing::~Writing() { --writing; }

@@ -1,15 +1,24 @@
 // Ctrl+C: work ends soon, and no file is left half written.
 #pragma once
 
+#include <array>
+#include <csignal>
+#include <string_view>
+
 #include "Editor/Result.h"
 
 namespace tolmex {
 
-/// While one lives, SIGINT and SIGTERM ask the running script to stop. Work that does not notice is ended with
+/// Prints a short sentence to standard error from a signal handler; nothing where nobody reads what is printed there.
+void sayFromHandler(std::string_view sentence);
+
+/// While one lives, the signals that end programs ask the running script to stop. Work that does not notice is ended with
 /// one sentence after `kPatienceMs`. One at a time.
 class Interruption {
  public:
   static constexpr long kPatienceMs = 600;
+  /// Ctrl+C, `kill`, and the terminal that goes away. One that was ignored when the program was started stays so.
+  static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
   /// `status` is the exit status of work that has to be ended.
   explicit Interruption(host::editor::RunStatus status);
@@ -18,8 +27,11 @@ class Interruption {
   Interruption& operator=(const Interruption&) = delete;
 
   static bool isAsked();
+  /// The exit status of interrupted work.
+  static host::editor::RunStatus status();
 
-  /// A file is being written: it may be finished first, so that no temporary file stays behind.
+  /// A file is being written: it may be finished first, so that no temporary file stays behind. Not for pipes: nobody
+  /// may ever read from them.
   class Writing {
    public:
     Writing();

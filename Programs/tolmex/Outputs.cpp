@@ -1,14 +1,9 @@
 #include "Outputs.h"
 
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <map>
 
 #include "Console.h"
@@ -97,7 +92,7 @@ RunStatus prepareOutputs(const std::vector<fs::path>& inputs, const std::vector<
   if (std::any_of(outputs.begin(), outputs.end(), isStandardStream)) {
     if (::isatty(STDOUT_FILENO) == 1)
       return refuse("-: standard output is a terminal; name a file or send it elsewhere");
-    keepStandardOutputForData();
+    if (!keepStandardOutputForData()) return refuse("-: standard output cannot be written");
   }
   if (folder && !fs::is_directory(*folder, error)) {
     fs::create_directories(*folder, error);
@@ -106,42 +101,14 @@ RunStatus prepareOutputs(const std::vector<fs::path>& inputs, const std::vector<
   return RunStatus::Done;
 }
 
-fs::path readableFile(const fs::path& name) {
-  if (!isStandardStream(name)) return name;
-  const auto failed = [] {
-    complain(RunStatus::DrawingUnreadable, std::string("standard input: cannot be read: ") + std::strerror(errno));
-    return fs::path();
-  };
-  // Kept in memory and open until the program ends, so that a path leads to it.
-  const int copy = ::memfd_create("standard input", MFD_CLOEXEC);
-  if (copy < 0) return failed();
-  std::array<char, 1 << 16> buffer{};
-  for (;;) {
-    const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return failed();
-    if (count == 0) break;
-    for (ssize_t written = 0; written < count;) {
-      const ssize_t more = ::write(copy, buffer.data() + written, static_cast<std::size_t>(count - written));
-      if (more < 0) return failed();
-      written += more;
-    }
-  }
-  std::string path = "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(copy);
-  showFileAs(path, "standard input");
-  return path;
-}
-
 RunStatus writeOutput(const fs::path& file, std::string_view bytes) {
-  const Interruption::Writing writing;
   if (!isStandardStream(file)) {
+    const Interruption::Writing writing;
     const host::dxf::FileResult written = host::dxf::writeFileWhole(file, bytes);
     if (!written.ok) complain(RunStatus::OutputFailed, written.message);
     return written.ok ? RunStatus::Done : RunStatus::OutputFailed;
   }
-  if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0)
-    return RunStatus::Done;
-  std::clearerr(stdout);  // said once
+  if (writeStandardOutput(bytes)) return RunStatus::Done;
   complain(RunStatus::OutputFailed, "standard output cannot be written");
   return RunStatus::OutputFailed;
 }

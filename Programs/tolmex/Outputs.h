@@ -28,10 +28,6 @@ inline bool isStandardStream(const std::filesystem::path& name) { return name ==
 /// What messages call a file of the command line.
 std::string shownName(const std::filesystem::path& name);
 
-/// A path that can be opened in the place of `name`: for "-" what standard input holds, read to its end; problems call
-/// it "standard input". Empty when it cannot be read, which has been said.
-std::filesystem::path readableFile(const std::filesystem::path& name);
-
 /// Writes a file whole or not at all, or to standard output; a failure is printed.
 host::editor::RunStatus writeOutput(const std::filesystem::path& file, std::string_view bytes);
 

@@ -6,6 +6,7 @@
 #include "Console.h"
 #include "Dxf/DxfFile.h"
 #include "Editor/Application.h"
+#include "Inputs.h"
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
@@ -69,6 +70,7 @@ int pictureDrawing(const PictureCallOptions& options, const fs::path& name, cons
   if (!options.variables.empty()) {
     host::editor::ApplicationOptions settings;
     settings.supportFolders = options.supportFolders;
+    settings.problem = [](std::string_view sentence) { complain(RunStatus::Done, std::string(sentence)); };
     host::editor::Application application(settings);
     const RunStatus opened = openDrawing(application, file, options.variables);
     return static_cast<int>(opened != RunStatus::Done ? opened : writeAll(*application.drawing(), options, pictures));
@@ -76,7 +78,7 @@ int pictureDrawing(const PictureCallOptions& options, const fs::path& name, cons
   AcDbDatabase database(false);
   host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
   if (const auto read = host::dxf::readDrawing(drawing, file); !read.ok)
-    return complain(RunStatus::DrawingUnreadable, read.message);
+    return static_cast<int>(sayUnopened({RunStatus::DrawingUnreadable, read.message}));
   printProblems(shownName(name), drawing.problems());
   return static_cast<int>(writeAll(drawing, options, pictures));
 }

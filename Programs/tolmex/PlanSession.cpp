@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Console.h"
+#include "Inputs.h"
 #include "Interruption.h"
 #include "Outputs.h"
 #include "Text/Text.h"
@@ -17,17 +18,17 @@ using host::editor::RunStatus;
 
 namespace {
 
-/// The plug-in beside the program.
+/// The plug-in beside the program; never one that lies in the current folder.
 fs::path plugInFile() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  return (error ? fs::path(".") : program.parent_path()) / "tolmex.arx";
+  return error ? fs::path() : program.parent_path() / "tolmex.arx";
 }
 
 /// PICTURE: draws the current drawing into a file whose ending names the format.
 void pictureCommand(Application& application, Prompter& prompter) {
   const auto file = prompter.text(L"Enter name of picture file: ");
-  if (!file || application.drawing() == nullptr) return;
+  if (file.outcome == host::editor::Outcome::Cancel) return;
   const fs::path path = host::text::toUtf8(file.value);
   const auto format = host::picture::formatOfFile(path.string());
   if (!format) {
@@ -75,6 +76,8 @@ std::string refuseVariables(const std::vector<std::string>& variables) {
   for (const std::string& variable : variables) {
     const std::size_t equals = variable.find('=');
     if (equals == std::string::npos || equals == 0) return "--set " + variable + ": give it as NAME=VALUE";
+    if (host::text::toUtf8(host::text::fromUtf8(variable)) != variable)
+      return "--set " + variable + ": the value is not UTF-8";
   }
   return {};
 }
@@ -99,19 +102,40 @@ std::string refuseRunOptions(const RunOptions& options) {
       host::text::folded(host::text::fromUtf8(options.out->extension().string())) != L".dxf")
     return (options.out->empty() ? "\"\"" : options.out->string()) +
            ": drawings are saved as DXF; the name must end in .dxf";
+  for (const std::string& line : options.commands) {
+    if (host::text::toUtf8(host::text::fromUtf8(line)) != line) return "--command " + line + ": the line is not UTF-8";
+  }
   return refuseVariables(options.variables);
 }
 
+namespace {
+
+host::editor::ApplicationOptions completed(host::editor::ApplicationOptions settings, const RunOptions& options) {
+  settings.supportFolders = options.supportFolders;
+  settings.failureCaptions = {L"Error", L"Out of memory"};  // of the plug-in's failure reports
+  return settings;
+}
+
+}  // namespace
+
 PlanSession::PlanSession(const RunOptions& options, host::editor::ApplicationOptions settings)
-    : options_(options), application_((settings.supportFolders = options.supportFolders, std::move(settings))) {
+    : options_(options), application_(completed(std::move(settings), options)) {
   application_.addCommand(L"PICTURE", 0, [this](Prompter& prompter) { pictureCommand(application_, prompter); });
 }
 
-RunStatus openDrawing(Application& application, const fs::path& file, const std::vector<std::string>& variables) {
-  if (const Result opened = file.empty() ? application.newDrawing() : application.openDrawing(file); !opened) {
+RunStatus sayUnopened(const Result& opened) {
+  // Ctrl+C at a terminal ends the process that reads DWG drawings too, and the drawing seems to be at fault.
+  if (!Interruption::isAsked()) {
     complain(opened.status, opened.message);
     return opened.status;
   }
+  complain(RunStatus::ScriptFailed, "interrupted; nothing was written");
+  return Interruption::status();
+}
+
+RunStatus openDrawing(Application& application, const fs::path& file, const std::vector<std::string>& variables) {
+  if (const Result opened = file.empty() ? application.newDrawing() : application.openDrawing(file); !opened)
+    return sayUnopened(opened);
   for (const std::string& variable : variables) {
     const std::size_t equals = variable.find('=');
     const Result set = application.setVariable(host::text::fromUtf8(variable.substr(0, equals)),
@@ -128,7 +152,12 @@ RunStatus PlanSession::open(const fs::path& drawing) {
   if (file.empty() && !drawing.empty()) return RunStatus::DrawingUnreadable;
   if (const RunStatus opened = openDrawing(application_, file, options_.variables); opened != RunStatus::Done)
     return opened;
-  const Result loaded = application_.loadModule(plugInFile());
+  const fs::path plugIn = plugInFile();
+  if (plugIn.empty()) {
+    complain(RunStatus::WrongUsage, "/proc/self/exe cannot be read; it tells where the plug-in lies");
+    return RunStatus::WrongUsage;
+  }
+  const Result loaded = application_.loadModule(plugIn);
   if (!loaded) complain(loaded.status, loaded.message);
   return loaded.status;
 }

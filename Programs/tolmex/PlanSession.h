@@ -20,6 +20,8 @@ PlanOutputs outputsOf(const RunOptions& options, const std::filesystem::path& dr
 /// Wrong usage of a call that opens drawings; one sentence, or empty.
 std::string refuseRunOptions(const RunOptions& options);
 
+/// Says why a drawing could not be opened, or that the work was interrupted; the exit status.
+host::editor::RunStatus sayUnopened(const host::editor::Result& opened);
 /// Opens a drawing (an empty path: a new one) and sets the variables. A failure has been printed.
 host::editor::RunStatus openDrawing(host::editor::Application& application, const std::filesystem::path& file,
                                     const std::vector<std::string>& variables);

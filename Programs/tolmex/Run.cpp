@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 
 #include "Commands.h"
 #include "Console.h"
 #include "Editor/ScriptInput.h"
+#include "Inputs.h"
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
@@ -26,21 +25,13 @@ struct Script {
 };
 
 /// The script file with the inline lines behind it. Nothing when it cannot be read, which has been said.
-std::optional<Script> readScript(const RunOptions& options) {
+std::optional<Script> wholeScript(const RunOptions& options) {
   Script script{{}, "--command"};
   if (!options.script.empty()) {
-    const bool isStream = isStandardStream(options.script);
     script.name = shownName(options.script);
-    const fs::path file = isStream ? fs::path("/dev/stdin") : options.script;
-    std::error_code error;
-    std::ifstream in(file, std::ios::binary);
-    if (!in || fs::is_directory(file, error)) {
-      complain(RunStatus::ScriptFailed, script.name + ": the script cannot be read");
-      return std::nullopt;
-    }
-    std::stringstream all;
-    all << in.rdbuf();
-    script.text = all.str();
+    std::optional<std::string> text = readScript(options.script);
+    if (!text) return std::nullopt;
+    script.text = std::move(*text);
     if (!script.text.empty() && script.text.back() != '\n') script.text += '\n';
   }
   for (const std::string& command : options.commands) script.text += command + "\n";
@@ -114,7 +105,7 @@ int runDrawings(const RunOptions& options) {
   std::optional<Script> script;
   {
     const Interruption interruption(RunStatus::ScriptFailed);
-    script = readScript(options);
+    script = wholeScript(options);
     if (Interruption::isAsked()) return complain(RunStatus::ScriptFailed, "interrupted; nothing was written");
   }
   if (!script) return static_cast<int>(RunStatus::ScriptFailed);

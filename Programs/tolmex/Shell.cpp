@@ -5,10 +5,14 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <utility>
 
 #include "Commands.h"
 #include "Console.h"
+#include "Editor/FileStamp.h"
 #include "Editor/ScriptInput.h"
+#include "Editor/ScriptText.h"
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
@@ -104,17 +108,14 @@ class ShellInterruption {
   static void forget() { asked_ = 0; }
 
  private:
-  static void say(std::string_view text) {
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
-  }
   static void ask(int) {
     if (asked_ != 0) {
-      say("\ntolmex: interrupted; nothing was saved\n");
+      sayFromHandler("\ntolmex: interrupted; nothing was saved\n");
       ::_exit(static_cast<int>(RunStatus::ScriptFailed));
     }
     asked_ = 1;
     Application::interrupt();
-    say("\nCtrl+C again ends tolmex without saving\n");
+    sayFromHandler("\nCtrl+C again ends tolmex without saving\n");
   }
 
   static inline volatile std::sig_atomic_t asked_ = 0;
@@ -133,7 +134,8 @@ class TerminalInput final : public host::editor::LineInput {
     const bool isCommand = question.prompt == kCommandPrompt;
     const bool isDialog = question.form == AnswerForm::Line;
     if (isDialog) screen_.startLine();
-    const std::string prompt = isDialog ? host::text::toUtf8(question.prompt) + ": " : screen_.takePrompt();
+    const std::string prompt =
+        isDialog ? host::text::toUtf8(host::text::printable(question.prompt)) + ": " : screen_.takePrompt();
     const Terminal::Typed typed = terminal_.read(prompt, isCommand);
     switch (typed.key) {
       case Terminal::Key::Line:
@@ -165,6 +167,8 @@ class TerminalInput final : public host::editor::LineInput {
 /// Lines of a pipe. Failures do not end it, as they do not end the work of somebody who types.
 class PipeInput final : public host::editor::LineInput {
  public:
+  /// `problem` is told of lines that are not UTF-8.
+  explicit PipeInput(std::function<void(std::string_view)> problem) : problem_(std::move(problem)) {}
   ~PipeInput() override { std::free(buffer_); }
   bool isInteractive() const override { return true; }
   std::string place() const override { return "standard input:" + std::to_string(lines_); }
@@ -178,14 +182,22 @@ class PipeInput final : public host::editor::LineInput {
     ++lines_;
     std::string_view line(buffer_, static_cast<std::size_t>(count));
     if (line.ends_with('\n')) line.remove_suffix(1);
-    if (lines_ == 1 && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
-    return host::text::fromUtf8(line);
+    const host::editor::ScriptText text = host::editor::scriptText(std::string(line));
+    if (!text.refusal.empty()) {
+      problem_(place() + ": " + text.refusal);
+      return kEscape;
+    }
+    if (!text.remark.empty() && !std::exchange(isRemarked_, true))
+      complain(RunStatus::Done, place() + ": " + text.remark);
+    return host::text::fromUtf8(text.utf8);
   }
 
  private:
   char* buffer_ = nullptr;
   std::size_t size_ = 0;
   int lines_ = 0;
+  bool isRemarked_ = false;  // on the encoding
+  std::function<void(std::string_view)> problem_;
   DialogGreeting greeting_;
 };
 
@@ -242,7 +254,7 @@ int runShell(const RunOptions& options) {
     status = typeCommands(session, screen);
   } else {
     const Interruption interruption(RunStatus::ScriptFailed);
-    PipeInput input;
+    PipeInput input(settings.problem);
     session.application().run(input);
     if (hasFailed || Interruption::isAsked()) status = RunStatus::ScriptFailed;
   }
@@ -252,9 +264,13 @@ int runShell(const RunOptions& options) {
     if (outputs.isEmpty()) return static_cast<int>(status);
     return complain(RunStatus::ScriptFailed, "no drawing was left open; nothing was written");
   }
-  if (!application.quitRequested() && !outputs.drawing && application.drawing()->isModified())
-    complain(RunStatus::Done,
-             (drawing.empty() ? "the new drawing" : drawing.string()) + ": the input ended; changes were not saved");
+  if (!application.quitRequested()) {
+    const auto current = outputs.drawing ? Application::Current::LeftOut : Application::Current::Counts;
+    for (const fs::path& unsaved : application.unsavedDrawings(current)) {
+      const fs::path& shown = unsaved == host::editor::fullPath(drawing) ? drawing : unsaved;
+      complain(RunStatus::Done, shown.string() + ": the input ended; changes were not saved");
+    }
+  }
   return static_cast<int>(std::max(status, session.write(outputs)));
 }
 

@@ -1,21 +1,38 @@
 // The program `tolmex`: illustrates plans, draws pictures of drawings, says what is in them.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <csignal>
-#include <cstdio>
 #include <exception>
+#include <string>
 
 #include "CommandLine.h"
-#include "Editor/Result.h"
+#include "Console.h"
+
+using host::editor::RunStatus;
+
+namespace {
+
+/// Closed standard streams: the next files opened would take their numbers, and what is printed would go into them. The
+/// device in their place is opened so that using it fails as the closed stream did.
+void keepStandardStreamsApart() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
+  keepStandardStreamsApart();
   // Writing then fails with a reason that can be told: a file beyond the limit, a reader of standard output that left.
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);
   try {
     return tolmex::runCommandLine(argc, argv);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "tolmex: internal failure: %s\n", error.what());
+    return tolmex::complain(RunStatus::ScriptFailed, std::string("internal failure: ") + error.what());
   } catch (...) {
-    std::fprintf(stderr, "tolmex: internal failure\n");
+    return tolmex::complain(RunStatus::ScriptFailed, "internal failure");
   }
-  return static_cast<int>(host::editor::RunStatus::ScriptFailed);
 }

@@ -1,4 +1,5 @@
 // DWG drawings: read whole, refused in a sentence, never waited for.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -93,6 +94,64 @@ TEST_F(DwgDrawings, PairsGiveWhatTheirDxfGives) {
       EXPECT_NE(databaseOf(&dwg).findRecord(host::database::DxfType::Layer, wanted), nullptr)
           << host::text::toUtf8(wanted);
     }
+  }
+}
+
+/// Gives a class of an AC1015 drawing another name of the same length. Its section is packed: letters begin at any bit.
+bool renameClass(std::string& dwg, std::string_view name, std::string_view other) {
+  const auto bit = [](std::string_view bytes, std::size_t i) {
+    return (static_cast<unsigned char>(bytes[i / 8]) >> (7 - i % 8) & 1U) != 0;
+  };
+  const std::size_t length = name.size() * 8;
+  for (std::size_t at = 0; at + length <= dwg.size() * 8; ++at) {
+    std::size_t i = 0;
+    while (i < length && bit(dwg, at + i) == bit(name, i)) ++i;
+    if (i < length) continue;
+    for (i = 0; i < length; ++i) {
+      const auto mask = static_cast<char>(1U << (7 - (at + i) % 8));
+      char& byte = dwg[(at + i) / 8];
+      byte = static_cast<char>(bit(other, i) ? byte | mask : byte & ~mask);
+    }
+    return true;
+  }
+  return false;
+}
+
+TEST_F(DwgDrawings, ObjectsOfForeignClassesAreKeptAsPicturesOrTold) {
+  const auto texts = [](const DrawingDatabase& db) {
+    std::vector<std::string> all;
+    for (const host::database::Problem& problem : db.problems()) all.push_back(problem.text);
+    return all;
+  };
+  AcDbDatabase map(false, true);
+  ASSERT_TRUE(host::dxf::readDrawing(databaseOf(&map), tests::realDrawingFolder() / "sym2010.dwg").ok);
+  EXPECT_EQ(texts(databaseOf(&map)),
+            std::vector<std::string>{"left out, because the DWG reader does not give them: 3 (DMMAPMANAGER 1, "
+                                     "DMSTYLECATEGORY 1, DMSTYLELIBRARY 1)"});
+  // A program that nobody has here has drawn the dimension and left a picture of it.
+  std::string drawing = bytes("ex2000.dwg");
+  ASSERT_TRUE(renameClass(drawing, "ARC_DIMENSION", "AEC_DIMENSION"));
+  AcDbDatabase foreign(false, true), known(false, true);
+  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&foreign), drawing, "plan.dwg").ok);
+  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&known), bytes("ex2000.dwg"), "plan.dwg").ok);
+  EXPECT_THAT(texts(databaseOf(&foreign)),
+              testing::Contains("kept as pictures of themselves, because the DWG reader does not give their data: 1 "
+                                "(AEC_DIMENSION 1)"));
+  EXPECT_TRUE(texts(databaseOf(&known)).empty());
+  std::map<std::string, int> expected = modelSpace(databaseOf(&known));
+  ASSERT_EQ(expected["ARC_DIMENSION"], 1);
+  expected.erase("ARC_DIMENSION");
+  expected["ACAD_PROXY_ENTITY"] = 1;
+  EXPECT_EQ(modelSpace(databaseOf(&foreign)), expected);
+  for (const Slot* const entity : databaseOf(&foreign).modelSpace().entities) {
+    if (databaseOf(&foreign).typeName(*entity) != "ACAD_PROXY_ENTITY") continue;
+    const Slot* const original = databaseOf(&known).findHandle(entity->handle);
+    ASSERT_NE(original, nullptr);
+    EXPECT_EQ(databaseOf(&known).typeName(*original), "ARC_DIMENSION");
+    EXPECT_EQ(databaseOf(&foreign).layerName(entity->layer), databaseOf(&known).layerName(original->layer));
+    host::database::Tag size;
+    ASSERT_TRUE(host::database::findTagIn(entity->tags(), "AcDbEntity", 92, size));
+    EXPECT_EQ(size.integer(), 1968);
   }
 }
 

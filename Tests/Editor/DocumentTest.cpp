@@ -22,6 +22,26 @@ class Documents : public test::Host {
     fs::create_directories(folder);
   }
   ~Documents() override { fs::remove_all(folder); }
+  /// Lines of somebody who can be asked again.
+  void type(std::vector<std::string> lines) {
+    class Typed final : public host::editor::LineInput {
+     public:
+      explicit Typed(std::vector<std::string> typed) : lines_(std::move(typed)) {}
+      bool isInteractive() const override { return true; }
+
+     protected:
+      std::optional<std::wstring> readLine(const host::editor::Question&) override {
+        if (next_ == lines_.size()) return std::nullopt;
+        return host::text::fromUtf8(lines_[next_++]);
+      }
+
+     private:
+      std::vector<std::string> lines_;
+      std::size_t next_ = 0;
+    } input(std::move(lines));
+    transcript.clear();
+    app.run(input);
+  }
   fs::path folder;
 };
 
@@ -45,8 +65,10 @@ TEST_F(Documents, OpenSaveAndClose) {
   EXPECT_EQ(app.drawingFile(), plan);
   EXPECT_FALSE(app.drawing()->isModified());
 
+  const fs::path copy = folder / "copy.dxf";
+  fs::copy_file(plan, copy);
   Recorder recorder;
-  ASSERT_TRUE(app.openDrawing(plan));
+  ASSERT_TRUE(app.openDrawing(copy));
   // The former document is still the current one while the new one is being made.
   EXPECT_EQ(recorder.log, "started created current activated ");
   ASSERT_EQ(entities().size(), 1U);
@@ -55,7 +77,7 @@ TEST_F(Documents, OpenSaveAndClose) {
   recorder.log.clear();
   app.closeDrawing();
   EXPECT_EQ(recorder.log, "closing destroyed current activated ");
-  EXPECT_EQ(app.drawingFile(), plan);  // the other document of that file
+  EXPECT_EQ(app.drawingFile(), plan);
 
   recorder.log.clear();
   app.closeDrawing();
@@ -64,8 +86,109 @@ TEST_F(Documents, OpenSaveAndClose) {
   expectFailure("LINE 0,0 1,1\n", "No drawing is open: LINE needs one.");
   expectDone("OPEN " + plan.string() + "\nLINE 0,0 1,1\n\nQSAVE\n");
   EXPECT_FALSE(app.drawing()->isModified());
+  app.closeDrawing();
   ASSERT_TRUE(app.openDrawing(plan));
   EXPECT_EQ(entities().size(), 2U);
+}
+
+TEST_F(Documents, ADrawingIsOpenOnceWhateverItIsCalled) {
+  const fs::path plan = folder / "plan.dxf", other = folder / "other.dxf";
+  expectDone("LINE 0,0 1,0\n\nSAVEAS " + plan.string() + "\n");
+  fs::copy_file(plan, other);
+  fs::create_directories(folder / "deep/er");
+  fs::create_directory_symlink(folder / "deep/er", folder / "link");
+  fs::create_symlink(plan, folder / "alias.dxf");
+  expectDone("LINE 0,0 2,0\n\nOPEN " + other.string() + "\n");
+  EXPECT_EQ(app.drawingFile(), other);
+  Recorder recorder;
+  for (const char* name : {"plan.dxf", "./deep/../plan.dxf", "alias.dxf"}) {
+    SCOPED_TRACE(name);
+    expectDone("OPEN " + other.string() + "\nOPEN " + (folder / name).string() + "\n");
+    EXPECT_TRUE(said(L" is open already; it is the current drawing now.")) << host::text::toUtf8(transcript);
+    EXPECT_EQ(app.drawingFile(), plan);
+    EXPECT_EQ(entities().size(), 2U) << "with what was not saved yet";
+  }
+  EXPECT_EQ(recorder.log, "current activated current activated current activated current activated current activated ");
+  // Its file is gone: the drawing is still the one that is open.
+  fs::remove(plan);
+  expectDone("OPEN " + other.string() + "\nOPEN " + plan.string() + "\nQSAVE\n");
+  EXPECT_TRUE(fs::exists(plan));
+  // Nor is the one saved over the other.
+  const host::editor::Result result = run("SAVEAS " + other.string() + "\n");
+  EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
+  EXPECT_NE(result.message.find("other.dxf: this drawing is open too"), std::string::npos) << result.message;
+  // ".." behind a link leads elsewhere than it looks.
+  fs::copy_file(other, folder / "deep/other.dxf");
+  expectDone("OPEN " + (folder / "link/../other.dxf").string() + "\nLINE 0,0 3,0\n\nQSAVE\n");
+  EXPECT_GT(fs::file_size(folder / "deep/other.dxf"), fs::file_size(other));
+}
+
+TEST_F(Documents, WhatOthersWroteIsNotReplacedUnasked) {
+  const fs::path plan = folder / "plan.dxf", older = folder / "older.dxf";
+  const auto text = [](const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::string{std::istreambuf_iterator<char>(in), {}};
+  };
+  expectDone("LINE 0,0 1,0\n\nSAVEAS " + older.string() + "\nLINE 0,0 2,0\n\nSAVEAS " + plan.string() + "\n");
+  // What this session writes itself is no change.
+  expectDone("LINE 0,0 3,0\n\nQSAVE\nLINE 0,0 4,0\n\nQSAVE\n");
+  const auto time = fs::last_write_time(plan);
+  const std::function<void()> changes[] = {
+      [&] { std::ofstream(plan, std::ios::app) << "999\nmine\n"; },
+      [&] { fs::last_write_time(plan, time - std::chrono::hours(1)); },
+      [&] {
+        fs::copy_file(older, folder / "new.dxf");
+        fs::rename(folder / "new.dxf", plan);
+      },
+  };
+  for (const auto& change : changes) {
+    change();
+    const std::string theirs = text(plan);
+    const host::editor::Result result = run("LINE 0,0 5,0\n\nQSAVE\n");
+    EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
+    EXPECT_NE(result.message.find("plan.dxf: somebody else has changed the file since it was opened; it was not replaced"),
+              std::string::npos)
+        << result.message;
+    EXPECT_EQ(app.saveDrawing(plan).status, host::editor::RunStatus::OutputFailed);
+    EXPECT_TRUE(text(plan) == theirs);
+    EXPECT_TRUE(app.drawing()->isModified());
+    // Somebody who is there is asked.
+    type({"QSAVE", "", "QUIT", "Yes", "No"});
+    EXPECT_TRUE(said(L"plan.dxf has been changed by somebody else since it was opened. Replace it all the same?"))
+        << host::text::toUtf8(transcript);
+    EXPECT_TRUE(text(plan) == theirs);
+    EXPECT_FALSE(app.quitRequested());
+    type({"QSAVE", "Yes", "QSAVE"});
+    EXPECT_FALSE(text(plan) == theirs);
+    EXPECT_FALSE(app.drawing()->isModified());
+  }
+  // Another name may be used at any time, whatever is there.
+  std::ofstream(plan, std::ios::app) << "999\nmine\n";
+  expectDone("SAVEAS " + older.string() + "\n");
+}
+
+TEST_F(Documents, ClosingAsksAsQuittingDoes) {
+  const fs::path plan = folder / "plan.dxf";
+  expectDone("LINE 0,0 1,0\n\nSAVEAS " + plan.string() + "\nCLOSE\nNEW\nCLOSE\n");
+  ASSERT_TRUE(app.openDrawing(plan));
+  expectDone("LINE 0,0 2,0\n\nCLOSE\nNo\n");
+  EXPECT_TRUE(said(L"Really want to discard all changes to drawing? [Yes/No] <N>: No"));
+  EXPECT_EQ(app.drawingFile(), plan) << "it stays open";
+  EXPECT_EQ(app.unsavedDrawings(host::editor::Application::Current::Counts), std::vector<fs::path>{plan});
+  EXPECT_TRUE(app.unsavedDrawings(host::editor::Application::Current::LeftOut).empty());
+  expectFailure("CLOSE\n", "CLOSE waited for an answer");
+  type({"CLOSE", "Cancel", "CLOSE", "\x1b"});
+  EXPECT_EQ(app.drawingFile(), plan);
+  type({"CLOSE", "No"});
+  EXPECT_EQ(acDocManager->curDocument(), nullptr);
+  ASSERT_TRUE(app.openDrawing(plan));
+  EXPECT_EQ(entities().size(), 1U);
+  type({"LINE", "0,0", "2,0", "", "CLOSE", ""});
+  EXPECT_TRUE(said(L"Save changes to plan.dxf? [Yes/No/Cancel] <Y>: \nSaved ")) << host::text::toUtf8(transcript);
+  ASSERT_TRUE(app.openDrawing(plan));
+  EXPECT_EQ(entities().size(), 2U);
+  expectDone("LINE 0,0 3,0\n\nCLOSE\nYes\n");
+  EXPECT_EQ(acDocManager->curDocument(), nullptr);
 }
 
 TEST_F(Documents, SavesThatCannotBe) {

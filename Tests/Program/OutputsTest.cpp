@@ -1,5 +1,8 @@
 // Outputs that cannot be written, pictures, and what `info` finds.
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+
+#include <cstring>
 
 #include "Support.h"
 
@@ -12,6 +15,30 @@ namespace {
 
 class Outputs : public Program {
  protected:
+  /// The reading end of a pipe that nobody reads from; the program's end has the name "pipe".
+  class Pipe {
+   public:
+    explicit Pipe(const fs::path& name) {
+      EXPECT_EQ(::mkfifo(name.c_str(), 0600), 0);
+      end_ = ::open(name.c_str(), O_RDONLY | O_NONBLOCK);
+      EXPECT_EQ(::fcntl(end_, F_SETPIPE_SZ, 4096), 4096);
+    }
+    ~Pipe() { ::close(end_); }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    /// Until nothing more goes in; a piece that does not fit leaves some room.
+    void awaitFull() const {
+      for (int held = 0, former = 0, still = 0; still < 5; former = held) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        ::ioctl(end_, FIONREAD, &held);
+        still = held > 0 && held == former ? still + 1 : 0;
+      }
+    }
+
+   private:
+    int end_;
+  };
+
   Outcome illustrate(const Arguments& outputs) const {
     Arguments arguments{"run", "plan.dxf", "--script", kExamples / "kortteli.scr", "--support", kExamples, "--quiet"};
     arguments.insert(arguments.end(), outputs.begin(), outputs.end());
@@ -73,6 +100,64 @@ TEST_F(Outputs, FullDiskLeavesTheOldFile) {
   EXPECT_EQ(read("a.png"), "old picture");
   // Opened for writing as standard output: the device stays what it is.
   EXPECT_EQ(call({"info", "plan.dxf"}, {.standardOut = "/dev/full"}),
+            (Outcome{4, "", "tolmex: standard output cannot be written\n"}));
+}
+
+TEST_F(Outputs, PipesThatNobodyReadsCanBeLeft) {
+  write("a.scr", "LIST\nALL\n\nLIST\nALL\n\n");
+  fs::copy_file(plan, folder / "b.dxf");
+  struct Case {
+    Arguments arguments;
+    int status;
+    std::string err;
+  };
+  const std::string sentence = "tolmex: interrupted; unfinished outputs were not written\n";
+  const Case cases[] = {
+      {{"run", "plan.dxf", "--command", "REGEN", "--quiet", "--out", "-"}, 3, sentence},
+      {{"picture", "plan.dxf", "-", "--format", "svg"}, 4, sentence},
+      {{"run", "plan.dxf", "--script", "a.scr"}, 3, sentence},
+      {{"run", "plan.dxf", "b.dxf", "--script", "a.scr"}, 3, sentence},
+  };
+  for (const Case& one : cases) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+      SCOPED_TRACE(one.arguments.front() + " " + ::strsignal(signal));
+      fs::remove(folder / "pipe");
+      const Pipe pipe(folder / "pipe");
+      const pid_t child = start(one.arguments, {.standardOut = folder / "pipe"});
+      pipe.awaitFull();
+      const auto begin = std::chrono::steady_clock::now();
+      ::kill(child, signal);
+      EXPECT_EQ(finish(child), (Outcome{one.status, "", one.err}));
+      EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+    }
+  }
+  // Standard error may be such a pipe too; then even the farewell has nowhere to go.
+  fs::remove(folder / "pipe");
+  const Pipe pipe(folder / "pipe");
+  const pid_t child =
+      start({"-c", "exec '" TOLMEX_BIN_DIR "/tolmex' run plan.dxf --script a.scr --out - 2>pipe"}, {.program = "/bin/sh"});
+  pipe.awaitFull();
+  ::kill(child, SIGTERM);
+  EXPECT_EQ(finish(child).status, 3);
+}
+
+TEST_F(Outputs, NothingElseGoesIntoTheDrawing) {
+  const std::string drawing = read("plan.dxf");
+  // What a plug-in prints to standard output, as its log does, would stand in the drawing.
+  const Outcome outcome =
+      runLines({"ARX", "L", TOLMEX_BIN_DIR "/testmodule.arx", "TESTPRINTS"}, {"--out", "-", "--quiet"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.out == drawing);
+  EXPECT_EQ(outcome.err, "for standard output\n");
+  // Closed streams: their numbers would go to the next files.
+  const std::string program = "'" TOLMEX_BIN_DIR "/tolmex' ";
+  const auto shell = [&](const std::string& line) { return call({"-c", line}, {.program = "/bin/sh"}); };
+  EXPECT_EQ(shell(program + "run plan.dxf --command LIST --command ALL --command '' --out a.dxf <&- >&- 2>&-").status, 4);
+  EXPECT_TRUE(read("a.dxf") == drawing);
+  EXPECT_EQ(shell(program + "run plan.dxf --command NOSUCH --out b.dxf 2>&-").status, 3);
+  EXPECT_EQ(shell(program + "run - --command REGEN <&-").err,
+            "tolmex: standard input: cannot be read: Bad file descriptor\n");
+  EXPECT_EQ(shell(program + "run plan.dxf --command REGEN --quiet --out - >&-"),
             (Outcome{4, "", "tolmex: standard output cannot be written\n"}));
 }
 

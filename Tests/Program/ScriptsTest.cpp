@@ -48,7 +48,7 @@ TEST_F(Scripts, FailuresNameScriptAndLineAndNothingIsWritten) {
       {"short.scr", "short.scr:1: the input ended while TLM_MUOK_ASFALTTI waited for an answer to \"Select objects:\""},
       {"refused.scr", "refused.scr:2: LINE: Invalid point."},
       {"missing.scr", "missing.scr: the script cannot be read"},
-      {".", ".: the script cannot be read"},
+      {".", ".: this is a folder, not a script"},
   };
   const std::vector<std::string> before = names();
   for (const auto& [script, sentence] : cases) {
@@ -61,6 +61,17 @@ TEST_F(Scripts, FailuresNameScriptAndLineAndNothingIsWritten) {
     EXPECT_EQ(names(), before);
     EXPECT_EQ(read("a.dxf"), "old");
   }
+}
+
+TEST_F(Scripts, AFailureReportOfThePlugInIsAFailure) {
+  const Arguments lines{"ARX", "L", TOLMEX_BIN_DIR "/testmodule.arx", "TESTFAILS", "REGEN"};
+  const Outcome outcome = runLines(lines, {"--out", "a.dxf"});
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.err,
+            "tolmex: --command:4: TESTFAILS failed: No layer. (Error location: a.cpp:1); nothing was written\n");
+  EXPECT_THAT(outcome.out, HasSubstr("[Error] No layer.\n\n(Error location: a.cpp:1)\n"));
+  EXPECT_THAT(outcome.out, testing::Not(HasSubstr("REGEN")));
+  EXPECT_FALSE(fs::exists(folder / "a.dxf"));
 }
 
 TEST_F(Scripts, InlineCommandsFollowTheScript) {

@@ -176,6 +176,19 @@ TEST(Wildcard, HostRules) {
     EXPECT_EQ(matchesWildcard(c.text, c.pattern), c.matches) << toUtf8(c.text) << " " << toUtf8(c.pattern);
 }
 
+TEST(Printable, NothingThatATerminalObeysIsLeft) {
+  EXPECT_EQ(printable(L"plan\x1b]0;x\x07\r\n\tä\x7f\x9b\x202e\x2028 \r"),
+            L"plan^[]0;x^G\n\tä\\U+007F\\U+009B\\U+202E\\U+2028 ^M");
+  EXPECT_EQ(printable("a\nb\xe4\x1b[2J", LineFeeds::Spelled), "a^Jb\xEF\xBF\xBD^[[2J");
+  EXPECT_EQ(printable("a\nb \xC2\x9B", LineFeeds::Stay), "a\nb \\U+009B");
+  for (unsigned c = 1; c < 0x3000; ++c) {
+    const std::wstring text(1, static_cast<wchar_t>(c));
+    const std::wstring once = printable(text);
+    EXPECT_EQ(printable(once), once) << c;
+    EXPECT_TRUE(once == text || once.find(text) == std::wstring::npos) << c;
+  }
+}
+
 TEST(Wildcard, HostilePatternsEndSoon) {
   std::wstring stars;
   for (int i = 0; i < 200; ++i) stars += L"*a";

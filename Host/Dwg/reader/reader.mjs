@@ -4,6 +4,9 @@
 // Answer on standard output:   "<status> <length>\n" and as many bytes: DXF text after "ok", else one clause.
 // Status: ok; damaged (the drawing cannot be read); missing (the package is not installed). Ends with its input.
 //
+// What the package does not write is told behind the end of the text (EOF), a line per class of objects:
+// "left-out <count> <class>", or "pictured <count> <class>" for entities of which the graphics are kept.
+//
 // Texts already made are kept in the folder of TOLMEX_DWG_CACHE (or the user's cache folder), named by the hash of the
 // drawing and of this reader, 256 MB at most; the longest unused go first.
 import { createHash } from 'node:crypto';
@@ -19,6 +22,12 @@ const cacheFolder = process.env.TOLMEX_DWG_CACHE
 const cacheLimit = 256 * 1024 * 1024;
 const critical = 128;  // the package's error bits from here on mean that the drawing could not be read
 const layerType = 51;   // of the objects that are layers
+// Heads of tables, and what entities of viewports had of their own long ago: nothing in DXF stands for them.
+const withoutRecord = new Set([48, 50, 52, 56, 60, 62, 64, 66, 68, 70, 71]);
+const unknownEntity = 65534, unknownObject = 65535;  // types of objects whose class the package does not know
+const longestGraphics = 1 << 24;  // bytes of one entity
+
+const hex = (handle) => handle.toString(16).toUpperCase();
 
 let pending = Buffer.alloc(0);
 
@@ -74,26 +83,131 @@ function newInstance() {
   return loaded.createModule({ wasmBinary: loaded.code, print: () => {}, printErr: () => {} });
 }
 
-/** How many objects the drawing has, and the handles of the layers that are off. */
-function survey(module) {
+/** Handles of the objects with a record in the text, as the text spells them. */
+function written(text) {
+  const handles = new Set();
+  const record = /\r\n  0\r\n(?:[A-Z_0-9]+\r\n  5|DIMSTYLE\r\n105)\r\n([0-9A-F]+)(?=\r\n)/g;
+  for (const [, handle] of text.matchAll(record)) handles.add(handle);
+  return handles;
+}
+
+function handleOf(module, object) {
+  return hex(BigInt(module.dwg_object_get_handle_object(object).value));
+}
+
+/** How many objects the drawing has, those of them that the text lacks, and the handles of the layers that are off. */
+function survey(module, inText) {
   const { data } = module.dwg_read_file('/in.dwg');
   const layersOff = new Set();
+  const missing = [];
   let objects = 0;
-  if (!data) return { objects, layersOff };
+  if (!data) return { objects, missing, layersOff };
   objects = module.dwg_get_num_objects(data);
   for (let i = 0; i < objects; ++i) {
     const object = module.dwg_get_object(data, i);
-    if (!object || module.dwg_object_get_fixedtype(object) !== layerType) continue;
-    const layer = module.dwg_object_to_object_tio(object);
-    if (!module.dwg_dynapi_entity_value(layer, 'off').data) continue;
-    layersOff.add(BigInt(module.dwg_object_get_handle_object(object).value).toString(16).toUpperCase());
+    if (!object) continue;
+    const type = module.dwg_object_get_fixedtype(object);
+    const handle = handleOf(module, object);
+    if (!inText.has(handle) && !withoutRecord.has(type)) missing.push({ object, type, handle });
+    if (type !== layerType) continue;
+    if (module.dwg_dynapi_entity_value(module.dwg_object_to_object_tio(object), 'off').data) layersOff.add(handle);
   }
-  return { objects, layersOff };
+  return { objects, missing, layersOff };
 }
 
-/** Objects with a handle in the text. Table heads and a few others have none, so it is some ten below the survey's. */
-function written(text) {
-  return (text.match(/\r\n  0\r\n(?:[A-Z_0-9]+\r\n  5|DIMSTYLE\r\n105)\r\n/g) || []).length;
+/** What an entity looked like to the program that saved it, as hexadecimal digits; null when it left nothing. */
+function graphicsOf(module, object) {
+  if (module.dwg_object_get_supertype(object) !== 0) return null;
+  const { data } = module.dwg_entity_get_preview(object);
+  if (!data || data.length <= 8 || data.length > longestGraphics) return null;
+  return Buffer.from(data).toString('hex').toUpperCase();
+}
+
+/** Texts of records by place in the text, put in there. */
+function withInsertions(text, insertions) {
+  const parts = [];
+  let from = 0;
+  for (const [at, records] of [...insertions].sort(([a], [b]) => a - b)) {
+    parts.push(text.slice(from, at), ...records);
+    from = at;
+  }
+  parts.push(text.slice(from));
+  return parts.join('');
+}
+
+/** Names of the records of a table that match, by handle. */
+function namesOf(text, type, name) {
+  const names = new Map();
+  const record = new RegExp(
+    `\\r\\n  0\\r\\n${type}\\r\\n  5\\r\\n([0-9A-F]+)\\r\\n(?:(?!  [02]\\r\\n).*\\r\\n.*\\r\\n)*?  2\\r\\n(${name})\\r\\n`, 'gi');
+  for (const [, handle, found] of text.matchAll(record)) names.set(handle, found);
+  return names;
+}
+
+/** Where in the text the entities of blocks and spaces end. */
+class EntityEnds {
+  constructor(text) {
+    this.text = text;
+    this.known = new Map();
+    this.spaces = new Map();
+    for (const [handle, name] of namesOf(text, 'BLOCK_RECORD', '\\*(?:model|paper)_space')) {
+      this.spaces.set(name.toUpperCase(), handle);
+      this.known.set(handle, text.indexOf('\r\n  0\r\nENDSEC\r\n', text.indexOf('\r\n  2\r\nENTITIES\r\n')));
+    }
+  }
+
+  /** -1 for a block that the text lacks. */
+  of(owner) {
+    if (!this.known.has(owner)) {
+      const head = new RegExp(`\\r\\n  0\\r\\nBLOCK\\r\\n  5\\r\\n[0-9A-F]+\\r\\n330\\r\\n${owner}\\r\\n`);
+      const block = this.text.search(head);
+      this.known.set(owner, block < 0 ? -1 : this.text.indexOf('\r\n  0\r\nENDBLK\r\n', block));
+    }
+    return this.known.get(owner);
+  }
+}
+
+/** Puts entities of which the package gives the graphics only into the text, as proxies. Answers which these are. */
+function picture(module, text, missing) {
+  const ends = new EntityEnds(text);
+  const layers = namesOf(text, 'LAYER', '.*');
+  const insertions = new Map(), pictured = new Set();
+  for (const { object, handle } of missing) {
+    const graphics = graphicsOf(module, object);
+    if (graphics === null) continue;
+    const entity = module.dwg_object_to_entity(object);
+    const value = (field) => module.dwg_dynapi_common_value(module.dwg_object_to_entity_tio(object), field).data;
+    const space = { 1: '*PAPER_SPACE', 2: '*MODEL_SPACE' }[value('entmode')];
+    const owner = space ? ends.spaces.get(space)
+      : hex(module.dwg_object_entity_get_ownerhandle_object(entity).absolute_ref);
+    const at = owner ? ends.of(owner) : -1;
+    if (at < 0) continue;
+    const groups = ['  0', 'ACAD_PROXY_ENTITY', '  5', handle, '330', owner, '100', 'AcDbEntity'];
+    if (owner === ends.spaces.get('*PAPER_SPACE')) groups.push(' 67', '     1');
+    groups.push('  8', layers.get(hex(module.dwg_object_entity_get_layer_object_ref(entity).absolute_ref)) || '0');
+    const color = value('color')?.index;
+    if (color >= 0 && color < 256) groups.push(' 62', String(color));
+    if (value('invisible') === 1) groups.push(' 60', '     1');
+    groups.push(' 92', String(graphics.length / 2));
+    for (let i = 0; i < graphics.length; i += 254) groups.push('310', graphics.slice(i, i + 254));
+    groups.push('100', 'AcDbProxyEntity', ' 90', '498', ' 91', String(module.dwg_object_get_type(object)),
+      ' 93', '0', ' 94', '0', ' 95', '0', ' 70', '     0');
+    if (!insertions.has(at)) insertions.set(at, []);
+    insertions.get(at).push('\r\n' + groups.join('\r\n'));
+    pictured.add(object);
+  }
+  return { text: withInsertions(text, insertions), pictured };
+}
+
+/** The lines that tell of objects without a record of their own kind. */
+function told(module, missing, pictured) {
+  const counts = new Map();
+  for (const { object } of missing) {
+    const name = String(module.dwg_object_get_dxfname(object) || 'object').replace(/[^\x20-\x7e]/g, '?').slice(0, 80);
+    const line = (pictured.has(object) ? 'pictured ' : 'left-out ') + name;
+    counts.set(line, (counts.get(line) || 0) + 1);
+  }
+  return [...counts].map(([line, count]) => line.replace(' ', ` ${count} `) + '\n').sort().join('');
 }
 
 /** The package writes every layer as switched off: a negative colour number. */
@@ -119,10 +233,12 @@ async function convert(bytes) {
     const error = module.dwg_write_dxf('/in.dwg', '/out.dxf');
     if (error >= critical) return ['damaged', `error ${error}`];
     const text = Buffer.from(module.FS.readFile('/out.dxf')).toString('latin1');
-    const { objects, layersOff } = survey(module);
-    const isWhole = text.trimEnd().endsWith('EOF') && written(text) >= objects * 0.8 - 20;
-    if (!isWhole) return ['damaged', 'only a part could be read'];
-    return ['ok', Buffer.from(withLayersOn(text, layersOff), 'latin1')];
+    const { objects, missing, layersOff } = survey(module, written(text));
+    // Objects of foreign classes are missing from sound drawings too.
+    const lost = missing.filter(({ type }) => type !== unknownEntity && type !== unknownObject).length;
+    if (!text.trimEnd().endsWith('EOF') || lost > objects * 0.2 + 20) return ['damaged', 'only a part could be read'];
+    const { text: whole, pictured } = picture(module, withLayersOn(text, layersOff).trimEnd() + '\r\n', missing);
+    return ['ok', Buffer.from(whole + told(module, missing, pictured), 'latin1')];
   } catch (error) {
     return ['damaged', error instanceof WebAssembly.RuntimeError ? 'the reader crashed' : 'nothing came out'];
   }

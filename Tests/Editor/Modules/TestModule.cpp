@@ -1,4 +1,7 @@
 // A small module of a host; its variants are made with different definitions.
+#include <windows.h>
+
+#include <cstdio>
 #include <new>
 #include <stdexcept>
 
@@ -35,6 +38,12 @@ LeftBehind leftBehind;
 
 void report() { acutPrintf(L"\nseen %d created %d ended %d", documentsSeen, watcher.created, leftBehind.ended); }
 void forgotten() {}
+// As a plug-in's log does.
+void printToStandardOutput() {
+  std::fputs("for standard output\n", stdout);
+  std::fflush(stdout);
+}
+void tellOfFailure() { MessageBoxW(nullptr, L"No layer.\n\n(Error location: a.cpp:1)", L"Error", MB_OK); }
 
 }  // namespace
 
@@ -56,6 +65,8 @@ extern "C" ADESK_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message
       acrxDynamicLinker->registerAppNotMDIAware(packet);
 #endif
       acedRegCmds->addCommand(L"TESTMODULE", L"TESTREPORT", L"RAPORTTI", ACRX_CMD_MODAL, report);
+      acedRegCmds->addCommand(L"TESTMODULE", L"TESTPRINTS", L"TESTPRINTS", ACRX_CMD_MODAL, printToStandardOutput);
+      acedRegCmds->addCommand(L"TESTMODULE", L"TESTFAILS", L"TESTFAILS", ACRX_CMD_MODAL, tellOfFailure);
       acedRegCmds->addCommand(L"FORGOTTEN", L"TESTFORGOTTEN", L"TESTFORGOTTEN", ACRX_CMD_MODAL, forgotten);
       acedEditor->addReactor(&leftBehind);
       break;
