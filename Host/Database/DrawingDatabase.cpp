@@ -102,6 +102,12 @@ bool DrawingDatabase::Parts::isLayerLocked(std::uint32_t layerIndex) {
   return *layer.isLocked;
 }
 
+bool DrawingDatabase::Parts::refusesChange(const Slot& slot) {
+  if (!slot.isEntity() || !isLayerLocked(slot.layer)) return false;
+  self.tellRefused(slot, WorkObserver::Refusal::Change, "on a locked layer");
+  return true;
+}
+
 void DrawingDatabase::Parts::forgetDefaults() {
   sharedTags.clear();
   for (LayerName& layer : layers) layer.isLocked.reset();
@@ -158,8 +164,8 @@ Slot* DrawingDatabase::findHandle(std::uint64_t handle) const {
   const bool isOfFile = !parts_->freeHandles.contains(handle);
   const auto begin = isOfFile ? parts_->byHandle.begin() : middle;
   const auto end = isOfFile ? middle : parts_->byHandle.end();
-  const auto found = std::lower_bound(
-      begin, end, handle, [](const Slot* slot, std::uint64_t value) { return slot->handle < value; });
+  const auto found =
+      std::lower_bound(begin, end, handle, [](const Slot* slot, std::uint64_t value) { return slot->handle < value; });
   if (found != end && (*found)->handle == handle) return *found;
   return found != begin ? findVertex(**(found - 1), handle) : nullptr;
 }
@@ -183,6 +189,7 @@ Record DrawingDatabase::Parts::current(const Slot& slot) const {
 
 void DrawingDatabase::Parts::journal(Slot& slot) {
   ++changes;
+  if (observer != nullptr) observer->used(slot);
   const std::uint16_t flags = slot.flags;
   slot.flags = static_cast<std::uint16_t>(flags & ~kFollows);
   if (!inStep) return;
@@ -383,16 +390,23 @@ void DrawingDatabase::setHeaderInteger(std::string_view name, int code, std::int
 bool DrawingDatabase::isModified() const { return parts_->changes != parts_->savedChanges; }
 void DrawingDatabase::setUnmodified() { parts_->savedChanges = parts_->changes; }
 std::uint64_t DrawingDatabase::changeCount() const { return parts_->changes; }
+void DrawingDatabase::setObserver(WorkObserver* observer) { parts_->observer = observer; }
+
+void DrawingDatabase::tellRefused(const Slot& object, WorkObserver::Refusal what, std::string_view why) const {
+  if (parts_->observer != nullptr && !parts_->isOfThisStep(object)) parts_->observer->refused(object, what, why);
+}
 const std::vector<Problem>& DrawingDatabase::problems() const { return parts_->problems; }
 
 // ---- undo -----------------------------------------------------------------------------------------------------------
 
-void DrawingDatabase::beginUndoStep(std::wstring name) {
+void DrawingDatabase::beginUndoStep(std::wstring name, UndoGroup group) {
   endUndoStep();
   parts_->currentStep = {};
   parts_->currentStep.name = std::move(name);
+  parts_->currentStep.group = std::move(group);
   parts_->currentStep.madeBegin = parts_->slots.size();
   parts_->stepHandle = parts_->nextHandle;
+  parts_->stepChanges = parts_->changes;
   parts_->inStep = true;
   ++parts_->stepNumber;
 }
@@ -441,29 +455,56 @@ void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
   ++parts.changes;
 }
 
-}  // namespace
+/// Whether the step, ended, did no more than add records to symbol tables that exist. Blocks hold entities.
+bool addsUnusedRecordsOnly(const DrawingDatabase::Parts& parts, const UndoStep& step) {
+  if (!step.order.empty() || step.madeBegin == step.madeEnd) return false;
+  for (std::size_t i = step.madeBegin; i < step.madeEnd; ++i) {
+    const DxfType type = parts.slots.at(i).type;
+    if (!isTableRecord(type) || type == DxfType::BlockRecord) return false;
+  }
+  return std::all_of(step.states.begin(), step.states.end(),
+                     [](const SlotState& state) { return state.slot->type == DxfType::TableHead; });
+}
 
-std::optional<std::wstring> DrawingDatabase::undo() {
-  endUndoStep();
-  if (parts_->undoSteps.empty()) return std::nullopt;
-  releaseObjects();
-  UndoStep step = std::move(parts_->undoSteps.back());
-  parts_->undoSteps.pop_back();
-  swapStep(*parts_, step);
-  std::wstring name = step.name;
-  parts_->redoSteps.push_back(std::move(step));
+/// Moves the last step of `from`, and those of its group before it, to the other stack, the drawing following.
+std::optional<std::wstring> swapLast(DrawingDatabase::Parts& parts, std::vector<UndoStep>& from,
+                                     std::vector<UndoStep>& to, std::uint32_t openGroup) {
+  if (from.empty()) return std::nullopt;
+  parts.self.releaseObjects();
+  const UndoGroup group = from.back().group;
+  const bool isWhole = group.number != 0 && group.number != openGroup;
+  std::wstring name = isWhole ? group.name : from.back().name;
+  do {
+    UndoStep step = std::move(from.back());
+    from.pop_back();
+    swapStep(parts, step);
+    to.push_back(std::move(step));
+  } while (isWhole && !from.empty() && from.back().group.number == group.number);
   return name;
 }
 
-std::optional<std::wstring> DrawingDatabase::redo() {
-  if (parts_->redoSteps.empty()) return std::nullopt;
+}  // namespace
+
+void DrawingDatabase::endUnusedUndoStep() {
+  if (!parts_->inStep) return;
+  UndoStep& step = parts_->currentStep;
+  step.madeEnd = parts_->slots.size();
+  if (!addsUnusedRecordsOnly(*parts_, step)) return endUndoStep();
   releaseObjects();
-  UndoStep step = std::move(parts_->redoSteps.back());
-  parts_->redoSteps.pop_back();
+  const bool wasModified = parts_->savedChanges != parts_->stepChanges;
+  parts_->inStep = false;
   swapStep(*parts_, step);
-  std::wstring name = step.name;
-  parts_->undoSteps.push_back(std::move(step));
-  return name;
+  step = {};
+  if (!wasModified) setUnmodified();
+}
+
+std::optional<std::wstring> DrawingDatabase::undo(std::uint32_t openGroup) {
+  endUndoStep();
+  return swapLast(*parts_, parts_->undoSteps, parts_->redoSteps, openGroup);
+}
+
+std::optional<std::wstring> DrawingDatabase::redo(std::uint32_t openGroup) {
+  return swapLast(*parts_, parts_->redoSteps, parts_->undoSteps, openGroup);
 }
 
 }  // namespace host::database

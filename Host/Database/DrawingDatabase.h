@@ -52,6 +52,26 @@ enum class DrawingVersion {
   V2018 = 1032
 };
 
+/// Is told what becomes of the objects that a command works on; for those who sum the command up.
+class WorkObserver {
+ public:
+  enum class Refusal {
+    Change,  // it could not be opened for write
+    Hatch,   // it could not bound a hatch
+  };
+  virtual ~WorkObserver() = default;
+  /// Opened, changed or moved in the draw order.
+  virtual void used(const Slot& object) = 0;
+  /// `why` names the reason as in "1 skipped: on a locked layer", "1 not hatched: not closed"; it is a literal.
+  virtual void refused(const Slot& object, Refusal what, std::string_view why) = 0;
+};
+
+/// Undo steps that are taken back and repeated together.
+struct UndoGroup {
+  std::uint32_t number = 0;  // 0: none
+  std::wstring name;
+};
+
 class DrawingDatabase {
  public:
   DrawingDatabase(AcDbDatabase* facade);
@@ -118,13 +138,21 @@ class DrawingDatabase {
   void setUnmodified();
   /// Version counter: grows with every change; for caches of pictures and selections.
   std::uint64_t changeCount() const;
+  /// Null: nobody is told.
+  void setObserver(WorkObserver* observer);
+  /// Tells the observer, unless the object was made by the present undo step: nobody knows such a one.
+  void tellRefused(const Slot& object, WorkObserver::Refusal what, std::string_view why) const;
 
   // ---- undo -------------------------------------------------------------------------------------------------------
-  void beginUndoStep(std::wstring name);
+  void beginUndoStep(std::wstring name, UndoGroup group = {});
   void endUndoStep();
-  /// Takes back / repeats the last step that changed anything; its name, or nothing when there is none.
-  std::optional<std::wstring> undo();
-  std::optional<std::wstring> redo();
+  /// Ends the step; when all that it did was to add table records other than blocks, which nothing uses then, they go
+  /// again and there was no such step.
+  void endUnusedUndoStep();
+  /// Takes back / repeats the last step that changed anything, with the others of its group; its name or the group's,
+  /// or nothing when there is none. Of the group that is still growing, `openGroup`, one step at a time goes.
+  std::optional<std::wstring> undo(std::uint32_t openGroup = 0);
+  std::optional<std::wstring> redo(std::uint32_t openGroup = 0);
 
   // ---- problems ---------------------------------------------------------------------------------------------------
   const std::vector<Problem>& problems() const;

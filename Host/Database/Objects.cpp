@@ -209,7 +209,7 @@ Acad::ErrorStatus AcDbObject::upgradeOpen() {
   if (live == nullptr || live->readers == 0) return Acad::eNotOpenForRead;
   if (live->readers > 1) return Acad::eHadMultipleReaders;
   if (slot_->isErased()) return Acad::eWasErased;
-  if (slot_->isEntity() && slot_->database().parts().isLayerLocked(slot_->layer)) return Acad::eOnLockedLayer;
+  if (slot_->database().parts().refusesChange(*slot_)) return Acad::eOnLockedLayer;
   live->readers = 0;
   live->writer = true;
   live->modified = false;
@@ -416,7 +416,7 @@ Acad::ErrorStatus DrawingDatabase::open(AcDbObject*& object, Slot* slot, AcDb::O
   if (slot->live != nullptr && slot->live->writer) return Acad::eWasOpenForWrite;
   if (mode == AcDb::kForWrite) {
     if (slot->live != nullptr && slot->live->readers > 0) return Acad::eWasOpenForRead;
-    if (slot->isEntity() && parts_->isLayerLocked(slot->layer)) return Acad::eOnLockedLayer;
+    if (parts_->refusesChange(*slot)) return Acad::eOnLockedLayer;
     AcDbObject* const made = parts_->objectFor(*slot);
     slot->live->writer = true;
     slot->live->modified = false;
@@ -428,6 +428,7 @@ Acad::ErrorStatus DrawingDatabase::open(AcDbObject*& object, Slot* slot, AcDb::O
     object = made;
   }
   ++parts_->openCount;
+  if (parts_->observer != nullptr) parts_->observer->used(*slot);
   return Acad::eOk;
 }
 

@@ -213,6 +213,7 @@ struct SlotState {
 
 struct UndoStep {
   std::wstring name;
+  UndoGroup group;
   std::vector<SlotState> states;  // before the step (for undo) or after it (for redo)
   // Slots that the step made, as places in the pool. They join `states` when the step is first undone: most never are.
   std::size_t madeBegin = 0, madeEnd = 0;
@@ -285,7 +286,7 @@ struct DrawingDatabase::Parts {
   // Objects.
   ObjectPool<Live> lives;
   SlotPool slots;
-  SlotPool lateSlots;           // vertices made when asked for; undo steps, which count slots, know nothing of them
+  SlotPool lateSlots;  // vertices made when asked for; undo steps, which count slots, know nothing of them
   // Those of the file, then those that got their handles here; each part ascending. See FreeHandles.
   std::vector<Slot*> byHandle;
   std::size_t fileHandles = 0;  // how many are the file's
@@ -341,17 +342,21 @@ struct DrawingDatabase::Parts {
   UndoStep currentStep;
   bool inStep = false;
   std::uint32_t stepNumber = 0;
-  std::uint64_t stepHandle = 0;  // what the current step makes has this handle or a higher one
+  std::uint64_t stepChanges = 0;  // change counter when the current step began
+  std::uint64_t stepHandle = 0;   // what the current step makes has this handle or a higher one
 
   std::uint64_t changes = 0;
   std::uint64_t savedChanges = 0;
   std::vector<AcDbDatabaseReactor*> reactors;
+  WorkObserver* observer = nullptr;
 
   // ---- names ----
   DxfType typeOf(std::string_view name);
   std::uint32_t internLayer(std::string_view raw);
   void bindLayerRecord(Slot* record);
   bool isLayerLocked(std::uint32_t layerIndex);
+  /// Whether the slot must not be opened for write because of its layer; the observer is told then.
+  bool refusesChange(const Slot& slot);
   /// To be called when a layer or a header variable has changed.
   void forgetDefaults();
 

@@ -61,6 +61,7 @@ void DrawingDatabase::Parts::setOrderKey(Slot& table, const Slot& entity, OrderK
   if (inStep && !isOfThisStep(entity)) currentStep.order.push_back({&table, &entity, former});
   contents.changed = true;
   ++changes;
+  if (observer != nullptr) observer->used(entity);
 }
 
 namespace {
@@ -186,8 +187,8 @@ void DrawingDatabase::Parts::orderYoungest() {
     if (block == nullptr) return;
     const std::vector<Slot*>& entities = block->entities;
     contents.changed = contents.changed || std::any_of(entities.begin(), entities.end(), [&](const Slot* entity) {
-      return !entity->isErased() && freeHandles.contains(entity->handle);
-    });
+                         return !entity->isErased() && freeHandles.contains(entity->handle);
+                       });
   });
 }
 
@@ -316,8 +317,8 @@ Acad::ErrorStatus AcDbSortentsTable::moveToTop(const AcDbObjectIdArray& ids) {
   const bool isGap = move.parts->freeHandles.isGap();
   const std::uint64_t top = move.parts->nextHandle - 1;
   for (const AcDbObjectId& id : ids) {
-    const OrderKey key = isGap ? move.contents->keys.youngest(move.parts->nextHandle++)
-                               : OrderKey{top, ++move.contents->moves};
+    const OrderKey key =
+        isGap ? move.contents->keys.youngest(move.parts->nextHandle++) : OrderKey{top, ++move.contents->moves};
     move.parts->setOrderKey(*slot_, *id.slot(), key);
   }
   return Acad::eOk;

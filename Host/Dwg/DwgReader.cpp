@@ -59,8 +59,7 @@ std::vector<database::Problem> takeLosses(std::string& text) {
   std::vector<database::Problem> problems;
   for (const Kind& kind : kinds) {
     if (kind.total > 0)
-      problems.push_back(
-          {0, 0, std::string(kind.sentence) + std::to_string(kind.total) + " (" + kind.classes + ")"});
+      problems.push_back({0, 0, std::string(kind.sentence) + std::to_string(kind.total) + " (" + kind.classes + ")"});
   }
   return problems;
 }

@@ -1,10 +1,10 @@
 #include "Dxf/Cutter.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "Dxf/Binary.h"
 #include "Dxf/Fields.h"
-#include "Text/Text.h"
 
 namespace host::dxf {
 
@@ -20,8 +20,9 @@ std::string_view trimmed(std::string_view line) {
 
 std::uint64_t handleIn(std::string_view value) {
   const std::string_view digits = trimmed(value);
-  if (digits.find_first_not_of("0123456789ABCDEFabcdef") != std::string_view::npos) return 0;
-  return text::parseHandle(digits);
+  std::uint64_t handle = 0;
+  const auto [stop, error] = std::from_chars(digits.data(), digits.data() + digits.size(), handle, 16);
+  return error == std::errc() && stop == digits.data() + digits.size() ? handle : 0;
 }
 
 std::optional<std::string_view> firstValue(std::string_view bytes, int code) {
@@ -132,6 +133,7 @@ bool isInside(const Surroundings& around, std::string_view marker, std::string_v
   if (around.type == "ENDSEC" || around.type == "ENDTAB" || around.type == "EOF") return false;  // these have no tags
   const Following tags = followingOf(marker, rest);
   if (tags.firstCode == 0 || tags.nextType.empty()) return false;
+  if (tags.firstCode == 9 && around.type != "SECTION") return false;  // variables of a header that lost its beginning
   const auto nextIs = [&](std::initializer_list<std::string_view> types) {
     return std::find(types.begin(), types.end(), tags.nextType) != types.end();
   };
@@ -214,7 +216,8 @@ bool Cutter::next(Cut& cut) {
     }
     if (tag.code == 0 && hasTags) {
       const bool canGoOn = present_.hasHead && (record.type != "SECTION" || present_.isHeader);
-      if (!canGoOn || !isInside({record.type, section_, present_.markers, record.handle != 0}, tag.trimmed(), rest)) break;
+      if (!canGoOn || !isInside({record.type, section_, present_.markers, record.handle != 0}, tag.trimmed(), rest))
+        break;
       problems_.leftOut(at(here), tag.trimmed(), 0, "it stands inside another record");
       cleanUpTo(here);
       position_ = here + tag.bytes.size();
@@ -282,7 +285,8 @@ void Cutter::noteHandle(RawRecord& record, const Tag& tag) {
     return;
   }
   if (tag.code == present_.handleCode) {
-    if (record.handle != 0) problems_.add(tag.bytes.data(), record.handle, "the object has two handles; the last counts");
+    if (record.handle != 0)
+      problems_.add(tag.bytes.data(), record.handle, "the object has two handles; the last counts");
     if (const std::uint64_t handle = handleIn(tag.value); handle != 0) {
       record.handle = handle;
     } else {
@@ -348,7 +352,9 @@ void Cutter::damage(std::size_t here, bool isBadType) {
   } else {
     reason_ = "expected a group code, found " + shown(line);
   }
-  position_ = codeEnd == std::string_view::npos ? text_.size() : nextHead(text_, codeEnd + 1, section_ == Section::Header || present_.isHeader);
+  position_ = codeEnd == std::string_view::npos
+                  ? text_.size()
+                  : nextHead(text_, codeEnd + 1, section_ == Section::Header || present_.isHeader);
 }
 
 }  // namespace host::dxf

@@ -70,15 +70,15 @@ class Cutter {
     bool hasHead = false;
     bool isHeader = false;  // the section of that name
     bool isDamaged = false;
-    bool isCutOff = false;            // by the end of the text
+    bool isCutOff = false;             // by the end of the text
     std::optional<std::string> clean;  // its tags, when lines between them had to go
     int handleCode = 5;
     bool isInFront = true;  // before the first subclass marker
     bool isInGroup = false;
     int markers = 0;
     bool hasXData = false;
-    bool isXDataEarly = false;      // in front of the first subclass marker
-    std::string_view lateHandle;    // its tag, behind the first subclass marker of an entity
+    bool isXDataEarly = false;    // in front of the first subclass marker
+    std::string_view lateHandle;  // its tag, behind the first subclass marker of an entity
   } present_;
 };
 

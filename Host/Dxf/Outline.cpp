@@ -74,11 +74,12 @@ std::string_view withoutHead(std::string_view bytes) {
 
 std::string_view nameIn(const RawRecord& record) { return trimmed(firstValue(record.bytes, 2).value_or("")); }
 
-/// Puts records in their places. A section that the file names is what its records stand in until it ends; where none is
-/// named, the section is guessed by what stands there.
+/// Puts records in their places. A section that the file names is what its records stand in until it ends; where none
+/// is named, the section is guessed by what stands there.
 class Outliner {
  public:
-  Outliner(std::string_view text, ProblemLog& problems) : text_(text), problems_(problems), cutter_(text, outline_, problems) {}
+  Outliner(std::string_view text, ProblemLog& problems)
+      : text_(text), problems_(problems), cutter_(text, outline_, problems) {}
 
   Outline run() {
     Cut cut;
@@ -272,8 +273,8 @@ class Outliner {
     }
   }
 
-  /// Whether a marker of tables or blocks begins some although another section is open: the lines between are lost then.
-  /// Among entities nobody can tell.
+  /// Whether a marker of tables or blocks begins some although another section is open: the lines between are lost
+  /// then. Among entities nobody can tell.
   bool beginsOther(const RawRecord& record) const {
     const std::string_view next = cutter_.nextType();
     if (record.type == "TABLE" && section_ != Section::Entities && block_ == nullptr) {
@@ -364,7 +365,8 @@ class Outliner {
     } else if (!name.empty() && record.isMarked()) {
       otherTable_ = &outline_.otherTables.emplace_back(Outline::Table{record, {}});
     } else {
-      problems_.leftOut(record.at, record.type, record.handle, "its name is not known; its records are taken by their kind");
+      problems_.leftOut(record.at, record.type, record.handle,
+                        "its name is not known; its records are taken by their kind");
     }
   }
 
@@ -414,8 +416,8 @@ class Outliner {
   /// Behind a block's end: of that block when another end comes, else of the space that the entity names.
   void placeOutsideBlock(const RawRecord& record) {
     if (!isPart(record.type)) {
-      const bool mayBelong = closed_ != nullptr && (record.owner == 0 || closed_->begin.owner == 0 ||
-                                                    record.owner == closed_->begin.owner);
+      const bool mayBelong = closed_ != nullptr &&
+                             (record.owner == 0 || closed_->begin.owner == 0 || record.owner == closed_->begin.owner);
       outside_ = mayBelong ? Outside::Orphan : isSpace(record.owner) ? Outside::Space : Outside::Nothing;
     }
     if (outside_ == Outside::Orphan) {

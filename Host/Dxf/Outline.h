@@ -63,9 +63,9 @@ struct Outline {
   std::vector<RawRecord> entities;
   std::vector<RawRecord> objects;
   std::vector<Section> others;
-  std::deque<std::string> mended;                            // records that could not stay where they are
-  std::unordered_map<const char*, OddHandles> oddHandles;    // by the place of the record
-  bool isUtf8 = false;                                       // by a mark at the text's beginning, whatever the version
+  std::deque<std::string> mended;                          // records that could not stay where they are
+  std::unordered_map<const char*, OddHandles> oddHandles;  // by the place of the record
+  bool isUtf8 = false;                                     // by a mark at the text's beginning, whatever the version
 
   /// Whether there is anything of a drawing at all.
   bool isEmpty() const;

@@ -198,12 +198,9 @@ class Reader {
       scanner_.take(token);
       if (token.code >= 1000) {
         slot->flags |= database::kHasXData;
-        if (subclasses == 0) continue;  // nothing of the object's own may follow
+        if (subclasses == 0) needOnlyXData();
         skipTail(*slot);
         break;
-      }
-      if ((slot->flags & database::kHasXData) != 0 && token.code != 999) {
-        fail(token.offset, "extended data stand in front of the object's own");
       }
       if (token.code == 102) {
         inGroup = token.trimmed().starts_with("{");
@@ -213,7 +210,8 @@ class Reader {
       switch (token.code) {
         case 5:
           if (subclasses == 0 && type != DxfType::DimStyle) takeHandle(*slot, token);
-          if (subclasses == 1 && isEntity && slot->handle == 0) fail(token.offset, "the handle stands in the wrong place");
+          if (subclasses == 1 && isEntity && slot->handle == 0)
+            fail(token.offset, "the handle stands in the wrong place");
           break;
         case 105:
           if (subclasses == 0) takeHandle(*slot, token);
@@ -284,6 +282,13 @@ class Reader {
   static DxfType vertexType(int flags) {
     if ((flags & (64 | 128)) != 0) return DxfType::VertexOther;
     return (flags & 32) != 0 ? DxfType::Vertex3d : DxfType::Vertex2d;
+  }
+
+  /// Steps over the extended data of a record whose own data ought to be in front of them.
+  void needOnlyXData() {
+    Token token;
+    while (scanner_.peek(token) && (token.code >= 1000 || token.code == 999)) scanner_.take(token);
+    if (token.code > 0 && token.code < 999) fail(token.offset, "extended data stand in front of the object's own");
   }
 
   void takeHandle(Slot& slot, const Token& token) const {

@@ -127,7 +127,8 @@ class Writer {
 
   /// Objects without a handle in the file get theirs as soon as anything is written, for other objects may name them.
   void collectMissingHandles() {
-    const auto changes = static_cast<std::ptrdiff_t>(edits_.size());  // ascending, as slots stand in the order of the file
+    const auto changes =
+        static_cast<std::ptrdiff_t>(edits_.size());  // ascending, as slots stand in the order of the file
     parts_.slots.forEach([&](Slot& slot) {
       if ((slot.flags & kNeedsHandle) == 0 || slot.isErased() || (slot.flags & kNew) != 0) return;
       const int code = slot.type == DxfType::DimStyle ? 105 : 5;
@@ -136,9 +137,8 @@ class Writer {
       database::Record record =
           trimmed != withoutErased_.end() ? database::Record(trimmed->second) : parts_.current(slot);
       record.replace(1, 0, handle);
-      const auto existing =
-          std::lower_bound(edits_.begin(), edits_.begin() + changes, offsetOf(slot),
-                           [](const Edit& edit, std::size_t at) { return edit.at < at; });
+      const auto existing = std::lower_bound(edits_.begin(), edits_.begin() + changes, offsetOf(slot),
+                                             [](const Edit& edit, std::size_t at) { return edit.at < at; });
       if (existing != edits_.begin() + changes && existing->at == offsetOf(slot)) {
         existing->pieces = piecesOf(record);
       } else {

@@ -79,10 +79,12 @@ Result Application::setVariable(std::wstring_view name, std::wstring_view value)
 
 Result Application::run(InputSource& input) { return host().run(input); }
 bool Application::quitRequested() const { return host().quitRequested; }
+bool Application::hasFailed() const { return host().hasFailed(); }
 void Application::interrupt() { Session::interrupted = true; }
 
-void Application::addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler) {
-  host().commands.addBuiltIn(std::move(name), flags, std::move(handler));
+void Application::addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler,
+                             std::wstring help) {
+  host().commands.addBuiltIn(std::move(name), flags, std::move(handler), std::move(help));
 }
 
 std::vector<std::wstring> Application::commandNames() const { return host().commands.names(); }
@@ -117,6 +119,8 @@ void Application::refuseLocks(bool refuse) { host().documents.refuseLocks = refu
 Answer nextDialogLine(std::wstring_view what) { return host().dialogLine(what); }
 bool refuseDialogLine(std::wstring_view sentence) { return host().refuse(sentence); }
 
+void dialogOpened() { host().dialogOpened(); }
+void dialogClosed(bool isCancelled) { host().dialogClosed(isCancelled); }
 bool inputHasStopped() { return host().isStopping(); }
 bool dialogsAreWorkedByHand() { return host().options().dialogsByHand; }
 void reportDialogProblem(std::string_view sentence) { host().reportProblem(sentence); }

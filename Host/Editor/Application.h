@@ -32,7 +32,8 @@ struct ApplicationOptions {
   std::vector<std::filesystem::path> supportFolders;
   bool problemsOnScreen = false;  // beside the transcript: what that has shown to somebody is no problem as well
   std::vector<std::wstring> failureCaptions;  // of message boxes by which plug-ins tell that a command has failed
-  bool dialogsByHand = false;     // dialogs and boxes stand on the screen instead of taking lines of the input
+  bool dialogsByHand = false;  // dialogs and boxes stand on the screen instead of taking lines of the input
+  bool isStrict = false;       // what a command skips, or a pick does not find, fails the script
 };
 
 class Application {
@@ -56,8 +57,8 @@ class Application {
   enum class Current { Counts, LeftOut };
   /// Names of the open drawings with changes that were not saved; of new ones without a folder.
   std::vector<std::filesystem::path> unsavedDrawings(Current current) const;
-  /// Writes the current drawing; status 4. The drawing keeps its own name. Refused when the file belongs to another open
-  /// drawing, or is the drawing's own and somebody else has changed it.
+  /// Writes the current drawing; status 4. The drawing keeps its own name. Refused when the file belongs to another
+  /// open drawing, or is the drawing's own and somebody else has changed it.
   Result saveDrawing(const std::filesystem::path& file);
   /// The current drawing as it would be written; status 4.
   Result drawingText(std::string& text);
@@ -75,11 +76,14 @@ class Application {
   Result run(InputSource& input);
   /// QUIT was said.
   bool quitRequested() const;
+  /// An answer or command of interactive input has failed, which did not end it.
+  bool hasFailed() const;
   /// Makes the running command's next question end in Esc and stops the script. Safe from signal handlers and threads.
   static void interrupt();
 
-  /// A command of the program itself. The handler uses `Prompter` for questions and failures. Names are in capitals.
-  void addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler);
+  /// A command of the program itself. The handler uses `Prompter` for questions and failures. Names are in capitals;
+  /// `help` says what it does, as in "draws the drawing into a file".
+  void addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler, std::wstring help);
   /// Global and local names of all commands, sorted: for completion.
   std::vector<std::wstring> commandNames() const;
 

@@ -1,4 +1,5 @@
 // Running commands: typed, from code, inside one another.
+#include <cwctype>
 #include <exception>
 
 #include "Editor/Session.h"
@@ -11,6 +12,12 @@ namespace {
 constexpr std::size_t kDeepestNesting = 32;
 
 std::string quoted(std::wstring_view text) { return "\"" + text::toUtf8(text) + "\""; }
+
+/// A control's number or the button that most dialogs have: what scripts say to dialogs, and no command is called.
+bool worksDialogs(std::wstring_view name) {
+  return parseWhole(name) || text::equalFolded(name, L"OK") || text::equalFolded(name, L"Cancel") ||
+         text::equalFolded(name, L"double-click");
+}
 
 }  // namespace
 
@@ -38,6 +45,7 @@ Result Session::run(InputSource& input) {
       failure_ = Result{RunStatus::ScriptFailed, here.empty() ? "interrupted" : here + ": interrupted"};
     }
     if (failure_ && input.isInteractive()) {
+      hasFailed_ = true;
       reportProblem(failure_->message);
       failure_.reset();
       frames_.resize(base + 1);
@@ -96,18 +104,22 @@ void Session::reportUnknown(std::wstring_view name) {
   }
   while (!name.empty() && std::wstring_view(L"'_-.").find(name.front()) != std::wstring_view::npos)
     name.remove_prefix(1);
-  std::string sentence = "unknown command " + quoted(name);
-  std::string hint;
-  for (const std::wstring& near : nearestNames(name, commands.names())) {
-    hint += (hint.empty() ? "; nearest: " : ", ") + text::toUtf8(near);
+  std::wstring hint;
+  if (worksDialogs(name)) {
+    hint = L"the line is for a dialog, and none is open" + (lastSkips_.empty() ? L"" : L"; " + lastSkips_);
+  } else {
+    for (const std::wstring& near : nearestNames(name, commands.names()))
+      hint += (hint.empty() ? L"nearest: " : L", ") + near;
   }
-  sentence += hint;
+  std::wstring shownHint = hint;
+  if (!hint.empty()) shownHint.front() = static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(hint.front())));
   transcript.line(L"Unknown command \"" + std::wstring(name) + L"\"." +
-                  (hint.empty() ? L"" : L"  Nearest: " + text::fromUtf8(hint.substr(11)) + L"."));
+                  (hint.empty() ? L"" : L"  " + shownHint + L"."));
   if (inputFromCode()) {
     frames_.back().failed = true;
   } else {
-    fail(RunStatus::ScriptFailed, std::move(sentence), true);
+    fail(RunStatus::ScriptFailed, "unknown command " + quoted(name) + (hint.empty() ? "" : "; " + text::toUtf8(hint)),
+         true);
   }
 }
 
@@ -158,11 +170,18 @@ void Session::execute(const std::shared_ptr<Command>& command, bool transparent)
   nextLimits = {};
   cancelled_ = false;
   commandFailed_ = false;
+  dialogCancelled_ = false;
 
   running_.push_back(command);
   if (transparent) ++transparentDepth_;
   const bool marksUndo = isOutermost && document != nullptr && (command->flags & ACRX_CMD_NO_UNDO_MARKER) == 0;
-  if (marksUndo) document->drawing().beginUndoStep(command->global);
+  if (marksUndo) document->drawing().beginUndoStep(command->global, scriptGroup());
+  if (isOutermost) {
+    changesWhenAsked_.reset();
+    skips.begin();
+    lastSkips_.clear();
+    if (document != nullptr) document->drawing().setObserver(&skips);
+  }
   const std::size_t knownProblems = document != nullptr ? document->drawing().problems().size() : 0;
   // Commands of the document are given its write lock.
   const bool locks = document != nullptr && (command->flags & ACRX_CMD_SESSION) == 0;
@@ -173,8 +192,19 @@ void Session::execute(const std::shared_ptr<Command>& command, bool transparent)
   callHandler(*command);
 
   const bool isOpen = document != nullptr && documents.owns(document);
+  if (isOutermost && isOpen) {
+    document->drawing().setObserver(nullptr);
+    reportSkips(*command, !cancelled_ && !commandFailed_ && !isStopping());
+  }
   if (locks && isOpen && document->locks > 0) --document->locks;
-  if (marksUndo && isOpen) document->drawing().endUndoStep();
+  if (marksUndo && isOpen) {
+    // Plug-ins prepare a drawing at their first command. Left with Esc or Cancel it is as it was.
+    if (wasLeftUntouched(*document) && !command->isBuiltIn()) {
+      document->drawing().endUnusedUndoStep();
+    } else {
+      document->drawing().endUndoStep();
+    }
+  }
   if (transparent) --transparentDepth_;
   running_.pop_back();
   nextLimits = {};
@@ -201,6 +231,14 @@ void Session::reportNewProblems(Document& document, std::size_t known) const {
     }
     reportProblem(problems[i].text);
   }
+}
+
+void Session::reportSkips(const Command& command, bool isWhole) {
+  const std::wstring sentence = skips.sentence(command.global, isWhole);
+  if (sentence.empty()) return;
+  transcript.line(sentence);
+  lastSkips_ = command.global + L": " + sentence;
+  if (options_.isStrict && !isInteractive()) fail(RunStatus::ScriptFailed, text::toUtf8(lastSkips_), true);
 }
 
 void Session::afterCommand(Document* document) {

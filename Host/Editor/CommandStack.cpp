@@ -76,13 +76,15 @@ AcEdCommand* CommandStack::lookupCmd(const ACHAR* name, bool globalLookup, bool)
   return nullptr;
 }
 
-void CommandStack::addBuiltIn(std::wstring name, Adesk::Int32 flags, std::function<void(Prompter&)> handler) {
+void CommandStack::addBuiltIn(std::wstring name, Adesk::Int32 flags, std::function<void(Prompter&)> handler,
+                              std::wstring help) {
   std::erase_if(commands_,
                 [&name](const auto& other) { return other->isBuiltIn() && text::equalFolded(other->global, name); });
   std::wstring local = name;
   const std::shared_ptr<Command> added = add(kBuiltInGroup, std::move(name), std::move(local));
   added->flags = flags;
   added->handler = std::move(handler);
+  added->help = std::move(help);
 }
 
 void CommandStack::dropBuiltIns() {

@@ -26,6 +26,7 @@ class Command final : public AcEdCommand {
   Adesk::Int32 flags = 0;
   AcRxFunctionPtr function = nullptr;
   std::function<void(Prompter&)> handler;
+  std::wstring help;  // of the host's own: "erases objects"
 };
 
 class CommandStack final : public AcEdCommandStack {
@@ -37,7 +38,7 @@ class CommandStack final : public AcEdCommandStack {
   Acad::ErrorStatus removeGroup(const ACHAR* group) override;
   AcEdCommand* lookupCmd(const ACHAR* name, bool globalLookup, bool allGroups) const override;
 
-  void addBuiltIn(std::wstring name, Adesk::Int32 flags, std::function<void(Prompter&)> handler);
+  void addBuiltIn(std::wstring name, Adesk::Int32 flags, std::function<void(Prompter&)> handler, std::wstring help);
   void dropBuiltIns();
   /// An abbreviation of a built-in command.
   void addAlias(std::wstring alias, std::wstring name);
@@ -46,13 +47,15 @@ class CommandStack final : public AcEdCommandStack {
   std::shared_ptr<Command> find(std::wstring_view typed) const;
   /// Names for completion and for "did you mean".
   std::vector<std::wstring> names() const;
+  /// In the order they were added.
+  const std::vector<std::shared_ptr<Command>>& all() const { return commands_; }
   /// Drops commands whose code lies in a module that goes away; how many there were.
   int forgetModule(const void* base);
 
  private:
   std::shared_ptr<Command> add(std::wstring group, std::wstring global, std::wstring local);
 
-  std::vector<std::shared_ptr<Command>> commands_;  // in the order they were added
+  std::vector<std::shared_ptr<Command>> commands_;
   std::vector<std::pair<std::wstring, std::wstring>> aliases_;
 };
 

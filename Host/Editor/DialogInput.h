@@ -10,12 +10,16 @@
 
 namespace host::editor {
 
-/// The next line for a dialog or box: Text (the line as it stands), Enter (an empty line) or Cancel (Esc). When the
-/// input has ended the failure is recorded, naming `what` ("dialog \"Roof\""), and the answer is Cancel.
+/// The next line for a dialog or box: Text (the line as it stands), Enter (an empty line) or Cancel (Esc). The
+/// transcript shows `what` ("dialog \"Roof\"") and the line. When the input has ended the failure is recorded, naming
+/// `what`, and the answer is Cancel.
 Answer nextDialogLine(std::wstring_view what);
 /// The action cannot be done: prints the sentence. True when another line may be asked for, false when the script has
 /// failed and the dialog must be cancelled.
 bool refuseDialogLine(std::wstring_view sentence);
+/// A modal dialog is worked between these two; `isCancelled`: it was left with Cancel or Esc.
+void dialogOpened();
+void dialogClosed(bool isCancelled);
 /// True when no more lines will come: the script has ended or failed, or the run was interrupted.
 bool inputHasStopped();
 /// Somebody at the screen works the dialogs; no lines are asked for.

@@ -11,6 +11,7 @@ struct HostCommand {
   const wchar_t* name;
   Adesk::Int32 flags;
   void (*handler)(Prompter&);
+  const wchar_t* help;  // "erases objects"
 };
 
 std::span<const HostCommand> fileCommands();     // OPEN, QSAVE, ARX, SCRIPT ...
@@ -19,6 +20,7 @@ std::span<const HostCommand> drawCommands();     // LINE, PLINE
 std::span<const HostCommand> layerCommands();    // LAYER, LINETYPE
 std::span<const HostCommand> inspectCommands();  // LIST, LAYOUT, ZOOM, HOVER
 std::span<const HostCommand> dialogCommands();   // DIALOG
+std::span<const HostCommand> helpCommands();     // HELP
 
 void addHostCommands(CommandStack& commands);
 

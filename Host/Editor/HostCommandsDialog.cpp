@@ -22,7 +22,9 @@ void dialog(Prompter& prompter) {
   }
 }
 
-constexpr HostCommand kCommands[] = {{L"DIALOG", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, dialog}};
+constexpr HostCommand kCommands[] = {
+    {L"DIALOG", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, dialog, L"works a dialog that stays open"},
+};
 
 }  // namespace
 

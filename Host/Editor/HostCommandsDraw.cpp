@@ -312,8 +312,8 @@ class PolylineDialogue {
 void pline(Prompter& prompter) { PolylineDialogue(prompter).run(); }
 
 constexpr HostCommand kCommands[] = {
-    {L"LINE", ACRX_CMD_MODAL, line},
-    {L"PLINE", ACRX_CMD_MODAL, pline},
+    {L"LINE", ACRX_CMD_MODAL, line, L"draws lines"},
+    {L"PLINE", ACRX_CMD_MODAL, pline, L"draws a polyline, with arcs; C closes it"},
 };
 
 }  // namespace

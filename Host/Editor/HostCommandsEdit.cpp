@@ -12,7 +12,7 @@ using database::Slot;
 database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents.current()->drawing(); }
 
 void undoOnce(Prompter& prompter) {
-  if (const std::optional<std::wstring> name = drawingOf(prompter).undo()) {
+  if (const std::optional<std::wstring> name = drawingOf(prompter).undo(prompter.session().scriptGroup().number)) {
     prompter.line(*name);
   } else {
     prompter.line(L"Everything has been undone");
@@ -20,7 +20,7 @@ void undoOnce(Prompter& prompter) {
 }
 
 void redoOnce(Prompter& prompter) {
-  if (const std::optional<std::wstring> name = drawingOf(prompter).redo()) {
+  if (const std::optional<std::wstring> name = drawingOf(prompter).redo(prompter.session().scriptGroup().number)) {
     prompter.line(*name);
   } else {
     prompter.line(L"Nothing to redo");
@@ -32,8 +32,9 @@ void undoMany(Prompter& prompter) {
   limits.bits = RSG_NOZERO | RSG_NONEG;
   const auto count = prompter.integer(L"Enter the number of operations to undo <1>: ", limits);
   if (count.outcome == Outcome::Cancel) return;
+  const std::uint32_t openGroup = prompter.session().scriptGroup().number;
   for (int i = 0; i < (count ? count.value : 1); ++i) {
-    const std::optional<std::wstring> name = drawingOf(prompter).undo();
+    const std::optional<std::wstring> name = drawingOf(prompter).undo(openGroup);
     prompter.line(name.value_or(L"Everything has been undone"));
     if (!name) break;
   }
@@ -51,19 +52,17 @@ std::vector<Slot*> selected(Prompter& prompter) {
 }
 
 void erase(Prompter& prompter) {
-  std::size_t locked = 0, inUse = 0;
+  std::size_t inUse = 0;
   for (Slot* slot : selected(prompter)) {
     AcDbEntity* entity = nullptr;
     const Acad::ErrorStatus status = acdbOpenAcDbEntity(entity, AcDbObjectId(slot), AcDb::kForWrite);
-    if (status == Acad::eWasErased) continue;
-    if (status != Acad::eOk) {
-      ++(status == Acad::eOnLockedLayer ? locked : inUse);
-      continue;
+    if (status == Acad::eOk) {
+      entity->erase();
+      entity->close();
+    } else if (status != Acad::eWasErased && status != Acad::eOnLockedLayer) {  // locked ones are told at the end
+      ++inUse;
     }
-    entity->erase();
-    entity->close();
   }
-  if (locked > 0) prompter.line(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
   if (inUse > 0)
     prompter.refuse(std::to_wstring(inUse) + (inUse == 1 ? L" is" : L" are") + L" in use and cannot be erased.");
 }
@@ -115,10 +114,15 @@ void setVariable(Prompter& prompter) {
 }
 
 constexpr HostCommand kCommands[] = {
-    {L"U", ACRX_CMD_NO_UNDO_MARKER, undoOnce},     {L"UNDO", ACRX_CMD_NO_UNDO_MARKER, undoMany},
-    {L"REDO", ACRX_CMD_NO_UNDO_MARKER, redoOnce},  {L"REGEN", ACRX_CMD_NO_UNDO_MARKER, regen},
-    {L"REGENALL", ACRX_CMD_NO_UNDO_MARKER, regen}, {L"ERASE", ACRX_CMD_USEPICKSET, erase},
-    {L"SELECT", ACRX_CMD_NO_UNDO_MARKER, select},  {L"SETVAR", ACRX_CMD_TRANSPARENT, setVariable},
+    {L"U", ACRX_CMD_NO_UNDO_MARKER, undoOnce, L"takes the last command back"},
+    {L"UNDO", ACRX_CMD_NO_UNDO_MARKER, undoMany, L"takes a number of commands back"},
+    {L"REDO", ACRX_CMD_NO_UNDO_MARKER, redoOnce, L"repeats what was taken back last"},
+    {L"REGEN", ACRX_CMD_NO_UNDO_MARKER, regen, L"draws anew"},
+    {L"REGENALL", ACRX_CMD_NO_UNDO_MARKER, regen, L"the same for all views"},
+    {L"ERASE", ACRX_CMD_USEPICKSET, erase, L"erases objects"},
+    {L"SELECT", ACRX_CMD_NO_UNDO_MARKER, select, L"selects objects for the answer P of the next selection"},
+    {L"SETVAR", ACRX_CMD_TRANSPARENT, setVariable,
+     L"shows and sets system variables; a variable's name alone does too"},
 };
 
 }  // namespace
@@ -126,14 +130,15 @@ constexpr HostCommand kCommands[] = {
 std::span<const HostCommand> editCommands() { return kCommands; }
 
 void addHostCommands(CommandStack& commands) {
-  for (const auto& group :
-       {fileCommands(), editCommands(), drawCommands(), layerCommands(), inspectCommands(), dialogCommands()}) {
-    for (const HostCommand& command : group) commands.addBuiltIn(command.name, command.flags, command.handler);
+  for (const auto& group : {fileCommands(), editCommands(), drawCommands(), layerCommands(), inspectCommands(),
+                            dialogCommands(), helpCommands()}) {
+    for (const HostCommand& command : group)
+      commands.addBuiltIn(command.name, command.flags, command.handler, command.help);
   }
   static constexpr const wchar_t* kAliases[][2] = {
       {L"E", L"ERASE"},    {L"L", L"LINE"},     {L"PL", L"PLINE"},  {L"LA", L"LAYER"}, {L"LT", L"LINETYPE"},
       {L"LI", L"LIST"},    {L"LO", L"LAYOUT"},  {L"RE", L"REGEN"},  {L"Z", L"ZOOM"},   {L"SET", L"SETVAR"},
-      {L"SCR", L"SCRIPT"}, {L"SAVE", L"QSAVE"}, {L"EXIT", L"QUIT"},
+      {L"SCR", L"SCRIPT"}, {L"SAVE", L"QSAVE"}, {L"EXIT", L"QUIT"}, {L"?", L"HELP"},
   };
   for (const auto& [alias, name] : kAliases) commands.addAlias(alias, name);
 }

@@ -117,8 +117,7 @@ bool maySaveAndLeave(Prompter& prompter, Document& document) {
   Limits limits;
   limits.keywords = Keywords(L"Yes No Cancel");
   const std::filesystem::path name = document.fileName() != nullptr ? text::toUtf8(document.fileName()) : "";
-  const auto reply =
-      prompter.keyword(L"Save changes to " + wide(name.filename()) + L"? [Yes/No/Cancel] <Y>: ", limits);
+  const auto reply = prompter.keyword(L"Save changes to " + wide(name.filename()) + L"? [Yes/No/Cancel] <Y>: ", limits);
   const bool isYes = reply.outcome == Outcome::Enter || reply.keyword == L"Yes";
   if (isYes) quickSave(prompter);
   return isYes ? !document.drawing().isModified() : reply.keyword == L"No";
@@ -167,11 +166,11 @@ void arxList(Prompter& prompter) {
 void arx(Prompter& prompter) {
   Session& session = prompter.session();
   Limits limits;
-  limits.keywords = Keywords(L"? Load Unload Commands");
-  const auto option = prompter.keyword(L"Enter an option [?/Load/Unload/Commands]: ", limits);
+  limits.keywords = Keywords(L"? Load Unload LIst Commands");
+  const auto option = prompter.keyword(L"Enter an option [?/Load/Unload/LIst/Commands]: ", limits);
   if (option.outcome != Outcome::Keyword) return;
   Result result;
-  if (option.keyword == L"?") {
+  if (option.keyword == L"?" || option.keyword == L"LIst") {
     arxList(prompter);
   } else if (option.keyword == L"Commands") {
     for (const std::wstring& name : session.commands.names()) prompter.line(name);
@@ -193,28 +192,34 @@ void arx(Prompter& prompter) {
   }
 }
 
-void script(Prompter& prompter) {
+/// Lines come from the file from now on.
+void runScript(Prompter& prompter, const std::filesystem::path& file) {
   Session& session = prompter.session();
-  auto typed = askFile(prompter, L"Enter script file name: ");
-  if (!typed) return;
-  std::filesystem::path found = HostServices::find(*typed, nullptr);
-  if (found.empty() && typed->extension().empty()) found = HostServices::find(*typed += ".scr", nullptr);
   if (session.inputDepth() >= kDeepestScripts) {
     prompter.refuse(L"Scripts call one another too deeply.");
     return;
   }
-  if (found.empty()) {
-    prompter.refuse(L"The script " + wide(*typed) + L" cannot be read.");
-    return;
-  }
   std::string told;
-  std::unique_ptr<ScriptInput> input = ScriptInput::fromFile(found, told);
+  std::unique_ptr<ScriptInput> input = ScriptInput::fromFile(file, told);
   if (input == nullptr) {
     prompter.refuse(text::fromUtf8(told));
     return;
   }
   if (!told.empty()) session.reportProblem(told);
-  session.pushScript(std::move(input));
+  session.lastScript = file;
+  session.pushScript(std::move(input), L"SCRIPT " + wide(file.filename()));
+}
+
+void script(Prompter& prompter) {
+  auto typed = askFile(prompter, L"Enter script file name: ");
+  if (!typed) return;
+  std::filesystem::path found = HostServices::find(*typed, nullptr);
+  if (found.empty() && typed->extension().empty()) found = HostServices::find(*typed += ".scr", nullptr);
+  if (found.empty()) {
+    prompter.refuse(L"The script " + wide(*typed) + L" cannot be read.");
+    return;
+  }
+  runScript(prompter, found);
 }
 
 void delay(Prompter& prompter) {
@@ -224,24 +229,35 @@ void delay(Prompter& prompter) {
   prompter.integer(L"Delay time in milliseconds: ", limits);
 }
 
-void noRepeat(Prompter& prompter) {
-  prompter.refuse(L"RSCRIPT is not supported: it would repeat the script without end.");
+void repeatScript(Prompter& prompter) {
+  Session& session = prompter.session();
+  const bool isAfterScript = session.scriptGroup().number == 0 && !session.lastScript.empty();
+  if (isAfterScript) {
+    runScript(prompter, session.lastScript);
+  } else if (session.isInteractive()) {
+    prompter.refuse(L"No script has been run yet.");
+  } else {
+    prompter.refuse(L"It would repeat this script without end; RSCRIPT belongs behind a SCRIPT command.");
+  }
 }
 
 void noResume(Prompter& prompter) { prompter.line(L"No script was interrupted: RESUME does nothing."); }
 
 constexpr HostCommand kCommands[] = {
-    {L"OPEN", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, open},
-    {L"NEW", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, createDrawing},
-    {L"CLOSE", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, closeCurrent},
-    {L"QSAVE", ACRX_CMD_NO_UNDO_MARKER, quickSave},
-    {L"SAVEAS", ACRX_CMD_NO_UNDO_MARKER, saveAs},
-    {L"QUIT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, quit},
-    {L"ARX", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, arx},
-    {L"SCRIPT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, script},
-    {L"DELAY", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, delay},
-    {L"RSCRIPT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, noRepeat},
-    {L"RESUME", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, noResume},
+    {L"OPEN", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, open, L"opens a drawing beside those that are open"},
+    {L"NEW", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, createDrawing, L"makes an empty drawing"},
+    {L"CLOSE", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, closeCurrent, L"closes the current drawing"},
+    {L"QSAVE", ACRX_CMD_NO_UNDO_MARKER, quickSave, L"saves the drawing in its file"},
+    {L"SAVEAS", ACRX_CMD_NO_UNDO_MARKER, saveAs, L"saves the drawing in another file"},
+    {L"QUIT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, quit, L"leaves the program, asking about changes"},
+    {L"ARX", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, arx, L"loads, unloads and lists modules and their commands"},
+    {L"SCRIPT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, script,
+     L"runs a file of commands and answers; one U takes all of it back"},
+    {L"DELAY", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, delay,
+     L"waits in other hosts; here it only takes its number"},
+    {L"RSCRIPT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, repeatScript, L"runs the last script again"},
+    {L"RESUME", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, noResume,
+     L"does nothing: no script is interrupted here"},
 };
 
 }  // namespace

@@ -219,10 +219,11 @@ void hover(Prompter& prompter) {
 }
 
 constexpr HostCommand kCommands[] = {
-    {L"LIST", ACRX_CMD_USEPICKSET | ACRX_CMD_NO_UNDO_MARKER, list},
-    {L"LAYOUT", ACRX_CMD_MODAL, layout},
-    {L"ZOOM", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, zoom},
-    {L"HOVER", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, hover},
+    {L"LIST", ACRX_CMD_USEPICKSET | ACRX_CMD_NO_UNDO_MARKER, list, L"prints layer, handle, points and area of objects"},
+    {L"LAYOUT", ACRX_CMD_MODAL, layout, L"shows the layouts and makes one the current"},
+    {L"ZOOM", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, zoom,
+     L"sets the view, which decides how finely picks are meant"},
+    {L"HOVER", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, hover, L"prints the tooltip at a point"},
 };
 
 }  // namespace

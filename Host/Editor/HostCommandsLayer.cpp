@@ -320,8 +320,8 @@ void linetype(Prompter& prompter) {
 }
 
 constexpr HostCommand kCommands[] = {
-    {L"LAYER", ACRX_CMD_MODAL, layer},
-    {L"LINETYPE", ACRX_CMD_MODAL, linetype},
+    {L"LAYER", ACRX_CMD_MODAL, layer, L"makes layers, sets the current one, and their states and colours"},
+    {L"LINETYPE", ACRX_CMD_MODAL, linetype, L"loads linetypes and sets the current one"},
 };
 
 }  // namespace

@@ -102,7 +102,9 @@ ScriptText scriptText(std::string bytes) {
   for (std::size_t position = 0; position < bytes.size();) {
     const std::size_t at = position;
     const auto c = static_cast<wchar_t>(page->next(bytes, position));
-    if (c == kReplacement) return refused(lineAt(bytes, at), "this is neither UTF-8 nor Windows-1252");
+    // The page has no characters there; the decoder answers control characters.
+    if (c == kReplacement || (c >= 0x80 && c < 0xA0))
+      return refused(lineAt(bytes, at), "this is neither UTF-8 nor Windows-1252");
     decoded += c;
   }
   result.utf8 = text::toUtf8(decoded);

@@ -16,9 +16,10 @@ struct ScriptText {
   int line = 0;
 };
 
-/// Scripts are UTF-8, with or without byte order mark, or UTF-16 with one. Editors of Windows also save its code page for
-/// western Europe: bytes of which none belongs to a character in UTF-8 are read as Windows-1252, which is remarked on. A text that is
-/// UTF-8 in some places only was damaged; one with NUL characters is none. Both are refused: guessed names would go into the drawing.
+/// Scripts are UTF-8, with or without byte order mark, or UTF-16 with one. Editors of Windows also save its code page
+/// for western Europe: bytes of which none belongs to a character in UTF-8 are read as Windows-1252, which is remarked
+/// on. A text that is UTF-8 in some places only was damaged; one with NUL characters is none. Both are refused: guessed
+/// names would go into the drawing.
 ScriptText scriptText(std::string bytes);
 
 }  // namespace host::editor

@@ -21,6 +21,9 @@ constexpr std::wstring_view kInvalid =
 
 Point flat(const AcGePoint3d& point) { return {point.x, point.y}; }
 
+std::wstring flatText(const AcGePoint3d& point) { return shownNumber(point.x) + L"," + shownNumber(point.y); }
+std::wstring at(const AcGePoint3d& point) { return L"at " + flatText(point); }
+
 std::vector<Point> rectangle(const AcGePoint3d& a, const AcGePoint3d& b) {
   return {{a.x, a.y}, {b.x, a.y}, {b.x, b.y}, {a.x, b.y}};
 }
@@ -51,6 +54,7 @@ class Selection {
       } else if (options_.accepts && !options_.accepts(*entity)) {
         ++filtered;
         ++count;
+        if (!removing) session_.skips.filteredOut(*entity);
       } else {
         ++count;
         if (!(removing ? remove(entity) : add(entity))) ++duplicate;
@@ -106,8 +110,7 @@ class Selection {
     }
     if (removing || reported_) text += L", " + std::to_wstring(members_.size()) + L" total";
     session_.transcript.line(text);
-    if (locked > 0)
-      session_.transcript.line(std::to_wstring(locked) + (locked == 1 ? L" was" : L" were") + L" on a locked layer.");
+    tellLocked(session_, locked);
     if (elsewhere > 0)
       session_.transcript.line(std::to_wstring(elsewhere) + (elsewhere == 1 ? L" was" : L" were") +
                                L" not in current space.");
@@ -157,10 +160,12 @@ class Selector {
     return prompter_.refuse(kInvalid);
   }
 
-  bool take(std::vector<Slot*> found, bool expandGroups) {
+  /// `where` tells of a pick or window that it found nothing.
+  bool take(std::vector<Slot*> found, bool expandGroups, const std::wstring& where = {}) {
     const bool any = !found.empty();
     selection_.take(std::move(found), expandGroups);
     if (any && (options_.single || single_)) done_ = true;
+    if (!any && !where.empty()) session_.foundNothing(where);
     return true;
   }
 
@@ -175,7 +180,7 @@ class Selector {
     document.lastPoint = point;
     std::vector<Slot*> found = session_.finder.at(document.drawing(), session_.currentSpace(), flat(point),
                                                   pickAperture(session_), options_.everything);
-    if (!found.empty() || !pointedAt) return take(std::move(found), true);
+    if (!found.empty() || !pointedAt) return take(std::move(found), true, at(point));
     // Pointing at nothing opens a window: to the right inside, to the left crossing.
     Limits limits;
     limits.base = point;
@@ -186,7 +191,8 @@ class Selector {
   }
 
   bool window(const AcGePoint3d& a, const AcGePoint3d& b, geometry::Window kind) {
-    return take(session_.finder.inWindow(session_.currentSpace(), rectangle(a, b), kind), true);
+    return take(session_.finder.inWindow(session_.currentSpace(), rectangle(a, b), kind), true,
+                L"in the window from " + flatText(a) + L" to " + flatText(b));
   }
 
   bool askWindow(std::wstring_view name) {
@@ -224,10 +230,10 @@ class Selector {
     if (points.size() < (isFence ? 2U : 3U))
       return prompter_.refuse(isFence ? L"A fence needs two points." : L"A polygon needs three points.");
     const database::BlockContents& space = session_.currentSpace();
-    if (isFence) return take(session_.finder.onFence(space, points), true);
+    if (isFence) return take(session_.finder.onFence(space, points), true, L"on the fence");
     return take(session_.finder.inWindow(space, points,
                                          name == L"WPolygon" ? geometry::Window::Inside : geometry::Window::Crossing),
-                true);
+                true, L"in the polygon");
   }
 
   bool askGroup() {
@@ -239,12 +245,19 @@ class Selector {
     return take(*members, false);
   }
 
+  bool takeAll() {
+    std::size_t locked = 0;
+    take(selectAll(session_, &locked), false);
+    tellLocked(session_, locked);
+    return true;
+  }
+
   bool option(std::wstring_view name) {
     Document& document = *session_.documents.current();
     if (name == L"Window" || name == L"Crossing" || name == L"BOX") return askWindow(name);
     if (name == L"WPolygon" || name == L"CPolygon" || name == L"Fence") return askPolygon(name);
     if (name == L"Group") return askGroup();
-    if (name == L"ALL") return take(selectAll(session_), false);
+    if (name == L"ALL") return takeAll();
     if (name == L"Last") {
       Slot* const last = lastEntity(session_);
       return take(last != nullptr ? std::vector<Slot*>{last} : std::vector<Slot*>{}, true);
@@ -332,7 +345,11 @@ Reply<EntityPick> Prompter::entity(std::wstring_view prompt, const Limits& limit
       if (point) {
         const std::vector<Slot*> found = session_.finder.at(document->drawing(), session_.currentSpace(), flat(*point),
                                                             pickAperture(session_), false);
-        if (!found.empty()) reply.value.entity = found.front();
+        if (!found.empty()) {
+          reply.value.entity = found.front();
+        } else {
+          session_.foundNothing(at(*point));
+        }
       }
       document->lastPoint = reply.value.point;
       return reply;

@@ -142,9 +142,12 @@ int askForSet(Session& session, const Mode& mode, const void* prompts, const res
   if (filterList == nullptr && mode.method.empty()) {
     std::vector<Slot*> before = takePickfirst(session);
     if (mode.skipLocked)
-      std::erase_if(before, [&session](const Slot* entity) { return session.finder.layerState(*entity).locked; });
+      host::editor::tellLocked(session, std::erase_if(before, [&session](const Slot* entity) {
+                                 return session.finder.layerState(*entity).locked;
+                               }));
     if (!before.empty()) {
       session.transcript.line(std::to_wstring(before.size()) + L" found");
+      session.skips.selected(before);
       session.documents.current()->previousSelection = before;
       return giveSet(session, std::move(before), set);
     }
@@ -161,6 +164,7 @@ int askForSet(Session& session, const Mode& mode, const void* prompts, const res
   }
   auto reply = Prompter(session).select(options);
   if (reply.outcome == Outcome::Cancel) return RTCAN;
+  session.skips.selected(reply.value);
   return giveSet(session, std::move(reply.value), set);
 }
 

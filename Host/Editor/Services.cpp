@@ -143,8 +143,8 @@ std::string faultOf(const std::filesystem::path& file) {
   const bool isRead = in && (in.get() != std::ifstream::traits_type::eof() || !in.bad());
   if (!isRead) return std::string("cannot be read") + (errno != 0 ? std::string(": ") + std::strerror(errno) : "");
   const std::wstring ending = text::folded(text::fromUtf8(file.extension().string()));
-  const bool isSettings = std::find(std::begin(kSettingsEndings), std::end(kSettingsEndings), ending) !=
-                          std::end(kSettingsEndings);
+  const bool isSettings =
+      std::find(std::begin(kSettingsEndings), std::end(kSettingsEndings), ending) != std::end(kSettingsEndings);
   if (isSettings && std::filesystem::file_size(file, error) > kLargestSettings && !error)
     return "is passed over: it is longer than " + std::to_string(kLargestSettings >> 20) + " MB";
   return {};

@@ -30,6 +30,10 @@ void Session::begin(ApplicationOptions options) {
   documents.refuseLocks = false;
   services.forgetToldFiles();
   lastCommand_.clear();
+  lastSkips_.clear();
+  lastScript.clear();
+  hasFailed_ = false;
+  scriptCount_ = 0;
   untitledCount_ = 0;
 }
 
@@ -199,11 +203,19 @@ bool Session::isStopping() const {
   return failure_.has_value() || interrupted || (!frames_.empty() && frames_.back().failed);
 }
 
-void Session::pushScript(std::unique_ptr<InputSource> script) {
+void Session::pushScript(std::unique_ptr<InputSource> script, std::wstring name) {
   InputFrame frame;
   frame.source = script.get();
   frame.owned = std::move(script);
+  frame.undoGroup = {++scriptCount_, std::move(name)};
   frames_.push_back(std::move(frame));
+}
+
+database::UndoGroup Session::scriptGroup() const {
+  for (const InputFrame& frame : frames_) {
+    if (frame.undoGroup.number != 0) return frame.undoGroup;
+  }
+  return {};
 }
 
 Answer Session::pull(const Question& question) {
@@ -225,10 +237,22 @@ void Session::fail(RunStatus status, std::string sentence, bool isShown) {
   const std::string here = place();
   Result result{status, here.empty() ? std::move(sentence) : here + ": " + sentence};
   if (isInteractive()) {
+    hasFailed_ = true;
     if (!isShown || !options_.problemsOnScreen) reportProblem(result.message);
     return;
   }
   if (!failure_) failure_ = std::move(result);
+}
+
+void Session::foundNothing(const std::wstring& where) {
+  if (isInteractive() || inputFromCode()) return;
+  const std::string here = place();
+  std::string sentence = text::toUtf8(runningNames()) + ": nothing found " + text::toUtf8(where);
+  if (options_.isStrict) {
+    fail(RunStatus::ScriptFailed, std::move(sentence));
+  } else {
+    reportProblem(here.empty() ? sentence : here + ": " + sentence);
+  }
 }
 
 bool Session::refuse(std::wstring_view sentence) {
@@ -261,11 +285,23 @@ void Session::answersRanOut(std::wstring_view waiting) {
   if (!failure_) failure_ = Result{RunStatus::ScriptFailed, here.empty() ? sentence : here + ": " + sentence};
 }
 
+/// What a command does before it asks its user anything is preparation.
+void Session::noteQuestion() {
+  if (!running_.empty() && !changesWhenAsked_ && documents.current() != nullptr)
+    changesWhenAsked_ = documents.current()->drawing().changeCount();
+}
+
+/// The user was asked and left, and the command has changed nothing since.
+bool Session::wasLeftUntouched(const Document& document) const {
+  return (cancelled_ || dialogCancelled_) && changesWhenAsked_ == document.drawing().changeCount();
+}
+
 Answer Session::ask(std::wstring_view prompt, AnswerForm form) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
   for (;;) {
     if (isStopping()) return cancel;
+    noteQuestion();
     transcript.prompt(prompt);
     Answer answer = pull({prompt, form});
     if (interrupted) answer.kind = Answer::Kind::Cancel;
@@ -291,7 +327,7 @@ Answer Session::ask(std::wstring_view prompt, AnswerForm form) {
         transcript.echo(answer.text);
         break;
     }
-    cancelled_ = false;
+    cancelled_ = dialogCancelled_ = false;
     const bool mayBeCommand = answer.kind == Answer::Kind::Text && form == AnswerForm::Word && !answer.quoted &&
                               answer.text.size() > 1 && answer.text.front() == L'\'';
     if (!mayBeCommand) return answer;
@@ -311,12 +347,24 @@ Answer Session::ask(std::wstring_view prompt, AnswerForm form) {
   }
 }
 
+void Session::dialogOpened() {
+  noteQuestion();
+  dialogCancelled_ = false;
+  skips.dialogOpened();
+}
+
 Answer Session::dialogLine(std::wstring_view what) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
   if (isStopping()) return cancel;
+  const std::wstring prompt = std::wstring(what) + L": ";
+  transcript.prompt(prompt);
   Answer answer = pull({what, AnswerForm::Line});
-  if (answer.kind != Answer::Kind::End) return answer;
+  if (answer.kind != Answer::Kind::End) {
+    transcript.echo(answer.kind == Answer::Kind::Cancel ? L"*Cancel*" : answer.text);
+    return answer;
+  }
+  transcript.echo(L"*Cancel*");
   if (inputFromCode()) {
     frames_.back().failed = true;
   } else if (!failure_) {

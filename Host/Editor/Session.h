@@ -15,6 +15,7 @@
 #include "Editor/Prompter.h"
 #include "Editor/SelectionSets.h"
 #include "Editor/Services.h"
+#include "Editor/SkipReport.h"
 #include "Editor/SystemVariables.h"
 #include "Editor/Transcript.h"
 
@@ -25,7 +26,8 @@ struct InputFrame {
   InputSource* source = nullptr;
   std::unique_ptr<InputSource> owned;
   bool fromCode = false;
-  bool failed = false;  // answers of code that were refused or ran out
+  bool failed = false;            // answers of code that were refused or ran out
+  database::UndoGroup undoGroup;  // of a script that was called: one `U` takes all of it back
 };
 
 class Session {
@@ -48,8 +50,10 @@ class Session {
   SelectionSets sets;
   EntityFinder finder;
   ProgressMeter meter;
-  Limits nextLimits;       // of acedInitGet, for the next question
-  std::wstring lastInput;  // of acedGetInput
+  SkipReport skips;                  // of the running command
+  Limits nextLimits;                 // of acedInitGet, for the next question
+  std::wstring lastInput;            // of acedGetInput
+  std::filesystem::path lastScript;  // that SCRIPT ran
   bool quitRequested = false;
   static std::atomic<bool> interrupted;
 
@@ -59,8 +63,7 @@ class Session {
   void closeDocument(Document& document);
   /// Refuses to replace the document's own file when somebody else has changed it, and the files of other documents.
   enum class ChangedFile { Refuse, Replace };
-  Result saveDrawing(Document& document, const std::filesystem::path& file,
-                     ChangedFile changed = ChangedFile::Refuse);
+  Result saveDrawing(Document& document, const std::filesystem::path& file, ChangedFile changed = ChangedFile::Refuse);
   /// Makes a layout current. False when there is none of that name.
   bool switchLayout(std::wstring_view name);
   /// Block of the current layout; the model space when the layout is gone.
@@ -74,11 +77,16 @@ class Session {
   /// Shows the prompt, takes the answer, echoes it; runs transparent commands given as answers. Cancel when the input
   /// has failed or ended.
   Answer ask(std::wstring_view prompt, AnswerForm form);
+  /// The next line for a dialog or box that `what` names; prompt and line are shown.
   Answer dialogLine(std::wstring_view what);
+  void dialogOpened();
+  void dialogClosed(bool isCancelled) { dialogCancelled_ = isCancelled; }
   /// No further answers will come: the input has ended or failed, or the run was interrupted.
   bool isStopping() const;
-  /// The input ends after its present line.
-  void pushScript(std::unique_ptr<InputSource> script);
+  /// Lines come from the script until it ends. `name` is what undoing it as a whole shows.
+  void pushScript(std::unique_ptr<InputSource> script, std::wstring name);
+  /// The outermost of the scripts that were called; without any, the group has no number.
+  database::UndoGroup scriptGroup() const;
   std::size_t inputDepth() const { return frames_.size(); }
   bool inputFromCode() const { return !frames_.empty() && frames_.back().fromCode; }
   /// Says why an answer cannot be used; true when it can be asked for again.
@@ -88,6 +96,10 @@ class Session {
   void fail(RunStatus status, std::string sentence, bool isShown = false);
   /// Somebody can be asked again.
   bool isInteractive() const;
+  /// A pick or window of a script found nothing; `where` says "at 5,5". People see it in the transcript.
+  void foundNothing(const std::wstring& where);
+  /// Something that was typed or came through a pipe has failed.
+  bool hasFailed() const { return hasFailed_; }
 
   // ---- commands ---------------------------------------------------------------------------------------------------
   Result run(InputSource& input);
@@ -112,16 +124,24 @@ class Session {
   bool mayRun(const Command& command);
   void callHandler(Command& command);
   void reportNewProblems(Document& document, std::size_t known) const;
+  void noteQuestion();
+  bool wasLeftUntouched(const Document& document) const;
+  void reportSkips(const Command& command, bool isWhole);
   void afterCommand(Document* document);
 
   ApplicationOptions options_;
   std::vector<InputFrame> frames_;
   std::vector<std::shared_ptr<Command>> running_;
   int transparentDepth_ = 0;
-  bool cancelled_ = false;      // the running command's last question ended in Esc
-  bool commandFailed_ = false;  // its handler threw
+  bool cancelled_ = false;                         // the running command's last question ended in Esc
+  bool commandFailed_ = false;                     // its handler threw
+  bool dialogCancelled_ = false;                   // the running command's last dialog was left with Cancel
+  std::optional<std::uint64_t> changesWhenAsked_;  // drawing's counter when the running command first asked something
+  std::wstring lastSkips_;                         // of the last command, with its name
   std::optional<Result> failure_;
   std::wstring lastCommand_;
+  bool hasFailed_ = false;
+  std::uint32_t scriptCount_ = 0;
   int untitledCount_ = 0;
 };
 

@@ -35,15 +35,25 @@ double pickAperture(Session& session) {
   return std::max(side * pixels / EntityFinder::kScreenPixels, smallest);
 }
 
-std::vector<Slot*> selectAll(Session& session) {
+std::vector<Slot*> selectAll(Session& session, std::size_t* locked) {
   std::vector<Slot*> found;
   const database::BlockContents& space = session.currentSpace();
   for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
     if ((*it)->isErased() || (*it)->isSubEntity()) continue;
     const LayerState state = session.finder.layerState(**it);
-    if (!state.frozen && !state.locked) found.push_back(*it);
+    if (state.frozen) continue;
+    if (!state.locked) {
+      found.push_back(*it);
+    } else if (locked != nullptr) {
+      ++*locked;
+    }
   }
   return found;
+}
+
+void tellLocked(Session& session, std::size_t count) {
+  if (count > 0)
+    session.transcript.line(std::to_wstring(count) + (count == 1 ? L" was" : L" were") + L" on a locked layer.");
 }
 
 Slot* lastEntity(Session& session) {

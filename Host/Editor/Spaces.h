@@ -18,8 +18,11 @@ class Session;
 double pickAperture(Session& session);
 /// What a screen would show: the view set by ZOOM, or the extents; a unit square in an empty drawing.
 geometry::Box currentView(Session& session);
-/// Living entities of the current space that are not on frozen or locked layers, newest first.
-std::vector<database::Slot*> selectAll(Session& session);
+/// Living entities of the current space that are not on frozen or locked layers, newest first. `locked`: how many are
+/// on thawed layers that are locked.
+std::vector<database::Slot*> selectAll(Session& session, std::size_t* locked = nullptr);
+/// "2 were on a locked layer." in the transcript; nothing for none.
+void tellLocked(Session& session, std::size_t count);
 /// The newest visible entity of the current space, or null.
 database::Slot* lastEntity(Session& session);
 /// A living top-level entity of any space by its handle, or null.

@@ -22,8 +22,8 @@ struct Path {
 };
 
 /// The pieces of one entity: curves flattened so that no point is off by more than `deviation` drawing units; text as
-/// its box; hatches as their loops; references through their blocks (nested, arrayed, mirrored; at most kDeepestNesting deep, cycles
-/// cut). Coordinates that are not finite leave the piece out.
+/// its box; hatches as their loops; references through their blocks (nested, arrayed, mirrored; at most kDeepestNesting
+/// deep, cycles cut). Coordinates that are not finite leave the piece out.
 std::vector<Path> entityPaths(const database::Slot& entity, double deviation);
 /// Box around those pieces; empty for an entity without a drawn shape. Infinite lines give their base point only.
 Box entityExtents(const database::Slot& entity);

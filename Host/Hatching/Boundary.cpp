@@ -231,22 +231,28 @@ bool join(std::vector<Chain> chains, Chain& whole) {
 
 Acad::ErrorStatus boundaryLoop(const AcDbObjectIdArray& boundaries, const AcGeVector3d& normal, Loop& loop) {
   if (boundaries.isEmpty()) return Acad::eInvalidInput;
+  const auto refuse = [&](std::string_view why) {
+    for (const AcDbObjectId id : boundaries)
+      id.slot()->database().tellRefused(*id.slot(), database::WorkObserver::Refusal::Hatch, why);
+    return Acad::eInvalidInput;
+  };
   const HatchPlane plane(normal);
   std::vector<Chain> chains;
   for (const AcDbObjectId id : boundaries) {
     const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity.openStatus() != Acad::eOk) return entity.openStatus();
     const Acad::ErrorStatus status = readChain(*entity, plane, chains.emplace_back());
+    if (status == Acad::eInvalidInput) return refuse("of a kind that bounds nothing");
     if (status != Acad::eOk) return status;
   }
   Chain whole;
   if (chains.size() == 1) {
     whole = std::move(chains.front());
   } else if (!join(std::move(chains), whole)) {
-    return Acad::eInvalidInput;
+    return refuse("not joined end to end");
   }
   const LoopFault fault = makeLoop(whole.vertices, whole.isClosed, loop);
-  return fault == LoopFault::None ? Acad::eOk : Acad::eInvalidInput;
+  return fault == LoopFault::None ? Acad::eOk : refuse(textOf(fault));
 }
 
 }  // namespace host::hatching

@@ -265,7 +265,9 @@ Acad::ErrorStatus AcDbHatch::appendLoop(Adesk::Int32 loopType, const AcDbObjectI
     if (linked != Acad::eOk) return linked;
     for (const AcDbObjectId id : boundaries) made.sources.push_back(static_cast<Adesk::UInt64>(id.handle()));
   }
-  dataToChange<HatchData>(*this)->content.loops.push_back(std::move(made));
+  HatchData& data = *dataToChange<HatchData>(*this);
+  data.content.loops.push_back(std::move(made));
+  data.boundary = boundaries[0].slot();
   return Acad::eOk;
 }
 
@@ -301,6 +303,9 @@ Acad::ErrorStatus AcDbHatch::evaluateHatch(bool /*underestimateNumLines*/) {
   }
   switch (host::hatching::fillPattern(data.content.pattern, area, kMostPieces, [](const auto&) {})) {
     case host::hatching::FillOutcome::TooDense:
+      if (data.boundary != nullptr)
+        data.boundary->database().tellRefused(*data.boundary, host::database::WorkObserver::Refusal::Hatch,
+                                              "too large for so dense a pattern");
       return Acad::eHatchTooDense;
     case host::hatching::FillOutcome::Degenerate:
       return Acad::eInvalidInput;

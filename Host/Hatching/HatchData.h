@@ -13,6 +13,7 @@ namespace host::hatching {
 struct HatchData final : database::ObjectData {
   HatchContent content;
   std::wstring name;
+  const database::Slot* boundary = nullptr;  // what the latest loop was made of, while the hatch is open; for messages
 
   void read(database::TagCursor tags, const text::Codec& codec);
   void write(database::TagWriter& out) const override { write(out, content.loops); }

@@ -80,6 +80,24 @@ Loop withoutRepeats(const std::vector<LoopVertex>& vertices, double tolerance) {
 
 }  // namespace
 
+std::string_view textOf(LoopFault fault) {
+  switch (fault) {
+    case LoopFault::None:
+      break;
+    case LoopFault::NotFinite:
+      return "with numbers that are not finite";
+    case LoopFault::NotClosed:
+      return "not closed";
+    case LoopFault::TooFewPoints:
+      return "with too few points";
+    case LoopFault::ZeroArea:
+      return "without area";
+    case LoopFault::SelfCrossing:
+      return "crossing itself";
+  }
+  return {};
+}
+
 LoopFault makeLoop(const std::vector<LoopVertex>& vertices, bool closedFlag, Loop& loop) {
   if (!areFinite(vertices)) return LoopFault::NotFinite;
   if (vertices.size() < 2) return LoopFault::TooFewPoints;

@@ -1,6 +1,7 @@
 // Closed loops of straight pieces and arcs: which of them bound an area.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "Curves/Bulges.h"
@@ -13,6 +14,8 @@ using curves::Point2;
 using curves::Polygon;
 
 enum class LoopFault { None, NotFinite, NotClosed, TooFewPoints, ZeroArea, SelfCrossing };
+/// "not closed": what is wrong with the shape; empty for None.
+std::string_view textOf(LoopFault fault);
 
 /// Takes a polyline's vertices as a loop: drops consecutive duplicate points, accepts a last point equal to the first
 /// in place of the closed flag. `loop` is set on None only.

@@ -5,7 +5,7 @@
 //   OK                     a button by its caption; a check box too: Roof on
 //   double-click 30239     a list
 //   PICTURE dialog.png     what the dialog looks like now, for documents and tests
-//   LIST                   prints the controls with their contents in the transcript
+//   LIST or ?              prints the controls with their contents in the transcript
 //   (an empty line)        the default button, as Enter does; Esc cancels
 #include <algorithm>
 #include <optional>
@@ -221,7 +221,7 @@ std::wstring refusalOf(HostWindow& dialog, std::wstring_view line) {
     if (!file.ends_with(".png")) return name + L": a dialog's picture is a .png file";
     return dialog.widget->savePicture(file) ? L"" : name + L": " + unquoted(rest) + L" cannot be written";
   }
-  if (text::equalFolded(line, L"LIST") && buttonByCaption(dialog, line).control == nullptr) {
+  if ((text::equalFolded(line, L"LIST") || line == L"?") && buttonByCaption(dialog, line).control == nullptr) {
     editor::printDialogLine(name + L":");
     listControls(dialog);
     return {};

@@ -201,9 +201,11 @@ INT_PTR runModal(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM parameter) 
   HostWindow* const dialog = makeDialog(bytes, parent, procedure, parameter, true);
   if (dialog == nullptr) return -1;
   if (!editor::dialogsAreWorkedByHand() && !dialog->dialog->hasEnded) tellNotice(*dialog);
+  if (!dialog->dialog->hasEnded) editor::dialogOpened();
   runDialog(*dialog);
   if (IsWindow(dialog) == FALSE) return -1;
   const INT_PTR result = dialog->dialog->result;
+  editor::dialogClosed(result == IDCANCEL);
   DestroyWindow(dialog);
   return result;
 }

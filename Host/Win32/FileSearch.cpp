@@ -64,6 +64,16 @@ std::pair<std::wstring_view, std::wstring_view> splitPath(std::wstring_view path
   return {path.substr(0, std::max<std::size_t>(end, 1)), path.substr(end + 1)};
 }
 
+/// Why a folder cannot be searched, in one sentence.
+std::string reasonOf(const std::error_code& error, std::wstring_view folder) {
+  if (host::text::namesDrive(folder))
+    return host::text::toUtf8(folder) + ": the folder cannot be found: there is no drive " +
+           host::text::toUtf8(folder.substr(0, 2)) + " here";
+  const std::string name = host::text::toPath(folder).string();
+  if (error == std::errc::no_such_file_or_directory) return name + ": the folder cannot be found";
+  return name + ": the folder cannot be read: " + error.message();
+}
+
 }  // namespace
 
 HANDLE FindFirstFileW(LPCWSTR pattern, WIN32_FIND_DATAW* found) {
@@ -76,11 +86,7 @@ HANDLE FindFirstFileW(LPCWSTR pattern, WIN32_FIND_DATAW* found) {
   std::error_code error;
   search->entries = matching(host::text::toPath(folder), names, error);
   if (search->entries.empty()) {
-    if (error && host::text::namesDrive(folder)) {
-      host::editor::reportDialogProblem(host::text::toUtf8(folder) +
-                                        ": the folder cannot be found: there is no drive " +
-                                        host::text::toUtf8(folder.substr(0, 2)) + " here");
-    }
+    if (error) host::editor::reportDialogProblem(reasonOf(error, folder));
     SetLastError(error ? ERROR_PATH_NOT_FOUND : ERROR_FILE_NOT_FOUND);
     return INVALID_HANDLE_VALUE;
   }

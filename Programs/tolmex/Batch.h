@@ -26,8 +26,8 @@ struct BatchOptions {
   bool showsProgress = true;
 };
 
-/// Hands the results out in the order of the tasks and answers the highest status. Signals that end programs end the workers;
-/// drawings that were not begun then are results too.
+/// Hands the results out in the order of the tasks and answers the highest status. Signals that end programs end the
+/// workers; drawings that were not begun then are results too.
 int workThrough(const std::vector<BatchTask>& tasks, const BatchOptions& options,
                 const std::function<void(const BatchTask&, const BatchResult&)>& take);
 

@@ -41,12 +41,13 @@ constexpr const char* kRunExamples =
     "  tolmex run plan.dxf --script yard.scr --out new.dxf --picture new.png --picture new.pdf\n"
     "  tolmex run plan.dxf --command TLM_MUOK_ASFALTTI --command ALL --command \"\" --picture new.png\n"
     "  tolmex run plans/*.dxf --script yard.scr --out-dir new --format png --jobs 4\n"
+    "  tolmex run plan.dwg --out plan.dxf\n"
     "  tolmex run - --script yard.scr --out - < plan.dxf > new.dxf";
 
 constexpr const char* kShellNotes =
-    "Tab completes command names, Up and Down go through the history, Esc or Ctrl+C cancels,\n"
-    "an empty line repeats the last command, U takes it back, Ctrl+D or QUIT leaves. While a\n"
-    "dialog is open every line is one action on it; LIST prints its controls.";
+    "HELP lists the commands, Tab completes their names, Up and Down go through the history,\n"
+    "Esc or Ctrl+C cancels, an empty line repeats the last command, U takes it back, Ctrl+D or\n"
+    "QUIT leaves. While a dialog is open every line is one action on it; LIST prints its controls.";
 
 constexpr const char* kPictureExamples =
     "Examples:\n"
@@ -180,11 +181,16 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
   addJobs(*call, options);
   addVariables(*call, options);
   addSupport(*call, options);
+  call->add_flag("--strict", options.strict,
+                 "fail, with status 3, when a command skips an object or a pick finds nothing");
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kRunExamples));
   call->callback([&] {
     if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
-    if (options.script.empty() && options.commands.empty()) throw CLI::RequiredError("--script or --command");
+    // Without a script the drawing is only converted, or drawn.
+    const bool hasOutput = options.out || options.folder || !options.pictures.empty();
+    if (options.script.empty() && options.commands.empty() && !hasOutput)
+      throw CLI::RequiredError("--script, --command or an output (--out, --out-dir, --picture)");
     status = runDrawings(options);
   });
 }
@@ -253,13 +259,32 @@ void addDesktop(CLI::App& app, std::vector<std::filesystem::path>& drawings, int
   });
 }
 
+/// The library would say of a misspelt option only that it was not expected.
+void checkOptions(const CLI::App& call, const std::vector<std::string>& arguments) {
+  for (const std::string& argument : arguments) {
+    if (argument == "--") return;
+    const std::string name = argument.substr(0, argument.find('='));
+    if (!name.starts_with("--") || call.get_option_no_throw(name) != nullptr) continue;
+    std::vector<std::wstring> known;
+    for (const CLI::Option* option : call.get_options()) {
+      for (const std::string& each : option->get_lnames()) known.push_back(host::text::fromUtf8(each));
+    }
+    std::string hint;
+    for (const std::wstring& near : host::editor::nearestNames(host::text::fromUtf8(name.substr(2)), known))
+      hint += (hint.empty() ? "; nearest: --" : ", --") + host::text::toUtf8(near);
+    throw CLI::ValidationError(name, "No such option of " + call.get_name() + hint);
+  }
+}
+
 /// The library would say of a misspelt call that it is missing.
 void checkCall(const CLI::App& app, int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') return;
   const auto calls = app.get_subcommands(nullptr);
-  if (std::any_of(calls.begin(), calls.end(), [&](const CLI::App* call) { return call->get_name() == argv[1]; }))
-    return;
-  throw CLI::ValidationError(argv[1], "No such call; the calls are run, shell, picture, info and desktop");
+  const auto call =
+      std::find_if(calls.begin(), calls.end(), [&](const CLI::App* each) { return each->get_name() == argv[1]; });
+  if (call == calls.end())
+    throw CLI::ValidationError(argv[1], "No such call; the calls are run, shell, picture, info and desktop");
+  checkOptions(**call, {argv + 2, argv + argc});
 }
 
 /// Whoever read standard output through a pipe has seen enough.
@@ -290,8 +315,8 @@ int runCommandLine(int argc, char** argv) {
     checkCall(app, argc, argv);
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    // Arguments are told as they were given, and a shell's pattern gives names of files. Help and version are no errors;
-    // everything else is wrong usage, whatever number the library gives it.
+    // Arguments are told as they were given, and a shell's pattern gives names of files. Help and version are no
+    // errors; everything else is wrong usage, whatever number the library gives it.
     std::ostringstream out, err;
     const int number = app.exit(error, out, err);
     const auto print = [](const std::ostringstream& text, std::FILE* stream) {

@@ -30,6 +30,7 @@ struct OutputOptions {
 struct RunOptions : CommonOptions, OutputOptions {
   std::filesystem::path script;       // empty: only `commands`; "-": standard input
   std::vector<std::string> commands;  // script lines given inline, after the script
+  bool strict = false;                // what commands skip, or picks do not find, fails the script
   std::optional<std::filesystem::path> out;
   std::vector<std::filesystem::path> pictures;
 };

@@ -130,8 +130,7 @@ int describeDrawing(const fs::path& name, const InfoOptions& options) {
     print(file, info);
   }
   const int status = options.repaired.empty() ? 0 : writeRepaired(file, options.repaired, repaired);
-  if (status == 0 && !options.repaired.empty() && !json)
-    printLine("repaired copy " + options.repaired.string());
+  if (status == 0 && !options.repaired.empty() && !json) printLine("repaired copy " + options.repaired.string());
   std::fflush(stdout);
   return status;
 }

@@ -117,8 +117,8 @@ Json problemsOf(const DrawingInfo& info) {
   return problems;
 }
 
-/// Names of files and layers may hold bytes that are no UTF-8, and control characters: terminals obey those beyond ASCII
-/// too, which the library leaves as they are.
+/// Names of files and layers may hold bytes that are no UTF-8, and control characters: terminals obey those beyond
+/// ASCII too, which the library leaves as they are.
 std::string spelled(const Json& json, int indent = -1) {
   const std::string text = json.dump(indent, ' ', false, Json::error_handler_t::replace);
   std::string safe;

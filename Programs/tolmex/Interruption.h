@@ -12,8 +12,8 @@ namespace tolmex {
 /// Prints a short sentence to standard error from a signal handler; nothing where nobody reads what is printed there.
 void sayFromHandler(std::string_view sentence);
 
-/// While one lives, the signals that end programs ask the running script to stop. Work that does not notice is ended with
-/// one sentence after `kPatienceMs`. One at a time.
+/// While one lives, the signals that end programs ask the running script to stop. Work that does not notice is ended
+/// with one sentence after `kPatienceMs`. One at a time.
 class Interruption {
  public:
   static constexpr long kPatienceMs = 600;

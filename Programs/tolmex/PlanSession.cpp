@@ -120,7 +120,9 @@ host::editor::ApplicationOptions completed(host::editor::ApplicationOptions sett
 
 PlanSession::PlanSession(const RunOptions& options, host::editor::ApplicationOptions settings)
     : options_(options), application_(completed(std::move(settings), options)) {
-  application_.addCommand(L"PICTURE", 0, [this](Prompter& prompter) { pictureCommand(application_, prompter); });
+  application_.addCommand(
+      L"PICTURE", 0, [this](Prompter& prompter) { pictureCommand(application_, prompter); },
+      L"draws the drawing into a .png, .svg or .pdf file");
 }
 
 RunStatus sayUnopened(const Result& opened) {

@@ -64,12 +64,14 @@ RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const P
   ProgressBar bar(options.quiet || ::isatty(STDOUT_FILENO) == 0);
   if (!options.quiet) settings.transcript = printTranscript;
   settings.problem = [](std::string_view sentence) { complain(RunStatus::Done, std::string(sentence)); };
+  settings.isStrict = options.strict;
   settings.meter = [&](std::wstring_view label, double fraction) { showMeter(bar, label, fraction); };
   PlanSession session(options, settings);
   if (const RunStatus opened = session.open(drawing); opened != RunStatus::Done) return opened;
 
   WatchedScript input(script, bar);
-  const Result result = session.application().run(input);
+  // A call without a script only converts or draws.
+  const Result result = script.text.empty() ? Result{} : session.application().run(input);
   ProgressBar::clear();
   std::fflush(stdout);
   if (!result) {

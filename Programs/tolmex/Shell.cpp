@@ -132,14 +132,10 @@ class TerminalInput final : public host::editor::LineInput {
     if (greeting_.isDue(question)) return L"LIST";
     ShellInterruption::forget();
     const bool isCommand = question.prompt == kCommandPrompt;
-    const bool isDialog = question.form == AnswerForm::Line;
-    if (isDialog) screen_.startLine();
-    const std::string prompt =
-        isDialog ? host::text::toUtf8(host::text::printable(question.prompt)) + ": " : screen_.takePrompt();
-    const Terminal::Typed typed = terminal_.read(prompt, isCommand);
+    const Terminal::Typed typed = terminal_.read(screen_.takePrompt(), isCommand);
     switch (typed.key) {
       case Terminal::Key::Line:
-        if (!isDialog) screen_.lineWasTyped();
+        screen_.lineWasTyped();
         return host::text::fromUtf8(typed.text);
       case Terminal::Key::Cancel:
         screen_.lineWasLeft();
@@ -170,6 +166,8 @@ class PipeInput final : public host::editor::LineInput {
   /// `problem` is told of lines that are not UTF-8.
   explicit PipeInput(std::function<void(std::string_view)> problem) : problem_(std::move(problem)) {}
   ~PipeInput() override { std::free(buffer_); }
+  /// Whether a line could not be taken as text.
+  bool hasRefused() const { return hasRefused_; }
   bool isInteractive() const override { return true; }
   std::string place() const override { return "standard input:" + std::to_string(lines_); }
 
@@ -184,6 +182,7 @@ class PipeInput final : public host::editor::LineInput {
     if (line.ends_with('\n')) line.remove_suffix(1);
     const host::editor::ScriptText text = host::editor::scriptText(std::string(line));
     if (!text.refusal.empty()) {
+      hasRefused_ = true;
       problem_(place() + ": " + text.refusal);
       return kEscape;
     }
@@ -198,6 +197,7 @@ class PipeInput final : public host::editor::LineInput {
   int lines_ = 0;
   bool isRemarked_ = false;  // on the encoding
   std::function<void(std::string_view)> problem_;
+  bool hasRefused_ = false;
   DialogGreeting greeting_;
 };
 
@@ -232,7 +232,6 @@ int runShell(const RunOptions& options) {
   const bool atTerminal = Terminal::isThere();
   Screen screen;
   ProgressBar bar;
-  bool hasFailed = false;
   host::editor::ApplicationOptions settings;
   settings.problemsOnScreen = atTerminal;
   if (atTerminal) {
@@ -241,13 +240,19 @@ int runShell(const RunOptions& options) {
     settings.transcript = printTranscript;
   }
   settings.problem = [&](std::string_view sentence) {
-    hasFailed = true;
     if (atTerminal) screen.startLine();
     complain(RunStatus::Done, std::string(sentence));
   };
   settings.meter = [&](std::wstring_view label, double fraction) { showMeter(bar, label, fraction); };
   PlanSession session(options, settings);
   if (const RunStatus opened = session.open(drawing); opened != RunStatus::Done) return static_cast<int>(opened);
+  if (atTerminal) {
+    const std::string name = drawing.empty() ? "a new drawing" : drawing.filename().string();
+    screen.print(
+        host::text::fromUtf8("tolmex " TOLMEX_VERSION ", " + name +
+                             "\nHELP lists the commands, Tab completes their names, U takes the last one back, "
+                             "QUIT leaves.\n"));
+  }
 
   RunStatus status = RunStatus::Done;
   if (atTerminal) {
@@ -256,7 +261,8 @@ int runShell(const RunOptions& options) {
     const Interruption interruption(RunStatus::ScriptFailed);
     PipeInput input(settings.problem);
     session.application().run(input);
-    if (hasFailed || Interruption::isAsked()) status = RunStatus::ScriptFailed;
+    if (session.application().hasFailed() || input.hasRefused() || Interruption::isAsked())
+      status = RunStatus::ScriptFailed;
   }
   std::fflush(stdout);
   Application& application = session.application();

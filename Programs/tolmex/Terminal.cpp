@@ -54,6 +54,17 @@ std::string_view commonBeginning(const std::vector<std::string>& names) {
   return common.substr(0, size);
 }
 
+/// Names that begin with what was typed; when none does, those that have it anywhere.
+std::vector<std::string> completions(const std::string& typed, const std::vector<std::string>& names) {
+  std::vector<std::string> beginning, having;
+  for (const std::string& name : names) {
+    const std::size_t at = name.find(typed);
+    if (at == 0) beginning.push_back(name);
+    if (at != std::string::npos) having.push_back(name);
+  }
+  return beginning.empty() ? having : beginning;
+}
+
 void printColumns(const std::vector<std::string>& names) {
   std::size_t width = 0;
   for (const std::string& name : names) width = std::max(width, name.size() + 2);
@@ -123,13 +134,11 @@ struct Terminal::Editor {
     if (!self.completes || typed.find(' ') != std::string::npos) return CC_ERROR;
     const std::size_t begin = std::min(typed.find_first_not_of("'_-."), typed.size());
     const std::string wanted = capitals(typed.substr(begin));
-    std::vector<std::string> found;
-    for (std::string& name : self.names()) {
-      if (name.starts_with(wanted)) found.push_back(std::move(name));
-    }
+    const std::vector<std::string> found = completions(wanted, self.names());
     if (found.empty()) return CC_ERROR;
     const std::string common(commonBeginning(found));
-    if (common.size() > wanted.size() || typed.substr(begin) != common) {
+    // Of names that share no more than their beginning, what was typed may stand farther behind: it stays then.
+    if (common.find(wanted) != std::string::npos && (common.size() > wanted.size() || typed.substr(begin) != common)) {
       el_deletestr(line, static_cast<int>(host::text::fromUtf8(typed.substr(begin)).size()));
       el_insertstr(line, common.c_str());
       if (common.size() > wanted.size()) return CC_REFRESH;

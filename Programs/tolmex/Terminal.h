@@ -35,7 +35,8 @@ class Terminal {
     Key key = Key::Gone;
     std::string text;  // UTF-8, without line end
   };
-  /// One line behind `prompt` (UTF-8), which is shown by this call. `completes`: Tab completes names.
+  /// One line behind `prompt` (UTF-8), which is shown by this call. `completes`: Tab completes names, from their
+  /// beginning or, where none begins so, from any part.
   Typed read(const std::string& prompt, bool completes);
 
  private:

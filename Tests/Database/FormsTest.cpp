@@ -251,7 +251,8 @@ TEST(OddDrawings, LineEndsOfEveryKindAreTakenForOne) {
     EXPECT_THAT(drawing.said().at(0), HasSubstr(name.empty() ? "was missing" : "every line ends in " + name));
     EXPECT_EQ(drawing.types().size(), 5U) << name;
     EXPECT_THAT(std::string(withLineEnds(drawing.saved(), "")), HasSubstr("text with blanks")) << name;
-    EXPECT_THAT(drawing.saved(), HasSubstr("1001" + std::string(end.find("\r\n") != std::string::npos ? "\r" : "") + "\nVIERAS"));
+    EXPECT_THAT(drawing.saved(),
+                HasSubstr("1001" + std::string(end.find("\r\n") != std::string::npos ? "\r" : "") + "\nVIERAS"));
     EXPECT_THAT(ReadDrawing(drawing.saved()).said(), ElementsAre());
     EXPECT_EQ(drawing.drawing().findHandle(0x54)->owner, drawing.drawing().findHandle(0x53));
   }
@@ -291,8 +292,8 @@ TEST(DamagedDrawings, RecordsAmongOthersGoToTheirOwn) {
     return record;
   };
   std::string among;
-  for (const char* const head : {"XRECORD\n", "DICTIONARY\n  5\n60", "LAYER\n  5\n11", "LTYPE\n", "BLOCK_RECORD\n  5\n1B",
-                                 "GROUP\n", "SORTENTSTABLE\n", "CLASS\n"}) {
+  for (const char* const head : {"XRECORD\n", "DICTIONARY\n  5\n60", "LAYER\n  5\n11", "LTYPE\n",
+                                 "BLOCK_RECORD\n  5\n1B", "GROUP\n", "SORTENTSTABLE\n", "CLASS\n"}) {
     among += cut(head);
   }
   const std::string line = cut("LINE\n");
@@ -365,7 +366,8 @@ TEST(DamagedDrawings, WhatGoesIsCountedAndWhatCanStayStays) {
            "2\n330\n1F\n100\nAcDbEntity\n  8\n0\n";
   };
   replaceOnce(text, "  0\nLINE\n", insert("8", "NONE", " 66\n1\n") + insert("9", "*Paper_Space", "") + "  0\nLINE\n");
-  replaceOnce(text, "  0\nVERTEX\n  5\n56\n", "  0\nSEQEND\n  5\n99\n330\n53\n100\nAcDbEntity\n  8\n0\n  0\nVERTEX\n  5\n56\n");
+  replaceOnce(text, "  0\nVERTEX\n  5\n56\n",
+              "  0\nSEQEND\n  5\n99\n330\n53\n100\nAcDbEntity\n  8\n0\n  0\nVERTEX\n  5\n56\n");
   replaceOnce(text, "  9\n$CLAYER\n", "  9\n$INSBASE\n 10\n1.0\n999\nwhy\n 20\n2.0\n 30\n3.0\n  9\n$CLAYER\n");
   replaceOnce(text, "  9\n$MEASUREMENT\n", "  9\n$CLAYER\n  8\nvanha\n  9\n$MEASUREMENT\n");
   ReadDrawing drawing(text);

@@ -212,9 +212,8 @@ TEST(HandSeed, NeverFallsAndLeavesRoom) {
 TEST(OddHandles, AreReplacedWithAllThatNamesThem) {
   for (const std::string odd : {"zz", "3f2504e0-4f89-11d3-9a0c", "11112222333344445"}) {
     for (const std::string handle : {"51", "61", "60", "70", "1F", "53", "10", "C"}) {
-      const std::string text = withHandles(withoutComments(probeDrawing("\n")), [&](const std::string& own) {
-        return own == handle ? odd : own;
-      });
+      const std::string text = withHandles(withoutComments(probeDrawing("\n")),
+                                           [&](const std::string& own) { return own == handle ? odd : own; });
       ReadDrawing drawing(text);
       ReadDrawing sound(probeDrawing("\n"));
       EXPECT_THAT(drawing.said(), Contains(HasSubstr("\"" + odd + "\" is no handle"))) << handle;
@@ -237,9 +236,12 @@ TEST(OddHandles, AreReplacedWithAllThatNamesThem) {
       EXPECT_THAT(std::string(db.findHandle(now(0x61))->fileBytes()),
                   HasSubstr("331\n50\n  5\n" + formatHandle(now(0x51)) + "\n331\n" + formatHandle(now(0x51)) + "\n"));
       ASSERT_NE(db.findHandle(now(0x70)), nullptr);
-      EXPECT_THAT(std::string(db.findHandle(now(0x70))->fileBytes()), HasSubstr("340\n" + formatHandle(now(0x51)) + "\n"));
-      EXPECT_THAT(std::string(db.findHandle(now(0x51))->fileBytes()), HasSubstr("330\n" + formatHandle(now(0x70)) + "\n"));
-      EXPECT_THAT(std::string(db.findHandle(now(0x51))->fileBytes()), HasSubstr("1005\n" + formatHandle(now(0x50)) + "\n"));
+      EXPECT_THAT(std::string(db.findHandle(now(0x70))->fileBytes()),
+                  HasSubstr("340\n" + formatHandle(now(0x51)) + "\n"));
+      EXPECT_THAT(std::string(db.findHandle(now(0x51))->fileBytes()),
+                  HasSubstr("330\n" + formatHandle(now(0x70)) + "\n"));
+      EXPECT_THAT(std::string(db.findHandle(now(0x51))->fileBytes()),
+                  HasSubstr("1005\n" + formatHandle(now(0x50)) + "\n"));
       EXPECT_EQ(db.findHandle(now(0x54))->owner, db.findHandle(now(0x53)));
       EXPECT_EQ(db.findHandle(now(0x71))->owner, db.findHandle(now(0xC)));
       EXPECT_EQ(db.rootDictionary(), db.findHandle(now(0xC)));
@@ -251,7 +253,8 @@ TEST(OddHandles, AreReplacedWithAllThatNamesThem) {
 TEST(OddHandles, TwoOfOneObjectAreOneAndAWrongPlaceIsPutRight) {
   std::string text = probeDrawing("\n");
   replace(text, "LINE\n  5\n58\n", "LINE\n  5\n200\n  5\n58\n");
-  replace(text, "  0\nSTRANGE\n  5\n52\n330\n1F\n100\nAcDbEntity\n", "  0\nSTRANGE\n330\n1F\n100\nAcDbEntity\n  5\n52\n");
+  replace(text, "  0\nSTRANGE\n  5\n52\n330\n1F\n100\nAcDbEntity\n",
+          "  0\nSTRANGE\n330\n1F\n100\nAcDbEntity\n  5\n52\n");
   replace(text, "DICTIONARY\n  5\nD\n", "DICTIONARY\n  5\n0\n");
   ReadDrawing drawing(text);
   EXPECT_THAT(drawing.said(), Contains(HasSubstr("two handles")));
@@ -264,11 +267,13 @@ TEST(OddHandles, TwoOfOneObjectAreOneAndAWrongPlaceIsPutRight) {
 
 TEST(MissingHandles, AreWrittenOnceSomethingElseIs) {
   std::string text = withoutComments(probeDrawing("\n"));
-  for (const char* const handle : {"50", "57", "58", "60", "9"}) replace(text, std::string("  5\n") + handle + "\n", "");
+  for (const char* const handle : {"50", "57", "58", "60", "9"})
+    replace(text, std::string("  5\n") + handle + "\n", "");
   replace(text, "GROUP\n  5\n70\n", "GROUP\n");
-  replace(text, "  0\nTABLE\n  2\nAPPID\n",
-          "  0\nTABLE\n  2\nDIMSTYLE\n  5\nA\n330\n0\n100\nAcDbSymbolTable\n 70\n1\n  0\nDIMSTYLE\n330\nA\n100\n"
-          "AcDbSymbolTableRecord\n100\nAcDbDimStyleTableRecord\n  2\nOMA\n 70\n0\n  0\nENDTAB\n  0\nTABLE\n  2\nAPPID\n");
+  replace(
+      text, "  0\nTABLE\n  2\nAPPID\n",
+      "  0\nTABLE\n  2\nDIMSTYLE\n  5\nA\n330\n0\n100\nAcDbSymbolTable\n 70\n1\n  0\nDIMSTYLE\n330\nA\n100\n"
+      "AcDbSymbolTableRecord\n100\nAcDbDimStyleTableRecord\n  2\nOMA\n 70\n0\n  0\nENDTAB\n  0\nTABLE\n  2\nAPPID\n");
   ReadDrawing drawing(text);
   EXPECT_THAT(drawing.said(), ElementsAre());
   EXPECT_EQ(drawing.saved(), text);
@@ -285,9 +290,8 @@ TEST(MissingHandles, AreWrittenOnceSomethingElseIs) {
   EXPECT_THAT(saved, Not(HasSubstr("340\n51\n")));
   ReadDrawing again(saved);
   EXPECT_THAT(again.said(), ElementsAre());
-  again.drawing().forEachSlot([&](const Slot& slot) {
-    EXPECT_EQ(slot.flags & kNeedsHandle, 0) << again.drawing().typeName(slot);
-  });
+  again.drawing().forEachSlot(
+      [&](const Slot& slot) { EXPECT_EQ(slot.flags & kNeedsHandle, 0) << again.drawing().typeName(slot); });
   EXPECT_EQ(again.entity(0).handle, db.modelSpace().entities[0]->handle);
 }
 

@@ -41,13 +41,15 @@ class ReadDrawing {
   std::string saved() { return host::dxf::drawingText(drawing()); }
   std::vector<std::string> said() {
     std::vector<std::string> all;
-    for (const host::database::Problem& problem : drawing().problems()) all.push_back(host::dxf::problemSentence("plan.dxf", problem));
+    for (const host::database::Problem& problem : drawing().problems())
+      all.push_back(host::dxf::problemSentence("plan.dxf", problem));
     return all;
   }
   /// Types of the entities in model space.
   std::vector<std::string> types() {
     std::vector<std::string> all;
-    for (const host::database::Slot* const slot : drawing().modelSpace().entities) all.emplace_back(drawing().typeName(*slot));
+    for (const host::database::Slot* const slot : drawing().modelSpace().entities)
+      all.emplace_back(drawing().typeName(*slot));
     return all;
   }
   const host::database::Slot& entity(std::size_t index) { return *drawing().modelSpace().entities.at(index); }

@@ -19,21 +19,23 @@ std::string drawingWithBlock() {
   const auto insert = [&](const std::string& before, const std::string& what) { text.insert(text.find(before), what); };
   const std::string front = "100\nAcDbEntity\n  8\n0\n";
   text.replace(text.find("BLOCK_RECORD\n  5\n1B"), 0, "");
-  insert("  0\nBLOCK_RECORD\n  5\n1B\n",
-         "  0\nBLOCK_RECORD\n  5\n30\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n  2\nTALO\n340\n0\n");
+  insert(
+      "  0\nBLOCK_RECORD\n  5\n1B\n",
+      "  0\nBLOCK_RECORD\n  5\n30\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n  2\nTALO\n340\n0\n");
   insert("  0\nBLOCK\n  5\n1C\n",
          "  0\nBLOCK\n  5\n31\n330\n30\n" + front +
              "100\nAcDbBlockBegin\n  2\nTALO\n 70\n0\n 10\n0\n 20\n0\n 30\n0\n  3\nTALO\n  1\n\n"
              "  0\nLINE\n  5\n32\n330\n30\n" +
              front + "100\nAcDbLine\n 10\n0\n 20\n0\n 11\n1\n 21\n1\n  0\nSTRANGE\n  5\n33\n330\n30\n" + front +
              "100\nAcDbStrange\n  1\nx\n  0\nENDBLK\n  5\n34\n330\n30\n" + front + "100\nAcDbBlockEnd\n");
-  insert("  0\nLINE\n  5\n58\n", "  0\nINSERT\n  5\n40\n330\n1F\n" + front +
-                                     "100\nAcDbBlockReference\n 66\n1\n  2\nTALO\n 10\n5\n 20\n5\n"
-                                     "  0\nATTRIB\n  5\n41\n330\n40\n" +
-                                     front +
-                                     "100\nAcDbText\n 10\n0\n 20\n0\n 40\n1\n  1\nkoivu\n100\nAcDbAttribute\n  2\nLAJI\n"
-                                     " 70\n0\n  0\nSEQEND\n  5\n42\n330\n40\n" +
-                                     front);
+  insert("  0\nLINE\n  5\n58\n",
+         "  0\nINSERT\n  5\n40\n330\n1F\n" + front +
+             "100\nAcDbBlockReference\n 66\n1\n  2\nTALO\n 10\n5\n 20\n5\n"
+             "  0\nATTRIB\n  5\n41\n330\n40\n" +
+             front +
+             "100\nAcDbText\n 10\n0\n 20\n0\n 40\n1\n  1\nkoivu\n100\nAcDbAttribute\n  2\nLAJI\n"
+             " 70\n0\n  0\nSEQEND\n  5\n42\n330\n40\n" +
+             front);
   return text;
 }
 

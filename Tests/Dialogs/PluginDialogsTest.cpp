@@ -73,6 +73,7 @@ TEST_F(PluginDialogs, ColorsOfTheSchemeAreShownAndGoToTheAreaLayers) {
 }
 
 TEST_F(PluginDialogs, CancelledColorsStay) {
+  run("TLM_VARJO_PAIVITA\n");  // makes the layers, which a first command that is cancelled does not leave
   run("TLM_MUOK_VARIT\n30223 1\n30232 1\n^C\n");
   EXPECT_EQ(layerColor(L"tma_asf"), 254);
   run("TLM_MUOK_VARIT\nLIST\nCancel\n");
@@ -196,6 +197,7 @@ TEST_F(PluginDialogs, SeveralBuildingsHaveNoRidgeLine) {
 // ---- shadows --------------------------------------------------------------------------------------------------------
 
 TEST_F(PluginDialogs, ShadowSettingsAreTakenByOkOnly) {
+  run("TLM_VARJO_PAIVITA\n");
   const std::string open = "TLM_VARJO_OMINAISUUDET\n";
   run(open + "LIST\n30216 90\n30222 5\n30203 Piste\nCancel\n" + open + "LIST\nCancel\n");
   for (const char* const line : {"30216 edit \"45\"\n", "30217 edit \"3\"\n", "30218 edit \"0.15\"\n",

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "OwnFolder.h"
 #include "Places.h"
 #include "Support.h"
 #include "acedads.h"
@@ -17,11 +18,6 @@ namespace fs = std::filesystem;
 
 class Documents : public test::Host {
  protected:
-  Documents() : folder(fs::path(testing::TempDir()) / "editor_documents") {
-    fs::remove_all(folder);
-    fs::create_directories(folder);
-  }
-  ~Documents() override { fs::remove_all(folder); }
   /// Lines of somebody who can be asked again.
   void type(std::vector<std::string> lines) {
     class Typed final : public host::editor::LineInput {
@@ -42,7 +38,8 @@ class Documents : public test::Host {
     transcript.clear();
     app.run(input);
   }
-  fs::path folder;
+  tests::OwnFolder own;
+  const fs::path& folder = own.path;
 };
 
 class Recorder : public AcApDocManagerReactor {
@@ -146,8 +143,9 @@ TEST_F(Documents, WhatOthersWroteIsNotReplacedUnasked) {
     const std::string theirs = text(plan);
     const host::editor::Result result = run("LINE 0,0 5,0\n\nQSAVE\n");
     EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
-    EXPECT_NE(result.message.find("plan.dxf: somebody else has changed the file since it was opened; it was not replaced"),
-              std::string::npos)
+    EXPECT_NE(
+        result.message.find("plan.dxf: somebody else has changed the file since it was opened; it was not replaced"),
+        std::string::npos)
         << result.message;
     EXPECT_EQ(app.saveDrawing(plan).status, host::editor::RunStatus::OutputFailed);
     EXPECT_TRUE(text(plan) == theirs);
@@ -332,7 +330,7 @@ class ModuleFiles : public test::Host {
 
 TEST_F(ModuleFiles, LoadTellUnloadAndLoadAgain) {
   for (int round = 0; round < 2; ++round) {
-    expectDone("ARX L " + module("testmodule") + "\nTESTREPORT\n_raportti\nARX ?\n");
+    expectDone("ARX L " + module("testmodule") + "\nTESTREPORT\n_raportti\nARX List\n");
     EXPECT_TRUE(said(L"seen 1 created 0")) << host::text::toUtf8(transcript);
     EXPECT_TRUE(said(L"testmodule.arx"));
     ASSERT_TRUE(app.newDrawing());

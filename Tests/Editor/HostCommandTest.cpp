@@ -148,7 +148,7 @@ TEST_F(Commands, EraseLeavesLockedLayers) {
   expectDone(
       "LINE 0,0 1,1\n\nLAYER N shut S shut\n\nLINE 0,5 1,6\n\nLAYER LO shut\n\n"
       "ERASE W -1,-1 9,9\n\n");
-  EXPECT_TRUE(said(L"1 was on a locked layer."));
+  EXPECT_TRUE(said(L"1 skipped: on a locked layer (LINE "));
   ASSERT_EQ(entities().size(), 1U);
   EXPECT_EQ(layerOf(*entities()[0]), L"shut");
 }
@@ -225,16 +225,35 @@ TEST_F(Commands, EveryVariableCanBeShown) {
 }
 
 TEST_F(Commands, ProgramsAddTheirOwn) {
-  app.addCommand(L"STAMP", ACRX_CMD_TRANSPARENT, [](host::editor::Prompter& prompter) {
+  const auto stamp = [](host::editor::Prompter& prompter) {
     const auto name = prompter.text(L"Enter stamp: ");
     if (name && name.value == L"bad") prompter.fail(host::editor::RunStatus::OutputFailed, L"the stamp is worn");
     if (name) prompter.line(L"Stamped " + name.value);
-  });
+  };
+  app.addCommand(L"STAMP", ACRX_CMD_TRANSPARENT, stamp, L"stamps the drawing");
   expectDone("STAMP in two words\n");
   EXPECT_TRUE(said(L"Stamped in two words"));
   const host::editor::Result result = run("STAMP bad\n");
   EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
   EXPECT_EQ(result.message, "plan.scr:1: the stamp is worn");
+}
+
+TEST_F(Commands, HelpTellsOfAllCommands) {
+  const auto stamp = [](host::editor::Prompter&) {};
+  app.addCommand(L"STAMP", 0, stamp, L"stamps the drawing");
+  command(L"MODULES_OWN", [] {});
+  expectDone("HELP\n");
+  for (const wchar_t* part : {L"\n  STAMP     stamps the drawing\n", L"\n  ERASE     erases objects\n",
+                              L"\nCommands of TEST:\n  MODULES_OWN\n", L"LIST prints its controls"})
+    EXPECT_TRUE(said(part)) << host::text::toUtf8(part) << host::text::toUtf8(transcript);
+  const std::wstring help = transcript;
+  // In the midst of a command, and without a drawing.
+  expectDone("LINE 0,0 '? 1,1\n\n");
+  EXPECT_TRUE(said(L"stamps the drawing"));
+  EXPECT_EQ(entities().size(), 1U);
+  app.closeDrawing();
+  expectDone("?\n");
+  EXPECT_EQ(transcript.substr(transcript.find(L'\n')), help.substr(help.find(L'\n')));
 }
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include "Support.h"
 #include "acedCmdNF.h"
 #include "acedads.h"
+#include "dbents.h"
+#include "dbsymtb.h"
 
 namespace {
 
@@ -152,10 +154,85 @@ TEST_F(Runs, ScriptsCallScripts) {
   std::ofstream(folder / "endless.scr") << "SCRIPT " << (folder / "endless.scr").string() << "\n";
   expectDone("SCRIPT " + (folder / "inner").string() + "\nDELAY 500\nRESUME\nLINE 0,0 2,0\n\n");
   EXPECT_EQ(entities().size(), 2U);
-  expectFailure("LINE 0,0 1,1\n\nRSCRIPT\n", "plan.scr:3: RSCRIPT: RSCRIPT is not supported");
+  expectDone("RSCRIPT\nRSCRIPT\n");  // the last one that SCRIPT ran
+  EXPECT_EQ(entities().size(), 4U);
+  std::ofstream(folder / "again.scr") << "LINE 0,0 3,0\n\nRSCRIPT\n";
+  expectFailure("SCRIPT " + (folder / "again.scr").string() + "\n",
+                "again.scr:3: RSCRIPT: It would repeat this script without end");
   expectFailure("SCRIPT " + (folder / "endless.scr").string() + "\n", "too deeply");
   expectFailure("SCRIPT " + (folder / "none.scr").string() + "\n", "cannot be read");
   std::filesystem::remove_all(folder);
+}
+
+TEST_F(Runs, AWholeScriptIsOneUndoStep) {
+  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "tolmex-undo-test";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / "inner.scr") << "LINE 0,0 1,0\n\nLINE 0,0 2,0\n\n";
+  std::ofstream(folder / "outer.scr") << "LINE 0,0 3,0\n\nSCRIPT " << (folder / "inner.scr").string()
+                                      << "\nLINE 0,0 4,0\n\n";
+  std::ofstream(folder / "steps.scr") << "LINE 0,0 3,0\n\nLINE 0,0 4,0\n\nU\n";
+  const std::string outer = "SCRIPT " + (folder / "outer.scr").string() + "\n";
+  expectDone("LINE 0,0 9,9\n\n" + outer + "LINE 0,0 8,8\n\n");
+  EXPECT_EQ(entities().size(), 6U);
+  expectDone("U\n");
+  EXPECT_EQ(entities().size(), 5U);
+  expectDone("U\n");
+  EXPECT_TRUE(said(L"SCRIPT outer.scr")) << host::text::toUtf8(transcript);
+  EXPECT_EQ(entities().size(), 1U) << "the line before the script stays";
+  expectDone("REDO\n");
+  EXPECT_EQ(entities().size(), 5U);
+  expectDone(outer + "U\nU\n");
+  EXPECT_EQ(entities().size(), 1U) << "two scripts are two steps";
+  // Within a script U takes its own commands back one by one.
+  expectDone("SCRIPT " + (folder / "steps.scr").string() + "\n");
+  EXPECT_EQ(entities().size(), 2U);
+  expectDone("U\n");
+  EXPECT_EQ(entities().size(), 1U);
+  std::filesystem::remove_all(folder);
+}
+
+TEST_F(Runs, ACommandLeftAtOnceLeavesTheDrawingAsItWas) {
+  // As plug-ins do, it prepares the drawing before it asks anything.
+  command(L"PREPARES", [] {
+    for (const wchar_t* name : {L"mine", L"yours"}) {
+      AcDbLayerTable* table = nullptr;
+      if (acdbCurDwg()->getLayerTable(table, AcDb::kForWrite) != Acad::eOk) return;
+      if (!table->has(name)) {
+        auto* record = new AcDbLayerTableRecord;
+        record->setName(name);
+        table->add(record);
+        record->close();
+      }
+      table->close();
+    }
+    ads_point first{}, second{};
+    if (acedGetPoint(nullptr, L"\nFrom: ", first) != RTNORM) return;
+    auto* line = new AcDbLine(AcGePoint3d(first[0], first[1], 0), AcGePoint3d(9, 9, 0));
+    AcDbBlockTableRecord* space = nullptr;
+    AcDbBlockTable* blocks = nullptr;
+    if (acdbCurDwg()->getBlockTable(blocks, AcDb::kForRead) != Acad::eOk) return;
+    blocks->getAt(ACDB_MODEL_SPACE, space, AcDb::kForWrite);
+    blocks->close();
+    AcDbObjectId id;
+    space->appendAcDbEntity(id, line);
+    line->close();
+    space->close();
+    acedGetPoint(nullptr, L"\nTo: ", second);
+  });
+  const auto hasLayer = [this] { return app.drawing()->findRecord(test::DxfType::Layer, L"mine") != nullptr; };
+  const std::string before = host::dxf::drawingText(*app.drawing());
+  expectDone("PREPARES ^C\n");
+  EXPECT_FALSE(hasLayer());
+  EXPECT_FALSE(app.drawing()->isModified());
+  EXPECT_EQ(host::dxf::drawingText(*app.drawing()), before);
+  expectDone("U\n");
+  EXPECT_TRUE(said(L"Everything has been undone")) << "there is no step to take back";
+  // What a command did before it was left stays, and so do the layers that it needs.
+  expectDone("PREPARES 1,1 ^C\n");
+  EXPECT_EQ(entities().size(), 1U);
+  EXPECT_TRUE(hasLayer());
+  expectDone("U\n");
+  EXPECT_FALSE(hasLayer());
 }
 
 TEST_F(Runs, ExceptionsOfACommandAreItsFailure) {
@@ -222,6 +299,10 @@ TEST_F(Runs, DialogsTakeWholeLines) {
   });
   expectDone("OPENSDIALOG\n30206 2.8\n; not this\n30211 \"a b\"\n\nOK\nLINE 0,0 1,1\n\n");
   EXPECT_EQ(lines, (std::vector<std::wstring>{L"30206 2.8", L"30211 \"a b\"", L"", L"OK"}));
+  EXPECT_TRUE(
+      said(L"Command: OPENSDIALOG\ndialog \"Roof\": 30206 2.8\ndialog \"Roof\": 30211 \"a b\"\n"
+           L"dialog \"Roof\": \ndialog \"Roof\": OK\nCommand: LINE\n"))
+      << host::text::toUtf8(transcript);
   expectFailure("OPENSDIALOG\n30206 1\n", "plan.scr:2: dialog \"Roof\" was left without an answer");
   expectFailure("OPENSDIALOG\n99 1\nOK\n", "plan.scr:2: OPENSDIALOG: There is no control 99.");
   EXPECT_FALSE(again);

@@ -94,7 +94,7 @@ TEST(Fidelity, ViewportsAreCutOutExactly) {
               "67 1|8 0|62 1")
       .entity("HATCH", solidBox(-90, -90, 90, 90), "8 0|62 5");
   drawing.objects("0 DICTIONARY|5 1A|330 C|100 AcDbDictionary|281 1|3 Model|350 22|3 Sheet|350 59")
-      .objects("0 LAYOUT|5 59|330 1A|100 AcDbPlotSettings|1 |72 1|100 AcDbLayout|1 Sheet|70 1|71 1|330 40");
+      .objects("0 LAYOUT|5 59|330 1A|100 AcDbPlotSettings|1 |72 1|100 AcDbLayout|1 Sheet|70 1|71 1|330 40000");
   SmallDatabase db(drawing);
   PictureOptions options = twentyByTwenty();
   options.layout = "Sheet";

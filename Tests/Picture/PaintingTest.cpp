@@ -244,7 +244,7 @@ TEST(Painting, ViewportsShowTheModel) {
                  "10 10|20 10|40 10|41 8|68 2|69 2|12 1005|22 1005|16 0|26 0|36 1|17 0|27 0|45 80|51 0|331 101",
                  "67 1|8 0");
   drawing.objects("0 DICTIONARY|5 1A|330 C|100 AcDbDictionary|281 1|3 Model|350 22|3 Sheet|350 59")
-      .objects("0 LAYOUT|5 59|330 1A|100 AcDbPlotSettings|1 |100 AcDbLayout|1 Sheet|70 1|71 1|330 40");
+      .objects("0 LAYOUT|5 59|330 1A|100 AcDbPlotSettings|1 |100 AcDbLayout|1 Sheet|70 1|71 1|330 40000");
   PictureOptions options = twentyByTwenty();
   options.layout = "Sheet";
   SmallDatabase db(drawing);

@@ -29,7 +29,8 @@ class Inputs : public Program {
     std::string text = read("plan.dxf");
     const std::string from = "\n" + std::string(name) + "\n", to = "\n" + std::string(other) + "\n";
     std::size_t count = 0;
-    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; ++count) text.replace(at, from.size(), to);
+    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; ++count)
+      text.replace(at, from.size(), to);
     ASSERT_GT(count, 1U);
     write("plan.dxf", text);
   }
@@ -48,14 +49,19 @@ TEST_F(Inputs, PipesAreReadAsFilesAre) {
   EXPECT_TRUE(read("a.svg") == read("b.svg"));
   std::string expected = call({"info", "plan.dxf"}).out;
   EXPECT_EQ(piped({"info", "pipe.dxf"}), (Outcome{0, expected.replace(0, 4, "pipe"), ""}));
-  EXPECT_EQ(whilePiped("pipe.dxf", "Dear reader", [&] { return call({"info", "pipe.dxf"}); }),
+  EXPECT_EQ(whilePiped("pipe.dxf", "Dear reader",
+                       [&] {
+                         return call({"info", "pipe.dxf"});
+                       }),
             (Outcome{2, "", "tolmex: pipe.dxf:1: expected a section, found group \"Dear reader\"\n"}));
   // Inside a script only files are opened.
   EXPECT_EQ(runLines({"OPEN", "pipe.dxf"}, {"--quiet"}),
             (Outcome{2, "", "tolmex: --command:2: pipe.dxf: this is no ordinary file\n"}));
   makePipe("pipe.scr");
   EXPECT_EQ(whilePiped("pipe.scr", "REGEN\nNOSUCH\n",
-                       [&] { return call({"run", "plan.dxf", "--script", "pipe.scr", "--quiet"}); }),
+                       [&] {
+                         return call({"run", "plan.dxf", "--script", "pipe.scr", "--quiet"});
+                       }),
             (Outcome{3, "", "tolmex: pipe.scr:2: unknown command \"NOSUCH\"\n"}));
 }
 
@@ -97,7 +103,9 @@ TEST_F(Inputs, ScriptsOfOtherEncodingsNeverWriteGuessedNames) {
             (Outcome{0, "", "tolmex: a.scr:2: this is not UTF-8; it is read as Windows-1252\n"}));
   EXPECT_THAT(read("a.dxf"), HasSubstr("\nK\xC3\xA4yt\xC3\xA4v\xC3\xA4\xE2\x80\x93\n"));
   std::string utf16 = "\xFF\xFE";
-  for (const char c : std::string("LAYER N K\xE4" "yt\xE4v\xE4\r\n\r\n")) utf16.append({c, '\0'});
+  for (const char c : std::string("LAYER N K\xE4"
+                                  "yt\xE4v\xE4\r\n\r\n"))
+    utf16.append({c, '\0'});
   EXPECT_EQ(layers(utf16), (Outcome{0, "", ""}));
   EXPECT_THAT(read("a.dxf"), HasSubstr("\nK\xC3\xA4yt\xC3\xA4v\xC3\xA4\n"));
   const std::vector<std::pair<std::string, std::string>> refused = {
@@ -116,12 +124,13 @@ TEST_F(Inputs, ScriptsOfOtherEncodingsNeverWriteGuessedNames) {
   }
   EXPECT_EQ(runLines({"LAYER", "N \xE4"}).status, 1);
   EXPECT_EQ(call({"run", "plan.dxf", "--command", "REGEN", "--set", "CLAYER=\xE4"}).status, 1);
-  write("lines", "LAYER\nN\nK\xE4yt\xE4v\xE4\n\nLAYER\nN\n\xC3\xA4\xE4\n\nSAVEAS\na.dxf\n");
+  write("lines", "LAYER\nN\nK\xE4yt\xE4v\xE4\n\nLAYER\nN\n\xC3\xA4\xE4\nSAVEAS\na.dxf\n");
   const Outcome shell = call({"shell", "plan.dxf", "--quiet"}, {.standardIn = "lines"});
   EXPECT_EQ(shell.status, 3);
-  EXPECT_EQ(shell.err, "tolmex: standard input:3: this is not UTF-8; it is read as Windows-1252\n"
-                       "tolmex: standard input:7: this is not UTF-8, though other places of the text are; save the "
-                       "script as UTF-8\n");
+  EXPECT_EQ(shell.err,
+            "tolmex: standard input:3: this is not UTF-8; it is read as Windows-1252\n"
+            "tolmex: standard input:7: this is not UTF-8, though other places of the text are; save the "
+            "script as UTF-8\n");
   EXPECT_THAT(read("a.dxf"), HasSubstr("\nK\xC3\xA4yt\xC3\xA4v\xC3\xA4\n"));
   EXPECT_THAT(read("a.dxf"), Not(HasSubstr("\xEF\xBF\xBD")));
 }
@@ -132,9 +141,9 @@ TEST_F(Inputs, NamesAreShownAndNeverObeyed) {
   const std::string name = "a\x1b[2Jb\xC2\x9Bm.dxf";
   fs::rename(plan, folder / name);
   const auto everything = [](const Outcome& outcome) { return outcome.out + outcome.err; };
-  std::string said = everything(call({"run", name, "--command", "LIST", "--command", "ALL", "--command", "",
-                                      "--command", "LAYER", "--command", "?", "--command", "", "--command", "OPEN",
-                                      "--command", "x\x1b[31m.dxf"}));
+  std::string said =
+      everything(call({"run", name, "--command", "LIST", "--command", "ALL", "--command", "", "--command", "LAYER",
+                       "--command", "?", "--command", "", "--command", "OPEN", "--command", "x\x1b[31m.dxf"}));
   EXPECT_THAT(said, HasSubstr("K^[]0;mine^G\\U+009B2J"));
   EXPECT_THAT(said, HasSubstr("x^[[31m.dxf: cannot be opened"));
   const std::vector<Arguments> calls = {
@@ -159,8 +168,9 @@ TEST_F(Inputs, NamesAreShownAndNeverObeyed) {
 TEST_F(Inputs, SettingsThatCannotBeReadAreNamed) {
   // A link to itself, a device, a pipe and a file that is too long: the drawing's own colours are used all the same.
   const auto told = [&](const std::string& fault) {
-    const Outcome outcome = runLines({"TLM_MUOK_PENSAS", "(handent \"290\")", "", "TLM_MUOK_PENSAS",
-                                      "(handent \"291\")", ""}, {"--quiet", "--out", "a.dxf"});
+    const Outcome outcome =
+        runLines({"TLM_MUOK_PENSAS", "(handent \"290\")", "", "TLM_MUOK_PENSAS", "(handent \"291\")", ""},
+                 {"--quiet", "--out", "a.dxf"});
     EXPECT_EQ(outcome, (Outcome{0, "", "tolmex: " + (folder / "tolm.ini").string() + ": " + fault + "\n"}));
     EXPECT_THAT(call({"info", "a.dxf"}).out, HasSubstr("tma_pensas         92\n"));
     fs::remove(folder / "tolm.ini");

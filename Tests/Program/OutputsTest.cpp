@@ -135,7 +135,8 @@ TEST_F(Outputs, PipesThatNobodyReadsCanBeLeft) {
   fs::remove(folder / "pipe");
   const Pipe pipe(folder / "pipe");
   const pid_t child =
-      start({"-c", "exec '" TOLMEX_BIN_DIR "/tolmex' run plan.dxf --script a.scr --out - 2>pipe"}, {.program = "/bin/sh"});
+      start({"-c", "exec '" + std::string(kBinDir) + "/tolmex' run plan.dxf --script a.scr --out - 2>pipe"},
+            {.program = "/bin/sh"});
   pipe.awaitFull();
   ::kill(child, SIGTERM);
   EXPECT_EQ(finish(child).status, 3);
@@ -145,14 +146,15 @@ TEST_F(Outputs, NothingElseGoesIntoTheDrawing) {
   const std::string drawing = read("plan.dxf");
   // What a plug-in prints to standard output, as its log does, would stand in the drawing.
   const Outcome outcome =
-      runLines({"ARX", "L", TOLMEX_BIN_DIR "/testmodule.arx", "TESTPRINTS"}, {"--out", "-", "--quiet"});
+      runLines({"ARX", "L", std::string(kBinDir) + "/testmodule.arx", "TESTPRINTS"}, {"--out", "-", "--quiet"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_TRUE(outcome.out == drawing);
-  EXPECT_EQ(outcome.err, "for standard output\n");
+  EXPECT_THAT(outcome.err, StartsWith("for standard output\n"));
   // Closed streams: their numbers would go to the next files.
-  const std::string program = "'" TOLMEX_BIN_DIR "/tolmex' ";
+  const std::string program = "'" + std::string(kBinDir) + "/tolmex' ";
   const auto shell = [&](const std::string& line) { return call({"-c", line}, {.program = "/bin/sh"}); };
-  EXPECT_EQ(shell(program + "run plan.dxf --command LIST --command ALL --command '' --out a.dxf <&- >&- 2>&-").status, 4);
+  EXPECT_EQ(shell(program + "run plan.dxf --command LIST --command ALL --command '' --out a.dxf <&- >&- 2>&-").status,
+            4);
   EXPECT_TRUE(read("a.dxf") == drawing);
   EXPECT_EQ(shell(program + "run plan.dxf --command NOSUCH --out b.dxf 2>&-").status, 3);
   EXPECT_EQ(shell(program + "run - --command REGEN <&-").err,

@@ -38,6 +38,55 @@ TEST_F(Scripts, TranscriptIsWhatTheCommandLineShows) {
   EXPECT_EQ(read("plan.dxf"), read(kPlan)) << "without --out nothing is written";
 }
 
+TEST_F(Scripts, TellWhatTheyLeftOut) {
+  write(
+      "more.scr",
+      "LAYER LO PIHA\n\nTLM_MUOK_ASFALTTI\n(handent \"250\")\n(handent \"290\")\n(handent \"298\")\n(handent \"375\")\n"
+      "\nTLM_MUOK_SORA\n1,1\n\nTLM_MUOK_RAKENNUS\n(handent \"2C0\")\n\nCancel\n");
+  const Outcome told = call({"run", "plan.dxf", "--script", "more.scr", "--out", "a.dxf"});
+  EXPECT_EQ(told.status, 0);
+  EXPECT_THAT(told.out,
+              HasSubstr("\n2 skipped: 1 on a locked layer (LWPOLYLINE 250), 1 that TLM_MUOK_ASFALTTI does not "
+                        "take (TEXT 375); 1 not hatched: not closed (LWPOLYLINE 298)\nCommand: "));
+  EXPECT_THAT(told.out, HasSubstr("\ndialog \"Rakennuksen ominaisuudet\": Cancel\nCommand: \n"));
+  EXPECT_EQ(told.err, "tolmex: more.scr:10: TLM_MUOK_SORA: nothing found at 1,1\n");
+  EXPECT_EQ(call({"run", "plan.dxf", "--script", "more.scr", "--quiet", "--strict", "--out", "b.dxf"}),
+            (Outcome{3, "",
+                     "tolmex: more.scr:8: TLM_MUOK_ASFALTTI: 2 skipped: 1 on a locked layer (LWPOLYLINE 250), 1 that "
+                     "TLM_MUOK_ASFALTTI does not take (TEXT 375); 1 not hatched: not closed (LWPOLYLINE 298); nothing "
+                     "was written\n"}));
+  EXPECT_FALSE(fs::exists(folder / "b.dxf"));
+  // Shadows are made of locked buildings neither.
+  const Outcome shadows = runLines({"TLM_MUOK_RAKENNUS", "(handent \"2C0\")", "", "30211 2", "30206 3", "30207 0",
+                                    "30208 0", "OK", "LAYER", "LO", "tmv_rak", "", "TLM_VARJO_PAIVITA"});
+  EXPECT_THAT(shadows.out, HasSubstr("\n1 skipped: on a locked layer (LWPOLYLINE 2C0)\n"));
+}
+
+TEST_F(Scripts, ACommandLeftAtOnceLeavesTheFileAsItWas) {
+  for (const Arguments& lines :
+       {Arguments{"TLM_MUOK_ASFALTTI", "^C"}, Arguments{"TLM_MUOK_VARIT", "30226 33", "Cancel"},
+        Arguments{"TLM_MUOK_RAKENNUS", "(handent \"2C0\")", "", "Cancel"},
+        Arguments{"TLM_KATTO_RAST_TEE_3_VARJO", "^C"}}) {
+    EXPECT_EQ(runLines(lines, {"--out", "a.dxf"}).status, 0);
+    EXPECT_TRUE(read("a.dxf") == read("plan.dxf")) << lines[0];
+  }
+}
+
+TEST_F(Scripts, WithoutOneADrawingIsConverted) {
+  EXPECT_EQ(call({"run", "plan.dxf", "--out", "a.dxf", "--picture", "a.svg"}), (Outcome{0, "", ""}));
+  EXPECT_TRUE(read("a.dxf") == read("plan.dxf"));
+  EXPECT_THAT(read("a.svg"), HasSubstr("<svg"));
+}
+
+TEST_F(Scripts, AMissingSymbolFolderIsTold) {
+  const Arguments look{"TLM_LIS_SYMBOLI", "Sulje"};
+  write("orvpath.cfg", "KAAVA /nowhere/\n");
+  EXPECT_EQ(runLines(look, {"--quiet"}), (Outcome{0, "", "tolmex: /nowhere/tmsym: the folder cannot be found\n"}));
+  write("orvpath.cfg", "KAAVA D:/plans/\n");
+  EXPECT_EQ(runLines(look, {"--quiet"}),
+            (Outcome{0, "", "tolmex: D:\\plans\\tmsym: the folder cannot be found: there is no drive D: here\n"}));
+}
+
 TEST_F(Scripts, FailuresNameScriptAndLineAndNothingIsWritten) {
   write("unknown.scr", "REGEN\n; a comment counts as a line\nTLM_MUOK_ASFALTI\n");
   write("short.scr", "TLM_MUOK_ASFALTTI\n");
@@ -64,11 +113,12 @@ TEST_F(Scripts, FailuresNameScriptAndLineAndNothingIsWritten) {
 }
 
 TEST_F(Scripts, AFailureReportOfThePlugInIsAFailure) {
-  const Arguments lines{"ARX", "L", TOLMEX_BIN_DIR "/testmodule.arx", "TESTFAILS", "REGEN"};
+  const Arguments lines{"ARX", "L", std::string(kBinDir) + "/testmodule.arx", "TESTFAILS", "REGEN"};
   const Outcome outcome = runLines(lines, {"--out", "a.dxf"});
   EXPECT_EQ(outcome.status, 3);
-  EXPECT_EQ(outcome.err,
-            "tolmex: --command:4: TESTFAILS failed: No layer. (Error location: a.cpp:1); nothing was written\n");
+  EXPECT_THAT(outcome.err,
+              testing::StartsWith(
+                  "tolmex: --command:4: TESTFAILS failed: No layer. (Error location: a.cpp:1); nothing was written\n"));
   EXPECT_THAT(outcome.out, HasSubstr("[Error] No layer.\n\n(Error location: a.cpp:1)\n"));
   EXPECT_THAT(outcome.out, testing::Not(HasSubstr("REGEN")));
   EXPECT_FALSE(fs::exists(folder / "a.dxf"));

@@ -87,7 +87,10 @@ TEST_F(Shell, TakesCommandsKeysAndDialogsOfATerminal) {
   atPrompt("Specify first point: ", "\x03");  // Ctrl+C
   at("*Cancel*", "LINE\r");
   atPrompt("Specify first point: ", "\x04");  // Ctrl+D leaves the command, not the program
-  at("*Cancel*", "REGENN\r");
+  at("*Cancel*", "harja\t");                  // from the midst of a name
+  at("TLM_MUOK_HARJAVIIVA", "\x03");
+  atPrompt("Command: ", "?\r");
+  at("  ERASE     erases objects", "REGENN\r");
   at("Unknown command \"REGENN\".  Nearest: REGEN.", "TLM_MUOK_RAKENNUS (handent \"2C0\")\r");
   at("Select objects: ", "\r");
   at("30211 edit \"\"", "nonsense\r");  // the controls were listed unasked
@@ -103,6 +106,7 @@ TEST_F(Shell, TakesCommandsKeysAndDialogsOfATerminal) {
   at("Command: ", "quit\r");
   at("Save changes to plan.dxf? [Yes/No/Cancel]", "\r");
   EXPECT_EQ(end(), 0) << all;
+  EXPECT_THAT(all, testing::StartsWith("tolmex 1.0, plan.dxf\r\nHELP lists the commands"));
   EXPECT_THAT(all, HasSubstr("U\r\nTLM_MUOK_RAKENNUS\r\n"));
   EXPECT_THAT(all, testing::Not(HasSubstr("tolmex: "))) << "what the transcript says is not said twice";
   EXPECT_THAT(call({"info", "plan.dxf"}).out, HasSubstr("Pensas            1, 1 with a fill\n"));
@@ -119,6 +123,14 @@ TEST_F(Shell, ReadsAPipe) {
   EXPECT_THAT(left.out, testing::EndsWith("Save changes to plan.dxf? [Yes/No/Cancel] <Y>: No\n"));
   EXPECT_TRUE(read("plan.dxf") == read(kPlan));
   EXPECT_GT(read("a.dxf").size(), read("plan.dxf").size()) << "a failure does not end the work";
+  // One U takes a whole script back; a pick of the script that finds nothing is no failure of the call.
+  write("two.scr", "LINE 0,0 5,5\n\nLINE 0,0 6,6\n\nSELECT 9000000,1\n\n");
+  write("lines", "SCRIPT two.scr\nU\nLIST ALL\n\n");
+  const Outcome undone = call({"shell", "plan.dxf"}, {.standardIn = "lines"});
+  EXPECT_EQ(undone.status, 0);
+  EXPECT_THAT(undone.out, HasSubstr("Command: U\nSCRIPT two.scr\nCommand: LIST\n"));
+  EXPECT_THAT(undone.out, testing::Not(HasSubstr("from 0,0,0 to"))) << "both lines are gone";
+  EXPECT_THAT(undone.err, testing::StartsWith("tolmex: two.scr:5: SELECT: nothing found at 9000000,1\n"));
   write("lines", "LINE 0,0 5,5\n\n");
   EXPECT_EQ(call({"shell", "plan.dxf", "--quiet"}, {.standardIn = "lines"}),
             (Outcome{0, "", "tolmex: plan.dxf: the input ended; changes were not saved\n"}));

@@ -3,6 +3,7 @@
 
     run-guide.py PROGRAM            makes the pictures anew in ../pictures/guide
     run-guide.py PROGRAM --check    changes nothing; fails unless the guide agrees with the program
+    run-guide.py --links FOLDER     fails unless the documents of an installation find all that they link to
 
 Everything runs in a folder of its own with copies of this folder and of examples/. The first line of a code block says
 what becomes of it:
@@ -16,7 +17,7 @@ what becomes of it:
 
 `leveys=320` sets a picture's width in pixels. Pictures that a script makes of dialogs are taken too. Texts in backquotes
 in the table columns Kehote, Kenttä and Ilmoitus are texts of the program: they must occur in what it prints or in its
-sources; "…" stands for anything.
+sources; "…" stands for anything. Blocks of the same kind in ../../README.md run on examples/kortteli.dxf.
 """
 
 from __future__ import annotations
@@ -32,6 +33,8 @@ from typing import Iterator, NamedTuple
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 GUIDE = ROOT / "docs" / "kayttoohje.md"
+README = ROOT / "README.md"
+README_DRAWING = "examples/kortteli.dxf"
 PICTURES = ROOT / "docs" / "pictures" / "guide"
 DRAWING = "docs/guide/tontti.dxf"
 WIDTH = 320  # pixels of a picture
@@ -50,8 +53,8 @@ class Block(NamedTuple):
     text: str
 
 
-def blocks_of(guide: str) -> Iterator[Block]:
-    lines = guide.split("\n")
+def blocks_of(document: pathlib.Path) -> Iterator[Block]:
+    lines = document.read_text(encoding="utf-8").split("\n")
     at = 0
     while at < len(lines):
         opening = re.match(r"( *)```(\S+)\s*(.*)$", lines[at])
@@ -62,7 +65,7 @@ def blocks_of(guide: str) -> Iterator[Block]:
         while at < len(lines) and lines[at].strip() != "```":
             at += 1
         if at == len(lines):
-            raise Failure(f"kayttoohje.md:{first}: this code block has no end")
+            raise Failure(f"{document.name}:{first}: this code block has no end")
         options = dict((word.split("=", 1) + [""])[:2] for word in opening[3].split())
         yield Block(first, opening[2], options, "".join(line[margin:] + "\n" for line in lines[first:at]))
         at += 1
@@ -80,6 +83,11 @@ def tables_of(guide: str) -> Iterator[tuple[int, str, str]]:
             titles = cells
         for title, cell in zip(titles, cells):
             yield number, title, cell
+
+
+def dead_links(document: pathlib.Path) -> list[str]:
+    targets = re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", document.read_text(encoding="utf-8"))
+    return [f"{document}: linked but missing: {name}" for name in targets if not (document.parent / name).exists()]
 
 
 class Guide:
@@ -105,7 +113,10 @@ class Guide:
         (folder / "build" / "release").mkdir(parents=True)
         (folder / "build" / "release" / "bin").symlink_to(self.program.parent)
         (folder / "out").mkdir()
-        for block in blocks_of(self.text):
+        for block in blocks_of(README):
+            if block.language == "tolmex":
+                self.run_script(block._replace(options={"pohja": README_DRAWING[:-4]}), folder, f"README.md:{block.line}")
+        for block in blocks_of(GUIDE):
             where = f"kayttoohje.md:{block.line}"
             if block.language == "sh" and "aja" in block.options:
                 self.run(["bash", "-euc", block.text], folder, where)
@@ -166,9 +177,8 @@ class Guide:
         ):
             if names:
                 raise Failure(f"pictures {what}: {', '.join(sorted(names))}")
-        for name in re.findall(r"\]\(([^)#:]+)\)", self.text):
-            if not (GUIDE.parent / name).exists():
-                raise Failure(f"linked but missing: {name}")
+        for missing in dead_links(GUIDE) + dead_links(README):
+            raise Failure(missing)
         titles = re.findall(r"^#+ (.*)$", self.text, re.M)
         anchors = {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}
         for name in re.findall(r"\]\(#([^)]+)\)", self.text):
@@ -193,9 +203,18 @@ class Guide:
 
 def main() -> int:
     parser = argparse.ArgumentParser(description="Runs the user guide and makes its pictures.")
-    parser.add_argument("program", type=pathlib.Path)
+    parser.add_argument("program", type=pathlib.Path, nargs="?")
     parser.add_argument("--check", action="store_true", help="change nothing; compare the guide with the program")
+    parser.add_argument("--links", type=pathlib.Path, metavar="FOLDER", help="check installed documents")
     arguments = parser.parse_args()
+    if arguments.links:
+        installed = [arguments.links / "README.md", arguments.links / "docs" / GUIDE.name]
+        missing = [str(path) for path in installed if not path.exists()]
+        missing += [link for path in installed if path.exists() for link in dead_links(path)]
+        print("\n".join(missing), file=sys.stderr)
+        return 1 if missing else 0
+    if not arguments.program:
+        parser.error("PROGRAM is needed")
     guide = Guide(arguments.program)
     try:
         with tempfile.TemporaryDirectory(prefix="tolmex-guide-") as name:

@@ -22,7 +22,7 @@ _tolmex() {
   esac
   if [[ -z $words && $current == -* ]]; then
     case $call in
-      run) words='--script --command --out --out-dir --picture --format --jobs --set --support --quiet --help' ;;
+      run) words='--script --command --out --out-dir --picture --format --jobs --set --support --strict --quiet --help' ;;
       shell) words='--out --picture --set --support --quiet --help' ;;
       picture) words="--out-dir --format --jobs --set --support --quiet --help $pictures" ;;
       info) words='--json --repair --jobs --quiet --help' ;;

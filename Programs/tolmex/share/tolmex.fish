@@ -19,6 +19,7 @@ for call in run picture info
 end
 complete -c tolmex -n '__fish_seen_subcommand_from run' -l script -r -d 'The script'
 complete -c tolmex -n '__fish_seen_subcommand_from run' -l command -x -d 'A line of script'
+complete -c tolmex -n '__fish_seen_subcommand_from run' -l strict -d 'Fail when something is skipped'
 complete -c tolmex -n '__fish_seen_subcommand_from info' -l json -d 'One JSON document'
 complete -c tolmex -n '__fish_seen_subcommand_from info' -l repair -r -d 'A repaired copy'
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l width -x -d 'Width in pixels'
