@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <mutex>
-#include <ranges>
 #include <set>
 
 #include "Database/ObjectAccess.h"
@@ -154,7 +153,9 @@ void DrawingDatabase::Parts::indexHandles() {
   std::stable_sort(byHandle.begin(), byHandle.end(),
                    [](const Slot* a, const Slot* b) { return a->handle < b->handle; });
   fileHandles = byHandle.size();
-  const auto handles = byHandle | std::views::transform([](const Slot* slot) { return slot->handle; });
+  std::vector<std::uint64_t> handles;
+  handles.reserve(byHandle.size());
+  for (const Slot* slot : byHandle) handles.push_back(slot->handle);
   freeHandles = findFreeHandles(handles, byHandle.empty() ? 0 : byHandle.back()->handle, nextHandle);
   nextHandle = freeHandles.begin;
 }

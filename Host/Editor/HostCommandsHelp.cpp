@@ -36,7 +36,11 @@ void help(Prompter& prompter) {
   std::size_t width = 0;
   for (const auto& [name, text] : own) width = std::max(width, name.size());
   prompter.line(L"Commands of the host:");
-  for (const auto& [name, text] : own) prompter.line(L"  " + name + std::wstring(width + 2 - name.size(), L' ') + text);
+  for (const auto& [name, text] : own) {
+    std::wstring row = L"  " + name;
+    row.append(width + 2 - name.size(), L' ').append(text);
+    prompter.line(row);
+  }
   for (auto& [group, names] : ofModules) {
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
