@@ -27,26 +27,25 @@ void recode(TagCursor tags, const text::Codec& from, TagWriter& out) {
 
 }  // namespace
 
-namespace {
-
-/// Ties the object to the slot and leaves it open for write.
-void bindOpen(AcDbObject& object, Slot& slot) {
-  DrawingDatabase::Parts& parts = slot.database().parts();
-  HostObjectAccess::bind(object, slot);
-  Live& live = parts.live(slot);
-  live.object = &object;
-  live.writer = true;
-  live.isAppending = true;
-  parts.opened.push_back(&slot);
-  ++parts.openCount;
+void setNewRecord(Slot& slot, std::string_view bytes) {
+  slot.database().parts().setRecord(slot, bytes);
+  if (bytes.find("1001") != std::string_view::npos) slot.flags |= kHasXData;  // or looks as if it had
 }
 
-}  // namespace
+void prepareBinding(Slot& slot) {
+  DrawingDatabase::Parts& parts = slot.database().parts();
+  parts.live(slot);
+  makeRoom(parts.opened);
+}
 
-void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes) {
-  if (bytes.find("1001") != std::string_view::npos) slot.flags |= kHasXData;  // or looks as if it had
-  slot.database().parts().setRecord(slot, bytes);
-  bindOpen(object, slot);
+void bindOpen(AcDbObject& object, Slot& slot) noexcept {
+  DrawingDatabase::Parts& parts = slot.database().parts();
+  HostObjectAccess::bind(object, slot);
+  slot.live->object = &object;
+  slot.live->writer = true;
+  slot.live->isAppending = true;
+  parts.opened.push_back(&slot);
+  ++parts.openCount;
 }
 
 std::string ownTags(const AcDbObject& object, DrawingDatabase& db, bool isEntity) {
@@ -109,8 +108,8 @@ const SharedTags* sharedTagsOf(AcDbEntity& entity, DrawingDatabase& db) {
   const EntityDraft* const draft = HostObjectAccess::draft(entity);
   DrawingDatabase::Parts& parts = db.parts();
   if (draft == nullptr || (draft->layer != nullptr && draft->drawing != parts.life.number())) return nullptr;
-  const auto [entry, isNew] = parts.sharedTags.try_emplace({draft->layer, draft->color, draft->isColorFirst});
-  if (!isNew) return entry->second;
+  const DrawingDatabase::Parts::CommonKey key{draft->layer, draft->color, draft->isColorFirst};
+  if (const auto known = parts.sharedTags.find(key); known != parts.sharedTags.end()) return known->second;
   entity.setDatabaseDefaults(db.facade());
   const std::string all = ownTags(entity, db, true);
   std::string_view rest = all;
@@ -123,8 +122,9 @@ const SharedTags* sharedTagsOf(AcDbEntity& entity, DrawingDatabase& db) {
     common = common.substr(0, static_cast<std::size_t>(tag.bytes.data() - all.data()));
     break;
   }
-  entry->second = parts.arena.make<SharedTags>(SharedTags{parts.arena.keep(common), layer});
-  return entry->second;
+  const auto* const made = parts.arena.make<SharedTags>(SharedTags{parts.arena.keep(common), layer});
+  parts.sharedTags.emplace(key, made);
+  return made;
 }
 
 /// Keeps the points of a polyline for vertices that are made when asked for.
@@ -147,6 +147,9 @@ bool appendUnwritten(Slot& blockRecord, AcDbEntity& entity) {
   const OwnTags* const own = type != DxfType::Unknown ? data->shelve(db) : nullptr;
   const SharedTags* const common = own != nullptr ? sharedTagsOf(entity, db) : nullptr;
   if (common == nullptr) return false;
+  std::vector<Slot*>& entities = parts.contents(&blockRecord).entities;
+  makeRoom(entities);
+  NewSlots made(parts);
   Slot* const slot = parts.makeSlot(type, &blockRecord, kEntity);
   slot->layer = common->layer;
   if (type == DxfType::Polyline3d) {
@@ -154,11 +157,13 @@ bool appendUnwritten(Slot& blockRecord, AcDbEntity& entity) {
     slot->flags |= kUnmade;
     parts.nextHandle += slot->unmade->handles();
   }
-  bindOpen(entity, *slot);
+  prepareBinding(*slot);
   slot->live->record = Record(*parts.arena.make<UnwrittenTags>(*slot, *common, *own));
+  made.keep();
+  bindOpen(entity, *slot);
   slot->live->modified = true;
   data->changed = false;
-  parts.contents(&blockRecord).entities.push_back(slot);
+  entities.push_back(slot);
   return true;
 }
 
@@ -173,6 +178,9 @@ Acad::ErrorStatus appendEntity(Slot& blockRecord, AcDbEntity& entity) {
   DxfType type = typeOfClass(entity.isA());
   if (type == DxfType::Unknown) return Acad::eWrongObjectType;
 
+  std::vector<Slot*>& entities = parts.contents(&blockRecord).entities;
+  makeRoom(entities);
+  NewSlots made(parts);
   Slot* const slot = parts.makeSlot(type, &blockRecord, kEntity);
   TagWriter head = db.tagWriter();
   head.raw(0, fixedTypeName(type)).handle(5, slot->handle).handle(330, blockRecord.handle).raw(100, "AcDbEntity");
@@ -191,20 +199,22 @@ Acad::ErrorStatus appendEntity(Slot& blockRecord, AcDbEntity& entity) {
     common += tag.bytes;
     if (tag.code == 8) slot->layer = parts.internLayer(tag.value);
   }
-  bindNew(entity, *slot, head.bytes(own).take());
+  setNewRecord(*slot, head.bytes(own).str());
   if (type == DxfType::Polyline2d || type == DxfType::Polyline3d) {
     addVertices(*slot, static_cast<const OldPolyline&>(*HostObjectAccess::data(entity)), common);
   }
+  prepareBinding(*slot);
+  made.keep();
+  bindOpen(entity, *slot);
   if (ObjectData* const data = HostObjectAccess::data(entity)) data->changed = false;
-  parts.contents(&blockRecord).entities.push_back(slot);
+  entities.push_back(slot);
   return Acad::eOk;
 }
 
 void beginBlock(Slot& blockRecord, std::wstring_view name) {
   DrawingDatabase& db = blockRecord.database();
   DrawingDatabase::Parts& parts = db.parts();
-  BlockContents& block = parts.contents(&blockRecord);
-  block.record = &blockRecord;
+  makeRoom(parts.blockOrder);
   const auto add = [&](DxfType type) {
     Slot* const slot = parts.makeSlot(type, &blockRecord, kEntity | kSubEntity);
     TagWriter out = db.tagWriter();
@@ -215,8 +225,9 @@ void beginBlock(Slot& blockRecord, std::wstring_view name) {
     parts.setRecord(*slot, out.take());
     return slot;
   };
-  block.begin = add(DxfType::Block);
-  block.end = add(DxfType::EndBlk);
+  Slot* const begin = add(DxfType::Block);
+  Slot* const end = add(DxfType::EndBlk);
+  parts.contents(&blockRecord) = {&blockRecord, begin, end, {}};
   parts.blockOrder.push_back(&blockRecord);
 }
 

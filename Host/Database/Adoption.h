@@ -8,8 +8,12 @@
 
 namespace host::database {
 
-/// Ties an object to its new slot, whose record becomes `bytes`, and leaves it open for write.
-void bindNew(AcDbObject& object, Slot& slot, std::string_view bytes);
+/// Gives a new slot its record.
+void setNewRecord(Slot& slot, std::string_view bytes);
+/// Gathers what `bindOpen` needs, so that it cannot fail.
+void prepareBinding(Slot& slot);
+/// Ties an object to its new slot and leaves it open for write: the last step of making it the drawing's.
+void bindOpen(AcDbObject& object, Slot& slot) noexcept;
 /// The object's tags without its type (and, for entities, the AcDbEntity marker), in the drawing's encoding.
 std::string ownTags(const AcDbObject& object, DrawingDatabase& db, bool isEntity);
 /// Appends an entity to a block, vertices included. eAlreadyInDb, eWrongObjectType.

@@ -1,4 +1,5 @@
 // Dictionaries and xrecords.
+#include <memory>
 #include <utility>
 
 #include "Database/Adoption.h"
@@ -10,6 +11,7 @@
 #include "acutmem.h"
 #include "dbdict.h"
 #include "dbgroup.h"
+#include "dbobjptr.h"
 #include "dbxrecrd.h"
 #include "sorttab.h"
 
@@ -65,27 +67,25 @@ void DictionaryContents::add(std::wstring key, Slot* object) {
 }
 
 DictionaryContents& DrawingDatabase::Parts::dictionary(const Slot& slot) {
-  std::unique_ptr<DictionaryContents>& contents = dictionaries[&slot];
-  if (contents == nullptr) {
-    contents = std::make_unique<DictionaryContents>();
-    std::wstring key;
-    bool inGroup = false;
-    bool hasKey = false;
-    Tag tag;
-    for (TagCursor cursor = slot.tags(); cursor.next(tag) && tag.code < 1000;) {
-      if (tag.code == 102) inGroup = !tag.trimmed().empty() && tag.trimmed().front() == '{';
-      if (inGroup) continue;
-      if (tag.code == 3) {
-        key = codec.decode(tag.value);
-        hasKey = true;
-      } else if ((tag.code == 350 || tag.code == 360) && hasKey) {
-        hasKey = false;
-        // Entries that name nothing stay in the record, but nobody can find them.
-        if (Slot* const object = self.findHandle(tag.handle())) contents->add(std::exchange(key, {}), object);
-      }
+  if (const auto found = dictionaries.find(&slot); found != dictionaries.end()) return *found->second;
+  auto contents = std::make_unique<DictionaryContents>();
+  std::wstring key;
+  bool inGroup = false;
+  bool hasKey = false;
+  Tag tag;
+  for (TagCursor cursor = slot.tags(); cursor.next(tag) && tag.code < 1000;) {
+    if (tag.code == 102) inGroup = !tag.trimmed().empty() && tag.trimmed().front() == '{';
+    if (inGroup) continue;
+    if (tag.code == 3) {
+      key = codec.decode(tag.value);
+      hasKey = true;
+    } else if ((tag.code == 350 || tag.code == 360) && hasKey) {
+      hasKey = false;
+      // Entries that name nothing stay in the record, but nobody can find them.
+      if (Slot* const object = self.findHandle(tag.handle())) contents->add(std::exchange(key, {}), object);
     }
   }
-  return *contents;
+  return *dictionaries.emplace(&slot, std::move(contents)).first->second;
 }
 
 void DrawingDatabase::Parts::removeDictionaryEntry(Slot& dictionarySlot, std::size_t index) {
@@ -114,14 +114,17 @@ void DrawingDatabase::Parts::removeDictionaryEntry(Slot& dictionarySlot, std::si
 
 Slot* DrawingDatabase::Parts::ensureRoot() {
   if (root == nullptr) {
-    root = makeSlot(DxfType::Dictionary, nullptr, 0);
-    setRecord(*root, self.tagWriter()
+    NewSlots made(*this);
+    Slot* const slot = makeSlot(DxfType::Dictionary, nullptr, 0);
+    setRecord(*slot, self.tagWriter()
                          .raw(0, "DICTIONARY")
-                         .handle(5, root->handle)
+                         .handle(5, slot->handle)
                          .handle(330, 0)
                          .raw(100, "AcDbDictionary")
                          .integer(281, 1)
                          .take());
+    made.keep();
+    root = slot;
   }
   return root;
 }
@@ -144,6 +147,8 @@ bool isHardOwner(const Record& record) {
 
 void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::wstring& key, Slot& object) {
   DictionaryContents& contents = parts.dictionary(dictionarySlot);
+  std::wstring ownKey = key;
+  makeRoom(contents.entries);
   Record& record = parts.edit(dictionarySlot);
   Tag tag;
   TagWriter out = parts.self.tagWriter();
@@ -163,7 +168,12 @@ void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::ws
     }
     record.replace(number, 0, bytes);
   }
-  contents.add(key, &object);
+  try {
+    contents.add(std::move(ownKey), &object);
+  } catch (...) {
+    // The record has the entry; the contents are read from it anew.
+    parts.dictionaries.erase(&dictionarySlot);
+  }
 }
 
 Slot* DrawingDatabase::Parts::dictionaryIn(Slot& parent, std::wstring_view key) {
@@ -173,10 +183,11 @@ Slot* DrawingDatabase::Parts::dictionaryIn(Slot& parent, std::wstring_view key) 
     Slot* const slot = contents.entries[found->second].object;
     if (slot != nullptr && !slot->isErased()) return isDictionary(*slot) ? slot : nullptr;
   }
-  Slot* const made = makeSlot(DxfType::Dictionary, &parent, 0);
-  setRecord(*made, self.tagWriter()
+  NewSlots made(*this);
+  Slot* const slot = makeSlot(DxfType::Dictionary, &parent, 0);
+  setRecord(*slot, self.tagWriter()
                        .raw(0, "DICTIONARY")
-                       .handle(5, made->handle)
+                       .handle(5, slot->handle)
                        .raw(102, "{ACAD_REACTORS")
                        .handle(330, parent.handle)
                        .raw(102, "}")
@@ -184,8 +195,9 @@ Slot* DrawingDatabase::Parts::dictionaryIn(Slot& parent, std::wstring_view key) 
                        .raw(100, "AcDbDictionary")
                        .integer(281, 1)
                        .take());
-  addEntry(*this, parent, std::wstring(key), *made);
-  return made;
+  addEntry(*this, parent, std::wstring(key), *slot);
+  made.keep();
+  return slot;
 }
 
 }  // namespace host::database
@@ -247,20 +259,22 @@ Acad::ErrorStatus AcDbDictionary::setAt(const ACHAR* key, AcDbObject* object, Ac
   }
   AcDbObjectId old;
   if (getAt(name.c_str(), old) == Acad::eOk) {
-    AcDbObject* replaced = nullptr;
-    const Acad::ErrorStatus status = acdbOpenAcDbObject(replaced, old, AcDb::kForWrite);
-    if (status != Acad::eOk) return status;
+    const AcDbObjectPointer<AcDbObject> replaced(old, AcDb::kForWrite);
+    if (replaced.openStatus() != Acad::eOk) return replaced.openStatus();
     replaced->erase();
-    replaced->close();
   }
 
+  host::database::NewSlots made(parts);
   Slot* const slot = parts.makeSlot(type, slot_, 0);
   const std::string own = host::database::ownTags(*object, db, false);
   TagWriter out = db.tagWriter();
   out.raw(0, host::database::fixedTypeName(type)).handle(5, slot->handle);
   out.raw(102, "{ACAD_REACTORS").handle(330, slot_->handle).raw(102, "}").handle(330, slot_->handle).bytes(own);
-  host::database::bindNew(*object, *slot, out.take());
+  host::database::setNewRecord(*slot, out.str());
+  host::database::prepareBinding(*slot);
   host::database::addEntry(parts, *slot_, name, *slot);
+  host::database::bindOpen(*object, *slot);
+  made.keep();
   id = AcDbObjectId(slot);
   return Acad::eOk;
 }
@@ -306,15 +320,15 @@ struct AcDbDictionaryIterator::Entry {
 };
 
 AcDbDictionaryIterator* AcDbDictionary::newIterator() const {
-  auto* const iterator = new AcDbDictionaryIterator;
   const DictionaryContents* const contents = contentsOf(*this);
-  if (contents == nullptr) return iterator;
+  std::unique_ptr<AcDbDictionaryIterator> iterator(new AcDbDictionaryIterator);
+  if (contents == nullptr) return iterator.release();
   iterator->entries_ = new AcDbDictionaryIterator::Entry[contents->entries.size()];
   for (const DictionaryContents::Entry& entry : contents->entries) {
     if (entry.object == nullptr || entry.object->isErased()) continue;
     iterator->entries_[iterator->count_++] = {entry.key, AcDbObjectId(entry.object)};
   }
-  return iterator;
+  return iterator.release();
 }
 
 AcDbDictionaryIterator::~AcDbDictionaryIterator() { delete[] entries_; }

@@ -6,6 +6,7 @@
 
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
+#include "Database/Reactors.h"
 #include "Text/Text.h"
 #include "dbsymtb.h"
 
@@ -45,15 +46,21 @@ bool DrawingLife::isLiving(std::uint64_t number) {
 DrawingDatabase::DrawingDatabase(AcDbDatabase* facade) : parts_(std::make_unique<Parts>(*this, facade)) {}
 
 DrawingDatabase::~DrawingDatabase() {
-  for (AcDbDatabaseReactor* const reactor : std::vector(parts_->reactors)) reactor->goodbye(facade());
+  tellEach(parts_->reactors, [this](AcDbDatabaseReactor& reactor) { reactor.goodbye(facade()); });
   releaseObjects();
-  forEachSlot([](Slot& slot) {
-    if (slot.live != nullptr) slot.live->~Live();  // their memory goes with the pool
-  });
+}
+
+DrawingDatabase::Parts::~Parts() {
+  // The memory goes with the pool.
+  const auto end = [](Slot& slot) {
+    if (slot.live != nullptr) slot.live->~Live();
+  };
+  slots.forEach(end);
+  lateSlots.forEach(end);
 }
 
 void DrawingDatabase::clear() {
-  parts_->slots.forEach([](Slot& slot) { delete slot.live; });
+  releaseObjects();
   auto fresh = std::make_unique<Parts>(*this, parts_->facade);
   fresh->reactors = std::move(parts_->reactors);
   parts_ = std::move(fresh);
@@ -76,7 +83,12 @@ std::uint32_t DrawingDatabase::Parts::internLayer(std::string_view raw) {
   } else {
     index = static_cast<std::uint32_t>(layers.size());
     layers.push_back({std::string(raw), folded, nullptr, std::nullopt});
-    layerByFolded.emplace(folded, index);
+    try {
+      layerByFolded.emplace(folded, index);
+    } catch (...) {
+      layers.pop_back();
+      throw;
+    }
   }
   layerByRaw.emplace(std::string(raw), index);
   return index;
@@ -130,13 +142,18 @@ std::uint32_t DrawingDatabase::findLayer(std::wstring_view name) const {
 // ---- slots ----------------------------------------------------------------------------------------------------------
 
 Slot* DrawingDatabase::Parts::makeSlot(DxfType type, Slot* owner, std::uint16_t flags) {
+  makeRoom(byHandle);
+  slots.makeRoom();
+  Live* const live = inStep ? lives.make() : nullptr;
+  // From here on nothing can fail.
   Slot* const slot = slots.make();
   slot->type = type;
   slot->owner = owner;
   slot->flags = static_cast<std::uint16_t>(flags | kNew);
   slot->handle = nextHandle++;
+  slot->live = live;
+  if (live != nullptr) live->journalMark = stepNumber;
   byHandle.push_back(slot);  // the newest handle is the highest of its part: the order holds
-  if (inStep) live(*slot).journalMark = stepNumber;
   if (type == DxfType::Layout) layoutSlots.reset();
   ++changes;
   return slot;
@@ -189,15 +206,17 @@ Record DrawingDatabase::Parts::current(const Slot& slot) const {
 }
 
 void DrawingDatabase::Parts::journal(Slot& slot) {
+  if (attempt != nullptr) attempt->remember(slot);
+  if (inStep) {
+    Live& state = live(slot);
+    if (state.journalMark != stepNumber) {
+      currentStep.states.push_back({&slot, slot.flags, slot.layer, state.record});
+      state.journalMark = stepNumber;
+    }
+  }
   ++changes;
   if (observer != nullptr) observer->used(slot);
-  const std::uint16_t flags = slot.flags;
-  slot.flags = static_cast<std::uint16_t>(flags & ~kFollows);
-  if (!inStep) return;
-  Live& state = live(slot);
-  if (state.journalMark == stepNumber) return;
-  state.journalMark = stepNumber;
-  currentStep.states.push_back({&slot, flags, slot.layer, state.record});
+  slot.flags = static_cast<std::uint16_t>(slot.flags & ~kFollows);
 }
 
 Record& DrawingDatabase::Parts::edit(Slot& slot) {
@@ -212,7 +231,10 @@ Record& DrawingDatabase::Parts::edit(Slot& slot) {
   return state.record;
 }
 
-void DrawingDatabase::Parts::setRecord(Slot& slot, std::string_view bytes) { edit(slot).assign(arena.keep(bytes)); }
+void DrawingDatabase::Parts::setRecord(Slot& slot, std::string_view bytes) {
+  const std::string_view kept = arena.keep(bytes);
+  edit(slot).assign(kept);
+}
 
 // ---- tables and blocks ----------------------------------------------------------------------------------------------
 
@@ -274,10 +296,11 @@ std::vector<std::pair<std::wstring, const BlockContents*>> DrawingDatabase::layo
   };
   std::vector<Found> found;
   if (!parts_->layoutSlots) {
-    parts_->layoutSlots.emplace();
+    std::vector<Slot*> all;
     parts_->slots.forEach([&](Slot& slot) {
-      if (slot.type == DxfType::Layout) parts_->layoutSlots->push_back(&slot);
+      if (slot.type == DxfType::Layout) all.push_back(&slot);
     });
+    parts_->layoutSlots = std::move(all);
   }
   for (const Slot* const slot : *parts_->layoutSlots) {
     if (slot->isErased()) continue;
@@ -352,42 +375,50 @@ std::optional<std::int64_t> DrawingDatabase::headerInteger(std::string_view name
   return tag ? std::optional(tag->integer()) : std::nullopt;
 }
 
+void setVariableIn(Record& record, std::string_view name, int code, const TagWriter& tag, Arena& memory) {
+  Tag former;
+  std::size_t index = 0;
+  if (findVariable(record.tags(), name, code, former, index)) {
+    record.replace(index, 1, memory.keep(tag.str()));
+  } else if (index != RecordLayout::npos) {
+    record.replace(index, 0, memory.keep(tag.str()));
+  } else {
+    TagWriter whole = tag;
+    whole.clear();
+    record.append(memory.keep(whole.raw(9, name).bytes(tag.str()).str()));
+  }
+}
+
 namespace {
 
-void setVariable(DrawingDatabase& db, std::string_view name, int code, const std::string& bytes) {
+void setVariable(DrawingDatabase& db, std::string_view name, int code, const TagWriter& tag) {
   DrawingDatabase::Parts& parts = db.parts();
   if (parts.header == nullptr) return;
-  Tag tag;
+  Tag former;
   std::size_t index = 0;
-  const bool found = findVariable(parts.header->tags(), name, code, tag, index);
-  if (found && tag.bytes == bytes) return;
+  if (findVariable(parts.header->tags(), name, code, former, index) && former.bytes == tag.str()) return;
   Record& record = parts.edit(*parts.header);
   parts.variables.clear();
-  if (found) {
-    record.replace(index, 1, parts.arena.keep(bytes));
-  } else if (index != RecordLayout::npos) {
-    record.replace(index, 0, parts.arena.keep(bytes));
-  } else {
-    record.append(parts.arena.keep(db.tagWriter().raw(9, name).bytes(bytes).take()));
-  }
+  setVariableIn(record, name, code, tag, parts.arena);
 }
 
 }  // namespace
 
 void DrawingDatabase::setHeaderText(std::string_view name, int code, std::wstring_view value) {
-  setVariable(*this, name, code, tagWriter().text(code, value).take());
+  setVariable(*this, name, code, tagWriter().text(code, value));
 }
 
 void DrawingDatabase::setHeaderReal(std::string_view name, int code, double value) {
-  setVariable(*this, name, code, tagWriter().real(code, value).take());
+  setVariable(*this, name, code, tagWriter().real(code, value));
 }
 
 void DrawingDatabase::setHeaderInteger(std::string_view name, int code, std::int64_t value) {
-  setVariable(*this, name, code, tagWriter().integer(code, value).take());
+  setVariable(*this, name, code, tagWriter().integer(code, value));
 }
 
 // ---- state ----------------------------------------------------------------------------------------------------------
 
+int DrawingDatabase::takeLostChanges() { return std::exchange(parts_->lostChanges, 0); }
 bool DrawingDatabase::isModified() const { return parts_->changes != parts_->savedChanges; }
 void DrawingDatabase::setUnmodified() { parts_->savedChanges = parts_->changes; }
 std::uint64_t DrawingDatabase::changeCount() const { return parts_->changes; }
@@ -402,6 +433,7 @@ const std::vector<Problem>& DrawingDatabase::problems() const { return parts_->p
 
 void DrawingDatabase::beginUndoStep(std::wstring name, UndoGroup group) {
   endUndoStep();
+  makeRoom(parts_->undoSteps);  // the step can be ended then, whatever the command does to memory
   parts_->currentStep = {};
   parts_->currentStep.name = std::move(name);
   parts_->currentStep.group = std::move(group);
@@ -424,7 +456,30 @@ void DrawingDatabase::endUndoStep() {
 
 namespace {
 
-/// Swaps the states of a step with those of the drawing: the step then leads the other way.
+/// Exchanges the state of a slot with the drawing's.
+void swapState(DrawingDatabase::Parts& parts, SlotState& state) {
+  Slot& slot = *state.slot;
+  const bool wasErased = slot.isErased();
+  std::swap(state.flags, slot.flags);
+  // Whether vertices were made objects meanwhile is nothing that a step changes.
+  slot.flags = static_cast<std::uint16_t>((slot.flags & ~kUnmade) | (state.flags & kUnmade));
+  if (slot.isErased() != wasErased) followErasing(slot);
+  std::swap(state.layer, slot.layer);
+  std::swap(state.record, slot.live->record);
+  parts.dictionaries.erase(&slot);
+  // The layer's names were met when it was given them, so this asks for no memory.
+  if (slot.type == DxfType::Layer && !slot.isErased()) parts.bindLayerRecord(&slot);
+}
+
+/// Gathers everything that swapping the step needs; may fail, and changes nothing of the drawing.
+void prepareSwap(DrawingDatabase::Parts& parts, UndoStep& step) {
+  step.states.reserve(step.states.size() + (step.madeEnd - step.madeBegin));
+  for (std::size_t i = step.madeBegin; i < step.madeEnd; ++i) parts.live(parts.slots.at(i));
+  for (const SlotState& state : step.states) parts.live(*state.slot);
+  for (const UndoStep::OrderState& order : step.orderStates) parts.sortTable(*order.table);
+}
+
+/// Swaps the states of a prepared step with those of the drawing: the step then leads the other way.
 void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
   // What the step made was not there before it.
   for (std::size_t i = step.madeBegin; i < step.madeEnd; ++i) {
@@ -432,25 +487,12 @@ void swapStep(DrawingDatabase::Parts& parts, UndoStep& step) {
     step.states.push_back({&slot, static_cast<std::uint16_t>(slot.flags | kErased), 0, {}});
   }
   step.madeBegin = step.madeEnd = 0;
-  for (SlotState& state : step.states) {
-    Slot& slot = *state.slot;
-    Live& live = parts.live(slot);
-    const bool wasErased = slot.isErased();
-    std::swap(state.flags, slot.flags);
-    // Whether vertices were made objects meanwhile is nothing that a step changes.
-    slot.flags = static_cast<std::uint16_t>((slot.flags & ~kUnmade) | (state.flags & kUnmade));
-    if (slot.isErased() != wasErased) followErasing(slot);
-    std::swap(state.layer, slot.layer);
-    std::swap(state.record, live.record);
-    parts.dictionaries.erase(&slot);
-    if (slot.type == DxfType::Layer && !slot.isErased()) parts.bindLayerRecord(&slot);
-  }
+  for (SlotState& state : step.states) swapState(parts, state);
   for (auto change = step.order.rbegin(); change != step.order.rend(); ++change) {
-    SortContents& contents = parts.sortTable(*change->table);
-    change->key = contents.keys.set(*change->entity, change->key);
-    contents.changed = true;
+    change->key = parts.sortTable(*change->table).keys.set(*change->entity, change->key);
   }
   std::reverse(step.order.begin(), step.order.end());
+  for (UndoStep::OrderState& order : step.orderStates) std::swap(order.state, parts.sortTable(*order.table).state);
   parts.variables.clear();
   parts.forgetDefaults();
   ++parts.changes;
@@ -467,19 +509,22 @@ bool addsUnusedRecordsOnly(const DrawingDatabase::Parts& parts, const UndoStep& 
                      [](const SlotState& state) { return state.slot->type == DxfType::TableHead; });
 }
 
-/// Moves the last step of `from`, and those of its group before it, to the other stack, the drawing following.
-std::optional<std::wstring> swapLast(DrawingDatabase::Parts& parts, std::vector<UndoStep>& from,
-                                     std::vector<UndoStep>& to, std::uint32_t openGroup) {
+/// Moves the last step of one list to the other by swapping it, with those of its group before it; the name. A step
+/// that fails has changed nothing.
+std::optional<std::wstring> takeSteps(DrawingDatabase& db, std::vector<UndoStep>& from, std::vector<UndoStep>& to,
+                                      std::uint32_t openGroup) {
   if (from.empty()) return std::nullopt;
-  parts.self.releaseObjects();
+  db.releaseObjects();
   const UndoGroup group = from.back().group;
   const bool isWhole = group.number != 0 && group.number != openGroup;
-  std::wstring name = isWhole ? group.name : from.back().name;
+  std::optional<std::wstring> name = isWhole ? group.name : from.back().name;
   do {
-    UndoStep step = std::move(from.back());
-    from.pop_back();
-    swapStep(parts, step);
+    UndoStep& step = from.back();
+    makeRoom(to);
+    prepareSwap(db.parts(), step);
+    swapStep(db.parts(), step);
     to.push_back(std::move(step));
+    from.pop_back();
   } while (isWhole && !from.empty() && from.back().group.number == group.number);
   return name;
 }
@@ -493,6 +538,11 @@ void DrawingDatabase::endUnusedUndoStep() {
   if (!addsUnusedRecordsOnly(*parts_, step)) return endUndoStep();
   releaseObjects();
   const bool wasModified = parts_->savedChanges != parts_->stepChanges;
+  try {
+    prepareSwap(*parts_, step);
+  } catch (const std::bad_alloc&) {
+    return endUndoStep();  // U can take it back when there is memory again
+  }
   parts_->inStep = false;
   swapStep(*parts_, step);
   step = {};
@@ -501,11 +551,37 @@ void DrawingDatabase::endUnusedUndoStep() {
 
 std::optional<std::wstring> DrawingDatabase::undo(std::uint32_t openGroup) {
   endUndoStep();
-  return swapLast(*parts_, parts_->undoSteps, parts_->redoSteps, openGroup);
+  return takeSteps(*this, parts_->undoSteps, parts_->redoSteps, openGroup);
 }
 
 std::optional<std::wstring> DrawingDatabase::redo(std::uint32_t openGroup) {
-  return swapLast(*parts_, parts_->redoSteps, parts_->undoSteps, openGroup);
+  return takeSteps(*this, parts_->redoSteps, parts_->undoSteps, openGroup);
+}
+
+// ---- attempts -------------------------------------------------------------------------------------------------------
+
+Attempt::Attempt(DrawingDatabase::Parts& parts)
+    : parts_(parts), made_(parts), begin_(parts.nextHandle), outer_(std::exchange(parts.attempt, this)) {}
+
+Attempt::~Attempt() {
+  parts_.attempt = outer_;
+  if (isKept_) return;
+  for (SlotState& state : states_) swapState(parts_, state);
+  parts_.variables.clear();
+  parts_.forgetDefaults();
+}
+
+void Attempt::remember(Slot& slot) {
+  if (outer_ != nullptr) outer_->remember(slot);
+  const bool isNew = (slot.flags & kNew) != 0 && slot.handle >= begin_;
+  if (isNew || known_.count(&slot) > 0) return;
+  states_.push_back({&slot, slot.flags, slot.layer, parts_.live(slot).record});
+  try {
+    known_.insert(&slot);
+  } catch (...) {
+    states_.pop_back();
+    throw;
+  }
 }
 
 }  // namespace host::database

@@ -134,6 +134,9 @@ class DrawingDatabase {
   /// Called by the editor when no handler runs: frees closed objects. Open ones (a fault of the plug-in) are closed and
   /// counted; the number is the answer.
   int releaseObjects();
+  /// Objects whose changes were lost since the last call, because memory ended when they were closed: they are as they
+  /// were before, new ones are gone.
+  int takeLostChanges();
   bool isModified() const;
   void setUnmodified();
   /// Version counter: grows with every change; for caches of pictures and selections.
@@ -144,13 +147,16 @@ class DrawingDatabase {
   void tellRefused(const Slot& object, WorkObserver::Refusal what, std::string_view why) const;
 
   // ---- undo -------------------------------------------------------------------------------------------------------
+  // Undoing everything gives back the drawing that was opened, byte for byte, whether or not it was saved meanwhile. A
+  // command that changed nothing is no step: undo takes the last one that changed something.
   void beginUndoStep(std::wstring name, UndoGroup group = {});
   void endUndoStep();
   /// Ends the step; when all that it did was to add table records other than blocks, which nothing uses then, they go
   /// again and there was no such step.
   void endUnusedUndoStep();
   /// Takes back / repeats the last step that changed anything, with the others of its group; its name or the group's,
-  /// or nothing when there is none. Of the group that is still growing, `openGroup`, one step at a time goes.
+  /// or nothing when there is none. Of the group that is still growing, `openGroup`, one step at a time goes. When
+  /// memory ends meanwhile, std::bad_alloc, and the step that was to go has not changed anything.
   std::optional<std::wstring> undo(std::uint32_t openGroup = 0);
   std::optional<std::wstring> redo(std::uint32_t openGroup = 0);
 

@@ -74,14 +74,22 @@ CommonTags commonTags(const AcDbEntity& entity) {
   return has;
 }
 
-/// Sets a name (tag 8 or 6) on an entity and, when asked, on its vertices.
+constexpr int kLayerCode = 8;
+constexpr int kLinetypeCode = 6;
+
+/// Sets the name of a layer or linetype on an entity and, when asked, on its vertices.
 void setName(AcDbEntity& entity, int code, const std::string& name, bool doSubents) {
-  HostObjectAccess::setTag(entity, commonPart(entity), code, name);
   Slot* const slot = HostObjectAccess::slot(entity);
-  if (slot == nullptr || !doSubents || slot->type == DxfType::Insert) return;
+  const bool isLayer = slot != nullptr && code == kLayerCode;
+  const std::uint32_t layer = isLayer ? slot->database().parts().internLayer(name) : 0;
+  HostObjectAccess::setTag(entity, commonPart(entity), code, name);
+  if (slot == nullptr) return;
+  if (isLayer) slot->layer = layer;
+  if (!doSubents || slot->type == DxfType::Insert) return;
   DrawingDatabase::Parts& parts = slot->database().parts();
   for (Slot* sub = slot->firstSub(); sub != nullptr; sub = sub->nextSub) {
     if (!sub->isErased()) parts.setTag(*sub, kCommon, code, name);
+    if (isLayer) sub->layer = layer;
   }
 }
 
@@ -137,18 +145,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(AcDbObjectId layer, Adesk::Boolean doSube
     draft->drawing = record.database().parts().life.number();
     return Acad::eOk;
   }
-  setName(*this, 8, nameFor(*this, record), doSubents);
-  if (slot_ != nullptr) {
-    Tag tag;
-    DrawingDatabase::Parts& parts = slot_->database().parts();
-    if (!HostObjectAccess::findTag(*this, commonPart(*this), 8, tag)) return Acad::eOk;
-    slot_->layer = parts.internLayer(tag.value);
-    if (doSubents) {
-      for (Slot* sub = slot_->firstSub(); sub != nullptr; sub = sub->nextSub) {
-        if (slot_->type != DxfType::Insert) sub->layer = slot_->layer;
-      }
-    }
-  }
+  setName(*this, kLayerCode, nameFor(*this, record), doSubents);
   return Acad::eOk;
 }
 
@@ -222,7 +219,7 @@ Acad::ErrorStatus AcDbEntity::setLinetype(AcDbObjectId linetype, Adesk::Boolean 
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   if (linetype.slot()->type != DxfType::LineType) return Acad::eWrongObjectType;
   if (linetype.isErased()) return Acad::eDeletedEntry;
-  setName(*this, 6, nameFor(*this, *linetype.slot()), doSubents);
+  setName(*this, kLinetypeCode, nameFor(*this, *linetype.slot()), doSubents);
   return Acad::eOk;
 }
 

@@ -1,9 +1,11 @@
 // Groups.
 #include <algorithm>
+#include <memory>
 
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
 #include "dbgroup.h"
+#include "dbobjptr.h"
 
 using host::database::dataOf;
 using host::database::dataToChange;
@@ -64,10 +66,10 @@ AcDbGroup::AcDbGroup() : AcDbGroup(ACRX_T("")) {}
 
 AcDbGroup::AcDbGroup(const ACHAR* description, bool selectable) {
   HostObjectAccess::initDetached(*this, "GROUP", false);
-  auto* const data = new GroupData;
+  auto data = std::make_unique<GroupData>();
   if (description != nullptr) data->description = description;
   data->isSelectable = selectable;
-  HostObjectAccess::setData(*this, data);
+  HostObjectAccess::setData(*this, data.release());
 }
 
 const ACHAR* AcDbGroup::description() const { return dataOf<GroupData>(*this).description.c_str(); }
@@ -92,14 +94,15 @@ Acad::ErrorStatus AcDbGroup::setSelectable(bool selectable) {
 Acad::ErrorStatus AcDbGroup::append(AcDbObjectId id) {
   if (slot_ == nullptr) return Acad::eNotInDatabase;
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
-  AcDbEntity* member = nullptr;
-  const Acad::ErrorStatus status = acdbOpenAcDbEntity(member, id, AcDb::kForWrite);
-  if (status != Acad::eOk) return status;
-  const bool isIn = member->hasPersistentReactor(objectId());
-  if (!isIn) HostObjectAccess::plantReactor(*member, objectId());
-  member->close();
-  if (isIn) return Acad::eAlreadyInGroup;
-  dataToChange<GroupData>(*this)->members.push_back(id.slot()->handle);
+  if (id.isNull()) return Acad::eNullObjectId;
+  if (!id.slot()->isEntity()) return Acad::eNotAnEntity;
+  const AcDbObjectPointer<AcDbEntity> member(id, AcDb::kForWrite);
+  if (member.openStatus() != Acad::eOk) return member.openStatus();
+  if (member->hasPersistentReactor(objectId())) return Acad::eAlreadyInGroup;
+  std::vector<std::uint64_t>& members = dataToChange<GroupData>(*this)->members;
+  host::database::makeRoom(members);
+  HostObjectAccess::plantReactor(*member, objectId());
+  members.push_back(id.slot()->handle);
   return Acad::eOk;
 }
 
@@ -123,12 +126,8 @@ Acad::ErrorStatus AcDbGroup::setLayer(AcDbObjectId layer) {
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   Acad::ErrorStatus first = Acad::eOk;
   for (Slot* const slot : membersOf(*this)) {
-    AcDbEntity* member = nullptr;
-    Acad::ErrorStatus status = acdbOpenAcDbEntity(member, AcDbObjectId(slot), AcDb::kForWrite);
-    if (status == Acad::eOk) {
-      status = member->setLayer(layer);
-      member->close();
-    }
+    const AcDbObjectPointer<AcDbEntity> member(AcDbObjectId(slot), AcDb::kForWrite);
+    const Acad::ErrorStatus status = member.openStatus() == Acad::eOk ? member->setLayer(layer) : member.openStatus();
     if (first == Acad::eOk) first = status;
   }
   return first;
@@ -152,10 +151,8 @@ Acad::ErrorStatus AcDbGroup::clear() {
   GroupData* const data = dataToChange<GroupData>(*this);
   if (data == nullptr) return Acad::eNotOpenForWrite;
   for (Slot* const slot : membersOf(*this)) {
-    AcDbEntity* member = nullptr;
-    if (acdbOpenAcDbEntity(member, AcDbObjectId(slot), AcDb::kForWrite) != Acad::eOk) continue;
-    member->removePersistentReactor(objectId());
-    member->close();
+    const AcDbObjectPointer<AcDbEntity> member(AcDbObjectId(slot), AcDb::kForWrite);
+    if (member.openStatus() == Acad::eOk) member->removePersistentReactor(objectId());
   }
   data->members.clear();
   return Acad::eOk;

@@ -577,7 +577,9 @@ Acad::ErrorStatus insertBlock(DrawingDatabase& target, std::wstring_view name, D
   const bool isDrawing = &sourceBlock == source.parts().modelSpaceRecord;
   if (isDrawing && source.findRecord(DxfType::BlockRecord, name) != nullptr) return Acad::eSelfReference;
   if (wouldShowItself(target, name, source, sourceBlock)) return Acad::eSelfReference;
+  Attempt attempt(target.parts());
   id = AcDbObjectId(&Inserter(target, source).insert(name, sourceBlock));
+  attempt.keep();
   return Acad::eOk;
 }
 

@@ -5,6 +5,7 @@
 // written back when the object is closed.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -106,9 +107,9 @@ namespace host::database {
 template <class T>
 T& dataOf(const AcDbObject& object) {
   if (HostObjectAccess::data(object) == nullptr) {
-    auto* data = new T;
+    auto data = std::make_unique<T>();
     data->read(HostObjectAccess::tags(object), HostObjectAccess::codec(object));
-    HostObjectAccess::setData(object, data);
+    HostObjectAccess::setData(object, data.release());
   }
   return static_cast<T&>(*HostObjectAccess::data(object));
 }

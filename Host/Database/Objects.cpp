@@ -1,9 +1,11 @@
 // Opening, closing and the life of objects.
 #include <algorithm>
-#include <array>
+#include <exception>
+#include <utility>
 
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
+#include "Database/Reactors.h"
 #include "Text/Text.h"
 #include "dbdict.h"
 #include "dbmain.h"
@@ -40,35 +42,22 @@ struct DetachedRecord : Record {
 /// Set while an object is made for a slot: its constructor then makes no record of its own.
 thread_local bool isBinding = false;
 
+struct Binding {
+  Binding() { isBinding = true; }
+  Binding(const Binding&) = delete;
+  Binding& operator=(const Binding&) = delete;
+  ~Binding() { isBinding = false; }
+};
+
 const host::text::Codec& utf8() {
   static const host::text::Codec codec;
   return codec;
 }
 
-/// A copy of the reactors to be told: one may remove itself meanwhile. A drawing has one or two.
-class Reactors {
- public:
-  explicit Reactors(const std::vector<AcDbDatabaseReactor*>& reactors) : count_(reactors.size()) {
-    if (count_ > few_.size()) {
-      many_ = reactors;
-    } else {
-      std::copy(reactors.begin(), reactors.end(), few_.begin());
-    }
-  }
-  AcDbDatabaseReactor* const* begin() const { return many_.empty() ? few_.data() : many_.data(); }
-  AcDbDatabaseReactor* const* end() const { return begin() + count_; }
-
- private:
-  std::size_t count_;
-  std::array<AcDbDatabaseReactor*, 4> few_{};
-  std::vector<AcDbDatabaseReactor*> many_;
-};
-
 /// The detached record with its tags.
 DetachedRecord& written(Record& detached) {
   auto& record = static_cast<DetachedRecord&>(detached);
   if (record.isWritten) return record;
-  record.isWritten = true;
   const host::database::EntityDraft& draft = record.draft;
   TagWriter writer(utf8());
   writer.raw(0, record.dxfName);
@@ -82,6 +71,7 @@ DetachedRecord& written(Record& detached) {
   if (hasLayer) writer.raw(8, utf8().encode(draft.layer->database().recordName(*draft.layer)));
   if (!draft.isColorFirst) writeColor();
   record.assign(record.arena.keep(writer.str()));
+  record.isWritten = true;
   return record;
 }
 
@@ -169,6 +159,12 @@ void HostObjectAccess::setData(const AcDbObject& object, ObjectData* data) {
 AcDbObject::AcDbObject() = default;
 
 AcDbObject::~AcDbObject() {
+  // A resident object is the host's to delete; one that somebody else deletes must not be known any more.
+  if (slot_ != nullptr && slot_->live != nullptr && slot_->live->object == this) {
+    slot_->live->object = nullptr;
+    slot_->live->writer = false;
+    slot_->live->readers = 0;
+  }
   delete data_;
   delete static_cast<DetachedRecord*>(detached_);
 }
@@ -232,9 +228,8 @@ Acad::ErrorStatus AcDbObject::erase(Adesk::Boolean erasing) {
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   if (slot_->isErased() == erasing) return erasing ? Acad::eWasErased : Acad::eOk;
   slot_->database().parts().eraseSlot(*slot_, erasing);
-  for (AcDbDatabaseReactor* const reactor : Reactors(slot_->database().parts().reactors)) {
-    reactor->objectErased(database(), this, erasing);
-  }
+  host::database::tellEach(slot_->database().parts().reactors,
+                           [&](AcDbDatabaseReactor& reactor) { reactor.objectErased(database(), this, erasing); });
   return Acad::eOk;
 }
 
@@ -283,6 +278,7 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   if (!extensionDictionary().isNull()) return Acad::eAlreadyInDb;
   DrawingDatabase& db = slot_->database();
+  host::database::NewSlots made(db.parts());
   Slot* const dictionary = db.parts().makeSlot(host::database::DxfType::Dictionary, slot_, 0);
   db.parts().setRecord(*dictionary, db.tagWriter()
                                         .raw(0, "DICTIONARY")
@@ -301,6 +297,7 @@ Acad::ErrorStatus AcDbObject::createExtensionDictionary() {
   } else {
     record.replace(controlGroupPlace(record), 0, db.keep(group));
   }
+  made.keep();
   return Acad::eOk;
 }
 
@@ -388,20 +385,22 @@ AcDbObject* DrawingDatabase::Parts::objectFor(Slot& slot) {
   // Changed since it was parked, by another way than its object.
   if (state.object != nullptr && !isOpen(state) && !isAsInFile(slot)) HostObjectAccess::setData(*state.object, nullptr);
   if (state.object == nullptr) {
+    makeRoom(opened);
     const ClassEntry* const entry = classEntry(slot.type);
     AcDbObject* object = nullptr;
-    isBinding = true;
-    if (slot.type == DxfType::TableHead) {
-      object = createTable(tableRecordType(slot));
-      if (object == nullptr) object = new AcDbProxyObject;
-    } else if (entry != nullptr) {
-      object = entry->create();
-    } else if (slot.isEntity()) {
-      object = new AcDbProxyEntity;
-    } else {
-      object = new AcDbProxyObject;
+    {
+      const Binding binding;
+      if (slot.type == DxfType::TableHead) {
+        object = createTable(tableRecordType(slot));
+        if (object == nullptr) object = new AcDbProxyObject;
+      } else if (entry != nullptr) {
+        object = entry->create();
+      } else if (slot.isEntity()) {
+        object = new AcDbProxyEntity;
+      } else {
+        object = new AcDbProxyObject;
+      }
     }
-    isBinding = false;
     HostObjectAccess::setData(*object, nullptr);
     object->slot_ = &slot;
     state.object = object;
@@ -448,6 +447,17 @@ void DrawingDatabase::Parts::parkData(Slot& slot) {
   }
 }
 
+void DrawingDatabase::Parts::writeData(Slot& slot, const ObjectData& data) {
+  TagWriter writer = self.tagWriter();
+  data.write(writer);
+  const std::string_view own = arena.keep(writer.str());
+  Record& record = edit(slot);
+  const RecordLayout layout = layoutOf(record);
+  const std::size_t begin = slot.isEntity() ? layout.secondSubclass : layout.firstSubclass;
+  const std::size_t from = begin != RecordLayout::npos ? begin : layout.xdata;
+  record.replace(from, layout.xdata - from, own);
+}
+
 Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
   Slot& slot = *object.slot_;
   Live* const state = slot.live;
@@ -459,14 +469,17 @@ Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
     if (--state->readers == 0) parkData(slot);
     return Acad::eOk;
   }
+  Acad::ErrorStatus status = Acad::eOk;
   if (object.data_ != nullptr && object.data_->changed) {
-    Record& record = edit(slot);
-    TagWriter writer = self.tagWriter();
-    object.data_->write(writer);
-    const RecordLayout layout = layoutOf(record);
-    const std::size_t begin = slot.isEntity() ? layout.secondSubclass : layout.firstSubclass;
-    const std::size_t from = begin != RecordLayout::npos ? begin : layout.xdata;
-    record.replace(from, layout.xdata - from, arena.keep(writer.str()));
+    try {
+      writeData(slot, *object.data_);
+    } catch (const std::exception&) {
+      // Objects are closed on the way out of failures, where nothing more may fail. The record is the former one; a new
+      // object never had a whole one.
+      status = Acad::eOutOfMemory;
+      ++lostChanges;
+      if (state->isAppending) slot.flags |= host::database::kErased;
+    }
   }
   const bool appended = state->isAppending;
   const bool modified = state->modified;
@@ -474,34 +487,25 @@ Acad::ErrorStatus DrawingDatabase::Parts::closeObject(AcDbObject& object) {
   parkData(slot);
   state->isAppending = false;
   state->modified = false;
-  if (!reactors.empty() && (appended || modified)) {
-    for (AcDbDatabaseReactor* const reactor : Reactors(reactors)) {
-      if (appended) {
-        reactor->objectAppended(facade, &object);
-      } else {
-        reactor->objectModified(facade, &object);
-      }
+  if (status != Acad::eOk) return status;
+  if (reactors.empty() || (!appended && !modified)) return Acad::eOk;
+  tellEach(reactors, [&](AcDbDatabaseReactor& reactor) {
+    if (appended) {
+      reactor.objectAppended(facade, &object);
+    } else {
+      reactor.objectModified(facade, &object);
     }
-  }
+  });
   return Acad::eOk;
 }
 
 void DrawingDatabase::Parts::eraseSlot(Slot& slot, bool erasing) {
+  // A polyline goes with all of its vertices or stays: what can fail comes first.
+  Slot* const firstSub = slot.unmadeVertices() == nullptr ? slot.firstSub() : nullptr;
+  const auto goesItself = [](const Slot& sub) { return (sub.flags & host::database::kFollows) == 0; };
   journal(slot);
-  const auto mark = [&](Slot& target) {
-    journal(target);
-    if (erasing) {
-      target.flags |= kErased;
-    } else {
-      target.flags = static_cast<std::uint16_t>(target.flags & ~kErased);
-    }
-  };
-  mark(slot);
-  if (slot.unmadeVertices() == nullptr) {
-    for (Slot* sub = slot.firstSub(); sub != nullptr; sub = sub->nextSub) {
-      if ((sub->flags & host::database::kFollows) == 0) mark(*sub);
-    }
-    host::database::followErasing(slot);
+  for (Slot* sub = firstSub; sub != nullptr; sub = sub->nextSub) {
+    if (goesItself(*sub)) journal(*sub);
   }
   // A dictionary forgets an erased object; its entry comes back with undo, as the dictionary's record does.
   if (slot.owner != nullptr && erasing &&
@@ -510,7 +514,15 @@ void DrawingDatabase::Parts::eraseSlot(Slot& slot, bool erasing) {
     const auto found = contents.byObject.find(&slot);
     if (found != contents.byObject.end()) removeDictionaryEntry(*slot.owner, found->second);
   }
-  if (live(slot).object != nullptr) live(slot).modified = true;
+  const auto mark = [erasing](Slot& target) {
+    target.flags = static_cast<std::uint16_t>(erasing ? target.flags | kErased : target.flags & ~kErased);
+  };
+  mark(slot);
+  for (Slot* sub = firstSub; sub != nullptr; sub = sub->nextSub) {
+    if (goesItself(*sub)) mark(*sub);
+  }
+  host::database::followErasing(slot);
+  if (slot.live != nullptr && slot.live->object != nullptr) slot.live->modified = true;
 }
 
 int DrawingDatabase::releaseObjects() {
@@ -523,11 +535,9 @@ int DrawingDatabase::releaseObjects() {
     if (live == nullptr || live->object == nullptr) continue;
     if (live->writer || live->readers > 0) {
       ++stillOpen;
-      while (parts_->closeObject(*live->object) == Acad::eOk) {
-      }
+      while (isOpen(*live)) parts_->closeObject(*live->object);
     }
-    delete live->object;
-    live->object = nullptr;
+    delete std::exchange(live->object, nullptr);
     if ((slot->flags & (kNew | kChanged)) == 0) {
       slot->live = nullptr;
       parts_->lives.destroy(live);

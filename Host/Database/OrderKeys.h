@@ -42,9 +42,14 @@ class OrderKeys {
     return {std::numeric_limits<std::uint64_t>::max(), static_cast<std::int64_t>(handle - free_.begin) + 1};
   }
 
-  /// Gives the entity a key; its former one is the answer.
-  OrderKey set(const Slot& entity, OrderKey key) {
+  /// Makes sure that giving a key to one more entity cannot fail.
+  void makeRoom() {
     if ((count_ + 1) * 3 > places_.size() * 2) grow();
+  }
+
+  /// Gives the entity a key; its former one is the answer. One that has a key needs no room.
+  OrderKey set(const Slot& entity, OrderKey key) {
+    if (places_.empty() || places_[indexOf(entity)].entity == nullptr) makeRoom();
     Place& place = places_[indexOf(entity)];
     const OrderKey former = place.entity != nullptr ? place.key : own(entity);
     if (place.entity == nullptr) ++count_;

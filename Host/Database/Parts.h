@@ -33,6 +33,12 @@ inline constexpr std::size_t kPoolBlockBytes = std::size_t{1} << 16;
 inline constexpr std::size_t kArenaBlockBytes = std::size_t{1} << 18;
 #endif
 
+/// Makes sure that adding `more` elements cannot fail; the memory grows as adding makes it grow.
+template <class Vector>
+void makeRoom(Vector& vector, std::size_t more = 1) {
+  if (vector.capacity() - vector.size() < more) vector.reserve(std::max(vector.size() + more, vector.size() * 2));
+}
+
 /// Gives out large pieces of memory, ever larger ones up to a limit; all of it goes back at once. Big drawings spend
 /// much of their time on the system's handing out of pages, so it is asked for big ones.
 class MemorySource {
@@ -42,11 +48,15 @@ class MemorySource {
   MemorySource& operator=(const MemorySource&) = delete;
   ~MemorySource();
 
-  /// A block aligned to its size, a power of two of at most 2 MB.
+  /// A block aligned to its size, a power of two of at most 2 MB. A failure changes nothing.
   char* block(std::size_t bytes);
 
  private:
-  std::vector<char*> slabs_;
+  struct Slab {
+    char* begin;
+    std::size_t bytes;
+  };
+  std::vector<Slab> slabs_;
   char* next_ = nullptr;
   std::size_t left_ = 0;
   std::size_t slabBytes_ = 0;
@@ -59,6 +69,8 @@ class SlotPool {
   SlotPool(const SlotPool&) = delete;
   SlotPool& operator=(const SlotPool&) = delete;
 
+  /// The next `make` cannot fail then.
+  void makeRoom();
   Slot* make();
   std::size_t size() const { return count_; }
   /// The slots in the order in which they were made.
@@ -193,7 +205,9 @@ struct SortContents {
   OrderKeys keys;
   std::int64_t moves = 0;  // counts moves to the top
   std::int64_t sinks = 0;  // counts moves to the bottom
-  bool changed = false;
+  // Every state the keys are ever in has a number; 0 is that of the record. Undo brings a state's number back with it.
+  std::uint64_t state = 0;
+  std::uint64_t latestState = 0;
 };
 
 /// A symbol table: its head and records in file order.
@@ -223,7 +237,12 @@ struct UndoStep {
     OrderKey key;
   };
   std::vector<OrderChange> order;
-  bool isEmpty() const { return states.empty() && order.empty() && madeBegin == madeEnd; }
+  struct OrderState {
+    Slot* table = nullptr;
+    std::uint64_t state = 0;
+  };
+  std::vector<OrderState> orderStates;  // of the sort tables that it changed
+  bool isEmpty() const { return states.empty() && orderStates.empty() && madeBegin == madeEnd; }
 };
 
 /// How a drawing's text is spelled in its file, when not as it stands (binary drawings).
@@ -260,9 +279,14 @@ class DrawingLife {
   std::uint64_t number_;
 };
 
+class Attempt;
+
 struct DrawingDatabase::Parts {
   explicit Parts(DrawingDatabase& owner, AcDbDatabase* facadeIn)
       : facade(facadeIn), self(owner), slots(&owner), lateSlots(&owner) {}
+  Parts(const Parts&) = delete;
+  Parts& operator=(const Parts&) = delete;
+  ~Parts();
 
   AcDbDatabase* facade;
   DrawingDatabase& self;
@@ -344,6 +368,8 @@ struct DrawingDatabase::Parts {
   std::uint32_t stepNumber = 0;
   std::uint64_t stepChanges = 0;  // change counter when the current step began
   std::uint64_t stepHandle = 0;   // what the current step makes has this handle or a higher one
+  Attempt* attempt = nullptr;     // the work under way that leaves nothing behind when it fails
+  int lostChanges = 0;            // objects whose values could not be written at their close, since somebody asked
 
   std::uint64_t changes = 0;
   std::uint64_t savedChanges = 0;
@@ -361,7 +387,8 @@ struct DrawingDatabase::Parts {
   void forgetDefaults();
 
   // ---- slots ----
-  /// A new object of this session with a fresh handle.
+  /// A new object of this session with a fresh handle, without a record. Its maker holds it with NewSlots until it is
+  /// whole.
   Slot* makeSlot(DxfType type, Slot* owner, std::uint16_t flags);
   void indexHandles();  // after loading
   Live& live(Slot& slot);
@@ -372,6 +399,8 @@ struct DrawingDatabase::Parts {
   /// Record as it stands.
   Record current(const Slot& slot) const;
   void setRecord(Slot& slot, std::string_view bytes);
+  /// Writes what was changed of an open object's parsed data into its record.
+  void writeData(Slot& slot, const ObjectData& data);
   /// Whether undoing the current step takes the slot away as a whole, so that nothing of it needs to be journaled.
   bool isOfThisStep(const Slot& slot) const { return inStep && (slot.flags & kNew) != 0 && slot.handle >= stepHandle; }
   Acad::ErrorStatus closeObject(AcDbObject& object);
@@ -396,10 +425,53 @@ struct DrawingDatabase::Parts {
   Slot* ensureRoot();
   Slot* dictionaryIn(Slot& parent, std::wstring_view key);  // made when missing
   void setOrderKey(Slot& table, const Slot& entity, OrderKey key);
-  void orderYoungest();
-  /// Writes pending sort tables, table counts, classes and the hand seed into their records, before saving.
-  void settle();
+  /// The records that a saved drawing has in place of those here: sort tables, table counts, classes, the hand seed.
+  /// They say what is there when it is saved; the drawing itself does not change. New text goes into `memory`.
+  std::unordered_map<const Slot*, Record> settledRecords(Arena& memory);
   BlockContents& contents(const Slot* blockRecord);
+};
+
+/// Holds the slots made since: they count as erased, as if undone, unless `keep` says that they are whole. So a failure
+/// between making an object and filling it leaves no object without a record.
+class NewSlots {
+ public:
+  explicit NewSlots(DrawingDatabase::Parts& parts) : parts_(parts), begin_(parts.slots.size()) {}
+  NewSlots(const NewSlots&) = delete;
+  NewSlots& operator=(const NewSlots&) = delete;
+  ~NewSlots() {
+    for (std::size_t i = begin_; !isKept_ && i < parts_.slots.size(); ++i) parts_.slots.at(i).flags |= kErased;
+  }
+  void keep() { isKept_ = true; }
+
+ private:
+  DrawingDatabase::Parts& parts_;
+  std::size_t begin_;
+  bool isKept_ = false;
+};
+
+/// Work on many objects that leaves nothing behind when it fails: unless `keep` says that it is done, what it made
+/// counts as erased and what it changed gets its former record back.
+class Attempt {
+ public:
+  explicit Attempt(DrawingDatabase::Parts& parts);
+  Attempt(const Attempt&) = delete;
+  Attempt& operator=(const Attempt&) = delete;
+  ~Attempt();
+  /// Called before the first and any further change of a slot.
+  void remember(Slot& slot);
+  void keep() {
+    made_.keep();
+    isKept_ = true;
+  }
+
+ private:
+  DrawingDatabase::Parts& parts_;
+  NewSlots made_;
+  std::size_t begin_;
+  std::unordered_set<const Slot*> known_;
+  std::vector<SlotState> states_;
+  Attempt* outer_;
+  bool isKept_ = false;
 };
 
 /// The record edit that both slots and detached objects use.
@@ -408,6 +480,8 @@ bool findTagIn(TagCursor cursor, std::string_view subclass, int code, Tag& tag, 
 void setTagIn(Record& record, std::string_view subclass, int code, std::string_view bytes);
 void removeTagIn(Record& record, std::string_view subclass, int code);
 
+/// Sets one group of a variable in a header's record; `tag` is the whole new one, kept in `memory`.
+void setVariableIn(Record& record, std::string_view name, int code, const TagWriter& tag, Arena& memory);
 /// Adds an entry to a dictionary and its record.
 void addEntry(DrawingDatabase::Parts& parts, Slot& dictionarySlot, const std::wstring& key, Slot& object);
 /// Fixed DXF names of types ("LWPOLYLINE"); empty from FirstOther on.

@@ -77,7 +77,9 @@ resbuf* Chain::add(int type) {
   return item;
 }
 
-void Chain::addText(int type, const std::wstring& value) { acutUpdString(value.c_str(), add(type)->resval.rstring); }
+void Chain::addText(int type, const std::wstring& value) {
+  if (acutUpdString(value.c_str(), add(type)->resval.rstring) != Acad::eOk) throw std::bad_alloc();
+}
 
 Chain::~Chain() { acutRelRb(head_); }
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -19,18 +18,23 @@ constexpr std::size_t kLargestSlab = std::size_t{1} << 21;  // a huge page
 }  // namespace
 
 MemorySource::~MemorySource() {
-  for (char* const slab : slabs_) std::free(slab);
+  for (const Slab& slab : slabs_) ::operator delete (slab.begin, std::align_val_t{slab.bytes});
 }
 
 char* MemorySource::block(std::size_t bytes) {
   if (left_ < bytes) {
-    slabBytes_ = std::max(bytes, std::min(slabBytes_ * 2, kLargestSlab));
-    next_ = static_cast<char*>(std::aligned_alloc(slabBytes_, slabBytes_));
-    if (next_ == nullptr) throw std::bad_alloc();
-    left_ = slabBytes_;
-    slabs_.push_back(next_);
+    database::makeRoom(slabs_);
+    std::size_t size = std::max(bytes, std::min(slabBytes_ * 2, kLargestSlab));
+    void* slab = ::operator new (size, std::align_val_t{size}, std::nothrow);
+    if (slab == nullptr) {
+      size = bytes;  // near the end of memory there may be no large piece left
+      slab = ::operator new (size, std::align_val_t{size});
+    }
+    slabs_.push_back({static_cast<char*>(slab), size});
+    next_ = static_cast<char*>(slab);
+    left_ = slabBytes_ = size;
 #ifdef __linux__
-    if (slabBytes_ == kLargestSlab) ::madvise(next_, slabBytes_, MADV_HUGEPAGE);
+    if (size == kLargestSlab) ::madvise(next_, size, MADV_HUGEPAGE);
 #endif
   }
   char* const begin = next_;
@@ -39,15 +43,19 @@ char* MemorySource::block(std::size_t bytes) {
   return begin;
 }
 
+void SlotPool::makeRoom() {
+  if (count_ < blocks_.size() * kSlotsPerBlock) return;
+  database::makeRoom(blocks_);
+  char* const block = source_.block(kBlockBytes);
+  std::memcpy(block, &database_, kPointerBytes);
+  blocks_.push_back(block);
+}
+
 Slot* SlotPool::make() {
-  const std::size_t index = count_ % kSlotsPerBlock;
-  if (index == 0) {
-    char* const block = source_.block(kBlockBytes);
-    std::memcpy(block, &database_, kPointerBytes);
-    blocks_.push_back(block);
-  }
+  makeRoom();
+  Slot* const slot = firstSlot(blocks_.back()) + count_ % kSlotsPerBlock;
   ++count_;
-  return new (firstSlot(blocks_.back()) + index) Slot;
+  return new (slot) Slot;
 }
 
 DrawingDatabase& SlotPool::databaseOf(const Slot* slot) {
@@ -63,9 +71,10 @@ void Arena::refill(std::size_t bytes) {
     left_ = kArenaBlockBytes;
     return;
   }
-  left_ = std::max(chunkBytes_, bytes);
-  chunks_.push_back(std::make_unique_for_overwrite<char[]>(left_));  // aligned for anything
+  const std::size_t size = std::max(chunkBytes_, bytes);
+  chunks_.push_back(std::make_unique_for_overwrite<char[]>(size));  // aligned for anything
   next_ = chunks_.back().get();
+  left_ = size;
 }
 
 void* Arena::allocate(std::size_t bytes, std::size_t alignment) {

@@ -35,9 +35,8 @@ OrderKey keyOf(const SortContents& contents, const Slot& entity) { return conten
 namespace host::database {
 
 SortContents& DrawingDatabase::Parts::sortTable(const Slot& slot) {
-  std::unique_ptr<SortContents>& contents = sortTables[&slot];
-  if (contents != nullptr) return *contents;
-  contents = std::make_unique<SortContents>(freeHandles);
+  if (const auto found = sortTables.find(&slot); found != sortTables.end()) return *found->second;
+  auto contents = std::make_unique<SortContents>(freeHandles);
   const Slot* entity = nullptr;
   bool inside = false;
   Tag tag;
@@ -51,15 +50,24 @@ SortContents& DrawingDatabase::Parts::sortTable(const Slot& slot) {
       entity = nullptr;
     }
   }
-  return *contents;
+  return *sortTables.emplace(&slot, std::move(contents)).first->second;
 }
 
 void DrawingDatabase::Parts::setOrderKey(Slot& table, const Slot& entity, OrderKey key) {
   SortContents& contents = sortTable(table);
-  const OrderKey former = contents.keys.set(entity, key);
+  contents.keys.makeRoom();
   // Where an entity stands that is taken away by undo does not matter.
-  if (inStep && !isOfThisStep(entity)) currentStep.order.push_back({&table, &entity, former});
-  contents.changed = true;
+  const bool isJournaled = inStep && !isOfThisStep(entity);
+  if (isJournaled) makeRoom(currentStep.order);
+  if (inStep) {
+    std::vector<UndoStep::OrderState>& known = currentStep.orderStates;
+    const bool isKnown = std::any_of(known.begin(), known.end(), [&](const auto& one) { return one.table == &table; });
+    if (!isKnown) known.push_back({&table, contents.state});
+  }
+  // From here on nothing can fail.
+  const OrderKey former = contents.keys.set(entity, key);
+  if (isJournaled) currentStep.order.push_back({&table, &entity, former});
+  contents.state = ++contents.latestState;
   ++changes;
   if (observer != nullptr) observer->used(entity);
 }
@@ -109,121 +117,124 @@ std::vector<Slot*> DrawingDatabase::drawOrder(const BlockContents& block) const 
 
 namespace {
 
-/// Writes the pairs of a changed table into its record: the i-th entity drawn gets the i-th smallest handle.
-void settleSortTable(DrawingDatabase& db, Slot& table, SortContents& contents) {
-  DrawingDatabase::Parts& parts = db.parts();
-  contents.changed = false;
-  if (contents.block == nullptr) return;
-  const BlockContents* const block = db.block(contents.block);
-  if (block == nullptr) return;
-  const std::vector<Slot*> order = db.drawOrder(*block);
-  std::vector<std::uint64_t> handles;
-  handles.reserve(order.size());
-  for (const Slot* const slot : order) handles.push_back(slot->handle);
-  std::sort(handles.begin(), handles.end());
-  TagWriter out = db.tagWriter();
-  for (std::size_t i = 0; i < order.size(); ++i) {
-    if (order[i]->handle != handles[i]) out.handle(331, order[i]->handle).handle(5, handles[i]);
-  }
-  Record& record = parts.edit(table);
-  std::size_t number = 0;
-  std::size_t begin = 0;
-  bool inside = false;
-  Tag tag;
-  for (TagCursor cursor = record.tags(); cursor.next(tag) && tag.code < 1000; ++number) {
-    if (tag.code == 100) inside = tag.trimmed() == kSortents;
-    if (inside && (tag.code == 100 || tag.code == 330)) begin = number + 1;
-  }
-  record.replace(begin, number - begin, parts.arena.keep(out.str()));
-}
+/// What a saved drawing has in place of its records where these count or order what the drawing holds.
+class Settling {
+ public:
+  Settling(DrawingDatabase& db, Arena& memory) : db_(db), parts_(db.parts()), memory_(memory) {}
 
-/// Programs need the sort table's class declared when the file did not use it before; when the table that needed it has
-/// been undone, the declaration goes too.
-void settleSortTableClass(DrawingDatabase::Parts& parts, bool hasSortTable, bool hasNew) {
-  TagWriter out = parts.self.tagWriter();
-  out.raw(0, "CLASS").raw(1, "SORTENTSTABLE").raw(2, "AcDbSortentsTable").raw(3, "ObjectDBX Classes").integer(90, 0);
-  if (parts.version >= DrawingVersion::V2004) out.integer(91, 1);
-  out.integer(280, 0).integer(281, 0);
-
-  Tag tag;
-  bool isDeclared = false;
-  for (TagCursor cursor = parts.classes->tags(); cursor.next(tag);) {
-    isDeclared = isDeclared || (tag.code == 1 && tag.trimmed() == "SORTENTSTABLE");
-  }
-  if (hasSortTable) {
-    if (hasNew && !isDeclared) parts.edit(*parts.classes).append(parts.arena.keep(out.str()));
-    return;
-  }
-  if (!isDeclared || (parts.classes->flags & kChanged) == 0) return;
-  // Ours is a piece of its own; a declaration of the file's stands among its other bytes.
-  std::size_t index = 0;
-  for (const std::string_view piece : parts.edit(*parts.classes).pieces()) {
-    std::size_t count = 0;
-    for (TagCursor cursor(piece); cursor.next(tag);) ++count;
-    if (piece == out.str()) {
-      parts.edit(*parts.classes).replace(index, count, {});
-      return;
+  std::unordered_map<const Slot*, Record> take() {
+    std::uint64_t highest = 0;
+    bool hasSortTable = false;
+    bool hasNew = false;
+    db_.forEachSlot([&](const Slot& slot) {
+      if (slot.isErased()) return;
+      if ((slot.flags & (kNew | kNeedsHandle)) != 0) hasNew = true;
+      const UnmadeVertices* const vertices = slot.unmadeVertices();
+      highest = std::max(highest, slot.handle + (vertices != nullptr ? vertices->handles() : 0));
+      hasSortTable = hasSortTable || slot.type == DxfType::SortentsTable;
+    });
+    if (parts_.freeHandles.isGap()) readSortTables();
+    for (const auto& [slot, contents] : parts_.sortTables) {
+      if (!slot->isErased() && (contents->state != 0 || ordersYoungest(*contents))) settlePairs(*slot, *contents);
     }
-    index += count;
+    for (const auto& [type, table] : parts_.tables) settleCount(table);
+    if (hasNew && hasSortTable && parts_.classes != nullptr) declareSortTables();
+    if (hasNew) settleSeed(highest);
+    return std::move(settled_);
   }
-}
 
-/// Sets a tag when it differs; nothing is touched otherwise.
-void settleInteger(DrawingDatabase::Parts& parts, Slot& slot, std::string_view subclass, int code, std::int64_t value) {
-  Tag tag;
-  if (findTagIn(slot.tags(), subclass, code, tag) && tag.integer() == value) return;
-  parts.setTag(slot, subclass, code, spelledInteger(code, value));
-}
+ private:
+  Record& recordOf(const Slot& slot) { return settled_.try_emplace(&slot, parts_.current(slot)).first->second; }
+  std::string_view kept(const TagWriter& out) { return memory_.keep(out.str()); }
 
-}  // namespace
+  void readSortTables() {
+    db_.forEachSlot([&](const Slot& table) {
+      if (table.type == DxfType::SortentsTable && !table.isErased()) parts_.sortTable(table);
+    });
+  }
 
-/// New entities with handles from a gap stand on top by keys that no file holds: a table that was there before them has
-/// to name them.
-void DrawingDatabase::Parts::orderYoungest() {
-  self.forEachSlot([&](const Slot& table) {
-    if (table.type != DxfType::SortentsTable || table.isErased()) return;
-    SortContents& contents = sortTable(table);
-    const BlockContents* const block = contents.block != nullptr ? self.block(contents.block) : nullptr;
+  /// New entities with handles from a gap stand on top by keys that no file holds: a table that was there before them
+  /// has to name them.
+  bool ordersYoungest(const SortContents& contents) const {
+    if (!parts_.freeHandles.isGap() || contents.block == nullptr) return false;
+    const BlockContents* const block = db_.block(contents.block);
+    return block != nullptr && std::any_of(block->entities.begin(), block->entities.end(), [&](const Slot* entity) {
+             return !entity->isErased() && parts_.freeHandles.contains(entity->handle);
+           });
+  }
+
+  /// The pairs of a table: the i-th entity drawn gets the i-th smallest handle.
+  void settlePairs(const Slot& table, const SortContents& contents) {
+    const BlockContents* const block = contents.block != nullptr ? db_.block(contents.block) : nullptr;
     if (block == nullptr) return;
-    const std::vector<Slot*>& entities = block->entities;
-    contents.changed = contents.changed || std::any_of(entities.begin(), entities.end(), [&](const Slot* entity) {
-                         return !entity->isErased() && freeHandles.contains(entity->handle);
-                       });
-  });
-}
-
-void DrawingDatabase::Parts::settle() {
-  std::uint64_t highest = 0;
-  bool hasSortTable = false;
-  bool hasNew = false;
-  if (freeHandles.isGap()) orderYoungest();
-  for (auto& [slot, contents] : sortTables) {
-    if (contents->changed && !slot->isErased()) settleSortTable(self, const_cast<Slot&>(*slot), *contents);
+    const std::vector<Slot*> order = db_.drawOrder(*block);
+    std::vector<std::uint64_t> handles;
+    handles.reserve(order.size());
+    for (const Slot* const slot : order) handles.push_back(slot->handle);
+    std::sort(handles.begin(), handles.end());
+    TagWriter out = db_.tagWriter();
+    for (std::size_t i = 0; i < order.size(); ++i) {
+      if (order[i]->handle != handles[i]) out.handle(331, order[i]->handle).handle(5, handles[i]);
+    }
+    Record& record = recordOf(table);
+    std::size_t number = 0;
+    std::size_t begin = 0;
+    bool inside = false;
+    Tag tag;
+    for (TagCursor cursor = record.tags(); cursor.next(tag) && tag.code < 1000; ++number) {
+      if (tag.code == 100) inside = tag.trimmed() == kSortents;
+      if (inside && (tag.code == 100 || tag.code == 330)) begin = number + 1;
+    }
+    record.replace(begin, number - begin, kept(out));
   }
-  self.forEachSlot([&](Slot& slot) {
-    if (slot.isErased()) return;
-    if ((slot.flags & (kNew | kNeedsHandle)) != 0) hasNew = true;
-    const UnmadeVertices* const vertices = slot.unmadeVertices();
-    highest = std::max(highest, slot.handle + (vertices != nullptr ? vertices->handles() : 0));
-    hasSortTable = hasSortTable || slot.type == DxfType::SortentsTable;
-  });
-  for (auto& [type, table] : tables) {
-    if (table.head == nullptr) continue;
+
+  /// A table that grew says how many records it has.
+  void settleCount(const SymbolTable& table) {
+    if (table.head == nullptr) return;
     const bool grew = std::any_of(table.records.begin(), table.records.end(), [](const Slot* record) {
       return (record->flags & kNew) != 0 && !record->isErased();
     });
-    if (!grew && (table.head->flags & kNew) == 0) continue;
-    const auto living = std::count_if(table.records.begin(), table.records.end(),
-                                      [](const Slot* record) { return !record->isErased(); });
-    settleInteger(*this, *table.head, "AcDbSymbolTable", 70, living);
+    if (!grew && (table.head->flags & kNew) == 0) return;
+    const std::int64_t living = std::count_if(table.records.begin(), table.records.end(),
+                                              [](const Slot* record) { return !record->isErased(); });
+    constexpr std::string_view kTable = "AcDbSymbolTable";
+    constexpr int kCount = 70;
+    Tag tag;
+    if (findTagIn(table.head->tags(), kTable, kCount, tag) && tag.integer() == living) return;
+    TagWriter out = db_.tagWriter();
+    setTagIn(recordOf(*table.head), kTable, kCount, kept(out.integer(kCount, living)));
   }
-  if (classes != nullptr) settleSortTableClass(*this, hasSortTable, hasNew);
-  if (hasNew) {
-    const std::wstring seed = text::fromUtf8(text::formatHandle(leastSeed(highest, nextHandle)));
-    if (text::parseHandle(text::toUtf8(self.headerText("$HANDSEED", 5).value_or(L""))) <= highest) {
-      self.setHeaderText("$HANDSEED", 5, seed);
+
+  /// Programs need the sort table's class declared when the file did not use it before.
+  void declareSortTables() {
+    Tag tag;
+    for (TagCursor cursor = parts_.classes->tags(); cursor.next(tag);) {
+      if (tag.code == 1 && tag.trimmed() == "SORTENTSTABLE") return;
     }
+    TagWriter out = db_.tagWriter();
+    out.raw(0, "CLASS").raw(1, "SORTENTSTABLE").raw(2, "AcDbSortentsTable").raw(3, "ObjectDBX Classes").integer(90, 0);
+    if (parts_.version >= DrawingVersion::V2004) out.integer(91, 1);
+    recordOf(*parts_.classes).append(kept(out.integer(280, 0).integer(281, 0)));
   }
+
+  void settleSeed(std::uint64_t highest) {
+    if (parts_.header == nullptr) return;
+    if (text::parseHandle(text::toUtf8(db_.headerText("$HANDSEED", 5).value_or(L""))) > highest) return;
+    TagWriter seed = db_.tagWriter();
+    seed.handle(5, leastSeed(highest, parts_.nextHandle));
+    setVariableIn(recordOf(*parts_.header), "$HANDSEED", 5, seed, memory_);
+  }
+
+  DrawingDatabase& db_;
+  DrawingDatabase::Parts& parts_;
+  Arena& memory_;
+  std::unordered_map<const Slot*, Record> settled_;
+};
+
+}  // namespace
+
+std::unordered_map<const Slot*, Record> DrawingDatabase::Parts::settledRecords(Arena& memory) {
+  return Settling(self, memory).take();
 }
 
 }  // namespace host::database

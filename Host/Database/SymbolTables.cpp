@@ -1,5 +1,7 @@
 // Symbol tables and their records.
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "Database/Adoption.h"
 #include "Database/ObjectAccess.h"
@@ -115,15 +117,18 @@ AcDbObject* createTable(DxfType recordType) {
 SymbolTable& DrawingDatabase::Parts::tableFor(DxfType recordType) {
   SymbolTable& table = tables[recordType];
   if (table.head == nullptr) {
-    table.head = makeSlot(DxfType::TableHead, nullptr, 0);
-    setRecord(*table.head, self.tagWriter()
-                               .raw(0, "TABLE")
-                               .raw(2, fixedTypeName(recordType))
-                               .handle(5, table.head->handle)
-                               .handle(330, 0)
-                               .raw(100, "AcDbSymbolTable")
-                               .integer(70, 0)
-                               .take());
+    NewSlots made(*this);
+    Slot* const head = makeSlot(DxfType::TableHead, nullptr, 0);
+    setRecord(*head, self.tagWriter()
+                         .raw(0, "TABLE")
+                         .raw(2, fixedTypeName(recordType))
+                         .handle(5, head->handle)
+                         .handle(330, 0)
+                         .raw(100, "AcDbSymbolTable")
+                         .integer(70, 0)
+                         .take());
+    made.keep();
+    table.head = head;
   }
   return table;
 }
@@ -136,16 +141,31 @@ Acad::ErrorStatus AcDbSymbolTableRecord::setName(const ACHAR* name) {
   if (name == nullptr || !isValidName(name)) return Acad::eInvalidInput;
   if (!HostObjectAccess::canWrite(*this)) return Acad::eNotOpenForWrite;
   Slot* const slot = HostObjectAccess::slot(*this);
-  if (slot != nullptr) {
-    DrawingDatabase& db = slot->database();
-    Slot* const other = db.findRecord(slot->type, name);
-    if (other != nullptr && other != slot) return Acad::eDuplicateRecordName;
-    SymbolTable& table = db.parts().tableFor(slot->type);
-    if (const auto old = table.byName.find(db.recordName(*slot)); old != table.byName.end()) table.byName.erase(old);
-    table.byName[std::wstring(name)] = slot;
+  const std::string encoded = HostObjectAccess::codec(*this).encode(name);
+  if (slot == nullptr) {
+    HostObjectAccess::setTag(*this, "", 2, encoded);
+    return Acad::eOk;
   }
-  HostObjectAccess::setTag(*this, "", 2, HostObjectAccess::codec(*this).encode(name));
-  if (slot != nullptr && slot->type == DxfType::Layer) slot->database().parts().bindLayerRecord(slot);
+  DrawingDatabase& db = slot->database();
+  DrawingDatabase::Parts& parts = db.parts();
+  Slot* const other = db.findRecord(slot->type, name);
+  if (other != nullptr && other != slot) return Acad::eDuplicateRecordName;
+  SymbolTable& table = parts.tableFor(slot->type);
+  const std::wstring former = db.recordName(*slot);
+  const std::wstring next = name;
+  if (slot->type == DxfType::Layer) parts.internLayer(encoded);
+  const bool isCaseOnly = host::text::equalFolded(former, next);
+  Slot*& entry = table.byName[next];
+  Slot* const formerEntry = std::exchange(entry, slot);
+  try {
+    HostObjectAccess::setTag(*this, "", 2, encoded);
+  } catch (...) {
+    entry = formerEntry;
+    if (formerEntry == nullptr) table.byName.erase(next);
+    throw;
+  }
+  if (!isCaseOnly) table.byName.erase(former);
+  if (slot->type == DxfType::Layer) parts.bindLayerRecord(slot);
   return Acad::eOk;
 }
 
@@ -234,6 +254,7 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
   if (db.findRecord(kind->recordType, name) != nullptr) return Acad::eDuplicateRecordName;
 
   parts.journal(head);  // its count follows when saved
+  host::database::NewSlots made(parts);
   Slot* const slot = parts.makeSlot(kind->recordType, &head, 0);
   TagWriter out = db.tagWriter();
   out.raw(0, kind->name).handle(5, slot->handle).handle(330, head.handle).raw(100, "AcDbSymbolTableRecord");
@@ -246,7 +267,8 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
       }
     }
   }
-  host::database::bindNew(*record, *slot, out.take());
+  host::database::setNewRecord(*slot, out.str());
+  host::database::prepareBinding(*slot);
   SymbolTable& table = parts.tableFor(kind->recordType);
   table.records.push_back(slot);
   table.byName[name] = slot;
@@ -254,6 +276,8 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
   if (kind->recordType == DxfType::BlockRecord) {
     host::database::beginBlock(*slot, name);
   }
+  made.keep();
+  host::database::bindOpen(*record, *slot);
   id = AcDbObjectId(slot);
   return Acad::eOk;
 }
@@ -262,9 +286,10 @@ Acad::ErrorStatus AcDbSymbolTable::newIterator(AcDbSymbolTableIterator*& iterato
                                                bool skipDeleted) const {
   const SymbolTable* const table = tableOf(*this);
   if (table == nullptr) return Acad::eNotInDatabase;
-  iterator = new AcDbSymbolTableIterator;
-  for (Slot* const slot : table->records) iterator->ids_.append(AcDbObjectId(slot));
-  iterator->start(atBeginning, skipDeleted);
+  std::unique_ptr<AcDbSymbolTableIterator> made(new AcDbSymbolTableIterator);
+  for (Slot* const slot : table->records) made->ids_.append(AcDbObjectId(slot));
+  made->start(atBeginning, skipDeleted);
+  iterator = made.release();
   return Acad::eOk;
 }
 
@@ -582,11 +607,12 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
 Acad::ErrorStatus AcDbBlockTableRecord::newIterator(AcDbBlockTableRecordIterator*& iterator, bool atBeginning,
                                                     bool skipDeleted) const {
   if (slot_ == nullptr) return Acad::eNotInDatabase;
-  iterator = new AcDbBlockTableRecordIterator;
+  std::unique_ptr<AcDbBlockTableRecordIterator> made(new AcDbBlockTableRecordIterator);
   if (const host::database::BlockContents* const block = slot_->database().block(slot_)) {
-    for (Slot* const slot : block->entities) iterator->ids_.append(AcDbObjectId(slot));
+    for (Slot* const slot : block->entities) made->ids_.append(AcDbObjectId(slot));
   }
-  iterator->start(atBeginning, skipDeleted);
+  made->start(atBeginning, skipDeleted);
+  iterator = made.release();
   return Acad::eOk;
 }
 

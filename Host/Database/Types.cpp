@@ -93,8 +93,10 @@ DxfType DrawingDatabase::Parts::typeOf(std::string_view name) {
   constexpr std::size_t kMost = 60000;  // a 16-bit index; more kinds than that are not a drawing
   if (otherTypes.size() >= kMost) return DxfType::Unknown;
   const auto type = static_cast<DxfType>(static_cast<std::size_t>(DxfType::FirstOther) + otherTypes.size());
-  otherTypes.emplace_back(name);
-  otherTypeIndex.emplace(std::string(name), type);
+  makeRoom(otherTypes);
+  std::string own(name);
+  otherTypeIndex.emplace(own, type);
+  otherTypes.push_back(std::move(own));
   return type;
 }
 

@@ -51,12 +51,15 @@ Slot* Slot::makeSubs() const {
     sub->owner = &polyline;
     sub->handle = handle + 1 + i;
     sub->layer = vertices.common->layer;
-    sub->flags = static_cast<std::uint16_t>(kEntity | kSubEntity | kNew | kFollows | (flags & kErased));
+    sub->flags = kEntity | kSubEntity | kNew | kFollows | kErased;  // until all of them are there
     TagWriter out = db.tagWriter();
     vertices.write(out, *this, i);
     parts.live(*sub).record = Record(db.keep(out.str()));
     *link = sub;
     link = &sub->nextSub;
+  }
+  for (Slot* sub = first; sub != nullptr; sub = sub->nextSub) {
+    sub->flags = static_cast<std::uint16_t>((sub->flags & ~kErased) | (flags & kErased));
   }
   polyline.madeSub = first;
   polyline.flags = static_cast<std::uint16_t>(flags & ~kUnmade);

@@ -1,6 +1,7 @@
 // Extended data.
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 #include "Database/ObjectAccess.h"
 #include "Database/Parts.h"
@@ -10,6 +11,7 @@
 #include "acutads.h"
 #include "dbapserv.h"
 #include "dbmain.h"
+#include "dbobjptr.h"
 #include "dbsymtb.h"
 
 using host::database::addValue;
@@ -238,18 +240,10 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* xdata) {
 int acdbRegApp(const ACHAR* name) {
   AcDbDatabase* const db = acdbHostApplicationServices()->workingDatabase();
   if (db == nullptr || name == nullptr || *name == 0) return RTERROR;
-  AcDbRegAppTable* table = nullptr;
-  if (db->getRegAppTable(table, AcDb::kForWrite) != Acad::eOk) return RTERROR;
-  int result = RTERROR;
-  if (!table->has(name)) {
-    auto* const record = new AcDbRegAppTableRecord;
-    if (record->setName(name) == Acad::eOk && table->add(record) == Acad::eOk) {
-      record->close();
-      result = RTNORM;
-    } else {
-      delete record;
-    }
-  }
-  table->close();
-  return result;
+  const AcDbObjectPointer<AcDbRegAppTable> table(db->regAppTableId(), AcDb::kForWrite);
+  if (table.openStatus() != Acad::eOk || table->has(name)) return RTERROR;
+  auto record = std::make_unique<AcDbRegAppTableRecord>();
+  if (record->setName(name) != Acad::eOk || table->add(record.get()) != Acad::eOk) return RTERROR;
+  record.release()->close();
+  return RTNORM;
 }

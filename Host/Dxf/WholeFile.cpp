@@ -5,6 +5,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include "Dxf/DxfFile.h"
 
@@ -23,10 +25,11 @@ class TemporaryFile {
       descriptor_ = ::open(folder_.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
     }
     if (descriptor_ < 0) {
-      std::string name = (folder_ / ".tolmex-XXXXXX").string();
-      descriptor_ = ::mkostemp(name.data(), O_CLOEXEC);
-      if (descriptor_ >= 0) name_ = name;
+      name_ = (folder_ / ".tolmex-XXXXXX").string();
+      descriptor_ = ::mkostemp(name_.data(), O_CLOEXEC);
+      if (descriptor_ < 0) name_.clear();
     }
+    if (descriptor_ < 0) failed();
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -36,6 +39,8 @@ class TemporaryFile {
   }
 
   bool isOpen() const { return descriptor_ >= 0; }
+  /// Why the last call failed.
+  const char* reason() const { return std::strerror(error_); }
 
   /// Small pieces are gathered, so that a file of many edits is not written by the line.
   bool write(std::string_view piece) {
@@ -52,8 +57,8 @@ class TemporaryFile {
     return ok;
   }
 
-  /// Flushes and takes the target's place, with the permissions and the owner the old file had. On failure errno tells
-  /// why and the old file stands.
+  /// Flushes and takes the target's place, with the permissions and the owner the old file had. On failure the old file
+  /// stands.
   bool commit() {
     struct stat old {};
     const mode_t mask = ::umask(0);
@@ -64,11 +69,10 @@ class TemporaryFile {
       // Only a privileged user can give a file away; for others the new file is theirs, as with any editor.
       if (::fchown(descriptor_, old.st_uid, old.st_gid) != 0) mode &= 0777U;
     }
-    if (::fchmod(descriptor_, mode) != 0 || ::fsync(descriptor_) != 0) return false;
-    if (name_.empty() && !giveName()) return false;
-    const int closed = ::close(descriptor_);
-    descriptor_ = -1;
-    if (closed != 0 || ::rename(name_.c_str(), target_.c_str()) != 0) return false;
+    if (::fchmod(descriptor_, mode) != 0 || ::fsync(descriptor_) != 0) return failed();
+    if (name_.empty() && !giveName()) return failed();
+    const int closed = ::close(std::exchange(descriptor_, -1));
+    if (closed != 0 || ::rename(name_.c_str(), target_.c_str()) != 0) return failed();
     name_.clear();
     // The new name lasts only when the folder has reached the disk; the file is whole either way.
     const int folder = ::open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -84,20 +88,26 @@ class TemporaryFile {
     while (!bytes.empty()) {
       const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
       if (written < 0 && errno == EINTR) continue;
-      if (written <= 0) return false;
+      if (written == 0) errno = EIO;
+      if (written <= 0) return failed();
       bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
+  }
+
+  /// Remembers the reason before anything else can change it.
+  bool failed() {
+    error_ = errno;
+    return false;
   }
 
   /// Names the nameless file, for the moment until it is renamed: a link cannot replace what is there.
   bool giveName() {
     const std::string self = "/proc/self/fd/" + std::to_string(descriptor_);
     for (unsigned attempt = 0; attempt < 100; ++attempt) {
-      const std::string name =
-          (folder_ / (".tolmex-" + std::to_string(::getpid()) + "-" + std::to_string(attempt))).string();
+      std::string name = (folder_ / (".tolmex-" + std::to_string(::getpid()) + "-" + std::to_string(attempt))).string();
       if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-        name_ = name;
+        name_ = std::move(name);
         return true;
       }
       if (errno != EEXIST) return false;
@@ -108,6 +118,7 @@ class TemporaryFile {
   std::filesystem::path target_, folder_;
   std::string name_;  // empty as long as the file has none
   int descriptor_ = -1;
+  int error_ = 0;
   std::string gathered_;
 };
 
@@ -117,31 +128,40 @@ FileResult writeFileWhole(const std::filesystem::path& file, std::string_view by
   return writeFileWhole(file, [bytes](const GiveBytes& give) { return give(bytes); });
 }
 
-FileResult writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
-  const auto failed = [&](const char* what) {
-    return FileResult{false, file.string() + ": " + what + ": " + std::strerror(errno)};
-  };
+namespace {
+
+FileResult writeWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
+  const auto refused = [&](const std::string& why) { return FileResult{false, file.string() + ": " + why}; };
+  const auto failed = [&](const char* reason) { return refused(std::string("cannot be written: ") + reason); };
   std::error_code error;
-  if (std::filesystem::is_directory(file, error)) return {false, file.string() + ": this is a folder"};
-  if (std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error)) {
-    return {false, file.string() + ": this is no ordinary file"};  // a device or a pipe must not be replaced
-  }
+  if (std::filesystem::is_directory(file, error)) return refused("this is a folder");
+  // A device or a pipe must not be replaced.
+  if (std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error))
+    return refused("this is no ordinary file");
   // A link keeps pointing where it did: what it names is replaced.
   std::filesystem::path target = file;
   if (std::filesystem::is_symlink(file, error)) {
     target = std::filesystem::canonical(file, error);
-    if (error) return {false, file.string() + ": the link leads nowhere"};
+    if (error) return refused("the link leads nowhere");
   }
   // A file that may not be written is not replaced either, though its folder would allow it.
-  if (std::filesystem::exists(target, error) && ::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
-    return failed("cannot be written");
-  }
+  if (std::filesystem::exists(target, error) && ::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
+    return failed(std::strerror(errno));
   TemporaryFile temporary(target);
-  if (!temporary.isOpen()) return failed("cannot be written");
+  if (!temporary.isOpen()) return failed(temporary.reason());
   const auto write = [&temporary](std::string_view piece) { return temporary.write(piece); };
-  if (!produce(write) || !temporary.flush()) return failed("cannot be written");
-  if (!temporary.commit()) return failed("cannot be written");
+  if (!produce(write) || !temporary.flush() || !temporary.commit()) return failed(temporary.reason());
   return {};
+}
+
+}  // namespace
+
+FileResult writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
+  try {
+    return writeWhole(file, produce);
+  } catch (const std::bad_alloc&) {
+    return {false, file.string() + ": cannot be written: there is not enough memory"};
+  }
 }
 
 }  // namespace host::dxf

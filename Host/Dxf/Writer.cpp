@@ -49,7 +49,7 @@ class Writer {
  public:
   explicit Writer(DrawingDatabase& db) : db_(db), parts_(db.parts()) {}
 
-  /// Gives the drawing's text in order, until `give` answers false.
+  /// Gives the drawing's text in order, until `give` answers false. Nothing of the drawing changes.
   bool write(const std::function<bool(std::string_view)>& give) {
     TagWriter out = db_.tagWriter();
     for (const Piece& piece : pieces()) {
@@ -65,10 +65,10 @@ class Writer {
   }
 
  private:
-  /// The drawing in order; the pieces lie in memory of the database.
+  /// The drawing in order; the pieces lie in memory of the database or of the writer.
   Pieces pieces() {
     if (!isTouched()) return {Piece(parts_.text)};
-    parts_.settle();
+    settled_ = parts_.settledRecords(memory_);
     collectChanges();
     if (edits_.empty() && insertions_.empty()) return {Piece(parts_.text)};
     collectMissingHandles();
@@ -78,8 +78,9 @@ class Writer {
 
   /// Handles that the file lacks, and what counts them, are written only when something else is.
   bool isTouched() const {
-    bool isTouched = std::any_of(parts_.sortTables.begin(), parts_.sortTables.end(),
-                                 [](const auto& table) { return table.second->changed; });
+    bool isTouched = std::any_of(parts_.sortTables.begin(), parts_.sortTables.end(), [](const auto& table) {
+      return table.second->state != 0 && !table.first->isErased();
+    });
     parts_.slots.forEach(
         [&](const Slot& slot) { isTouched = isTouched || (slot.flags & (kNew | kChanged | database::kErased)) != 0; });
     return isTouched;
@@ -98,7 +99,7 @@ class Writer {
       }
       if (slot.isErased()) {
         edits_.push_back({offsetOf(slot), slot.length, {}});
-      } else if ((slot.flags & kChanged) != 0 || losesMembers) {
+      } else if ((slot.flags & kChanged) != 0 || losesMembers || settled_.count(&slot) > 0) {
         Pieces pieces;
         appendRecord(pieces, slot);
         edits_.push_back({offsetOf(slot), slot.length, std::move(pieces)});
@@ -121,7 +122,7 @@ class Writer {
         kept += tag.bytes;
       }
     }
-    if (found) withoutErased_[&group] = parts_.arena.keep(kept);
+    if (found) withoutErased_[&group] = memory_.keep(kept);
     return found;
   }
 
@@ -132,10 +133,9 @@ class Writer {
     parts_.slots.forEach([&](Slot& slot) {
       if ((slot.flags & kNeedsHandle) == 0 || slot.isErased() || (slot.flags & kNew) != 0) return;
       const int code = slot.type == DxfType::DimStyle ? 105 : 5;
-      const std::string_view handle = parts_.arena.keep(db_.tagWriter().handle(code, slot.handle).str());
+      const std::string_view handle = memory_.keep(db_.tagWriter().handle(code, slot.handle).str());
       const auto trimmed = withoutErased_.find(&slot);
-      database::Record record =
-          trimmed != withoutErased_.end() ? database::Record(trimmed->second) : parts_.current(slot);
+      database::Record record = trimmed != withoutErased_.end() ? database::Record(trimmed->second) : recordOf(slot);
       record.replace(1, 0, handle);
       const auto existing = std::lower_bound(edits_.begin(), edits_.begin() + changes, offsetOf(slot),
                                              [](const Edit& edit, std::size_t at) { return edit.at < at; });
@@ -175,11 +175,17 @@ class Writer {
       out.emplace_back(trimmed->second);
       return;
     }
-    const std::span<const std::string_view> pieces = slot.live->record.pieces();
+    const database::Record record = recordOf(slot);
+    const std::span<const std::string_view> pieces = record.pieces();
     out.insert(out.end(), pieces.begin(), pieces.end());
   }
 
-  std::string_view kept(const TagWriter& writer) const { return parts_.arena.keep(writer.str()); }
+  database::Record recordOf(const Slot& slot) const {
+    const auto settled = settled_.find(&slot);
+    return settled != settled_.end() ? settled->second : parts_.current(slot);
+  }
+
+  std::string_view kept(const TagWriter& writer) { return memory_.keep(writer.str()); }
 
   /// Where text goes that a section without a place in the file has to hold: a section of its own.
   void insertInSection(std::size_t sectionEnd, std::string_view name, std::size_t orElseAt, Pieces pieces) {
@@ -284,11 +290,14 @@ class Writer {
     return out;
   }
 
+  static constexpr std::size_t kMemoryStep = std::size_t{1} << 14;
   DrawingDatabase& db_;
   DrawingDatabase::Parts& parts_;
   std::vector<Edit> edits_;
   std::vector<const Slot*> insertions_;
   std::unordered_map<const Slot*, std::string_view> withoutErased_;  // groups that lost members
+  std::unordered_map<const Slot*, database::Record> settled_;        // see settledRecords
+  database::Arena memory_{kMemoryStep};                              // of text that only the saved drawing has
 };
 
 }  // namespace
@@ -322,13 +331,9 @@ std::string drawingText(DrawingDatabase& db) {
 }
 
 FileResult saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
-  try {
-    FileResult result = writeFileWhole(file, [&db](const GiveBytes& give) { return produce(db, give); });
-    if (result.ok) db.setUnmodified();
-    return result;
-  } catch (const std::bad_alloc&) {
-    return {false, file.string() + ": not enough memory to save the drawing"};
-  }
+  FileResult result = writeFileWhole(file, [&db](const GiveBytes& give) { return produce(db, give); });
+  if (result.ok) db.setUnmodified();
+  return result;
 }
 
 }  // namespace host::dxf

@@ -1,5 +1,7 @@
 #include "Editor/Application.h"
 
+#include <new>
+
 #include "Dxf/DxfFile.h"
 #include "Editor/DialogInput.h"
 #include "Editor/Session.h"
@@ -13,7 +15,12 @@ Session& host() { return Session::instance(); }
 }  // namespace
 
 Application::Application(ApplicationOptions options) { host().begin(std::move(options)); }
-Application::~Application() { host().end(); }
+Application::~Application() {
+  try {
+    host().end();
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): drawings are closed first; the program ends anyway
+  }
+}
 
 Result Application::openDrawing(const std::filesystem::path& file) { return host().openDrawing(file); }
 Result Application::newDrawing() { return host().newDrawing(); }
@@ -51,7 +58,11 @@ Result Application::drawingText(std::string& text) {
   Document* const document = host().documents.current();
   if (document == nullptr) return {RunStatus::OutputFailed, "no drawing is open"};
   host().modules.tellAll(AcRx::kSaveMsg, document);
-  text = dxf::drawingText(document->drawing());
+  try {
+    text = dxf::drawingText(document->drawing());
+  } catch (const std::bad_alloc&) {
+    return {RunStatus::OutputFailed, "there is not enough memory to write the drawing"};
+  }
   return {};
 }
 
@@ -121,6 +132,17 @@ bool refuseDialogLine(std::wstring_view sentence) { return host().refuse(sentenc
 
 void dialogOpened() { host().dialogOpened(); }
 void dialogClosed(bool isCancelled) { host().dialogClosed(isCancelled); }
+
+bool writeDialogFile(std::wstring_view who, const std::filesystem::path& file, std::string_view bytes) {
+  std::string refusal;
+  for (const auto& document : host().documents.all()) {
+    std::error_code error;
+    if (std::filesystem::equivalent(file, document->file(), error)) refusal = file.string() + ": this drawing is open";
+  }
+  if (refusal.empty()) refusal = dxf::writeFileWhole(file, bytes).message;
+  return refusal.empty() || host().refuse(std::wstring(who) + text::fromUtf8(refusal), RunStatus::OutputFailed);
+}
+
 bool inputHasStopped() { return host().isStopping(); }
 bool dialogsAreWorkedByHand() { return host().options().dialogsByHand; }
 void reportDialogProblem(std::string_view sentence) { host().reportProblem(sentence); }

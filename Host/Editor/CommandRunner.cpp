@@ -1,6 +1,10 @@
 // Running commands: typed, from code, inside one another.
+#include <array>
+#include <cstdio>
 #include <cwctype>
 #include <exception>
+#include <new>
+#include <utility>
 
 #include "Editor/Session.h"
 #include "Hatching/Patterns.h"
@@ -10,6 +14,15 @@ namespace host::editor {
 namespace {
 
 constexpr std::size_t kDeepestNesting = 32;
+
+/// What is only shown must not keep the next command from being read.
+template <class Show>
+void whereMemoryLasts(const Show& show) {
+  try {
+    show();
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): nobody can be told then
+  }
+}
 
 std::string quoted(std::wstring_view text) { return "\"" + text::toUtf8(text) + "\""; }
 
@@ -32,34 +45,77 @@ bool Session::mayTakePickfirst() const {
   return (running_.back()->flags & ACRX_CMD_USEPICKSET) != 0 && variables.integer(L"PICKFIRST") != 0;
 }
 
+/// Input that is read while it lives.
+struct Session::InputScope {
+  InputScope(Session& owner, InputFrame frame) : session(owner), base(owner.frames_.size()) {
+    session.frames_.push_back(std::move(frame));
+  }
+  InputScope(const InputScope&) = delete;
+  InputScope& operator=(const InputScope&) = delete;
+  ~InputScope() { session.frames_.resize(base); }
+
+  Session& session;
+  std::size_t base;
+};
+
 Result Session::run(InputSource& input) {
   failure_.reset();
   quitRequested = false;
-  const std::size_t base = frames_.size();
-  InputFrame frame;
-  frame.source = &input;
-  frames_.push_back(std::move(frame));
-  for (;;) {
-    if (interrupted.exchange(false) && !failure_) {
-      const std::string here = place();
-      failure_ = Result{RunStatus::ScriptFailed, here.empty() ? "interrupted" : here + ": interrupted"};
+  endsInARow_ = 0;
+  {
+    InputFrame frame;
+    frame.source = &input;
+    const InputScope scope(*this, std::move(frame));
+    for (bool goesOn = true; goesOn;) {
+      try {
+        goesOn = runNext(input, scope.base);
+      } catch (const std::bad_alloc&) {
+        memoryEnded();
+        constexpr int kMostInARow = 3;  // not even a line can be read
+        goesOn = ++endsInARow_ < kMostInARow;
+      }
     }
-    if (failure_ && input.isInteractive()) {
-      hasFailed_ = true;
-      reportProblem(failure_->message);
-      failure_.reset();
-      frames_.resize(base + 1);
-    }
-    if (failure_ || quitRequested) break;
-    constexpr std::wstring_view kPrompt = L"Command: ";
-    transcript.prompt(kPrompt);
-    const Answer answer = pull({kPrompt, AnswerForm::Word});
-    if (answer.kind == Answer::Kind::End) break;
-    runTyped(answer);
   }
-  frames_.resize(base);
-  transcript.finishLine();
+  whereMemoryLasts([&] { transcript.finishLine(); });
   return std::exchange(failure_, std::nullopt).value_or(Result{});
+}
+
+bool Session::runNext(InputSource& input, std::size_t base) {
+  MemoryReserve::refill();
+  if (interrupted.exchange(false) && !failure_) {
+    const std::string here = place();
+    failure_ = Result{RunStatus::ScriptFailed, here.empty() ? "interrupted" : here + ": interrupted"};
+  }
+  if (failure_ && input.isInteractive()) {
+    hasFailed_ = true;
+    const Result told = std::move(*failure_);
+    failure_.reset();
+    frames_.resize(base + 1);
+    whereMemoryLasts([&] { reportProblem(told.message); });
+  }
+  if (failure_ || quitRequested) return false;
+  constexpr std::wstring_view kPrompt = L"Command: ";
+  whereMemoryLasts([&] { transcript.prompt(kPrompt); });
+  const Answer answer = pull({kPrompt, AnswerForm::Word});
+  if (answer.kind == Answer::Kind::End) return false;
+  endsInARow_ = 0;
+  runTyped(answer);
+  return true;
+}
+
+void Session::memoryEnded(const Command* command) noexcept {
+  if (failure_) return;
+  try {
+    std::string sentence = place();
+    if (!sentence.empty()) sentence += ": ";
+    if (command != nullptr) sentence += text::toUtf8(command->global) + ": ";
+    sentence += "there is not enough memory";
+    const bool isStep = command != nullptr && (command->flags & ACRX_CMD_NO_UNDO_MARKER) == 0;
+    if (isStep) sentence += "; U takes back what the command did";
+    failure_ = Result{RunStatus::ScriptFailed, std::move(sentence)};
+  } catch (const std::bad_alloc&) {
+    failure_ = Result{RunStatus::ScriptFailed, "out of memory"};  // so short that it needs none itself
+  }
 }
 
 void Session::runTyped(const Answer& answer) {
@@ -142,25 +198,80 @@ bool Session::mayRun(const Command& command) {
   return true;
 }
 
-void Session::callHandler(Command& command) {
-  std::string reason;
-  const hatching::PatternMemory patterns;
+void Session::callHandler(Command& command) noexcept {
+  const auto failed = [&](const char* reason) {
+    commandFailed_ = true;
+    try {
+      fail(RunStatus::ScriptFailed, text::toUtf8(command.global) + " failed" + reason);
+    } catch (const std::bad_alloc&) {
+      memoryEnded(&command);
+    }
+  };
   try {
+    const hatching::PatternMemory patterns;
     if (command.handler) {
       Prompter prompter(*this);
       command.handler(prompter);
     } else {
       command.function();
     }
-    return;
+  } catch (const std::bad_alloc&) {
+    commandFailed_ = true;
+    memoryEnded(&command);
   } catch (const std::exception& error) {
-    reason = std::string(": ") + error.what();
+    std::array<char, 512> reason;
+    std::snprintf(reason.data(), reason.size(), ": %s", error.what());
+    failed(reason.data());
   } catch (...) {
-    reason = " with an exception of an unknown kind";
+    failed(" with an exception of an unknown kind");
   }
-  commandFailed_ = true;
-  fail(RunStatus::ScriptFailed, text::toUtf8(command.global) + " failed" + reason);
 }
+
+/// What a command holds while it runs; all of it goes back however the command ends.
+struct Session::Running {
+  Running(Session& owner, const std::shared_ptr<Command>& of, Document* in, bool isTransparent)
+      : session(owner),
+        command(of),
+        document(in),
+        transparent(isTransparent),
+        locks(in != nullptr && (of->flags & ACRX_CMD_SESSION) == 0),
+        watches(owner.running_.empty() && in != nullptr),
+        marksUndo(watches && (of->flags & ACRX_CMD_NO_UNDO_MARKER) == 0) {
+    if (marksUndo) document->drawing().beginUndoStep(command->global, session.scriptGroup());
+    session.running_.push_back(command);
+    if (transparent) ++session.transparentDepth_;
+    // Commands of the document are given its write lock.
+    if (locks) ++document->locks;
+    if (watches) document->drawing().setObserver(&session.skips);
+  }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+  ~Running() {
+    const bool isOpen = document != nullptr && session.documents.owns(document);
+    if (watches && isOpen) document->drawing().setObserver(nullptr);
+    if (locks && isOpen && document->locks > 0) --document->locks;
+    if (marksUndo && isOpen) {
+      // Plug-ins prepare a drawing at their first command. Left with Esc or Cancel it is as it was.
+      if (session.wasLeftUntouched(*document) && !command->isBuiltIn()) {
+        try {
+          document->drawing().endUnusedUndoStep();
+        } catch (const std::bad_alloc&) {
+          document->drawing().endUndoStep();
+        }
+      } else {
+        document->drawing().endUndoStep();
+      }
+    }
+    if (transparent) --session.transparentDepth_;
+    session.running_.pop_back();
+    session.nextLimits = {};
+  }
+
+  Session& session;
+  const std::shared_ptr<Command>& command;
+  Document* document;
+  bool transparent, locks, watches, marksUndo;
+};
 
 void Session::execute(const std::shared_ptr<Command>& command, bool transparent) {
   if (!mayRun(*command)) return;
@@ -171,57 +282,34 @@ void Session::execute(const std::shared_ptr<Command>& command, bool transparent)
   cancelled_ = false;
   commandFailed_ = false;
   dialogCancelled_ = false;
-
-  running_.push_back(command);
-  if (transparent) ++transparentDepth_;
-  const bool marksUndo = isOutermost && document != nullptr && (command->flags & ACRX_CMD_NO_UNDO_MARKER) == 0;
-  if (marksUndo) document->drawing().beginUndoStep(command->global, scriptGroup());
   if (isOutermost) {
     changesWhenAsked_.reset();
     skips.begin();
     lastSkips_.clear();
-    if (document != nullptr) document->drawing().setObserver(&skips);
   }
+  const ACHAR* const name = command->global.c_str();
   const std::size_t knownProblems = document != nullptr ? document->drawing().problems().size() : 0;
-  // Commands of the document are given its write lock.
-  const bool locks = document != nullptr && (command->flags & ACRX_CMD_SESSION) == 0;
-  if (locks) ++document->locks;
-  const std::wstring name = command->global;
-  editor.tell(&AcEditorReactor::commandWillStart, name.c_str());
-
-  callHandler(*command);
-
+  {
+    const Running running(*this, command, document, transparent);
+    editor.tell(&AcEditorReactor::commandWillStart, name);
+    callHandler(*command);
+    if (isOutermost && document != nullptr && documents.owns(document))
+      reportSkips(*command, !cancelled_ && !commandFailed_ && !isStopping());
+  }
   const bool isOpen = document != nullptr && documents.owns(document);
-  if (isOutermost && isOpen) {
-    document->drawing().setObserver(nullptr);
-    reportSkips(*command, !cancelled_ && !commandFailed_ && !isStopping());
-  }
-  if (locks && isOpen && document->locks > 0) --document->locks;
-  if (marksUndo && isOpen) {
-    // Plug-ins prepare a drawing at their first command. Left with Esc or Cancel it is as it was.
-    if (wasLeftUntouched(*document) && !command->isBuiltIn()) {
-      document->drawing().endUnusedUndoStep();
-    } else {
-      document->drawing().endUndoStep();
-    }
-  }
-  if (transparent) --transparentDepth_;
-  running_.pop_back();
-  nextLimits = {};
   if (commandFailed_) {
-    editor.tell(&AcEditorReactor::commandFailed, name.c_str());
+    editor.tell(&AcEditorReactor::commandFailed, name);
   } else if (cancelled_ || failure_) {
-    editor.tell(&AcEditorReactor::commandCancelled, name.c_str());
+    editor.tell(&AcEditorReactor::commandCancelled, name);
   } else {
-    editor.tell(&AcEditorReactor::commandEnded, name.c_str());
+    editor.tell(&AcEditorReactor::commandEnded, name);
   }
   commandFailed_ = false;
-  if (isOutermost && isOpen) reportNewProblems(*document, knownProblems);
-  if (isOutermost) afterCommand(isOpen ? document : nullptr);
+  if (isOutermost && isOpen) afterCommand(*document, knownProblems);
 }
 
 /// What a command could not bring into the drawing.
-void Session::reportNewProblems(Document& document, std::size_t known) const {
+void Session::reportNewProblems(const Document& document, std::size_t known) const {
   constexpr std::size_t kMostTold = 10;
   const std::vector<database::Problem>& problems = document.drawing().problems();
   for (std::size_t i = known; i < problems.size(); ++i) {
@@ -241,16 +329,19 @@ void Session::reportSkips(const Command& command, bool isWhole) {
   if (options_.isStrict && !isInteractive()) fail(RunStatus::ScriptFailed, text::toUtf8(lastSkips_), true);
 }
 
-void Session::afterCommand(Document* document) {
-  if (document == nullptr) return;
-  document->pickfirst.clear();
+void Session::afterCommand(Document& document, std::size_t knownProblems) {
+  document.pickfirst.clear();
   if (meter.isShown) acedRestoreStatusBar();
-  if (document->locks > 0) {
-    reportProblem("a command left " + std::to_string(document->locks) + " document locks behind; they are released");
-    document->locks = 0;
+  const int locks = std::exchange(document.locks, 0);
+  const int open = document.drawing().releaseObjects();
+  const int lost = document.drawing().takeLostChanges();
+  reportNewProblems(document, knownProblems);
+  if (locks > 0) reportProblem("a command left " + std::to_string(locks) + " document locks behind; they are released");
+  if (open > 0) reportProblem("a command left " + std::to_string(open) + " objects open; they are closed");
+  if (lost > 0) {
+    reportProblem("there was not enough memory for the changes of " + std::to_string(lost) +
+                  (lost == 1 ? " object" : " objects") + "; U takes back the whole command");
   }
-  if (const int left = document->drawing().releaseObjects(); left > 0)
-    reportProblem("a command left " + std::to_string(left) + " objects open; they are closed");
 }
 
 int Session::runFromCode(std::unique_ptr<InputSource> answers) {
@@ -259,8 +350,7 @@ int Session::runFromCode(std::unique_ptr<InputSource> answers) {
   frame.source = answers.get();
   frame.owned = std::move(answers);
   frame.fromCode = true;
-  const std::size_t base = frames_.size();
-  frames_.push_back(std::move(frame));
+  const InputScope scope(*this, std::move(frame));
   for (;;) {
     const Answer answer = pull({L"Command: ", AnswerForm::Word});
     if (answer.kind == Answer::Kind::End || isStopping()) break;
@@ -272,12 +362,10 @@ int Session::runFromCode(std::unique_ptr<InputSource> answers) {
     } else {
       reportUnknown(answer.text);
     }
-    if (frames_.size() <= base || frames_.back().failed) break;
+    if (frames_.size() <= scope.base || frames_.back().failed) break;
   }
-  const bool failed = frames_.size() <= base || frames_.back().failed || failure_.has_value();
-  frames_.resize(base);
   cancelled_ = false;
-  return failed ? RTERROR : RTNORM;
+  return frames_.size() <= scope.base || frames_.back().failed || failure_.has_value() ? RTERROR : RTNORM;
 }
 
 }  // namespace host::editor

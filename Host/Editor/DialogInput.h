@@ -20,6 +20,9 @@ bool refuseDialogLine(std::wstring_view sentence);
 /// A modal dialog is worked between these two; `isCancelled`: it was left with Cancel or Esc.
 void dialogOpened();
 void dialogClosed(bool isCancelled);
+/// Writes a file that a line asked for, whole or not at all, and never over an open drawing. `who` begins the sentence
+/// that says why it cannot be written; the answer is that of `refuseDialogLine`.
+bool writeDialogFile(std::wstring_view who, const std::filesystem::path& file, std::string_view bytes);
 /// True when no more lines will come: the script has ended or failed, or the run was interrupted.
 bool inputHasStopped();
 /// Somebody at the screen works the dialogs; no lines are asked for.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Database/Reactors.h"
 #include "Editor/Modules.h"
 #include "Editor/Session.h"
 #include "Text/Text.h"
@@ -60,11 +61,7 @@ void Document::setUntitled(int number) {
 
 template <class Tell>
 void DocumentManager::tell(const Tell& message) {
-  // A reactor may remove itself or others while it is told.
-  const std::vector<AcApDocManagerReactor*> told = reactors_;
-  for (AcApDocManagerReactor* reactor : told) {
-    if (has(reactor)) message(*reactor);
-  }
+  database::tellEach(reactors_, message);
 }
 
 bool DocumentManager::has(const AcApDocManagerReactor* reactor) const {
@@ -166,9 +163,9 @@ Document* DocumentManager::documentOf(const std::filesystem::path& file) const {
 }
 
 void DocumentManager::close(Document& document) {
+  const std::wstring name = document.fileName();
   setCurrent(&document);
   tell([&document](AcApDocManagerReactor& r) { r.documentToBeDestroyed(&document); });
-  const std::wstring name = document.fileName();
   const auto place =
       std::find_if(documents_.begin(), documents_.end(), [&document](const auto& d) { return d.get() == &document; });
   std::unique_ptr<Document> closing = std::move(*place);

@@ -104,16 +104,14 @@ std::vector<Slot*> EntityFinder::visibleNewestFirst(const Space& space) {
 const geometry::Box& EntityFinder::boxOf(const Slot& entity) {
   refresh(entity.database());
   auto& cache = drawsItself(entity) ? fileBoxes_ : boxes_;
-  const auto [found, isNew] = cache.try_emplace(&entity);
-  if (isNew) found->second = geometry::entityExtents(entity);
-  return found->second;
+  if (const auto found = cache.find(&entity); found != cache.end()) return found->second;
+  return cache.emplace(&entity, geometry::entityExtents(entity)).first->second;
 }
 
 const EntityFinder::Order& EntityFinder::order(Drawing& drawing, const Space& space) {
   refresh(drawing);
-  const auto [found, isNew] = orders_.try_emplace(space.record);
-  Order& order = found->second;
-  if (!isNew) return order;
+  if (const auto found = orders_.find(space.record); found != orders_.end()) return found->second;
+  Order order;
   order.entities = drawing.drawOrder(space);
   order.boxes.reserve(order.entities.size());
   fileBoxes_.reserve(order.entities.size());
@@ -123,7 +121,7 @@ const EntityFinder::Order& EntityFinder::order(Drawing& drawing, const Space& sp
     if (box.isEmpty() || hasEndlessShape(*entity) || isInside(box, order.extents)) continue;
     if (isVisible(*entity)) order.extents.add(box);
   }
-  return order;
+  return orders_.emplace(space.record, std::move(order)).first->second;
 }
 
 geometry::Box EntityFinder::extents(Drawing& drawing, const Space& space) { return order(drawing, space).extents; }

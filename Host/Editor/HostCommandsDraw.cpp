@@ -1,12 +1,15 @@
 // LINE and PLINE.
 #include <cmath>
+#include <memory>
 #include <numbers>
+#include <utility>
 
 #include "Curves/Bulges.h"
 #include "Editor/HostCommands.h"
 #include "Editor/Session.h"
 #include "Text/Text.h"
 #include "dbents.h"
+#include "dbobjptr.h"
 #include "dbpl.h"
 #include "dbsymtb.h"
 
@@ -17,30 +20,22 @@ using curves::Point2;
 
 constexpr double kPi = std::numbers::pi;
 
-/// Adds the entity to the current space and closes it; deletes it when that fails.
-AcDbObjectId append(Prompter& prompter, AcDbEntity* entity) {
+/// Adds the entity to the current space and closes it.
+AcDbObjectId append(Prompter& prompter, std::unique_ptr<AcDbEntity> entity) {
+  const AcDbObjectPointer<AcDbBlockTableRecord> space(AcDbObjectId(prompter.session().currentSpace().record),
+                                                      AcDb::kForWrite);
   AcDbObjectId id;
-  AcDbBlockTableRecord* space = nullptr;
-  Acad::ErrorStatus status =
-      acdbOpenObject(space, AcDbObjectId(prompter.session().currentSpace().record), AcDb::kForWrite);
-  if (status == Acad::eOk) {
-    status = space->appendAcDbEntity(id, entity);
-    space->close();
-  }
-  if (status == Acad::eOk) {
-    entity->close();
+  if (space.openStatus() == Acad::eOk && space->appendAcDbEntity(id, entity.get()) == Acad::eOk) {
+    entity.release()->close();
     return id;
   }
-  delete entity;
   prompter.refuse(L"The entity cannot be added to the drawing.");
   return {};
 }
 
 void eraseById(AcDbObjectId id) {
-  AcDbEntity* entity = nullptr;
-  if (acdbOpenAcDbEntity(entity, id, AcDb::kForWrite) != Acad::eOk) return;
-  entity->erase();
-  entity->close();
+  const AcDbObjectPointer<AcDbEntity> entity(id, AcDb::kForWrite);
+  if (entity.openStatus() == Acad::eOk) entity->erase();
 }
 
 void line(Prompter& prompter) {
@@ -69,7 +64,7 @@ void line(Prompter& prompter) {
     }
     const bool closes = reply.outcome == Outcome::Keyword;
     const AcGePoint3d end = closes ? points.front() : reply.value;
-    const AcDbObjectId id = append(prompter, new AcDbLine(points.back(), end));
+    const AcDbObjectId id = append(prompter, std::make_unique<AcDbLine>(points.back(), end));
     if (id.isNull()) return;
     made.push_back(id);
     points.push_back(end);
@@ -290,14 +285,14 @@ class PolylineDialogue {
 
   void finish() {
     if (vertices_.size() < 2) return;
-    auto* const polyline = new AcDbPolyline(static_cast<unsigned>(vertices_.size()));
+    auto polyline = std::make_unique<AcDbPolyline>(static_cast<unsigned>(vertices_.size()));
     unsigned index = 0;
     for (const DraftVertex& vertex : vertices_)
       polyline->addVertexAt(index++, {vertex.point.x, vertex.point.y}, vertex.bulge, vertex.startWidth,
                             vertex.endWidth);
     if (closed_) polyline->setClosed(true);
     if (elevation_ != 0) polyline->setElevation(elevation_);
-    append(prompter_, polyline);
+    append(prompter_, std::move(polyline));
   }
 
   Prompter& prompter_;

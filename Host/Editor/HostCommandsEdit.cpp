@@ -3,6 +3,7 @@
 #include "Editor/SelectionSets.h"
 #include "Editor/Session.h"
 #include "Text/Text.h"
+#include "dbobjptr.h"
 
 namespace host::editor {
 namespace {
@@ -54,11 +55,10 @@ std::vector<Slot*> selected(Prompter& prompter) {
 void erase(Prompter& prompter) {
   std::size_t inUse = 0;
   for (Slot* slot : selected(prompter)) {
-    AcDbEntity* entity = nullptr;
-    const Acad::ErrorStatus status = acdbOpenAcDbEntity(entity, AcDbObjectId(slot), AcDb::kForWrite);
+    const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(slot), AcDb::kForWrite);
+    const Acad::ErrorStatus status = entity.openStatus();
     if (status == Acad::eOk) {
       entity->erase();
-      entity->close();
     } else if (status != Acad::eWasErased && status != Acad::eOnLockedLayer) {  // locked ones are told at the end
       ++inUse;
     }

@@ -7,6 +7,7 @@
 #include "Editor/Spaces.h"
 #include "Text/Text.h"
 #include "dbents.h"
+#include "dbobjptr.h"
 #include "dbpl.h"
 
 namespace host::editor {
@@ -60,11 +61,10 @@ void listEntity(Prompter& prompter, Slot& slot) {
   }
   if (!properties.linetype.empty()) line += L"  Linetype: \"" + drawing.codec().decode(properties.linetype) + L"\"";
   prompter.line(line);
-  AcDbEntity* entity = nullptr;
-  if (acdbOpenAcDbEntity(entity, AcDbObjectId(&slot), AcDb::kForRead) != Acad::eOk) return;
-  if (const auto* asLine = AcDbLine::cast(entity)) listLine(prompter, *asLine);
-  if (const auto* asPolyline = AcDbPolyline::cast(entity)) listPolyline(prompter, *asPolyline);
-  entity->close();
+  const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(&slot), AcDb::kForRead);
+  if (entity.openStatus() != Acad::eOk) return;
+  if (const auto* asLine = AcDbLine::cast(entity.object())) listLine(prompter, *asLine);
+  if (const auto* asPolyline = AcDbPolyline::cast(entity.object())) listPolyline(prompter, *asPolyline);
 }
 
 void list(Prompter& prompter) {

@@ -1,9 +1,11 @@
 // LAYER and LINETYPE.
 #include <cmath>
+#include <memory>
 
 #include "Editor/HostCommands.h"
 #include "Editor/Session.h"
 #include "Text/Text.h"
+#include "dbobjptr.h"
 #include "dbsymtb.h"
 
 namespace host::editor {
@@ -129,11 +131,10 @@ class LayerDialogue {
         prompter_.line(L"Layer \"" + currentName() + L"\" is current: not frozen.");
         continue;
       }
-      Record* record = nullptr;
-      if (acdbOpenObject(record, AcDbObjectId(layer), AcDb::kForWrite) != Acad::eOk)
+      const AcDbObjectPointer<Record> record(AcDbObjectId(layer), AcDb::kForWrite);
+      if (record.openStatus() != Acad::eOk)
         return refused(L"Layer \"" + drawingOf(prompter_).recordName(*layer) + L"\" is in use and cannot be changed.");
       edit(*record);
-      record->close();
     }
     return true;
   }
@@ -144,19 +145,12 @@ class LayerDialogue {
         prompter_.line(L"Layer \"" + name + L"\" already exists.");
         continue;
       }
-      AcDbLayerTable* table = nullptr;
-      if (facadeOf(prompter_).getLayerTable(table, AcDb::kForWrite) != Acad::eOk)
-        return refused(L"The table of layers is in use and cannot be changed.");
-      auto* const record = new Record;
-      Acad::ErrorStatus status = record->setName(name.c_str());
-      if (status == Acad::eOk) status = table->add(record);
-      table->close();
-      if (status == Acad::eOk) {
-        record->close();
-        continue;
-      }
-      delete record;
-      return refused(L"\"" + name + L"\" cannot be a layer name.");
+      const AcDbObjectPointer<AcDbLayerTable> table(facadeOf(prompter_).layerTableId(), AcDb::kForWrite);
+      if (table.openStatus() != Acad::eOk) return refused(L"The table of layers is in use and cannot be changed.");
+      auto record = std::make_unique<Record>();
+      if (record->setName(name.c_str()) != Acad::eOk || table->add(record.get()) != Acad::eOk)
+        return refused(L"\"" + name + L"\" cannot be a layer name.");
+      record.release()->close();
     }
     return true;
   }
@@ -231,12 +225,11 @@ class LayerDialogue {
   bool list() {
     for (const Slot* layer : drawingOf(prompter_).records(DxfType::Layer)) {
       if (layer->isErased()) continue;
-      Record* record = nullptr;
-      if (acdbOpenObject(record, AcDbObjectId(const_cast<Slot*>(layer)), AcDb::kForRead) != Acad::eOk) continue;
+      const AcDbObjectPointer<Record> record(AcDbObjectId(const_cast<Slot*>(layer)), AcDb::kForRead);
+      if (record.openStatus() != Acad::eOk) continue;
       prompter_.line(L"\"" + drawingOf(prompter_).recordName(*layer) + L"\"" + (record->isOff() ? L"  off" : L"  on") +
                      (record->isFrozen() ? L"  frozen" : L"") + (record->isLocked() ? L"  locked" : L"") + L"  color " +
                      std::to_wstring(record->color().colorIndex()));
-      record->close();
     }
     return true;
   }

@@ -6,7 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "Database/ResbufTypes.h"
 #include "Text/Text.h"
+#include "dbmain.h"
 
 namespace host::editor {
 namespace {
@@ -80,6 +82,7 @@ struct Test {
   std::wstring text;
   double real = 0;
   std::int64_t integer = 0;
+  std::uint64_t handle = 0;
   double point[3] = {0, 0, 0};
   std::vector<std::wstring> applications;  // code -3
 };
@@ -158,7 +161,7 @@ struct SelectionFilter::Node {
       case ValueKind::Text:
         return matchesText(drawing->codec().decode(tag.value));
       case ValueKind::Handle:
-        return text::parseHandle(text::toUtf8(test.text)) == tag.handle();
+        return test.handle == tag.handle();
       case ValueKind::Real:
         return compareReal(tag.real(), test.relation, test.real);
       case ValueKind::Integer:
@@ -337,17 +340,16 @@ class Compiler {
     test.relation = std::move(relation);
     switch (kind) {
       case ValueKind::Text:
+        test.text = textOf(item);
+        break;
       case ValueKind::Handle:
-        test.text = item.resval.rstring != nullptr ? item.resval.rstring : L"";
+        test.handle = handleOf(item);
         break;
       case ValueKind::Real:
         test.real = item.resval.rreal;
         break;
       case ValueKind::Integer:
-        // 16-bit codes hold a short, 32-bit ones a long.
-        test.integer = (group >= 90 && group <= 99) || (group >= 420 && group <= 429) || (group >= 440 && group <= 459)
-                           ? item.resval.rlong
-                           : item.resval.rint;
+        test.integer = integerOf(item);
         break;
       case ValueKind::Point:
         for (int i = 0; i < 3; ++i) test.point[i] = item.resval.rpoint[i];
@@ -356,6 +358,28 @@ class Compiler {
         break;
     }
     parent.children.push_back(std::move(node));
+  }
+
+  // Where an item holds its value is told by its code, as everywhere in chains.
+
+  static std::wstring textOf(const resbuf& item) { return item.resval.rstring != nullptr ? item.resval.rstring : L""; }
+
+  static std::uint64_t handleOf(const resbuf& item) {
+    if (database::valueKind(item.restype) != database::ValueKind::Name)
+      return text::parseHandle(text::toUtf8(textOf(item)));
+    AcDbObjectId id;
+    return acdbGetObjectId(id, item.resval.rlname) == Acad::eOk ? static_cast<Adesk::UInt64>(id.handle()) : 0;
+  }
+
+  static std::int64_t integerOf(const resbuf& item) {
+    switch (database::valueKind(item.restype)) {
+      case database::ValueKind::Long64:
+        return item.resval.mnInt64;
+      case database::ValueKind::Long:
+        return item.resval.rlong;
+      default:
+        return item.resval.rint;
+    }
   }
 
   const resbuf* next_;

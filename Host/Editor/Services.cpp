@@ -9,6 +9,7 @@
 
 #include "Editor/Modules.h"
 #include "Editor/Session.h"
+#include "Text/FilePath.h"
 #include "Text/Text.h"
 #include "acdbads.h"
 #include "acedads.h"
@@ -38,10 +39,10 @@ std::filesystem::path inFolder(const std::filesystem::path& folder, const std::f
   if (passedOver != nullptr && isThere && !std::filesystem::is_directory(exact, error)) passedOver->push_back(exact);
   const std::filesystem::path parent = exact.parent_path();
   const std::wstring wanted = text::fromUtf8(exact.filename().string());
-  for (std::filesystem::directory_iterator it(parent, error), end; !error && it != end; it.increment(error)) {
-    std::error_code entryError;
-    if (text::equalFolded(text::fromUtf8(it->path().filename().string()), wanted) && it->is_regular_file(entryError))
-      return it->path();
+  for (const std::filesystem::path& entry : text::namesIn(parent, error)) {
+    if (!text::equalFolded(text::fromUtf8(entry.string()), wanted)) continue;
+    std::filesystem::path found = parent / entry;
+    if (std::filesystem::is_regular_file(found, error)) return found;
   }
   return {};
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Database/Reactors.h"
 #include "aced.h"
 #include "dbapserv.h"
 
@@ -29,11 +30,7 @@ class EditorService final : public AcEditor {
 
   template <class... Parameters, class... Values>
   void tell(void (AcEditorReactor::*message)(Parameters...), Values... values) {
-    // A reactor may remove itself or others while it is told.
-    const std::vector<AcEditorReactor*> told = reactors_;
-    for (AcEditorReactor* reactor : told) {
-      if (has(reactor)) (reactor->*message)(values...);
-    }
+    database::tellEach(reactors_, [&](AcEditorReactor& reactor) { (reactor.*message)(values...); });
   }
   bool has(const AcEditorReactor* reactor) const;
   /// Reactors whose code lies in a module.

@@ -20,6 +20,7 @@ Session::Session() = default;
 
 void Session::begin(ApplicationOptions options) {
   options_ = std::move(options);
+  reserve_.emplace();
   transcript = {};
   transcript.setSink(options_.transcript);
   commands.dropBuiltIns();  // a former program's own commands among them
@@ -49,6 +50,7 @@ void Session::end() {
   meter = {};
   options_ = {};
   transcript = {};
+  reserve_.reset();
 }
 
 void Session::reportProblem(std::string_view sentence) const {
@@ -56,6 +58,8 @@ void Session::reportProblem(std::string_view sentence) const {
 }
 
 void Session::showNotice(std::wstring_view caption, std::wstring_view text) {
+  // Boxes have room for lines in front; here the caption would stand alone on its own.
+  while (text.starts_with(L'\n') || text.starts_with(L'\r')) text.remove_prefix(1);
   const std::wstring notice = L"[" + std::wstring(caption) + L"] " + std::wstring(text);
   transcript.line(notice);
   const std::vector<std::wstring>& captions = options_.failureCaptions;
@@ -97,6 +101,14 @@ Result Session::openDrawing(const std::filesystem::path& file) {
   if (std::filesystem::exists(file, error) && !std::filesystem::is_directory(file, error) &&
       !std::filesystem::is_regular_file(file, error))
     return {RunStatus::DrawingUnreadable, file.string() + ": this is no ordinary file"};
+  try {
+    return openFurther(file);
+  } catch (const std::bad_alloc&) {
+    return {RunStatus::DrawingUnreadable, file.string() + ": there is not enough memory to open the drawing"};
+  }
+}
+
+Result Session::openFurther(const std::filesystem::path& file) {
   auto db = std::make_unique<AcDbDatabase>(false, true);
   const FileStamp stamp(file);  // before reading: what is changed meanwhile is a change
   const dxf::FileResult read = dxf::readDrawing(db->hostDatabase(), file);
@@ -255,7 +267,7 @@ void Session::foundNothing(const std::wstring& where) {
   }
 }
 
-bool Session::refuse(std::wstring_view sentence) {
+bool Session::refuse(std::wstring_view sentence, RunStatus status) {
   transcript.line(sentence);
   if (isInteractive()) return true;
   if (inputFromCode()) {
@@ -263,7 +275,7 @@ bool Session::refuse(std::wstring_view sentence) {
   } else {
     std::string message = text::toUtf8(sentence);
     if (const std::wstring names = runningNames(); !names.empty()) message = text::toUtf8(names) + ": " + message;
-    fail(RunStatus::ScriptFailed, std::move(message));
+    fail(status, std::move(message));
   }
   return false;
 }

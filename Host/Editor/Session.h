@@ -11,6 +11,7 @@
 #include "Editor/CommandStack.h"
 #include "Editor/Documents.h"
 #include "Editor/EntityFinder.h"
+#include "Editor/MemoryReserve.h"
 #include "Editor/Modules.h"
 #include "Editor/Prompter.h"
 #include "Editor/SelectionSets.h"
@@ -90,7 +91,7 @@ class Session {
   std::size_t inputDepth() const { return frames_.size(); }
   bool inputFromCode() const { return !frames_.empty() && frames_.back().fromCode; }
   /// Says why an answer cannot be used; true when it can be asked for again.
-  bool refuse(std::wstring_view sentence);
+  bool refuse(std::wstring_view sentence, RunStatus status = RunStatus::ScriptFailed);
   /// Records a failure with the input's place; for input that can be asked again it is only reported.
   /// `isShown`: the transcript has said it.
   void fail(RunStatus status, std::string sentence, bool isShown = false);
@@ -114,25 +115,36 @@ class Session {
   std::wstring pendingVariable;  // SETVAR: a variable named in place of a command
 
  private:
+  struct Running;
+  struct InputScope;
+
   Session();
+  Result openFurther(const std::filesystem::path& file);
   Answer pull(const Question& question);
   std::string place() const;
   void answersRanOut(std::wstring_view waiting);
+  /// Takes the next command and runs it. False when the run is over.
+  bool runNext(InputSource& input, std::size_t base);
+  /// Remembers that there was not enough memory, and for what where it can be said.
+  void memoryEnded(const Command* command = nullptr) noexcept;
   void runTyped(const Answer& answer);
   void reportUnknown(std::wstring_view name);
   void execute(const std::shared_ptr<Command>& command, bool transparent);
   bool mayRun(const Command& command);
-  void callHandler(Command& command);
-  void reportNewProblems(Document& document, std::size_t known) const;
+  void callHandler(Command& command) noexcept;
+  void reportNewProblems(const Document& document, std::size_t known) const;
   void noteQuestion();
   bool wasLeftUntouched(const Document& document) const;
   void reportSkips(const Command& command, bool isWhole);
-  void afterCommand(Document* document);
+  /// Puts in order what a command left, then tells of it and of the problems beyond those known before.
+  void afterCommand(Document& document, std::size_t knownProblems);
 
   ApplicationOptions options_;
+  std::optional<MemoryReserve> reserve_;  // while a program uses the host
   std::vector<InputFrame> frames_;
   std::vector<std::shared_ptr<Command>> running_;
   int transparentDepth_ = 0;
+  int endsInARow_ = 0;                             // of memory, since the last command was read
   bool cancelled_ = false;                         // the running command's last question ended in Esc
   bool commandFailed_ = false;                     // its handler threw
   bool dialogCancelled_ = false;                   // the running command's last dialog was left with Cancel

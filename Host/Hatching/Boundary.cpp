@@ -103,12 +103,10 @@ Acad::ErrorStatus forEachVertex(const Polyline& polyline, const Visit& visit) {
       if (const Vertex* const vertex = Vertex::cast(iterator->entity())) visit(*vertex);
       continue;
     }
-    Vertex* vertex = nullptr;
-    const Acad::ErrorStatus status = polyline.openVertex(vertex, iterator->objectId(), AcDb::kForRead);
-    if (status == Acad::eWasErased) continue;
-    if (status != Acad::eOk) return status;
+    const AcDbObjectPointer<Vertex> vertex(iterator->objectId(), AcDb::kForRead);
+    if (vertex.openStatus() == Acad::eWasErased) continue;
+    if (vertex.openStatus() != Acad::eOk) return vertex.openStatus();
     visit(*vertex);
-    vertex->close();
   }
   return Acad::eOk;
 }

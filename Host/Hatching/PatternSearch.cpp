@@ -38,9 +38,10 @@ Memory& memory() {
 std::optional<Pattern> findIn(const std::wstring& fileName, std::wstring_view name) {
   const std::lock_guard lock(memory().mutex);
   if (memory().depth == 0) return searchIn(fileName, name);
-  const auto [entry, isNew] = memory().found.try_emplace({fileName, std::wstring(name)});
-  if (isNew) entry->second = searchIn(fileName, name);
-  return entry->second;
+  const std::pair<std::wstring, std::wstring> key(fileName, name);
+  const auto known = memory().found.find(key);
+  return known != memory().found.end() ? known->second
+                                       : memory().found.emplace(key, searchIn(fileName, name)).first->second;
 }
 
 }  // namespace

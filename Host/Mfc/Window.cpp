@@ -2,6 +2,9 @@
 #include <exception>
 #include <map>
 #include <memory>
+#include <new>
+#include <string>
+#include <string_view>
 
 #include "afxwin.h"
 
@@ -32,6 +35,14 @@ CString fetchedText(const CWnd& window, UINT lengthMessage, UINT textMessage, in
   return text;
 }
 
+void tellOfFailure(std::string_view what) noexcept {
+  try {
+    const std::wstring shown(what.begin(), what.end());
+    AfxMessageBox((what.empty() ? L"A message handler failed." : L"A message handler failed: " + shown).c_str());
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): nobody can be told then
+  }
+}
+
 }  // namespace
 
 CWnd::~CWnd() {
@@ -58,8 +69,8 @@ CWnd* CWnd::FromHandle(HWND window) {
 }
 
 void CWnd::attach(HWND window) {
-  m_hWnd = window;
   objects().attached[window] = this;
+  m_hWnd = window;
   former_ =
       reinterpret_cast<WNDPROC>(SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CWnd::procedure)));
 }
@@ -86,11 +97,12 @@ LRESULT CALLBACK CWnd::procedure(HWND window, UINT message, WPARAM wParam, LPARA
   // Nothing may be thrown through the system's calls.
   try {
     result = object->WindowProc(message, wParam, lParam);
+  } catch (const std::bad_alloc&) {
+    tellOfFailure("there is not enough memory");
   } catch (const std::exception& failure) {
-    const std::string what = failure.what();
-    AfxMessageBox((L"A message handler failed: " + std::wstring(what.begin(), what.end())).c_str());
+    tellOfFailure(failure.what());
   } catch (...) {
-    AfxMessageBox(L"A message handler failed.");
+    tellOfFailure({});
   }
   // The handler may have destroyed the object with its window.
   if (attached(window) != object) return result;

@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QBuffer>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -157,9 +158,11 @@ class Dialog final : public Typed<DialogWindow> {
   }
   std::wstring text() const override { return t_.windowTitle().toStdWString(); }
   void setText(std::wstring_view text) override { t_.setWindowTitle(toQt(text)); }
-  bool savePicture(const std::filesystem::path& file) override {
+  std::string picture() override {
     handleWaitingEvents();
-    return framed(t_.grab(), t_).save(QString::fromStdString(file.string()), "PNG");
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    return framed(t_.grab(), t_).save(&buffer, "PNG") ? bytes.toStdString() : std::string();
   }
 
  private:

@@ -40,8 +40,14 @@ LRESULT insertItem(HostWindow& list, int at, std::wstring_view text) {
   const int count = list.widget->count();
   if (at < -1 || at > count) return CB_ERR;
   if (at == -1) at = count;
-  list.widget->insertItem(at, text);
+  // Items and their data are of one number, also when memory ends between the two.
   list.itemData.insert(list.itemData.begin() + at, 0);
+  try {
+    list.widget->insertItem(at, text);
+  } catch (...) {
+    list.itemData.erase(list.itemData.begin() + at);
+    throw;
+  }
   return at;
 }
 

@@ -212,15 +212,20 @@ void listControls(HostWindow& dialog) {
   }
 }
 
+/// PICTURE file.png. False when the script has failed and the dialog must be cancelled.
+bool savePicture(HostWindow& dialog, const std::wstring& shown) {
+  const std::wstring name = L"dialog " + inQuotes(textOf(dialog)) + L": ";
+  const std::filesystem::path file = text::toUtf8(shown);
+  if (file.extension() != ".png") return editor::refuseDialogLine(name + L"a dialog's picture is a .png file");
+  const std::string picture = dialog.widget->picture();
+  if (picture.empty()) return editor::refuseDialogLine(name + L"no picture can be made of it");
+  return editor::writeDialogFile(name, file, picture);
+}
+
 /// The whole sentence, or nothing.
 std::wstring refusalOf(HostWindow& dialog, std::wstring_view line) {
   const std::wstring name = L"dialog " + inQuotes(textOf(dialog));
   const auto [word, rest] = splitWord(line);
-  if (text::equalFolded(word, L"PICTURE") && !rest.empty()) {
-    const std::string file = text::toUtf8(unquoted(rest));
-    if (!file.ends_with(".png")) return name + L": a dialog's picture is a .png file";
-    return dialog.widget->savePicture(file) ? L"" : name + L": " + unquoted(rest) + L" cannot be written";
-  }
   if ((text::equalFolded(line, L"LIST") || line == L"?") && buttonByCaption(dialog, line).control == nullptr) {
     editor::printDialogLine(name + L":");
     listControls(dialog);
@@ -262,6 +267,8 @@ bool actOnLine(HostWindow& dialog) {
     widgetEntered(dialog);
     return true;
   }
+  const auto [word, rest] = splitWord(line);
+  if (text::equalFolded(word, L"PICTURE") && !rest.empty()) return savePicture(dialog, unquoted(rest));
   const std::wstring refusal = refusalOf(dialog, line);
   return refusal.empty() || editor::refuseDialogLine(refusal);
 }

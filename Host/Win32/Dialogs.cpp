@@ -98,8 +98,8 @@ HostWindow* makeDialog(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM param
   HostWindow* const dialog =
       createWindow(window, IsWindow(parent) != FALSE ? parent : nullptr, &dialogTemplate->font, state);
   if (dialog == nullptr) return nullptr;
+  UnfinishedWindow unfinished(dialog);
   if (!makeControls(*dialogTemplate, *dialog)) {
-    DestroyWindow(dialog);
     SetLastError(ERROR_INVALID_DATA);
     return nullptr;
   }
@@ -109,7 +109,7 @@ HostWindow* makeDialog(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM param
   if (IsWindow(dialog) == FALSE) return nullptr;
   const bool show = isModal ? !dialog->dialog->hasEnded : (dialogTemplate->style & WS_VISIBLE) != 0;
   if (show) ShowWindow(dialog, SW_SHOW);
-  return dialog;
+  return unfinished.keep();
 }
 
 /// Handles input until the dialog has ended. Nobody left to answer cancels it, and ends it even if it would rather not.
@@ -200,6 +200,7 @@ ModelessDialogs& modelessDialogs() {
 INT_PTR runModal(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM parameter) {
   HostWindow* const dialog = makeDialog(bytes, parent, procedure, parameter, true);
   if (dialog == nullptr) return -1;
+  const UnfinishedWindow untilItEnds(dialog);
   if (!editor::dialogsAreWorkedByHand() && !dialog->dialog->hasEnded) tellNotice(*dialog);
   if (!dialog->dialog->hasEnded) editor::dialogOpened();
   runDialog(*dialog);
@@ -272,8 +273,10 @@ INT_PTR DialogBoxParamW(HINSTANCE module, LPCWSTR name, HWND parent, DLGPROC pro
 HWND CreateDialogIndirectParamW(HINSTANCE, LPCDLGTEMPLATE dialogTemplate, HWND parent, DLGPROC procedure,
                                 LPARAM parameter) {
   HostWindow* const dialog = makeDialog(builtTemplate(dialogTemplate), parent, procedure, parameter, false);
-  if (dialog != nullptr) modelessDialogs().add(*dialog);
-  return dialog;
+  if (dialog == nullptr) return nullptr;
+  UnfinishedWindow unfinished(dialog);
+  modelessDialogs().add(*dialog);
+  return unfinished.keep();
 }
 
 BOOL EndDialog(HWND dialog, INT_PTR result) {

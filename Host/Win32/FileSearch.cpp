@@ -45,12 +45,12 @@ std::wstring quoted(std::wstring_view pattern) {
 std::vector<Entry> matching(const std::filesystem::path& folder, std::wstring_view pattern, std::error_code& error) {
   std::vector<Entry> entries;
   const std::wstring wanted = quoted(pattern);
-  for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
-    std::wstring name = host::text::fromUtf8(it->path().filename().string());
+  for (const std::filesystem::path& entry : host::text::namesIn(folder, error)) {
+    std::wstring name = host::text::fromUtf8(entry.string());
     if (name.size() >= MAX_PATH || !host::text::matchesWildcard(name, wanted)) continue;
     std::error_code ignored;
     std::wstring folded = host::text::folded(name);
-    entries.push_back({std::move(name), std::move(folded), it->is_directory(ignored)});
+    entries.push_back({std::move(name), std::move(folded), std::filesystem::is_directory(folder / entry, ignored)});
   }
   std::sort(entries.begin(), entries.end(),
             [](const Entry& a, const Entry& b) { return std::tie(a.folded, a.name) < std::tie(b.folded, b.name); });
@@ -90,8 +90,8 @@ HANDLE FindFirstFileW(LPCWSTR pattern, WIN32_FIND_DATAW* found) {
     SetLastError(error ? ERROR_PATH_NOT_FOUND : ERROR_FILE_NOT_FOUND);
     return INVALID_HANDLE_VALUE;
   }
+  openSearches().insert(search.get());
   FolderSearch* const handle = search.release();
-  openSearches().insert(handle);
   FindNextFileW(handle, found);
   return handle;
 }

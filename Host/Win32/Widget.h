@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -88,8 +87,8 @@ class Widget {
   virtual void setCurrent(int) {}
 
   // ---- dialogs ----
-  /// A PNG of the dialog as it looks now.
-  virtual bool savePicture(const std::filesystem::path&) { return false; }
+  /// The bytes of a PNG of the dialog as it looks now; empty when it cannot be drawn.
+  virtual std::string picture() { return {}; }
 };
 
 class WidgetSystem {

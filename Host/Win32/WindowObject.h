@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Win32/Widget.h"
@@ -59,6 +60,19 @@ struct NewWindow {
   RECT rect{};
   std::wstring text;
   WNDPROC procedure = nullptr;
+};
+
+/// Destroys a window on every way out, but for one on which it is kept.
+class UnfinishedWindow {
+ public:
+  explicit UnfinishedWindow(HostWindow* window) : window_(window) {}
+  UnfinishedWindow(const UnfinishedWindow&) = delete;
+  UnfinishedWindow& operator=(const UnfinishedWindow&) = delete;
+  ~UnfinishedWindow();
+  HostWindow* keep() { return std::exchange(window_, nullptr); }
+
+ private:
+  HostWindow* window_;
 };
 
 /// Makes a window with its widget and tells hooks and the window itself (WM_CREATE). Null when there are no widgets or

@@ -45,7 +45,8 @@ bool isAlive(const HostWindow* window) {
   return false;
 }
 
-void bury(std::unique_ptr<HostWindow> window) {
+/// Needs no memory: `createWindow` has made room for every window there is.
+void bury(std::unique_ptr<HostWindow> window) noexcept {
   desktop().dead.push_back(std::move(window));
   if (desktop().depth == 0) desktop().dead.clear();
 }
@@ -60,14 +61,20 @@ std::unique_ptr<HostWindow> takenFromOwner(HostWindow& window) {
   return taken;
 }
 
+/// The window and those in it are no windows any more.
+void forget(HostWindow& window) noexcept {
+  for (const auto& child : window.children) forget(*child);
+  if (desktop().focus == &window) desktop().focus = nullptr;
+  std::erase_if(desktop().posted, [&](const Posted& message) { return message.window == &window; });
+  desktop().alive.erase(&window);
+}
+
 /// The window and those in it hear of their end, parents first.
 void tellOfEnd(HostWindow& window) {
   SendMessageW(&window, WM_DESTROY, 0, 0);
   for (const auto& child : window.children) tellOfEnd(*child);
   SendMessageW(&window, WM_NCDESTROY, 0, 0);
-  if (desktop().focus == &window) desktop().focus = nullptr;
-  std::erase_if(desktop().posted, [&](const Posted& message) { return message.window == &window; });
-  desktop().alive.erase(&window);
+  forget(window);
 }
 
 void tellOfSize(HostWindow& window) {
@@ -105,8 +112,16 @@ HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const Dial
   made.widget = system->make(made, font);
   made.widget->setText(window.text);
   made.widget->setRect(made.rect);
-  desktop().alive.insert(&made);
-  (parent != nullptr && !made.dialog ? parent->children : desktop().topLevel).push_back(std::move(owned));
+  desktop().dead.reserve(desktop().alive.size() + 1);
+  auto& siblings = parent != nullptr && !made.dialog ? parent->children : desktop().topLevel;
+  siblings.push_back(std::move(owned));
+  try {
+    desktop().alive.insert(&made);
+  } catch (...) {
+    siblings.pop_back();
+    throw;
+  }
+  UnfinishedWindow unfinished(&made);
 
   const Depth depth;
   if (!desktop().hooks.empty()) {
@@ -121,12 +136,16 @@ HostWindow* createWindow(const NewWindow& window, HostWindow* parent, const Dial
   create.style = static_cast<LONG>(made.style);
   create.dwExStyle = made.exStyle;
   create.lpszName = window.text.c_str();
-  if (SendMessageW(&made, WM_CREATE, 0, reinterpret_cast<LPARAM>(&create)) == -1) {
-    DestroyWindow(&made);
-    return nullptr;
+  if (SendMessageW(&made, WM_CREATE, 0, reinterpret_cast<LPARAM>(&create)) == -1) return nullptr;
+  return isAlive(&made) ? unfinished.keep() : nullptr;
+}
+
+UnfinishedWindow::~UnfinishedWindow() {
+  if (window_ == nullptr || IsWindow(window_) == FALSE) return;
+  try {
+    DestroyWindow(window_);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the window is gone; who should hear of it is failing
   }
-  if (!isAlive(&made)) return nullptr;
-  return &made;
 }
 
 void dropWidgets() {
@@ -238,11 +257,17 @@ BOOL DestroyWindow(HWND window) {
   if (!isAlive(window)) return FALSE;
   const Depth depth;
   // A window may be destroyed again by what hears of its end.
-  std::unique_ptr<HostWindow> owned = takenFromOwner(*window);
-  if (owned == nullptr) return FALSE;
-  tellOfEnd(*owned);
-  owned->widget->setVisible(false);
-  bury(std::move(owned));
+  struct Grave {
+    std::unique_ptr<HostWindow> window;
+    ~Grave() {
+      if (window == nullptr) return;
+      forget(*window);
+      bury(std::move(window));
+    }
+  } grave{takenFromOwner(*window)};
+  if (grave.window == nullptr) return FALSE;
+  tellOfEnd(*grave.window);
+  grave.window->widget->setVisible(false);
   return TRUE;
 }
 

@@ -44,13 +44,16 @@ Opened<AcDbSortentsTable> sortTableOf(const AcDbEntity& entity) {
   if (!dictionary) return {};
   auto present = Opened<AcDbSortentsTable>::by(
       [&](AcDbSortentsTable*& open) { return dictionary->getAt(kSortentsKey, open, AcDb::kForWrite); });
-  if (present || present.status() != Acad::eKeyNotFound || !makeWritable(*dictionary)) return present;
-  auto table = std::make_unique<AcDbSortentsTable>();
-  AcDbObjectId id;
-  if (dictionary->setAt(kSortentsKey, table.get(), id) != Acad::eOk) return {};
-  Opened<AcDbSortentsTable> resident(table.release());
-  if (!succeeded(resident->setBlockId(blockId))) return {};
-  return resident;
+  if (!present) {
+    if (present.status() != Acad::eKeyNotFound || !makeWritable(*dictionary)) return present;
+    auto table = std::make_unique<AcDbSortentsTable>();
+    AcDbObjectId id;
+    if (dictionary->setAt(kSortentsKey, table.get(), id) != Acad::eOk) return {};
+    present = Opened<AcDbSortentsTable>(table.release());
+  }
+  // Also of a table whose making was broken off before.
+  if (present->blockId().isNull() && !succeeded(present->setBlockId(blockId))) return {};
+  return present;
 }
 
 bool DrawOrder::moveToTop(AcDbObjectId entity) { return move(entity, &AcDbSortentsTable::moveToTop); }

@@ -32,12 +32,31 @@ std::optional<std::vector<std::wstring>> readLines(const std::wstring& path) {
   return lines(decodeText(bytes));
 }
 
-bool writeText(const std::wstring& path, const std::wstring& text) {
+namespace {
+
+enum class Written { No, Partly, Whole };
+
+Written writeBytes(const std::wstring& path, const std::string& bytes) {
   File file(_wfsopen(path.c_str(), L"w", _SH_DENYNO));
-  if (!file) return false;
-  const std::string bytes = encodeUtf8(text);
+  if (!file) return Written::No;
   const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-  return std::fclose(file.release()) == 0 && isWritten;
+  return std::fclose(file.release()) == 0 && isWritten ? Written::Whole : Written::Partly;
+}
+
+}  // namespace
+
+bool writeText(const std::wstring& path, const std::wstring& text) {
+  const std::string bytes = encodeUtf8(text);
+  const bool isNew = _waccess(path.c_str(), 0) != 0;
+  const std::wstring first = isNew ? path : path + L"." + std::to_wstring(GetCurrentProcessId());
+  const Written written = writeBytes(first, bytes);
+  // Where nothing can be made beside the file, it is all there is to write to.
+  if (written == Written::No) return !isNew && writeBytes(path, bytes) == Written::Whole;
+  if (written == Written::Whole &&
+      (isNew || ReplaceFileW(path.c_str(), first.c_str(), nullptr, 0, nullptr, nullptr) != FALSE))
+    return true;
+  DeleteFileW(first.c_str());
+  return false;
 }
 
 }  // namespace OrvLib

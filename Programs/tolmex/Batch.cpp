@@ -14,6 +14,7 @@
 #include <ctime>
 #include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 
 #include "Commands.h"
@@ -83,6 +84,8 @@ std::string problem(const BatchTask& task, const std::string& what) {
     nameDrawingInProblems(task.drawing);
     try {
       status = task.work();
+    } catch (const std::bad_alloc&) {
+      complain(crashStatus, "there is not enough memory");
     } catch (const std::exception& error) {
       complain(crashStatus, std::string("internal failure: ") + error.what());
     } catch (...) {

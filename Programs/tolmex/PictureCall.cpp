@@ -1,6 +1,7 @@
 // `tolmex picture`, and making pictures for every call.
 #include <algorithm>
 #include <array>
+#include <new>
 
 #include "Commands.h"
 #include "Console.h"
@@ -116,8 +117,14 @@ std::optional<PictureFile> pictureFile(const fs::path& file, const std::vector<P
 RunStatus writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
                        const PictureFile& picture) {
   options.metresPerUnit = metresPerUnit(drawing);
-  const host::picture::PictureResult result = host::picture::drawPicture(drawing, options, picture.format);
   const std::string name = isStandardStream(picture.file) ? "standard output" : picture.file.string();
+  host::picture::PictureResult result;
+  try {
+    result = host::picture::drawPicture(drawing, options, picture.format);
+  } catch (const std::bad_alloc&) {
+    result.ok = false;
+    result.message = "there is not enough memory for this picture";
+  }
   if (!result.message.empty()) complain(RunStatus::Done, name + ": " + result.message);
   return result.ok ? writeOutput(picture.file, result.bytes) : RunStatus::OutputFailed;
 }

@@ -2,6 +2,8 @@
 
 #include <histedit.h>
 #include <poll.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,8 +12,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cwctype>
+#include <memory>
 #include <string_view>
 
+#include "Dxf/DxfFile.h"
 #include "Text/Text.h"
 
 namespace tolmex {
@@ -91,6 +95,23 @@ struct Terminal::Editor {
     Editor* self = nullptr;
     el_get(line, EL_CLIENTDATA, &self);
     return *self;
+  }
+
+  /// The former history stands until the new one is whole. What was typed is the user's own business.
+  void saveHistory() {
+    std::error_code error;
+    fs::create_directories(historyFile.parent_path(), error);
+    // The library changes the file's permissions, so it has to be one.
+    const int memory = ::memfd_create("history", MFD_CLOEXEC);
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(memory >= 0 ? ::fdopen(memory, "r+") : nullptr, &std::fclose);
+    if (file == nullptr || ::history(history, &event, H_SAVE_FP, file.get()) < 0 || std::fflush(file.get()) != 0)
+      return;
+    std::string text(static_cast<std::size_t>(std::max(std::ftell(file.get()), 0L)), '\0');
+    std::rewind(file.get());
+    if (std::fread(text.data(), 1, text.size(), file.get()) != text.size()) return;
+    const mode_t former = ::umask(077);
+    host::dxf::writeFileWhole(historyFile, text);
+    ::umask(former);
   }
 
   static char* promptOf(EditLine* line) { return of(line).prompt.data(); }
@@ -177,11 +198,7 @@ Terminal::Terminal(Names names, fs::path history) : editor_(std::make_unique<Edi
 
 Terminal::~Terminal() {
   Editor& e = *editor_;
-  if (!e.historyFile.empty()) {
-    std::error_code error;
-    fs::create_directories(e.historyFile.parent_path(), error);
-    ::history(e.history, &e.event, H_SAVE, e.historyFile.c_str());
-  }
+  if (!e.historyFile.empty()) e.saveHistory();
   history_end(e.history);
   el_end(e.line);
 }

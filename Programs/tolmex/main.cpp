@@ -3,7 +3,9 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <exception>
+#include <new>
 #include <string>
 
 #include "CommandLine.h"
@@ -30,6 +32,9 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   try {
     return tolmex::runCommandLine(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "tolmex: there is not enough memory\n");
+    return static_cast<int>(RunStatus::ScriptFailed);
   } catch (const std::exception& error) {
     return tolmex::complain(RunStatus::ScriptFailed, std::string("internal failure: ") + error.what());
   } catch (...) {

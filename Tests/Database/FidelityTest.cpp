@@ -134,6 +134,53 @@ TEST(Fidelity, NewObjectsTouchOnlySeedCountsAndTheirOwnPlaces) {
   EXPECT_EQ(databaseOf(&again).modelSpace().entities.size(), drawing.database().modelSpace().entities.size());
 }
 
+// With a sort table, a layer table and a class of the file's own; saved after every step and after every undo.
+TEST(Fidelity, UndoingEverythingGivesBackTheFileSavedMeanwhileOrNot) {
+  for (const bool saves : {false, true}) {
+    OpenDrawing drawing(tests::probeDrawing("\n"));
+    const std::string before = drawing.text();
+    std::vector<std::string> texts{before};
+    const auto step = [&](const auto& work) {
+      drawing.database().beginUndoStep(L"STEP");
+      work();
+      drawing.database().endUndoStep();
+      if (saves) texts.push_back(drawing.text());
+    };
+    const auto order = [&](auto move) {
+      AcDbSortentsTable* table = nullptr;
+      ASSERT_EQ(acdbOpenObject(table, drawing.id(0x61), AcDb::kForWrite), Acad::eOk);
+      AcDbObjectIdArray ids;
+      ids.append(drawing.id(0x50));
+      EXPECT_EQ((table->*move)(ids), Acad::eOk);
+      EXPECT_EQ(table->close(), Acad::eOk);
+    };
+    step([&] { order(&AcDbSortentsTable::moveToTop); });
+    step([&] {
+      AcDbLayerTable* layers = nullptr;
+      ASSERT_EQ(drawing->getLayerTable(layers, AcDb::kForWrite), Acad::eOk);
+      auto* const layer = new AcDbLayerTableRecord;
+      layer->setName(ACRX_T("uusi"));
+      EXPECT_EQ(layers->add(layer), Acad::eOk);
+      layer->close();
+      layers->close();
+    });
+    step([&] { order(&AcDbSortentsTable::moveToBottom); });
+    for (std::size_t i = 3; i-- > 0;) {
+      EXPECT_TRUE(drawing.database().undo());
+      if (saves) {
+        EXPECT_EQ(drawing.text(), texts[i]) << i;
+      }
+    }
+    EXPECT_EQ(drawing.text(), before);
+    for (std::size_t i = 1; drawing.database().redo(); ++i) {
+      if (saves) {
+        EXPECT_EQ(drawing.text(), texts[i]) << i;
+      }
+    }
+    EXPECT_NE(drawing.text(), before);
+  }
+}
+
 TEST(Fidelity, AFailedSaveLeavesTheOldFile) {
   OpenDrawing drawing(tests::probeDrawing("\n"));
   const tests::OwnFolder own;

@@ -1,4 +1,8 @@
 // Every kind of control in a dialog of the test's own, worked by scripts as plug-ins' dialogs are.
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -261,7 +265,49 @@ TEST_F(Dialogs, APictureIsMadeWithItsTitle) {
   EXPECT_NE(tried, pictureUnder(L"Try it"));
   std::filesystem::remove(file);
   expectFailure("TRY\nPICTURE try.gif\n", ".png");
-  expectFailure("TRY\nPICTURE /no/such/folder/try.png\n", "cannot be written");
+}
+
+TEST_F(Dialogs, APictureTakesTheOldOnesPlaceWholeOrNotAtAll) {
+  const auto folder = std::filesystem::temp_directory_path() / ("dialog-pictures-" + std::to_string(::getpid()));
+  std::filesystem::create_directories(folder);
+  const auto write = [&](const char* name) { std::ofstream(folder / name) << "old"; };
+  const auto read = [&](const char* name) {
+    std::ifstream in(folder / name);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  };
+  TemplateBytes plain(L"Try");
+  plain.button(IDOK, BS_DEFPUSHBUTTON, L"OK").button(IDCANCEL, 0, L"Cancel");
+  showDialog = [plain] { return TryDialog(plain).DoModal(); };
+  const auto expectRefused = [&](const char* name, std::string_view why) {
+    const auto result = run("TRY\nPICTURE \"" + (folder / name).string() + "\"\nOK\n");
+    EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
+    EXPECT_NE(result.message.find(std::string(name) + ": " + std::string(why)), std::string::npos) << result.message;
+  };
+  expectRefused("gone/try.png", "cannot be written: ");
+  write("full.png");
+  {
+    rlimit former{};
+    ::getrlimit(RLIMIT_FSIZE, &former);
+    const auto told = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{100, former.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    expectRefused("full.png", "cannot be written: File too large");
+    ::setrlimit(RLIMIT_FSIZE, &former);
+    std::signal(SIGXFSZ, told);
+  }
+  EXPECT_EQ(read("full.png"), "old");
+  ASSERT_EQ(::mkfifo((folder / "pipe.png").c_str(), 0600), 0);
+  expectRefused("pipe.png", "this is no ordinary file");  // and nobody waits for a reader
+  ASSERT_TRUE(app.saveDrawing(folder / "plan.dxf"));
+  ASSERT_TRUE(app.openDrawing(folder / "plan.dxf"));
+  const std::string drawing = read("plan.dxf");
+  std::filesystem::create_symlink("plan.dxf", folder / "link.png");
+  expectRefused("link.png", "this drawing is open");
+  EXPECT_EQ(read("plan.dxf"), drawing);
+  std::size_t files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder)) ++files;
+  EXPECT_EQ(files, 4U);
+  std::filesystem::remove_all(folder);
 }
 
 // ---- message boxes --------------------------------------------------------------------------------------------------

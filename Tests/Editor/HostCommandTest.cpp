@@ -50,6 +50,17 @@ TEST_F(Commands, LineClosesAndUndoes) {
   expectFailure("LINE 0,0 1,0 C\n", "Invalid point");
 }
 
+TEST_F(Commands, UndoTakesBackWhatChangedSomethingAndSaysWhat) {
+  const std::string empty = saved();
+  expectDone("LINE 0,0 4,0\n\nLIST L\n\nLINE ^C\nSETVAR LTSCALE 1\nU\n");
+  EXPECT_TRUE(said(L"\nCommand: U\nLINE\n"));
+  EXPECT_EQ(saved(), empty);
+  expectDone("U\n");
+  EXPECT_TRUE(said(L"Everything has been undone"));
+  expectDone("REDO\n");
+  EXPECT_EQ(entities().size(), 1U);
+}
+
 TEST_F(Commands, PolylineOfLinesAndTangentArcs) {
   // A stadium: the arc leaves east from (10,0) and turns to west; then a line and the closing arc.
   expectDone("PLINE 0,0 10,0 A 10,4 L 0,4 A CL\n");

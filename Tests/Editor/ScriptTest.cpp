@@ -275,13 +275,14 @@ TEST_F(Runs, QuestionsOfPlugins) {
     results.push_back(acedGetString(1, L"\nName: ", text, 5));
     acutPrintf(L"\n[%s]", text);
     acedAlert(L"Mind the gap");
+    acedAlert(L"\n\nand the step.\n\nTwice");  // boxes may begin with room
   });
   expectDone("ASKS 1,2 @5,0\n\nY 12 long name\n");
   EXPECT_EQ(results, (std::vector<int>{RTNORM, RTNORM, RTNONE, RTKWORD, RTNORM, RTNORM}));
   EXPECT_EQ(numbers, (std::vector<double>{1, 2, 15, 10, 7, 12}));
   EXPECT_EQ(transcript,
             L"Command: ASKS\nPoint: 1,2\nNext: @5,0\nHeight [2.5]:\nOr yes: Y\ngot Yes 5 wide\nCount: 12\n"
-            L"Name: long name\n[long]\n[tolmex] Mind the gap\nCommand: \n");
+            L"Name: long name\n[long]\n[tolmex] Mind the gap\n[tolmex] and the step.\n\nTwice\nCommand: \n");
 }
 
 TEST_F(Runs, DialogsTakeWholeLines) {

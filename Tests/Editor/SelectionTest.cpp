@@ -1,6 +1,7 @@
 // Picks, windows, filters, groups, sets.
 #include <algorithm>
 
+#include "Database/Parts.h"
 #include "Support.h"
 #include "acedads.h"
 #include "acutads.h"
@@ -73,6 +74,19 @@ class Selections : public test::Host {
   static inline std::vector<test::Slot*> all;
   host::editor::Result last;
 };
+
+TEST_F(Selections, FiltersReadValuesWhereTheirCodesKeepThem) {
+  host::database::DrawingDatabase::Parts& parts = app.drawing()->parts();
+  parts.setTag(*all[0], "AcDbEntity", 160, "8589934593");  // 2^33 + 1
+  parts.setTag(*all[1], "AcDbEntity", 160, "1");
+  EXPECT_EQ(filtered(acutBuildList(160, Adesk::Int64{8589934593}, RTNONE)), "0");
+  EXPECT_EQ(filtered(acutBuildList(-4, L">", 160, Adesk::Int64{0}, RTNONE)), "1 0");
+  ads_name owner{};
+  acdbGetAdsName(owner, AcDbObjectId(all[2]->owner));
+  EXPECT_EQ(filtered(acutBuildList(330, owner, 62, 256, RTNONE)), "5 4 3 2 1 0");
+  acdbGetAdsName(owner, AcDbObjectId(all[2]));
+  EXPECT_EQ(filtered(acutBuildList(330, owner, RTNONE)), "none");
+}
 
 TEST_F(Selections, WholeDrawingNewestFirst) {
   EXPECT_EQ(get(L"X"), "5 4 3 2 1 0");

@@ -44,6 +44,7 @@ class Plan : public testing::Test {
       plan->transcript_ += host::text::toUtf8(text);
       if (plan->whenShown_) plan->whenShown_();
     };
+    options.problem = [plan](std::string_view sentence) { plan->problems_.emplace_back(sentence); };
     options.supportFolders = {std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid())) /
                               "support"};
     return options;
@@ -57,6 +58,7 @@ class Plan : public testing::Test {
   }
   host::editor::Result tryRun(const std::string& script) {
     transcript_.clear();
+    problems_.clear();
     host::editor::ScriptInput input(script, "test.scr");
     return application_.run(input);
   }
@@ -129,6 +131,7 @@ class Plan : public testing::Test {
 
   std::filesystem::path folder_;
   std::string transcript_;
+  std::vector<std::string> problems_;
   std::function<void()> whenShown_;  // called for every piece of the transcript, dialogs open or not
   host::editor::Application application_;
 };

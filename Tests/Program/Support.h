@@ -44,6 +44,7 @@ struct Surroundings {
   fs::path standardOut = {};           // empty: caught
   fs::path standardIn = {};            // from the test's folder; empty: nothing
   const char* program = nullptr;       // null: the program under test
+  Arguments variables = {};            // NAME=VALUE of the environment
 };
 
 class Program : public testing::Test {
@@ -93,7 +94,8 @@ class Program : public testing::Test {
     const rlimit limit{surroundings.largestFile, RLIM_INFINITY};
     if (surroundings.largestFile != RLIM_INFINITY && ::setrlimit(RLIMIT_FSIZE, &limit) != 0) ::_exit(122);
     // Nothing of a desktop, a language or a home may be needed.
-    std::vector<std::string> environment{"PATH=/usr/bin:/bin"};
+    std::vector<std::string> environment = surroundings.variables;  // of a variable twice the first counts
+    environment.emplace_back("PATH=/usr/bin:/bin");
     for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
       if (const char* value = std::getenv(name)) environment.push_back(std::string(name) + "=" + value);
     }

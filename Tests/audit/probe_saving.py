@@ -1,23 +1,35 @@
 #!/usr/bin/env python3
-"""Kills the program while it saves, and looks at what is left.
+"""Kills the program while it saves, lets its calls on files fail and its memory end, and looks at what is left.
 
-    python3 probe_saving.py TOLMEX [--kills N] [--areas N] [--seed S]
+    python3 probe_saving.py TOLMEX [--only kills|files|memory|limits] [--kills N] [--places N] [--areas N] [--seed S]
 
-A plan of many areas is illustrated and saved over an older result, with a picture in each format, and the program is killed
-(SIGKILL) at a random moment. Every output must be the old file or the new one, byte for byte; what else lies in the folder may
-only be a hidden temporary file, and the next run must succeed and leave the same result as ever. Moments are drawn from the
-part of the run in which files are written, found by watching the folder in a run that is left alone.
+A plan of many areas is illustrated and saved over an older result, with a picture in each format.
 
-Prints what was found; status 1 when a file was neither old nor new.
+kills   SIGKILL at random moments of the part of the run in which files are written, found by watching the folder in a run that
+        is left alone. Every output must be the old file or the new one, byte for byte; what else lies in the folder may only be a
+        hidden temporary file, and the next run must succeed and leave the same result as ever.
+files   Every call on an output in turn (open, write, fsync, close, link, rename) fails with ENOSPC and with EIO. The output it
+        is about must be the old file, all others the new ones, the status 4 with one sentence; nothing else lies in the folder. A
+        write that takes only half of its bytes must change nothing.
+memory  Allocations fail at N places all over the run: one, some in a row, all from there on. The program must end by itself, with
+        the old file or the new one and a sentence where it did not succeed. In a session at a terminal that is served from a pipe
+        the user then takes the command back, which gives the opened drawing to the byte, or saves what there is, which must be a
+        sound drawing with everything that was in it.
+limits  The same run under address spaces of growing size (ulimit -v).
+
+The faults are made by a library that is built here (Tests/Faults/Shim.cpp) and preloaded; the program must be one without
+sanitizers. Prints what was found; status 1 when something was not as it must be.
 """
 
 from __future__ import annotations
 
 import argparse
 import collections
+import errno
 import os
 import pathlib
 import random
+import resource
 import subprocess
 import sys
 import tempfile
@@ -25,6 +37,10 @@ import time
 
 OUTPUTS = ("result.dxf", "result.png", "result.svg", "result.pdf")
 OLD = b"the old file"
+FILE_CALLS = ("open", "write", "fsync", "close", "link", "rename")
+COMMAND = ["TLM_MUOK_ASFALTTI", "ALL", ""]
+SHIM = pathlib.Path(__file__).resolve().parent.parent / "Faults" / "Shim.cpp"
+CRASHES = 128  # statuses from here on: a signal ended the program
 
 
 def plan(areas: int) -> str:
@@ -41,71 +57,258 @@ def plan(areas: int) -> str:
     return "\n".join(tags) + "\n"
 
 
-def main() -> int:
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("program", type=pathlib.Path)
-    parser.add_argument("--kills", type=int, default=500)
-    parser.add_argument("--areas", type=int, default=1000)
-    parser.add_argument("--seed", type=int, default=1)
-    options = parser.parse_args()
-    rng = random.Random(options.seed)
-    program = str(options.program.resolve())
-    found: collections.Counter[str] = collections.Counter()
-    with tempfile.TemporaryDirectory() as temporary:
-        folder = pathlib.Path(temporary)
-        (folder / "plan.dxf").write_text(plan(options.areas))
-        results = folder / "results"
-        command = [program, "run", "plan.dxf", "--quiet", "--command", "TLM_MUOK_ASFALTTI", "--command", "ALL", "--command", "",
-                   "--out", "results/result.dxf"]
+class Probe:
+    def __init__(self, program: str, folder: pathlib.Path, options: argparse.Namespace) -> None:
+        self.program, self.folder, self.options = program, folder, options
+        self.results = folder / "results"
+        self.rng = random.Random(options.seed)
+        self.found: collections.Counter[str] = collections.Counter()
+        # What is tried is a drawing in which nothing needs to be mended.
+        (folder / "raw.dxf").write_text(plan(options.areas))
+        subprocess.run([program, "info", "raw.dxf", "--repair", "plan.dxf"], cwd=folder, check=True, capture_output=True)
+        self.opened = (folder / "plan.dxf").read_bytes()
+        self.run_command = [program, "run", "plan.dxf", "--quiet"]
+        for line in COMMAND:
+            self.run_command += ["--command", line]
+        self.run_command += ["--out", "results/result.dxf"]
         for name in OUTPUTS[1:]:
-            command += ["--picture", f"results/{name}"]
+            self.run_command += ["--picture", f"results/{name}"]
+        self.shim = ""
+        self.new: dict[str, bytes] = {}
 
-        def start() -> subprocess.Popen[bytes]:
-            return subprocess.Popen(command, cwd=folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    def count(self, what: str, number: int = 1) -> None:
+        self.found[what] += number
 
-        def make_old() -> None:
-            results.mkdir(exist_ok=True)
-            for left in results.iterdir():
-                left.unlink()
-            for name in OUTPUTS:
-                (results / name).write_bytes(OLD)
+    def wrong(self, what: str, detail: str) -> None:
+        """Something that must not be; shown at once, for a long trial is worth reading while it goes on."""
+        print(f"WRONG {what}: {detail}", flush=True)
+        self.count(f"WRONG {what}")
 
-        # A run left alone: what the new files are, and from when to when the folder changes.
-        make_old()
+    def build_shim(self) -> None:
+        self.shim = str(self.folder / "shim.so")
+        subprocess.run([os.environ.get("CXX", "c++"), "-std=c++20", "-shared", "-fPIC", "-O1", "-DTOLMEX_SHIM_MEMORY", str(SHIM), "-o",
+                        self.shim, "-ldl"], check=True)
+
+    def start(self, command: list[str] | None = None, wish: str = "", **more: object) -> subprocess.Popen[bytes]:
+        environment = dict(os.environ)
+        if wish:
+            environment |= {"LD_PRELOAD": self.shim, "TOLMEX_SHIM": wish, "TOLMEX_SHIM_TOLD": str(self.folder / "told")}
+            if wish.startswith("memory:"):
+                environment["TOLMEX_SHIM_BEGIN"] = ".dxf"
+        (self.folder / "told").unlink(missing_ok=True)
+        return subprocess.Popen(command or self.run_command, cwd=self.folder, env=environment, stdin=subprocess.PIPE,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, **more)
+
+    def run(self, wish: str = "", command: list[str] | None = None, lines: list[str] | None = None,
+            **more: object) -> tuple[int, str, int]:
+        """Status (128 and more for a signal), what was said of problems, and how often the wish's call was met."""
+        process = self.start(command, wish, **more)
+        _, said = process.communicate("".join(line + "\n" for line in lines or []).encode())
+        told = self.folder / "told"
+        met = int(told.read_text() or 0) if told.exists() else 0
+        status = process.returncode if process.returncode >= 0 else CRASHES - process.returncode
+        return status, said.decode(errors="replace"), met
+
+    def make_old(self) -> None:
+        self.results.mkdir(exist_ok=True)
+        for left in self.results.iterdir():
+            left.unlink()
+        for name in OUTPUTS:
+            (self.results / name).write_bytes(OLD)
+
+    def states(self) -> dict[str, str]:
+        states = {}
+        for name in OUTPUTS:
+            content = (self.results / name).read_bytes() if (self.results / name).exists() else b""
+            states[name] = "old" if content == OLD else "new" if content == self.new[name] else "neither"
+        return states
+
+    def strangers(self) -> list[str]:
+        return [left.name for left in self.results.iterdir() if left.name not in OUTPUTS]
+
+    def run_alone(self) -> tuple[float, float]:
+        """What the new files are, and from when to when the folder changes."""
+        self.make_old()
         begin = time.monotonic()
-        process, before = start(), os.stat(results).st_mtime_ns
+        process, before = self.start(), os.stat(self.results).st_mtime_ns
         first = last = 0.0
         while process.poll() is None:
-            now = os.stat(results).st_mtime_ns
+            now = os.stat(self.results).st_mtime_ns
             if now != before:
                 before, last = now, time.monotonic() - begin
                 first = first or last
             time.sleep(0.0005)
         if process.returncode != 0:
-            print(f"the run that was left alone ended with status {process.returncode}")
-            return 1
-        new = {name: (results / name).read_bytes() for name in OUTPUTS}
-        for _ in range(options.kills):
-            make_old()
-            process = start()
+            sys.exit(f"the run that was left alone ended with status {process.returncode}")
+        self.new = {name: (self.results / name).read_bytes() for name in OUTPUTS}
+        return first, last
+
+    # ---- kills ----
+
+    def kills(self, first: float, last: float) -> None:
+        for _ in range(self.options.kills):
+            self.make_old()
+            process = self.start()
             # A file is seen when it gets its name, long after its writing has begun.
-            time.sleep(rng.uniform(first * 0.4, last * 1.05))
+            time.sleep(self.rng.uniform(first * 0.4, last * 1.05))
             process.kill()
-            process.wait()
-            found["killed" if process.returncode < 0 else "had ended"] += 1
-            for name in OUTPUTS:
-                content = (results / name).read_bytes() if (results / name).exists() else b""
-                state = "old" if content == OLD else "new" if content == new[name] else "NEITHER"
-                found[f"{name} {state}"] += 1
-            strangers = [left.name for left in results.iterdir() if left.name not in OUTPUTS]
-            found["temporary files left"] += len(strangers)
-            found["STRANGE FILES"] += sum(not name.startswith(".") for name in strangers)
+            process.communicate()
+            self.count("kills: killed" if process.returncode < 0 else "kills: had ended")
+            for name, state in self.states().items():
+                self.count(f"kills: {name} {state}")
+                if state == "neither":
+                    self.wrong("kill", f"{name} is neither old nor new")
+            self.count("kills: temporary files left", len(self.strangers()))
+            for name in self.strangers():
+                if not name.startswith("."):
+                    self.wrong("kill", f"left {name}")
         # What killed runs left behind does not disturb the next.
-        if start().wait() != 0 or any((results / name).read_bytes() != new[name] for name in OUTPUTS):
-            found["NEXT RUN FAILED"] += 1
-    for what, count in sorted(found.items()):
+        if self.run()[0] != 0 or "old" in self.states().values():
+            self.wrong("kill", "the next run failed")
+
+    # ---- files ----
+
+    def files(self) -> None:
+        for call in FILE_CALLS:
+            for number in (errno.ENOSPC, errno.EIO):
+                n = 1
+                while self.file_fault(call, number, n):
+                    n += 1
+                self.count(f"files: {call} {errno.errorcode[number]}", n - 1)
+        n = 1
+        while True:
+            self.make_old()
+            status, said, met = self.run(f"short:0:{n}")
+            if met < n:
+                break
+            n += 1
+            if status != 0 or set(self.states().values()) != {"new"} or self.strangers():
+                self.wrong("short write", f"{n}: status {status}, {self.states()} {said}")
+        self.count("files: short writes", n - 1)
+
+    def file_fault(self, call: str, number: int, n: int) -> bool:
+        self.make_old()
+        status, said, met = self.run(f"{call}:{number}:{n}")
+        if met < n:
+            return False
+        states = self.states()
+        old = [name for name, state in states.items() if state == "old"]
+        # A file without a name that cannot be made, or not be named, may be made in another way.
+        helped = call in ("open", "link") and not old and status == 0 and not said
+        is_right = helped or (status == 4 and len(old) == 1 and list(states.values()).count("new") == len(OUTPUTS) - 1 and
+                              said.count("\n") == 1 and old[0] in said and os.strerror(number) in said)
+        if not is_right or self.strangers():
+            self.wrong("file", f"{call} {n} {errno.errorcode[number]}: status {status}, {states}, {self.strangers()}, {said!r}")
+        return True
+
+    # ---- memory ----
+
+    def memory(self) -> None:
+        self.run_places()
+        self.session_places()
+
+    def places(self, total: int) -> list[int]:
+        """Every one of the first and the last, and in between as many as are left."""
+        ends = self.options.places // 8
+        inner = [self.rng.randint(1, max(total, 1)) for _ in range(self.options.places - 2 * ends)]
+        return sorted({n for n in [*range(1, ends + 1), *range(total - ends + 1, total + 1), *inner] if n > 0})
+
+    def run_places(self) -> None:
+        command = self.run_command[:self.run_command.index("--picture")]  # pictures are another library's work
+        status, said, total = self.run("memory:1:0", command)
+        self.count("memory: allocations of the run", total)
+        if status != 0:
+            self.wrong("memory", f"without a fault: status {status}, {said!r}")
+        for n in self.places(total):
+            for howmany in (1, 20, 0):
+                self.make_old()
+                status, said, _ = self.run(f"memory:{howmany}:{n}", command)
+                state = self.states()["result.dxf"]
+                self.count(f"memory: run, status {status}, {state}")
+                # A plug-in command that tells of its failure leaves a result of its own.
+                is_sound = state in ("old", "new") or (status == 0 and self.is_sound(self.results / "result.dxf"))
+                if status >= CRASHES or status not in (0, 2, 3, 4) or not is_sound or (status != 0 and state != "old") or self.strangers():
+                    self.wrong("memory", f"run {howmany}:{n}: status {status}, {state}, {self.strangers()}, {said!r}")
+                elif status != 0 and not said and howmany != 0:
+                    self.wrong("memory", f"run {howmany}:{n}: status {status} without a word")
+
+    def is_sound(self, file: pathlib.Path, at_least: int = 0) -> bool:
+        """Whether the drawing is read without a problem and holds everything that was opened."""
+        info = subprocess.run([self.program, "info", file], capture_output=True, check=False)
+        return (info.returncode == 0 and info.stdout.rstrip().endswith(b"problems 0") and
+                file.read_bytes().count(b"\nLWPOLYLINE\n") >= (at_least or self.options.areas))
+
+    def session_places(self) -> None:
+        saved = self.folder / "saved.dxf"
+        for ending in (["U"], []):
+            lines = [*COMMAND, *ending, f"SAVEAS {saved}"]
+            shell = [self.program, "shell", "plan.dxf", "--quiet"]
+            saved.unlink(missing_ok=True)
+            _, _, total = self.run("memory:1:0", shell, lines)
+            what = "undone" if ending else "saved"
+            self.count(f"memory: allocations of the session that is {what}", total)
+            for n in self.places(total):
+                for howmany in (1, 20):
+                    saved.unlink(missing_ok=True)
+                    status, said, _ = self.run(f"memory:{howmany}:{n}", shell, lines)
+                    if status >= CRASHES:
+                        self.wrong("memory", f"session {howmany}:{n}: status {status}, {said!r}")
+                    elif not saved.exists():
+                        # The drawing was not opened, or the fault met the saving itself; then it was told.
+                        self.count(f"memory: session that is {what}, not saved")
+                        if not said:
+                            self.wrong("memory", f"session {howmany}:{n}: not saved, without a word")
+                    elif not self.is_sound(saved):
+                        self.wrong("memory", f"session {howmany}:{n}: what was saved is not sound, {said!r}")
+                    elif ending and not said and saved.read_bytes() != self.opened:
+                        self.wrong("memory", f"session {howmany}:{n}: undone, but not what was opened")
+                    else:
+                        self.count(f"memory: session that is {what}, sound")
+
+    # ---- limits ----
+
+    def limits(self) -> None:
+        command = self.run_command[:self.run_command.index("--picture")]
+        step, size, done = 2 << 20, 16 << 20, 0
+        while done < 10:
+            self.make_old()
+            status, said, _ = self.run(command=command, preexec_fn=lambda limit=size: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
+            state = self.states()["result.dxf"]
+            self.count(f"limits: status {status}, {state}")
+            # 127: the libraries themselves could not be loaded, which their loader tells.
+            if status not in (0, 2, 3, 4, 127) or (state == "neither" and not self.is_sound(self.results / "result.dxf")) or \
+                    (status == 0) != (state != "old") or (status != 0 and not said) or self.strangers():
+                self.wrong("limit", f"{size >> 20} MB: status {status}, {state}, {said!r}")
+            done += status == 0
+            size += step
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("program", type=pathlib.Path)
+    parser.add_argument("--only", choices=("kills", "files", "memory", "limits"), action="append")
+    parser.add_argument("--kills", type=int, default=500)
+    parser.add_argument("--places", type=int, default=400, help="places where allocations fail")
+    parser.add_argument("--areas", type=int, default=1000)
+    parser.add_argument("--seed", type=int, default=1)
+    options = parser.parse_args()
+    parts = options.only or ["kills", "files", "memory", "limits"]
+    with tempfile.TemporaryDirectory() as temporary:
+        probe = Probe(str(options.program.resolve()), pathlib.Path(temporary), options)
+        first, last = probe.run_alone()
+        if "kills" in parts:
+            probe.kills(first, last)
+        if set(parts) & {"files", "memory"}:
+            probe.build_shim()
+        if "files" in parts:
+            probe.files()
+        if "memory" in parts:
+            probe.memory()
+        if "limits" in parts:
+            probe.limits()
+    for what, count in sorted(probe.found.items()):
         print(f"{what}: {count}")
-    return 1 if any(count > 0 and any(word.isupper() for word in what.split()) for what, count in found.items()) else 0
+    return 1 if any(what.startswith("WRONG") for what in probe.found) else 0
 
 
 if __name__ == "__main__":

@@ -8,8 +8,9 @@
 // "left-out <count> <class>", or "pictured <count> <class>" for entities of which the graphics are kept.
 //
 // Texts already made are kept in the folder of TOLMEX_DWG_CACHE (or the user's cache folder), named by the hash of the
-// drawing and of this reader, 256 MB at most; the longest unused go first.
-import { createHash } from 'node:crypto';
+// drawing and of this reader, 256 MB at most; the longest unused go first. A kept text begins with a line that tells
+// its drawing, length and hash and is taken only when all are right; a folder that others could write to is not used.
+import { createHash, randomUUID } from 'node:crypto';
 import fs from 'node:fs';
 import os from 'node:os';
 import path from 'node:path';
@@ -17,9 +18,9 @@ import { fileURLToPath, pathToFileURL } from 'node:url';
 
 const here = path.dirname(fileURLToPath(import.meta.url));
 const packageFolder = path.join(here, 'node_modules', '@mlightcad', 'libredwg-web');
-const cacheFolder = process.env.TOLMEX_DWG_CACHE
-  || path.join(process.env.XDG_CACHE_HOME || path.join(os.homedir(), '.cache'), 'tolmex', 'dwg');
 const cacheLimit = 256 * 1024 * 1024;
+const strayAge = 3600 * 1000;  // ms after which an unfinished file is nobody's any more
+const ownName = /^[0-9a-f]{64}\.dxf(\.[0-9a-f-]+)?$/;  // of kept texts and, with a further ending, unfinished ones
 const critical = 128;  // the package's error bits from here on mean that the drawing could not be read
 const layerType = 51;   // of the objects that are layers
 // Heads of tables, and what entities of viewports had of their own long ago: nothing in DXF stands for them.
@@ -256,18 +257,69 @@ function readerMark() {
 }
 const mark = readerMark();
 
+/** Where texts are kept; null when there is no such place. A relative path would lead wherever one stands. */
+function cacheFolderName() {
+  if (process.env.TOLMEX_DWG_CACHE) return path.isAbsolute(process.env.TOLMEX_DWG_CACHE) ? process.env.TOLMEX_DWG_CACHE : null;
+  const general = process.env.XDG_CACHE_HOME;
+  if (general && path.isAbsolute(general)) return path.join(general, 'tolmex', 'dwg');
+  const home = process.env.HOME ?? os.homedir();
+  return path.isAbsolute(home) ? path.join(home, '.cache', 'tolmex', 'dwg') : null;
+}
+const cacheFolder = cacheFolderName();
+
+/** Whether a file or folder is this user's and no other can write to it. */
+function isOwn(status) {
+  return status.uid === process.getuid() && (status.mode & 0o022) === 0;
+}
+
+/** The file that keeps the text of the drawing; null when none is kept. */
 function cachedPath(bytes) {
-  return path.join(cacheFolder, `${createHash('sha256').update(mark).update(bytes).digest('hex')}.dxf`);
+  return cacheFolder && path.join(cacheFolder, `${createHash('sha256').update(mark).update(bytes).digest('hex')}.dxf`);
+}
+
+/** The line in front of a kept text: of which drawing it is, its length, its hash. */
+function headOf(file, text) {
+  const hash = createHash('sha256').update(text).digest('hex');
+  return Buffer.from(`${path.basename(file, '.dxf')} ${text.length} ${hash}\n`, 'latin1');
 }
 
 function fromCache(file) {
+  let descriptor = -1;
   try {
-    const text = fs.readFileSync(file);
+    if (!isOwn(fs.statSync(cacheFolder))) return null;
+    descriptor = fs.openSync(file, fs.constants.O_RDONLY | fs.constants.O_NOFOLLOW | fs.constants.O_NONBLOCK);
+    const status = fs.fstatSync(descriptor);
+    if (!status.isFile() || !isOwn(status)) return null;
+    const all = fs.readFileSync(descriptor);
+    const text = all.subarray(all.indexOf(10) + 1);
+    if (text.length === 0 || !all.subarray(0, all.length - text.length).equals(headOf(file, text))) return null;
     const now = new Date();
-    fs.utimesSync(file, now, now);
+    fs.futimesSync(descriptor, now, now);
     return text;
   } catch {
     return null;
+  } finally {
+    if (descriptor >= 0) fs.closeSync(descriptor);
+  }
+}
+
+/** Writes the file under another name first; what fails leaves nothing. */
+function writeWhole(file, parts) {
+  const temporary = `${file}.${randomUUID()}`;
+  const descriptor = fs.openSync(temporary, 'wx', 0o600);
+  try {
+    try {
+      for (const part of parts) {
+        for (let at = 0; at < part.length;) at += fs.writeSync(descriptor, part, at);
+      }
+      fs.fsyncSync(descriptor);
+    } finally {
+      fs.closeSync(descriptor);
+    }
+    fs.renameSync(temporary, file);
+  } catch (error) {
+    fs.unlinkSync(temporary);
+    throw error;
   }
 }
 
@@ -275,19 +327,18 @@ function fromCache(file) {
 function keep(file, text) {
   try {
     fs.mkdirSync(cacheFolder, { recursive: true, mode: 0o700 });
-    const temporary = `${file}.${process.pid}`;
-    fs.writeFileSync(temporary, text);
-    fs.renameSync(temporary, file);
-    const files = fs.readdirSync(cacheFolder).map((name) => {
+    if (!isOwn(fs.statSync(cacheFolder))) return;
+    writeWhole(file, [headOf(file, text), text]);
+    const files = fs.readdirSync(cacheFolder).filter((name) => ownName.test(name)).map((name) => {
       const full = path.join(cacheFolder, name);
-      const { size, mtimeMs } = fs.statSync(full);
-      return { full, size, mtimeMs };
+      const { size, mtimeMs } = fs.lstatSync(full);
+      return { full, size, mtimeMs, isWhole: name.endsWith('.dxf') };
     });
     files.sort((a, b) => b.mtimeMs - a.mtimeMs);
     let total = 0;
-    for (const { full, size } of files) {
+    for (const { full, size, mtimeMs, isWhole } of files) {
       total += size;
-      if (total > cacheLimit) fs.unlinkSync(full);
+      if (isWhole ? total > cacheLimit : mtimeMs < Date.now() - strayAge) fs.unlinkSync(full);
     }
   } catch {
     // Another process may be at the same file, the disk may be full.
@@ -296,12 +347,12 @@ function keep(file, text) {
 
 for (let bytes = nextRequest(); bytes !== null; bytes = nextRequest()) {
   const file = cachedPath(bytes);
-  const known = fromCache(file);
+  const known = file && fromCache(file);
   if (known !== null) {
     answer('ok', known);
     continue;
   }
   const [status, content] = await convert(bytes);
+  if (status === 'ok' && file) keep(file, content);  // first: who has the answer may end this process
   answer(status, content);
-  if (status === 'ok') keep(file, content);
 }

@@ -1,4 +1,4 @@
-// Searching folders.
+// Searching folders, deleting and replacing files.
 #pragma once
 
 #include "windows.h"
@@ -22,3 +22,9 @@ struct WIN32_FIND_DATAW {
 ADESK_EXPORT HANDLE FindFirstFileW(LPCWSTR pattern, WIN32_FIND_DATAW* found);
 ADESK_EXPORT BOOL FindNextFileW(HANDLE search, WIN32_FIND_DATAW* found);
 ADESK_EXPORT BOOL FindClose(HANDLE search);
+
+ADESK_EXPORT BOOL DeleteFileW(LPCWSTR file);
+/// Puts `replacement` in the place of `replaced`, a file that is there and keeps its permissions; it is the old file or
+/// the new one at any time. Here neither a backup nor flags are known: null and 0.
+ADESK_EXPORT BOOL ReplaceFileW(LPCWSTR replaced, LPCWSTR replacement, LPCWSTR backup, DWORD flags, LPVOID exclude,
+                               LPVOID reserved);
