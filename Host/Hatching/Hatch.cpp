@@ -71,8 +71,9 @@ struct PatternChoice {
   bool isSolid = false;
 };
 
-/// The choice for a hatch with the angle and scale that it has; null when the pattern is unknown. A command sets one
-/// pattern on hatch after hatch: the latest choices are remembered as long as names find the same patterns.
+/// The choice for a hatch with the angle and scale that it has; null when the pattern is unknown, or nothing is left of
+/// it at that scale. A command sets one pattern on hatch after hatch: the latest choices are remembered as long as
+/// names find the same patterns.
 const PatternChoice* choosePattern(const AcDbHatch& hatch, AcDbHatch::HatchPatternType type, const ACHAR* name) {
   struct Remembered {
     std::uint64_t memory = 0;
@@ -96,14 +97,11 @@ const PatternChoice* choosePattern(const AcDbHatch& hatch, AcDbHatch::HatchPatte
   }
   const std::optional<Pattern> pattern = patternFor(hatch, type, name);
   if (!pattern) return nullptr;
+  std::vector<PatternLine> lines = scaledPattern(*pattern, angleRad, scale);
+  if (lines.empty() && !pattern->families.empty()) return nullptr;
   std::swap(latest[0], latest[1]);
-  latest[0] = {memory,
-               type,
-               name,
-               metric,
-               angleRad,
-               scale,
-               {capitals(name), scaledPattern(*pattern, angleRad, scale), pattern->families.empty()}};
+  latest[0] = {
+      memory, type, name, metric, angleRad, scale, {capitals(name), std::move(lines), pattern->families.empty()}};
   return &latest[0].choice;
 }
 

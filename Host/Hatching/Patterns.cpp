@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "Hatching/Arcs.h"
 #include "Hatching/DefinitionFile.h"
 
 namespace host::hatching {
@@ -88,7 +89,9 @@ std::vector<PatternLine> scaledPattern(const Pattern& pattern, double angleRad, 
     line.offsetX = offset.x;
     line.offsetY = offset.y;
     for (const double dash : family.dashes) line.dashes.push_back(dash * scale);
-    lines.push_back(std::move(line));
+    const bool hasNumbers =
+        std::all_of(line.dashes.begin(), line.dashes.end(), [](double d) { return std::isfinite(d); });
+    if (hasNumbers && isFinite(base) && isFinite(offset)) lines.push_back(std::move(line));
   }
   return lines;
 }

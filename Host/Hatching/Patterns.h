@@ -39,7 +39,7 @@ class PatternMemory {
 std::uint64_t patternMemoryNumber();
 
 /// The pattern's lines as a hatch stores them: angle f + a, base rotated by a and scaled, offset rotated by f + a and
-/// scaled, dashes scaled.
+/// scaled, dashes scaled. Families that scaling takes beyond what numbers hold are left out.
 std::vector<PatternLine> scaledPattern(const Pattern& pattern, double angleRad, double scale);
 
 }  // namespace host::hatching

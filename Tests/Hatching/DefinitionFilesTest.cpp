@@ -80,6 +80,15 @@ TEST(PatternFiles, ScalingTurnsAndStretchesAsHatchesStoreIt) {
   EXPECT_EQ(turned.dashes, (Numbers{30, -10}));
 }
 
+TEST(PatternFiles, FamiliesThatScalingTakesTooFarAreLeftOut) {
+  Problems problems;
+  const auto patterns = parsePatternFile("*A\n0,0,0,0,1,1e308,-1\n0,0,0,0,1e308\n0,1e308,0,0,1\n0,0,0,0,3\n", problems);
+  ASSERT_EQ(1U, patterns.size());
+  const auto lines = scaledPattern(patterns.front(), 0, 2);
+  ASSERT_EQ(1U, lines.size()) << "a hatch would store numbers that are none";
+  EXPECT_EQ(6, lines.front().offsetY);
+}
+
 TEST(LinetypeFiles, DamagedLinesAreNamedAndComplexOnesKeepTheirLengths) {
   Problems problems;
   const std::vector<Linetype> linetypes = parseLinetypeFile(

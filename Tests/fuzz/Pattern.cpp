@@ -31,6 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<PatternLine> families = host::hatching::scaledPattern(pattern, 0.5, 2);
     for (const PatternLine& line : families) {
       for (const double dash : line.dashes) fuzz::require(std::isfinite(dash), "dashes are numbers", pattern.name);
+      fuzz::require(std::isfinite(line.offsetX) && std::isfinite(line.offsetY), "offsets are numbers", pattern.name);
     }
     fillSquare(families, pattern.name);
   }
