@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "Hatching/Arcs.h"
+#include "Curves/Plane.h"
 #include "Hatching/DefinitionFile.h"
 
 namespace host::hatching {

@@ -13,11 +13,11 @@ namespace OrvLib {
 inline std::weak_ordering compareIgnoringCase(std::wstring_view a, std::wstring_view b) {
   return std::lexicographical_compare_three_way(
       a.begin(), a.end(), b.begin(), b.end(),
-      [](wchar_t x, wchar_t y) -> std::weak_ordering { return std::compare_three_way{}(lowerCase(x), lowerCase(y)); });
+      [](wchar_t x, wchar_t y) -> std::weak_ordering { return lowerCase(x) <=> lowerCase(y); });
 }
 
 inline bool equalsIgnoringCase(std::wstring_view a, std::wstring_view b) {
-  return a.size() == b.size() && compareIgnoringCase(a, b) == 0;
+  return a.size() == b.size() && std::is_eq(compareIgnoringCase(a, b));
 }
 
 }  // namespace OrvLib

@@ -18,7 +18,8 @@ TEST_F(Lossless, OnlyWhatACommandChangesIsChanged) {
 }
 
 TEST_F(Lossless, KillsLeaveOldOrNewFilesAndNothingBetween) {
-  const Outcome probe = call({kAudit / "probe_saving.py", kProgram, "--only", "kills", "--kills", "12"}, {.program = "/usr/bin/python3"});
+  const Outcome probe =
+      call({kAudit / "probe_saving.py", kProgram, "--only", "kills", "--kills", "12"}, {.program = "/usr/bin/python3"});
   EXPECT_EQ(probe.status, 0) << probe.out << probe.err;
 }
 
