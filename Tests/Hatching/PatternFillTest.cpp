@@ -17,11 +17,10 @@ constexpr double kPi = std::numbers::pi;
 using Segments = std::vector<PatternSegment>;
 
 PatternLine family(double angle, double along, double spacing, std::vector<double> dashes = {}, Point2 base = {}) {
-  const Pattern pattern{"P", {}, {{0, 0, 0, along, spacing, std::move(dashes)}}};
-  PatternLine line = scaledPattern(pattern, angle, 1).front();
-  line.baseX = base.x;
-  line.baseY = base.y;
-  return line;
+  // Not by way of a pattern's scaling, which leaves out what is no number.
+  const double c = std::cos(angle);
+  const double s = std::sin(angle);
+  return {angle, base.x, base.y, along * c - spacing * s, along * s + spacing * c, std::move(dashes)};
 }
 
 Segments filled(const std::vector<PatternLine>& families, const std::vector<Polygon>& area) {
