@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Checks the form of the sources: formatting and plain-text rules; with --tidy also clang-tidy on every source that
-# changed since it last passed.
+# changed, or a header of which changed, since it last passed.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 
@@ -38,24 +38,21 @@ if [ "${1:-}" = "--tidy" ]; then
   # clang-tidy is clang: it does not know all of GCC's options.
   sed -E 's/ -(fno-gnu-unique|Wno-restrict|fsanitize=[a-z,]*|fno-sanitize-recover=[a-z,]*)//g' \
     build/debug/compile_commands.json >"$passed/compile_commands.json"
-  rules=$(sha256sum .clang-tidy | cut -c1-16)
   tidy() {
-    # What a source means depends on every header; the preprocessed dependencies would be the true key, the sum of all
-    # headers is a safe one.
-    local key
-    key=$(cat "$1" | sha256sum | cut -c1-16)-$2
-    [ -e "$3/$key" ] && return 0
-    if clang-tidy-14 -p "$3" --quiet "$1" >"$3/$key.out" 2>&1; then
-      mv "$3/$key.out" "$3/$key"
+    local source=$1 key=$2
+    [ -e "$passed/$key" ] && return 0
+    if clang-tidy-14 -p "$passed" --quiet "$source" >"$passed/$key.out" 2>&1; then
+      mv "$passed/$key.out" "$passed/$key"
     else
-      grep -E 'error|warning' "$3/$key.out" || { echo "$1:" && cat "$3/$key.out"; }
-      rm -f "$3/$key.out"
+      grep -E 'error|warning:' "$passed/$key.out" || { echo "$source:" && cat "$passed/$key.out"; }
+      rm -f "$passed/$key.out"
     fi
   }
   export -f tidy
-  headers=$(git ls-files --cached --others --exclude-standard -- '*.h' | xargs cat | sha256sum | cut -c1-16)
-  check "clang-tidy 14" "$(git ls-files --cached --others --exclude-standard -- 'Host/*.cpp' 'OrvLib/*.cpp' \
-    'Projects/*.cpp' 'Programs/*.cpp' | xargs -P "$(nproc)" -I{} bash -c 'tidy "$@"' _ {} "$rules-$headers" "$passed")"
+  export passed
+  keys=$(git ls-files --cached --others --exclude-standard -- 'Host/*.cpp' 'OrvLib/*.cpp' 'Projects/*.cpp' \
+    'Programs/*.cpp' | tools/tidy-keys.py build/debug) || check "sums of what the checker reads" "tools/tidy-keys.py failed"
+  check "clang-tidy 14" "$(xargs -P "$(nproc)" -L1 bash -c 'tidy "$@"' _ <<<"$keys" 2>&1)"
 fi
 
 [ "$failures" -eq 0 ]
