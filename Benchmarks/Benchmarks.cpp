@@ -1,7 +1,9 @@
 // Measures reading, saving, an area command, a picture, a shadow update and the whole program on plans of growing size,
 // and prints one table.
 //
-//   tolmex_benchmarks [--tries N] [PLAN.dxf...] [--shadows PLAN.dxf...]
+//   tolmex_benchmarks [--tries N] [--page PAGE.md] [PLAN.dxf...] [--shadows PLAN.dxf...]
+//
+// --page writes the table as a page of Markdown too.
 //
 // Times are the shortest of N tries. Each stands beside a limit measured in the same run: what no program that does the
 // same work can be faster than. Memory is the peak of the whole process, as a multiple of the file. The buildings of
@@ -12,13 +14,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -146,6 +151,36 @@ void rasterizePlan(Clock& clock, const fs::path& plan) {
   benchmarks::rasterize(clock, picture);
 }
 
+/// The plan with all shadows drawn, by the program; made when there is none newer than plan and program.
+fs::path shadowedPlan(const fs::path& plan) {
+  const fs::path result = plan.parent_path() / (plan.stem().string() + ".shadowed.dxf");
+  const fs::path program = fs::path(TOLMEX_BIN_DIR) / "tolmex";
+  const bool isNew = fs::exists(result) && fs::last_write_time(result) > fs::last_write_time(plan) &&
+                     fs::last_write_time(result) > fs::last_write_time(program);
+  if (!isNew) {
+    Clock unused;
+    runProgram(unused, {"run", plan, "--quiet", "--command", "TLM_VARJO_PAIVITA", "--out", result});
+  }
+  return result;
+}
+void copyShadowed(Clock& clock, const fs::path& plan) {
+  benchmarks::copyFile(clock, shadowedPlan(plan), scratchFile(plan));
+}
+
+/// Draws all shadows anew and saves the drawing.
+void saveShadows(Clock& clock, const fs::path& plan) {
+  host::editor::Application application;
+  require(application.openDrawing(plan));
+  require(application.loadModule(fs::path(TOLMEX_BIN_DIR) / "tolmex.arx"));
+  host::editor::ScriptInput script("TLM_VARJO_PAIVITA\n", "benchmark");
+  const fs::path target = scratchFile(plan);
+  clock.time([&] {
+    require(application.run(script));
+    require(application.saveDrawing(target));
+  });
+  fs::remove(target);
+}
+
 void updateOnce(Clock& clock, const fs::path& plan) { benchmarks::updateShadows(clock, plan, 1); }
 
 using StepFunction = void (*)(Clock&, const fs::path&);
@@ -153,8 +188,9 @@ using StepFunction = void (*)(Clock&, const fs::path&);
 struct Step {
   const char* name;
   StepFunction run;
-  StepFunction limit;     // null: an aim for the whole program instead
-  double mostGrowth = 0;  // judged; 0: not
+  StepFunction limit;                             // null: an aim for the whole program instead
+  double mostGrowth = 0;                          // judged; 0: not
+  fs::path (*result)(const fs::path&) = nullptr;  // the file whose size memory is a multiple of; null: the plan
 };
 /// For ten times as much a step may take twenty times as long: one that compares all with all takes a hundred times.
 constexpr double kNearlyLinear = 2;
@@ -167,7 +203,10 @@ constexpr Step kSteps[] = {
     {"program: open", openByProgram, nullptr},
     {"program: PNG", drawByProgram, nullptr},
 };
-constexpr Step kShadowStep = {"shadow update", updateOnce, readPlan};
+constexpr Step kShadowSteps[] = {
+    {"shadow update", updateOnce, readPlan},
+    {"shadows, saved", saveShadows, copyShadowed, 0, shadowedPlan},
+};
 
 /// What the whole program should take at most for a plan, told by the number of buildings in its name.
 double aimedSeconds(const Step& step, const fs::path& plan) {
@@ -176,6 +215,13 @@ double aimedSeconds(const Step& step, const fs::path& plan) {
   if (name.ends_with("-1000")) return isOpening ? 0.015 : 0.2;
   if (name.ends_with("-10000") && !isOpening) return 1;
   return 0;
+}
+
+/// A cell of the page, "12.3" or nothing.
+std::string cell(double value, const char* format) {
+  std::array<char, 32> text{};
+  if (value > 0) std::snprintf(text.data(), text.size(), format, value);
+  return text.data();
 }
 
 /// One line of the table for each plan and step, with what the step cost on the plan before.
@@ -188,6 +234,7 @@ class Table {
 
   void measure(const Step& step, const fs::path& plan) {
     const auto bytes = static_cast<double>(fs::file_size(plan));
+    const auto weighed = step.result != nullptr ? static_cast<double>(fs::file_size(step.result(plan))) : bytes;
     std::printf("%-17s %7.2f  %-20s ", plan.stem().c_str(), bytes / 1e6, step.name);
     std::fflush(stdout);
     Measurement limit;
@@ -209,21 +256,28 @@ class Table {
     } else {
       std::printf("%9s %7s", "", "");
     }
-    std::printf(" %7.2fx", static_cast<double>(done.peakBytes) / bytes);
+    const double memory = static_cast<double>(done.peakBytes) / weighed;
+    std::printf(" %7.2fx", memory);
+    double growth = 0;
     if (before.seconds > 0) {
-      const double growth = done.userSeconds / before.seconds / (bytes / before.bytes);
+      growth = done.userSeconds / before.seconds / (bytes / before.bytes);
       const bool isAbove = step.mostGrowth > 0 && growth > step.mostGrowth;
       std::printf(" %7.2f%s", growth, isAbove ? "!" : "");
       failures_ += isAbove ? 1 : 0;
     }
     std::printf("\n");
     std::fflush(stdout);
+    page_ += "| " + plan.stem().string() + " | " + cell(bytes / 1e6, "%.2f") + " | " + step.name + " | " +
+             cell(done.seconds * 1e3, "%.1f") + " | " + cell(limit.seconds * 1e3, "%.1f") + " | " +
+             cell(limit.seconds > 0 ? done.seconds / limit.seconds : 0, "%.2f") + " | " + cell(memory, "%.2f") + " | " +
+             cell(growth, "%.2f") + " |\n";
     // User time is counted in ticks of some milliseconds: too short ones say nothing about growth.
     constexpr double kLeastToCompare = 0.02;
     if (done.userSeconds >= kLeastToCompare) before_[step.name] = {done.userSeconds, bytes};
   }
 
   int failures() const { return failures_; }
+  const std::string& page() const { return page_; }
 
  private:
   struct Cost {
@@ -231,22 +285,42 @@ class Table {
   };
   int tries_;
   int failures_ = 0;
+  std::string page_;  // the lines as rows of a Markdown table
   std::map<std::string, Cost> before_;
 };
 
-/// `shadowPlans` are the same sizes as `plans`; those that are missing leave their line out.
-int measurePlans(const std::vector<fs::path>& plans, const std::vector<fs::path>& shadowPlans, int tries) {
+constexpr const char* kExplanation =
+    "ratio: time / limit. limits: read and area command, a bare scan of the same bytes that parses every number;\n"
+    "saving, a bare flushed copy of the plan, with shadows of the result; picture, the rasteriser alone on the same\n"
+    "outlines; shadow update, reading the plan; program, the time aimed at\n"
+    "memory: peak of the process / file, with saved shadows / result; growth: user time against file size since the\n"
+    "plan before, 1 is linear, with a ! where that is above a limit\n";
+
+void writePage(const fs::path& file, const Table& table, int tries) {
+  std::ofstream page(file);
+  page << "# What it costs\n\n"
+       << "Made by `tools/benchmark.sh --page`: the shortest of " << tries << " tries on "
+       << std::thread::hardware_concurrency()
+       << " cores. `plan-N` is a town plan of N buildings, `buildings-N` one whose buildings carry records, with a\n"
+          "fence on every fifth plot. Each time stands beside a limit measured in the same run.\n\n"
+       << "| plan | MB | step | ours, ms | limit, ms | ratio | memory | growth |\n"
+          "|---|---:|---|---:|---:|---:|---:|---:|\n"
+       << table.page() << "\n"
+       << kExplanation;
+  if (!page.flush()) throw std::runtime_error(file.string() + ": cannot be written");
+}
+
+/// `shadowPlans` are the same sizes as `plans`; those that are missing leave their lines out. An empty page is none.
+int measurePlans(const std::vector<fs::path>& plans, const std::vector<fs::path>& shadowPlans, int tries,
+                 const fs::path& page) {
   Table table(tries);
   for (std::size_t i = 0; i < plans.size(); ++i) {
     for (const Step& step : kSteps) table.measure(step, plans[i]);
-    if (i < shadowPlans.size()) table.measure(kShadowStep, shadowPlans[i]);
+    if (i >= shadowPlans.size()) continue;
+    for (const Step& step : kShadowSteps) table.measure(step, shadowPlans[i]);
   }
-  std::printf(
-      "\nratio: time / limit. limits: read and area command, a bare scan of the same bytes that parses every number;\n"
-      "saving, a bare flushed copy; picture, the rasteriser alone on the same outlines; shadow update, reading the\n"
-      "plan; program, the time aimed at\n"
-      "memory: peak of the process / file; growth: user time against file size since the plan before, 1 is linear,\n"
-      "with a ! where that is above a limit\n");
+  std::printf("\n%s", kExplanation);
+  if (!page.empty()) writePage(page, table, tries);
   return table.failures() == 0 ? 0 : 1;
 }
 
@@ -256,10 +330,13 @@ int main(int argc, char** argv) {
   int tries = 3;
   std::vector<fs::path> plans;
   std::vector<fs::path> shadowPlans;
+  fs::path page;
   bool areShadows = false;
   for (int i = 1; i < argc; ++i) {
     if (std::string_view(argv[i]) == "--tries" && i + 1 < argc) {
       tries = std::atoi(argv[++i]);
+    } else if (std::string_view(argv[i]) == "--page" && i + 1 < argc) {
+      page = argv[++i];
     } else if (std::string_view(argv[i]) == "--shadows") {
       areShadows = true;
     } else {
@@ -267,11 +344,12 @@ int main(int argc, char** argv) {
     }
   }
   if ((plans.empty() && shadowPlans.empty()) || tries < 1) {
-    std::fprintf(stderr, "usage: tolmex_benchmarks [--tries N] [PLAN.dxf...] [--shadows PLAN.dxf...]\n");
+    std::fprintf(stderr,
+                 "usage: tolmex_benchmarks [--tries N] [--page PAGE.md] [PLAN.dxf...] [--shadows PLAN.dxf...]\n");
     return 1;
   }
   try {
-    if (!plans.empty()) return measurePlans(plans, shadowPlans, tries);
+    if (!plans.empty()) return measurePlans(plans, shadowPlans, tries, page);
     return benchmarks::measureShadows(shadowPlans, tries) == 0 ? 0 : 1;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "tolmex_benchmarks: %s\n", error.what());

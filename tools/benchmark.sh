@@ -2,6 +2,7 @@
 # Builds the release benchmarks, makes the plans they need (kept under build/) and prints one table of all steps.
 # Arguments: numbers of buildings; 100 1000 10000 100000 without any. With --shadows first the table is one of shadow
 # updates only, which judges growth, memory and the third update of a session; 100000 buildings want 3 GB of memory.
+# With --page first the table goes to docs/performance.md too.
 # With --once first every step is measured once, which is quick and good enough to see a ratio that went astray.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -12,8 +13,12 @@ cmake --build --preset release --target tolmex_benchmarks
 
 general=yes
 tries=3
+page=()
 if [ "${1:-}" = --once ]; then
   tries=1
+  shift
+elif [ "${1:-}" = --page ]; then
+  page=(--page docs/performance.md)
   shift
 elif [ "${1:-}" = --shadows ]; then
   general=no
@@ -43,4 +48,4 @@ for count in "$@"; do
   make_plan "build/plans/buildings-$count.dxf" --records "$count"
   shadow_plans+=("build/plans/buildings-$count.dxf")
 done
-build/release/bin/tolmex_benchmarks --tries "$tries" "${plans[@]}" --shadows "${shadow_plans[@]}"
+build/release/bin/tolmex_benchmarks --tries "$tries" "${page[@]}" "${plans[@]}" --shadows "${shadow_plans[@]}"

@@ -8,7 +8,8 @@ with lawns, trees, yard lines and house numbers, and the other common kinds of e
 splines, points, 3D polylines, solids, hatches, paragraphs, dimensions, symbols with attributes; on the coordinates of
 ETRS-GK27. The same N gives the same bytes; memory
 does not grow with N. About a second for 20 000 buildings. With --records the buildings stand on the plug-in's building
-layer and carry its records of one to six floors, so that their shadows can be drawn.
+layer and carry its records of one to six floors, and a fence with a tag and a height stands on every fifth plot, so that
+shadows can be drawn.
 """
 
 from __future__ import annotations
@@ -44,6 +45,10 @@ DIMENSION_BLOCK, WELL_BLOCK = "*D1", "KAIVO"
 
 BUILDING_LAYER = Layer("tmv_rak", 7, 50)
 RECORD_APPLICATION = "ORV_VR"
+FENCE_LAYER = Layer("tmv_aita_kivi", 8)
+TAG_APPLICATION = "kaava_tolmex"
+FENCE_TAG = ["TOLM_VERSION", "1", "ENTITYTYPE", "Kiviaita", "HEIGHT", "1.8"]
+PLOTS_PER_FENCE = 5
 
 
 def building_record(floors: int) -> list[str]:
@@ -145,6 +150,10 @@ def draw_block(
         drawing.polyline(BUILDING_LAYER.name if records else "RAKENNUS", footprint(random_source, first + i, x, y))
         if records:
             drawing.extended_data(RECORD_APPLICATION, building_record(1 + (first + i) % 6))
+            if (first + i) % PLOTS_PER_FENCE == 0:
+                front = y - PLOT_DEPTH / 2 + 0.5
+                drawing.polyline(FENCE_LAYER.name, [(x - 12, front + 6), (x - 12, front), (x + 12, front)], closed=False)
+                drawing.extended_data(TAG_APPLICATION, FENCE_TAG)
         drawing.text("TEKSTI", (x, y), 1.5, str(first + i + 1))
         drawing.line("PIHA", (x - PLOT_WIDTH / 2, y - PLOT_DEPTH / 2), (x - PLOT_WIDTH / 2, y + PLOT_DEPTH / 2))
         drawing.circle("PUU", (x + random_source.uniform(-11, 11), y + PLOT_DEPTH / 2 - 2.5), random_source.uniform(1.0, 2.3))
@@ -162,9 +171,9 @@ def write_plan(buildings: int, path: str, records: bool) -> None:
     )
     random_source = random.Random(27)
     with open(path, "w", encoding="utf-8", newline="\n") as stream:
-        layers = [*LAYERS, BUILDING_LAYER] if records else LAYERS
+        layers = [*LAYERS, BUILDING_LAYER, FENCE_LAYER] if records else LAYERS
         blocks_to_draw = {DIMENSION_BLOCK: draw_dimension, WELL_BLOCK: draw_well}
-        applications = [RECORD_APPLICATION] if records else []
+        applications = [RECORD_APPLICATION, TAG_APPLICATION] if records else []
         with DrawingWriter(stream, layers, extents, blocks=blocks_to_draw, applications=applications) as drawing:
             for block in range(blocks):
                 left = ORIGIN[0] + block % across * BLOCK_WIDTH
