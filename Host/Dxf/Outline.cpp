@@ -274,7 +274,7 @@ class Outliner {
   }
 
   /// Whether a marker of tables or blocks begins some although another section is open: the lines between are lost
-  /// then. Among entities nobody can tell.
+  /// then. Among entities the two cannot be told apart.
   bool beginsOther(const RawRecord& record) const {
     const std::string_view next = cutter_.nextType();
     if (record.type == "TABLE" && section_ != Section::Entities && block_ == nullptr) {

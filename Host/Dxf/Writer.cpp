@@ -1,5 +1,5 @@
-// Saving: the file's own text with edits. What nobody touched is copied byte for byte; a drawing that was not changed
-// comes out as it went in.
+// Saving: the file's own text with edits. The writer copies what no command touched byte for byte; a drawing that was
+// not changed comes out as it went in.
 #include <algorithm>
 #include <functional>
 #include <map>

@@ -110,7 +110,7 @@ const database::OwnTags* HatchData::shelve(database::DrawingDatabase& db) const 
   }
   const HatchLoop& loop = content.loops.front();
   if (!loop.isPolyline() || !loop.raw.empty() || !loop.sources.empty()) return nullptr;
-  // A command makes hatches of one or two styles by turns.
+  // A command makes hatches of one style, or of two in alternation.
   constexpr std::size_t kMostLooks = 4;
   std::vector<std::unique_ptr<const database::ObjectData>>& styles = db.parts().hatchStyles;
   const auto end = styles.size() > kMostLooks ? styles.rbegin() + kMostLooks : styles.rend();

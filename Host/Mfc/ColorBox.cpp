@@ -63,7 +63,7 @@ int CAcUiColorComboBox::AddColorToMRU(int colorIndex) {
 }
 
 LRESULT CAcUiColorComboBox::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
-  // A colour that is asked for by its index and is not in the list yet.
+  // A caller selects a colour by its index, and the list lacks that colour so far.
   static const UINT chooseText = RegisterWindowMessageW(L"HostChooseText");
   if (message == chooseText) {
     const int item = AddColorToMRU(colorIndexOf(reinterpret_cast<LPCWSTR>(lParam)));

@@ -43,7 +43,7 @@ int CString::Replace(LPCWSTR from, LPCWSTR to) {
 }
 
 void CString::Format(LPCWSTR format, ...) {
-  // The text may be longer than any first guess; what was cut is asked for again with twice the room.
+  // The text may be longer than any first guess; a call that had to cut it is repeated with twice the room.
   for (std::size_t size = 256;; size *= 2) {
     std::wstring buffer(size, L'\0');
     std::va_list arguments;

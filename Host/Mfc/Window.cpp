@@ -39,7 +39,7 @@ void tellOfFailure(std::string_view what) noexcept {
   try {
     const std::wstring shown(what.begin(), what.end());
     AfxMessageBox((what.empty() ? L"A message handler failed." : L"A message handler failed: " + shown).c_str());
-  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): nobody can be told then
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): there is no memory to tell the plug-in with
   }
 }
 

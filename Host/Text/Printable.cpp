@@ -1,4 +1,4 @@
-// What is said about drawings and files holds their names, and those hold whatever somebody put there.
+// Messages about drawings and files hold their names, which may hold any byte.
 #include <algorithm>
 
 #include "Characters.h"

@@ -126,7 +126,7 @@ bool startToolkit(Shown shown) {
     QApplication::setDesktopSettingsAware(false);
     QApplication::setCursorFlashTime(0);  // pictures do not depend on the moment
   }
-  // Off-screen nobody needs to hear what the toolkit misses on this machine.
+  // Off-screen the toolkit's complaints about this machine are of no use to the user.
   const QtMessageHandler former =
       shown == Shown::OffScreen ? qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {})
                                 : nullptr;

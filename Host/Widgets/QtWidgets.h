@@ -8,7 +8,7 @@
 
 namespace host::widgets {
 
-/// Whether somebody sees the widgets; they then outlive the event in which they are destroyed.
+/// Whether the widgets are on a screen; they then outlive the event in which they are destroyed.
 enum class Shown { OffScreen, OnScreen };
 
 /// The toolkit's widget of a window; null when there is none.

@@ -112,7 +112,8 @@ HostWindow* makeDialog(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM param
   return unfinished.keep();
 }
 
-/// Handles input until the dialog has ended. Nobody left to answer cancels it, and ends it even if it would rather not.
+/// Handles input until the dialog has ended. The end of the input cancels the dialog, and ends it even if its Cancel
+/// handler does not.
 void runDialog(HostWindow& dialog) {
   while (IsWindow(&dialog) != FALSE && !dialog.dialog->hasEnded) {
     deliverPosted();

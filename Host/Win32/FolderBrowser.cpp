@@ -1,4 +1,4 @@
-// The folder browser: one line of the input is the folder; somebody at the screen gets the toolkit's own dialog.
+// The folder browser: one line of the input is the folder; a user at the screen gets the toolkit's own dialog.
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>

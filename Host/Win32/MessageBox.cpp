@@ -24,7 +24,7 @@ constexpr Answer kNone{0, nullptr};
 struct Box {
   std::array<Answer, 3> buttons;  // unused ones at the end
   int escape;                     // what Esc answers; 0: the box cannot be left so
-  int abandoned;                  // the answer that does least, when nobody is left to ask
+  int abandoned;                  // the answer that does least, given when the input has ended
 };
 /// By button type.
 constexpr std::array<Box, 7> kBoxes{{

@@ -26,7 +26,7 @@ DWORD copyCut(std::wstring_view text, LPWSTR out, DWORD size) {
   return static_cast<DWORD>(count);
 }
 
-/// A small file of the kernel's, without allocating: this is asked for when memory is out.
+/// A small file of the kernel's, without allocating: the failure report reads it when memory is out.
 class KernelFile {
  public:
   explicit KernelFile(const char* name) {

@@ -108,7 +108,7 @@ class WidgetSystem {
   virtual std::wstring askFile(HostWindow* parent, const FileQuestion& question) = 0;
 };
 
-/// The system of this process. Without a display, or when nobody is there to work the dialogs, they exist off-screen.
+/// The system of this process. Without a display, or when a script works the dialogs, they exist off-screen.
 /// Null when its library cannot be loaded; that is reported once.
 WidgetSystem* widgetSystem();
 

@@ -101,7 +101,7 @@ LRESULT CALLBACK dialogProcedure(HWND window, UINT message, WPARAM wParam, LPARA
 HostWindow* defaultButton(HostWindow& dialog);
 
 /// Sent to a list that has no item of a text that was asked for: lParam is the text. A control that knows what is meant
-/// chooses the item and answers TRUE. On Windows nobody ever sends it.
+/// chooses the item and answers TRUE. Windows itself never sends it.
 UINT chooseTextMessage();
 inline constexpr LPCWSTR kChooseTextMessage = L"HostChooseText";
 

@@ -69,7 +69,7 @@ void forget(HostWindow& window) noexcept {
   desktop().alive.erase(&window);
 }
 
-/// The window and those in it hear of their end, parents first.
+/// Sends the messages of destruction to the window and those in it, parents first.
 void tellOfEnd(HostWindow& window) {
   SendMessageW(&window, WM_DESTROY, 0, 0);
   for (const auto& child : window.children) tellOfEnd(*child);
@@ -144,12 +144,12 @@ UnfinishedWindow::~UnfinishedWindow() {
   if (window_ == nullptr || IsWindow(window_) == FALSE) return;
   try {
     DestroyWindow(window_);
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the window is gone; who should hear of it is failing
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the window is gone; the procedure that was to be told has failed
   }
 }
 
 void dropWidgets() {
-  // Nobody knows which of the toolkit's globals a widget's end would still need.
+  // A widget's destructor may need globals of the toolkit that have gone already.
   static auto& abandoned = *new std::vector<std::unique_ptr<Widget>>;
   const auto drop = [](const auto& self, HostWindow& window) -> void {
     for (const auto& child : window.children) self(self, *child);
@@ -256,7 +256,7 @@ LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
 BOOL DestroyWindow(HWND window) {
   if (!isAlive(window)) return FALSE;
   const Depth depth;
-  // A window may be destroyed again by what hears of its end.
+  // The procedure that is sent the messages of destruction may destroy a window again.
   struct Grave {
     std::unique_ptr<HostWindow> window;
     ~Grave() {

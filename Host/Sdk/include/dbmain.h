@@ -65,7 +65,7 @@ class ADESK_EXPORT AcGiDrawable : public AcRxObject {
   ACRX_DECLARE_MEMBERS(AcGiDrawable);
 };
 
-/// Anything that lives in a database. Made with new; once added to a database it belongs to it and is closed, never
+/// An object of a database. Made with new; once added to a database it belongs to it and is closed, never
 /// deleted. Getters of an object opened for read and setters of one opened for write; a setter on an object that is not
 /// open for write answers eNotOpenForWrite and changes nothing.
 class ADESK_EXPORT AcDbObject : public AcGiDrawable {
