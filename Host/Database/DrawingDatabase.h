@@ -52,12 +52,12 @@ enum class DrawingVersion {
   V2018 = 1032
 };
 
-/// Is told what becomes of the objects that a command works on; for those who sum the command up.
+/// Called with what becomes of the objects that a command works on; the editor sums a command up from it.
 class WorkObserver {
  public:
   enum class Refusal {
     Change,  // it could not be opened for write
-    Hatch,   // it could not bound a hatch
+    Use,     // what the command makes could not be made of it
   };
   virtual ~WorkObserver() = default;
   /// Opened, changed or moved in the draw order.
@@ -72,6 +72,9 @@ struct UndoGroup {
   std::wstring name;
 };
 
+class Arena;
+class Attachments;
+
 class DrawingDatabase {
  public:
   DrawingDatabase(AcDbDatabase* facade);
@@ -82,7 +85,7 @@ class DrawingDatabase {
   /// Forgets everything, as before anything was read. No object may be open.
   void clear();
 
-  AcDbDatabase* facade() const;
+  AcDbDatabase* facade() const { return facade_; }
   DrawingVersion version() const;
   const text::Codec& codec() const;
   std::string_view lineEnd() const;
@@ -141,9 +144,9 @@ class DrawingDatabase {
   void setUnmodified();
   /// Version counter: grows with every change; for caches of pictures and selections.
   std::uint64_t changeCount() const;
-  /// Null: nobody is told.
+  /// Null: no observer is called.
   void setObserver(WorkObserver* observer);
-  /// Tells the observer, unless the object was made by the present undo step: nobody knows such a one.
+  /// Calls the observer, unless the object was made by the present undo step: the user does not know it.
   void tellRefused(const Slot& object, WorkObserver::Refusal what, std::string_view why) const;
 
   // ---- undo -------------------------------------------------------------------------------------------------------
@@ -163,12 +166,19 @@ class DrawingDatabase {
   // ---- problems ---------------------------------------------------------------------------------------------------
   const std::vector<Problem>& problems() const;
 
-  // Everything else (loading, saving, the object classes) works on the parts behind this door.
+  /// What modules above this one keep with the drawing.
+  Attachments& attachments();
+  /// Memory that lives as long as the drawing.
+  Arena& memory();
+
+  // ---- the parts --------------------------------------------------------------------------------------------------
+  // The object classes, the reader and the writer of files work on these (Store/Parts.h).
   struct Parts;
   Parts& parts() { return *parts_; }
   const Parts& parts() const { return *parts_; }
 
  private:
+  AcDbDatabase* facade_;
   std::unique_ptr<Parts> parts_;
 };
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -37,11 +38,28 @@ struct EntityDraft {
   bool isColorFirst = false;
 };
 
+/// Tags of a subclass that came with a version of the format; drawings of older ones do not have them.
+struct LaterTags {
+  std::string_view subclass;
+  int first, last;  // codes
+  DrawingVersion since;
+};
+
+/// A run of handles among the tags of a class, behind a tag that counts them. A copy in another drawing keeps those
+/// whose objects were copied too.
+struct CountedHandles {
+  int countCode = 0;  // 0: the class has none
+  int handleCode = 0;
+};
+
 /// Ties a DXF type to its class of the host interface.
 struct ClassEntry {
   DxfType type = DxfType::Unknown;
   AcRxClass* (*description)() = nullptr;
   AcDbObject* (*create)() = nullptr;  // an object to be bound to a slot; owned by the database
+  // What copying between drawings has to know of the class's tags.
+  std::span<const LaterTags> laterTags = {};
+  CountedHandles countedHandles = {};
 };
 /// Called from namespace-scope initialisers of the module that implements the class. Always answers true.
 bool registerClass(const ClassEntry& entry);
@@ -60,15 +78,22 @@ struct HostObjectAccess {
   using Record = host::database::Record;
   using Slot = host::database::Slot;
 
+  /// While it lives, objects made by this thread are for slots: `initDetached` does nothing.
+  struct Binding {
+    Binding();
+    Binding(const Binding&) = delete;
+    Binding& operator=(const Binding&) = delete;
+    ~Binding();
+  };
+
   static Slot* slot(const AcDbObject& object) { return object.slot_; }
-  /// Ties an object outside any database to a slot; its detached record goes.
+  /// Ties an object to a slot; the record that it had outside any database goes.
   static void bind(AcDbObject& object, Slot& slot);
   static DrawingDatabase* database(const AcDbObject& object);
 
   /// Makes the record of an object that is not in a database: "0 <dxf name>", for entities "100 AcDbEntity", then `own`
   /// (tags in UTF-8, from the object's own subclass marker on; may be empty when an ObjectData writes them). Does
-  /// nothing while the database makes an object for a slot (ClassEntry::create), so default constructors simply call
-  /// it.
+  /// nothing while the database makes an object for a slot (Binding), so default constructors simply call it.
   static void initDetached(AcDbObject& object, std::string_view dxfName, bool isEntity, std::string_view own = {});
 
   /// The tags as they stand (detached, changed or the file's bytes), without pending ObjectData changes.

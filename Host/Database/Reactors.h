@@ -1,4 +1,4 @@
-// Telling those who want to hear of something.
+// Calling the reactors of a list.
 #pragma once
 
 #include <algorithm>
@@ -7,9 +7,9 @@
 
 namespace host::database {
 
-/// Calls `message` with each reactor of the list. A reactor may take itself or others out of the list while it is told;
-/// they are not told any more then. Takes no memory for the few reactors that there ever are: they hear of objects that
-/// are closed on the way out of a failure, and of ends, where nothing may fail.
+/// Calls `message` with each reactor of the list. A reactor may take itself or others out of the list meanwhile; these
+/// are not called any more then. Takes no memory for the few reactors that there ever are: they are called for objects
+/// that are closed on the way out of a failure, and at ends, where nothing may fail.
 template <class Reactor, class Message>
 void tellEach(const std::vector<Reactor*>& reactors, const Message& message) {
   std::array<Reactor*, 16> few;

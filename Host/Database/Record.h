@@ -50,9 +50,9 @@ class TagCursor {
 
 class UnwrittenTags;
 
-/// An object's tags as a rope of byte pieces: those nobody changed are the very bytes of the file. Piece memory belongs
+/// An object's tags as a rope of byte pieces: unchanged ones are the very bytes of the file. Piece memory belongs
 /// to the database (file text or its arena), so copies are cheap and old copies stay valid for undo. A record may also
-/// stand for tags that are written out when somebody asks for them; nobody but `unwritten` can tell.
+/// stand for tags that are written out when they are first read; only `unwritten` tells the difference.
 class Record {
  public:
   Record() = default;
@@ -64,7 +64,7 @@ class Record {
   bool isEmpty() const { return pieces().empty(); }
   std::size_t size() const;
   std::string bytes() const;
-  /// The tags behind a record that nobody has asked for them or changed; else null.
+  /// The tags behind a record that was neither read nor changed yet; else null.
   UnwrittenTags* unwritten() const;
 
   /// Number of tags.

@@ -95,8 +95,8 @@ enum SlotFlag : std::uint16_t {
   kChanged = 32,       // its record differs from the file
   kHasXData = 64,      // the record may have extended data; without it there is none
   kNeedsHandle = 128,  // the file gives it no handle: one is written as soon as anything is saved
-  kUnmade = 256,       // a new polyline whose vertices nobody asked for yet
-  kFollows = 512,  // made when its polyline was asked for it: erased and brought back with that until changed itself
+  kUnmade = 256,       // a new polyline whose vertices are values yet, no slots
+  kFollows = 512,      // a vertex made by firstSub: erased and brought back with its polyline until changed itself
 };
 
 /// What exists only while an object is open, was changed or is new.
@@ -110,7 +110,7 @@ struct Live {
   bool modified = false;          // written to since it was opened for write
 };
 
-/// One object. 64 bytes; addresses are stable and are what AcDbObjectId holds.
+/// One object. 64 bytes; addresses are stable and are what AcDbObjectId holds. Its legal states: Store/SlotStates.h.
 struct Slot {
   std::uint64_t handle = 0;
   const char* begin = nullptr;  // its bytes in the file text; null when new
@@ -140,6 +140,8 @@ struct Slot {
   DrawingDatabase& database() const;
   /// The tags as they stand now; valid until the object is written to next.
   TagCursor tags() const;
+  /// The record as it stands now.
+  Record record() const;
   std::string_view fileBytes() const { return {begin, length}; }
 
  private:

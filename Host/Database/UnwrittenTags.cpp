@@ -1,7 +1,6 @@
 #include "Database/UnwrittenTags.h"
 
-#include "Database/Parts.h"
-#include "Database/Polylines.h"
+#include "Database/Store/Parts.h"
 
 namespace host::database {
 
@@ -46,7 +45,7 @@ Slot* Slot::makeSubs() const {
   Slot* first = nullptr;
   Slot** link = &first;
   for (std::uint32_t i = 0; i <= vertices.count; ++i) {
-    Slot* const sub = parts.lateSlots.make();
+    Slot* const sub = parts.slots.makeLate();
     sub->type = i < vertices.count ? DxfType::Vertex3d : DxfType::SeqEnd;
     sub->owner = &polyline;
     sub->handle = handle + 1 + i;
@@ -54,7 +53,7 @@ Slot* Slot::makeSubs() const {
     sub->flags = kEntity | kSubEntity | kNew | kFollows | kErased;  // until all of them are there
     TagWriter out = db.tagWriter();
     vertices.write(out, *this, i);
-    parts.live(*sub).record = Record(db.keep(out.str()));
+    parts.slots.live(*sub).record = Record(db.keep(out.str()));
     *link = sub;
     link = &sub->nextSub;
   }

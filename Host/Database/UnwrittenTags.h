@@ -1,7 +1,8 @@
-// Tags of new entities that are written out when somebody asks for them.
+// Tags of new entities that are written out when they are first read.
 //
-// A command may make hundreds of thousands of entities that nobody looks at before the drawing is saved. Such an entity
-// keeps its values in a compact form in the drawing's memory; its record stands for the tags that these values spell.
+// A command may make hundreds of thousands of entities that are not looked at before the drawing is saved. Such an
+// entity keeps its values in a compact form in the drawing's memory; its record stands for the tags that these values
+// spell.
 #pragma once
 
 #include <cstdint>
@@ -55,7 +56,7 @@ class UnwrittenTags {
   std::string_view text_;
 };
 
-/// The vertices of a new polyline before anybody asked for them as objects. Their handles follow the polyline's, that
+/// The vertices of a new polyline as values, before they become slots. Their handles follow the polyline's, that
 /// of the SEQEND last.
 struct UnmadeVertices {
   const SharedTags* common = nullptr;

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "Database/Parts.h"
+#include "Database/Store/SourceFile.h"
 
 namespace host::dxf {
 

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "Database/DefaultDrawing.h"
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
 #include "Dxf/Binary.h"
 #include "Dxf/Cutter.h"
 #include "Dxf/DxfFile.h"
@@ -153,13 +153,13 @@ FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::str
     std::optional<Problem> fault = readOrSay(db, std::move(form.text), name);
     std::vector<Problem> problems;
     if (fault) {
-      form.text = std::move(db.parts().text);
+      form.text = std::move(db.parts().file.text);
       db.clear();
       if (!form.hasLines) fault->line = 0;
       Mending mending(form);
       if (!mending.rebuild()) return {false, form.hasLines ? problemSentence(name, *fault) : name + kNothing};
       while (const auto still = readOrSay(db, std::move(form.text), name)) {
-        form.text = std::move(db.parts().text);
+        form.text = std::move(db.parts().file.text);
         db.clear();
         if (!mending.leaveOut(*still)) return {false, problemSentence(name, *still)};
       }
@@ -168,8 +168,8 @@ FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::str
       if (problems.empty()) problems.push_back(std::move(*fault));
     }
     problems.insert(problems.begin(), form.problems.begin(), form.problems.end());
-    db.parts().problems = std::move(problems);
-    db.parts().form = std::move(form.binary);
+    db.parts().file.problems = std::move(problems);
+    db.parts().file.form = std::move(form.binary);
     return {};
   } catch (const std::bad_alloc&) {
     db.clear();

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "Database/Parts.h"
 #include "Database/Record.h"
+#include "Database/Store/Names.h"
 #include "Dxf/Cutter.h"
 #include "Text/Text.h"
 

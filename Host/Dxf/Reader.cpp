@@ -5,7 +5,7 @@
 #include <charconv>
 #include <optional>
 
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
 #include "Dxf/Outline.h"
 #include "Dxf/Problems.h"
 #include "Dxf/Scanner.h"
@@ -34,13 +34,13 @@ class Reader {
   Reader(DrawingDatabase& db, std::string name) : db_(db), parts_(db.parts()), name_(std::move(name)) {}
 
   void read(std::string text) {
-    parts_.text = std::move(text);
-    parts_.fileName = name_;
-    isUtf8_ = parts_.text.starts_with(kUtf8Mark);
-    scanner_ = Scanner(parts_.text, isUtf8_ ? kUtf8Mark.size() : 0);
-    const std::size_t firstLine = parts_.text.find('\n');
-    parts_.lineEnd =
-        firstLine != std::string::npos && firstLine > 0 && parts_.text[firstLine - 1] == '\r' ? "\r\n" : "\n";
+    parts_.file.text = std::move(text);
+    parts_.file.name = name_;
+    isUtf8_ = parts_.file.text.starts_with(kUtf8Mark);
+    scanner_ = Scanner(parts_.file.text, isUtf8_ ? kUtf8Mark.size() : 0);
+    const std::size_t firstLine = parts_.file.text.find('\n');
+    parts_.file.lineEnd =
+        firstLine != std::string::npos && firstLine > 0 && parts_.file.text[firstLine - 1] == '\r' ? "\r\n" : "\n";
     readSections();
     finish();
   }
@@ -56,10 +56,11 @@ class Reader {
       if (token.code == 999) continue;
       if (token.code != 0) fail(token.offset, "expected a section, found group " + spelled(token));
       if (token.value == "EOF") {
-        if (goesOnBehindEof(std::string_view(parts_.text).substr(scanner_.offset()), parts_.header != nullptr)) {
+        if (goesOnBehindEof(std::string_view(parts_.file.text).substr(scanner_.offset()),
+                            parts_.header.slot() != nullptr)) {
           fail(token.offset, "EOF stands in the middle of the file");
         }
-        parts_.fileEnd = token.offset;
+        parts_.file.fileEnd = token.offset;
         return;
       }
       if (token.value != "SECTION") fail(token.offset, "expected a section, found " + shown(token.value));
@@ -68,20 +69,20 @@ class Reader {
       if (section == "HEADER") {
         readHeader();
       } else if (section == "CLASSES") {
-        parts_.classes = partSlot(DxfType::Classes, "CLASS");
+        parts_.file.classes = partSlot(DxfType::Classes, "CLASS");
       } else if (section == "TABLES") {
         readTables();
       } else if (section == "BLOCKS") {
         readBlocks();
       } else if (section == "ENTITIES") {
-        parts_.entitiesEnd = readEntities(nullptr);
+        parts_.file.entitiesEnd = readEntities(nullptr);
       } else if (section == "OBJECTS") {
         readObjects();
       } else {
         skipToEnd();
       }
     }
-    fail(parts_.text.size(), "the file ends in the middle (EOF is missing)");
+    fail(parts_.file.text.size(), "the file ends in the middle (EOF is missing)");
   }
 
   static std::string spelled(const Token& token) {
@@ -104,7 +105,7 @@ class Reader {
       if (token.value == "SECTION" || token.value == "EOF") fail(token.offset, "a section is not ended by ENDSEC");
       if (only && token.value != *only) failMisplaced(token);
     }
-    fail(parts_.text.size(), "the file ends inside a section");
+    fail(parts_.file.text.size(), "the file ends inside a section");
   }
 
   [[noreturn]] void failMisplaced(const Token& head) const {
@@ -117,7 +118,7 @@ class Reader {
     const std::size_t end = skipToEnd(recordType);
     Slot* const slot = parts_.slots.make();
     slot->type = type;
-    slot->begin = parts_.text.data() + begin;
+    slot->begin = parts_.file.text.data() + begin;
     slot->length = checkedLength(begin, end);
     return slot;
   }
@@ -129,15 +130,15 @@ class Reader {
   }
 
   void readHeader() {
-    parts_.header = partSlot(DxfType::Header, "");
-    parts_.variables.clear();
+    parts_.header.setSlot(partSlot(DxfType::Header, ""));
     const std::string version = text::toUtf8(db_.headerText("$ACADVER", 1).value_or(L""));
     checkVersion(version);
-    if (parts_.version < DrawingVersion::V2007 && !isUtf8_) {
-      parts_.codec = text::Codec::forCodePage(text::toUtf8(db_.headerText("$DWGCODEPAGE", 3).value_or(L"ANSI_1252")));
+    if (parts_.file.version < DrawingVersion::V2007 && !isUtf8_) {
+      parts_.file.codec =
+          text::Codec::forCodePage(text::toUtf8(db_.headerText("$DWGCODEPAGE", 3).value_or(L"ANSI_1252")));
     }
     if (const auto seed = db_.headerText("$HANDSEED", 5)) {
-      parts_.nextHandle = text::parseHandle(text::toUtf8(*seed));
+      parts_.handles.setSeed(text::parseHandle(text::toUtf8(*seed)));
     }
   }
 
@@ -155,7 +156,7 @@ class Reader {
     for (const int candidate : kVersions) {
       if (candidate <= number) known = candidate;
     }
-    parts_.version = static_cast<DrawingVersion>(known);
+    parts_.file.version = static_cast<DrawingVersion>(known);
     versionKnown_ = true;
   }
 
@@ -184,9 +185,9 @@ class Reader {
     const bool isEntity = what == Kind::Entity;
     Scanned scanned;
     scanned.type = head.value;
-    DxfType type = parts_.typeOf(head.value);
+    DxfType type = parts_.types.enter(head.value);
     Slot* const slot = parts_.slots.make();
-    slot->begin = parts_.text.data() + head.offset;
+    slot->begin = parts_.file.text.data() + head.offset;
     if (isEntity) slot->flags |= database::kEntity;
     bool inGroup = false;
     bool hasName = false;
@@ -220,7 +221,7 @@ class Reader {
           if (subclasses == 0 && scanned.owner == 0) scanned.owner = text::parseHandle(token.trimmed());
           break;
         case 8:
-          if (isEntity && slot->layer == 0) slot->layer = parts_.internLayer(token.value);
+          if (isEntity && slot->layer == 0) slot->layer = parts_.layers.enter(token.value);
           break;
         case 67:
           scanned.paper = isEntity && token.integer() != 0;
@@ -305,21 +306,21 @@ class Reader {
       if (token.code == 999) continue;
       if (token.code != 0) fail(token.offset, "expected a table, found group " + spelled(token));
       if (token.value == "ENDSEC") {
-        parts_.tablesEnd = token.offset;
+        parts_.file.tablesEnd = token.offset;
         return;
       }
       if (token.value != "TABLE") fail(token.offset, "expected a table, found " + shown(token.value));
       needVersion(token.offset);
       readTable(token);
     }
-    fail(parts_.text.size(), "the file ends inside the TABLES section");
+    fail(parts_.file.text.size(), "the file ends inside the TABLES section");
   }
 
   void readTable(const Token& begin) {
     const Scanned head = scanRecord(begin, Kind::TablePart);
     head.slot->type = DxfType::TableHead;
-    const DxfType recordType = parts_.typeOf(trimmed(head.name));
-    SymbolTable& table = parts_.tables[recordType];
+    const DxfType recordType = parts_.types.enter(trimmed(head.name));
+    SymbolTable& table = parts_.tables.enter(recordType);
     const bool isFirst = table.head == nullptr;  // a table twice: records join, the first head stays
     if (isFirst) table.head = head.slot;
     Token token;
@@ -335,7 +336,7 @@ class Reader {
       if (type != recordType && (type < DxfType::FirstOther || recordType < DxfType::FirstOther)) failMisplaced(token);
       record.slot->owner = table.head;
       table.records.push_back(record.slot);
-      table.byName.try_emplace(parts_.codec.decode(record.name), record.slot);
+      table.byName.try_emplace(parts_.file.codec.decode(record.name), record.slot);
     }
     fail(token.offset, "a table is not ended by ENDTAB");
   }
@@ -346,7 +347,7 @@ class Reader {
       if (token.code == 999) continue;
       if (token.code != 0) fail(token.offset, "expected a block, found group " + spelled(token));
       if (token.value == "ENDSEC") {
-        parts_.blocksEnd = token.offset;
+        parts_.file.blocksEnd = token.offset;
         return;
       }
       if (token.value != "BLOCK") fail(token.offset, "expected a block, found " + shown(token.value));
@@ -356,7 +357,7 @@ class Reader {
       blocks_.push_back({begin.slot, begin.owner, begin.name, {}, nullptr});
       readEntities(&blocks_.back());
     }
-    fail(parts_.text.size(), "the file ends inside the BLOCKS section");
+    fail(parts_.file.text.size(), "the file ends inside the BLOCKS section");
   }
 
   struct PendingBlock {
@@ -415,7 +416,7 @@ class Reader {
         entities_.push_back(slot);
       }
     }
-    fail(parts_.text.size(), "the file ends inside entities");
+    fail(parts_.file.text.size(), "the file ends inside entities");
   }
 
   /// Types that may stand in blocks. Those that are not known are taken for what their section holds.
@@ -436,7 +437,7 @@ class Reader {
       if (token.code == 999) continue;
       if (token.code != 0) fail(token.offset, "expected an object, found group " + spelled(token));
       if (token.value == "ENDSEC") {
-        parts_.objectsEnd = token.offset;
+        parts_.file.objectsEnd = token.offset;
         return;
       }
       if (token.value == "EOF" || token.value == "SECTION") fail(token.offset, "a section is not ended by ENDSEC");
@@ -444,18 +445,20 @@ class Reader {
       const Scanned object = scanRecord(token, Kind::Object);
       if (!isObjectType(object.slot->type) || token.value == "ENDTAB") failMisplaced(token);
       const bool isDictionary = object.slot->type == DxfType::Dictionary;
-      if (parts_.root == nullptr && isDictionary && object.owner == 0) parts_.root = object.slot;
+      if (parts_.dictionaries.root() == nullptr && isDictionary && object.owner == 0) {
+        parts_.dictionaries.setRoot(object.slot);
+      }
       if (firstDictionary_ == nullptr && isDictionary) firstDictionary_ = object.slot;
     }
-    fail(parts_.text.size(), "the file ends inside the OBJECTS section");
+    fail(parts_.file.text.size(), "the file ends inside the OBJECTS section");
   }
 
   // ---- when all is read ----
 
   void finish() {
     if (!versionKnown_) checkVersion("");
-    if (parts_.root == nullptr) parts_.root = firstDictionary_;
-    parts_.indexHandles();
+    if (parts_.dictionaries.root() == nullptr) parts_.dictionaries.setRoot(firstDictionary_);
+    parts_.handles.index(parts_.slots);
     refuseRepeatedHandles();
     giveMissingHandles();
     std::uint64_t lastHandle = 0;  // neighbours mostly have one owner
@@ -468,27 +471,22 @@ class Reader {
       }
       pending.slot->owner = lastOwner;
     }
-    for (Slot* const layer : db_.records(DxfType::Layer)) parts_.bindLayerRecord(layer);
+    for (Slot* const layer : db_.records(DxfType::Layer)) parts_.layers.bind(layer);
     bindBlocks();
-    parts_.savedChanges = parts_.changes;
+    db_.setUnmodified();
   }
 
   void refuseRepeatedHandles() const {
-    const std::vector<Slot*>& index = parts_.byHandle;
-    for (std::size_t i = 1; i < index.size(); ++i) {
-      if (index[i]->handle == index[i - 1]->handle) failAt(*index[i], "the handle is used twice");
-    }
+    if (const Slot* const repeated = parts_.handles.repeated()) failAt(*repeated, "the handle is used twice");
   }
 
   [[noreturn]] void failAt(const Slot& slot, const std::string& what) const {
-    fail(static_cast<std::size_t>(slot.begin - parts_.text.data()), text::formatHandle(slot.handle) + ": " + what);
+    fail(static_cast<std::size_t>(slot.begin - parts_.file.text.data()), text::formatHandle(slot.handle) + ": " + what);
   }
 
   void giveMissingHandles() {
     parts_.slots.forEach([&](Slot& slot) {
-      if ((slot.flags & database::kNeedsHandle) == 0) return;
-      slot.handle = parts_.nextHandle++;
-      parts_.byHandle.push_back(&slot);
+      if ((slot.flags & database::kNeedsHandle) != 0) parts_.handles.enter(slot);
     });
   }
 
@@ -496,11 +494,11 @@ class Reader {
     for (PendingBlock& pending : blocks_) {
       Slot* record = db_.findHandle(pending.owner);
       if (record == nullptr || record->type != DxfType::BlockRecord) {
-        record = db_.findRecord(DxfType::BlockRecord, parts_.codec.decode(pending.name));
+        record = db_.findRecord(DxfType::BlockRecord, parts_.file.codec.decode(pending.name));
       }
       if (record == nullptr) failAt(*pending.begin, "the block has no block record");
-      if (parts_.contents(record).begin != nullptr) failAt(*pending.begin, "two blocks have one block record");
-      BlockContents& block = parts_.contents(record);
+      if (parts_.blocks.contents(record).begin != nullptr) failAt(*pending.begin, "two blocks have one block record");
+      BlockContents& block = parts_.blocks.contents(record);
       block.record = record;
       block.begin = pending.begin;
       block.end = pending.end;
@@ -508,21 +506,20 @@ class Reader {
       if (pending.end != nullptr) pending.end->owner = record;
       for (Slot* const entity : pending.entities) entity->owner = record;
       block.entities = std::move(pending.entities);
-      parts_.blockOrder.push_back(record);
+      parts_.blocks.enter(record);
     }
-    parts_.modelSpaceRecord = findSpace(L"*Model_Space");
-    if (parts_.modelSpaceRecord == nullptr) throw ReadError{0, "the drawing has no model space"};
-    parts_.contents(parts_.modelSpaceRecord).record = parts_.modelSpaceRecord;
-    parts_.paperSpaceRecord = findSpace(L"*Paper_Space");
-    if (parts_.paperSpaceRecord != nullptr) parts_.contents(parts_.paperSpaceRecord).record = parts_.paperSpaceRecord;
+    Slot* const modelSpace = findSpace(L"*Model_Space");
+    if (modelSpace == nullptr) throw ReadError{0, "the drawing has no model space"};
+    Slot* const paperSpace = findSpace(L"*Paper_Space");
+    parts_.blocks.setSpaces(modelSpace, paperSpace);
     for (Slot* const entity : entities_) {
       Slot* owner = entity->owner;
       if (owner == nullptr || owner->type != DxfType::BlockRecord) {
-        const bool inPaper = (entity->flags & database::kPaper) != 0 && parts_.paperSpaceRecord != nullptr;
-        owner = inPaper ? parts_.paperSpaceRecord : parts_.modelSpaceRecord;
+        const bool inPaper = (entity->flags & database::kPaper) != 0 && paperSpace != nullptr;
+        owner = inPaper ? paperSpace : modelSpace;
         entity->owner = owner;
       }
-      parts_.contents(owner).entities.push_back(entity);
+      parts_.blocks.contents(owner).entities.push_back(entity);
     }
   }
 

@@ -6,7 +6,9 @@
 #include <span>
 #include <unordered_map>
 
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
+#include "Database/Store/Settling.h"
+#include "Database/Store/SlotStates.h"
 #include "Dxf/DxfFile.h"
 
 namespace host::dxf {
@@ -47,7 +49,7 @@ Pieces piecesOf(const database::Record& record) {
 
 class Writer {
  public:
-  explicit Writer(DrawingDatabase& db) : db_(db), parts_(db.parts()) {}
+  explicit Writer(DrawingDatabase& db) : db_(db), parts_(db.parts()), file_(parts_.file) {}
 
   /// Gives the drawing's text in order, until `give` answers false. Nothing of the drawing changes.
   bool write(const std::function<bool(std::string_view)>& give) {
@@ -67,10 +69,10 @@ class Writer {
  private:
   /// The drawing in order; the pieces lie in memory of the database or of the writer.
   Pieces pieces() {
-    if (!isTouched()) return {Piece(parts_.text)};
-    settled_ = parts_.settledRecords(memory_);
+    if (!isTouched()) return {Piece(file_.text)};
+    settled_ = database::settledRecords(db_, memory_);
     collectChanges();
-    if (edits_.empty() && insertions_.empty()) return {Piece(parts_.text)};
+    if (edits_.empty() && insertions_.empty()) return {Piece(file_.text)};
     collectMissingHandles();
     insertNew();
     return merge();
@@ -78,15 +80,13 @@ class Writer {
 
   /// Handles that the file lacks, and what counts them, are written only when something else is.
   bool isTouched() const {
-    bool isTouched = std::any_of(parts_.sortTables.begin(), parts_.sortTables.end(), [](const auto& table) {
-      return table.second->state != 0 && !table.first->isErased();
-    });
+    bool isTouched = parts_.sortTables.isChanged();
     parts_.slots.forEach(
         [&](const Slot& slot) { isTouched = isTouched || (slot.flags & (kNew | kChanged | database::kErased)) != 0; });
     return isTouched;
   }
 
-  std::size_t offsetOf(const Slot& slot) const { return static_cast<std::size_t>(slot.begin - parts_.text.data()); }
+  std::size_t offsetOf(const Slot& slot) const { return static_cast<std::size_t>(slot.begin - file_.text.data()); }
 
   void collectChanges() {
     bool anyErased = false;
@@ -182,7 +182,7 @@ class Writer {
 
   database::Record recordOf(const Slot& slot) const {
     const auto settled = settled_.find(&slot);
-    return settled != settled_.end() ? settled->second : parts_.current(slot);
+    return settled != settled_.end() ? settled->second : slot.record();
   }
 
   std::string_view kept(const TagWriter& writer) { return memory_.keep(writer.str()); }
@@ -214,14 +214,14 @@ class Writer {
       if (database::isTableRecord(slot->type)) {
         append(records[slot->type], *slot);
       } else if (slot->isEntity()) {
-        const bool inSection = slot->owner == parts_.modelSpaceRecord || slot->owner == parts_.paperSpaceRecord;
+        const bool inSection = slot->owner == parts_.blocks.modelSpace() || slot->owner == parts_.blocks.paperSpace();
         append(inSection ? entities : blockEntities[slot->owner], *slot);
       } else {
         append(objects, *slot);
       }
     }
 
-    for (auto& [type, table] : parts_.tables) {
+    for (const auto& [type, table] : parts_.tables.all()) {
       Pieces& own = records[type];
       if (table.head == nullptr || (table.head->flags & kNew) == 0) {
         if (!own.empty()) edits_.push_back({table.insertAt, 0, std::move(own)});
@@ -232,7 +232,7 @@ class Writer {
       tables.insert(tables.end(), own.begin(), own.end());
       tables.emplace_back(kept(db_.tagWriter().raw(0, "ENDTAB")));
     }
-    for (const Slot* const record : parts_.blockOrder) {
+    for (const Slot* const record : parts_.blocks.order()) {
       const BlockContents& block = *db_.block(record);
       Pieces& own = blockEntities[record];
       if (block.begin == nullptr || (block.begin->flags & kNew) == 0) {
@@ -245,27 +245,27 @@ class Writer {
       append(blocks, *block.end);
     }
     // Sections stand in this order; a missing one goes in front of the next that is there.
-    const std::size_t end = parts_.fileEnd;
-    insertInSection(parts_.tablesEnd, "TABLES", firstSection({"BLOCKS", "ENTITIES", "OBJECTS"}), std::move(tables));
-    insertInSection(parts_.blocksEnd, "BLOCKS", firstSection({"ENTITIES", "OBJECTS"}), std::move(blocks));
-    insertInSection(parts_.entitiesEnd, "ENTITIES", firstSection({"OBJECTS"}), std::move(entities));
-    insertInSection(parts_.objectsEnd, "OBJECTS", end, std::move(objects));
+    const std::size_t end = file_.fileEnd;
+    insertInSection(file_.tablesEnd, "TABLES", firstSection({"BLOCKS", "ENTITIES", "OBJECTS"}), std::move(tables));
+    insertInSection(file_.blocksEnd, "BLOCKS", firstSection({"ENTITIES", "OBJECTS"}), std::move(blocks));
+    insertInSection(file_.entitiesEnd, "ENTITIES", firstSection({"OBJECTS"}), std::move(entities));
+    insertInSection(file_.objectsEnd, "OBJECTS", end, std::move(objects));
   }
 
   /// Offset of the first of the named sections that the file has; its end when it has none.
   std::size_t firstSection(std::initializer_list<std::string_view> names) const {
-    std::size_t first = parts_.fileEnd;
+    std::size_t first = file_.fileEnd;
     for (const std::string_view name : names) {
       // A section begins with "0 SECTION" and "2 name"; searching the text is right, for this is rare and exact.
-      const std::string tag = "SECTION" + parts_.lineEnd;
-      for (std::size_t at = parts_.text.find(tag); at != std::string::npos; at = parts_.text.find(tag, at + 1)) {
-        const std::size_t codeEnd = parts_.text.find('\n', at + tag.size());
+      const std::string tag = "SECTION" + file_.lineEnd;
+      for (std::size_t at = file_.text.find(tag); at != std::string::npos; at = file_.text.find(tag, at + 1)) {
+        const std::size_t codeEnd = file_.text.find('\n', at + tag.size());
         if (codeEnd == std::string::npos) break;
-        if (parts_.text.compare(codeEnd + 1, name.size() + parts_.lineEnd.size(), std::string(name) + parts_.lineEnd) !=
+        if (file_.text.compare(codeEnd + 1, name.size() + file_.lineEnd.size(), std::string(name) + file_.lineEnd) !=
             0) {
           continue;
         }
-        const std::size_t lineBefore = parts_.text.rfind('\n', at - std::min<std::size_t>(at, 2));
+        const std::size_t lineBefore = file_.text.rfind('\n', at - std::min<std::size_t>(at, 2));
         first = std::min(first, lineBefore == std::string::npos ? 0 : lineBefore + 1);
         break;
       }
@@ -278,7 +278,7 @@ class Writer {
       // What is inserted in front of a changed record comes before it.
       return a.at != b.at ? a.at < b.at : (a.remove == 0) > (b.remove == 0);
     });
-    const std::string_view text = parts_.text;
+    const std::string_view text = file_.text;
     Pieces out;
     std::size_t position = 0;
     for (const Edit& edit : edits_) {
@@ -292,7 +292,8 @@ class Writer {
 
   static constexpr std::size_t kMemoryStep = std::size_t{1} << 14;
   DrawingDatabase& db_;
-  DrawingDatabase::Parts& parts_;
+  const DrawingDatabase::Parts& parts_;
+  const database::SourceFile& file_;
   std::vector<Edit> edits_;
   std::vector<const Slot*> insertions_;
   std::unordered_map<const Slot*, std::string_view> withoutErased_;  // groups that lost members
@@ -307,13 +308,15 @@ namespace {
 /// Gives the bytes of the file, until `give` answers false.
 bool produce(DrawingDatabase& db, const GiveBytes& give) {
   Writer writer(db);
-  const auto& form = db.parts().form;
+  database::checkSlots(db);
+  const database::SourceFile& file = db.parts().file;
+  const auto& form = file.form;
   if (form == nullptr) return writer.write(give);
   if (!give(form->head())) return false;
   std::string spelled;
   const bool isWhole = writer.write([&](std::string_view piece) {
     spelled.clear();
-    form->spell(piece, db.parts().text, spelled);
+    form->spell(piece, file.text, spelled);
     return give(spelled);
   });
   return isWhole && give(form->tail());

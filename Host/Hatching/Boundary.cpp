@@ -231,7 +231,7 @@ Acad::ErrorStatus boundaryLoop(const AcDbObjectIdArray& boundaries, const AcGeVe
   if (boundaries.isEmpty()) return Acad::eInvalidInput;
   const auto refuse = [&](std::string_view why) {
     for (const AcDbObjectId id : boundaries)
-      id.slot()->database().tellRefused(*id.slot(), database::WorkObserver::Refusal::Hatch, why);
+      id.slot()->database().tellRefused(*id.slot(), database::WorkObserver::Refusal::Use, why);
     return Acad::eInvalidInput;
   };
   const HatchPlane plane(normal);

@@ -30,8 +30,15 @@ constexpr double kDensityDetail = 1e-4;         // deviation of arcs while count
 
 const HatchData& dataOf(const AcDbHatch& hatch) { return dataOf<HatchData>(hatch); }
 
-const bool registered = host::database::registerClass(
-    {host::database::DxfType::Hatch, &AcDbHatch::desc, []() -> AcDbObject* { return new AcDbHatch; }});
+constexpr host::database::LaterTags kGradient[] = {
+    {"AcDbHatch", 450, 470, host::database::DrawingVersion::V2004},
+    {"AcDbHatch", 63, 63, host::database::DrawingVersion::V2004},
+};
+constexpr host::database::CountedHandles kBoundaryObjects{97, 330};
+
+const bool registered =
+    host::database::registerClass({host::database::DxfType::Hatch, &AcDbHatch::desc,
+                                   []() -> AcDbObject* { return new AcDbHatch; }, kGradient, kBoundaryObjects});
 
 bool isMetric(const AcDbHatch& hatch) {
   const AcDbDatabase* db = hatch.database();
@@ -302,7 +309,7 @@ Acad::ErrorStatus AcDbHatch::evaluateHatch(bool /*underestimateNumLines*/) {
   switch (host::hatching::fillPattern(data.content.pattern, area, kMostPieces, [](const auto&) {})) {
     case host::hatching::FillOutcome::TooDense:
       if (data.boundary != nullptr)
-        data.boundary->database().tellRefused(*data.boundary, host::database::WorkObserver::Refusal::Hatch,
+        data.boundary->database().tellRefused(*data.boundary, host::database::WorkObserver::Refusal::Use,
                                               "too large for so dense a pattern");
       return Acad::eHatchTooDense;
     case host::hatching::FillOutcome::Degenerate:

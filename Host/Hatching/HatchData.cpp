@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <numbers>
 
-#include "Database/Parts.h"
+#include "Database/Attachments.h"
+#include "Database/Memory.h"
+#include "Database/UnwrittenTags.h"
 
 namespace host::hatching {
 
@@ -102,6 +104,11 @@ class ShelvedHatch final : public database::OwnTags {
   std::uint32_t count_;
 };
 
+/// What the hatches that commands made in a drawing have in common: each style once.
+struct Styles {
+  std::vector<std::unique_ptr<const HatchData>> all;
+};
+
 }  // namespace
 
 const database::OwnTags* HatchData::shelve(database::DrawingDatabase& db) const {
@@ -112,21 +119,20 @@ const database::OwnTags* HatchData::shelve(database::DrawingDatabase& db) const 
   if (!loop.isPolyline() || !loop.raw.empty() || !loop.sources.empty()) return nullptr;
   // A command makes hatches of one style, or of two in alternation.
   constexpr std::size_t kMostLooks = 4;
-  std::vector<std::unique_ptr<const database::ObjectData>>& styles = db.parts().hatchStyles;
+  std::vector<std::unique_ptr<const HatchData>>& styles = db.attachments().of<Styles>().all;
   const auto end = styles.size() > kMostLooks ? styles.rbegin() + kMostLooks : styles.rend();
-  const auto found = std::find_if(styles.rbegin(), end, [this](const auto& style) {
-    return haveOneStyle(static_cast<const HatchData&>(*style), *this);
-  });
+  const auto found =
+      std::find_if(styles.rbegin(), end, [this](const auto& style) { return haveOneStyle(*style, *this); });
   const HatchData* style = nullptr;
   if (found != end) {
-    style = static_cast<const HatchData*>(found->get());
+    style = found->get();
   } else {
     auto made = std::make_unique<HatchData>(*this);
     made->content.loops.clear();
     style = made.get();
     styles.push_back(std::move(made));
   }
-  database::Arena& arena = db.parts().arena;
+  database::Arena& arena = db.memory();
   return arena.make<ShelvedHatch>(*style, loop, arena);
 }
 

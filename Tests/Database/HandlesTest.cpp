@@ -6,8 +6,8 @@
 #include <functional>
 #include <map>
 
-#include "Database/Parts.h"
 #include "Database/ReadDrawing.h"
+#include "Database/Store/Parts.h"
 #include "acutads.h"
 #include "dbents.h"
 #include "dbgroup.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <memory>
 
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
 #include "Database/Support.h"
 #include "Faults/Allocations.h"
 #include "acdbads.h"

@@ -2,8 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Database/Parts.h"
 #include "Database/ReadDrawing.h"
+#include "Database/Store/Parts.h"
 
 namespace {
 

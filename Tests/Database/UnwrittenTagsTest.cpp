@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
 #include "Database/Support.h"
 #include "Text/Text.h"
 #include "dbdict.h"
@@ -259,7 +259,7 @@ TEST(ClosedObjects, TellWhatTheirRecordsSayNow) {
   for (std::uint64_t i = 0; i < kCount; ++i) EXPECT_EQ(elevation(kFirst + i), 4);
   Slot& last = *drawing.id(kFirst + kCount - 1).slot();
   drawing.database().beginUndoStep(L"RAISE");
-  parts.setTag(last, "AcDbPolyline", 38, "5.0");
+  parts.editor.setTag(last, "AcDbPolyline", 38, "5.0");
   EXPECT_EQ(elevation(last.handle), 5);
   {
     const AcDbObjectPointer<AcDbPolyline> open(AcDbObjectId(&last), AcDb::kForWrite);

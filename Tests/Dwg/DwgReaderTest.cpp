@@ -9,7 +9,8 @@
 #include <random>
 
 #include "../Database/Support.h"
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
+#include "Database/Store/TagEdits.h"
 #include "Dwg/DwgReader.h"
 #include "Text/Text.h"
 

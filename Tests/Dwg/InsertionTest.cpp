@@ -4,8 +4,9 @@
 #include <cstdlib>
 
 #include "../Database/Support.h"
-#include "Database/Ownership.h"
-#include "Database/Parts.h"
+#include "Database/Objects/Ownership.h"
+#include "Database/Store/Parts.h"
+#include "Database/Store/TagEdits.h"
 #include "Places.h"
 #include "Text/Text.h"
 
@@ -112,8 +113,8 @@ TEST(Insertion, BringsWhatItNamesAndTranslatesHandles) {
     EXPECT_NE(db.problems().back().text.find("INSERT B4"), std::string::npos);
     EXPECT_EQ(db.layerName(entities[0]->layer), L"pensas\u00e4");
 
-    const std::string outline = db.parts().current(*entities[0]).bytes();
-    const std::string hatch = db.parts().current(*entities[1]).bytes();
+    const std::string outline = entities[0]->record().bytes();
+    const std::string hatch = entities[1]->record().bytes();
     const auto outlineHandle = static_cast<std::int64_t>(entities[0]->handle);
     const auto hatchHandle = static_cast<std::int64_t>(entities[1]->handle);
     EXPECT_EQ(handleAfter(outline, "HATCH_HANDLE\n1005\n"), hatchHandle);
@@ -196,7 +197,7 @@ TEST(Insertion, ExtensionDictionariesAndDataOfBlocksComeAlong) {
       ASSERT_NE(extension, nullptr);
       const auto owned = host::database::ownedObjects(*extension);
       ASSERT_EQ(owned.size(), std::string(version) == "AC1015" ? 1U : 2U);  // old drawings know no such graph
-      const std::string extra = db.parts().current(*owned[0]).bytes();
+      const std::string extra = owned[0]->record().bytes();
       EXPECT_EQ(handleAfter(extra, "text\n330\n"), static_cast<std::int64_t>(living(db, L"a").front()->handle));
       EXPECT_NE(extra.find("330\n0\n"), std::string::npos);
       if (owned.size() > 1) {
@@ -204,7 +205,7 @@ TEST(Insertion, ExtensionDictionariesAndDataOfBlocksComeAlong) {
         ASSERT_EQ(nodes.size(), 1U);
         EXPECT_EQ(host::database::ownedObjects(*nodes[0]), std::vector<Slot*>{owned[1]});  // a circle of two
       }
-      const std::string sub = db.parts().current(*db.findRecord(DxfType::BlockRecord, L"sub")).bytes();
+      const std::string sub = db.findRecord(DxfType::BlockRecord, L"sub")->record().bytes();
       EXPECT_NE(sub.find("1001\nkaava\n1000\nmark\n1005\n"), std::string::npos);
       EXPECT_EQ(handleAfter(sub, "mark\n1005\n"), static_cast<std::int64_t>(living(db, L"sub").front()->handle));
       Tag flags;

@@ -1,7 +1,7 @@
 // Picks, windows, filters, groups, sets.
 #include <algorithm>
 
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
 #include "Support.h"
 #include "acedads.h"
 #include "acutads.h"
@@ -76,9 +76,9 @@ class Selections : public test::Host {
 };
 
 TEST_F(Selections, FiltersReadValuesWhereTheirCodesKeepThem) {
-  host::database::DrawingDatabase::Parts& parts = app.drawing()->parts();
-  parts.setTag(*all[0], "AcDbEntity", 160, "8589934593");  // 2^33 + 1
-  parts.setTag(*all[1], "AcDbEntity", 160, "1");
+  host::database::RecordEditor& editor = app.drawing()->parts().editor;
+  editor.setTag(*all[0], "AcDbEntity", 160, "8589934593");  // 2^33 + 1
+  editor.setTag(*all[1], "AcDbEntity", 160, "1");
   EXPECT_EQ(filtered(acutBuildList(160, Adesk::Int64{8589934593}, RTNONE)), "0");
   EXPECT_EQ(filtered(acutBuildList(-4, L">", 160, Adesk::Int64{0}, RTNONE)), "1 0");
   ads_name owner{};

@@ -1,6 +1,6 @@
 // What updates of shadows cost, in objects and bytes that the drawing keeps: these grow with the buildings and with
 // nothing else.
-#include "Database/Parts.h"
+#include "Database/Store/Parts.h"
 #include "Illustration/BuildingPlan.h"
 
 namespace {
@@ -23,10 +23,10 @@ class ShadowCost : public BuildingPlan {
   Cost update() {
     const host::database::DrawingDatabase::Parts& parts = drawing().parts();
     const std::size_t slots = drawing().slotCount();
-    const std::size_t bytes = parts.arena.used();
+    const std::size_t bytes = parts.memory.used();
     run("TLM_VARJO_PAIVITA\n");
-    const host::database::UndoStep& step = parts.undoSteps.back();
-    return {drawing().slotCount() - slots, parts.arena.used() - bytes, step.states.size() + step.order.size()};
+    const host::database::UndoStep& step = *parts.journal.last();
+    return {drawing().slotCount() - slots, parts.memory.used() - bytes, step.states.size() + step.moves.size()};
   }
 };
 

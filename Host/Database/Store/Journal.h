@@ -1,0 +1,147 @@
+// What a drawing was like before: undo steps, and work that leaves nothing behind when it fails.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Database/Store/OrderKeys.h"
+#include "Database/Store/Slots.h"
+
+namespace host::database {
+
+class Attempt;
+
+struct SlotState {
+  Slot* slot = nullptr;
+  std::uint16_t flags = 0;
+  std::uint32_t layer = 0;
+  Record record;
+};
+
+struct UndoStep {
+  std::wstring name;
+  UndoGroup group;
+  std::vector<SlotState> states;  // before the step (for undo) or after it (for redo)
+  // Slots that the step made, by their numbers. They join `states` when the step is first undone: most never are.
+  std::size_t madeBegin = 0, madeEnd = 0;
+  struct Move {
+    Slot* table = nullptr;
+    const Slot* entity = nullptr;
+    OrderKey key;
+  };
+  std::vector<Move> moves;
+  struct OrderState {
+    Slot* table = nullptr;
+    std::uint64_t state = 0;
+  };
+  std::vector<OrderState> orderStates;  // of the sort tables that it changed
+  bool isEmpty() const { return states.empty() && orderStates.empty() && madeBegin == madeEnd; }
+};
+
+/// The steps are those of DrawingDatabase, which says what they mean.
+class Journal {
+ public:
+  explicit Journal(DrawingDatabase& db) : db_(db) {}
+  Journal(const Journal&) = delete;
+  Journal& operator=(const Journal&) = delete;
+
+  // ---- steps ----
+  void begin(std::wstring name, UndoGroup group);
+  void end();
+  void endUnused();
+  std::optional<std::wstring> undo(std::uint32_t openGroup);
+  std::optional<std::wstring> redo(std::uint32_t openGroup);
+  /// The last step that can be undone, or null.
+  const UndoStep* last() const { return undoSteps_.empty() ? nullptr : &undoSteps_.back(); }
+
+  // ---- recording, within a step or not ----
+  /// To be called before a slot changes: enters its state once per step, and counts the change.
+  void record(Slot& slot);
+  /// To be called for a slot that was just made. Cannot fail when `isRecording` was false or the slot has a Live.
+  void recordMade(Slot& slot);
+  bool isRecording() const { return isRecording_; }
+  /// Whether undoing the current step takes the slot away as a whole, so that nothing of it needs to be recorded.
+  bool isOfThisStep(const Slot& slot) const {
+    return isRecording_ && (slot.flags & kNew) != 0 && slot.handle >= firstHandle_;
+  }
+  /// The next `recordMove` with the same slots cannot fail then; `state` is that of the table before it.
+  void makeRoomForMove(Slot& table, const Slot& entity, std::uint64_t state);
+  /// An entity had another place in the draw order.
+  void recordMove(Slot& table, const Slot& entity, OrderKey former);
+  /// Makes `attempt` the innermost work under way; the one before.
+  Attempt* setAttempt(Attempt* attempt) { return std::exchange(attempt_, attempt); }
+
+  // ---- counting ----
+  std::uint64_t changeCount() const { return changes_; }
+  bool isModified() const { return changes_ != savedChanges_; }
+  void setUnmodified() { savedChanges_ = changes_; }
+
+ private:
+  std::optional<std::wstring> takeSteps(std::vector<UndoStep>& from, std::vector<UndoStep>& to,
+                                        std::uint32_t openGroup);
+  void prepareSwap(UndoStep& step);
+  void swapStep(UndoStep& step);
+  bool addsUnusedRecordsOnly(const UndoStep& step) const;
+
+  DrawingDatabase& db_;
+  std::vector<UndoStep> undoSteps_;
+  std::vector<UndoStep> redoSteps_;
+  UndoStep current_;
+  bool isRecording_ = false;
+  std::uint32_t number_ = 0;         // of the current step; Live::journalMark
+  std::uint64_t changesBefore_ = 0;  // change counter when the current step began
+  std::uint64_t firstHandle_ = 0;    // what the current step makes has this handle or a higher one
+  Attempt* attempt_ = nullptr;
+  std::uint64_t changes_ = 0;
+  std::uint64_t savedChanges_ = 0;
+};
+
+/// Holds the slots made since: they count as erased, as if undone, unless `keep` says that they are whole. So a failure
+/// between making an object and filling it leaves no object without a record.
+class NewSlots {
+ public:
+  explicit NewSlots(Slots& slots) : slots_(slots), begin_(slots.count()) {}
+  NewSlots(const NewSlots&) = delete;
+  NewSlots& operator=(const NewSlots&) = delete;
+  ~NewSlots() {
+    for (std::size_t i = begin_; !isKept_ && i < slots_.count(); ++i) slots_.at(i).flags |= kErased;
+  }
+  void keep() { isKept_ = true; }
+
+ private:
+  Slots& slots_;
+  std::size_t begin_;
+  bool isKept_ = false;
+};
+
+/// Work on many objects that leaves nothing behind when it fails: unless `keep` says that it is done, what it made
+/// counts as erased and what it changed gets its former record back.
+class Attempt {
+ public:
+  explicit Attempt(DrawingDatabase& db);
+  Attempt(const Attempt&) = delete;
+  Attempt& operator=(const Attempt&) = delete;
+  ~Attempt();
+  /// Called before the first and any further change of a slot.
+  void remember(Slot& slot);
+  void keep() {
+    made_.keep();
+    isKept_ = true;
+  }
+
+ private:
+  DrawingDatabase& db_;
+  NewSlots made_;
+  std::uint64_t begin_;
+  std::unordered_set<const Slot*> known_;
+  std::vector<SlotState> states_;
+  Attempt* outer_;
+  bool isKept_ = false;
+};
+
+}  // namespace host::database
