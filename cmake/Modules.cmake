@@ -1,10 +1,12 @@
 # Modules whose includes are held to the arrows of the architecture: a module's folder is reachable only through a link
 # in a folder of its own, so `#include "Database/Slot.h"` compiles only where host_database is linked.
 
-# tolmex_module_folder(<target> <folder> <name>): lets <target>'s users include "<name>/..." from <folder>.
+# tolmex_module_folder(<target> <folder> <name>): lets <target>'s users include "<name>/..." from <folder>, or the one
+# header "<name>".
 function(tolmex_module_folder target folder name)
   set(root ${CMAKE_BINARY_DIR}/include/${target})
-  file(MAKE_DIRECTORY ${root})
+  cmake_path(GET name PARENT_PATH parent)
+  file(MAKE_DIRECTORY ${root}/${parent})
   if(NOT EXISTS ${root}/${name})
     file(CREATE_LINK ${folder} ${root}/${name} SYMBOLIC)
   endif()

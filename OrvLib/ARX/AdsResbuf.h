@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/DataStruct/DataItems.h"
 
 namespace OrvLib {
 
@@ -14,6 +15,8 @@ class AdsResbuf {
   AdsResbuf() = default;
   /// Takes over a chain from the host; null makes an empty one.
   explicit AdsResbuf(resbuf* chain) : first_(chain) {}
+  /// A chain of the items. Throws as append.
+  explicit AdsResbuf(const DataItems& items);
   AdsResbuf(AdsResbuf&& other) noexcept
       : first_(std::exchange(other.first_, nullptr)), last_(std::exchange(other.last_, nullptr)) {}
   AdsResbuf& operator=(AdsResbuf&& other) noexcept;
@@ -29,10 +32,7 @@ class AdsResbuf {
   /// Appends an item that holds a text, such as 1000, 1001 and 1005.
   void append(short code, const ACHAR* text);
   void append(short code, const std::wstring& text) { append(code, text.c_str()); }
-  /// Appends an item that holds a real, such as 40.
-  void appendReal(short code, double value) { appendItem(code)->resval.rreal = value; }
-  /// Appends an item that holds a 16-bit integer, such as 70.
-  void appendShort(short code, short value) { appendItem(code)->resval.rint = value; }
+  void append(const DataItem& item);
 
  private:
   resbuf* appendItem(short code);

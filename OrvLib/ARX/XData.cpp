@@ -1,14 +1,13 @@
 #include "OrvLib/ARX/XData.h"
 
 #include "OrvLib/ARX/AdsResbuf.h"
+#include "OrvLib/ARX/DataChain.h"
 #include "OrvLib/ARX/Opened.h"
 
 namespace OrvLib {
 
-std::optional<std::wstring> readXDataValue(const AcDbObject& object, const ACHAR* application, const ACHAR* key,
-                                           short keyCode) {
-  const AdsResbuf chain(object.xData(application));
-  return valueInChain(chain.get(), application, key, keyCode);
+DataItems readXData(const AcDbObject& object, const ACHAR* application) {
+  return itemsOf(AdsResbuf(object.xData(application)).get());
 }
 
 bool setXDataRegistered(AcDbObject& object, const ACHAR* application, const resbuf* chain) {

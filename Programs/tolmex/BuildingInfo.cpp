@@ -4,11 +4,12 @@
 #include <memory>
 #include <numbers>
 
-#include "OrvLib/DataStruct/Ordering.h"
-#include "OrvLib/DataStruct/Text.h"
+#include "OrvLib/ARX/DataChain.h"
 #include "Text/Text.h"
-#include "Tolmex/Catalogue.h"
-#include "Tolmex/ShadowRecord.h"
+#include "Tolmex/Model/BuildingRecord.h"
+#include "Tolmex/Model/Catalogue.h"
+#include "Tolmex/Model/ElementTag.h"
+#include "Tolmex/Model/ShadowRecord.h"
 #include "XDataValues.h"
 #include "acutads.h"
 #include "dbdict.h"
@@ -30,18 +31,16 @@ bool isNumber(const std::wstring& text) {
   return number && std::isfinite(*number);
 }
 
-/// The values of one record and what is wrong with them.
+/// Adds what is wrong with one record to the problems.
 class Reader {
  public:
-  Reader(const XDataValues& record, std::uint64_t handle, std::string where,
-         std::vector<host::database::Problem>& problems)
-      : record_(record), handle_(handle), where_(std::move(where)), problems_(problems) {}
+  Reader(std::uint64_t handle, std::string where, std::vector<host::database::Problem>& problems)
+      : handle_(handle), where_(std::move(where)), problems_(problems) {}
 
   void complain(const std::string& what) const { problems_.push_back({0, handle_, where_ + ": " + what}); }
 
   /// The value as it is stored; "?" when it is missing.
-  std::string number(const wchar_t* key) const {
-    const std::optional<std::wstring> value = record_.value(key);
+  std::string number(const std::optional<std::wstring>& value, const wchar_t* key) const {
     if (!value) {
       complain("the building record lacks " + quoted(key));
       return "?";
@@ -51,7 +50,6 @@ class Reader {
   }
 
  private:
-  const XDataValues& record_;
   std::uint64_t handle_;
   std::string where_;
   std::vector<host::database::Problem>& problems_;
@@ -64,7 +62,8 @@ bool isLivingRidge(const Reader& reader, std::uint64_t handle, const DrawingData
     return false;
   }
   const std::wstring_view ridgeTag = OrvLib::row(OrvLib::Category::RidgeLine).tag;
-  if (XDataValues(*ridge, drawing, OrvLib::kTagApplication).value(OrvLib::kEntityTypeKey) == ridgeTag) return true;
+  const OrvLib::ElementTag tag = OrvLib::readElementTag(extendedData(*ridge, drawing, OrvLib::kTagApplication));
+  if (tag.category == ridgeTag) return true;
   reader.complain("its ridge line " + host::text::formatHandle(handle) + " is not tagged as one");
   return false;
 }
@@ -74,24 +73,24 @@ bool isLivingRidge(const Reader& reader, std::uint64_t handle, const DrawingData
 std::optional<BuildingValues> readBuilding(const Slot& slot, const DrawingDatabase& drawing,
                                            std::vector<host::database::Problem>& problems) {
   namespace keys = OrvLib::building_keys;
-  const XDataValues record(slot, drawing, OrvLib::kBuildingApplication);
-  const std::optional<std::wstring> type = record.value(keys::kType);
-  if (!type || !OrvLib::equalsIgnoringCase(*type, keys::kBuildingType)) return std::nullopt;
+  const OrvLib::StoredBuilding stored =
+      OrvLib::readStoredBuilding(extendedData(slot, drawing, OrvLib::kBuildingApplication));
+  if (!stored.hasType) return std::nullopt;
   const std::string handle = host::text::formatHandle(slot.handle);
-  const Reader reader(record, slot.handle, std::string(drawing.typeName(slot)) + " " + handle, problems);
+  const Reader reader(slot.handle, std::string(drawing.typeName(slot)) + " " + handle, problems);
   BuildingValues values;
   values.handle = slot.handle;
-  values.floors = reader.number(keys::kFloors);
-  values.floorHeight = reader.number(keys::kFloorHeight);
-  values.baseHeight = reader.number(keys::kBaseHeight);
-  values.eavesWidth = reader.number(keys::kEavesWidth);
-  values.ridgeHeight = reader.number(keys::kRoofHeight);
-  if (const std::optional<std::wstring> ridge = record.value(keys::kRoofLine)) {
-    values.ridge = host::text::parseHandle(utf8(*ridge));
+  values.floors = reader.number(stored.nrFloors, keys::kFloors);
+  values.floorHeight = reader.number(stored.floorHeight, keys::kFloorHeight);
+  values.baseHeight = reader.number(stored.baseHeight, keys::kBaseHeight);
+  values.eavesWidth = reader.number(stored.eavesWidth, keys::kEavesWidth);
+  values.ridgeHeight = reader.number(stored.roofHeight, keys::kRoofHeight);
+  if (stored.roofLineHandle) {
+    values.ridge = host::text::parseHandle(utf8(*stored.roofLineHandle));
     values.ridgeIsAlive = isLivingRidge(reader, *values.ridge, drawing);
   }
-  values.sunColor = reader.number(keys::kSunColor);
-  values.shadeColor = reader.number(keys::kShadowColor);
+  values.sunColor = reader.number(stored.sunColor, keys::kSunColor);
+  values.shadeColor = reader.number(stored.shadowColor, keys::kShadowColor);
   return values;
 }
 
@@ -110,7 +109,7 @@ std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vect
   if (record.openStatus() != Acad::eOk || record->rbChain(&items) != Acad::eOk) return std::nullopt;
   const std::unique_ptr<resbuf, int (*)(resbuf*)> chain(items, &acutRelRb);
 
-  const OrvLib::ShadowRecord stored = OrvLib::readShadowRecord(chain.get());
+  const OrvLib::ShadowRecord stored = OrvLib::readShadowRecord(OrvLib::itemsOf(chain.get()));
   const auto noteIfMissing = [&](const std::optional<double>& value, const wchar_t* key) {
     if (!value) problems.push_back({0, 0, "the shadow settings lack " + quoted(key) + "; the default counts"});
   };
@@ -124,7 +123,7 @@ std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vect
   values.lengthPerFloor = stored.lengthPerFloor;
   values.color = stored.color;
   values.scale = stored.scale;
-  values.isDots = stored.hatchType == keys::kStoredDots;
+  values.isDots = stored.isDots();
   return values;
 }
 

@@ -6,6 +6,7 @@
 #include "Geometry/EntityPaths.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Text/Text.h"
+#include "Tolmex/Model/ElementTag.h"
 #include "XDataValues.h"
 
 namespace tolmex {
@@ -68,8 +69,8 @@ class Look {
     if (slot.type == DxfType::Group) atGroup(slot);
     if (!slot.isEntity() || slot.isSubEntity()) return;
     if (auto building = readBuilding(slot, drawing_, info_.problems)) info_.buildings.push_back(std::move(*building));
-    const XDataValues tag(slot, drawing_, OrvLib::kTagApplication);
-    if (tag.isThere()) atElement(slot, tag);
+    const OrvLib::DataItems data = extendedData(slot, drawing_, OrvLib::kTagApplication);
+    if (!data.empty()) atElement(slot, OrvLib::readElementTag(data));
   }
 
  private:
@@ -80,35 +81,33 @@ class Look {
     }
   }
 
-  void atElement(const Slot& slot, const XDataValues& tag) {
-    const std::wstring entityType = tag.value(OrvLib::kEntityTypeKey).value_or(L"");
+  void atElement(const Slot& slot, const OrvLib::ElementTag& tag) {
+    const std::wstring entityType = tag.category.value_or(L"");
     ElementInfo element;
     element.handle = slot.handle;
     element.type = drawing_.typeName(slot);
     const std::string where = element.type + " " + host::text::formatHandle(slot.handle);
-    const auto row = std::find_if(OrvLib::kCategories.begin(), OrvLib::kCategories.end(),
-                                  [&](const OrvLib::CategoryRow& candidate) { return entityType == candidate.tag; });
-    if (row == OrvLib::kCategories.end()) {
+    const std::optional<OrvLib::Category> category = OrvLib::categoryOfTag(entityType);
+    if (!category) {
       info_.problems.push_back(
           {0, slot.handle,
            where + (entityType.empty() ? ": the tag names no category"
                                        : ": unknown category \"" + host::text::toUtf8(entityType) + "\"")});
       return;
     }
-    const std::wstring stored = tag.value(OrvLib::kHeightKey).value_or(L"");
+    const std::wstring stored = tag.height.value_or(L"");
     const std::string height = host::text::toUtf8(stored);
     if (OrvLib::leadingNumber(stored) != 0) element.height = height;
     if (!host::text::parseReal(height) && !height.empty())
       info_.problems.push_back({0, slot.handle, where + ": the height is not a number: \"" + height + "\""});
-    const std::uint64_t handle =
-        host::text::parseHandle(host::text::toUtf8(tag.value(OrvLib::kHatchHandleKey).value_or(L"")));
+    const std::uint64_t handle = host::text::parseHandle(host::text::toUtf8(tag.hatchHandle.value_or(L"")));
     // Fences with a height name themselves.
     if (handle != 0 && handle != slot.handle) element.fill = livingFill(handle, slot, where);
     if (measures_) {
       element.layer = host::text::toUtf8(layerName(slot));
       measure(slot, element);
     }
-    info_.elements[static_cast<std::size_t>(row - OrvLib::kCategories.begin())].push_back(std::move(element));
+    info_.elements[static_cast<std::size_t>(*category)].push_back(std::move(element));
   }
 
   std::optional<std::uint64_t> livingFill(std::uint64_t handle, const Slot& slot, const std::string& where) {
@@ -139,16 +138,16 @@ class Look {
 
 std::vector<LayerColor> fillColors(const DrawingDatabase& drawing) {
   std::vector<LayerColor> colors;
-  for (const OrvLib::CategoryRow& row : OrvLib::kCategories) {
-    if (row.fillLayer == nullptr) continue;
-    const Slot* const layer = drawing.findRecord(DxfType::Layer, row.fillLayer);
+  for (const OrvLib::ElementRow& row : OrvLib::kCategories) {
+    if (row.fill.name == nullptr) continue;
+    const Slot* const layer = drawing.findRecord(DxfType::Layer, row.fill.name);
     if (layer == nullptr) continue;
     std::int64_t color = 7;
     Tag tag;
     for (TagCursor cursor = layer->tags(); cursor.next(tag);) {
       if (tag.code == 62) color = tag.integer();
     }
-    colors.push_back({host::text::toUtf8(row.fillLayer), static_cast<int>(std::abs(color)), color < 0});
+    colors.push_back({host::text::toUtf8(row.fill.name), static_cast<int>(std::abs(color)), color < 0});
   }
   return colors;
 }

@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "BuildingInfo.h"
-#include "Tolmex/Catalogue.h"
+#include "Tolmex/Model/Catalogue.h"
 
 namespace tolmex {
 
@@ -27,7 +27,7 @@ struct LayerColor {
 struct DrawingInfo {
   int version = 0;  // 1027
   std::size_t entities = 0, layers = 0;
-  std::array<std::vector<ElementInfo>, OrvLib::kCategories.size()> elements;
+  std::array<std::vector<ElementInfo>, OrvLib::kCategoryCount> elements;
   std::size_t parkingRows = 0;
   std::vector<BuildingValues> buildings;
   std::optional<ShadowValues> shadows;

@@ -1,7 +1,10 @@
 #include "XDataValues.h"
 
-#include "OrvLib/ARX/XData.h"
+#include <memory>
+
+#include "OrvLib/ARX/DataChain.h"
 #include "Text/Text.h"
+#include "acutads.h"
 #include "dbobjptr.h"
 
 namespace tolmex {
@@ -26,15 +29,12 @@ bool hasData(const Slot& slot, const DrawingDatabase& drawing, const wchar_t* ap
 
 }  // namespace
 
-XDataValues::XDataValues(const Slot& slot, const DrawingDatabase& drawing, const wchar_t* application)
-    : application_(application) {
-  if (!hasData(slot, drawing, application)) return;
+OrvLib::DataItems extendedData(const Slot& slot, const DrawingDatabase& drawing, const wchar_t* application) {
+  if (!hasData(slot, drawing, application)) return {};
   const AcDbObjectPointer<AcDbObject> object(AcDbObjectId(const_cast<Slot*>(&slot)), AcDb::kForRead);
-  if (object.openStatus() == Acad::eOk) chain_.reset(object->xData(application));
-}
-
-std::optional<std::wstring> XDataValues::value(const wchar_t* key) const {
-  return OrvLib::valueInChain(chain_.get(), application_, key);
+  if (object.openStatus() != Acad::eOk) return {};
+  const std::unique_ptr<resbuf, int (*)(resbuf*)> chain(object->xData(application), &acutRelRb);
+  return OrvLib::itemsOf(chain.get());
 }
 
 }  // namespace tolmex

@@ -4,22 +4,15 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Resources.h"
-#include "OrvLib/ARX/Selector.h"
-#include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Building.h"
 #include "Tolmex/BuildingDLG.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/ColorSchemeFile.h"
-#include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocData.h"
-#include "Tolmex/DocumentLock.h"
 #include "Tolmex/EntityTag.h"
 #include "Tolmex/MessageBoxes.h"
 
@@ -39,17 +32,23 @@ Building convert(Opened<AcDbEntity> polyline, const RidgeChoice& ridge) {
   return building;
 }
 
-/// The ridge line chosen in the building dialog; nothing when the user cancels it.
+/// The ridge line chosen in the building dialog, whose numbers and colours the document's data take; nothing when the
+/// user cancels it.
 std::optional<RidgeChoice> askBuilding(AcDbObjectId building, bool offerRidgeButton) {
+  CDocData& data = currentDocData();
   const OwnResources resources;
-  BuildingDLG dialog(building, offerRidgeButton);
-  if (dialog.DoModal() != IDOK) return std::nullopt;
-  return dialog.ridge();
+  BuildingDLG dialog(formFor(building, data), offerRidgeButton);
+  const bool isAccepted = dialog.DoModal() == IDOK;
+  // Also when the user cancels after an OK that was refused.
+  if (const auto& colours = dialog.chosenColours()) data.roofColours = *colours;
+  if (!isAccepted) return std::nullopt;
+  takeForm(dialog.form(), data);
+  return dialog.form().ridge;
 }
 
-void editBuilding(AcDbObjectId id) {
+Outcome editBuilding(AcDbObjectId id) {
   const std::optional<RidgeChoice> ridge = askBuilding(id, true);
-  if (!ridge) return;
+  if (!ridge) return Outcome::Nothing;
   acutPrintf(ridge->hasRidge && ridge->ridgeHeight > kLowestRidge
                  ? L"\nRakennukselle tehdään harjakatto.\n"
                  : L"\nRakennukselle ei saatu harjaviivaa, tehdään tasakatto.\n");
@@ -60,7 +59,7 @@ void editBuilding(AcDbObjectId id) {
                                    [&](const Building& candidate) { return candidate.entityId == id; });
   if (former != buildings.end()) buildings.erase(former);
   buildings.push_back(std::move(building));
-  finishDisplay();
+  return Outcome::Done;
 }
 
 /// An element is never turned into a building; the user sees which one it is.
@@ -73,16 +72,16 @@ bool refuseElement(const AcDbEntity& polyline) {
   return true;
 }
 
-void makeNewBuildings(const std::vector<AcDbObjectId>& polylines) {
+Outcome makeNewBuildings(const SelectedIds& polylines) {
   std::optional<RidgeChoice> ridge = askBuilding({}, polylines.size() == 1);
-  if (!ridge) return;
+  if (!ridge) return Outcome::Nothing;
   if (!ridge->hasRidge) ridge->ridgeHeight = 0;
   for (const AcDbObjectId id : polylines) {
     Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
     if (!polyline || refuseElement(*polyline)) continue;
     currentDocData().buildings.push_back(convert(std::move(polyline), *ridge));
   }
-  finishDisplay();
+  return Outcome::Done;
 }
 
 /// What the user's one polyline is.
@@ -99,39 +98,16 @@ Single lookAt(AcDbObjectId id) {
 
 }  // namespace
 
-void makeBuildings() {
-  acutPrintf(L"\nValitse muokattava rakennus:\n");
-  const DocumentLock lock;
-  if (!lock) return;
-  const std::vector<AcDbObjectId> selected = Selector::polylines().byUser();
-  if (selected.empty()) return;
+Outcome makeBuildings(const SelectedIds& polylines) {
+  if (polylines.empty()) return Outcome::Nothing;
   collectBuildings(currentDocData());
-  if (selected.size() > 1) return makeNewBuildings(selected);
-  const Single single = lookAt(selected.front());
+  if (polylines.size() > 1) return makeNewBuildings(polylines);
+  const Single single = lookAt(polylines.front());
   if (single.tag) {
     showMessage(L"Muunnos " + lowerCase(*single.tag) + L" -> rakennus ei ole mahdollinen.\n");
-  } else if (single.isBuilding) {
-    editBuilding(selected.front());
-  } else {
-    makeNewBuildings(selected);
+    return Outcome::Nothing;
   }
-}
-
-void makeRidgeLines() {
-  acutPrintf(L"\nValitse muokattava harjaviiva:\n");
-  {
-    const DocumentLock lock;
-    if (!lock) return;
-    for (const AcDbObjectId id : Selector::polylines().byUser()) {
-      const Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
-      if (!succeeded(polyline.status(), row(Category::RidgeLine).tag)) continue;
-      putOnElementLayer(*polyline, layers::kRidgeLine);
-      if (!writeElementTag(Category::RidgeLine, {}, *polyline, BuildingRecordIs::Kept)) {
-        printFailed(row(Category::RidgeLine).tag, handleText(*polyline).c_str());
-      }
-    }
-  }
-  finishDisplay();
+  return single.isBuilding ? editBuilding(polylines.front()) : makeNewBuildings(polylines);
 }
 
 }  // namespace OrvLib

@@ -1,12 +1,12 @@
-// Commands that turn polylines into buildings and ridge lines.
+// The command that turns polylines into buildings and edits them.
 #pragma once
+
+#include "Tolmex/CommandRow.h"
 
 namespace OrvLib {
 
-/// Lets the user select polylines and makes them buildings, or edits the one building that is selected.
-void makeBuildings();
-
-/// Lets the user select polylines and makes them ridge lines. A building among them keeps its record.
-void makeRidgeLines();
+/// Makes the polylines buildings, or edits the one building that is selected, after the building dialog. `Nothing` when
+/// nothing was selected, the one polyline is an element, or the user cancels.
+Outcome makeBuildings(const SelectedIds& polylines);
 
 }  // namespace OrvLib

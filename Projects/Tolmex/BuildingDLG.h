@@ -2,31 +2,27 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
+#include "Tolmex/BuildingForm.h"
+#include "Tolmex/Model/BuildingRecord.h"
 
 namespace OrvLib {
 
-/// The ridge line chosen in the dialog.
-struct RidgeChoice {
-  bool hasRidge = false;
-  AcDbObjectId ridgeLineId;
-  double ridgeHeight = 0;  // above the eaves, drawing units
-};
-
-/// The modal dialog "Rakennuksen ominaisuudet". Once the user has accepted it, the numbers and roof colours are in the
-/// current document's data; the ridge line stays here.
+/// The modal dialog "Rakennuksen ominaisuudet". It changes nothing but its own values.
 class BuildingDLG : public CAcUiDialog {
  public:
-  /// `building` is the building being edited, or null for new ones: those start from what was accepted last in any
-  /// drawing.
-  BuildingDLG(AcDbObjectId building, bool offerRidgeButton, CWnd* parent = parentWindow(),
+  BuildingDLG(const BuildingForm& form, bool offerRidgeButton, CWnd* parent = parentWindow(),
               HINSTANCE resources = moduleInstance());
 
-  RidgeChoice ridge() const { return {hasRidge, ridgeLineId, ridgeHeight}; }
+  /// What the user accepted.
+  BuildingForm form() const;
+  /// The roof colours at the last OK, whether it was accepted or a number refused; nothing before the first.
+  const std::optional<RoofColours>& chosenColours() const { return chosenColours_; }
 
  protected:
   void DoDataExchange(CDataExchange* exchange) override;
@@ -41,12 +37,9 @@ class BuildingDLG : public CAcUiDialog {
   DECLARE_MESSAGE_MAP()
 
  private:
-  static constexpr int kNotChosen = -1;
-
   struct Field;
   static const std::array<Field, 4> kFields;
 
-  void readBuilding(AcDbObjectId building);
   bool askRidgeHeight();
   void showRidgeStatus();
   void takeRoofColours();
@@ -62,13 +55,14 @@ class BuildingDLG : public CAcUiDialog {
   std::wstring eavesWidthText;
   std::wstring floorHeightText;
   std::wstring baseHeightText;
-  int shadedRoofColour = kNotChosen;
-  int sunlitRoofColour = kNotChosen;
-  double ridgeHeight = 0;
+  int shadedRoofColour;
+  int sunlitRoofColour;
+  double ridgeHeight;
   CStatic ridgeStatus;
-  bool hasRidge = false;
+  bool hasRidge;
   bool offerRidgeButton;
   AcDbObjectId ridgeLineId;
+  std::optional<RoofColours> chosenColours_;
 };
 
 }  // namespace OrvLib

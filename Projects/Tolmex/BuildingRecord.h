@@ -1,32 +1,12 @@
-// The building record: extended data that makes a polyline a building.
+// Building records of entities: extended data that makes a polyline a building.
 #pragma once
 
-#include <string>
-
 #include "OrvLib/ARX/HostInterface.h"
+#include "Tolmex/Model/BuildingRecord.h"
 
 namespace OrvLib {
 
 class Building;
-
-/// Colour indices of the roof's two sides.
-struct RoofColours {
-  int shaded = 0;
-  int sunlit = 0;
-};
-
-/// What a record says of its building, lengths in drawing units. `Value` is double for the numbers, std::wstring for
-/// the texts as they are stored.
-template <class Value>
-struct BuildingRecord {
-  Value baseHeight{};
-  Value floorHeight{};
-  Value nrFloors{};
-  Value eavesWidth{};
-  Value roofHeight{};
-  bool hasRoofLine = false;
-  std::wstring roofLineHandle;
-};
 
 // The readers take an open entity. False leaves what they give untouched.
 

@@ -9,7 +9,7 @@
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/TextFile.h"
-#include "Tolmex/Catalogue.h"
+#include "Tolmex/Model/Catalogue.h"
 
 namespace OrvLib {
 namespace {

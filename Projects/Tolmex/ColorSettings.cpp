@@ -6,8 +6,6 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/Resources.h"
-#include "Tolmex/ColorSchemeFile.h"
-#include "Tolmex/DocData.h"
 #include "Tolmex/Resource.h"
 
 namespace OrvLib {
@@ -29,15 +27,19 @@ constexpr std::array<ColorControl, 9> kControls{{
     {IDC_DEFAULT_ROOF_SUNLIT, &ColorScheme::roofFillSun},
 }};
 
+using Save = std::function<void(const ColorScheme&)>;
+
 class ColorSettings : public CAcUiDialog {
  public:
-  ColorSettings() : CAcUiDialog(IDD_COLORS) {
+  ColorSettings(const ColorScheme& scheme, const Save& save) : CAcUiDialog(IDD_COLORS), scheme_(scheme), save_(save) {
     // A layer has a colour of its own.
     for (CAcUiColorComboBox& box : boxes_) {
       box.SetUseByBlock(FALSE);
       box.SetUseByLayer(FALSE);
     }
   }
+
+  const ColorScheme& scheme() const { return scheme_; }
 
  protected:
   void DoDataExchange(CDataExchange* exchange) override {
@@ -48,24 +50,23 @@ class ColorSettings : public CAcUiDialog {
   BOOL OnInitDialog() override {
     const BOOL result = CAcUiDialog::OnInitDialog();
     guarded([this] {
-      const ColorScheme& colors = currentDocData().colors;
       for (std::size_t i = 0; i < kControls.size(); ++i)
-        boxes_[i].SetCurSel(boxes_[i].AddColorToMRU(colors.*kControls[i].color));
+        boxes_[i].SetCurSel(boxes_[i].AddColorToMRU(scheme_.*kControls[i].color));
     });
     return result;
   }
 
   void OnOK() override {
     guarded([this] {
-      apply();
+      takeColors();
       EndDialog(IDOK);
     });
   }
 
   afx_msg void onSaveToFile() {
     guarded([this] {
-      apply();
-      writeColorSchemeFile(currentDocData().colors);
+      takeColors();
+      save_(scheme_);
     });
   }
 
@@ -73,16 +74,15 @@ class ColorSettings : public CAcUiDialog {
 
  private:
   /// A colour that its box cannot show, from a damaged file or drawing, stays until another one is chosen.
-  void apply() {
-    CDocData& data = currentDocData();
+  void takeColors() {
     for (std::size_t i = 0; i < kControls.size(); ++i) {
       const int chosen = boxes_[i].GetCurrentItemColorIndex();
-      if (chosen >= 0) data.colors.*kControls[i].color = chosen;
+      if (chosen >= 0) scheme_.*kControls[i].color = chosen;
     }
-    data.colorsChosen = true;
-    applyAreaColors(data);
   }
 
+  ColorScheme scheme_;
+  const Save& save_;
   std::array<CAcUiColorComboBox, kControls.size()> boxes_;
 };
 
@@ -92,10 +92,10 @@ END_MESSAGE_MAP()
 
 }  // namespace
 
-void showColorSettings() {
+std::optional<ColorScheme> askColors(const ColorScheme& scheme, const std::function<void(const ColorScheme&)>& save) {
   const OwnResources resources;
-  ColorSettings dialog;
-  dialog.DoModal();
+  ColorSettings dialog(scheme, save);
+  return dialog.DoModal() == IDOK ? std::optional(dialog.scheme()) : std::nullopt;
 }
 
 }  // namespace OrvLib

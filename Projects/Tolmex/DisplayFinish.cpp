@@ -1,14 +1,12 @@
 #include "Tolmex/DisplayFinish.h"
 
 #include "OrvLib/ARX/DrawOrder.h"
-#include "Tolmex/Names.h"
+#include "Tolmex/Model/Catalogue.h"
 
 namespace OrvLib {
 
 void finishDisplay() {
-  // Bottom first.
-  bringLayersToTop({layers::kShadow, layers::kRoofFillShadow, layers::kRoofFill, layers::kRoofFillSun, layers::kRoof,
-                    layers::kBuilding, layers::kRidgeLine});
+  bringLayersToTop({kTopLayers.begin(), kTopLayers.end()});
   regenerate();
 }
 

@@ -8,7 +8,7 @@
 #include "OrvLib/DataStruct/Array.h"
 #include "Tolmex/Building.h"
 #include "Tolmex/BuildingRecord.h"
-#include "Tolmex/ColorScheme.h"
+#include "Tolmex/Model/Catalogue.h"
 #include "Tolmex/ShadowSettings.h"
 
 class AcApDocument;

@@ -1,48 +1,41 @@
 #include "Tolmex/DrawingCommands.h"
 
-#include <vector>
-
 #include "OrvLib/ARX/DrawOrder.h"
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/Selector.h"
 #include "Tolmex/EntityTag.h"
-#include "Tolmex/Names.h"
+#include "Tolmex/Model/Catalogue.h"
 
 namespace OrvLib {
 namespace {
 
-void moveSelected(const ACHAR* prompt, bool (DrawOrder::*move)(AcDbObjectId)) {
-  acutPrintf(L"%s", prompt);
-  const std::vector<AcDbObjectId> selected = Selector::entities().byUser();
-  if (selected.empty()) return;
-  {
-    DrawOrder order;
-    for (const AcDbObjectId id : selected) (order.*move)(id);
-  }
-  regenerate();
+Outcome moveEach(const SelectedIds& entities, bool (DrawOrder::*move)(AcDbObjectId)) {
+  DrawOrder order;
+  for (const AcDbObjectId id : entities) (order.*move)(id);
+  return entities.empty() ? Outcome::Nothing : Outcome::Done;
 }
 
 void setFillLayers(const LayerState& state) {
-  for (const ACHAR* const layer :
-       {layers::kAsphaltFill, layers::kGravelFill, layers::kYardPavingFill, layers::kPathFill, layers::kStoneFenceFill,
-        layers::kBoardFenceFill, layers::kHedgeFill, layers::kForestFill, layers::kGrassFill, layers::kRoofFillSun,
-        layers::kRoofFillShadow}) {
-    setLayerState(layer, state);
-  }
+  for (const ACHAR* const layer : kSwitchedLayers) setLayerState(layer, state);
 }
-
-}  // namespace
-
-void bringSelectedToFront() { moveSelected(L"\nValitse objektit, jotka tuodaan eteen:\n", &DrawOrder::moveToTop); }
-
-void sendSelectedToBack() { moveSelected(L"\nValitse objektit, jotka viedään taakse:\n", &DrawOrder::moveToBottom); }
 
 void setCurrentLinetype(const ACHAR* name) {
   const int result = acedCommandS(RTSTR, L"linetype", RTSTR, L"s", RTSTR, name, RTSTR, L"", RTNONE);
   if (result < 0) acedAlert(L"linetype-cmd");
 }
+
+}  // namespace
+
+Outcome bringToFront(const SelectedIds& entities) { return moveEach(entities, &DrawOrder::moveToTop); }
+
+Outcome sendToBack(const SelectedIds& entities) { return moveEach(entities, &DrawOrder::moveToBottom); }
+
+void drawContinuous() { setCurrentLinetype(kContinuous); }
+
+void drawDashed() { setCurrentLinetype(L"HIDDEN2"); }
+
+void drawDotted() { setCurrentLinetype(L"DOTS"); }
 
 void showFills() { setFillLayers({}); }
 
@@ -52,9 +45,8 @@ void hideFills() {
   setFillLayers(hidden);
 }
 
-void removeDataFromSelected() {
-  acutPrintf(L"\nValitse kohteet, joista poistetaan tiedot:\n");
-  for (const AcDbObjectId id : Selector::entities().byUser()) {
+void removeData(const SelectedIds& entities) {
+  for (const AcDbObjectId id : entities) {
     const Opened<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity && !removeTags(*entity)) printFailed(handleText(*entity).c_str());
   }

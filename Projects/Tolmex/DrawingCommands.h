@@ -1,15 +1,18 @@
 // Draw order, line styles, fills on and off, removal of the system's data.
 #pragma once
 
-#include "OrvLib/ARX/HostInterface.h"
+#include "Tolmex/CommandRow.h"
 
 namespace OrvLib {
 
-void bringSelectedToFront();
-void sendSelectedToBack();
+/// Moves the entities to the top, or to the bottom, of the draw order, one after the other.
+Outcome bringToFront(const SelectedIds& entities);
+Outcome sendToBack(const SelectedIds& entities);
 
-/// Makes the linetype the current one for new entities, through the host's own command.
-void setCurrentLinetype(const ACHAR* name);
+/// Make a linetype the current one for new entities, through the host's own command.
+void drawContinuous();
+void drawDashed();
+void drawDotted();
 
 /// Shows the fills of the areas, hedges, fences and roof sides; thaws and unlocks their layers.
 void showFills();
@@ -17,7 +20,7 @@ void showFills();
 /// Hides the same fills; outlines and shadows stay. Thaws and unlocks their layers as well.
 void hideFills();
 
-/// Removes the system's data from selected entities; their layers and fills stay.
-void removeDataFromSelected();
+/// Removes the system's data from the entities; their layers and fills stay.
+void removeData(const SelectedIds& entities);
 
 }  // namespace OrvLib

@@ -3,44 +3,48 @@
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/Selector.h"
+#include "OrvLib/ARX/Status.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/ColorSchemeFile.h"
-#include "Tolmex/DisplayFinish.h"
-#include "Tolmex/DocumentLock.h"
 #include "Tolmex/EntityTag.h"
 
 namespace OrvLib {
 namespace {
 
 void makeElement(AcDbObjectId polyline, Category category) {
-  const CategoryRow& kind = row(category);
+  const ElementRow& kind = row(category);
   AcDbObjectId fill;
   // The host opens the boundary itself, so the fill comes before the polyline is opened.
-  if (kind.fillPattern != nullptr) {
-    fill = makeHatch(polyline, kColorByLayer, elementLayer(kind.fillLayer),
-                     {kind.fillPattern, kind.patternAngleRad, kind.patternScale});
+  if (kind.pattern.name != nullptr) {
+    fill = makeHatch(polyline, kColorByLayer, elementLayer(kind.fill.name),
+                     {kind.pattern.name, kind.pattern.angleRad, kind.pattern.scale});
   }
   const Opened<AcDbEntity> outline(polyline, AcDb::kForWrite);
   if (!outline) {
     // A polyline on a locked layer cannot become an element; its fill would belong to nobody.
-    if (!fill.isNull() && !eraseEntity(fill)) printFailed(kind.fillLayer);
+    if (!fill.isNull() && !eraseEntity(fill)) printFailed(kind.fill.name);
     return;
   }
-  putOnElementLayer(*outline, kind.outlineLayer);
+  putOnElementLayer(*outline, kind.outline.name);
   if (!writeElementTag(category, fill, *outline)) printFailed(kind.tag, handleText(*outline).c_str());
 }
 
 }  // namespace
 
-void makeElements(const ElementCommand& command) {
-  acutPrintf(L"%s", command.prompt);
-  {
-    const DocumentLock lock;
-    if (!lock) return;
-    for (const AcDbObjectId polyline : Selector::polylines().byUser()) makeElement(polyline, command.category);
+void makeElements(const SelectedIds& polylines, Category category) {
+  for (const AcDbObjectId polyline : polylines) makeElement(polyline, category);
+}
+
+void makeRidgeLines(const SelectedIds& polylines) {
+  const ElementRow& ridgeLine = row(Category::RidgeLine);
+  for (const AcDbObjectId id : polylines) {
+    const Opened<AcDbEntity> polyline(id, AcDb::kForWrite);
+    if (!succeeded(polyline.status(), ridgeLine.tag)) continue;
+    putOnElementLayer(*polyline, ridgeLine.outline.name);
+    if (!writeElementTag(Category::RidgeLine, {}, *polyline, BuildingRecordIs::Kept)) {
+      printFailed(ridgeLine.tag, handleText(*polyline).c_str());
+    }
   }
-  finishDisplay();
 }
 
 }  // namespace OrvLib

@@ -1,30 +1,16 @@
-// Commands that turn polylines into area, hedge and fence elements.
+// Commands that turn polylines into elements of the illustration picture.
 #pragma once
 
-#include "OrvLib/ARX/HostInterface.h"
-#include "Tolmex/Catalogue.h"
+#include "Tolmex/CommandRow.h"
+#include "Tolmex/Model/Catalogue.h"
 
 namespace OrvLib {
 
-struct ElementCommand {
-  Category category;
-  const ACHAR* prompt;
-};
+/// Makes each polyline an element of the category: on its outline layer, tagged, and with a fill when the category has
+/// a pattern and the polyline can be filled. What it was before is replaced.
+void makeElements(const SelectedIds& polylines, Category category);
 
-namespace elements {
-inline constexpr ElementCommand kAsphalt{Category::Asphalt, L"\nValitse muokattava asfalttipäällyste:\n"};
-inline constexpr ElementCommand kGrass{Category::Grass, L"\nValitse muokattava nurmialue:\n"};
-inline constexpr ElementCommand kGravel{Category::Gravel, L"\nValitse muokattava sora-alue:\n"};
-inline constexpr ElementCommand kForest{Category::Forest, L"\nValitse muokattava metsäalue:\n"};
-inline constexpr ElementCommand kHedge{Category::Hedge, L"\nValitse muokattava pensasviiva:\n"};
-inline constexpr ElementCommand kYardPaving{Category::YardPaving, L"\nValitse muokattava pihalaatta:\n"};
-inline constexpr ElementCommand kPath{Category::Path, L"\nValitse muokattava polku:\n"};
-inline constexpr ElementCommand kBoardFence{Category::BoardFence, L"\nValitse muokattava lauta-aita:\n"};
-inline constexpr ElementCommand kStoneFence{Category::StoneFence, L"\nValitse muokattava kiviaita:\n"};
-}  // namespace elements
-
-/// Lets the user select polylines and makes each an element of the category: on its outline layer, tagged, and with a
-/// fill when the category has a pattern and the polyline can be filled. What it was before is replaced.
-void makeElements(const ElementCommand& command);
+/// Makes each polyline a ridge line. A building among them keeps its record.
+void makeRidgeLines(const SelectedIds& polylines);
 
 }  // namespace OrvLib

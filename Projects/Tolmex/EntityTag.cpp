@@ -5,12 +5,15 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/ARX/XData.h"
+#include "Tolmex/Model/ElementTag.h"
 
 namespace OrvLib {
 namespace {
 
 constexpr const ACHAR* kNoHandle = L"0";
 constexpr const ACHAR* kNoHeight = L"0";
+
+ElementTag readTag(const AcDbEntity& entity) { return readElementTag(readXData(entity, kTagApplication)); }
 
 std::wstring fillHandle(AcDbObjectId fill) {
   const Opened<AcDbObject> object(fill, AcDb::kForRead);
@@ -20,10 +23,9 @@ std::wstring fillHandle(AcDbObjectId fill) {
 }
 
 void eraseFillOf(const AcDbEntity& outline) {
-  const AdsResbuf tag(outline.xData(kTagApplication));
-  if (!valueInChain(tag.get(), kTagApplication, kEntityTypeKey)) return;
-  const auto text = valueInChain(tag.get(), kTagApplication, kHatchHandleKey);
-  if (!text) return;
+  const ElementTag tag = readTag(outline);
+  const std::optional<std::wstring>& text = tag.hatchHandle;
+  if (!tag.category || !text) return;
   // A fence whose height was set names itself, which is no hatch; a hatch may be gone already.
   const AcDbObjectId id = objectOfHandle(*text);
   const AcRxClass* const type = id.isNull() ? nullptr : id.objectClass();
@@ -34,8 +36,11 @@ void eraseFillOf(const AcDbEntity& outline) {
 
 }  // namespace
 
-std::optional<std::wstring> readCategory(const AcDbEntity& entity) {
-  return readXDataValue(entity, kTagApplication, kEntityTypeKey);
+std::optional<std::wstring> readCategory(const AcDbEntity& entity) { return readTag(entity).category; }
+
+std::optional<std::wstring> readCategory(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForRead);
+  return entity ? readCategory(*entity) : std::nullopt;
 }
 
 bool isTagged(const AcDbEntity* entity) {
@@ -49,9 +54,7 @@ std::optional<Category> knownCategory(const AcDbEntity& entity) {
   return category ? categoryOfTag(*category) : std::nullopt;
 }
 
-std::optional<std::wstring> readHeight(const AcDbEntity& entity) {
-  return readXDataValue(entity, kTagApplication, kHeightKey);
-}
+std::optional<std::wstring> readHeight(const AcDbEntity& entity) { return readTag(entity).height; }
 
 bool writeElementTag(Category category, AcDbObjectId fill, AcDbEntity& outline, BuildingRecordIs record) {
   const std::wstring handle = fill.isNull() ? kNoHandle : fillHandle(fill);
@@ -63,13 +66,7 @@ bool writeElementTag(Category category, AcDbObjectId fill, AcDbEntity& outline, 
 
 bool replaceTag(AcDbEntity& outline, const std::wstring& category, const std::wstring& height,
                 const std::wstring& handle) {
-  AdsResbuf tag;
-  tag.append(kXDataApplication, kTagApplication);
-  for (const std::wstring& text : {std::wstring(kVersionKey), std::wstring(kVersion), std::wstring(kEntityTypeKey),
-                                   category, std::wstring(kHeightKey), height, std::wstring(kHatchHandleKey)}) {
-    tag.append(kXDataText, text);
-  }
-  tag.append(kXDataHandle, handle);
+  const AdsResbuf tag(elementTagItems(category, height, handle));
   return setXDataRegistered(outline, kTagApplication, tag.get());
 }
 

@@ -5,12 +5,15 @@
 #include <string>
 
 #include "OrvLib/ARX/HostInterface.h"
-#include "Tolmex/Catalogue.h"
+#include "Tolmex/Model/Catalogue.h"
 
 namespace OrvLib {
 
 /// The stored category name, whether the catalogue knows it or not. The entity must be open, as in all reading here.
 std::optional<std::wstring> readCategory(const AcDbEntity& entity);
+
+/// The same of an entity that is not open; nothing also when it cannot be opened.
+std::optional<std::wstring> readCategory(AcDbObjectId id);
 
 /// Whether the entity carries a category name that is not empty; false for null.
 bool isTagged(const AcDbEntity* entity);

@@ -2,11 +2,9 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/ARX/Selector.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/EntityTag.h"
@@ -44,17 +42,15 @@ bool setFenceHeight(double height, AcDbEntity& fence) {
   return isWritten;
 }
 
-void setHeightOfSelected() {
-  acutPrintf(L"\nValitse lauta-aita tai kivimuuri, jonka korkeutta muutetaaan:\n");
-  const std::vector<AcDbObjectId> selected = Selector::polylines().byUser();
-  if (selected.empty()) return;
-  if (selected.size() == 1 && !isFenceId(selected.front())) {
+void setHeights(const SelectedIds& polylines) {
+  if (polylines.empty()) return;
+  if (polylines.size() == 1 && !isFenceId(polylines.front())) {
     alertThatOnlyFencesHaveHeights();
     return;
   }
   ads_real height = 0;
   if (acedGetReal(L"Anna korkeus:", &height) != RTNORM) return;
-  for (const AcDbObjectId id : selected) {
+  for (const AcDbObjectId id : polylines) {
     const Opened<AcDbEntity> entity(id, AcDb::kForRead);
     if (entity) setFenceHeight(height, *entity);
   }

@@ -1,7 +1,7 @@
 // Fences and their heights.
 #pragma once
 
-#include "OrvLib/ARX/HostInterface.h"
+#include "Tolmex/CommandRow.h"
 
 namespace OrvLib {
 
@@ -12,7 +12,7 @@ bool isFence(const AcDbEntity& entity);
 /// False, with an alert, for any other entity.
 bool setFenceHeight(double height, AcDbEntity& fence);
 
-/// Lets the user select fences and gives them one height.
-void setHeightOfSelected();
+/// Asks for a height and gives it to those polylines that are fences; alerts of every other one.
+void setHeights(const SelectedIds& polylines);
 
 }  // namespace OrvLib

@@ -6,7 +6,6 @@
 
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/EntityTag.h"
 
@@ -20,9 +19,7 @@ std::optional<std::wstring> tooltipOf(const AcDbEntity& entity) {
   if (const std::optional<Category> category = knownCategory(entity)) return row(*category).tag;
   BuildingRecord<std::wstring> building;
   if (!readBuildingRecord(entity, building)) return std::nullopt;
-  const std::wstring start = L"Rakennus (" + formatNumber(leadingNumber(building.nrFloors)) + L" kerrosta): ";
-  if (!building.hasRoofLine) return start + L"harjaviivaa ei määritelty.";
-  return start + L"harjaviiva määritelty (" + building.roofHeight + L" m).";
+  return buildingTooltip(building);
 }
 
 }  // namespace

@@ -7,10 +7,8 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
-#include "Tolmex/DisplayFinish.h"
-#include "Tolmex/DocumentLock.h"
-#include "Tolmex/Names.h"
-#include "Tolmex/ParkingLayout.h"
+#include "Tolmex/Model/Names.h"
+#include "Tolmex/Model/ParkingLayout.h"
 
 namespace OrvLib {
 namespace {
@@ -63,27 +61,22 @@ void drawPlaces(const ParkingRow& row, AcDbObjectId groupId) {
 
 }  // namespace
 
-void makeParkingPlaces() {
-  acutPrintf(L"Valitse murtoviiva:\n");
-  {
-    const DocumentLock lock;
-    if (!lock) return;
-    const std::optional<Line> baseLine = askBaseLine();
-    if (!baseLine) return;
-    const AcDbObjectId group = makeRowGroup(makeLine(*baseLine, kNoColor, layers::kParking));
-    ParkingRow row{*baseLine};
-    if (!askPlaces(row)) return;
-    if (!row.hasUsableWidth()) {
-      acutPrintf(L"\nPaikan leveyden on oltava suurempi kuin nolla.\n");
-      return;
-    }
-    if (!row.hasUsableCount()) {
-      acutPrintf(L"\nPaikkoja tulisi yli %d; anna suurempi leveys.\n", ParkingRow::kMostPlaces);
-      return;
-    }
-    drawPlaces(row, group);
+Outcome makeParkingPlaces() {
+  const std::optional<Line> baseLine = askBaseLine();
+  if (!baseLine) return Outcome::Nothing;
+  const AcDbObjectId group = makeRowGroup(makeLine(*baseLine, kNoColor, layers::kParking));
+  ParkingRow row{*baseLine};
+  if (!askPlaces(row)) return Outcome::Nothing;
+  if (!row.hasUsableWidth()) {
+    acutPrintf(L"\nPaikan leveyden on oltava suurempi kuin nolla.\n");
+    return Outcome::Nothing;
   }
-  finishDisplay();
+  if (!row.hasUsableCount()) {
+    acutPrintf(L"\nPaikkoja tulisi yli %d; anna suurempi leveys.\n", ParkingRow::kMostPlaces);
+    return Outcome::Nothing;
+  }
+  drawPlaces(row, group);
+  return Outcome::Done;
 }
 
 }  // namespace OrvLib

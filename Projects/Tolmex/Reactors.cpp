@@ -7,7 +7,7 @@
 #include "OrvLib/ARX/GenARX.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DocumentLock.h"
-#include "Tolmex/Names.h"
+#include "Tolmex/Model/Names.h"
 
 namespace OrvLib {
 namespace {

@@ -3,28 +3,17 @@
 #include <cmath>
 #include <numbers>
 #include <optional>
-#include <vector>
 
 #include "OrvLib/ARX/EntityGeometry.h"
 #include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/BuildingRecord.h"
-#include "Tolmex/DisplayFinish.h"
 #include "Tolmex/MessageBoxes.h"
-#include "Tolmex/Names.h"
+#include "Tolmex/Model/Names.h"
 
 namespace OrvLib {
 namespace {
-
-std::optional<AcDbObjectId> askEntity() {
-  ads_name name = {0, 0};
-  ads_point point = {0, 0, 0};
-  AcDbObjectId id;
-  if (acedEntSel(L"\nValitse rakennus, jolle kattorasteri tehdään:", name, point) != RTNORM) return std::nullopt;
-  if (acdbGetObjectId(id, name) != Acad::eOk) return std::nullopt;
-  return id;
-}
 
 bool isBuildingId(AcDbObjectId id) {
   const Opened<AcDbEntity> entity(id, AcDb::kForRead);
@@ -69,26 +58,24 @@ Filling fill(AcDbObjectId boundary, AcDbObjectId building, bool isShaded) {
 
 }  // namespace
 
-void makeRoofRaster(double rasterScale, int pointCount, bool isShaded) {
-  const std::optional<AcDbObjectId> building = askEntity();
-  if (!building) return;
-  if (!isBuildingId(*building)) {
+Outcome makeRoofRaster(AcDbObjectId building, double rasterScale, int pointCount, bool isShaded) {
+  if (!isBuildingId(building)) {
     acutPrintf(L"\nEi valittu rakennusta.\n");
-    return;
+    return Outcome::Nothing;
   }
   acutPrintf(pointCount == 3
                  ? L"\nValitse ensin rakennuksen ulkoreunan pisteet ja lopuksi kolmas piste kiertosuunnassa.\n"
                  : L"\nValitse ensin harjaviivan pisteet ja lopuksi muut pisteet kiertosuunnassa.\n");
   const std::optional<PolyLine> points = askFace(pointCount);
-  if (!points) return;
+  if (!points) return Outcome::Nothing;
   const AcDbObjectId boundary = makeClosed3dPolyline(*points, kColorByLayer, nullptr);
   const double downSlope = directionOf(points->segment(0)) + std::numbers::pi / 2;
   makeHatch(boundary, kColorByLayer, layers::kRoof, {L"LINE", downSlope, rasterScale});
   // Without colours the outline stays: the user sees which face went unfilled.
   const bool keepsOutline =
-      askYesNo(L"Tehdäänkö katolle täyttö?\n") && fill(boundary, *building, isShaded) == Filling::WithoutColors;
+      askYesNo(L"Tehdäänkö katolle täyttö?\n") && fill(boundary, building, isShaded) == Filling::WithoutColors;
   if (!keepsOutline && !boundary.isNull() && !eraseEntity(boundary)) printFailed();
-  finishDisplay();
+  return Outcome::Done;
 }
 
 }  // namespace OrvLib

@@ -5,14 +5,16 @@
 #include <utility>
 #include <vector>
 
+#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Selector.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/DisplayFinish.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/Fences.h"
 #include "Tolmex/FirstUse.h"
-#include "Tolmex/Names.h"
+#include "Tolmex/Model/Names.h"
 #include "Tolmex/ShadowDrawing.h"
+#include "Tolmex/ShadowSettings.h"
 #include "Tolmex/VarjoDlg.h"
 
 namespace OrvLib {
@@ -44,6 +46,13 @@ bool eraseShadows() {
   return !old.empty();
 }
 
+void takeSettings(const ShadowSettings& settings) {
+  static_cast<ShadowSettings&>(currentDocData()) = settings;
+  setLayerColor(layers::kShadow, settings.shadowColor);
+  updateShadows();
+  writeShadowSettings();
+}
+
 }  // namespace
 
 void updateShadows() {
@@ -72,15 +81,11 @@ void updateShadows() {
   finishDisplay();
 }
 
-void removeShadows() {
-  prepareCurrentDocument();
-  eraseShadows();
-  finishDisplay();
-}
+void removeShadows() { eraseShadows(); }
 
 void editShadowSettings() {
   collectBuildings(currentDocData());
-  showShadowDialog();
+  showShadowDialog(currentDocData(), takeSettings);
 }
 
 }  // namespace OrvLib

@@ -11,7 +11,7 @@
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/ColorSchemeFile.h"
 #include "Tolmex/EntityTag.h"
-#include "Tolmex/Names.h"
+#include "Tolmex/Model/Names.h"
 
 namespace OrvLib {
 

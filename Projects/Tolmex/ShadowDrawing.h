@@ -8,7 +8,7 @@
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
 #include "Tolmex/Building.h"
-#include "Tolmex/ShadowGeometry.h"
+#include "Tolmex/Model/ShadowGeometry.h"
 #include "Tolmex/ShadowSettings.h"
 
 namespace OrvLib {

@@ -4,20 +4,15 @@
 #include <optional>
 
 #include "OrvLib/ARX/AdsResbuf.h"
+#include "OrvLib/ARX/DataChain.h"
 #include "OrvLib/ARX/Opened.h"
-#include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/DocData.h"
-#include "Tolmex/Names.h"
-#include "Tolmex/ShadowRecord.h"
+#include "Tolmex/Model/Names.h"
 
 namespace OrvLib {
 namespace {
 
 namespace keys = shadow_keys;
-
-constexpr short kTextCode = 1;
-constexpr short kRealCode = 40;
-constexpr short kShortCode = 70;
 
 Opened<AcDbDictionary> namedObjects(AcDb::OpenMode mode) {
   AcDbDatabase* const db = orWorkingDatabase(nullptr);
@@ -29,31 +24,6 @@ Opened<AcDbDictionary> namedObjects(AcDb::OpenMode mode) {
 template <class T>
 Opened<T> entryOf(const AcDbDictionary& dictionary, const ACHAR* key) {
   return Opened<T>::by([&](T*& object) { return dictionary.getAt(key, object, AcDb::kForRead); });
-}
-
-ShadowSettings settingsOf(const ShadowRecord& record) {
-  ShadowSettings settings;
-  settings.shadowAngleRad = record.angleRad.value_or(settings.shadowAngleRad);
-  if (record.color) settings.shadowColor = toInt(*record.color);
-  settings.shadowLengthPerFloor = record.lengthPerFloor.value_or(settings.shadowLengthPerFloor);
-  settings.shadowScale = record.scale.value_or(settings.shadowScale);
-  if (record.hatchType == keys::kStoredDots) settings.shadowHatchType = kShadowDots;
-  return settings;
-}
-
-AdsResbuf recordOf(const ShadowSettings& settings) {
-  AdsResbuf chain;
-  chain.append(kTextCode, keys::kAngle);
-  chain.appendReal(kRealCode, settings.shadowAngleRad);
-  chain.append(kTextCode, keys::kColor);
-  chain.appendShort(kShortCode, static_cast<short>(settings.shadowColor));
-  chain.append(kTextCode, keys::kLength);
-  chain.appendReal(kRealCode, settings.shadowLengthPerFloor);
-  chain.append(kTextCode, keys::kScale);
-  chain.appendReal(kRealCode, settings.shadowScale);
-  chain.append(kTextCode, keys::kHatchType);
-  chain.appendShort(kShortCode, settings.shadowHatchType == kShadowDots ? keys::kStoredDots : keys::kStoredLines);
-  return chain;
 }
 
 /// The system's own dictionary, open for write, made when missing; empty after telling why.
@@ -100,7 +70,7 @@ std::optional<ShadowSettings> storedSettings() {
   resbuf* items = nullptr;
   if (!record || record->rbChain(&items) != Acad::eOk) return ShadowSettings();
   const AdsResbuf chain(items);
-  return settingsOf(readShadowRecord(chain.get()));
+  return settingsOf(readShadowRecord(itemsOf(chain.get())));
 }
 
 /// Puts the settings in the place of the dictionary's record of them.
@@ -113,7 +83,7 @@ bool store(const ShadowSettings& settings, AcDbDictionary& dictionary) {
   auto made = std::make_unique<AcDbXrecord>();
   if (dictionary.setAt(keys::kRecord, made.get(), id) != Acad::eOk) return false;
   const Opened<AcDbXrecord> record(made.release());
-  return record->setFromRbChain(*recordOf(settings).get()) == Acad::eOk;
+  return record->setFromRbChain(*AdsResbuf(shadowRecordItems(settings)).get()) == Acad::eOk;
 }
 
 }  // namespace

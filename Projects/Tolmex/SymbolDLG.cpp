@@ -2,7 +2,9 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "OrvLib/ARX/Failures.h"
@@ -10,11 +12,9 @@
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
-#include "Tolmex/DocData.h"
-#include "Tolmex/DocumentLock.h"
+#include "Tolmex/Model/SymbolNames.h"
 #include "Tolmex/Resource.h"
 #include "Tolmex/SymbolFiles.h"
-#include "Tolmex/SymbolNames.h"
 
 namespace OrvLib {
 namespace {
@@ -42,10 +42,10 @@ std::wstring askSymbolDirectory(HWND parent) {
 
 class SymbolDLG : public CAcUiDialog {
  public:
-  SymbolDLG(CWnd* parent, HINSTANCE resources)
-      : CAcUiDialog(IDD_SYMBOL, parent, resources), directory_(currentDocData().symbolDirectory) {
-    if (directory_.empty()) directory_ = configuredSymbolDirectory();
-  }
+  SymbolDLG(std::wstring directory, CWnd* parent, HINSTANCE resources)
+      : CAcUiDialog(IDD_SYMBOL, parent, resources), directory_(std::move(directory)) {}
+
+  const std::optional<std::wstring>& leftDirectory() const { return leftDirectory_; }
 
  protected:
   void DoDataExchange(CDataExchange* exchange) override {
@@ -58,8 +58,6 @@ class SymbolDLG : public CAcUiDialog {
       DDX_Control(exchange, kSizeButtons[size], sizeButtons_[size]);
   }
 
-  // A second directory in the document's data would take the first one's place here. Nothing writes such a one, so
-  // there is none.
   BOOL OnInitDialog() override {
     const BOOL result = CAcUiDialog::OnInitDialog();
     guarded([this] {
@@ -81,7 +79,7 @@ class SymbolDLG : public CAcUiDialog {
   }
 
   void OnOK() override {
-    guarded([this] { rememberDirectory(); });
+    guarded([this] { leftDirectory_ = directory_; });
     EndDialog(IDOK);
   }
 
@@ -135,8 +133,6 @@ class SymbolDLG : public CAcUiDialog {
   DECLARE_MESSAGE_MAP()
 
  private:
-  void rememberDirectory() const { currentDocData().symbolDirectory = directory_; }
-
   void showDirectory() {
     directoryEdit_.SetWindowText(directory_.c_str());
     allFiles_ = drawingsIn(directory_);
@@ -166,7 +162,7 @@ class SymbolDLG : public CAcUiDialog {
       makeBlockReference(block, {point[0], point[1], point[2]}, layer.c_str());
     }
     if (answer == RTCAN) {
-      rememberDirectory();
+      leftDirectory_ = directory_;
       CancelEditorCommand();
     } else {
       CompleteEditorCommand();
@@ -174,6 +170,7 @@ class SymbolDLG : public CAcUiDialog {
   }
 
   std::wstring directory_;
+  std::optional<std::wstring> leftDirectory_;
   SymbolVariant variant_;
   std::vector<std::wstring> allFiles_;
   std::vector<std::wstring> matchingFiles_;  // as the list shows them
@@ -202,13 +199,11 @@ END_MESSAGE_MAP()
 
 }  // namespace
 
-void insertSymbols() {
-  // The dialog writes into the drawing while it is open.
-  const DocumentLock lock;
-  if (!lock) return;
+std::optional<std::wstring> showSymbols(const std::wstring& directory) {
   const OwnResources resources;
-  SymbolDLG dialog(parentWindow(), moduleInstance());
+  SymbolDLG dialog(directory, parentWindow(), moduleInstance());
   dialog.DoModal();
+  return dialog.leftDirectory();
 }
 
 }  // namespace OrvLib

@@ -6,7 +6,7 @@
 
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/DataStruct/TextFile.h"
-#include "Tolmex/SymbolNames.h"
+#include "Tolmex/Model/SymbolNames.h"
 
 namespace OrvLib {
 namespace {

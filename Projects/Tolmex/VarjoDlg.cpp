@@ -4,16 +4,11 @@
 #include <string>
 
 #include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
 #include "Tolmex/DialogFields.h"
-#include "Tolmex/DocData.h"
-#include "Tolmex/Names.h"
 #include "Tolmex/Resource.h"
-#include "Tolmex/ShadowCommands.h"
-#include "Tolmex/ShadowSettings.h"
 
 namespace OrvLib {
 namespace {
@@ -22,9 +17,12 @@ constexpr double kTwoPi = 6.283185307179586;
 constexpr const wchar_t* kLinesText = L"Viiva";
 constexpr const wchar_t* kDotsText = L"Piste";
 
+using Accept = std::function<void(const ShadowSettings&)>;
+
 class VarjoDlg : public CAcUiDialog {
  public:
-  VarjoDlg(CWnd* parent, HINSTANCE resources) : CAcUiDialog(IDD_SHADOW, parent, resources) {
+  VarjoDlg(const ShadowSettings& settings, const Accept& accept, CWnd* parent, HINSTANCE resources)
+      : CAcUiDialog(IDD_SHADOW, parent, resources), settings_(settings), accept_(accept) {
     colorBox_.SetUseByBlock(FALSE);
     colorBox_.SetUseByLayer(FALSE);
   }
@@ -42,14 +40,13 @@ class VarjoDlg : public CAcUiDialog {
   BOOL OnInitDialog() override {
     const BOOL result = CAcUiDialog::OnInitDialog();
     guarded([this] {
-      const CDocData& data = currentDocData();
-      angleEdit_.SetWindowText(formatNumber(data.shadowAngleRad / kTwoPi * 360).c_str());
-      lengthEdit_.SetWindowText(formatNumber(data.shadowLengthPerFloor).c_str());
-      scaleEdit_.SetWindowText(formatNumber(data.shadowScale).c_str());
-      colorBox_.SetCurSel(colorBox_.AddColorToMRU(data.shadowColor));
+      angleEdit_.SetWindowText(formatNumber(settings_.shadowAngleRad / kTwoPi * 360).c_str());
+      lengthEdit_.SetWindowText(formatNumber(settings_.shadowLengthPerFloor).c_str());
+      scaleEdit_.SetWindowText(formatNumber(settings_.shadowScale).c_str());
+      colorBox_.SetCurSel(colorBox_.AddColorToMRU(settings_.shadowColor));
       const int lines = hatchBox_.AddString(kLinesText);
       const int dots = hatchBox_.AddString(kDotsText);
-      hatchBox_.SetCurSel(data.shadowHatchType == kShadowDots ? dots : lines);
+      hatchBox_.SetCurSel(settings_.shadowHatchType == kShadowDots ? dots : lines);
     });
     return result;
   }
@@ -57,16 +54,13 @@ class VarjoDlg : public CAcUiDialog {
   void OnOK() override {
     guarded([this] {
       if (!isFilled()) return;
-      CDocData& data = currentDocData();
-      data.shadowAngleRad = fieldNumber(angleEdit_) / 360 * kTwoPi;
-      data.shadowLengthPerFloor = fieldNumber(lengthEdit_);
-      data.shadowScale = fieldNumber(scaleEdit_);
+      settings_.shadowAngleRad = fieldNumber(angleEdit_) / 360 * kTwoPi;
+      settings_.shadowLengthPerFloor = fieldNumber(lengthEdit_);
+      settings_.shadowScale = fieldNumber(scaleEdit_);
       // A colour that the box cannot show stays until another one is chosen.
-      if (const int color = colorBox_.GetCurrentItemColorIndex(); color >= 0) data.shadowColor = color;
-      setLayerColor(layers::kShadow, data.shadowColor);
-      data.shadowHatchType = fieldText(hatchBox_) == kDotsText ? kShadowDots : kShadowLines;
-      updateShadows();
-      writeShadowSettings();
+      if (const int color = colorBox_.GetCurrentItemColorIndex(); color >= 0) settings_.shadowColor = color;
+      settings_.shadowHatchType = fieldText(hatchBox_) == kDotsText ? kShadowDots : kShadowLines;
+      accept_(settings_);
       EndDialog(IDOK);
     });
   }
@@ -88,6 +82,8 @@ class VarjoDlg : public CAcUiDialog {
     return true;
   }
 
+  ShadowSettings settings_;
+  const Accept& accept_;
   CAcUiAngleEdit angleEdit_;
   CAcUiNumericEdit lengthEdit_;
   CAcUiNumericEdit scaleEdit_;
@@ -97,9 +93,9 @@ class VarjoDlg : public CAcUiDialog {
 
 }  // namespace
 
-void showShadowDialog() {
+void showShadowDialog(const ShadowSettings& settings, const std::function<void(const ShadowSettings&)>& accept) {
   const OwnResources resources;
-  VarjoDlg dialog(parentWindow(), moduleInstance());
+  VarjoDlg dialog(settings, accept, parentWindow(), moduleInstance());
   dialog.DoModal();
 }
 

@@ -1,10 +1,14 @@
 // The dialog of the shadow settings.
 #pragma once
 
+#include <functional>
+
+#include "Tolmex/Model/ShadowRecord.h"
+
 namespace OrvLib {
 
-/// Shows the dialog "Varjon ominaisuudet" modally. OK takes the settings, makes all shadows anew with them and stores
-/// them in the drawing.
-void showShadowDialog();
+/// Shows the dialog "Varjon ominaisuudet" modally, filled with the settings. OK gives those that the user chose to
+/// `accept` and then closes the dialog: the shadows are made anew and the settings stored while it is still open.
+void showShadowDialog(const ShadowSettings& settings, const std::function<void(const ShadowSettings&)>& accept);
 
 }  // namespace OrvLib

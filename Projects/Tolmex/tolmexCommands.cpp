@@ -11,7 +11,8 @@
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "Tolmex/BuildingCommands.h"
-#include "Tolmex/ColorSettings.h"
+#include "Tolmex/ColorCommand.h"
+#include "Tolmex/CommandRow.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DrawingCommands.h"
 #include "Tolmex/ElementCommands.h"
@@ -21,7 +22,7 @@
 #include "Tolmex/Reactors.h"
 #include "Tolmex/RoofRaster.h"
 #include "Tolmex/ShadowCommands.h"
-#include "Tolmex/SymbolDLG.h"
+#include "Tolmex/SymbolCommand.h"
 
 namespace OrvLib {
 namespace {
@@ -29,54 +30,93 @@ namespace {
 constexpr const ACHAR* kCommandGroup = L"ORV_TOLMEX";
 constexpr std::size_t kCommandCount = 30;
 
-struct Command {
-  const ACHAR* globalName;
-  const ACHAR* localName;
-  void (*body)();
-};
+template <Category category>
+Outcome make(const SelectedIds& polylines) {
+  makeElements(polylines, category);
+  return Outcome::Done;
+}
 
-constexpr Command sameName(const ACHAR* name, void (*body)()) { return {name, name, body}; }
+template <int pointCount, bool isShaded>
+Outcome roofFace(const SelectedIds& building) {
+  return makeRoofRaster(building.front(), isShaded ? kShadedRaster : kSunlitRaster, pointCount, isShaded);
+}
+
+template <void (*work)(const SelectedIds&)>
+Outcome workOn(const SelectedIds& selected) {
+  work(selected);
+  return Outcome::Done;
+}
+
+template <void (*work)()>
+Outcome call(const SelectedIds&) {
+  work();
+  return Outcome::Done;
+}
+
+constexpr const ACHAR* promptOf(Category category) { return row(category).prompt; }
+constexpr const ACHAR* kPickRoof = L"\nValitse rakennus, jolle kattorasteri tehdään:";
 
 // In the order of registration.
-constexpr std::array<Command, kCommandCount> kCommands{{
-    sameName(L"TLM_MUOK_VARIT", showColorSettings),
-    sameName(L"TLM_MUOK_VARIT_PAALLE", showFills),
-    sameName(L"TLM_MUOK_VARIT_POIS", hideFills),
-    sameName(L"TLM_MUOK_ASFALTTI", [] { makeElements(elements::kAsphalt); }),
-    sameName(L"TLM_MUOK_RAKENNUS", makeBuildings),
-    sameName(L"TLM_MUOK_HARJAVIIVA", makeRidgeLines),
-    sameName(L"TLM_PARK_PAIKKA_TEE", makeParkingPlaces),
+constexpr std::array<CommandRow, kCommandCount> kCommands{{
+    {L"TLM_MUOK_VARIT", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<editColors>},
+    {L"TLM_MUOK_VARIT_PAALLE", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<showFills>},
+    {L"TLM_MUOK_VARIT_POIS", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<hideFills>},
+    {L"TLM_MUOK_ASFALTTI", promptOf(Category::Asphalt), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::Asphalt>},
+    {L"TLM_MUOK_RAKENNUS", promptOf(Category::Building), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     makeBuildings},
+    {L"TLM_MUOK_HARJAVIIVA", promptOf(Category::RidgeLine), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     workOn<makeRidgeLines>},
+    {L"TLM_PARK_PAIKKA_TEE", L"Valitse murtoviiva:\n", Selects::Nothing, Locks::Yes, Finish::DisplayFinished,
+     [](const SelectedIds&) { return makeParkingPlaces(); }},
     // The local name lacks a letter; users of localised hosts know it so.
-    {L"TLM_MUOK_NURMIKKO", L"TLM_MUOK_NURMKKO", [] { makeElements(elements::kGrass); }},
-    sameName(L"TLM_MUOK_SORA", [] { makeElements(elements::kGravel); }),
-    sameName(L"TLM_MUOK_METSA", [] { makeElements(elements::kForest); }),
-    sameName(L"TLM_LIS_SYMBOLI", insertSymbols),
-    sameName(L"TLM_MUOK_PENSAS", [] { makeElements(elements::kHedge); }),
-    sameName(L"TLM_MUOK_PIHALAATTA", [] { makeElements(elements::kYardPaving); }),
-    sameName(L"TLM_MUOK_AITA_LAUTA", [] { makeElements(elements::kBoardFence); }),
-    sameName(L"TLM_MUOK_AITA_KIVI", [] { makeElements(elements::kStoneFence); }),
-    sameName(L"TLM_VIIVA_JATKUVA", [] { setCurrentLinetype(L"CONTINUOUS"); }),
-    sameName(L"TLM_VIIVA_KATKO", [] { setCurrentLinetype(L"HIDDEN2"); }),
-    sameName(L"TLM_VIIVA_PISTE", [] { setCurrentLinetype(L"DOTS"); }),
-    sameName(L"TLM_VIE_TAAKSE", sendSelectedToBack),
-    sameName(L"TLM_TUO_ETEEN", bringSelectedToFront),
-    sameName(L"TLM_MUOK_POLKU", [] { makeElements(elements::kPath); }),
-    sameName(L"TLM_VARJO_OMINAISUUDET", editShadowSettings),
-    sameName(L"TLM_VARJO_PAIVITA", updateShadows),
-    sameName(L"TLM_VARJO_POISTA", removeShadows),
-    sameName(L"TLM_ASETA_KORKEUS", setHeightOfSelected),
-    sameName(L"TLM_KATTO_RAST_TEE_4_VARJO", [] { makeRoofRaster(kShadedRaster, 4, true); }),
-    sameName(L"TLM_KATTO_RAST_TEE_3_VARJO", [] { makeRoofRaster(kShadedRaster, 3, true); }),
-    sameName(L"TLM_KATTO_RAST_TEE_4_AURINKO", [] { makeRoofRaster(kSunlitRaster, 4, false); }),
-    sameName(L"TLM_KATTO_RAST_TEE_3_AURINKO", [] { makeRoofRaster(kSunlitRaster, 3, false); }),
-    sameName(L"TLM_POISTA_TIEDOT", removeDataFromSelected),
+    {L"TLM_MUOK_NURMIKKO", promptOf(Category::Grass), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::Grass>, L"TLM_MUOK_NURMKKO"},
+    {L"TLM_MUOK_SORA", promptOf(Category::Gravel), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::Gravel>},
+    {L"TLM_MUOK_METSA", promptOf(Category::Forest), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::Forest>},
+    // The dialog writes into the drawing while it is open.
+    {L"TLM_LIS_SYMBOLI", nullptr, Selects::Nothing, Locks::Yes, Finish::ByItself, call<insertSymbols>},
+    {L"TLM_MUOK_PENSAS", promptOf(Category::Hedge), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::Hedge>},
+    {L"TLM_MUOK_PIHALAATTA", promptOf(Category::YardPaving), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::YardPaving>},
+    {L"TLM_MUOK_AITA_LAUTA", promptOf(Category::BoardFence), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::BoardFence>},
+    {L"TLM_MUOK_AITA_KIVI", promptOf(Category::StoneFence), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::StoneFence>},
+    {L"TLM_VIIVA_JATKUVA", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<drawContinuous>},
+    {L"TLM_VIIVA_KATKO", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<drawDashed>},
+    {L"TLM_VIIVA_PISTE", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<drawDotted>},
+    {L"TLM_VIE_TAAKSE", L"\nValitse objektit, jotka viedään taakse:\n", Selects::Entities, Locks::No,
+     Finish::Regenerated, sendToBack},
+    {L"TLM_TUO_ETEEN", L"\nValitse objektit, jotka tuodaan eteen:\n", Selects::Entities, Locks::No, Finish::Regenerated,
+     bringToFront},
+    {L"TLM_MUOK_POLKU", promptOf(Category::Path), Selects::Polylines, Locks::Yes, Finish::DisplayFinished,
+     make<Category::Path>},
+    {L"TLM_VARJO_OMINAISUUDET", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<editShadowSettings>},
+    {L"TLM_VARJO_PAIVITA", nullptr, Selects::Nothing, Locks::No, Finish::ByItself, call<updateShadows>},
+    {L"TLM_VARJO_POISTA", nullptr, Selects::Nothing, Locks::No, Finish::DisplayFinished, call<removeShadows>},
+    {L"TLM_ASETA_KORKEUS", L"\nValitse lauta-aita tai kivimuuri, jonka korkeutta muutetaaan:\n", Selects::Polylines,
+     Locks::No, Finish::ByItself, workOn<setHeights>},
+    {L"TLM_KATTO_RAST_TEE_4_VARJO", kPickRoof, Selects::OneEntity, Locks::No, Finish::DisplayFinished,
+     roofFace<4, true>},
+    {L"TLM_KATTO_RAST_TEE_3_VARJO", kPickRoof, Selects::OneEntity, Locks::No, Finish::DisplayFinished,
+     roofFace<3, true>},
+    {L"TLM_KATTO_RAST_TEE_4_AURINKO", kPickRoof, Selects::OneEntity, Locks::No, Finish::DisplayFinished,
+     roofFace<4, false>},
+    {L"TLM_KATTO_RAST_TEE_3_AURINKO", kPickRoof, Selects::OneEntity, Locks::No, Finish::DisplayFinished,
+     roofFace<3, false>},
+    {L"TLM_POISTA_TIEDOT", L"\nValitse kohteet, joista poistetaan tiedot:\n", Selects::Entities, Locks::No,
+     Finish::ByItself, workOn<removeData>},
 }};
 
 constexpr bool namesAreUnique() {
   for (std::size_t i = 0; i < kCommandCount; ++i) {
     for (std::size_t k = 0; k < i; ++k) {
       const std::wstring_view name = kCommands[i].globalName;
-      if (name == kCommands[k].globalName || name == kCommands[k].localName) return false;
+      if (name == kCommands[k].globalName || name == kCommands[k].localNameOrGlobal()) return false;
     }
   }
   return true;
@@ -85,17 +125,17 @@ static_assert(namesAreUnique(), "the host refuses a second command of the same n
 
 /// What the host calls: nothing thrown in a command gets past it.
 template <std::size_t index>
-void runCommand() {
+void enterCommand() {
   guarded([] {
     currentDocData().buildingsAreFresh = false;  // whatever ran before may have changed the drawing
     prepareCurrentDocument();
-    kCommands[index].body();
+    runCommand(kCommands[index]);
   });
 }
 
 template <std::size_t... indices>
 constexpr std::array<AcRxFunctionPtr, kCommandCount> entryPoints(std::index_sequence<indices...>) {
-  return {&runCommand<indices>...};
+  return {&enterCommand<indices>...};
 }
 constexpr auto kEntryPoints = entryPoints(std::make_index_sequence<kCommandCount>());
 
@@ -106,7 +146,7 @@ void registerCommands() {
   AcEdCommandStack* const stack = commandStack();
   if (stack == nullptr) return;
   for (std::size_t i = 0; i < kCommandCount; ++i) {
-    stack->addCommand(kCommandGroup, kCommands[i].globalName, kCommands[i].localName,
+    stack->addCommand(kCommandGroup, kCommands[i].globalName, kCommands[i].localNameOrGlobal(),
                       ACRX_CMD_TRANSPARENT | ACRX_CMD_USEPICKSET, kEntryPoints[i]);
   }
 }

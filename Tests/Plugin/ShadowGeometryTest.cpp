@@ -7,7 +7,7 @@
 #include <numbers>
 #include <string>
 
-#include "Tolmex/ShadowGeometry.h"
+#include "Tolmex/Model/ShadowGeometry.h"
 
 namespace OrvLib {
 namespace {

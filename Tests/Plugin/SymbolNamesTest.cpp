@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Tolmex/SymbolNames.h"
+#include "Tolmex/Model/SymbolNames.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 
 #include "OrvLib/ARX/Contains.h"
 #include "OrvLib/DataStruct/Text.h"
-#include "Tolmex/Catalogue.h"
-#include "Tolmex/ColorScheme.h"
-#include "Tolmex/ParkingLayout.h"
+#include "Tolmex/Model/Catalogue.h"
+#include "Tolmex/Model/ColorScheme.h"
+#include "Tolmex/Model/ParkingLayout.h"
 
 namespace OrvLib {
 namespace {
@@ -63,12 +63,28 @@ TEST(Catalogue, UsesOnlyLayersThatAreMade) {
   std::set<std::wstring> names;
   for (const LayerRow& layer : kElementLayers) EXPECT_TRUE(names.insert(layer.name).second) << layer.name;
   std::set<std::wstring> tags;
-  for (const CategoryRow& category : kCategories) {
+  for (const ElementRow& category : kCategories) {
     EXPECT_TRUE(tags.insert(category.tag).second) << category.tag;
-    EXPECT_NE(layerNamed(category.outlineLayer), nullptr) << category.tag;
-    EXPECT_TRUE(category.fillLayer == nullptr || layerNamed(category.fillLayer) != nullptr) << category.tag;
-    EXPECT_TRUE(category.fillPattern == nullptr || category.fillLayer != nullptr) << category.tag;
+    EXPECT_NE(layerNamed(category.outline.name), nullptr) << category.tag;
+    EXPECT_TRUE(category.fill.name == nullptr || layerNamed(category.fill.name) != nullptr) << category.tag;
+    EXPECT_TRUE(category.pattern.name == nullptr || category.fill.name != nullptr) << category.tag;
   }
+}
+
+// Users see these orders: of the layers in their lists, of what covers what.
+TEST(Catalogue, KeepsLayersInTheirOrders) {
+  std::wstring made, top, switched;
+  for (const LayerRow& layer : kElementLayers) made.append(layer.name).append(L" ");
+  for (const wchar_t* name : kTopLayers) top.append(name).append(L" ");
+  for (const wchar_t* name : kSwitchedLayers) switched.append(name).append(L" ");
+  const std::wstring areas =
+      L"tma_asf tma_sora tma_laatta tma_polku tma_aita_kivi tma_aita_lauta tma_pensas tma_metsa tma_nurmi ";
+  EXPECT_EQ(made, areas +
+                      L"tmv_katto tmv_parkki tma_varjo tma_katto tmv_asf tmv_rak tmv_nurmi tmv_sora tmv_laatta "
+                      L"tmv_polku tmv_aita_kivi tmv_aita_lauta tmv_pensas tmv_metsa tmv_varjo tmv_harjav "
+                      L"tma_katto_aurinko tma_katto_varjo ");
+  EXPECT_EQ(top, L"tmv_varjo tma_katto_varjo tma_katto tma_katto_aurinko tmv_katto tmv_rak tmv_harjav ");
+  EXPECT_EQ(switched, areas + L"tma_katto_aurinko tma_katto_varjo ");
 }
 
 TEST(Catalogue, ColorsAreaLayersByTheirOwnSchemeColor) {

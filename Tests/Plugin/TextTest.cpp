@@ -1,11 +1,9 @@
-// Words, numbers, decoding, and the keys and values of extended data.
+// Words, numbers, decoding.
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cmath>
-#include <deque>
 
-#include "OrvLib/ARX/XData.h"
 #include "OrvLib/DataStruct/Ordering.h"
 #include "OrvLib/DataStruct/Text.h"
 
@@ -63,62 +61,6 @@ TEST(Text, DecodesEveryFormOfFile) {
   EXPECT_EQ(decodeText("\xFF\xFE\x3C\xD8"s), L"\uFFFD");
   const std::wstring all = L"a\u00e4\u20ac\U0001F332\t";
   EXPECT_EQ(decodeText(encodeUtf8(all)), all);
-}
-
-/// A chain whose items and texts live as long as it does.
-class Chain {
- public:
-  Chain& text(short code, const wchar_t* value) {
-    texts_.emplace_back(value);
-    item(code).resval.rstring = texts_.back().data();
-    return *this;
-  }
-  Chain& real(double value) {
-    item(1040).resval.rreal = value;
-    return *this;
-  }
-  Chain& integer(short value) {
-    item(1070).resval.rint = value;
-    return *this;
-  }
-  const resbuf* get() const { return items_.empty() ? nullptr : &items_.front(); }
-
- private:
-  resbuf& item(short code) {
-    items_.push_back({nullptr, code, {}});
-    if (items_.size() > 1) items_[items_.size() - 2].rbnext = &items_.back();
-    return items_.back();
-  }
-  std::deque<resbuf> items_;
-  std::deque<std::wstring> texts_;
-};
-
-std::optional<std::wstring> lookUp(const Chain& chain, const wchar_t* key) {
-  return valueInChain(chain.get(), L"app", key);
-}
-
-TEST(ExtendedData, FindsTheItemAfterTheKeyWhateverItsCode) {
-  Chain chain;
-  chain.text(1001, L"app").text(1000, L"A").text(1000, L"B").text(1000, L"C").text(1005, L"2F");
-  chain.text(1000, L"R").real(2.50).text(1000, L"I").integer(-7).text(1000, L"B").text(1000, L"second");
-  EXPECT_EQ(lookUp(chain, L"A"), L"B");
-  EXPECT_EQ(lookUp(chain, L"C"), L"2F");
-  EXPECT_EQ(lookUp(chain, L"R"), L"2.5");
-  EXPECT_EQ(lookUp(chain, L"I"), L"-7");
-  EXPECT_EQ(lookUp(chain, L"B"), L"C");  // a value is a key as well: items are walked one by one, the first match wins
-  EXPECT_EQ(lookUp(chain, L"a"), std::nullopt);
-  EXPECT_EQ(lookUp(chain, L"second"), std::nullopt);
-  EXPECT_EQ(valueInChain(chain.get(), L"other", L"A"), std::nullopt);
-  EXPECT_EQ(valueInChain(nullptr, L"app", L"A"), std::nullopt);
-}
-
-TEST(ExtendedData, TakesBracesForNeitherKeysNorValues) {
-  Chain chain;
-  chain.text(1001, L"app").text(1002, L"{").text(1000, L"A").text(1002, L"}").text(1000, L"x");
-  chain.text(1000, L"B").text(1002, L"{").text(1002, L"}");
-  EXPECT_EQ(lookUp(chain, L"A"), L"x");
-  EXPECT_EQ(lookUp(chain, L"B"), std::nullopt);
-  EXPECT_EQ(lookUp(chain, L"{"), std::nullopt);
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include "Target.h"
 #include "Text/Text.h"
-#include "Tolmex/ColorScheme.h"
+#include "Tolmex/Model/ColorScheme.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::wstringstream in(host::text::fromUtf8(fuzz::textOf(data, size)));

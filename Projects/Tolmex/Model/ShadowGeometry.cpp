@@ -1,4 +1,4 @@
-#include "Tolmex/ShadowGeometry.h"
+#include "Tolmex/Model/ShadowGeometry.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,11 @@
-#include "Tolmex/ColorScheme.h"
+#include "Tolmex/Model/ColorScheme.h"
+
+#include <optional>
+#include <string_view>
 
 #include "OrvLib/DataStruct/Ordering.h"
 #include "OrvLib/DataStruct/Text.h"
+#include "Tolmex/Model/Catalogue.h"
 
 namespace OrvLib {
 namespace {

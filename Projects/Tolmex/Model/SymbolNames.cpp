@@ -1,4 +1,4 @@
-#include "Tolmex/SymbolNames.h"
+#include "Tolmex/Model/SymbolNames.h"
 
 #include <algorithm>
 

@@ -36,9 +36,6 @@ inline constexpr const wchar_t* kColor = L"SHADOWCOLOR";
 inline constexpr const wchar_t* kLength = L"SHADOWLENGTHPERFLOOR";
 inline constexpr const wchar_t* kScale = L"SHADOWSCALE";
 inline constexpr const wchar_t* kHatchType = L"SHADOWHATCHTYPE";
-// The hatch type is a number there.
-inline constexpr short kStoredLines = 10;
-inline constexpr short kStoredDots = 20;
 }  // namespace shadow_keys
 
 /// Layers. Those of fills begin with "tma_", those of outlines with "tmv_".

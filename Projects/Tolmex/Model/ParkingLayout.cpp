@@ -1,4 +1,4 @@
-#include "Tolmex/ParkingLayout.h"
+#include "Tolmex/Model/ParkingLayout.h"
 
 #include <cmath>
 #include <numbers>

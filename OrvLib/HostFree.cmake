@@ -1,0 +1,19 @@
+# The part of OrvLib that needs no host: what the plug-in's model may see, and what is tested without one.
+set(ORVLIB_HOST_FREE_HEADERS
+  ARX/Contains.h
+  DataStruct/Array.h
+  DataStruct/DataItems.h
+  DataStruct/Ordering.h
+  DataStruct/Text.h
+  GeomEnts/Line.h
+  GeomStructs/Point3d.h
+  GeomStructs/Point3dArray.h
+  GeomStructs/PolyArc.h
+  GeomStructs/PolyLine.h)
+set(ORVLIB_HOST_FREE_SOURCES
+  ARX/Contains.cpp
+  DataStruct/DataItems.cpp
+  DataStruct/Text.cpp
+  GeomEnts/Line.cpp
+  GeomStructs/PolyArc.cpp
+  GeomStructs/PolyLine.cpp)

@@ -1,0 +1,27 @@
+#include "Tolmex/ColorCommand.h"
+
+#include "Tolmex/ColorSchemeFile.h"
+#include "Tolmex/ColorSettings.h"
+#include "Tolmex/DocData.h"
+
+namespace OrvLib {
+namespace {
+
+void takeColors(const ColorScheme& chosen) {
+  CDocData& data = currentDocData();
+  data.colors = chosen;
+  data.colorsChosen = true;
+  applyAreaColors(data);
+}
+
+}  // namespace
+
+void editColors() {
+  const std::optional<ColorScheme> accepted = askColors(currentDocData().colors, [](const ColorScheme& chosen) {
+    takeColors(chosen);
+    writeColorSchemeFile(chosen);
+  });
+  if (accepted) takeColors(*accepted);
+}
+
+}  // namespace OrvLib
