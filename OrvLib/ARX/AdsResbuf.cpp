@@ -1,6 +1,6 @@
 #include "OrvLib/ARX/AdsResbuf.h"
 
-#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 

@@ -28,7 +28,7 @@ ValueType typeOf(short code) {
 }
 
 DataItem itemOf(const resbuf& buffer) {
-  DataItem item{buffer.restype, {}};
+  DataItem item(buffer.restype);
   switch (typeOf(buffer.restype)) {
     case ValueType::Text:
       if (buffer.resval.rstring != nullptr) item.value.emplace<std::wstring>(buffer.resval.rstring);

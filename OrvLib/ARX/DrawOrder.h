@@ -17,9 +17,9 @@ void honorDrawOrder();
 Opened<AcDbSortentsTable> sortTableOf(const AcDbEntity& entity);
 
 /// Moves entities one after the other. Keeps the table that it used last open, so moving many entities of one block
-/// costs one opening; while it lives nobody else can open that table. Turns the drawing to draw order (honorDrawOrder)
-/// with its first move. A move answers false, and changes nothing, when the entity or its table cannot be opened or the
-/// host refuses.
+/// costs one opening; while it lives no other code can open that table. Turns the drawing to draw order
+/// (honorDrawOrder) with its first move. A move answers false, and changes nothing, when the entity or its table cannot
+/// be opened or the host refuses.
 class DrawOrder {
  public:
   bool moveToTop(AcDbObjectId entity);

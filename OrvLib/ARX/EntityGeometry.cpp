@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 namespace {

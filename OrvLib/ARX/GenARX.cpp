@@ -4,9 +4,9 @@
 #include <memory>
 #include <new>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 namespace {

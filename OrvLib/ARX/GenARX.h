@@ -1,6 +1,6 @@
 // What a drawing knows by name: layers and linetypes, whose names compare without regard to case, and objects by their
-// handles. A null database means the working one. What the host refuses is told on the command line, a missing layer is
-// not.
+// handles. A null database means the working one. What the host refuses is printed on the command line, a missing layer
+// is not.
 #pragma once
 
 #include <optional>

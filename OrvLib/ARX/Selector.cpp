@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "OrvLib/ARX/AdsResbuf.h"
-#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 namespace {

@@ -22,7 +22,7 @@ class Selector {
   std::vector<AcDbObjectId> byUser() const;
   /// All of the drawing.
   std::vector<AcDbObjectId> all() const;
-  /// Those with extended data of the application: a drawing has many polylines that nobody tagged.
+  /// Those with extended data of the application: most polylines of a drawing carry none.
   std::vector<AcDbObjectId> withDataOf(const ACHAR* application) const;
   /// Those on one of the layers.
   std::vector<AcDbObjectId> onLayers(const std::vector<const ACHAR*>& layers) const;

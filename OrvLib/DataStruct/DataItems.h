@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -19,8 +20,12 @@ inline constexpr short kXDataHandle = 1005;
 /// A group code and the value of the type that goes with it; no value for a type that the system does not read, such as
 /// a point. Handles are hexadecimal text.
 struct DataItem {
-  short code = 0;
-  std::variant<std::monostate, std::wstring, double, std::int16_t, std::int32_t> value;
+  using Value = std::variant<std::monostate, std::wstring, double, std::int16_t, std::int32_t>;
+
+  explicit DataItem(short itemCode, Value itemValue = {}) : code(itemCode), value(std::move(itemValue)) {}
+
+  short code;
+  Value value;
 
   /// The text, when the value is one.
   const std::wstring* text() const { return std::get_if<std::wstring>(&value); }
@@ -31,6 +36,7 @@ struct DataItem {
   bool operator==(const DataItem&) const = default;
 };
 
+/// To be filled item by item: where an allocation fails amid a braced list, GCC 12 destroys items that it has not made.
 using DataItems = std::vector<DataItem>;
 
 /// The value of a key in the extended data of one application: the item after the first text (code 1000) that equals

@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "OrvLib/ARX/EntityGeometry.h"
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 namespace {

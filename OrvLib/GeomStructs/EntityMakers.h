@@ -14,8 +14,8 @@ inline constexpr int kColorByLayer = 256;
 inline constexpr int kNoColor = 65535;
 
 /// Keeps the model space open for write while it lives, which spares the makers opening it for every entity. To be held
-/// for a run of entities only: nobody else can open the model space meanwhile. Where it cannot be opened, the makers
-/// try for themselves and say so.
+/// for a run of entities only: no other code can open the model space meanwhile. Where it cannot be opened, the makers
+/// open it for each entity and print the failure.
 class OpenModelSpace {
  public:
   /// A null database means the working one.

@@ -1,10 +1,8 @@
 #include "OrvLib/GeomStructs/PolyArc.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <iterator>
-#include <system_error>
 
 namespace OrvLib {
 namespace {
@@ -56,24 +54,6 @@ void appendPieces(Point3dArray& points, const Arc& arc, double chordArcLength) {
   points.push_back(arc.end);
 }
 
-void appendNumber(std::string& text, double value) {
-  char digits[32];
-  text.append(std::begin(digits), std::to_chars(std::begin(digits), std::end(digits), value).ptr);
-}
-
-bool takeNumber(std::string_view& text, double& value) {
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (result.ec != std::errc()) return false;
-  text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
-  return true;
-}
-
-bool takeText(std::string_view& text, std::string_view expected) {
-  if (!text.starts_with(expected)) return false;
-  text.remove_prefix(expected.size());
-  return true;
-}
-
 }  // namespace
 
 PolyArc::PolyArc(std::vector<ArcVertex> vertices, bool closed) : vertices_(std::move(vertices)), closed_(closed) {}
@@ -85,18 +65,6 @@ std::size_t PolyArc::segmentCount() const {
 
 bool PolyArc::firstSegmentIsArc() const {
   return !vertices_.empty() && std::abs(vertices_.front().bulge) >= kSmallestBulge;
-}
-
-PolyArc PolyArc::reversed() const {
-  PolyArc back;
-  back.closed_ = closed_;
-  const std::size_t n = vertices_.size();
-  for (std::size_t i = 0; i < n; ++i) {
-    // Going back, the segment that starts at a vertex is the one that ended there.
-    const std::size_t at = n - 1 - i;
-    back.append({vertices_[at].point, -vertices_[(at + n - 1) % n].bulge});
-  }
-  return back;
 }
 
 bool PolyArc::hasTooManyPieces(double chordArcLength) const {
@@ -122,43 +90,6 @@ PolyLine PolyArc::approximated(double chordArcLength) const {
     if (vertices_[i].bulge < 0) std::reverse(std::next(points.begin(), first), points.end());
   }
   return PolyLine(std::move(points), closed_);
-}
-
-std::string PolyArc::toText() const {
-  std::string text;
-  for (const ArcVertex& vertex : vertices_) {
-    if (!text.empty()) text += "; ";
-    appendNumber(text, vertex.point.x);
-    text += ',';
-    appendNumber(text, vertex.point.y);
-    if (vertex.point.z != 0) {
-      text += ',';
-      appendNumber(text, vertex.point.z);
-    }
-    if (vertex.bulge != 0) {
-      text += " b=";
-      appendNumber(text, vertex.bulge);
-    }
-  }
-  if (closed_) text += " closed";
-  return text;
-}
-
-PolyArc PolyArc::fromText(std::string_view text) {
-  PolyArc read;
-  while (!text.empty()) {
-    ArcVertex vertex;
-    if (!takeNumber(text, vertex.point.x) || !takeText(text, ",") || !takeNumber(text, vertex.point.y)) return {};
-    if (takeText(text, ",") && !takeNumber(text, vertex.point.z)) return {};
-    if (takeText(text, " b=") && !takeNumber(text, vertex.bulge)) return {};
-    read.append(vertex);
-    if (text == " closed") {
-      read.setClosed(true);
-      return read;
-    }
-    if (!text.empty() && (!takeText(text, "; ") || text.empty())) return {};
-  }
-  return read;
 }
 
 }  // namespace OrvLib

@@ -2,8 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -43,23 +41,16 @@ class PolyArc {
   /// Number of segments: one per vertex when closed, one less when open.
   std::size_t segmentCount() const;
   bool firstSegmentIsArc() const;
-  /// The same course walked the other way.
-  PolyArc reversed() const;
 
   /// The course as straight pieces, every segment from its first to its last point, joints therefore twice. An arc
   /// gives its ends and, counter-clockwise from the end where it begins in that direction, a point at every further
   /// step of `chordArcLength` units of arc length as long as more than a whole step remains beyond the point. Heights
   /// run linearly along the arc. A `chordArcLength` that is not positive gives the ends only.
-  /// Guarantee: the points of the reversed course are the same points backwards.
+  /// Guarantee: the points of the course walked the other way are the same points backwards.
   PolyLine approximated(double chordArcLength) const;
   /// Whether the arcs would give more than kMostPieces pieces of this length, so that `approximated` gives their ends
   /// only.
   bool hasTooManyPieces(double chordArcLength) const;
-
-  /// Text form for tests and messages: "x,y[,z][ b=bulge]; …", " closed" at the end. Numbers read back exactly.
-  std::string toText() const;
-  /// Reads the text form; an empty PolyArc when it is not one.
-  static PolyArc fromText(std::string_view text);
 
   bool operator==(const PolyArc&) const = default;
 

@@ -8,11 +8,6 @@ namespace OrvLib {
 
 PolyLine::PolyLine(Point3dArray points, bool closed) : points_(std::move(points)), closed_(closed) {}
 
-void PolyLine::append(const PolyLine& other) {
-  const Point3dArray copy = other.points_;  // appending to itself is allowed
-  points_.insert(points_.end(), copy.begin(), copy.end());
-}
-
 void PolyLine::insertAt(std::size_t index, const Point3d& point) {
   points_.insert(std::next(points_.begin(), static_cast<std::ptrdiff_t>(std::min(index, points_.size()))), point);
 }
@@ -44,8 +39,6 @@ PolyLine PolyLine::translated(const Point3d& vector) const {
   moved.translate(vector);
   return moved;
 }
-
-void PolyLine::reverse() { std::reverse(points_.begin(), points_.end()); }
 
 std::size_t PolyLine::segmentCount() const {
   if (points_.size() < 2) return 0;

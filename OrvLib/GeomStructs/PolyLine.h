@@ -27,7 +27,6 @@ class PolyLine {
   void setClosed(bool closed) { closed_ = closed; }
 
   void append(const Point3d& point) { points_.push_back(point); }
-  void append(const PolyLine& other);
   /// An index past the end appends.
   void insertAt(std::size_t index, const Point3d& point);
   /// An index past the end changes nothing.
@@ -38,7 +37,6 @@ class PolyLine {
   void close();
   void translate(const Point3d& vector);
   PolyLine translated(const Point3d& vector) const;
-  void reverse();
 
   /// Number of segments: one per point when closed, one less when open.
   std::size_t segmentCount() const;

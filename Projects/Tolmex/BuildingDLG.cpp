@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/DataStruct/Ordering.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/DialogFields.h"
 #include "Tolmex/EntityTag.h"
 #include "Tolmex/Model/Catalogue.h"

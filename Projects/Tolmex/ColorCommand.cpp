@@ -17,11 +17,10 @@ void takeColors(const ColorScheme& chosen) {
 }  // namespace
 
 void editColors() {
-  const std::optional<ColorScheme> accepted = askColors(currentDocData().colors, [](const ColorScheme& chosen) {
+  showColorSettings(currentDocData().colors, takeColors, [](const ColorScheme& chosen) {
     takeColors(chosen);
     writeColorSchemeFile(chosen);
   });
-  if (accepted) takeColors(*accepted);
 }
 
 }  // namespace OrvLib

@@ -16,7 +16,7 @@ void followAreaColors(CDocData& data);
 /// Takes the colours of the file, unless the drawing's own layers have given some. A missing file changes nothing.
 void readColorSchemeFile(CDocData& data);
 
-/// Writes the file where it was found, or into the current folder; a failure is told on the command line.
+/// Writes the file where it was found, or into the current folder; a failure is printed on the command line.
 void writeColorSchemeFile(const ColorScheme& scheme);
 
 /// Gives the area layers of the current drawing their colours. Element layers that are missing are made first.

@@ -3,9 +3,9 @@
 #include <array>
 #include <cstddef>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/Resources.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/Resource.h"
 
 namespace OrvLib {
@@ -27,19 +27,16 @@ constexpr std::array<ColorControl, 9> kControls{{
     {IDC_DEFAULT_ROOF_SUNLIT, &ColorScheme::roofFillSun},
 }};
 
-using Save = std::function<void(const ColorScheme&)>;
-
 class ColorSettings : public CAcUiDialog {
  public:
-  ColorSettings(const ColorScheme& scheme, const Save& save) : CAcUiDialog(IDD_COLORS), scheme_(scheme), save_(save) {
+  ColorSettings(const ColorScheme& scheme, const TakeColors& accept, const TakeColors& save)
+      : CAcUiDialog(IDD_COLORS), scheme_(scheme), accept_(accept), save_(save) {
     // A layer has a colour of its own.
     for (CAcUiColorComboBox& box : boxes_) {
       box.SetUseByBlock(FALSE);
       box.SetUseByLayer(FALSE);
     }
   }
-
-  const ColorScheme& scheme() const { return scheme_; }
 
  protected:
   void DoDataExchange(CDataExchange* exchange) override {
@@ -59,6 +56,7 @@ class ColorSettings : public CAcUiDialog {
   void OnOK() override {
     guarded([this] {
       takeColors();
+      accept_(scheme_);
       EndDialog(IDOK);
     });
   }
@@ -82,7 +80,8 @@ class ColorSettings : public CAcUiDialog {
   }
 
   ColorScheme scheme_;
-  const Save& save_;
+  const TakeColors& accept_;
+  const TakeColors& save_;
   std::array<CAcUiColorComboBox, kControls.size()> boxes_;
 };
 
@@ -92,10 +91,10 @@ END_MESSAGE_MAP()
 
 }  // namespace
 
-std::optional<ColorScheme> askColors(const ColorScheme& scheme, const std::function<void(const ColorScheme&)>& save) {
+void showColorSettings(const ColorScheme& scheme, const TakeColors& accept, const TakeColors& save) {
   const OwnResources resources;
-  ColorSettings dialog(scheme, save);
-  return dialog.DoModal() == IDOK ? std::optional(dialog.scheme()) : std::nullopt;
+  ColorSettings dialog(scheme, accept, save);
+  dialog.DoModal();
 }
 
 }  // namespace OrvLib

@@ -2,14 +2,16 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 
 #include "Tolmex/Model/ColorScheme.h"
 
 namespace OrvLib {
 
-/// Shows the dialog "Tolmexn värit" modally, filled with the scheme's nine colours. The scheme that the user accepts;
-/// nothing when the dialog is cancelled. Its button gives the chosen colours to `save` while the dialog stays open.
-std::optional<ColorScheme> askColors(const ColorScheme& scheme, const std::function<void(const ColorScheme&)>& save);
+using TakeColors = std::function<void(const ColorScheme&)>;
+
+/// Shows the dialog "Tolmexn värit" modally, filled with the scheme's nine colours. OK gives the chosen colours to
+/// `accept` and then closes the dialog: the layers have them before it goes. The button for the file gives them to
+/// `save`, and the dialog stays open.
+void showColorSettings(const ColorScheme& scheme, const TakeColors& accept, const TakeColors& save);
 
 }  // namespace OrvLib

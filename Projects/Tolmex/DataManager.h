@@ -4,8 +4,8 @@
 #include <map>
 #include <utility>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 

@@ -5,7 +5,7 @@
 
 namespace OrvLib {
 
-/// Locks the current document for writing as long as it lives; a refusal is told on the command line.
+/// Locks the current document for writing as long as it lives; a refusal is printed on the command line.
 class DocumentLock {
  public:
   DocumentLock() {

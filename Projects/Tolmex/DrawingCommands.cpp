@@ -1,9 +1,9 @@
 #include "Tolmex/DrawingCommands.h"
 
 #include "OrvLib/ARX/DrawOrder.h"
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/EntityTag.h"
 #include "Tolmex/Model/Catalogue.h"
 

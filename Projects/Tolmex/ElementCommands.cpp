@@ -1,10 +1,10 @@
 #include "Tolmex/ElementCommands.h"
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/ARX/Status.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/ColorSchemeFile.h"
 #include "Tolmex/EntityTag.h"
 
@@ -21,7 +21,7 @@ void makeElement(AcDbObjectId polyline, Category category) {
   }
   const Opened<AcDbEntity> outline(polyline, AcDb::kForWrite);
   if (!outline) {
-    // A polyline on a locked layer cannot become an element; its fill would belong to nobody.
+    // A polyline on a locked layer cannot become an element; no tag would name its fill.
     if (!fill.isNull() && !eraseEntity(fill)) printFailed(kind.fill.name);
     return;
   }

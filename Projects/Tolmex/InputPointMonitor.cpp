@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/EntityTag.h"
 

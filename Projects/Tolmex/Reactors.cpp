@@ -3,8 +3,8 @@
 #include <optional>
 #include <string_view>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/GenARX.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/DocData.h"
 #include "Tolmex/DocumentLock.h"
 #include "Tolmex/Model/Names.h"
@@ -12,7 +12,7 @@
 namespace OrvLib {
 namespace {
 
-// The two colours that the roof fill layer has as long as nobody chose another one.
+// The two colours that the roof fill layer has until the user gives it another one.
 constexpr int kRoofOnLight = 255;
 constexpr int kRoofOnBlack = 250;
 

@@ -5,9 +5,9 @@
 #include <optional>
 
 #include "OrvLib/ARX/EntityGeometry.h"
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/Opened.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/BuildingRecord.h"
 #include "Tolmex/MessageBoxes.h"
 #include "Tolmex/Model/Names.h"
@@ -37,7 +37,8 @@ std::optional<PolyLine> askFace(int pointCount) {
   return face;
 }
 
-/// Plan direction of the edge; just under a full turn when its ends are the same point.
+/// Plan direction of the edge. Ends at one point give a number just under a full turn, as the rasters of drawings in
+/// use were made with it.
 double directionOf(const Line& edge) {
   if (edge.start.isEqualTo(edge.end)) return std::atan(1.0) * 7.999999999999999;
   return std::atan2(edge.end.y - edge.start.y, edge.end.x - edge.start.x);

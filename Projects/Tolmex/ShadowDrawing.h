@@ -30,7 +30,7 @@ class ShadowDrawing {
   /// The shadow of an open fence, which is closed for it. False for a height of zero and for a fence that cannot be
   /// written to; a fence without a height is left alone.
   bool makeFenceShadow(Opened<AcDbEntity> fence);
-  /// Tells when nothing could be hatched though there was something to hatch: then it is the settings' fault.
+  /// Tells when nothing could be hatched though there was something to hatch: then the settings are the cause.
   void tellIfNothingWasHatched() const;
 
  private:

@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
 #include "OrvLib/GeomStructs/EntityMakers.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/Model/SymbolNames.h"
 #include "Tolmex/Resource.h"
 #include "Tolmex/SymbolFiles.h"

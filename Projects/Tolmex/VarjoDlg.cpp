@@ -3,10 +3,10 @@
 #include <array>
 #include <string>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/ARX/Resources.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/DialogFields.h"
 #include "Tolmex/Resource.h"
 

@@ -5,11 +5,11 @@
 #include <string_view>
 #include <utility>
 
-#include "OrvLib/ARX/DebugLog.h"
 #include "OrvLib/ARX/Export.h"
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/ParentWindow.h"
+#include "OrvLib/Reports/DebugLog.h"
+#include "OrvLib/Reports/Failures.h"
 #include "Tolmex/BuildingCommands.h"
 #include "Tolmex/ColorCommand.h"
 #include "Tolmex/CommandRow.h"

@@ -7,6 +7,7 @@
 #include <numbers>
 #include <string>
 
+#include "Plugin/Courses.h"
 #include "Tolmex/Model/ShadowGeometry.h"
 
 namespace OrvLib {
@@ -16,7 +17,7 @@ constexpr double kPi = std::numbers::pi;
 constexpr double kPerFloor = 3;
 
 ShadowCaster building(const char* course, double floors, Point3dArray ridge = {}) {
-  const PolyArc arcs = PolyArc::fromText(course);
+  const PolyArc arcs = courseOf(course);
   ShadowCaster caster;
   caster.outline = arcs.approximated(5);
   caster.firstSegmentIsArc = arcs.firstSegmentIsArc();
@@ -100,7 +101,7 @@ TEST(BuildingShadow, ArcsBecomePiecesOfFiveUnits) {
 TEST(BuildingShadow, EdgesOfAnyLengthCast) {
   EXPECT_EQ(buildingShadow(building("0,0; 10,0; 10,0.00005; 10,10; 0,10 closed", 2), 1, kPerFloor).size(), 5U);
   EXPECT_EQ(buildingShadow(building("0,0; 10,0; 10,0.00000005; 10,10; 0,10 closed", 2), 1, kPerFloor).size(), 4U);
-  EXPECT_EQ(fenceShadow(PolyArc::fromText("0,0; 10,0; 10,0.00005; 20,9"), 2, 1).size(), 3U);
+  EXPECT_EQ(fenceShadow(courseOf("0,0; 10,0; 10,0.00005; 20,9"), 2, 1).size(), 3U);
 }
 
 TEST(BuildingShadow, OpenOutlinesGetNoClosingEdge) {
@@ -177,11 +178,11 @@ TEST(BuildingShadow, DamagedNumbersCastNothing) {
 }
 
 TEST(FenceShadow, IsAsLongAsTheFenceIsHigh) {
-  EXPECT_EQ(text(fenceShadow(PolyArc::fromText("0,0; 10,0"), 2, kPi / 2)), "0,0>0,2>10,2>10,0");
-  EXPECT_EQ(text(fenceShadow(PolyArc::fromText("0,0; 10,0"), -2, kPi / 2)), "0,0>0,-2>10,-2>10,0");
-  EXPECT_EQ(fenceShadow(PolyArc::fromText("0,0; 10,0; 10,10 closed"), 2, 1).size(), 3U);
+  EXPECT_EQ(text(fenceShadow(courseOf("0,0; 10,0"), 2, kPi / 2)), "0,0>0,2>10,2>10,0");
+  EXPECT_EQ(text(fenceShadow(courseOf("0,0; 10,0"), -2, kPi / 2)), "0,0>0,-2>10,-2>10,0");
+  EXPECT_EQ(fenceShadow(courseOf("0,0; 10,0; 10,10 closed"), 2, 1).size(), 3U);
   // A quarter circle of radius 10 in steps of half a unit.
-  EXPECT_EQ(fenceShadow(PolyArc::fromText("10,0 b=0.41421356237309503; 0,10"), 2, 1).size(), 31U);
+  EXPECT_EQ(fenceShadow(courseOf("10,0 b=0.41421356237309503; 0,10"), 2, 1).size(), 31U);
   EXPECT_TRUE(fenceShadow(PolyArc(), 2, 1).empty());
 }
 

@@ -13,7 +13,7 @@
 namespace OrvLib {
 namespace {
 
-DataItem text(const wchar_t* value, short code = kXDataText) { return {code, value}; }
+DataItem text(const wchar_t* value, short code = kXDataText) { return DataItem(code, value); }
 
 TEST(ExtendedData, FindsTheItemAfterTheKeyWhateverItsCode) {
   const DataItems items{text(L"app", 1001),
@@ -22,15 +22,15 @@ TEST(ExtendedData, FindsTheItemAfterTheKeyWhateverItsCode) {
                         text(L"C"),
                         text(L"2F", 1005),
                         text(L"R"),
-                        {1040, 2.50},
+                        DataItem(1040, 2.50),
                         text(L"I"),
-                        {1070, std::int16_t{-7}},
+                        DataItem(1070, std::int16_t{-7}),
                         text(L"L"),
-                        {1071, std::int32_t{70000}},
+                        DataItem(1071, std::int32_t{70000}),
                         text(L"B"),
                         text(L"second"),
                         text(L"P"),
-                        {1010, {}}};
+                        DataItem(1010, {})};
   const auto lookUp = [&](const wchar_t* key) { return valueOfKey(items, L"app", key); };
   EXPECT_EQ(lookUp(L"A"), L"B");
   EXPECT_EQ(lookUp(L"C"), L"2F");
@@ -53,7 +53,7 @@ TEST(ExtendedData, TakesBracesForNeitherKeysNorValues) {
 
 TEST(ElementTag, ReadsBackWhatIsWrittenAndWhatLacksKeys) {
   EXPECT_EQ(readElementTag(elementTagItems(L"Metsä", L"0", L"2F")), (ElementTag{L"Metsä", L"0", L"2F"}));
-  EXPECT_EQ(readElementTag({text(L"kaava_tolmex", 1001), text(L"HEIGHT"), {1040, 1.5}}),
+  EXPECT_EQ(readElementTag({text(L"kaava_tolmex", 1001), text(L"HEIGHT"), DataItem(1040, 1.5)}),
             (ElementTag{std::nullopt, L"1.5", std::nullopt}));
   EXPECT_EQ(readElementTag({}), ElementTag());
 }
@@ -104,15 +104,10 @@ TEST(ShadowRecordItems, ReadBackInAnyOrderAndFromAnyKindOfNumber) {
   const ShadowSettings settings{1.5, 3, 2.25, 0.3, kShadowDots};
   EXPECT_EQ(settingsOf(readShadowRecord(shadowRecordItems(settings))), settings);
   EXPECT_EQ(settingsOf(readShadowRecord(shadowRecordItems({}))), ShadowSettings());
-  const ShadowRecord record = readShadowRecord({text(L"SHADOWSCALE", 1),
-                                                {90, std::int32_t{2}},
-                                                text(L"shadowcolor", 1),
-                                                {70, std::int16_t{5}},
-                                                text(L"SHADOWHATCHTYPE", 300),
-                                                {70, std::int16_t{20}},
-                                                text(L"SHADOWLENGTHPERFLOOR", 1),
-                                                {40, std::numeric_limits<double>::infinity()},
-                                                text(L"SHADOWANGLERAD", 1)});
+  const ShadowRecord record = readShadowRecord(
+      {text(L"SHADOWSCALE", 1), DataItem(90, std::int32_t{2}), text(L"shadowcolor", 1), DataItem(70, std::int16_t{5}),
+       text(L"SHADOWHATCHTYPE", 300), DataItem(70, std::int16_t{20}), text(L"SHADOWLENGTHPERFLOOR", 1),
+       DataItem(40, std::numeric_limits<double>::infinity()), text(L"SHADOWANGLERAD", 1)});
   EXPECT_EQ(record.scale, 2);
   EXPECT_FALSE(record.color || record.hatchType || record.lengthPerFloor || record.angleRad);
 }

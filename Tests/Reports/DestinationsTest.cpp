@@ -8,7 +8,7 @@
 
 #include "Editor/Application.h"
 #include "Editor/ScriptInput.h"
-#include "OrvLib/ARX/DebugLog.h"
+#include "OrvLib/Reports/DebugLog.h"
 #include "Places.h"
 #include "Reports/Exports.h"
 #include "Text/Text.h"

@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "Illustration/Plan.h"
-#include "OrvLib/ARX/Failures.h"
-#include "OrvLib/ARX/MessageDialog.h"
+#include "OrvLib/Reports/Failures.h"
+#include "OrvLib/Reports/MessageDialog.h"
 #include "Reports/Faults.h"
 #include "aced.h"
 

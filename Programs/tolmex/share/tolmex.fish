@@ -1,9 +1,14 @@
 # Completion of tolmex in fish.
 set -l calls run shell picture info desktop
 complete -c tolmex -n "not __fish_seen_subcommand_from $calls" -f -a "$calls"
+for call in $calls
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l help -d 'Say what there is'
+end
+for call in run shell picture info
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l quiet -d 'Hide the transcript'
+end
 for call in run shell picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l set -x -d 'Set a system variable'
-    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l quiet -d 'Hide the transcript'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l support -r -d 'Folder of support files'
 end
 for call in run shell

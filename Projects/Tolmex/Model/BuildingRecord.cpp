@@ -60,10 +60,11 @@ BuildingRecord<double> numbersOf(const BuildingRecord<std::wstring>& texts) {
 
 // Order and the repeated base material are those of drawings in use.
 DataItems buildingRecordItems(const BuildingRecord<double>& building, const RoofColours& colours) {
-  DataItems record{{kXDataApplication, kBuildingApplication}};
+  DataItems record;
+  record.emplace_back(kXDataApplication, kBuildingApplication);
   const auto add = [&](const wchar_t* key, std::wstring value, short code = kXDataText) {
-    record.push_back({kXDataText, key});
-    record.push_back({code, std::move(value)});
+    record.emplace_back(kXDataText, key);
+    record.emplace_back(code, std::move(value));
   };
   add(keys::kType, keys::kBuildingType);
   add(L"rooflinelayer", layers::kRidgeLine);

@@ -10,15 +10,14 @@ ElementTag readElementTag(const DataItems& data) {
 }
 
 DataItems elementTagItems(const std::wstring& category, const std::wstring& height, const std::wstring& hatchHandle) {
-  return {{kXDataApplication, kTagApplication},
-          {kXDataText, kVersionKey},
-          {kXDataText, kVersion},
-          {kXDataText, kEntityTypeKey},
-          {kXDataText, category},
-          {kXDataText, kHeightKey},
-          {kXDataText, height},
-          {kXDataText, kHatchHandleKey},
-          {kXDataHandle, hatchHandle}};
+  DataItems items;
+  items.emplace_back(kXDataApplication, kTagApplication);
+  for (const std::wstring& text : {std::wstring(kVersionKey), std::wstring(kVersion), std::wstring(kEntityTypeKey),
+                                   category, std::wstring(kHeightKey), height, std::wstring(kHatchHandleKey)}) {
+    items.emplace_back(kXDataText, text);
+  }
+  items.emplace_back(kXDataHandle, hatchHandle);
+  return items;
 }
 
 }  // namespace OrvLib

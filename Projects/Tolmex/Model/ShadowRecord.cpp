@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 #include "OrvLib/DataStruct/Text.h"
 #include "Tolmex/Model/Names.h"
@@ -51,16 +52,17 @@ ShadowSettings settingsOf(const ShadowRecord& record) {
 }
 
 DataItems shadowRecordItems(const ShadowSettings& settings) {
-  return {{kTextCode, keys::kAngle},
-          {kRealCode, settings.shadowAngleRad},
-          {kTextCode, keys::kColor},
-          {kShortCode, static_cast<std::int16_t>(settings.shadowColor)},
-          {kTextCode, keys::kLength},
-          {kRealCode, settings.shadowLengthPerFloor},
-          {kTextCode, keys::kScale},
-          {kRealCode, settings.shadowScale},
-          {kTextCode, keys::kHatchType},
-          {kShortCode, settings.shadowHatchType == kShadowDots ? kStoredDots : kStoredLines}};
+  DataItems items;
+  const auto add = [&](const wchar_t* key, short code, DataItem::Value value) {
+    items.emplace_back(kTextCode, key);
+    items.emplace_back(code, std::move(value));
+  };
+  add(keys::kAngle, kRealCode, settings.shadowAngleRad);
+  add(keys::kColor, kShortCode, static_cast<std::int16_t>(settings.shadowColor));
+  add(keys::kLength, kRealCode, settings.shadowLengthPerFloor);
+  add(keys::kScale, kRealCode, settings.shadowScale);
+  add(keys::kHatchType, kShortCode, settings.shadowHatchType == kShadowDots ? kStoredDots : kStoredLines);
+  return items;
 }
 
 }  // namespace OrvLib

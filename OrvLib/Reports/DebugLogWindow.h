@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "OrvLib/ARX/DialogTemplate.h"
 #include "OrvLib/ARX/HostInterface.h"
+#include "OrvLib/Reports/DialogTemplate.h"
 
 namespace OrvLib {
 

@@ -1,10 +1,10 @@
-// Failures of the library and of host calls, and how they are told to the user.
+// Failures of the library and of host calls, and how they are reported to the user.
 #pragma once
 
 #include <string>
 #include <utility>
 
-#include "OrvLib/ARX/SystemExceptions.h"
+#include "OrvLib/Reports/SystemExceptions.h"
 
 class CWnd;
 

@@ -1,12 +1,12 @@
-#include "OrvLib/ARX/SystemExceptions.h"
+#include "OrvLib/Reports/SystemExceptions.h"
 
 #ifdef _MSC_VER
 
 #include <eh.h>
 
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/HostInterface.h"
-#include "OrvLib/ARX/System.h"
+#include "OrvLib/Reports/Failures.h"
+#include "OrvLib/Reports/System.h"
 
 namespace OrvLib {
 namespace {

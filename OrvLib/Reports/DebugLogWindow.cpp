@@ -1,14 +1,14 @@
-#include "OrvLib/ARX/DebugLogWindow.h"
+#include "OrvLib/Reports/DebugLogWindow.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <memory>
 
-#include "OrvLib/ARX/DebugLog.h"
-#include "OrvLib/ARX/DebugLogSettings.h"
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/ARX/ParentWindow.h"
 #include "OrvLib/DataStruct/Text.h"
+#include "OrvLib/Reports/DebugLog.h"
+#include "OrvLib/Reports/DebugLogSettings.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 namespace {

@@ -88,7 +88,7 @@ class DebugLog {
   void closeFile();
 
   std::uint32_t mode_ = 0;
-  int level_ = 2147483647;  // kept for those who read it; nothing is held back by it
+  int level_ = 2147483647;  // shown and edited in the settings; messages are printed at any level
   bool timeStamps_ = false;
   bool hasConsole_ = false;
   std::unique_ptr<std::FILE, FileCloser> file_;

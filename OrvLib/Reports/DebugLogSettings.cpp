@@ -1,13 +1,13 @@
-#include "OrvLib/ARX/DebugLogSettings.h"
+#include "OrvLib/Reports/DebugLogSettings.h"
 
 #include <array>
 #include <cmath>
 #include <string>
 
-#include "OrvLib/ARX/DebugLog.h"
-#include "OrvLib/ARX/DialogTemplate.h"
-#include "OrvLib/ARX/Failures.h"
 #include "OrvLib/DataStruct/Text.h"
+#include "OrvLib/Reports/DebugLog.h"
+#include "OrvLib/Reports/DialogTemplate.h"
+#include "OrvLib/Reports/Failures.h"
 
 namespace OrvLib {
 namespace {

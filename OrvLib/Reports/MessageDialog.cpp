@@ -1,11 +1,11 @@
-#include "OrvLib/ARX/MessageDialog.h"
+#include "OrvLib/Reports/MessageDialog.h"
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 #include <vector>
 
-#include "OrvLib/ARX/DialogTemplate.h"
+#include "OrvLib/Reports/DialogTemplate.h"
 
 namespace OrvLib {
 namespace {

@@ -1,4 +1,4 @@
-#include "OrvLib/ARX/System.h"
+#include "OrvLib/Reports/System.h"
 
 #include <algorithm>
 #include <cstdint>

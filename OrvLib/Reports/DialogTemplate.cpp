@@ -1,4 +1,4 @@
-#include "OrvLib/ARX/DialogTemplate.h"
+#include "OrvLib/Reports/DialogTemplate.h"
 
 namespace OrvLib {
 namespace {

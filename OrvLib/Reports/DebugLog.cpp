@@ -1,13 +1,13 @@
-#include "OrvLib/ARX/DebugLog.h"
+#include "OrvLib/Reports/DebugLog.h"
 
 #include <array>
 #include <ostream>
 
-#include "OrvLib/ARX/DebugLogWindow.h"
-#include "OrvLib/ARX/DebugPrint.h"
 #include "OrvLib/ARX/HostInterface.h"
-#include "OrvLib/ARX/System.h"
 #include "OrvLib/DataStruct/Text.h"
+#include "OrvLib/Reports/DebugLogWindow.h"
+#include "OrvLib/Reports/DebugPrint.h"
+#include "OrvLib/Reports/System.h"
 
 namespace OrvLib {
 namespace {

@@ -1,4 +1,4 @@
-#include "OrvLib/ARX/Failures.h"
+#include "OrvLib/Reports/Failures.h"
 
 #include <exception>
 #include <memory>
@@ -7,17 +7,17 @@
 #include <string_view>
 
 #include "OrvLib/ARX/HostInterface.h"
-#include "OrvLib/ARX/MessageDialog.h"
 #include "OrvLib/ARX/ParentWindow.h"
-#include "OrvLib/ARX/System.h"
 #include "OrvLib/DataStruct/Text.h"
+#include "OrvLib/Reports/MessageDialog.h"
+#include "OrvLib/Reports/System.h"
 
 namespace OrvLib {
 namespace {
 
 constexpr std::size_t kLongestReport = 2000;  // characters with the terminator
 
-// Yes, this type of buttons is not defined. Hosts that show the box all the same answer 6 for its details.
+// MessageBox defines no buttons of this number. A host that shows the box all the same answers 6 for "details".
 constexpr UINT kOutOfMemoryStyle = 58;
 constexpr int kDetailsAnswer = 6;
 
