@@ -7,7 +7,7 @@
 #include <map>
 
 #include "Database/ReadDrawing.h"
-#include "Database/Store/Parts.h"
+#include "Text/Text.h"
 #include "acutads.h"
 #include "dbents.h"
 #include "dbgroup.h"

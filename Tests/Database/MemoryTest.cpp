@@ -5,7 +5,6 @@
 #include <fstream>
 #include <memory>
 
-#include "Database/Store/Parts.h"
 #include "Database/Support.h"
 #include "Faults/Allocations.h"
 #include "acdbads.h"

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Database/ReadDrawing.h"
-#include "Database/Store/Parts.h"
+#include "Text/Text.h"
 
 namespace {
 

@@ -9,7 +9,6 @@
 #include <random>
 
 #include "../Database/Support.h"
-#include "Database/Store/Parts.h"
 #include "Database/Store/TagEdits.h"
 #include "Dwg/DwgReader.h"
 #include "Text/Text.h"

@@ -6,9 +6,7 @@
 #include "dbents.h"
 #include "dbsymtb.h"
 
-using host::database::DrawingDatabase;
 using host::database::DxfType;
-using host::database::Slot;
 using host::database::spelledInteger;
 using host::database::Tag;
 using host::database::TagWriter;

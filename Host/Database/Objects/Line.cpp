@@ -2,7 +2,6 @@
 #include <cmath>
 
 #include "Database/ObjectAccess.h"
-#include "Database/Store/Parts.h"
 #include "Text/Text.h"
 #include "dbents.h"
 #include "dbregion.h"

@@ -7,13 +7,10 @@
 #include "Database/Store/Parts.h"
 #include "Database/Store/TagEdits.h"
 #include "Text/Text.h"
-#include "dbdict.h"
 #include "dbmain.h"
-#include "dbsymtb.h"
 
 using host::database::classOf;
 using host::database::DrawingDatabase;
-using host::database::DxfType;
 using host::database::Record;
 using host::database::RecordLayout;
 using host::database::Slot;

@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Database/Memory.h"
 #include "Database/ObjectAccess.h"
-#include "Database/Store/Parts.h"
+#include "Database/UnwrittenTags.h"
 #include "dbents.h"
 #include "dbpl.h"
 

@@ -5,7 +5,6 @@
 
 #include "Database/ObjectAccess.h"
 #include "Database/ResbufTypes.h"
-#include "Database/Store/Parts.h"
 #include "Text/Text.h"
 #include "acdbads.h"
 #include "acutads.h"

@@ -1,7 +1,6 @@
 // AcDbXrecord.
 #include "Database/ObjectAccess.h"
 #include "Database/ResbufTypes.h"
-#include "Database/Store/Parts.h"
 #include "acutads.h"
 #include "dbxrecrd.h"
 

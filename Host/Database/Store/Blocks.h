@@ -22,7 +22,7 @@ class Blocks {
   /// The contents of a block to be changed, empty when there are none yet.
   BlockContents& contents(const Slot* record) { return contents_[record]; }
 
-  /// The next `enter` cannot fail but for the contents themselves then.
+  /// The next `enter` cannot fail then.
   void makeRoom();
   /// Enters a block behind the others.
   void enter(const Slot* record) { order_.push_back(record); }
