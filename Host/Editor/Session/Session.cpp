@@ -1,9 +1,9 @@
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 
 #include <algorithm>
 
 #include "Dxf/DxfFile.h"
-#include "Editor/HostCommands.h"
+#include "Editor/Commands/HostCommands.h"
 #include "Text/Text.h"
 #include "dbsymtb.h"
 

@@ -1,4 +1,4 @@
-#include "Editor/EntityFinder.h"
+#include "Editor/Selection/EntityFinder.h"
 
 #include <algorithm>
 #include <unordered_set>

@@ -4,7 +4,7 @@
 #include <cwchar>
 
 #include "Editor/DialogInput.h"
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "Text/WideFormat.h"
 #include "acedads.h"

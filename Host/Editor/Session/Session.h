@@ -8,16 +8,16 @@
 #include <vector>
 
 #include "Editor/Application.h"
-#include "Editor/CommandStack.h"
-#include "Editor/Documents.h"
-#include "Editor/EntityFinder.h"
-#include "Editor/MemoryReserve.h"
-#include "Editor/Modules.h"
+#include "Editor/Commands/CommandStack.h"
+#include "Editor/PlugIns/Modules.h"
+#include "Editor/PlugIns/Services.h"
 #include "Editor/Prompter.h"
-#include "Editor/SelectionSets.h"
-#include "Editor/Services.h"
-#include "Editor/SkipReport.h"
-#include "Editor/SystemVariables.h"
+#include "Editor/Selection/EntityFinder.h"
+#include "Editor/Selection/SelectionSets.h"
+#include "Editor/Selection/SkipReport.h"
+#include "Editor/Session/Documents.h"
+#include "Editor/Session/MemoryReserve.h"
+#include "Editor/Session/SystemVariables.h"
 #include "Editor/Transcript.h"
 
 namespace host::editor {

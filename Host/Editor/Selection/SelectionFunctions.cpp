@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <optional>
 
-#include "Editor/SelectionFilter.h"
-#include "Editor/Session.h"
-#include "Editor/Spaces.h"
+#include "Editor/Selection/SelectionFilter.h"
+#include "Editor/Selection/Spaces.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "acedads.h"
 

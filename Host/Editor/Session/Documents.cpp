@@ -1,10 +1,10 @@
-#include "Editor/Documents.h"
+#include "Editor/Session/Documents.h"
 
 #include <algorithm>
 
 #include "Database/Reactors.h"
-#include "Editor/Modules.h"
-#include "Editor/Session.h"
+#include "Editor/PlugIns/Modules.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "axlock.h"
 

@@ -3,8 +3,8 @@
 #include <unordered_set>
 
 #include "Editor/Prompter.h"
-#include "Editor/Session.h"
-#include "Editor/Spaces.h"
+#include "Editor/Selection/Spaces.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 
 namespace host::editor {

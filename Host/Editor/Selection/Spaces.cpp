@@ -1,8 +1,8 @@
-#include "Editor/Spaces.h"
+#include "Editor/Selection/Spaces.h"
 
 #include <algorithm>
 
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 
 namespace host::editor {

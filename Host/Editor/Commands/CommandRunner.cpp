@@ -6,7 +6,7 @@
 #include <new>
 #include <utility>
 
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 #include "Hatching/Patterns.h"
 #include "Text/Text.h"
 

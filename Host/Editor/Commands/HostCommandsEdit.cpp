@@ -1,7 +1,7 @@
 // Undo, erasing, selecting, system variables.
-#include "Editor/HostCommands.h"
-#include "Editor/SelectionSets.h"
-#include "Editor/Session.h"
+#include "Editor/Commands/HostCommands.h"
+#include "Editor/Selection/SelectionSets.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "dbobjptr.h"
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "adscodes.h"
 

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "Curves/Bulges.h"
-#include "Editor/HostCommands.h"
-#include "Editor/Session.h"
+#include "Editor/Commands/HostCommands.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "dbents.h"
 #include "dbobjptr.h"

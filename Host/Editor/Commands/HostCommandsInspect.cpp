@@ -2,9 +2,9 @@
 #include <cmath>
 
 #include "Curves/Bulges.h"
-#include "Editor/HostCommands.h"
-#include "Editor/Session.h"
-#include "Editor/Spaces.h"
+#include "Editor/Commands/HostCommands.h"
+#include "Editor/Selection/Spaces.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "dbents.h"
 #include "dbobjptr.h"

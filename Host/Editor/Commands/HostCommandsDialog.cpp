@@ -1,6 +1,6 @@
 // DIALOG: works a dialog that stays open while commands run.
+#include "Editor/Commands/HostCommands.h"
 #include "Editor/DialogInput.h"
-#include "Editor/HostCommands.h"
 #include "Editor/Prompter.h"
 
 namespace host::editor {

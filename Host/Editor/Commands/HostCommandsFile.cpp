@@ -1,8 +1,8 @@
 // Commands about files: drawings, modules, scripts.
-#include "Editor/HostCommands.h"
+#include "Editor/Commands/HostCommands.h"
 #include "Editor/ScriptInput.h"
-#include "Editor/Session.h"
-#include "Editor/Spaces.h"
+#include "Editor/Selection/Spaces.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 
 namespace host::editor {

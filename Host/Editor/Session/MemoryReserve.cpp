@@ -1,4 +1,4 @@
-#include "Editor/MemoryReserve.h"
+#include "Editor/Session/MemoryReserve.h"
 
 #include <atomic>
 #include <new>

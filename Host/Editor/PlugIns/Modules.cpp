@@ -1,11 +1,11 @@
-#include "Editor/Modules.h"
+#include "Editor/PlugIns/Modules.h"
 
 #include <dlfcn.h>
 
 #include <algorithm>
 #include <exception>
 
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcRxDynamicLinker, AcRxObject)

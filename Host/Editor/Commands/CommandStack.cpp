@@ -1,8 +1,8 @@
-#include "Editor/CommandStack.h"
+#include "Editor/Commands/CommandStack.h"
 
 #include <algorithm>
 
-#include "Editor/Modules.h"
+#include "Editor/PlugIns/Modules.h"
 #include "Text/Text.h"
 #include "rxboiler.h"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "Editor/HostCommands.h"
-#include "Editor/Session.h"
+#include "Editor/Commands/HostCommands.h"
+#include "Editor/Session/Session.h"
 
 namespace host::editor {
 namespace {

@@ -1,9 +1,9 @@
-#include "Editor/CodeInput.h"
+#include "Editor/Input/CodeInput.h"
 
 #include <cstdarg>
 #include <memory>
 
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "acedCmdNF.h"
 

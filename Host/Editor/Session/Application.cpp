@@ -4,7 +4,7 @@
 
 #include "Dxf/DxfFile.h"
 #include "Editor/DialogInput.h"
-#include "Editor/Session.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 
 namespace host::editor {

@@ -1,4 +1,4 @@
-#include "Editor/SelectionSets.h"
+#include "Editor/Selection/SelectionSets.h"
 
 #include <algorithm>
 

@@ -1,11 +1,11 @@
-#include "Editor/SystemVariables.h"
+#include "Editor/Session/SystemVariables.h"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
-#include "Editor/Session.h"
-#include "Editor/Spaces.h"
+#include "Editor/Selection/Spaces.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "dbsymtb.h"
 

@@ -1,4 +1,4 @@
-#include "Editor/SelectionFilter.h"
+#include "Editor/Selection/SelectionFilter.h"
 
 #include <algorithm>
 #include <cmath>

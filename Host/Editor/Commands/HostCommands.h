@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "Editor/CommandStack.h"
+#include "Editor/Commands/CommandStack.h"
 
 namespace host::editor {
 

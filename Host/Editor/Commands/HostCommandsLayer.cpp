@@ -2,8 +2,8 @@
 #include <cmath>
 #include <memory>
 
-#include "Editor/HostCommands.h"
-#include "Editor/Session.h"
+#include "Editor/Commands/HostCommands.h"
+#include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "dbobjptr.h"
 #include "dbsymtb.h"

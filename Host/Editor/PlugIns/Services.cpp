@@ -1,4 +1,4 @@
-#include "Editor/Services.h"
+#include "Editor/PlugIns/Services.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,8 +7,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "Editor/Modules.h"
-#include "Editor/Session.h"
+#include "Editor/PlugIns/Modules.h"
+#include "Editor/Session/Session.h"
 #include "Text/FilePath.h"
 #include "Text/Text.h"
 #include "acdbads.h"

@@ -1,4 +1,4 @@
-#include "Editor/SkipReport.h"
+#include "Editor/Selection/SkipReport.h"
 
 #include <algorithm>
 #include <unordered_set>
