@@ -41,12 +41,8 @@ namespace fs = std::filesystem;
 using benchmarks::Clock;
 using benchmarks::Measurement;
 
-template <class Outcome>
-void require(const Outcome& outcome) {
-  if (!outcome.ok) throw std::runtime_error(outcome.message);
-}
-void require(const host::editor::Result& result) {
-  if (!result) throw std::runtime_error(result.message);
+void require(const host::Result<>& result) {
+  if (!result) throw std::runtime_error(result.message());
 }
 
 fs::path scratchFile(const fs::path& plan) { return plan.parent_path() / (plan.stem().string() + ".scratch.dxf"); }
@@ -147,8 +143,8 @@ void rasterizePlan(Clock& clock, const fs::path& plan) {
   host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
   require(host::dxf::readDrawing(drawing, plan));
   const auto picture = host::picture::composePicture(drawing, {}, host::picture::PictureFormat::Png);
-  require(picture.result);
-  benchmarks::rasterize(clock, picture);
+  if (!picture) throw std::runtime_error(picture.message());
+  benchmarks::rasterize(clock, *picture);
 }
 
 /// The plan with all shadows drawn, by the program; made when there is none newer than plan and program.

@@ -26,14 +26,14 @@ constexpr double kFewestToJudge = 10000;
 
 template <class Outcome>
 void require(const Outcome& outcome) {
-  if (!outcome) throw std::runtime_error(outcome.message);
+  if (!outcome) throw std::runtime_error(outcome.message());
 }
 
 /// Buildings are the entities of such a plan that have extended data.
 std::size_t countBuildings(const fs::path& plan) {
   AcDbDatabase database(false);
   host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
-  if (const auto read = host::dxf::readDrawing(drawing, plan); !read.ok) throw std::runtime_error(read.message);
+  if (const auto read = host::dxf::readDrawing(drawing, plan); !read.ok()) throw std::runtime_error(read.message());
   std::size_t count = 0;
   drawing.forEachSlot([&count](const host::database::Slot& slot) {
     count += slot.isEntity() && (slot.flags & host::database::kHasXData) != 0 ? 1U : 0U;
@@ -45,7 +45,7 @@ void readPlan(Clock& clock, const fs::path& plan) {
   AcDbDatabase database(false);
   clock.time([&] {
     const auto read = host::dxf::readDrawing(host::database::databaseOf(&database), plan);
-    if (!read.ok) throw std::runtime_error(read.message);
+    if (!read.ok()) throw std::runtime_error(read.message());
   });
 }
 

@@ -15,20 +15,18 @@ namespace host::database {
 using TextReader = bool (*)(DrawingDatabase& db, std::string text);
 bool setTextReader(TextReader reader);
 
-/// The same for a drawing file. `message` is a sentence naming the file when the answer is false.
-using FileReader = bool (*)(DrawingDatabase& db, const std::filesystem::path& file, std::string& message);
+/// The same for a drawing file.
+using FileReader = Result<> (*)(DrawingDatabase& db, const std::filesystem::path& file);
 bool setFileReader(FileReader reader);
 FileReader fileReader();
 
-/// DXF text made of a DWG drawing, or a sentence in UTF-8 that names the file.
+/// DXF text made of a DWG drawing.
 struct ConvertedDrawing {
-  bool ok = false;
   std::string text;
-  std::string message;
   std::vector<Problem> problems;  // what the text lacks
 };
 /// Turns the bytes of a DWG drawing into DXF text; `name` is what messages call it. Given by the DWG module.
-using DwgConverter = ConvertedDrawing (*)(std::string_view bytes, const std::string& name);
+using DwgConverter = Result<ConvertedDrawing> (*)(std::string_view bytes, const std::string& name);
 bool setDwgConverter(DwgConverter converter);
 DwgConverter dwgConverter();
 

@@ -17,6 +17,7 @@
 
 #include "Database/Record.h"
 #include "Database/Slot.h"
+#include "Problems/Problem.h"
 #include "Text/Codec.h"
 #include "acadstrc.h"
 #include "dbid.h"
@@ -32,13 +33,7 @@ struct BlockContents {
   std::vector<Slot*> entities;
 };
 
-/// Something wrong in a drawing that could be read all the same.
-struct Problem {
-  std::size_t line = 0;      // of the file; 0 when it is not about one line
-  std::uint64_t handle = 0;  // 0 when it is not about one object
-  std::string text;          // UTF-8, one sentence without file name
-  bool isNote = false;       // something to know, nothing wrong
-};
+using host::Problem;
 
 enum class DrawingVersion {
   R12 = 1009,

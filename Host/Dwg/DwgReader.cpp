@@ -41,12 +41,14 @@ std::vector<database::Problem> takeLosses(std::string& text) {
   const std::string lines = text.substr(end + kEnd.size());
   text.resize(end + kEnd.size());
   struct Kind {
+    Code code;
     std::string_view word, sentence;
     std::string classes = {};
     std::size_t total = 0;
   };
-  Kind kinds[] = {{"left-out", "left out, because the DWG reader does not give them: "},
-                  {"pictured", "kept as pictures of themselves, because the DWG reader does not give their data: "}};
+  Kind kinds[] = {{Code::DwgObjectsMissing, "left-out", "left out, because the DWG reader does not give them: "},
+                  {Code::DwgObjectsPictured, "pictured",
+                   "kept as pictures of themselves, because the DWG reader does not give their data: "}};
   std::istringstream in(lines);
   std::string word, name;
   for (std::size_t count = 0; in >> word >> count && std::getline(in >> std::ws, name);) {
@@ -59,7 +61,8 @@ std::vector<database::Problem> takeLosses(std::string& text) {
   std::vector<database::Problem> problems;
   for (const Kind& kind : kinds) {
     if (kind.total > 0)
-      problems.push_back({0, 0, std::string(kind.sentence) + std::to_string(kind.total) + " (" + kind.classes + ")"});
+      problems.push_back(
+          problemOf(kind.code, std::string(kind.sentence) + std::to_string(kind.total) + " (" + kind.classes + ")"));
   }
   return problems;
 }
@@ -72,43 +75,36 @@ ReaderSettings defaultSettings() {
   return settings;
 }
 
-database::ConvertedDrawing convert(ReaderProcess& reader, std::string_view bytes, const std::string& name) {
+Result<database::ConvertedDrawing> convert(ReaderProcess& reader, std::string_view bytes, const std::string& name) {
   using Outcome = ReaderProcess::Outcome;
+  const auto unreadable = [&name](std::string why) { return problemOf(Code::DrawingUnreadable, name, std::move(why)); };
   const std::string_view version = bytes.substr(0, 6);
-  if (std::find(std::begin(kVersions), std::end(kVersions), version) == std::end(kVersions)) {
-    database::ConvertedDrawing refused;
-    refused.message = name + ": DWG version " + std::string(version) +
-                      " cannot be read; only versions AC1014 (R14) to AC1032 (2018) can";
-    return refused;
-  }
+  if (std::find(std::begin(kVersions), std::end(kVersions), version) == std::end(kVersions))
+    return unreadable("DWG version " + std::string(version) +
+                      " cannot be read; only versions AC1014 (R14) to AC1032 (2018) can");
   database::ConvertedDrawing result;
-  const auto fail = [&](std::string_view what) {
-    result.text.clear();
-    result.message = name + ": " + std::string(what);
-    return std::move(result);
-  };
   switch (reader.convert(bytes, result.text)) {
     case Outcome::Ok:
       result.problems = takeLosses(result.text);
       if (version == "AC1014") raiseVersion(result.text);
-      result.ok = true;
       return result;
     case Outcome::Damaged:
-      return fail("the DWG drawing is damaged or of a kind that cannot be read (" + result.text.substr(0, 80) + ")");
+      return unreadable("the DWG drawing is damaged or of a kind that cannot be read (" + result.text.substr(0, 80) +
+                        ")");
     case Outcome::TooSlow:
-      return fail("reading the DWG drawing took too long; save it as DXF");
+      return unreadable("reading the DWG drawing took too long; save it as DXF");
     case Outcome::Crashed:
-      return fail("the DWG reader broke down on this drawing; save it as DXF");
+      return unreadable("the DWG reader broke down on this drawing; save it as DXF");
     case Outcome::ReaderMissing:
     case Outcome::ProgramMissing:
       break;
   }
-  return fail(kWhatToInstall);
+  return problemOf(Code::DwgReaderMissing, name, std::string(kWhatToInstall));
 }
 
 namespace {
 
-database::ConvertedDrawing convertOnce(std::string_view bytes, const std::string& name) {
+Result<database::ConvertedDrawing> convertOnce(std::string_view bytes, const std::string& name) {
   static std::mutex oneAtATime;
   static ReaderProcess reader(defaultSettings());
   const std::lock_guard lock(oneAtATime);

@@ -17,6 +17,6 @@ ReaderSettings defaultSettings();
 
 /// Converts one drawing AC1014 to AC1032; AC1014 comes out as AC1015, whose structure it has. Every failure is one
 /// sentence that names the file.
-database::ConvertedDrawing convert(ReaderProcess& reader, std::string_view bytes, const std::string& name);
+Result<database::ConvertedDrawing> convert(ReaderProcess& reader, std::string_view bytes, const std::string& name);
 
 }  // namespace host::dwg

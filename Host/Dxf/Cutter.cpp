@@ -211,7 +211,7 @@ bool Cutter::next(Cut& cut) {
       if (isLastLine(here) && present_.hasHead) present_.isCutOff = true;
       damagedAt = here;
       damage(here, isBadType);
-      if (!present_.hasHead || isMarker(record.type)) problems_.add(at(here), 0, reason_);
+      if (!present_.hasHead || isMarker(record.type)) problems_.add(Code::FileMalformed, at(here), 0, reason_);
       break;
     }
     if (tag.code == 0 && hasTags) {
@@ -286,7 +286,7 @@ void Cutter::noteHandle(RawRecord& record, const Tag& tag) {
   }
   if (tag.code == present_.handleCode) {
     if (record.handle != 0)
-      problems_.add(tag.bytes.data(), record.handle, "the object has two handles; the last counts");
+      problems_.add(Code::HandleMended, tag.bytes.data(), record.handle, "the object has two handles; the last counts");
     if (const std::uint64_t handle = handleIn(tag.value); handle != 0) {
       record.handle = handle;
     } else {
@@ -312,7 +312,8 @@ void Cutter::rearrange(RawRecord& record) {
     if (!place.ends_with('\n')) place += '\n';
   }
   if (present_.isXDataEarly) {
-    problems_.add(record.at, record.handle, "extended data stood in front of the object's own; they were moved behind");
+    problems_.add(Code::RecordMended, record.at, record.handle,
+                  "extended data stood in front of the object's own; they were moved behind");
   }
   outline_.mended.push_back(head + own + extended);
   record.bytes = outline_.mended.back();
@@ -336,7 +337,7 @@ void Cutter::skipBlankLine(std::size_t here) {
   if (saidBlank_) return;
   saidBlank_ = true;
   const bool isAtEnd = text_.find_first_not_of(" \t\r\n", here) == std::string_view::npos;
-  if (!isAtEnd) problems_.add(at(here), 0, "a blank line where a group code should be; skipped");
+  if (!isAtEnd) problems_.add(Code::LineSkipped, at(here), 0, "a blank line where a group code should be; skipped");
 }
 
 /// Says why the line cannot be read, and goes on at the next record, or header variable.

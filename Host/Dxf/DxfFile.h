@@ -11,35 +11,31 @@
 
 namespace host::dxf {
 
-/// What reading or saving came to. `message` is one sentence in UTF-8 naming the file (and line), empty when ok.
-struct FileResult {
-  bool ok = true;
-  std::string message;
-};
-
 /// Reads a drawing into an empty database: DXF of any version as text or binary, or DWG AC1014 to AC1032; its first
 /// bytes tell which, whatever the file's name. A drawing before 2000 becomes one of 2000; a damaged one is read as far
 /// as it can be; the database's problems tell. Fails, and leaves the database empty, only when nothing could be read.
-FileResult readDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
+Result<> readDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
 /// The same from text already in memory; `name` is what messages call it.
-FileResult readDrawingText(database::DrawingDatabase& db, std::string text, const std::string& name);
+Result<> readDrawingText(database::DrawingDatabase& db, std::string text, const std::string& name);
 /// Whether a file begins as DWG drawings do.
 bool isDwg(std::string_view bytes);
-/// The bytes of a repaired copy of a drawing, and what was wrong. Well-formed drawings are looked through too.
-FileResult repairDrawing(const std::filesystem::path& file, std::string& repaired,
-                         std::vector<database::Problem>& problems);
-/// One line: file, line, handle and what is wrong.
-std::string problemSentence(const std::string& file, const database::Problem& problem);
+/// A repaired copy of a drawing, and what was wrong.
+struct RepairedDrawing {
+  std::string bytes;
+  std::vector<Problem> problems;
+};
+/// Well-formed drawings are looked through too.
+Result<RepairedDrawing> repairDrawing(const std::filesystem::path& file);
 /// The drawing as it would be saved; a binary one as binary.
 std::string drawingText(database::DrawingDatabase& db);
 /// Writes to a temporary file beside the target, flushes it and renames it over the target; a failure leaves the old
 /// file whole. Untouched records keep their bytes.
-FileResult saveDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
+Result<> saveDrawing(database::DrawingDatabase& db, const std::filesystem::path& file);
 /// Any bytes the same way (pictures).
-FileResult writeFileWhole(const std::filesystem::path& file, std::string_view bytes);
+Result<> writeFileWhole(const std::filesystem::path& file, std::string_view bytes);
 /// The same for bytes that come piece by piece: `produce` calls its argument with each and stops when that answers
 /// false, which it then answers itself.
 using GiveBytes = std::function<bool(std::string_view)>;
-FileResult writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce);
+Result<> writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce);
 
 }  // namespace host::dxf

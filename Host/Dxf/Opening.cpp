@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <optional>
 
 #include "Database/DefaultDrawing.h"
 #include "Database/Store/Parts.h"
@@ -19,7 +18,6 @@
 namespace host::dxf {
 
 using database::DrawingDatabase;
-using database::Problem;
 using database::Tag;
 
 namespace {
@@ -30,22 +28,19 @@ struct TextForm {
   std::shared_ptr<BinaryForm> binary;  // null for drawings in text
   bool hasLines = true;                // lines of the text are lines of the file
   std::vector<Problem> problems;       // of bringing it to text
-  std::string failure;
 };
 
-TextForm textFormOf(std::string bytes, const std::string& name) {
+Result<TextForm> textFormOf(std::string bytes, const std::string& name) {
   TextForm form;
   if (isDwg(bytes)) {
     const database::DwgConverter convert = database::dwgConverter();
     form.hasLines = false;
-    if (convert == nullptr) {
-      form.failure = name + ": this is a DWG drawing, and this program has no reader for them";
-      return form;
-    }
-    database::ConvertedDrawing converted = convert(bytes, name);
-    if (!converted.ok) form.failure = std::move(converted.message);
-    form.text = std::move(converted.text);
-    form.problems = std::move(converted.problems);
+    if (convert == nullptr)
+      return problemOf(Code::DwgReaderMissing, name, "this is a DWG drawing, and this program has no reader for them");
+    Result<database::ConvertedDrawing> converted = convert(bytes, name);
+    if (!converted) return converted;
+    form.text = std::move(converted->text);
+    form.problems = std::move(converted->problems);
     return form;
   }
   if (isBinary(bytes)) {
@@ -55,7 +50,8 @@ TextForm textFormOf(std::string bytes, const std::string& name) {
     return form;
   }
   form.text = std::move(bytes);
-  if (form.text.find_first_not_of(" \t\r\n") == std::string::npos) form.failure = name + ": the file is empty";
+  if (form.text.find_first_not_of(" \t\r\n") == std::string::npos)
+    return problemOf(Code::DrawingUnreadable, name, "the file is empty");
   return form;
 }
 
@@ -64,7 +60,8 @@ class Mending {
  public:
   explicit Mending(TextForm& form)
       : form_(form), oddLineEnd_(useKnownLineEnds(form.text)), log_(form.text, form.hasLines) {
-    if (!oddLineEnd_.empty()) log_.note("every line ends in " + oddLineEnd_ + "; that was taken for one line end");
+    if (!oddLineEnd_.empty())
+      log_.note(Code::LineEnds, "every line ends in " + oddLineEnd_ + "; that was taken for one line end");
   }
 
   /// False when the text holds nothing of a drawing.
@@ -113,31 +110,32 @@ class Mending {
   int tries_ = 0;
 };
 
-/// Why the text is not well-formed; nothing when it was read.
-std::optional<Problem> readOrSay(DrawingDatabase& db, std::string text, const std::string& name) {
-  try {
-    readWellFormed(db, std::move(text), name);
-    return std::nullopt;
-  } catch (const ReadError& error) {
-    return Problem{error.line, 0, error.sentence};
-  }
+Problem unreadable(const std::string& name, std::string why) {
+  return problemOf(Code::DrawingUnreadable, name, std::move(why));
 }
 
-FileResult bytesOf(const std::filesystem::path& file, std::string& bytes) {
+/// The problem of the text as one of the file, which nothing can be done about.
+Problem inFile(Problem problem, const std::string& name) {
+  problem.file = name;
+  return problem;
+}
+
+Result<std::string> bytesOf(const std::filesystem::path& file) {
   const std::string name = file.string();
   std::error_code error;
-  if (std::filesystem::is_directory(file, error)) return {false, name + ": this is a folder, not a drawing"};
+  if (std::filesystem::is_directory(file, error)) return unreadable(name, "this is a folder, not a drawing");
   std::ifstream in(file, std::ios::binary | std::ios::ate);
-  if (!in) return {false, name + ": cannot be opened: " + std::strerror(errno)};
+  if (!in) return unreadable(name, std::string("cannot be opened: ") + std::strerror(errno));
+  std::string bytes;
   bytes.resize(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)));
   in.seekg(0);
   in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  if (static_cast<std::size_t>(in.gcount()) != bytes.size()) return {false, name + ": cannot be read to its end"};
-  return {};
+  if (static_cast<std::size_t>(in.gcount()) != bytes.size()) return unreadable(name, "cannot be read to its end");
+  return bytes;
 }
 
-constexpr const char* kNothing = ": nothing of a drawing can be read from it";
-constexpr const char* kNoMemory = ": not enough memory to read the drawing";
+constexpr const char* kNothing = "nothing of a drawing can be read from it";
+constexpr const char* kNoMemory = "not enough memory to read the drawing";
 
 }  // namespace
 
@@ -146,26 +144,29 @@ bool isDwg(std::string_view bytes) {
          std::all_of(bytes.begin() + 2, bytes.begin() + 6, [](char c) { return c >= '0' && c <= '9'; });
 }
 
-FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::string& name) {
+Result<> readDrawingText(DrawingDatabase& db, std::string text, const std::string& name) {
   try {
-    TextForm form = textFormOf(std::move(text), name);
-    if (!form.failure.empty()) return {false, std::move(form.failure)};
-    std::optional<Problem> fault = readOrSay(db, std::move(form.text), name);
+    Result<TextForm> made = textFormOf(std::move(text), name);
+    if (!made) return made;
+    TextForm& form = made.value();
     std::vector<Problem> problems;
-    if (fault) {
+    if (const Result<> strict = readWellFormed(db, std::move(form.text), name); !strict) {
+      Problem fault = strict.problem();
       form.text = std::move(db.parts().file.text);
       db.clear();
-      if (!form.hasLines) fault->line = 0;
+      if (!form.hasLines) fault.line = 0;
       Mending mending(form);
-      if (!mending.rebuild()) return {false, form.hasLines ? problemSentence(name, *fault) : name + kNothing};
-      while (const auto still = readOrSay(db, std::move(form.text), name)) {
+      if (!mending.rebuild()) return form.hasLines ? inFile(fault, name) : unreadable(name, kNothing);
+      for (;;) {
+        const Result<> again = readWellFormed(db, std::move(form.text), name);
+        if (again) break;
         form.text = std::move(db.parts().file.text);
         db.clear();
-        if (!mending.leaveOut(*still)) return {false, problemSentence(name, *still)};
+        if (!mending.leaveOut(again.problem())) return inFile(again.problem(), name);
       }
       problems = mending.problems();
       // Some mending is too plain to be told piece by piece: then what made it necessary is.
-      if (problems.empty()) problems.push_back(std::move(*fault));
+      if (problems.empty()) problems.push_back(std::move(fault));
     }
     problems.insert(problems.begin(), form.problems.begin(), form.problems.end());
     db.parts().file.problems = std::move(problems);
@@ -173,53 +174,50 @@ FileResult readDrawingText(DrawingDatabase& db, std::string text, const std::str
     return {};
   } catch (const std::bad_alloc&) {
     db.clear();
-    return {false, name + kNoMemory};
+    return unreadable(name, kNoMemory);
   }
 }
 
-FileResult readDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
+Result<> readDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
   try {
-    std::string bytes;
-    if (FileResult read = bytesOf(file, bytes); !read.ok) return read;
-    return readDrawingText(db, std::move(bytes), file.string());
+    Result<std::string> bytes = bytesOf(file);
+    if (!bytes) return bytes;
+    return readDrawingText(db, std::move(bytes.value()), file.string());
   } catch (const std::bad_alloc&) {
-    return {false, file.string() + kNoMemory};
+    return unreadable(file.string(), kNoMemory);
   }
 }
 
-FileResult repairDrawing(const std::filesystem::path& file, std::string& repaired, std::vector<Problem>& problems) {
+Result<RepairedDrawing> repairDrawing(const std::filesystem::path& file) {
   const std::string name = file.string();
   try {
-    std::string bytes;
-    if (FileResult read = bytesOf(file, bytes); !read.ok) return read;
-    TextForm form = textFormOf(std::move(bytes), name);
-    if (!form.failure.empty()) return {false, std::move(form.failure)};
+    Result<std::string> bytes = bytesOf(file);
+    if (!bytes) return bytes;
+    Result<TextForm> made = textFormOf(std::move(bytes.value()), name);
+    if (!made) return made;
+    TextForm& form = made.value();
     Mending mending(form);
-    if (!mending.rebuild()) return {false, name + kNothing};
-    problems = mending.problems();
-    problems.insert(problems.begin(), form.problems.begin(), form.problems.end());
+    if (!mending.rebuild()) return unreadable(name, kNothing);
+    RepairedDrawing repaired;
+    repaired.problems = mending.problems();
+    repaired.problems.insert(repaired.problems.begin(), form.problems.begin(), form.problems.end());
     if (form.binary != nullptr) {
-      repaired = form.binary->head();
-      form.binary->spell(form.text, form.text, repaired);
-      repaired += form.binary->tail();
+      repaired.bytes = form.binary->head();
+      form.binary->spell(form.text, form.text, repaired.bytes);
+      repaired.bytes += form.binary->tail();
     } else {
-      repaired = std::move(form.text);
+      repaired.bytes = std::move(form.text);
     }
-    return {};
+    return repaired;
   } catch (const std::bad_alloc&) {
-    return {false, name + kNoMemory};
+    return unreadable(name, kNoMemory);
   }
 }
 
 namespace {
 [[maybe_unused]] const bool textReaderGiven = database::setTextReader(
-    [](DrawingDatabase& db, std::string text) { return readDrawingText(db, std::move(text), "empty drawing").ok; });
-[[maybe_unused]] const bool fileReaderGiven =
-    database::setFileReader([](DrawingDatabase& db, const std::filesystem::path& file, std::string& message) {
-      FileResult result = readDrawing(db, file);
-      message = std::move(result.message);
-      return result.ok;
-    });
+    [](DrawingDatabase& db, std::string text) { return readDrawingText(db, std::move(text), "empty drawing").ok(); });
+[[maybe_unused]] const bool fileReaderGiven = database::setFileReader(readDrawing);
 }  // namespace
 
 }  // namespace host::dxf

@@ -87,7 +87,9 @@ class Outliner {
       take(cut);
       cutter_.setSection(section_);
     }
-    if (!sawEnd_) problems_.add(text_.data() + text_.size(), 0, "the file ends in the middle (EOF is missing)");
+    if (!sawEnd_)
+      problems_.add(Code::StructureMended, text_.data() + text_.size(), 0,
+                    "the file ends in the middle (EOF is missing)");
     leaveSection();
     std::erase_if(outline_.variables, [&](const Outline::Variable& variable) {
       if (!withoutHead(variable.bytes).empty()) return false;
@@ -128,7 +130,8 @@ class Outliner {
       problems_.leftOut(record.at, record.type, 0, "the file goes on behind it");
       return;
     }
-    if (section_ != Section::None) problems_.add(record.at, 0, "a section is not ended by ENDSEC");
+    if (section_ != Section::None)
+      problems_.add(Code::StructureMended, record.at, 0, "a section is not ended by ENDSEC");
     sawEnd_ = true;
   }
 
@@ -140,11 +143,12 @@ class Outliner {
       leaveOut(record);
       return;
     }
-    if (section_ != Section::None) problems_.add(record.at, 0, "a section is not ended by ENDSEC");
+    if (section_ != Section::None)
+      problems_.add(Code::StructureMended, record.at, 0, "a section is not ended by ENDSEC");
     leaveSection();
     ended_.reset();
     if (!hasName) {
-      problems_.add(record.at, 0, "a section has no name; what it holds is taken by its kind");
+      problems_.add(Code::StructureMended, record.at, 0, "a section has no name; what it holds is taken by its kind");
     } else {
       enterSection(tag.trimmed(), rest);
     }
@@ -174,7 +178,7 @@ class Outliner {
   }
 
   void endSection(const RawRecord& record) {
-    if (section_ == Section::None) problems_.add(record.at, 0, "ENDSEC without SECTION");
+    if (section_ == Section::None) problems_.add(Code::StructureMended, record.at, 0, "ENDSEC without SECTION");
     ended_.reset();
     if (isNamed_) ended_ = Ended{record.at, section_, table_, otherTable_, block_};
     leaveSection();
@@ -182,7 +186,7 @@ class Outliner {
     std::string_view behindName = rest;
     Tag tag;
     if (readTag(behindName, tag) && tag.code == 2 && sectionOf(tag.trimmed())) {
-      problems_.add(tag.bytes.data(), 0, "a section begins without SECTION");
+      problems_.add(Code::StructureMended, tag.bytes.data(), 0, "a section begins without SECTION");
       ended_.reset();
       enterSection(tag.trimmed(), behindName);
     } else {
@@ -325,7 +329,8 @@ class Outliner {
   }
 
   void tellMoved(const RawRecord& record, const std::string& where) {
-    problems_.add(record.at, record.handle, shown(record.type) + " stood " + where + "; it was moved to its place");
+    problems_.add(Code::RecordMoved, record.at, record.handle,
+                  shown(record.type) + " stood " + where + "; it was moved to its place");
   }
 
   // ---- tables ----
@@ -354,7 +359,7 @@ class Outliner {
       leaveOut(record);
       return;
     }
-    if (isOpen) problems_.add(record.at, 0, "a table is not ended by ENDTAB");
+    if (isOpen) problems_.add(Code::StructureMended, record.at, 0, "a table is not ended by ENDTAB");
     table_ = tableIndex(name);
     otherTable_ = nullptr;
     if (table_ && !outline_.tables[*table_].head) {
@@ -379,7 +384,7 @@ class Outliner {
         leaveOut(record);
         return;
       }
-      if (block_ != nullptr) problems_.add(record.at, 0, "a block is not ended by ENDBLK");
+      if (block_ != nullptr) problems_.add(Code::StructureMended, record.at, 0, "a block is not ended by ENDBLK");
       placeOrphans();
       outline_.blocks.push_back({record, std::nullopt, {}});
       block_ = &outline_.blocks.back();
@@ -469,7 +474,7 @@ class Outliner {
           bytes = outline_.mended.back();
         }
       } else if (tag.code != 999 && !std::exchange(isLost, true)) {
-        problems_.add(tag.bytes.data(), 0, "a value without a header variable; skipped");
+        problems_.add(Code::LineSkipped, tag.bytes.data(), 0, "a value without a header variable; skipped");
       }
     }
   }
@@ -482,12 +487,13 @@ class Outliner {
     if (tags.empty() || tag.code == 999) return;
     const bool isVariable = tag.code == 9 && tag.trimmed().starts_with("$");
     if (isVariable && section_ != Section::Header) {
-      problems_.add(tags.data(), 0, "header variables outside the header; they are taken all the same");
+      problems_.add(Code::StructureMended, tags.data(), 0,
+                    "header variables outside the header; they are taken all the same");
     }
     if (isVariable || section_ == Section::Header) {
       readVariables(tags);
     } else {
-      problems_.add(tags.data(), 0, "tags outside a record; skipped");
+      problems_.add(Code::LineSkipped, tags.data(), 0, "tags outside a record; skipped");
     }
   }
 

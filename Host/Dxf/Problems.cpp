@@ -40,9 +40,9 @@ std::size_t ProblemLog::lineAt(const char* at) {
   return line_;
 }
 
-void ProblemLog::add(const char* at, std::uint64_t handle, std::string sentence) {
+void ProblemLog::add(Code code, const char* at, std::uint64_t handle, std::string sentence) {
   if (problems_.size() < kMost) {
-    problems_.push_back({lineAt(at), handle, std::move(sentence)});
+    problems_.push_back({code, {}, lineAt(at), handle, std::move(sentence)});
   } else {
     ++unlisted_;
   }
@@ -51,7 +51,7 @@ void ProblemLog::add(const char* at, std::uint64_t handle, std::string sentence)
 void ProblemLog::leftOut(const char* at, std::string_view what, std::uint64_t handle, std::string_view why) {
   constexpr std::size_t kMostKinds = 100;
   const std::string name = what.empty() ? "record" : std::string(what.substr(0, 40));
-  add(at, handle, name + " left out: " + std::string(why));
+  add(Code::RecordLeftOut, at, handle, name + " left out: " + std::string(why));
   if (leftOut_.size() < kMostKinds || leftOut_.contains(name)) {
     ++leftOut_[name];
   } else {
@@ -59,12 +59,16 @@ void ProblemLog::leftOut(const char* at, std::string_view what, std::uint64_t ha
   }
 }
 
-void ProblemLog::note(std::string sentence) { notes_.push_back({0, 0, std::move(sentence), true}); }
+void ProblemLog::note(Code code, std::string sentence) {
+  notes_.push_back({code, {}, 0, 0, std::move(sentence), true});
+}
 
-std::vector<database::Problem> ProblemLog::take() {
-  std::vector<database::Problem> all = std::move(notes_);
+std::vector<Problem> ProblemLog::take() {
+  std::vector<Problem> all = std::move(notes_);
   std::move(problems_.begin(), problems_.end(), std::back_inserter(all));
-  if (unlisted_ > 0) all.push_back({0, 0, "further problems that are not listed: " + std::to_string(unlisted_)});
+  if (unlisted_ > 0)
+    all.push_back(
+        problemOf(Code::FurtherProblems, "further problems that are not listed: " + std::to_string(unlisted_)));
   if (!leftOut_.empty()) {
     std::size_t total = 0;
     std::string kinds;
@@ -72,17 +76,9 @@ std::vector<database::Problem> ProblemLog::take() {
       total += count;
       kinds += (kinds.empty() ? "" : ", ") + name + " " + std::to_string(count);
     }
-    all.push_back({0, 0, "left out in all: " + std::to_string(total) + " (" + kinds + ")"});
+    all.push_back(problemOf(Code::LeftOutTotal, "left out in all: " + std::to_string(total) + " (" + kinds + ")"));
   }
   return all;
-}
-
-std::string problemSentence(const std::string& file, const database::Problem& problem) {
-  std::string sentence = file + ":";
-  if (problem.line != 0) sentence += std::to_string(problem.line) + ":";
-  sentence += " ";
-  if (problem.handle != 0) sentence += text::formatHandle(problem.handle) + ": ";
-  return sentence + problem.text;
 }
 
 }  // namespace host::dxf

@@ -1,4 +1,4 @@
-// What is said about a drawing that is not as it should be.
+// Collecting the problems of a drawing that is not as it should be.
 #pragma once
 
 #include <cstdint>
@@ -19,13 +19,14 @@ class ProblemLog {
   /// `text` is the file's; without line numbers (for text that stands for a binary file) problems name objects only.
   explicit ProblemLog(std::string_view text, bool hasLines) : text_(text), hasLines_(hasLines) {}
 
-  void add(const char* at, std::uint64_t handle, std::string sentence);
+  /// `at` lies in the text; null for problems without a line.
+  void add(Code code, const char* at, std::uint64_t handle, std::string sentence);
   /// A problem that costs something of the drawing; `what` names it in the count ("LINE").
   void leftOut(const char* at, std::string_view what, std::uint64_t handle, std::string_view why);
-  void note(std::string sentence);
+  void note(Code code, std::string sentence);
 
   /// Notes, problems in the order they were found, and the counts.
-  std::vector<database::Problem> take();
+  std::vector<Problem> take();
 
  private:
   std::size_t lineAt(const char* at);
@@ -34,8 +35,8 @@ class ProblemLog {
   bool hasLines_;
   std::size_t countedTo_ = 0;  // lines before this offset are in `line_`
   std::size_t line_ = 1;
-  std::vector<database::Problem> notes_;
-  std::vector<database::Problem> problems_;
+  std::vector<Problem> notes_;
+  std::vector<Problem> problems_;
   std::size_t unlisted_ = 0;
   std::map<std::string, std::size_t, std::less<>> leftOut_;
 };

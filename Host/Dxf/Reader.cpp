@@ -47,7 +47,7 @@ class Reader {
 
  private:
   [[noreturn]] void fail(std::size_t offset, const std::string& what) const {
-    throw ReadError{scanner_.lineAt(offset), what};
+    throw Problem{Code::FileMalformed, {}, scanner_.lineAt(offset), 0, what};
   }
 
   void readSections() {
@@ -148,7 +148,8 @@ class Reader {
       std::from_chars(version.data() + 2, version.data() + 6, number);
     }
     if (number < 1015) {
-      throw ReadError{0, version.empty() ? "the drawing names no version" : "drawing version " + shown(version)};
+      throw problemOf(Code::FileMalformed,
+                      version.empty() ? "the drawing names no version" : "drawing version " + shown(version));
     }
     // Versions are even numbers of the format, not of the program; newer ones than 2018 have the same structure.
     static constexpr int kVersions[] = {1015, 1018, 1021, 1024, 1027, 1032};
@@ -509,7 +510,7 @@ class Reader {
       parts_.blocks.enter(record);
     }
     Slot* const modelSpace = findSpace(L"*Model_Space");
-    if (modelSpace == nullptr) throw ReadError{0, "the drawing has no model space"};
+    if (modelSpace == nullptr) throw problemOf(Code::FileMalformed, "the drawing has no model space");
     Slot* const paperSpace = findSpace(L"*Paper_Space");
     parts_.blocks.setSpaces(modelSpace, paperSpace);
     for (Slot* const entity : entities_) {
@@ -546,8 +547,13 @@ class Reader {
 
 }  // namespace
 
-void readWellFormed(DrawingDatabase& db, std::string text, const std::string& name) {
-  Reader(db, name).read(std::move(text));
+Result<> readWellFormed(DrawingDatabase& db, std::string text, const std::string& name) {
+  try {
+    Reader(db, name).read(std::move(text));
+    return {};
+  } catch (const Problem& problem) {
+    return problem;
+  }
 }
 
 }  // namespace host::dxf

@@ -111,13 +111,13 @@ void Rebuilder::findVersion() {
   if (number < kOldest) {
     number = hasMarks() ? kFirstVersion : 1009;
     const std::string what = named.empty() ? "the drawing names no version" : "unknown version " + shown(named);
-    problems_.note(what + "; it is read as AC" + std::to_string(number));
+    problems_.note(Code::VersionConverted, what + "; it is read as AC" + std::to_string(number));
   }
   isOld_ = number < kFirstVersion;
   version_ = isOld_ ? kFirstVersion : number;
   if (isOld_) {
-    problems_.note("the drawing is of version AC" + std::to_string(number) + " (" + std::string(programOf(number)) +
-                   "); it was upgraded to AC1015 (2000)");
+    problems_.note(Code::VersionConverted, "the drawing is of version AC" + std::to_string(number) + " (" +
+                                               std::string(programOf(number)) + "); it was upgraded to AC1015 (2000)");
   }
   codePage_ = std::string(trimmed(variable("$DWGCODEPAGE", 3).value_or("ANSI_1252")));
   if (version_ < kFirstUtf8Version && !outline_.isUtf8) codec_ = text::Codec::forCodePage(codePage_);
@@ -130,7 +130,7 @@ void Rebuilder::giveHandles() {
     if (handles_.insert(record.handle).second) {
       given.push_back(record.handle);
     } else {
-      problems_.add(record.at, record.handle,
+      problems_.add(Code::HandleMended, record.at, record.handle,
                     "the handle is used twice; this " + std::string(record.type.substr(0, 40)) + " gets another");
       record.handle = 0;
     }
@@ -146,7 +146,7 @@ void Rebuilder::giveHandles() {
     record.handle = newHandle();
     const auto odd = outline_.oddHandles.find(record.at);
     if (odd == outline_.oddHandles.end() || odd->second.handle.empty()) return;
-    problems_.add(record.at, record.handle,
+    problems_.add(Code::HandleMended, record.at, record.handle,
                   shown(odd->second.handle) + " is no handle; this " + std::string(record.type.substr(0, 40)) +
                       " gets another, and so does what names it");
     newHandles_.try_emplace(upperCase(odd->second.handle), record.handle);

@@ -131,7 +131,8 @@ Rebuilder::Parts Rebuilder::takeParts(std::vector<RawRecord>& records, std::size
   if (!parts.areAnnounced && isType(next, type)) {
     parts.areAnnounced = true;
     whole.bytes = keep(withAttributesAnnounced(whole.bytes));
-    problems_.add(whole.at, whole.handle, "it did not say that it has attributes; they were given back to it");
+    problems_.add(Code::RecordMended, whole.at, whole.handle,
+                  "it did not say that it has attributes; they were given back to it");
   }
   if (!parts.areAnnounced) return parts;
   for (;; ++next) {
@@ -183,7 +184,8 @@ void Rebuilder::writeEntityList(std::string& out, std::vector<RawRecord>& record
     if (parts.end != nullptr) {
       emit(out, *parts.end, partOwner(*parts.end, record, owner), Kind::Entity);
     } else if (parts.areAnnounced) {
-      if (!isOld_) problems_.add(record.at, record.handle, "it is not ended by SEQEND; one was added");
+      if (!isOld_)
+        problems_.add(Code::RecordMended, record.at, record.handle, "it is not ended by SEQEND; one was added");
       TagWriter tags = writer();
       tags.raw(0, "SEQEND").handle(5, newHandle()).handle(330, record.handle).raw(100, "AcDbEntity");
       out += tags.raw(8, trimmed(firstValue(record.bytes, 8).value_or("0"))).str();

@@ -36,7 +36,8 @@ void Rebuilder::findRoot() {
     wanted.insert(tag.handle());
     missingEntries_.emplace_back(key, basicHandle(tag.handle()));
     if (root_ != nullptr && !isOld_) {
-      problems_.add(root_->at, root_->handle, "the dictionary " + std::string(key) + " was missing; it was added");
+      problems_.add(Code::ObjectAdded, root_->at, root_->handle,
+                    "the dictionary " + std::string(key) + " was missing; it was added");
     }
   }
   for (std::size_t i = 0; i < basic_.objects.size(); ++i) {
@@ -78,7 +79,7 @@ void Rebuilder::settleOwners() {
     const auto found = listed.find(record.handle);
     const bool isListed = found != listed.end() && found->second != record.handle && found->second != record.owner;
     record.owner = isListed ? found->second : rootHandle_;
-    if (!isOld_) problems_.add(record.at, record.handle, why);
+    if (!isOld_) problems_.add(Code::OwnerMended, record.at, record.handle, why);
   };
   for (RawRecord& record : outline_.objects) {
     if (&record == root_) {
@@ -96,7 +97,8 @@ void Rebuilder::settleOwners() {
       if (!isNew) {
         if (place->second == walk) {
           at->owner = rootHandle_;
-          problems_.add(at->at, at->handle, "owners go in a circle; the object now belongs to the root");
+          problems_.add(Code::OwnerMended, at->at, at->handle,
+                        "owners go in a circle; the object now belongs to the root");
         }
         break;
       }

@@ -102,7 +102,8 @@ void Rebuilder::emitMended(std::string& out, const RawRecord& record, std::uint6
         if (!hasOwner) tags.handle(330, owner);
         isChanged = true;
         if (!isOld_ && kind != Kind::Object && handleIn(tag.value) != 0) {
-          problems_.add(record.at, record.handle, "the owner was not the one it should have; it was mended");
+          problems_.add(Code::OwnerMended, record.at, record.handle,
+                        "the owner was not the one it should have; it was mended");
         }
       }
       hasOwner = true;
@@ -112,7 +113,7 @@ void Rebuilder::emitMended(std::string& out, const RawRecord& record, std::uint6
       std::string_view next = rest;
       Tag entry;
       if (readTag(next, entry) && (entry.code == 350 || entry.code == 360) && !handles_.contains(resolved(entry))) {
-        problems_.add(tag.bytes.data(), record.handle,
+        problems_.add(Code::ReferenceMended, tag.bytes.data(), record.handle,
                       "the entry " + shownName(tag.value) + " names an object that is not in the drawing; removed");
         rest = next;
         isChanged = true;
@@ -180,7 +181,7 @@ bool Rebuilder::mendValue(TagWriter& tags, const RawRecord& record, const Tag& t
     isNumber = text::parseInteger(value).has_value();
   }
   if (isNumber) return false;
-  problems_.add(tag.bytes.data(), record.handle,
+  problems_.add(Code::ValueMended, tag.bytes.data(), record.handle,
                 std::string(record.type.substr(0, 40)) + ": group " + std::to_string(tag.code) +
                     " holds no number but " + shown(value) + "; 0 is taken");
   if (isReal) {

@@ -69,7 +69,9 @@ void Rebuilder::matchBlocks() {
     if (recordHandle == 0) {
       recordHandle = newHandle();
       byName.emplace(key, recordHandle);
-      if (!isOld_) problems_.add(block.begin.at, block.begin.handle, "the block had no block record; it got one");
+      if (!isOld_)
+        problems_.add(Code::ObjectAdded, block.begin.at, block.begin.handle,
+                      "the block had no block record; it got one");
       addRecord(kBlockRecords, name, recordHandle);
     }
     block.begin.owner = recordHandle;
@@ -92,7 +94,7 @@ void Rebuilder::matchBlocks() {
     block.begin.bytes = keep(writer().raw(0, "BLOCK").raw(8, "0").raw(2, nameOf(record)).str());
     block.begin.handle = newHandle();
     block.begin.owner = record.handle;
-    problems_.add(record.at, record.handle, "the block record had no block; an empty one was added");
+    problems_.add(Code::ObjectAdded, record.at, record.handle, "the block record had no block; an empty one was added");
     outline_.blocks.push_back(std::move(block));
   }
   model_ = byName[L"*model_space"];
@@ -128,7 +130,7 @@ void Rebuilder::addMissingNames() {
     names_[table].insert(key);
     if (!isOld_) {
       problems_.add(
-          raw.at, raw.handle,
+          Code::ObjectAdded, raw.at, raw.handle,
           std::string(kTableNames[table]) + " " + shownName(raw.name) + " is used but was not defined; it was added");
     }
     addRecord(table, raw.name, newHandle());

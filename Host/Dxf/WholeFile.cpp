@@ -124,14 +124,14 @@ class TemporaryFile {
 
 }  // namespace
 
-FileResult writeFileWhole(const std::filesystem::path& file, std::string_view bytes) {
+Result<> writeFileWhole(const std::filesystem::path& file, std::string_view bytes) {
   return writeFileWhole(file, [bytes](const GiveBytes& give) { return give(bytes); });
 }
 
 namespace {
 
-FileResult writeWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
-  const auto refused = [&](const std::string& why) { return FileResult{false, file.string() + ": " + why}; };
+Result<> writeWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
+  const auto refused = [&](const std::string& why) { return problemOf(Code::OutputFailed, file.string(), why); };
   const auto failed = [&](const char* reason) { return refused(std::string("cannot be written: ") + reason); };
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) return refused("this is a folder");
@@ -156,11 +156,11 @@ FileResult writeWhole(const std::filesystem::path& file, const std::function<boo
 
 }  // namespace
 
-FileResult writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
+Result<> writeFileWhole(const std::filesystem::path& file, const std::function<bool(const GiveBytes&)>& produce) {
   try {
     return writeWhole(file, produce);
   } catch (const std::bad_alloc&) {
-    return {false, file.string() + ": cannot be written: there is not enough memory"};
+    return problemOf(Code::OutputFailed, file.string(), "cannot be written: there is not enough memory");
   }
 }
 

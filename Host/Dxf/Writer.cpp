@@ -333,9 +333,9 @@ std::string drawingText(DrawingDatabase& db) {
   return text;
 }
 
-FileResult saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
-  FileResult result = writeFileWhole(file, [&db](const GiveBytes& give) { return produce(db, give); });
-  if (result.ok) db.setUnmodified();
+Result<> saveDrawing(DrawingDatabase& db, const std::filesystem::path& file) {
+  Result<> result = writeFileWhole(file, [&db](const GiveBytes& give) { return produce(db, give); });
+  if (result) db.setUnmodified();
   return result;
 }
 

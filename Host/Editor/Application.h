@@ -1,7 +1,8 @@
 // The editor of the host: what programs (command line, terminal, window) open, run and ask.
 //
-// One Application at a time stands for the process-wide host that plug-ins see (document manager, command stack,
-// registry). Destroying it closes the drawings and unloads the modules.
+// A front end gives an Observer, which hears of everything, and runs commands from an InputSource, which is asked for
+// every answer. One Application at a time stands for the process-wide host that plug-ins see (document manager, command
+// stack, registry). Destroying it closes the drawings and unloads the modules.
 #pragma once
 
 #include <filesystem>
@@ -12,25 +13,19 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Editor/InputSource.h"
+#include "Editor/Observer.h"
 #include "Editor/Prompter.h"
-#include "Editor/Result.h"
-#include "Editor/Transcript.h"
+#include "Problems/Problem.h"
 
 namespace host::editor {
 
 class Session;
 
-/// Progress of long work; `fraction` 0 to 1, negative when the meter goes away.
-using MeterSink = std::function<void(std::wstring_view label, double fraction)>;
-
 struct ApplicationOptions {
   std::wstring programName = L"tolmex";  // caption of message boxes
-  Transcript::Sink transcript;
-  std::function<void(std::string_view)> problem;  // one UTF-8 sentence without line end
-  MeterSink meter;
-  std::function<void()> regenerate;  // REGEN and ads_regen
+  Observer* observer = nullptr;          // outlives the application; null: none
   std::vector<std::filesystem::path> supportFolders;
-  bool problemsOnScreen = false;  // beside the transcript: what that has shown to somebody is no problem as well
+  bool problemsOnScreen = false;              // beside the transcript: what that has shown is not reported again
   std::vector<std::wstring> failureCaptions;  // of message boxes by which plug-ins tell that a command has failed
   bool dialogsByHand = false;  // dialogs and boxes stand on the screen instead of taking lines of the input
   bool isStrict = false;       // what a command skips, or a pick does not find, fails the script
@@ -45,9 +40,9 @@ class Application {
 
   /// Opens a drawing as a further document and makes it the current one; one that is open already only becomes current.
   /// Status 2 with one sentence on failure.
-  Result openDrawing(const std::filesystem::path& file);
+  Result<> openDrawing(const std::filesystem::path& file);
   /// A new drawing with the standard tables, metric, as a further document.
-  Result newDrawing();
+  Result<> newDrawing();
   /// Closes the current document without saving; the one before it becomes current.
   void closeDrawing();
   /// The current drawing, or null.
@@ -58,22 +53,22 @@ class Application {
   /// Names of the open drawings with changes that were not saved; of new ones without a folder.
   std::vector<std::filesystem::path> unsavedDrawings(Current current) const;
   /// Writes the current drawing; status 4. The drawing keeps its own name. Refused when the file belongs to another
-  /// open drawing, or is the drawing's own and somebody else has changed it.
-  Result saveDrawing(const std::filesystem::path& file);
+  /// open drawing, or is the drawing's own and another program has changed it.
+  Result<> saveDrawing(const std::filesystem::path& file);
   /// The current drawing as it would be written; status 4.
-  Result drawingText(std::string& text);
+  Result<std::string> drawingText();
 
   /// Loads a module and tells it about the open drawings. A module that is loaded already stays as it is.
-  Result loadModule(const std::filesystem::path& file);
+  Result<> loadModule(const std::filesystem::path& file);
   /// Refused while the module is locked.
-  Result unloadModule(std::wstring_view name);
+  Result<> unloadModule(std::wstring_view name);
   std::vector<std::wstring> moduleNames() const;
 
   /// "LTSCALE", "0.5": the value as SETVAR takes it. Status 1.
-  Result setVariable(std::wstring_view name, std::wstring_view value);
+  Result<> setVariable(std::wstring_view name, std::wstring_view value);
 
   /// Runs commands until the input ends, fails or says QUIT. The first failure is the answer.
-  Result run(InputSource& input);
+  Result<> run(InputSource& input);
   /// QUIT was said.
   bool quitRequested() const;
   /// An answer or command of interactive input has failed, which did not end it.
@@ -97,7 +92,7 @@ class Application {
   const database::BlockContents* currentSpace() const;
   std::wstring currentLayoutName() const;
 
-  /// Selection sets that nobody has freed.
+  /// Selection sets that plug-ins have not freed.
   std::size_t openSelectionSets() const;
   /// Makes every document lock of plug-ins fail from now on, for trying out what they do then.
   void refuseLocks(bool refuse);

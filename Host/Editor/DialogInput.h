@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Editor/InputSource.h"
+#include "Problems/Problem.h"
 
 namespace host::editor {
 
@@ -25,10 +26,10 @@ void dialogClosed(bool isCancelled);
 bool writeDialogFile(std::wstring_view who, const std::filesystem::path& file, std::string_view bytes);
 /// True when no more lines will come: the script has ended or failed, or the run was interrupted.
 bool inputHasStopped();
-/// Somebody at the screen works the dialogs; no lines are asked for.
+/// The user works the dialogs at the screen; no lines are asked for.
 bool dialogsAreWorkedByHand();
-/// A problem of the host itself, in one sentence.
-void reportDialogProblem(std::string_view sentence);
+/// A problem of the host itself.
+void reportDialogProblem(const Problem& problem);
 /// A folder by its path; a relative one is looked for where support files are. Empty when there is none.
 std::filesystem::path findFolder(const std::filesystem::path& folder);
 /// Text on a line of its own in the transcript.

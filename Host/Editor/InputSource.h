@@ -1,9 +1,12 @@
 // Where answers come from: a script, a terminal, a window, or the list of a command run from code.
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "Editor/Answers.h"
 #include "dbid.h"
 #include "gepnt3d.h"
 
@@ -16,9 +19,28 @@ enum class AnswerForm {
   Line,  // the same, for dialogs: handed over as it stands
 };
 
+/// What a question asks for. Typed text may answer each of them; a canvas may answer those that say so.
+enum class Wanted {
+  Command,   // the host is idle
+  Point,     // Answer::Kind::Point
+  Number,    // a real or a whole number
+  Text,      // a word or a line
+  Keyword,   // one of the keywords only
+  Entity,    // Answer::Kind::Point (a pick) or Answer::Kind::Entity
+  Entities,  // the same, again and again until Enter
+  Dialog,    // a line of a dialog or box that stands open
+};
+
 struct Question {
   std::wstring_view prompt;  // already shown in the transcript
   AnswerForm form = AnswerForm::Word;
+  Wanted wanted = Wanted::Text;
+  const Keywords* keywords = nullptr;  // that are taken too; null for none
+  std::optional<AcGePoint3d> base;     // of a point: where a rubber band starts
+  bool takesEnter = true;              // Enter alone is an answer
+
+  /// What Enter stands for, as the prompt spells it between its last angle brackets; empty when it names nothing.
+  std::wstring_view defaultAnswer() const;
 };
 
 struct Answer {
@@ -37,13 +59,24 @@ struct Answer {
   AcDbObjectId entity;
 };
 
+/// Where an answer stood.
+struct Place {
+  std::string file;      // a script's name; empty when there are no lines
+  std::size_t line = 0;  // from 1
+
+  bool isKnown() const { return !file.empty(); }
+  /// "plan.scr:12"; empty when it is not known.
+  std::string shown() const { return file.empty() ? std::string() : file + ":" + std::to_string(line); }
+};
+
 class InputSource {
  public:
   virtual ~InputSource() = default;
+  /// Called by the running session, on its thread, whenever it needs an answer. May wait as long as it likes.
   virtual Answer next(const Question& question) = 0;
-  /// "plan.scr:12" for the line of the last answer, for messages; empty when there are no lines.
-  virtual std::string place() const { return {}; }
-  /// True when somebody can be asked again after an answer that the prompt refuses; otherwise that is a failure.
+  /// Of the last answer, for messages.
+  virtual Place place() const { return {}; }
+  /// True when the user can be asked again after an answer that the prompt refuses; otherwise that is a failure.
   virtual bool isInteractive() const { return false; }
 };
 

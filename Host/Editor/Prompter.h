@@ -10,7 +10,7 @@
 #include "Database/Slot.h"
 #include "Editor/Answers.h"
 #include "Editor/InputSource.h"
-#include "Editor/Result.h"
+#include "Problems/Problem.h"
 #include "gepnt3d.h"
 
 namespace host::editor {
@@ -32,6 +32,9 @@ struct Limits {
   int bits = 0;
   Keywords keywords;
   std::optional<AcGePoint3d> base;
+
+  /// The question as the input is asked it; refers to the limits and the prompt.
+  Question question(std::wstring_view prompt, AnswerForm form, Wanted wanted) const;
 };
 
 struct EntityPick {
@@ -69,14 +72,17 @@ class Prompter {
   void line(std::wstring_view text);
   /// Says why an answer cannot be used. True: ask again. False: a script has failed; the command should end.
   bool refuse(std::wstring_view sentence);
-  /// Ends the script with a status of its own; `sentence` without the script's name and line.
-  void fail(RunStatus status, std::wstring_view sentence);
+  /// Ends the script with the status of a code; `sentence` without the script's name and line.
+  void fail(Code code, std::wstring_view sentence);
+  /// Ends the script with a problem that the command met.
+  void fail(Problem problem);
 
   Session& session() { return session_; }
 
  private:
   template <class T>
-  Reply<T> ask(std::wstring_view prompt, AnswerForm form, const Limits& limits, std::wstring_view refusal,
+  Reply<T> ask(std::wstring_view prompt, AnswerForm form, Wanted wanted, const Limits& limits,
+               std::wstring_view refusal,
                const std::function<std::optional<T>(const Answer&, std::wstring& refusal)>& read);
 
   Session& session_;

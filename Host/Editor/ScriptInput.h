@@ -10,10 +10,11 @@
 #include <string>
 
 #include "Editor/InputSource.h"
+#include "Problems/Problem.h"
 
 namespace host::editor {
 
-/// Cuts lines into answers; where the lines come from is the derived class's affair.
+/// Cuts lines into answers; the derived class brings the lines.
 class LineInput : public InputSource {
  public:
   Answer next(const Question& question) final;
@@ -42,9 +43,10 @@ class ScriptInput final : public LineInput {
  public:
   /// `name` is what messages call it.
   ScriptInput(std::string_view utf8, std::string name);
-  /// Null when the file cannot be read as a script. `told`: why, or a remark on its encoding; a sentence, or empty.
-  static std::unique_ptr<ScriptInput> fromFile(const std::filesystem::path& file, std::string& told);
-  std::string place() const override { return name_ + ":" + std::to_string(lineNumber()); }
+  /// `remark`: something to tell the user of its encoding.
+  static Result<std::unique_ptr<ScriptInput>> fromFile(const std::filesystem::path& file,
+                                                       std::optional<Problem>& remark);
+  Place place() const override { return {name_, static_cast<std::size_t>(lineNumber())}; }
 
  protected:
   std::optional<std::wstring> readLine(const Question& question) override;

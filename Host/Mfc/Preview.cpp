@@ -17,7 +17,8 @@ std::uint32_t toRgb(std::uint32_t color) { return (color & 0xFF) << 16 | (color 
 /// Painting comes again and again; what cannot be drawn is told once.
 void reportOnce(const std::string& sentence) {
   static auto& reported = *new std::set<std::string>;
-  if (!sentence.empty() && reported.insert(sentence).second) host::editor::reportDialogProblem(sentence);
+  if (!sentence.empty() && reported.insert(sentence).second)
+    host::editor::reportDialogProblem(host::problemOf(host::Code::FilePassedOver, sentence));
 }
 
 }  // namespace

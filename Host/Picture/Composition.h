@@ -8,12 +8,13 @@
 namespace host::picture {
 
 struct Composition {
-  PictureResult result;  // without bytes; not ok when there is nothing to show
+  Picture picture;  // without bytes
   DisplayList list;
   Page page;
 };
 
 /// Everything that drawPicture does except the writing of the file.
-Composition composePicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format);
+Result<Composition> composePicture(const database::DrawingDatabase& db, const PictureOptions& options,
+                                   PictureFormat format);
 
 }  // namespace host::picture

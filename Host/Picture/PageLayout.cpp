@@ -88,7 +88,7 @@ std::string boxText(const Box& box) {
          ", " + figure(box.maxY, decimals) + ")";
 }
 
-PageLayout layOutPage(const Box& extents, const PictureOptions& options, PictureFormat format) {
+Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options, PictureFormat format) {
   PageLayout layout;
   Box area = options.window.value_or(withSize(extents));
   double pixelsPerUnit = 0;
@@ -134,18 +134,16 @@ PageLayout layOutPage(const Box& extents, const PictureOptions& options, Picture
     page.widthPx = options.widthPx;
     page.heightPx = std::max(1.0, std::round(page.heightPx));
     if (page.heightPx > kLargestSidePx || page.widthPx * page.heightPx > kMostPixels) {
-      layout.error = "A picture of " + figure(page.widthPx, 0) + " x " + figure(page.heightPx, 0) +
-                     " pixels is too large; use a smaller width.";
-      return layout;
+      return problemOf(Code::OutputFailed, "A picture of " + figure(page.widthPx, 0) + " x " +
+                                               figure(page.heightPx, 0) + " pixels is too large; use a smaller width.");
     }
   } else if (constexpr double kLargestPageMm = 5000; page.widthMm > kLargestPageMm || page.heightMm > kLargestPageMm) {
-    layout.error = "A page of " + figure(page.widthMm, 1) + " x " + figure(page.heightMm, 1) +
-                   " mm is too large; pages may be up to " + figure(kLargestPageMm, 0) + " mm, so use a smaller scale.";
-    return layout;
+    return problemOf(Code::OutputFailed, "A page of " + figure(page.widthMm, 1) + " x " + figure(page.heightMm, 1) +
+                                             " mm is too large; pages may be up to " + figure(kLargestPageMm, 0) +
+                                             " mm, so use a smaller scale.");
   }
   if (!std::isfinite(pixelsPerUnit) || !(pixelsPerUnit > 0) || page.widthMm < 0.1 || page.heightMm < 0.1) {
-    layout.error = "The area " + boxText(area) + " cannot be laid out on a page.";
-    return layout;
+    return problemOf(Code::OutputFailed, "The area " + boxText(area) + " cannot be laid out on a page.");
   }
   const double s = pixelsPerUnit;
   layout.toPicture.x = {s, 0, 0};

@@ -10,8 +10,7 @@
 namespace host::picture {
 
 struct PageLayout {
-  std::string error;  // when not empty, nothing else holds
-  std::string note;   // what does not fit on the paper
+  std::string note;  // what does not fit on the paper
   Page page;
   geometry::Transform toPicture;  // drawing coordinates to pixels
   double pixelsPerMm = 1;
@@ -20,7 +19,7 @@ struct PageLayout {
 
 /// `extents`: box of what is visible, not empty. Without paper and scale the page follows the area's form; with paper
 /// the area is centred on it.
-PageLayout layOutPage(const geometry::Box& extents, const PictureOptions& options, PictureFormat format);
+Result<PageLayout> layOutPage(const geometry::Box& extents, const PictureOptions& options, PictureFormat format);
 
 /// "(0, 0) - (10, 20.5)".
 std::string boxText(const geometry::Box& box);

@@ -27,7 +27,7 @@ const database::BlockContents* findLayout(const database::DrawingDatabase& db, c
   return nullptr;
 }
 
-Composition failure(std::string message) { return {{false, std::move(message), {}, {}}, {}, {}}; }
+Problem failure(std::string sentence) { return problemOf(Code::PictureEmpty, std::move(sentence)); }
 
 Box visibleExtents(const database::DrawingDatabase& db, const database::BlockContents& block,
                    const PictureOptions& options, GlyphSource& glyphs) {
@@ -65,11 +65,14 @@ double metresPerPaperUnit(const database::DrawingDatabase& db, const std::string
 
 }  // namespace
 
-Composition composePicture(const database::DrawingDatabase& db, const PictureOptions& given, PictureFormat format) {
+Result<Composition> composePicture(const database::DrawingDatabase& db, const PictureOptions& given,
+                                   PictureFormat format) {
   PictureOptions options = given;
   std::string known;
   const database::BlockContents* block = findLayout(db, options.layout, known);
-  if (block == nullptr) return failure("There is no layout \"" + options.layout + "\"; the drawing has " + known + ".");
+  if (block == nullptr)
+    return problemOf(Code::OutputFailed,
+                     "There is no layout \"" + options.layout + "\"; the drawing has " + known + ".");
 
   if (block != &db.modelSpace()) options.metresPerUnit = metresPerPaperUnit(db, options.layout);
 
@@ -81,8 +84,9 @@ Composition composePicture(const database::DrawingDatabase& db, const PictureOpt
     return failure("Nothing visible" + chosen + " lies in the window " + boxText(*options.window) +
                    "; the drawing covers " + boxText(extents) + ".");
 
-  const PageLayout layout = layOutPage(extents, options, format);
-  if (!layout.error.empty()) return failure(layout.error);
+  const Result<PageLayout> laidOut = layOutPage(extents, options, format);
+  if (!laidOut) return laidOut;
+  const PageLayout& layout = *laidOut;
   const bool isRaster = format == PictureFormat::Png;
   View view;
   view.toPicture = layout.toPicture;
@@ -109,10 +113,9 @@ Composition composePicture(const database::DrawingDatabase& db, const PictureOpt
                    boxText(extents) + ".");
   }
 
-  PictureResult& result = made.result;
-  result.ok = true;
-  result.drawn = layout.area;
-  const auto note = [&](const std::string& text) { result.message += (result.message.empty() ? "" : " ") + text; };
+  made.picture.drawn = layout.area;
+  std::string notes;
+  const auto note = [&notes](const std::string& text) { notes += (notes.empty() ? "" : " ") + text; };
   if (!layout.note.empty()) note(layout.note);
   if (painter.isCutShort()) note("The drawing repeats blocks so often that part of it was left out.");
   if (painter.isTooDeep()) {
@@ -126,17 +129,17 @@ Composition composePicture(const database::DrawingDatabase& db, const PictureOpt
     note("Left out, having no picture of their own: " + kinds + ".");
   }
   if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
+  if (!notes.empty()) made.picture.remark = problemOf(Code::PictureNote, std::move(notes));
   return made;
 }
 
-PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
-  Composition made = composePicture(db, options, format);
-  if (!made.result.ok) return std::move(made.result);
-  made.result.bytes = renderPicture(made.list, made.page, options.background, format);
-  if (made.result.bytes.empty()) {
-    return {false, "The picture could not be made; it may be too large for the memory.", {}, {}};
-  }
-  return std::move(made.result);
+Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
+  Result<Composition> made = composePicture(db, options, format);
+  if (!made) return made;
+  made->picture.bytes = renderPicture(made->list, made->page, options.background, format);
+  if (made->picture.bytes.empty())
+    return problemOf(Code::OutputFailed, "The picture could not be made; it may be too large for the memory.");
+  return std::move(made->picture);
 }
 
 }  // namespace host::picture

@@ -37,27 +37,26 @@ struct PictureOptions {
   std::string layout = "Model";  // name of the layout to draw, UTF-8
 };
 
-struct PictureResult {
-  bool ok = false;
-  std::string message;  // why not; when ok, what the user should know (paper too small ...), or empty
-  std::string bytes;    // the file
-  geometry::Box drawn;  // the area shown, drawing units
+struct Picture {
+  std::string bytes;              // the file
+  geometry::Box drawn;            // the area shown, drawing units
+  std::optional<Problem> remark;  // what the user should know: the paper is too small, text is shown as bars ...
 };
 
 /// Draws one layout of a drawing. The same drawing and options give the same bytes. Fails when nothing visible lies in
 /// the area.
-PictureResult drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format);
+Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format);
 
 /// By the ending of a file name, without regard to case.
 std::optional<PictureFormat> formatOfFile(std::string_view fileName);
 
-// Each of these reads the text of one option into `options`. The answer is empty, or one sentence that names the value
-// and the accepted forms; `options` is then unchanged.
-std::string setWidth(PictureOptions& options, std::string_view text);        // 1600
-std::string setWindow(PictureOptions& options, std::string_view text);       // x1,y1,x2,y2
-std::string setPaper(PictureOptions& options, std::string_view text);        // A0 ... A5, A3-landscape, 594x420
-std::string setScale(PictureOptions& options, std::string_view text);        // 1:500
-std::string setBackground(PictureOptions& options, std::string_view text);   // white, #ffffff, transparent
-std::string setLineweights(PictureOptions& options, std::string_view text);  // on, off, 2.5
+// Each of these reads the text of one option into `options`. The problem names the value and the accepted forms;
+// `options` is then unchanged.
+Result<> setWidth(PictureOptions& options, std::string_view text);        // 1600
+Result<> setWindow(PictureOptions& options, std::string_view text);       // x1,y1,x2,y2
+Result<> setPaper(PictureOptions& options, std::string_view text);        // A0 ... A5, A3-landscape, 594x420
+Result<> setScale(PictureOptions& options, std::string_view text);        // 1:500
+Result<> setBackground(PictureOptions& options, std::string_view text);   // white, #ffffff, transparent
+Result<> setLineweights(PictureOptions& options, std::string_view text);  // on, off, 2.5
 
 }  // namespace host::picture

@@ -34,6 +34,8 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
   }
 }
 
+Problem refusal(std::string sentence) { return problemOf(Code::WrongUsage, std::move(sentence)); }
+
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 }  // namespace
@@ -52,16 +54,16 @@ std::optional<PictureFormat> formatOfFile(std::string_view fileName) {
   return {};
 }
 
-std::string setWidth(PictureOptions& options, std::string_view text) {
+Result<> setWidth(PictureOptions& options, std::string_view text) {
   const auto value = wholeNumber(text);
   if (!value || *value < 1 || *value > kLargestSidePx || *value != std::floor(*value))
-    return "Picture width " + quoted(text) + " is not a whole number of pixels from 1 to " +
-           std::to_string(kLargestSidePx) + ".";
+    return refusal("Picture width " + quoted(text) + " is not a whole number of pixels from 1 to " +
+                   std::to_string(kLargestSidePx) + ".");
   options.widthPx = static_cast<int>(*value);
   return {};
 }
 
-std::string setWindow(PictureOptions& options, std::string_view text) {
+Result<> setWindow(PictureOptions& options, std::string_view text) {
   double figures[4] = {};
   const auto parts = split(text, ',');
   bool isGood = parts.size() == 4;
@@ -76,15 +78,17 @@ std::string setWindow(PictureOptions& options, std::string_view text) {
     box.add(geometry::Point{figures[2], figures[3]});
     isGood = box.maxX > box.minX && box.maxY > box.minY;
   }
-  if (!isGood) return "Picture window " + quoted(text) + " is not of the form x1,y1,x2,y2 with two opposite corners.";
+  if (!isGood)
+    return refusal("Picture window " + quoted(text) + " is not of the form x1,y1,x2,y2 with two opposite corners.");
   options.window = box;
   return {};
 }
 
-std::string setPaper(PictureOptions& options, std::string_view text) {
-  std::string error = "Paper " + quoted(text) +
-                      " is not known; use A0, A1, A2, A3, A4 or A5, with -landscape or -portrait, or WIDTHxHEIGHT in "
-                      "millimetres.";
+Result<> setPaper(PictureOptions& options, std::string_view text) {
+  const Problem error =
+      refusal("Paper " + quoted(text) +
+              " is not known; use A0, A1, A2, A3, A4 or A5, with -landscape or -portrait, or WIDTHxHEIGHT in "
+              "millimetres.");
   const std::string low = lowered(text);
   if (const auto sides = split(low, 'x'); sides.size() == 2) {
     const auto width = wholeNumber(sides[0]), height = wholeNumber(sides[1]);
@@ -108,17 +112,17 @@ std::string setPaper(PictureOptions& options, std::string_view text) {
   return error;
 }
 
-std::string setScale(PictureOptions& options, std::string_view text) {
+Result<> setScale(PictureOptions& options, std::string_view text) {
   const auto parts = split(text, ':');
   const auto paper = wholeNumber(parts[0]);
   const auto drawing = parts.size() == 2 ? wholeNumber(parts[1]) : std::nullopt;
   if (!paper || !drawing || *paper <= 0 || *drawing <= 0 || *paper / *drawing < 1e-9 || *paper / *drawing > 1e6)
-    return "Scale " + quoted(text) + " is not of the form 1:500.";
+    return refusal("Scale " + quoted(text) + " is not of the form 1:500.");
   options.scale = *paper / *drawing;
   return {};
 }
 
-std::string setBackground(PictureOptions& options, std::string_view text) {
+Result<> setBackground(PictureOptions& options, std::string_view text) {
   const std::string low = lowered(text);
   if (low == "transparent") {
     options.background.reset();
@@ -127,12 +131,13 @@ std::string setBackground(PictureOptions& options, std::string_view text) {
   const QString name = QString::fromUtf8(low.data(), static_cast<qsizetype>(low.size()));
   const bool isFigure = low.starts_with("#");
   if ((isFigure && low.size() != 4 && low.size() != 7) || !QColor::isValidColor(name))
-    return "Background " + quoted(text) + " is not a colour; use a name such as white, #rrggbb, or transparent.";
+    return refusal("Background " + quoted(text) +
+                   " is not a colour; use a name such as white, #rrggbb, or transparent.");
   options.background = QColor(name).rgb() & 0xFFFFFF;
   return {};
 }
 
-std::string setLineweights(PictureOptions& options, std::string_view text) {
+Result<> setLineweights(PictureOptions& options, std::string_view text) {
   const std::string low = lowered(text);
   if (low == "on" || low == "off") {
     options.lineweights = low == "on" ? LineweightMode::AsDrawn : LineweightMode::Off;
@@ -140,7 +145,7 @@ std::string setLineweights(PictureOptions& options, std::string_view text) {
   }
   const auto factor = wholeNumber(text);
   if (!factor || *factor <= 0 || *factor > 100)
-    return "Lineweights " + quoted(text) + " are not on, off or a factor from above 0 to 100.";
+    return refusal("Lineweights " + quoted(text) + " are not on, off or a factor from above 0 to 100.");
   options.lineweights = LineweightMode::Factor;
   options.lineweightFactor = *factor;
   return {};

@@ -51,12 +51,12 @@ bool draw(const database::DrawingDatabase& drawing, const Canvas& canvas, Pixels
   options.background = canvas.background;
   // What the drawing covers shows in a picture of it; the form of that one does not matter.
   options.widthPx = kProbeWidthPx;
-  const PictureResult probe = drawPicture(drawing, options, PictureFormat::Png);
-  if (!probe.ok) return false;
+  const Result<Picture> probe = drawPicture(drawing, options, PictureFormat::Png);
+  if (!probe) return false;
   options.widthPx = canvas.width;
-  options.window = withFormOf(probe.drawn, canvas);
-  const PictureResult picture = drawPicture(drawing, options, PictureFormat::Png);
-  return picture.ok && decode(picture.bytes, canvas, pixels);
+  options.window = withFormOf(probe->drawn, canvas);
+  const Result<Picture> picture = drawPicture(drawing, options, PictureFormat::Png);
+  return picture && decode(picture->bytes, canvas, pixels);
 }
 
 }  // namespace

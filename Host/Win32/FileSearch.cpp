@@ -86,7 +86,7 @@ HANDLE FindFirstFileW(LPCWSTR pattern, WIN32_FIND_DATAW* found) {
   std::error_code error;
   search->entries = matching(host::text::toPath(folder), names, error);
   if (search->entries.empty()) {
-    if (error) host::editor::reportDialogProblem(reasonOf(error, folder));
+    if (error) host::editor::reportDialogProblem(host::problemOf(host::Code::FilePassedOver, reasonOf(error, folder)));
     SetLastError(error ? ERROR_PATH_NOT_FOUND : ERROR_FILE_NOT_FOUND);
     return INVALID_HANDLE_VALUE;
   }

@@ -38,7 +38,7 @@ BOOL ReplaceFileW(LPCWSTR replaced, LPCWSTR replacement, LPCWSTR backup, DWORD f
   std::ifstream in(source, std::ios::binary);
   if (!in) return refused(ERROR_FILE_NOT_FOUND);
   const std::string bytes{std::istreambuf_iterator<char>(in), {}};
-  if (in.bad() || !host::dxf::writeFileWhole(target, bytes).ok) return refused(ERROR_ACCESS_DENIED);
+  if (in.bad() || !host::dxf::writeFileWhole(target, bytes).ok()) return refused(ERROR_ACCESS_DENIED);
   std::filesystem::remove(source, error);
   return TRUE;
 }

@@ -31,7 +31,7 @@ WidgetSystem* load() {
   } else if (const char* const error = dlerror()) {
     reason = error;
   }
-  editor::reportDialogProblem(file.string() + ": dialogs cannot be shown: " + reason);
+  editor::reportDialogProblem(problemOf(Code::DialogsMissing, file.string(), "dialogs cannot be shown: " + reason));
   return nullptr;
 }
 

@@ -25,7 +25,7 @@
 
 namespace tolmex {
 
-using host::editor::RunStatus;
+using host::RunStatus;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Editor/Result.h"
+#include "Problems/Problem.h"
 
 namespace tolmex {
 
@@ -20,9 +20,8 @@ struct BatchResult {
 };
 
 struct BatchOptions {
-  int jobs = 1;  // drawings worked on at once
-  host::editor::RunStatus crashStatus =
-      host::editor::RunStatus::ScriptFailed;  // of workers that did not end by themselves
+  int jobs = 1;                                                 // drawings worked on at once
+  host::RunStatus crashStatus = host::RunStatus::ScriptFailed;  // of workers that did not end by themselves
   bool showsProgress = true;
 };
 

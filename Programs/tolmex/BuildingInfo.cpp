@@ -37,7 +37,9 @@ class Reader {
   Reader(std::uint64_t handle, std::string where, std::vector<host::database::Problem>& problems)
       : handle_(handle), where_(std::move(where)), problems_(problems) {}
 
-  void complain(const std::string& what) const { problems_.push_back({0, handle_, where_ + ": " + what}); }
+  void complain(const std::string& what) const {
+    problems_.push_back({host::Code::BuildingValue, {}, 0, handle_, where_ + ": " + what});
+  }
 
   /// The value as it is stored; "?" when it is missing.
   std::string number(const std::optional<std::wstring>& value, const wchar_t* key) const {
@@ -111,7 +113,9 @@ std::optional<ShadowValues> readShadowSettings(AcDbDatabase& database, std::vect
 
   const OrvLib::ShadowRecord stored = OrvLib::readShadowRecord(OrvLib::itemsOf(chain.get()));
   const auto noteIfMissing = [&](const std::optional<double>& value, const wchar_t* key) {
-    if (!value) problems.push_back({0, 0, "the shadow settings lack " + quoted(key) + "; the default counts"});
+    if (!value)
+      problems.push_back(host::problemOf(host::Code::ShadowSettings,
+                                         "the shadow settings lack " + quoted(key) + "; the default counts"));
   };
   noteIfMissing(stored.angleRad, keys::kAngle);
   noteIfMissing(stored.lengthPerFloor, keys::kLength);

@@ -15,7 +15,7 @@
 
 namespace tolmex {
 
-using host::editor::RunStatus;
+using host::RunStatus;
 using host::picture::PictureOptions;
 
 namespace {
@@ -130,13 +130,12 @@ void addRunOutputs(CLI::App& call, RunOptions& options) {
 
 /// An option whose text a function of the picture module reads; its sentence becomes the usage error.
 void addPictureOption(CLI::App& call, const std::string& name, PictureOptions& options,
-                      std::string (*read)(PictureOptions&, std::string_view), const std::string& form,
+                      host::Result<> (*read)(PictureOptions&, std::string_view), const std::string& form,
                       const std::string& description) {
   call.add_option_function<std::string>(
           name,
           [&options, read, name](const std::string& text) {
-            const std::string refusal = read(options, text);
-            if (!refusal.empty()) throw CLI::ValidationError(name, refusal);
+            if (const host::Result<> set = read(options, text); !set) throw CLI::ValidationError(name, set.message());
           },
           description)
       ->type_name(form);
@@ -287,7 +286,7 @@ void checkCall(const CLI::App& app, int argc, char** argv) {
   checkOptions(**call, {argv + 2, argv + argc});
 }
 
-/// Whoever read standard output through a pipe has seen enough.
+/// The reader of standard output has closed the pipe.
 bool readerLeft() {
   pollfd out{STDOUT_FILENO, 0, 0};
   return ::poll(&out, 1, 0) == 1 && (out.revents & POLLERR) != 0;

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "Editor/Result.h"
 #include "Picture/Picture.h"
+#include "Problems/Problem.h"
 
 namespace tolmex {
 
@@ -57,24 +57,24 @@ struct PictureFile {
   std::filesystem::path file;
   host::picture::PictureFormat format;
 };
-/// The picture of this name; the formats tell that of standard output (PNG without any). Nothing when the name has no
-/// ending that names a format or contradicts the formats; `refusal` is then one sentence.
-std::optional<PictureFile> pictureFile(const std::filesystem::path& file,
-                                       const std::vector<host::picture::PictureFormat>& formats, std::string& refusal);
+/// The picture of this name; the formats tell that of standard output (PNG without any). Refuses names without an
+/// ending that names a format, and those that contradict the formats.
+host::Result<PictureFile> pictureFile(const std::filesystem::path& file,
+                                      const std::vector<host::picture::PictureFormat>& formats);
 /// "out/plan.png" for "plans/plan.dxf".
 std::filesystem::path outputIn(const std::filesystem::path& folder, const std::filesystem::path& drawing,
                                std::string_view ending);
 std::string_view endingOf(host::picture::PictureFormat format);
 
-/// Empty, or one sentence on the first that is not NAME=VALUE.
-std::string refuseVariables(const std::vector<std::string>& variables);
+/// Refuses the first that is not NAME=VALUE.
+host::Result<> checkVariables(const std::vector<std::string>& variables);
 
-/// Draws one file; problems are printed.
-host::editor::RunStatus writePicture(const host::database::DrawingDatabase& drawing,
-                                     host::picture::PictureOptions options, const PictureFile& picture);
+/// Draws one file; a remark on the picture is printed.
+host::Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
+                            const PictureFile& picture);
 
 /// A job of its own for every drawing, or the only one right here; results of several end with a line each.
-int forEachDrawing(const CommonOptions& options, host::editor::RunStatus crashStatus,
+int forEachDrawing(const CommonOptions& options, host::RunStatus crashStatus,
                    const std::function<int(std::size_t)>& work);
 
 }  // namespace tolmex

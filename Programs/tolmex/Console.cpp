@@ -38,7 +38,7 @@ std::size_t terminalColumns() {
 
 }  // namespace
 
-int complain(host::editor::RunStatus status, const std::string& sentence) {
+int complain(host::RunStatus status, const std::string& sentence) {
   ProgressBar::clear();
   // On a terminal a sentence behind a prompt would be read as its answer.
   if (console.lineIsOpen && ::isatty(STDOUT_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1) {
@@ -58,6 +58,8 @@ int complain(host::editor::RunStatus status, const std::string& sentence) {
   std::fprintf(stderr, "tolmex: %s\n", printable(shown, LineFeeds::Spelled).c_str());
   return static_cast<int>(status);
 }
+
+int complain(const host::Problem& problem) { return complain(problem.status(), problem.sentence()); }
 
 void printLine(const std::string& line) { std::printf("%s\n", printable(line, LineFeeds::Spelled).c_str()); }
 
@@ -88,7 +90,7 @@ bool writeStandardOutput(std::string_view bytes) {
     const ssize_t written = ::write(console.data, bytes.data(), bytes.size());
     if (written > 0) {
       bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno == EAGAIN) {  // whoever started the program may have made it so
+    } else if (errno == EAGAIN) {  // the parent process may have made it so
       pollfd ready{console.data, POLLOUT, 0};
       ::poll(&ready, 1, -1);
     } else if (errno != EINTR) {

@@ -6,12 +6,14 @@
 #include <string>
 #include <string_view>
 
-#include "Editor/Result.h"
+#include "Problems/Problem.h"
 
 namespace tolmex {
 
 /// Prints one sentence to standard error and answers the status. Names in it may hold anything: it is made printable.
-int complain(host::editor::RunStatus status, const std::string& sentence);
+int complain(host::RunStatus status, const std::string& sentence);
+/// The same with a problem; answers its exit status. What is only told ends with status 0.
+int complain(const host::Problem& problem);
 /// From now on sentences that do not begin with this drawing's name are given it: one of several is worked on.
 void nameDrawingInProblems(std::string drawing);
 /// Sentences that name `file` say `name` in its place.

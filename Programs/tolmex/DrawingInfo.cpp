@@ -90,7 +90,10 @@ class Look {
     const std::optional<OrvLib::Category> category = OrvLib::categoryOfTag(entityType);
     if (!category) {
       info_.problems.push_back(
-          {0, slot.handle,
+          {host::Code::ElementUntagged,
+           {},
+           0,
+           slot.handle,
            where + (entityType.empty() ? ": the tag names no category"
                                        : ": unknown category \"" + host::text::toUtf8(entityType) + "\"")});
       return;
@@ -99,7 +102,8 @@ class Look {
     const std::string height = host::text::toUtf8(stored);
     if (OrvLib::leadingNumber(stored) != 0) element.height = height;
     if (!host::text::parseReal(height) && !height.empty())
-      info_.problems.push_back({0, slot.handle, where + ": the height is not a number: \"" + height + "\""});
+      info_.problems.push_back(
+          {host::Code::ElementValue, {}, 0, slot.handle, where + ": the height is not a number: \"" + height + "\""});
     const std::uint64_t handle = host::text::parseHandle(host::text::toUtf8(tag.hatchHandle.value_or(L"")));
     // Fences with a height name themselves.
     if (handle != 0 && handle != slot.handle) element.fill = livingFill(handle, slot, where);
@@ -114,9 +118,9 @@ class Look {
     const Slot* const fill = drawing_.findHandle(handle);
     const std::string name = where + ": its fill " + host::text::formatHandle(handle);
     if (fill == nullptr || fill->isErased()) {
-      info_.problems.push_back({0, slot.handle, name + " is not in the drawing"});
+      info_.problems.push_back({host::Code::ElementFill, {}, 0, slot.handle, name + " is not in the drawing"});
     } else if (fill->type != DxfType::Hatch) {
-      info_.problems.push_back({0, slot.handle, name + " is not a hatch"});
+      info_.problems.push_back({host::Code::ElementFill, {}, 0, slot.handle, name + " is not a hatch"});
     } else {
       return handle;
     }

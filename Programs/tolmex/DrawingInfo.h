@@ -41,7 +41,7 @@ DrawingInfo lookThrough(AcDbDatabase& database, bool measures);
 
 /// A drawing as one JSON object, as docs/info-json.md describes it.
 std::string drawingJson(const std::string& file, const DrawingInfo& info);
-std::string failedDrawingJson(const std::string& file, int status, const std::string& error);
+std::string failedDrawingJson(const std::string& file, int status, const std::string& error, std::string_view code);
 /// The document around the drawings' objects.
 std::string documentJson(const std::vector<std::string>& drawings);
 

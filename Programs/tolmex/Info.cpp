@@ -16,7 +16,11 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
-using host::editor::RunStatus;
+using host::Code;
+using host::Problem;
+using host::problemOf;
+using host::Result;
+using host::RunStatus;
 
 namespace {
 
@@ -97,54 +101,56 @@ void print(const std::string& file, const DrawingInfo& info) {
               std::string(4 - std::min<std::size_t>(number.size(), 4), ' ') + number + (color.isOff ? "  off" : ""));
   }
   const std::size_t fileProblems = printProblems(file, info.fileProblems);
-  for (const host::database::Problem& problem : info.problems) complain(RunStatus::Done, file + ": " + problem.text);
+  for (const Problem& problem : info.problems) complain(RunStatus::Done, file + ": " + problem.text);
   printLine("problems " + std::to_string(info.problems.size() + fileProblems));
 }
 
-/// Prints what is in the drawing; in JSON its object, also for one that cannot be read. A repaired copy is written when
-/// asked for.
-int describeDrawing(const fs::path& name, const InfoOptions& options) {
-  const bool json = options.json;
-  const std::string file = shownName(name);
-  const auto fail = [&](const std::string& sentence) {
-    const int status = complain(RunStatus::DrawingUnreadable, sentence);
-    if (json) std::fputs(failedDrawingJson(file, status, sentence).c_str(), stdout);
-    return status;
-  };
-  const fs::path path = readableFile(name);
-  if (path.empty()) {
-    constexpr auto kStatus = static_cast<int>(RunStatus::DrawingUnreadable);
-    if (json) std::fputs(failedDrawingJson(file, kStatus, file + ": cannot be read").c_str(), stdout);
-    return kStatus;
-  }
+/// The drawing is read and looked through; nothing of it is printed when it cannot be read.
+Result<> describe(const std::string& file, const fs::path& path, const InfoOptions& options) {
   AcDbDatabase database(false);
-  const host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
-  const auto read = host::dxf::readDrawing(host::database::databaseOf(&database), path);
-  if (!read.ok) return fail(read.message);
-  DrawingInfo info = lookThrough(database, json);
-  std::string repaired;
-  info.fileProblems = problemsOf(path, drawing, repaired);
-  if (json) {
+  host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
+  if (Result<> read = host::dxf::readDrawing(drawing, path); !read) return read;
+  DrawingInfo info = lookThrough(database, options.json);
+  host::dxf::RepairedDrawing repaired = lookThroughFile(path, drawing);
+  info.fileProblems = std::move(repaired.problems);
+  if (options.json) {
     std::fputs(drawingJson(file, info).c_str(), stdout);
   } else {
     print(file, info);
   }
-  const int status = options.repaired.empty() ? 0 : writeRepaired(file, options.repaired, repaired);
-  if (status == 0 && !options.repaired.empty() && !json) printLine("repaired copy " + options.repaired.string());
+  if (options.repaired.empty()) return {};
+  if (Result<> written = writeRepaired(file, options.repaired, repaired.bytes); !written) return written;
+  if (!options.json) printLine("repaired copy " + options.repaired.string());
+  return {};
+}
+
+/// Prints what is in the drawing; in JSON its object, also for one that cannot be read. A repaired copy is written when
+/// asked for. Answers the exit status.
+int describeDrawing(const fs::path& name, const InfoOptions& options) {
+  const std::string file = shownName(name);
+  const auto fail = [&](const Problem& problem, const std::string& sentence) {
+    const int status = complain(problem);
+    if (options.json && problem.status() == RunStatus::DrawingUnreadable)
+      std::fputs(failedDrawingJson(file, status, sentence, nameOf(problem.code)).c_str(), stdout);
+    std::fflush(stdout);
+    return status;
+  };
+  const Result<fs::path> path = readableFile(name);
+  if (!path) return fail(path.problem(), file + ": cannot be read");
+  const Result<> described = describe(file, *path, options);
+  if (!described) return fail(described.problem(), described.message());
   std::fflush(stdout);
-  return status;
+  return 0;
 }
 
 }  // namespace
 
 int describeDrawings(const InfoOptions& options) {
   if (!options.repaired.empty()) {
-    const std::string refusal =
-        options.drawings.size() > 1 ? "--repair goes with one drawing only" : refuseRepairedName(options.repaired);
-    if (!refusal.empty()) return complain(RunStatus::WrongUsage, refusal);
-    if (const RunStatus made = prepareOutputs(options.drawings, {options.repaired}, std::nullopt);
-        made != RunStatus::Done)
-      return static_cast<int>(made);
+    if (options.drawings.size() > 1) return complain(RunStatus::WrongUsage, "--repair goes with one drawing only");
+    if (const Result<> fit = checkRepairedName(options.repaired); !fit) return complain(fit.problem());
+    if (const Result<> made = prepareOutputs(options.drawings, {options.repaired}, std::nullopt); !made)
+      return complain(made.problem());
   }
   if (options.drawings.size() == 1 && !options.json) return describeDrawing(options.drawings.front(), options);
   if (std::count_if(options.drawings.begin(), options.drawings.end(), isStandardStream) > 1)
@@ -161,7 +167,7 @@ int describeDrawings(const InfoOptions& options) {
         if (!options.json) return;
         // A worker that crashed left no object.
         objects.push_back(!result.out.empty() ? result.out
-                                              : failedDrawingJson(task.drawing, result.status, result.err));
+                                              : failedDrawingJson(task.drawing, result.status, result.err, {}));
       });
   if (options.json) std::fputs(documentJson(objects).c_str(), stdout);
   return status;

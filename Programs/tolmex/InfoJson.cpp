@@ -108,8 +108,9 @@ Json shadowsOf(const DrawingInfo& info) {
 Json problemsOf(const DrawingInfo& info) {
   Json problems = Json::array();
   for (const auto* list : {&info.fileProblems, &info.problems}) {
-    for (const host::database::Problem& problem : *list)
-      problems.push_back({{"line", problem.line != 0 ? Json(problem.line) : Json(nullptr)},
+    for (const host::Problem& problem : *list)
+      problems.push_back({{"code", host::nameOf(problem.code)},
+                          {"line", problem.line != 0 ? Json(problem.line) : Json(nullptr)},
                           {"handle", problem.handle != 0 ? Json(formatHandle(problem.handle)) : Json(nullptr)},
                           {"note", problem.isNote},
                           {"text", problem.text}});
@@ -161,8 +162,9 @@ std::string drawingJson(const std::string& file, const DrawingInfo& info) {
                   {"problems", problemsOf(info)}});
 }
 
-std::string failedDrawingJson(const std::string& file, int status, const std::string& error) {
-  return spelled({{"file", file}, {"status", status}, {"error", error}});
+std::string failedDrawingJson(const std::string& file, int status, const std::string& error, std::string_view code) {
+  return spelled(
+      {{"file", file}, {"status", status}, {"error", error}, {"code", code.empty() ? Json(nullptr) : Json(code)}});
 }
 
 std::string documentJson(const std::vector<std::string>& drawings) {

@@ -19,7 +19,10 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
-using host::editor::RunStatus;
+using host::Code;
+using host::Problem;
+using host::problemOf;
+using host::Result;
 
 namespace {
 
@@ -28,8 +31,12 @@ std::string cannotBeRead(int fault) { return std::string("cannot be read: ") + s
 /// A file that is read from its beginning to its end.
 class Stream {
  public:
-  explicit Stream(const fs::path& name)
-      : file_(isStandardStream(name) ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
+  /// Problems are of this kind; `whose` begins their texts ("the script ").
+  Stream(const fs::path& name, Code code, std::string whose)
+      : file_(isStandardStream(name) ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)),
+        name_(shownName(name)),
+        code_(code),
+        whose_(std::move(whose)) {
     isKnown_ = file_ >= 0 && ::fstat(file_, &status_) == 0;
     fault_ = errno;
   }
@@ -39,19 +46,20 @@ class Stream {
   Stream(const Stream&) = delete;
   Stream& operator=(const Stream&) = delete;
 
-  /// Empty, or why it could not be opened.
-  std::string fault() const { return isKnown_ ? std::string() : cannotBeRead(fault_); }
+  Problem problem(std::string why) const { return problemOf(code_, name_, std::move(why)); }
 
-  /// Empty, or why this cannot be what is wanted ("a drawing"): devices never end.
-  std::string refusal(const char* wanted) const {
-    if (S_ISDIR(status_.st_mode)) return std::string("this is a folder, not ") + wanted;
+  /// Whether it could be opened and can be what is wanted ("a drawing"): devices never end.
+  Result<> check(const std::string& wanted) const {
+    if (!isKnown_) return problem(whose_ + cannotBeRead(fault_));
+    if (S_ISDIR(status_.st_mode)) return problem("this is a folder, not " + wanted);
     const bool isNull = S_ISCHR(status_.st_mode) && status_.st_rdev == makedev(1, 3);
     const bool isDevice = (S_ISCHR(status_.st_mode) && !isNull && ::isatty(file_) == 0) || S_ISBLK(status_.st_mode);
-    return isDevice ? std::string("this is a device, not ") + wanted : std::string();
+    if (isDevice) return problem("this is a device, not " + wanted);
+    return {};
   }
 
-  /// Empty, or why it could not be read. `take` is given the bytes piece by piece and may refuse them.
-  std::string read(std::size_t most, const std::function<bool(std::string_view)>& take) const {
+  /// `take` is given the bytes piece by piece and may refuse them.
+  Result<> read(std::size_t most, const std::function<bool(std::string_view)>& take) const {
     std::array<char, 1 << 16> buffer{};
     std::size_t size = 0;
     for (;;) {
@@ -59,14 +67,17 @@ class Stream {
       if (count < 0 && errno == EINTR) continue;
       if (count == 0) return {};
       const bool isTaken = count > 0 && take({buffer.data(), static_cast<std::size_t>(count)});
-      if (!isTaken) return cannotBeRead(errno);
+      if (!isTaken) return problem(whose_ + cannotBeRead(errno));
       size += static_cast<std::size_t>(count);
-      if (size > most) return "is longer than " + std::to_string(most >> 20) + " MB";
+      if (size > most) return problem(whose_ + "is longer than " + std::to_string(most >> 20) + " MB");
     }
   }
 
  private:
   int file_;
+  std::string name_;
+  Code code_;
+  std::string whose_;
   bool isKnown_ = false;
   int fault_ = 0;
   struct stat status_ {};
@@ -91,55 +102,41 @@ bool writeAll(int file, std::string_view bytes) {
 
 }  // namespace
 
-fs::path readableFile(const fs::path& name) {
+Result<fs::path> readableFile(const fs::path& name) {
   std::error_code error;
-  // Files are read where they are, and what cannot be opened is told of by the reader.
+  // Files are read where they are, and the reader reports what cannot be opened.
   if (!isStandardStream(name)) {
     const fs::file_status status = fs::status(name, error);
     if (!fs::is_fifo(status) && !fs::is_character_file(status) && !fs::is_block_file(status)) return name;
   }
-  const auto refused = [&](const std::string& why) {
-    complain(RunStatus::DrawingUnreadable, shownName(name) + ": " + why);
-    return fs::path();
-  };
-  const Stream stream(name);
-  if (const std::string why = stream.fault(); !why.empty()) return refused(why);
-  if (const std::string why = stream.refusal("a drawing"); !why.empty()) return refused(why);
+  const Stream stream(name, Code::DrawingUnreadable, "");
+  if (const Result<> fit = stream.check("a drawing"); !fit) return fit;
   // Kept open until the program ends, so that a path leads to it.
   const int copy = ::memfd_create("drawing", MFD_CLOEXEC);
-  if (copy < 0) return refused(cannotBeRead(errno));
-  const std::string why = stream.read(mostOfPipe(), [copy](std::string_view bytes) { return writeAll(copy, bytes); });
-  if (!why.empty()) {
+  if (copy < 0) return stream.problem(cannotBeRead(errno));
+  const Result<> read = stream.read(mostOfPipe(), [copy](std::string_view bytes) { return writeAll(copy, bytes); });
+  if (!read) {
     ::close(copy);
-    return refused(why);
+    return read;
   }
   std::string path = "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(copy);
   showFileAs(path, shownName(name));
-  return path;
+  return fs::path(path);
 }
 
-std::optional<std::string> readScript(const fs::path& name) {
-  const auto refused = [&](const std::string& why) {
-    complain(RunStatus::ScriptFailed, shownName(name) + ": " + why);
-    return std::nullopt;
-  };
-  const Stream stream(name);
-  if (const std::string why = stream.fault(); !why.empty()) return refused("the script " + why);
-  if (const std::string why = stream.refusal("a script"); !why.empty()) return refused(why);
+Result<std::string> readScript(const fs::path& name) {
+  const Stream stream(name, Code::ScriptUnreadable, "the script ");
+  if (const Result<> fit = stream.check("a script"); !fit) return fit;
   std::string bytes;
-  const std::string why = stream.read(host::editor::kLargestScript, [&bytes](std::string_view piece) {
+  const Result<> read = stream.read(host::editor::kLargestScript, [&bytes](std::string_view piece) {
     bytes += piece;
     return true;
   });
-  if (!why.empty()) return refused("the script " + why);
-  host::editor::ScriptText script = host::editor::scriptText(std::move(bytes));
-  const std::string line = shownName(name) + ":" + std::to_string(script.line) + ": ";
-  if (!script.refusal.empty()) {
-    complain(RunStatus::ScriptFailed, line + script.refusal);
-    return std::nullopt;
-  }
-  if (!script.remark.empty()) complain(RunStatus::Done, line + script.remark);
-  return std::move(script.utf8);
+  if (!read) return read;
+  Result<host::editor::ScriptText> script = host::editor::scriptText(std::move(bytes), shownName(name));
+  if (!script) return script;
+  if (script->remark) complain(*script->remark);
+  return std::move(script->utf8);
 }
 
 }  // namespace tolmex

@@ -57,7 +57,7 @@ void sayFromHandler(std::string_view sentence) {
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, sentence.data(), sentence.size());
 }
 
-Interruption::Interruption(host::editor::RunStatus status) {
+Interruption::Interruption(host::RunStatus status) {
   asked = false;
   exitStatus = static_cast<int>(status);
   sigevent event{};
@@ -80,7 +80,7 @@ Interruption::~Interruption() {
 }
 
 bool Interruption::isAsked() { return asked; }
-host::editor::RunStatus Interruption::status() { return static_cast<host::editor::RunStatus>(exitStatus.load()); }
+host::RunStatus Interruption::status() { return static_cast<host::RunStatus>(exitStatus.load()); }
 
 Interruption::Writing::Writing() { ++writing; }
 Interruption::Writing::~Writing() { --writing; }

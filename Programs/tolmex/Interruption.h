@@ -5,7 +5,7 @@
 #include <csignal>
 #include <string_view>
 
-#include "Editor/Result.h"
+#include "Problems/Problem.h"
 
 namespace tolmex {
 
@@ -21,14 +21,14 @@ class Interruption {
   static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
   /// `status` is the exit status of work that has to be ended.
-  explicit Interruption(host::editor::RunStatus status);
+  explicit Interruption(host::RunStatus status);
   ~Interruption();
   Interruption(const Interruption&) = delete;
   Interruption& operator=(const Interruption&) = delete;
 
   static bool isAsked();
   /// The exit status of interrupted work.
-  static host::editor::RunStatus status();
+  static host::RunStatus status();
 
   /// A file is being written: it may be finished first, so that no temporary file stays behind. Not for pipes: nobody
   /// may ever read from them.

@@ -13,7 +13,9 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
-using host::editor::RunStatus;
+using host::Code;
+using host::problemOf;
+using host::Result;
 
 namespace {
 
@@ -50,67 +52,64 @@ class FileSet {
 
 std::string shownName(const fs::path& name) { return isStandardStream(name) ? "standard input" : name.string(); }
 
-std::string refuseOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
-                          const fs::path& folderToCome) {
+Result<> checkOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
+                      const fs::path& folderToCome) {
   FileSet sources, results;
   for (const fs::path& input : inputs) sources.add(isStandardStream(input) ? "/dev/stdin" : input, shownName(input));
   std::error_code error;
   bool takesStandardOutput = false;
   for (const fs::path& output : outputs) {
+    const auto refused = [&output](std::string why) {
+      return problemOf(Code::OutputRefused, output.string(), std::move(why));
+    };
     if (isStandardStream(output)) {
-      if (takesStandardOutput) return "-: two outputs go to standard output";
+      if (takesStandardOutput) return refused("two outputs go to standard output");
       takesStandardOutput = true;
       continue;
     }
-    const std::string name = output.string();
-    if (fs::is_directory(output, error)) return name + ": this output is a folder";
+    if (fs::is_directory(output, error)) return refused("this output is a folder");
     // Outputs take the place of older files; a device or a pipe must not be replaced by a file.
     if (fs::exists(output, error) && !fs::is_regular_file(output, error))
-      return name + ": this output is no ordinary file";
+      return refused("this output is no ordinary file");
     const fs::path folder = output.parent_path();
     if (!folder.empty() && folder != folderToCome && !fs::is_directory(folder, error))
-      return name + ": there is no folder " + folder.string();
+      return refused("there is no folder " + folder.string());
     if (const fs::path* const input = sources.find(output))
-      return name + ": this output is the input " + input->string();
-    if (results.find(output) != nullptr) return name + ": two outputs have this name";
+      return refused("this output is the input " + input->string());
+    if (results.find(output) != nullptr) return refused("two outputs have this name");
     results.add(output);
   }
   return {};
 }
 
-RunStatus prepareOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
-                         const std::optional<fs::path>& folder) {
-  const auto refuse = [](const std::string& sentence) {
-    complain(RunStatus::OutputFailed, sentence);
-    return RunStatus::OutputFailed;
+Result<> prepareOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
+                        const std::optional<fs::path>& folder) {
+  const auto refused = [](const fs::path& name, std::string why) {
+    return problemOf(Code::OutputRefused, name.string(), std::move(why));
   };
   std::error_code error;
   if (folder && fs::exists(*folder, error) && !fs::is_directory(*folder, error))
-    return refuse(folder->string() + ": this is no folder");
-  if (const std::string refusal = refuseOutputs(inputs, outputs, folder.value_or(fs::path())); !refusal.empty())
-    return refuse(refusal);
+    return refused(*folder, "this is no folder");
+  if (Result<> checked = checkOutputs(inputs, outputs, folder.value_or(fs::path())); !checked) return checked;
   if (std::any_of(outputs.begin(), outputs.end(), isStandardStream)) {
     if (::isatty(STDOUT_FILENO) == 1)
-      return refuse("-: standard output is a terminal; name a file or send it elsewhere");
-    if (!keepStandardOutputForData()) return refuse("-: standard output cannot be written");
+      return refused("-", "standard output is a terminal; name a file or send it elsewhere");
+    if (!keepStandardOutputForData()) return refused("-", "standard output cannot be written");
   }
   if (folder && !fs::is_directory(*folder, error)) {
     fs::create_directories(*folder, error);
-    if (error) return refuse(folder->string() + ": the folder cannot be made: " + error.message());
+    if (error) return refused(*folder, "the folder cannot be made: " + error.message());
   }
-  return RunStatus::Done;
+  return {};
 }
 
-RunStatus writeOutput(const fs::path& file, std::string_view bytes) {
+Result<> writeOutput(const fs::path& file, std::string_view bytes) {
   if (!isStandardStream(file)) {
     const Interruption::Writing writing;
-    const host::dxf::FileResult written = host::dxf::writeFileWhole(file, bytes);
-    if (!written.ok) complain(RunStatus::OutputFailed, written.message);
-    return written.ok ? RunStatus::Done : RunStatus::OutputFailed;
+    return host::dxf::writeFileWhole(file, bytes);
   }
-  if (writeStandardOutput(bytes)) return RunStatus::Done;
-  complain(RunStatus::OutputFailed, "standard output cannot be written");
-  return RunStatus::OutputFailed;
+  if (writeStandardOutput(bytes)) return {};
+  return problemOf(Code::OutputFailed, "standard output cannot be written");
 }
 
 }  // namespace tolmex

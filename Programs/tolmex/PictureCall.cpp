@@ -16,13 +16,17 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
-using host::editor::RunStatus;
+using host::Code;
+using host::Problem;
+using host::problemOf;
+using host::Result;
+using host::RunStatus;
 using host::picture::PictureFormat;
 
 namespace {
 
 /// Metres in one drawing unit by $INSUNITS; without one, and for plans that say millimetres though their figures are
-/// metres, nobody can know: unitless counts as metres, as the plug-in takes them.
+/// metres, the unit is unknown: unitless counts as metres, as the plug-in takes them.
 double metresPerUnit(const host::database::DrawingDatabase& drawing) {
   switch (drawing.headerInteger("$INSUNITS", 70).value_or(0)) {
     case 1:
@@ -41,16 +45,16 @@ double metresPerUnit(const host::database::DrawingDatabase& drawing) {
 }
 
 /// The pictures a call asks for of one drawing.
-std::vector<PictureFile> picturesOf(const PictureCallOptions& options, const fs::path& drawing, std::string& refusal) {
+Result<std::vector<PictureFile>> picturesOf(const PictureCallOptions& options, const fs::path& drawing) {
   std::vector<PictureFile> pictures;
   if (!options.folder) {
-    if (const auto picture = pictureFile(options.out, options.formats, refusal)) pictures.push_back(*picture);
+    const Result<PictureFile> picture = pictureFile(options.out, options.formats);
+    if (!picture) return picture;
+    pictures.push_back(*picture);
     return pictures;
   }
-  if (isStandardStream(drawing)) {
-    refusal = "the drawing on standard input has no name for --out-dir; name the picture";
-    return pictures;
-  }
+  if (isStandardStream(drawing))
+    return problemOf(Code::WrongUsage, "the drawing on standard input has no name for --out-dir; name the picture");
   for (const PictureFormat format : options.formats.empty() ? std::vector{PictureFormat::Png} : options.formats)
     pictures.push_back({outputIn(*options.folder, drawing, endingOf(format)), format});
   return pictures;
@@ -59,27 +63,31 @@ std::vector<PictureFile> picturesOf(const PictureCallOptions& options, const fs:
 RunStatus writeAll(const host::database::DrawingDatabase& drawing, const PictureCallOptions& options,
                    const std::vector<PictureFile>& pictures) {
   RunStatus status = RunStatus::Done;
-  for (const PictureFile& picture : pictures)
-    status = std::max(status, writePicture(drawing, options.picture, picture));
+  for (const PictureFile& picture : pictures) {
+    const Result<> written = writePicture(drawing, options.picture, picture);
+    if (!written) complain(written.problem());
+    status = std::max(status, written.status());
+  }
   return status;
 }
 
 int pictureDrawing(const PictureCallOptions& options, const fs::path& name, const std::vector<PictureFile>& pictures) {
   const Interruption interruption(RunStatus::OutputFailed);
-  const fs::path file = readableFile(name);
-  if (file.empty()) return static_cast<int>(RunStatus::DrawingUnreadable);
+  const Result<fs::path> file = readableFile(name);
+  if (!file) return complain(file.problem());
   if (!options.variables.empty()) {
+    ProblemPrinter printer;
     host::editor::ApplicationOptions settings;
     settings.supportFolders = options.supportFolders;
-    settings.problem = [](std::string_view sentence) { complain(RunStatus::Done, std::string(sentence)); };
+    settings.observer = &printer;
     host::editor::Application application(settings);
-    const RunStatus opened = openDrawing(application, file, options.variables);
-    return static_cast<int>(opened != RunStatus::Done ? opened : writeAll(*application.drawing(), options, pictures));
+    const Result<> opened = openDrawing(application, *file, options.variables);
+    return opened ? static_cast<int>(writeAll(*application.drawing(), options, pictures))
+                  : sayUnopened(opened.problem());
   }
   AcDbDatabase database(false);
   host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
-  if (const auto read = host::dxf::readDrawing(drawing, file); !read.ok)
-    return static_cast<int>(sayUnopened({RunStatus::DrawingUnreadable, read.message}));
+  if (const Result<> read = host::dxf::readDrawing(drawing, *file); !read) return sayUnopened(read.problem());
   printProblems(shownName(name), drawing.problems());
   return static_cast<int>(writeAll(drawing, options, pictures));
 }
@@ -95,52 +103,47 @@ fs::path outputIn(const fs::path& folder, const fs::path& drawing, std::string_v
   return folder / (drawing.stem().string() + std::string(ending));
 }
 
-std::optional<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureFormat>& formats,
-                                       std::string& refusal) {
-  if (formats.size() > 1) {
-    refusal = "--format: several formats go with --out-dir only";
-    return std::nullopt;
-  }
+Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureFormat>& formats) {
+  if (formats.size() > 1) return problemOf(Code::WrongUsage, "--format: several formats go with --out-dir only");
   if (isStandardStream(file)) return PictureFile{file, formats.empty() ? PictureFormat::Png : formats.front()};
   const std::string name = file.empty() ? "\"\"" : file.string();
   const auto format = host::picture::formatOfFile(file.string());
-  if (!format) {
-    refusal = name + ": a picture's name must end in .png, .svg or .pdf";
-  } else if (!formats.empty() && formats.front() != *format) {
-    refusal = name + ": the name and --format ask for different formats";
-  } else {
-    return PictureFile{file, *format};
-  }
-  return std::nullopt;
+  if (!format) return problemOf(Code::WrongUsage, name, "a picture's name must end in .png, .svg or .pdf");
+  if (!formats.empty() && formats.front() != *format)
+    return problemOf(Code::WrongUsage, name, "the name and --format ask for different formats");
+  return PictureFile{file, *format};
 }
 
-RunStatus writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
-                       const PictureFile& picture) {
+Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
+                      const PictureFile& picture) {
   options.metresPerUnit = metresPerUnit(drawing);
   const std::string name = isStandardStream(picture.file) ? "standard output" : picture.file.string();
-  host::picture::PictureResult result;
+  const auto inFile = [&name](Problem problem) {
+    problem.file = name;
+    return problem;
+  };
   try {
-    result = host::picture::drawPicture(drawing, options, picture.format);
+    const Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
+    if (!made) return inFile(made.problem());
+    if (made->remark) complain(inFile(*made->remark));
+    return writeOutput(picture.file, made->bytes);
   } catch (const std::bad_alloc&) {
-    result.ok = false;
-    result.message = "there is not enough memory for this picture";
+    return problemOf(Code::OutputFailed, name, "there is not enough memory for this picture");
   }
-  if (!result.message.empty()) complain(RunStatus::Done, name + ": " + result.message);
-  return result.ok ? writeOutput(picture.file, result.bytes) : RunStatus::OutputFailed;
 }
 
 int pictureDrawings(const PictureCallOptions& options) {
   std::vector<std::vector<PictureFile>> pictures;
   std::vector<fs::path> files;
-  std::string refusal = refuseVariables(options.variables);
+  if (const Result<> fit = checkVariables(options.variables); !fit) return complain(fit.problem());
   for (const fs::path& drawing : options.drawings) {
-    if (!refusal.empty()) break;
-    pictures.push_back(picturesOf(options, drawing, refusal));
+    Result<std::vector<PictureFile>> asked = picturesOf(options, drawing);
+    if (!asked) return complain(asked.problem());
+    pictures.push_back(std::move(asked.value()));
     for (const PictureFile& picture : pictures.back()) files.push_back(picture.file);
   }
-  if (!refusal.empty()) return complain(RunStatus::WrongUsage, refusal);
-  if (const RunStatus made = prepareOutputs(options.drawings, files, options.folder); made != RunStatus::Done)
-    return static_cast<int>(made);
+  if (const Result<> made = prepareOutputs(options.drawings, files, options.folder); !made)
+    return complain(made.problem());
   return forEachDrawing(options, RunStatus::OutputFailed,
                         [&](std::size_t i) { return pictureDrawing(options, options.drawings[i], pictures[i]); });
 }

@@ -11,10 +11,13 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
+using host::Code;
+using host::Problem;
+using host::problemOf;
+using host::Result;
+using host::RunStatus;
 using host::editor::Application;
 using host::editor::Prompter;
-using host::editor::Result;
-using host::editor::RunStatus;
 
 namespace {
 
@@ -35,15 +38,16 @@ void pictureCommand(Application& application, Prompter& prompter) {
     prompter.refuse(L"The picture's name must end in .png, .svg or .pdf.");
     return;
   }
-  const std::string refusal = refuseOutputs({application.drawingFile()}, {path});
-  if (!refusal.empty()) {
-    prompter.fail(RunStatus::OutputFailed, host::text::fromUtf8(refusal));
+  if (const Result<> fit = checkOutputs({application.drawingFile()}, {path}); !fit) {
+    prompter.fail(fit.problem());
     return;
   }
   host::picture::PictureOptions options;
   options.layout = host::text::toUtf8(application.currentLayoutName());
-  if (writePicture(*application.drawing(), options, {path, *format}) != RunStatus::Done)
-    prompter.fail(RunStatus::OutputFailed, L"the picture could not be made");
+  if (const Result<> written = writePicture(*application.drawing(), options, {path, *format}); !written) {
+    complain(written.problem());
+    prompter.fail(Code::OutputFailed, L"the picture could not be made");
+  }
 }
 
 }  // namespace
@@ -55,7 +59,7 @@ std::vector<fs::path> PlanOutputs::files() const {
   return all;
 }
 
-PlanOutputs outputsOf(const RunOptions& options, const fs::path& drawing, std::string& refusal) {
+Result<PlanOutputs> outputsOf(const RunOptions& options, const fs::path& drawing) {
   PlanOutputs outputs;
   outputs.drawing = options.out;
   if (options.folder) {
@@ -65,47 +69,52 @@ PlanOutputs outputsOf(const RunOptions& options, const fs::path& drawing, std::s
   }
   for (const fs::path& file : options.pictures) {
     const bool isStream = isStandardStream(file);
-    const auto picture = pictureFile(file, isStream ? options.formats : decltype(options.formats){}, refusal);
-    if (!picture) return {};
+    const Result<PictureFile> picture = pictureFile(file, isStream ? options.formats : decltype(options.formats){});
+    if (!picture) return picture;
     outputs.pictures.push_back(*picture);
   }
   return outputs;
 }
 
-std::string refuseVariables(const std::vector<std::string>& variables) {
+namespace {
+
+Problem refused(std::string sentence) { return problemOf(Code::WrongUsage, std::move(sentence)); }
+
+}  // namespace
+
+Result<> checkVariables(const std::vector<std::string>& variables) {
   for (const std::string& variable : variables) {
     const std::size_t equals = variable.find('=');
-    if (equals == std::string::npos || equals == 0) return "--set " + variable + ": give it as NAME=VALUE";
+    if (equals == std::string::npos || equals == 0) return refused("--set " + variable + ": give it as NAME=VALUE");
     if (host::text::toUtf8(host::text::fromUtf8(variable)) != variable)
-      return "--set " + variable + ": the value is not UTF-8";
+      return refused("--set " + variable + ": the value is not UTF-8");
   }
   return {};
 }
 
-std::string refuseRunOptions(const RunOptions& options) {
+Result<> checkRunOptions(const RunOptions& options) {
   if (options.drawings.size() > 1 && options.out)
-    return "--out names one file; with several drawings give --out-dir DIR";
+    return refused("--out names one file; with several drawings give --out-dir DIR");
   if (options.drawings.size() > 1 && !options.pictures.empty())
-    return "--picture names one file; with several drawings give --out-dir DIR --format png";
+    return refused("--picture names one file; with several drawings give --out-dir DIR --format png");
   const bool drawsToStream =
       std::find_if(options.pictures.begin(), options.pictures.end(), isStandardStream) != options.pictures.end();
   if (!options.formats.empty() && !options.folder && !drawsToStream)
-    return "--format goes with --out-dir DIR, or with a picture on standard output (--picture -)";
-  std::string refusal;
+    return refused("--format goes with --out-dir DIR, or with a picture on standard output (--picture -)");
   for (const fs::path& drawing : options.drawings) {
-    outputsOf(options, drawing, refusal);
-    if (!refusal.empty()) return refusal;
+    if (const Result<PlanOutputs> outputs = outputsOf(options, drawing); !outputs) return outputs;
     if (options.folder && isStandardStream(drawing))
-      return "the drawing on standard input has no name for --out-dir; give --out FILE";
+      return refused("the drawing on standard input has no name for --out-dir; give --out FILE");
   }
   if (options.out && !isStandardStream(*options.out) &&
       host::text::folded(host::text::fromUtf8(options.out->extension().string())) != L".dxf")
-    return (options.out->empty() ? "\"\"" : options.out->string()) +
-           ": drawings are saved as DXF; the name must end in .dxf";
+    return problemOf(Code::WrongUsage, options.out->empty() ? "\"\"" : options.out->string(),
+                     "drawings are saved as DXF; the name must end in .dxf");
   for (const std::string& line : options.commands) {
-    if (host::text::toUtf8(host::text::fromUtf8(line)) != line) return "--command " + line + ": the line is not UTF-8";
+    if (host::text::toUtf8(host::text::fromUtf8(line)) != line)
+      return refused("--command " + line + ": the line is not UTF-8");
   }
-  return refuseVariables(options.variables);
+  return checkVariables(options.variables);
 }
 
 namespace {
@@ -125,62 +134,57 @@ PlanSession::PlanSession(const RunOptions& options, host::editor::ApplicationOpt
       L"draws the drawing into a .png, .svg or .pdf file");
 }
 
-RunStatus sayUnopened(const Result& opened) {
+void ProblemPrinter::report(const Problem& problem) { complain(RunStatus::Done, problem.sentence()); }
+
+int sayUnopened(const Problem& problem) {
   // Ctrl+C at a terminal ends the process that reads DWG drawings too, and the drawing seems to be at fault.
-  if (!Interruption::isAsked()) {
-    complain(opened.status, opened.message);
-    return opened.status;
-  }
+  if (!Interruption::isAsked() || problem.status() != RunStatus::DrawingUnreadable) return complain(problem);
   complain(RunStatus::ScriptFailed, "interrupted; nothing was written");
-  return Interruption::status();
+  return static_cast<int>(Interruption::status());
 }
 
-RunStatus openDrawing(Application& application, const fs::path& file, const std::vector<std::string>& variables) {
-  if (const Result opened = file.empty() ? application.newDrawing() : application.openDrawing(file); !opened)
-    return sayUnopened(opened);
+Result<> openDrawing(Application& application, const fs::path& file, const std::vector<std::string>& variables) {
+  if (Result<> opened = file.empty() ? application.newDrawing() : application.openDrawing(file); !opened) return opened;
   for (const std::string& variable : variables) {
     const std::size_t equals = variable.find('=');
-    const Result set = application.setVariable(host::text::fromUtf8(variable.substr(0, equals)),
-                                               host::text::fromUtf8(variable.substr(equals + 1)));
-    if (set) continue;
-    complain(set.status, "--set " + variable + ": " + set.message);
-    return set.status;
+    const Result<> set = application.setVariable(host::text::fromUtf8(variable.substr(0, equals)),
+                                                 host::text::fromUtf8(variable.substr(equals + 1)));
+    if (!set) return problemOf(set.problem().code, "--set " + variable + ": " + set.message());
   }
-  return RunStatus::Done;
+  return {};
 }
 
-RunStatus PlanSession::open(const fs::path& drawing) {
-  const fs::path file = drawing.empty() ? drawing : readableFile(drawing);
-  if (file.empty() && !drawing.empty()) return RunStatus::DrawingUnreadable;
-  if (const RunStatus opened = openDrawing(application_, file, options_.variables); opened != RunStatus::Done)
-    return opened;
+Result<> PlanSession::open(const fs::path& drawing) {
+  fs::path file;
+  if (!drawing.empty()) {
+    Result<fs::path> readable = readableFile(drawing);
+    if (!readable) return readable;
+    file = std::move(readable.value());
+  }
+  if (Result<> opened = openDrawing(application_, file, options_.variables); !opened) return opened;
   const fs::path plugIn = plugInFile();
-  if (plugIn.empty()) {
-    complain(RunStatus::WrongUsage, "/proc/self/exe cannot be read; it tells where the plug-in lies");
-    return RunStatus::WrongUsage;
-  }
-  const Result loaded = application_.loadModule(plugIn);
-  if (!loaded) complain(loaded.status, loaded.message);
-  return loaded.status;
+  if (plugIn.empty())
+    return problemOf(Code::ModuleRefused, "/proc/self/exe cannot be read; it tells where the plug-in lies");
+  return application_.loadModule(plugIn);
 }
 
-RunStatus PlanSession::save(const fs::path& file) {
+Result<> PlanSession::save(const fs::path& file) {
   if (isStandardStream(file)) {
-    std::string text;
-    const Result made = application_.drawingText(text);
-    if (made) return writeOutput(file, text);
-    complain(made.status, made.message);
-    return made.status;
+    const Result<std::string> text = application_.drawingText();
+    if (!text) return text;
+    return writeOutput(file, *text);
   }
   const Interruption::Writing writing;
-  const Result saved = application_.saveDrawing(file);
-  if (!saved) complain(saved.status, saved.message);
-  return saved.status;
+  return application_.saveDrawing(file);
 }
 
 RunStatus PlanSession::write(const PlanOutputs& outputs) {
   RunStatus status = RunStatus::Done;
-  if (outputs.drawing) status = save(*outputs.drawing);
+  const auto count = [&status](const Result<>& written) {
+    if (!written) complain(written.problem());
+    status = std::max(status, written.status());
+  };
+  if (outputs.drawing) count(save(*outputs.drawing));
   for (const PictureFile& picture : outputs.pictures) {
     if (Interruption::isAsked()) {
       complain(RunStatus::ScriptFailed, "interrupted; " + picture.file.string() + " was not written");
@@ -188,7 +192,7 @@ RunStatus PlanSession::write(const PlanOutputs& outputs) {
     }
     host::picture::PictureOptions options;
     options.layout = host::text::toUtf8(application_.currentLayoutName());
-    status = std::max(status, writePicture(*application_.drawing(), options, picture));
+    count(writePicture(*application_.drawing(), options, picture));
   }
   return status;
 }

@@ -15,29 +15,35 @@ struct PlanOutputs {
   std::vector<std::filesystem::path> files() const;
 };
 
-/// The outputs a call names for one of its drawings; `refusal` is one sentence when a name cannot be used.
-PlanOutputs outputsOf(const RunOptions& options, const std::filesystem::path& drawing, std::string& refusal);
-/// Wrong usage of a call that opens drawings; one sentence, or empty.
-std::string refuseRunOptions(const RunOptions& options);
+/// The outputs a call names for one of its drawings; refuses names that cannot be used.
+host::Result<PlanOutputs> outputsOf(const RunOptions& options, const std::filesystem::path& drawing);
+/// Refuses wrong usage of a call that opens drawings.
+host::Result<> checkRunOptions(const RunOptions& options);
 
-/// Says why a drawing could not be opened, or that the work was interrupted; the exit status.
-host::editor::RunStatus sayUnopened(const host::editor::Result& opened);
-/// Opens a drawing (an empty path: a new one) and sets the variables. A failure has been printed.
-host::editor::RunStatus openDrawing(host::editor::Application& application, const std::filesystem::path& file,
-                                    const std::vector<std::string>& variables);
+/// Prints why a drawing could not be opened, or that the work was interrupted; answers the exit status.
+int sayUnopened(const host::Problem& problem);
+/// Opens a drawing (an empty path: a new one) and sets the variables.
+host::Result<> openDrawing(host::editor::Application& application, const std::filesystem::path& file,
+                           const std::vector<std::string>& variables);
+
+/// Prints the problems that the host reports.
+class ProblemPrinter : public host::editor::Observer {
+ public:
+  void report(const host::Problem& problem) override;
+};
 
 class PlanSession {
  public:
   PlanSession(const RunOptions& options, host::editor::ApplicationOptions settings);
 
   host::editor::Application& application() { return application_; }
-  /// Opens the drawing (an empty path: a new one), sets the variables, loads the plug-in. A failure has been printed.
-  host::editor::RunStatus open(const std::filesystem::path& drawing);
+  /// Opens the drawing (an empty path: a new one), sets the variables, loads the plug-in.
+  host::Result<> open(const std::filesystem::path& drawing);
   /// Saves and draws the current drawing; every failure is printed, none stops the rest.
-  host::editor::RunStatus write(const PlanOutputs& outputs);
+  host::RunStatus write(const PlanOutputs& outputs);
 
  private:
-  host::editor::RunStatus save(const std::filesystem::path& file);
+  host::Result<> save(const std::filesystem::path& file);
 
   const RunOptions& options_;
   host::editor::Application application_;

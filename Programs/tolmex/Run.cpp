@@ -15,8 +15,8 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
-using host::editor::Result;
-using host::editor::RunStatus;
+using host::Result;
+using host::RunStatus;
 
 namespace {
 
@@ -24,13 +24,13 @@ struct Script {
   std::string text, name;
 };
 
-/// The script file with the inline lines behind it. Nothing when it cannot be read, which has been said.
-std::optional<Script> wholeScript(const RunOptions& options) {
+/// The script file with the inline lines behind it.
+Result<Script> wholeScript(const RunOptions& options) {
   Script script{{}, "--command"};
   if (!options.script.empty()) {
     script.name = shownName(options.script);
-    std::optional<std::string> text = readScript(options.script);
-    if (!text) return std::nullopt;
+    Result<std::string> text = readScript(options.script);
+    if (!text) return text;
     script.text = std::move(*text);
     if (!script.text.empty() && script.text.back() != '\n') script.text += '\n';
   }
@@ -46,10 +46,10 @@ class WatchedScript final : public host::editor::InputSource {
         lines_(static_cast<double>(std::count(script.text.begin(), script.text.end(), '\n'))),
         bar_(bar) {}
   host::editor::Answer next(const host::editor::Question& question) override {
-    bar_.show(input_.place(), input_.lineNumber() / std::max(1.0, lines_));
+    bar_.show(input_.place().shown(), input_.lineNumber() / std::max(1.0, lines_));
     return input_.next(question);
   }
-  std::string place() const override { return input_.place(); }
+  host::editor::Place place() const override { return input_.place(); }
 
  private:
   host::editor::ScriptInput input_;
@@ -57,26 +57,40 @@ class WatchedScript final : public host::editor::InputSource {
   ProgressBar& bar_;
 };
 
+/// Shows what a script does: transcript, problems, how far the work has come.
+class RunScreen final : public ProblemPrinter {
+ public:
+  // A transcript on the screen shows how far the work has come.
+  explicit RunScreen(bool isQuiet) : isQuiet_(isQuiet), bar_(isQuiet || ::isatty(STDOUT_FILENO) == 0) {}
+  ProgressBar& bar() { return bar_; }
+  void print(std::wstring_view text) override {
+    if (!isQuiet_) printTranscript(text);
+  }
+  void showProgress(std::wstring_view label, double fraction) override { showMeter(bar_, label, fraction); }
+
+ private:
+  bool isQuiet_;
+  ProgressBar bar_;
+};
+
 RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const PlanOutputs& outputs,
                      const Script& script) {
+  RunScreen screen(options.quiet);
   host::editor::ApplicationOptions settings;
-  // A transcript on the screen shows how far the work has come.
-  ProgressBar bar(options.quiet || ::isatty(STDOUT_FILENO) == 0);
-  if (!options.quiet) settings.transcript = printTranscript;
-  settings.problem = [](std::string_view sentence) { complain(RunStatus::Done, std::string(sentence)); };
+  settings.observer = &screen;
   settings.isStrict = options.strict;
-  settings.meter = [&](std::wstring_view label, double fraction) { showMeter(bar, label, fraction); };
   PlanSession session(options, settings);
-  if (const RunStatus opened = session.open(drawing); opened != RunStatus::Done) return opened;
+  if (const Result<> opened = session.open(drawing); !opened)
+    return static_cast<RunStatus>(sayUnopened(opened.problem()));
 
-  WatchedScript input(script, bar);
+  WatchedScript input(script, screen.bar());
   // A call without a script only converts or draws.
-  const Result result = script.text.empty() ? Result{} : session.application().run(input);
+  const Result<> result = script.text.empty() ? Result<>() : session.application().run(input);
   ProgressBar::clear();
   std::fflush(stdout);
   if (!result) {
-    complain(result.status, result.message + (outputs.isEmpty() ? "" : "; nothing was written"));
-    return result.status;
+    complain(result.status(), result.message() + (outputs.isEmpty() ? "" : "; nothing was written"));
+    return result.status();
   }
   if (session.application().drawing() == nullptr) {
     if (outputs.isEmpty()) return RunStatus::Done;
@@ -89,28 +103,27 @@ RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const P
 }  // namespace
 
 int runDrawings(const RunOptions& options) {
-  if (const std::string refusal = refuseRunOptions(options); !refusal.empty())
-    return complain(RunStatus::WrongUsage, refusal);
+  if (const Result<> fit = checkRunOptions(options); !fit) return complain(fit.problem());
   std::vector<PlanOutputs> outputs;
   std::vector<fs::path> inputs = options.drawings, files;
-  std::string refusal;
   for (const fs::path& drawing : options.drawings) {
-    outputs.push_back(outputsOf(options, drawing, refusal));
+    Result<PlanOutputs> named = outputsOf(options, drawing);
+    if (!named) return complain(named.problem());
+    outputs.push_back(std::move(named.value()));
     for (const fs::path& file : outputs.back().files()) files.push_back(file);
   }
   if (!options.script.empty()) inputs.push_back(options.script);
   if (std::count_if(inputs.begin(), inputs.end(), isStandardStream) > 1)
     return complain(RunStatus::WrongUsage, "-: standard input can be one drawing, or the script");
-  if (const RunStatus made = prepareOutputs(inputs, files, options.folder); made != RunStatus::Done)
-    return static_cast<int>(made);
+  if (const Result<> made = prepareOutputs(inputs, files, options.folder); !made) return complain(made.problem());
 
-  std::optional<Script> script;
-  {
+  const Result<Script> script = [&options]() -> Result<Script> {
     const Interruption interruption(RunStatus::ScriptFailed);
-    script = wholeScript(options);
-    if (Interruption::isAsked()) return complain(RunStatus::ScriptFailed, "interrupted; nothing was written");
-  }
-  if (!script) return static_cast<int>(RunStatus::ScriptFailed);
+    Result<Script> read = wholeScript(options);
+    if (Interruption::isAsked()) return host::problemOf(host::Code::Interrupted, "interrupted; nothing was written");
+    return read;
+  }();
+  if (!script) return complain(script.problem());
   return forEachDrawing(options, RunStatus::ScriptFailed, [&](std::size_t i) {
     const Interruption interruption(RunStatus::ScriptFailed);
     return static_cast<int>(runDrawing(options, options.drawings[i], outputs[i], *script));

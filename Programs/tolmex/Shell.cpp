@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <utility>
 
 #include "Commands.h"
@@ -22,10 +21,10 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
+using host::RunStatus;
 using host::editor::AnswerForm;
 using host::editor::Application;
 using host::editor::Question;
-using host::editor::RunStatus;
 
 namespace {
 
@@ -33,9 +32,9 @@ constexpr std::wstring_view kCommandPrompt = L"Command: ";
 constexpr const wchar_t* kEscape = L"\x1b";
 
 /// The transcript on the screen. What the user typed stands there already, so the echo of a typed line is left out.
-class Screen {
+class Screen final : public host::editor::Observer {
  public:
-  void print(std::wstring_view text) {
+  void print(std::wstring_view text) override {
     if (pending_ == Pending::Echo && !text.starts_with(L'\n')) {
       pending_ = Pending::Break;
       return;
@@ -45,6 +44,12 @@ class Screen {
     const std::size_t end = text.rfind(L'\n');
     tail_ = end == std::wstring_view::npos ? tail_ + std::wstring(text) : std::wstring(text.substr(end + 1));
   }
+
+  void report(const host::Problem& problem) override {
+    startLine();
+    complain(RunStatus::Done, problem.sentence());
+  }
+  void showProgress(std::wstring_view label, double fraction) override { showMeter(bar_, label, fraction); }
 
   /// Takes the unfinished line off the screen: the line editor shows it again as its prompt.
   std::string takePrompt() {
@@ -59,14 +64,6 @@ class Screen {
     return host::text::toUtf8(tail_);
   }
 
-  /// Ends an unfinished line; the break that the transcript still owes it is left out then.
-  void startLine() {
-    if (tail_.empty()) return;
-    std::printf("\n");
-    tail_.clear();
-    pending_ = Pending::Break;
-  }
-
   /// A line was typed behind the prompt; the cursor stands on the next one.
   void lineWasTyped() {
     pending_ = Pending::Echo;
@@ -75,9 +72,32 @@ class Screen {
   void lineWasLeft() { tail_.clear(); }
 
  private:
+  /// Ends an unfinished line; the break that the transcript still owes it is left out then.
+  void startLine() {
+    if (tail_.empty()) return;
+    std::printf("\n");
+    tail_.clear();
+    pending_ = Pending::Break;
+  }
+
   enum class Pending { Nothing, Echo, Break };
   Pending pending_ = Pending::Nothing;  // of the echo that is left out
   std::wstring tail_;
+  ProgressBar bar_;
+};
+
+/// What commands from a pipe lead to.
+class PipeScreen final : public ProblemPrinter {
+ public:
+  explicit PipeScreen(bool isQuiet) : isQuiet_(isQuiet) {}
+  void print(std::wstring_view text) override {
+    if (!isQuiet_) printTranscript(text);
+  }
+  void showProgress(std::wstring_view label, double fraction) override { showMeter(bar_, label, fraction); }
+
+ private:
+  bool isQuiet_;
+  ProgressBar bar_;
 };
 
 /// Asks for the list of controls once when a dialog opens.
@@ -104,7 +124,7 @@ class ShellInterruption {
   ~ShellInterruption() { std::signal(SIGINT, former_); }
   ShellInterruption(const ShellInterruption&) = delete;
   ShellInterruption& operator=(const ShellInterruption&) = delete;
-  /// Somebody was asked something: the next Ctrl+C is a first one.
+  /// The user was asked something: the next Ctrl+C is a first one.
   static void forget() { asked_ = 0; }
 
  private:
@@ -160,16 +180,17 @@ class TerminalInput final : public host::editor::LineInput {
   DialogGreeting greeting_;
 };
 
-/// Lines of a pipe. Failures do not end it, as they do not end the work of somebody who types.
+/// Lines of a pipe. Failures do not end it, as they do not end the work of a user who types.
 class PipeInput final : public host::editor::LineInput {
  public:
-  /// `problem` is told of lines that are not UTF-8.
-  explicit PipeInput(std::function<void(std::string_view)> problem) : problem_(std::move(problem)) {}
+  PipeInput() = default;
+  PipeInput(const PipeInput&) = delete;
+  PipeInput& operator=(const PipeInput&) = delete;
   ~PipeInput() override { std::free(buffer_); }
   /// Whether a line could not be taken as text.
   bool hasRefused() const { return hasRefused_; }
   bool isInteractive() const override { return true; }
-  std::string place() const override { return "standard input:" + std::to_string(lines_); }
+  host::editor::Place place() const override { return {kName, lines_}; }
 
  protected:
   std::optional<std::wstring> readLine(const Question& question) override {
@@ -180,23 +201,26 @@ class PipeInput final : public host::editor::LineInput {
     ++lines_;
     std::string_view line(buffer_, static_cast<std::size_t>(count));
     if (line.ends_with('\n')) line.remove_suffix(1);
-    const host::editor::ScriptText text = host::editor::scriptText(std::string(line));
-    if (!text.refusal.empty()) {
+    host::Result<host::editor::ScriptText> text = host::editor::scriptText(std::string(line), kName);
+    if (!text) {
       hasRefused_ = true;
-      problem_(place() + ": " + text.refusal);
+      text.problem().line = lines_;
+      complain(RunStatus::Done, text.message());
       return kEscape;
     }
-    if (!text.remark.empty() && !std::exchange(isRemarked_, true))
-      complain(RunStatus::Done, place() + ": " + text.remark);
-    return host::text::fromUtf8(text.utf8);
+    if (text->remark && !std::exchange(isRemarked_, true)) {
+      text->remark->line = lines_;
+      complain(*text->remark);
+    }
+    return host::text::fromUtf8(text->utf8);
   }
 
  private:
   char* buffer_ = nullptr;
   std::size_t size_ = 0;
-  int lines_ = 0;
+  static constexpr const char* kName = "standard input";
+  std::size_t lines_ = 0;
   bool isRemarked_ = false;  // on the encoding
-  std::function<void(std::string_view)> problem_;
   bool hasRefused_ = false;
   DialogGreeting greeting_;
 };
@@ -211,41 +235,32 @@ RunStatus typeCommands(PlanSession& session, Screen& screen) {
       Terminal::historyFile());
   TerminalInput input(terminal, screen);
   const ShellInterruption interruption;
-  const host::editor::Result result = session.application().run(input);
-  return result.status;
+  return session.application().run(input).status();
 }
 
 }  // namespace
 
 int runShell(const RunOptions& options) {
-  if (const std::string refusal = refuseRunOptions(options); !refusal.empty())
-    return complain(RunStatus::WrongUsage, refusal);
+  if (const host::Result<> fit = checkRunOptions(options); !fit) return complain(fit.problem());
   const fs::path drawing = options.drawings.empty() ? fs::path() : options.drawings.front();
   if (isStandardStream(drawing))
     return complain(RunStatus::WrongUsage, "-: shell reads commands from standard input; name the drawing's file");
-  std::string refusal;
-  const PlanOutputs outputs = outputsOf(options, drawing, refusal);
+  const host::Result<PlanOutputs> named = outputsOf(options, drawing);
+  if (!named) return complain(named.problem());
+  const PlanOutputs& outputs = *named;
   const std::vector<fs::path> inputs = drawing.empty() ? std::vector<fs::path>{} : std::vector{drawing};
-  if (const RunStatus made = prepareOutputs(inputs, outputs.files(), options.folder); made != RunStatus::Done)
-    return static_cast<int>(made);
+  if (const host::Result<> made = prepareOutputs(inputs, outputs.files(), options.folder); !made)
+    return complain(made.problem());
 
   const bool atTerminal = Terminal::isThere();
   Screen screen;
-  ProgressBar bar;
+  PipeScreen pipeScreen(options.quiet);
   host::editor::ApplicationOptions settings;
   settings.problemsOnScreen = atTerminal;
-  if (atTerminal) {
-    settings.transcript = [&](std::wstring_view text) { screen.print(text); };
-  } else if (!options.quiet) {
-    settings.transcript = printTranscript;
-  }
-  settings.problem = [&](std::string_view sentence) {
-    if (atTerminal) screen.startLine();
-    complain(RunStatus::Done, std::string(sentence));
-  };
-  settings.meter = [&](std::wstring_view label, double fraction) { showMeter(bar, label, fraction); };
+  settings.observer = &pipeScreen;
+  if (atTerminal) settings.observer = &screen;
   PlanSession session(options, settings);
-  if (const RunStatus opened = session.open(drawing); opened != RunStatus::Done) return static_cast<int>(opened);
+  if (const host::Result<> opened = session.open(drawing); !opened) return sayUnopened(opened.problem());
   if (atTerminal) {
     const std::string name = drawing.empty() ? "a new drawing" : drawing.filename().string();
     screen.print(
@@ -259,8 +274,8 @@ int runShell(const RunOptions& options) {
     status = typeCommands(session, screen);
   } else {
     const Interruption interruption(RunStatus::ScriptFailed);
-    PipeInput input(settings.problem);
-    session.application().run(input);
+    PipeInput input;
+    const host::Result<> result = session.application().run(input);
     if (session.application().hasFailed() || input.hasRefused() || Interruption::isAsked())
       status = RunStatus::ScriptFailed;
   }

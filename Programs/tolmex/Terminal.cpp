@@ -14,6 +14,7 @@
 #include <cwctype>
 #include <memory>
 #include <string_view>
+#include <tuple>
 
 #include "Dxf/DxfFile.h"
 #include "Text/Text.h"
@@ -110,7 +111,7 @@ struct Terminal::Editor {
     std::rewind(file.get());
     if (std::fread(text.data(), 1, text.size(), file.get()) != text.size()) return;
     const mode_t former = ::umask(077);
-    host::dxf::writeFileWhole(historyFile, text);
+    std::ignore = host::dxf::writeFileWhole(historyFile, text);
     ::umask(former);
   }
 

@@ -29,7 +29,7 @@ class Terminal {
     Line,    // Enter
     Cancel,  // Esc or Ctrl+C
     Leave,   // Ctrl+D on an empty line
-    Gone     // nobody is there any more
+    Gone     // the terminal is closed
   };
   struct Typed {
     Key key = Key::Gone;

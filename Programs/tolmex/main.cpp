@@ -11,7 +11,7 @@
 #include "CommandLine.h"
 #include "Console.h"
 
-using host::editor::RunStatus;
+using host::RunStatus;
 
 namespace {
 

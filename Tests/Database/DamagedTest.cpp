@@ -16,9 +16,9 @@ void exercise(const std::string& text) {
   AcDbDatabase db(false);
   DrawingDatabase& drawing = databaseOf(&db);
   const auto result = host::dxf::readDrawingText(drawing, text, "damaged.dxf");
-  if (!result.ok) {
-    EXPECT_EQ(result.message.substr(0, 11), "damaged.dxf") << result.message;
-    EXPECT_EQ(result.message.find('\n'), std::string::npos);
+  if (!result.ok()) {
+    EXPECT_EQ(result.message().substr(0, 11), "damaged.dxf") << result.message();
+    EXPECT_EQ(result.message().find('\n'), std::string::npos);
     return;
   }
   acdbHostApplicationServices()->setWorkingDatabase(&db);
@@ -28,7 +28,7 @@ void exercise(const std::string& text) {
   const std::string saved = host::dxf::drawingText(drawing);
   AcDbDatabase again(false);
   const auto reread = host::dxf::readDrawingText(databaseOf(&again), saved, "again");
-  EXPECT_TRUE(reread.ok) << reread.message;
+  EXPECT_TRUE(reread.ok()) << reread.message();
   for (const Problem& problem : databaseOf(&again).problems()) ADD_FAILURE() << problem.text;
   drawing.undo();
 }

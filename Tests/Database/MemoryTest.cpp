@@ -186,7 +186,7 @@ std::unique_ptr<AcDbDatabase> insertionSource() {
   std::string text = probeDrawing("\n");
   const std::size_t end = text.find("  2\nmets\xe4\n");  // a layer that has to come along
   text.replace(end + 4, 5, "puusto");
-  EXPECT_TRUE(host::dxf::readDrawingText(databaseOf(source.get()), text, "source.dxf").ok);
+  EXPECT_TRUE(host::dxf::readDrawingText(databaseOf(source.get()), text, "source.dxf").ok());
   return source;
 }
 
@@ -228,7 +228,7 @@ const std::pair<const char*, Work> kWorks[] = {
 void expectReadable(const std::string& saved) {
   AcDbDatabase again(false);
   const auto read = host::dxf::readDrawingText(databaseOf(&again), saved, "saved.dxf");
-  ASSERT_TRUE(read.ok) << read.message;
+  ASSERT_TRUE(read.ok()) << read.message();
   for (const Problem& problem : databaseOf(&again).problems()) ADD_FAILURE() << problem.text;
 }
 
@@ -326,17 +326,17 @@ TEST_P(Memory, ThatEndsInSavingLeavesTheOldFileAndTheDrawing) {
   open();
   doWork();
   const std::string done = drawing_->text();
-  host::dxf::FileResult result;
+  host::Result<> result;
   const int failures = forEach([&] { std::ofstream(file) << "old"; },
                                [&] {
                                  try {
                                    result = host::dxf::saveDrawing(db(), file);
                                  } catch (const std::bad_alloc&) {  // not even the sentence could be made
-                                   result.ok = false;
+                                   result = host::problemOf(host::Code::OutputFailed, "memory");
                                  }
                                },
                                [&](int) {
-                                 EXPECT_EQ(fileText(file), result.ok ? done : "old");
+                                 EXPECT_EQ(fileText(file), result.ok() ? done : "old");
                                  expectSame(drawing_->text(), done);
                                  const std::filesystem::directory_iterator all(folder);
                                  EXPECT_EQ(std::distance(begin(all), end(all)), 1);
@@ -365,7 +365,7 @@ TEST(MemoryOfReading, ThatEndsLeavesNothingBehind) {
         Lasting::One, Whose::Everybody, [&] { db = std::make_unique<AcDbDatabase>(false); },
         [&] {
           try {
-            ok = host::dxf::readDrawingText(databaseOf(db.get()), drawing, "a.dxf").ok;
+            ok = host::dxf::readDrawingText(databaseOf(db.get()), drawing, "a.dxf").ok();
           } catch (const std::bad_alloc&) {
             ok = false;
           }
@@ -373,7 +373,7 @@ TEST(MemoryOfReading, ThatEndsLeavesNothingBehind) {
         [&](int n) {
           if (ok) return;
           EXPECT_EQ(databaseOf(db.get()).slotCount(), 0U) << n;
-          EXPECT_TRUE(host::dxf::readDrawingText(databaseOf(db.get()), drawing, "a.dxf").ok) << n;
+          EXPECT_TRUE(host::dxf::readDrawingText(databaseOf(db.get()), drawing, "a.dxf").ok()) << n;
         });
     EXPECT_GT(failures, 50);
   }
@@ -404,7 +404,7 @@ TEST(MemoryOfClearing, GoesWithObjectsThatWereChanged) {
   changeLayers(drawing);
   drawing.database().clear();
   EXPECT_EQ(drawing.database().slotCount(), 0U);
-  EXPECT_TRUE(host::dxf::readDrawingText(drawing.database(), probeDrawing("\n"), "again").ok);
+  EXPECT_TRUE(host::dxf::readDrawingText(drawing.database(), probeDrawing("\n"), "again").ok());
 }
 
 }  // namespace

@@ -198,7 +198,7 @@ TEST_F(Probe, GroupsPlantReactorsAndFollowTheirMembers) {
   member->close();
 
   AcDbDatabase again(false);
-  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), drawing.text(), "again").ok);
+  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), drawing.text(), "again").ok());
   ASSERT_EQ(again.getGroupDictionary(groups, AcDb::kForRead), Acad::eOk);
   AcDbObjectPointer<AcDbGroup> stored;
   AcDbObjectId storedId;
@@ -289,7 +289,7 @@ TEST_F(Probe, DrawOrderMovesInConstantTimeAndIsStoredAsAPermutation) {
   EXPECT_EQ(order(drawing.database()), withNew);
   const std::string saved = drawing.text();
   AcDbDatabase again(false);
-  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), saved, "again").ok);
+  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), saved, "again").ok());
   EXPECT_EQ(order(databaseOf(&again)), withNew);
 }
 
@@ -337,7 +337,7 @@ TEST(NewEntities, TakeTheDrawingsCurrentValues) {
   auto* const polyline = new AcDb3dPolyline(AcDb::k3dSimplePoly, points, true);
   append(polyline);
   AcDbDatabase again(false);
-  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), drawing.text(), "again").ok);
+  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), drawing.text(), "again").ok());
   const Slot* const stored = databaseOf(&again).modelSpace().entities.back();
   AcDbObjectPointer<AcDb3dPolyline> read(AcDbObjectId(const_cast<Slot*>(stored)), AcDb::kForRead);
   ASSERT_EQ(read.openStatus(), Acad::eOk);

@@ -35,14 +35,16 @@ class ReadDrawing {
  public:
   explicit ReadDrawing(const std::string& bytes) : db_(false) {
     result = host::dxf::readDrawingText(drawing(), bytes, "plan.dxf");
-    EXPECT_TRUE(result.ok) << result.message;
+    EXPECT_TRUE(result.ok()) << result.message();
   }
   host::database::DrawingDatabase& drawing() { return host::database::databaseOf(&db_); }
   std::string saved() { return host::dxf::drawingText(drawing()); }
   std::vector<std::string> said() {
     std::vector<std::string> all;
-    for (const host::database::Problem& problem : drawing().problems())
-      all.push_back(host::dxf::problemSentence("plan.dxf", problem));
+    for (host::Problem problem : drawing().problems()) {
+      problem.file = "plan.dxf";
+      all.push_back(problem.sentence());
+    }
     return all;
   }
   /// Types of the entities in model space.
@@ -55,7 +57,7 @@ class ReadDrawing {
   const host::database::Slot& entity(std::size_t index) { return *drawing().modelSpace().entities.at(index); }
   std::string bytesOf(std::size_t index) { return std::string(entity(index).fileBytes()); }
 
-  host::dxf::FileResult result;
+  host::Result<> result;
 
  private:
   AcDbDatabase db_;

@@ -39,7 +39,7 @@ class OpenDrawing {
   OpenDrawing() : db_(true) { acdbHostApplicationServices()->setWorkingDatabase(&db_); }
   explicit OpenDrawing(const std::string& text) : db_(false) {
     const auto result = host::dxf::readDrawingText(database(), text, "test.dxf");
-    if (!result.ok) throw std::runtime_error(result.message);
+    if (!result.ok()) throw std::runtime_error(result.message());
     acdbHostApplicationServices()->setWorkingDatabase(&db_);
   }
   AcDbDatabase* operator->() { return &db_; }

@@ -100,7 +100,7 @@ TEST_F(NewPolyline, VerticesAreFoundByHandlesOfTheirOwn) {
 
   const std::string text = drawing.text();
   AcDbDatabase again(false);
-  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), text, "again").ok);
+  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), text, "again").ok());
   for (std::uint64_t handle = first; handle < first + 10; ++handle) {
     ASSERT_NE(databaseOf(&again).findHandle(handle), nullptr) << handle - first;
   }

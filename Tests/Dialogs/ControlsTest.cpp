@@ -280,8 +280,9 @@ TEST_F(Dialogs, APictureTakesTheOldOnesPlaceWholeOrNotAtAll) {
   showDialog = [plain] { return TryDialog(plain).DoModal(); };
   const auto expectRefused = [&](const char* name, std::string_view why) {
     const auto result = run("TRY\nPICTURE \"" + (folder / name).string() + "\"\nOK\n");
-    EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
-    EXPECT_NE(result.message.find(std::string(name) + ": " + std::string(why)), std::string::npos) << result.message;
+    EXPECT_EQ(result.status(), host::RunStatus::OutputFailed);
+    EXPECT_NE(result.message().find(std::string(name) + ": " + std::string(why)), std::string::npos)
+        << result.message();
   };
   expectRefused("gone/try.png", "cannot be written: ");
   write("full.png");
@@ -325,7 +326,7 @@ class Boxes : public test::Host {
     acedRegCmds->removeGroup(L"TEST");
     return answered;
   }
-  host::editor::Result last;
+  host::Result<> last;
 };
 
 TEST_F(Boxes, EachTypeTakesItsOwnAnswers) {
@@ -350,21 +351,21 @@ TEST_F(Boxes, EachTypeTakesItsOwnAnswers) {
   };
   for (const Row& row : rows) {
     EXPECT_EQ(answer(row.type, row.line), row.answer) << row.type << " " << row.line;
-    EXPECT_TRUE(last) << last.message;
+    EXPECT_TRUE(last) << last.message();
     EXPECT_TRUE(said(L"[Tolmex] Jatketaanko?\n"));
   }
 }
 
 TEST_F(Boxes, OnlyOkTakesNoLine) {
   EXPECT_EQ(answer(MB_OK | MB_ICONERROR, "SETVAR\nLTSCALE\n2\n"), IDOK);
-  EXPECT_TRUE(last) << last.message;
+  EXPECT_TRUE(last) << last.message();
   EXPECT_TRUE(said(L"[Tolmex] Jatketaanko?\n"));
 }
 
 TEST_F(Boxes, AnUndefinedTypeShowsNothing) {
   for (const UINT type : {58U, 7U, 0xFU}) {
     EXPECT_EQ(answer(type, ""), 0);
-    EXPECT_TRUE(last) << last.message;
+    EXPECT_TRUE(last) << last.message();
     EXPECT_FALSE(said(L"Jatketaanko"));
     EXPECT_EQ(GetLastError(), ERROR_INVALID_MSGBOX_STYLE);
   }
@@ -372,11 +373,11 @@ TEST_F(Boxes, AnUndefinedTypeShowsNothing) {
 
 TEST_F(Boxes, OtherAnswersFailTheScript) {
   EXPECT_EQ(answer(MB_YESNO, "Maybe\n"), IDNO);
-  EXPECT_NE(last.message.find("message box \"Tolmex\" has no button \"Maybe\"; it has Yes, No"), std::string::npos);
+  EXPECT_NE(last.message().find("message box \"Tolmex\" has no button \"Maybe\"; it has Yes, No"), std::string::npos);
   EXPECT_EQ(answer(MB_YESNO, "^C\n"), IDNO);
-  EXPECT_NE(last.message.find("cannot be left with Esc"), std::string::npos);
+  EXPECT_NE(last.message().find("cannot be left with Esc"), std::string::npos);
   EXPECT_EQ(answer(MB_ABORTRETRYIGNORE, ""), IDABORT);
-  EXPECT_NE(last.message.find("message box \"Tolmex\" [Abort, Retry, Ignore] was left without an answer"),
+  EXPECT_NE(last.message().find("message box \"Tolmex\" [Abort, Retry, Ignore] was left without an answer"),
             std::string::npos);
 }
 

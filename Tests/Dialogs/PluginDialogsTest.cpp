@@ -14,8 +14,8 @@ class PluginDialogs : public Plan {
   bool said(const std::string& text) const { return transcript_.find(text) != std::string::npos; }
   void expectFailure(const std::string& script, const std::string& part) {
     const auto result = tryRun(script);
-    EXPECT_EQ(result.status, host::editor::RunStatus::ScriptFailed) << transcript_;
-    EXPECT_NE(result.message.find(part), std::string::npos) << result.message;
+    EXPECT_EQ(result.status(), host::RunStatus::ScriptFailed) << transcript_;
+    EXPECT_NE(result.message().find(part), std::string::npos) << result.message();
   }
   /// Extended data of text items, as a command would have left it.
   void setData(const Slot& entity, const wchar_t* application, const std::vector<const wchar_t*>& texts) {

@@ -44,8 +44,8 @@ class Symbols : public Plan {
   }
   void expectFailure(const std::string& script, const std::string& part) {
     const auto result = tryRun(script);
-    EXPECT_EQ(result.status, host::editor::RunStatus::ScriptFailed) << transcript_;
-    EXPECT_NE(result.message.find(part), std::string::npos) << result.message;
+    EXPECT_EQ(result.status(), host::RunStatus::ScriptFailed) << transcript_;
+    EXPECT_NE(result.message().find(part), std::string::npos) << result.message();
   }
   std::size_t entitiesOf(const wchar_t* block) {
     const auto* const contents = drawing().findBlock(block);

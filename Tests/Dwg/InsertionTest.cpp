@@ -67,7 +67,7 @@ struct Symbol {
   AcDbDatabase db{false, true};
   explicit Symbol(const std::string& text) {
     const auto result = host::dxf::readDrawingText(databaseOf(&db), text, "symbol.dxf");
-    if (!result.ok) throw std::runtime_error(result.message);
+    if (!result.ok()) throw std::runtime_error(result.message());
   }
 };
 
@@ -79,7 +79,7 @@ std::vector<Slot*> living(DrawingDatabase& db, const wchar_t* block) {
 /// Status of the independent auditor for the drawing as it is saved.
 int audit(tests::OpenDrawing& drawing) {
   const auto file = std::filesystem::temp_directory_path() / ("insert-" + std::to_string(::getpid()) + ".dxf");
-  EXPECT_TRUE(host::dxf::saveDrawing(drawing.database(), file).ok);
+  EXPECT_TRUE(host::dxf::saveDrawing(drawing.database(), file).ok());
   const std::string call = "/usr/bin/python3 " + std::string(kSourceDir) + "/Tests/audit/audit_dxf.py " + file.string();
   const int status = std::system(call.c_str());
   std::filesystem::remove(file);

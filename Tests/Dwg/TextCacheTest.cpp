@@ -74,9 +74,9 @@ export default async () => ({
     {
       ReaderProcess reader(settings_);
       const auto result = host::dwg::convert(reader, drawing, "a.dwg");
-      EXPECT_TRUE(result.ok) << result.message;
-      EXPECT_TRUE(result.text.ends_with("EOF\r\n")) << result.text.size();
-      EXPECT_EQ(result.text.size(), 5021U);
+      EXPECT_TRUE(result.ok()) << result.message();
+      EXPECT_TRUE(result->text.ends_with("EOF\r\n")) << result->text.size();
+      EXPECT_EQ(result->text.size(), 5021U);
     }
     fs::current_path(former);
     return tests::fileText(folder_ / "asked").size();

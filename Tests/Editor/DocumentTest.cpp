@@ -36,7 +36,7 @@ class Documents : public test::Host {
       std::size_t next_ = 0;
     } input(std::move(lines));
     transcript.clear();
-    app.run(input);
+    EXPECT_TRUE(app.run(input));
   }
   tests::OwnFolder own;
   const fs::path& folder = own.path;
@@ -111,9 +111,9 @@ TEST_F(Documents, ADrawingIsOpenOnceWhateverItIsCalled) {
   expectDone("OPEN " + other.string() + "\nOPEN " + plan.string() + "\nQSAVE\n");
   EXPECT_TRUE(fs::exists(plan));
   // Nor is the one saved over the other.
-  const host::editor::Result result = run("SAVEAS " + other.string() + "\n");
-  EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
-  EXPECT_NE(result.message.find("other.dxf: this drawing is open too"), std::string::npos) << result.message;
+  const host::Result<> result = run("SAVEAS " + other.string() + "\n");
+  EXPECT_EQ(result.status(), host::RunStatus::OutputFailed);
+  EXPECT_NE(result.message().find("other.dxf: this drawing is open too"), std::string::npos) << result.message();
   // ".." behind a link leads elsewhere than it looks.
   fs::copy_file(other, folder / "deep/other.dxf");
   expectDone("OPEN " + (folder / "link/../other.dxf").string() + "\nLINE 0,0 3,0\n\nQSAVE\n");
@@ -141,13 +141,13 @@ TEST_F(Documents, WhatOthersWroteIsNotReplacedUnasked) {
   for (const auto& change : changes) {
     change();
     const std::string theirs = text(plan);
-    const host::editor::Result result = run("LINE 0,0 5,0\n\nQSAVE\n");
-    EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
+    const host::Result<> result = run("LINE 0,0 5,0\n\nQSAVE\n");
+    EXPECT_EQ(result.status(), host::RunStatus::OutputFailed);
     EXPECT_NE(
-        result.message.find("plan.dxf: somebody else has changed the file since it was opened; it was not replaced"),
+        result.message().find("plan.dxf: somebody else has changed the file since it was opened; it was not replaced"),
         std::string::npos)
-        << result.message;
-    EXPECT_EQ(app.saveDrawing(plan).status, host::editor::RunStatus::OutputFailed);
+        << result.message();
+    EXPECT_EQ(app.saveDrawing(plan).status(), host::RunStatus::OutputFailed);
     EXPECT_TRUE(text(plan) == theirs);
     EXPECT_TRUE(app.drawing()->isModified());
     // Somebody who is there is asked.
@@ -190,15 +190,15 @@ TEST_F(Documents, ClosingAsksAsQuittingDoes) {
 }
 
 TEST_F(Documents, SavesThatCannotBe) {
-  host::editor::Result result = run("SAVEAS " + folder.string() + "\n");
-  EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
-  EXPECT_NE(result.message.find("plan.scr:1: " + folder.string() + ": is a folder"), std::string::npos)
-      << result.message;
+  host::Result<> result = run("SAVEAS " + folder.string() + "\n");
+  EXPECT_EQ(result.status(), host::RunStatus::OutputFailed);
+  EXPECT_NE(result.message().find("plan.scr:1: " + folder.string() + ": is a folder"), std::string::npos)
+      << result.message();
   result = run("SAVEAS " + (folder / "none" / "plan.dxf").string() + "\n");
-  EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
+  EXPECT_EQ(result.status(), host::RunStatus::OutputFailed);
   result = run("SAVEAS " + (folder / "plan.dwg").string() + "\n");
-  EXPECT_NE(result.message.find("must end in .dxf"), std::string::npos) << result.message;
-  EXPECT_EQ(run("OPEN " + (folder / "none.dxf").string() + "\n").status, host::editor::RunStatus::DrawingUnreadable);
+  EXPECT_NE(result.message().find("must end in .dxf"), std::string::npos) << result.message();
+  EXPECT_EQ(run("OPEN " + (folder / "none.dxf").string() + "\n").status(), host::RunStatus::DrawingUnreadable);
   EXPECT_TRUE(fs::is_empty(folder));
 }
 
@@ -349,7 +349,7 @@ TEST_F(ModuleFiles, LoadTellUnloadAndLoadAgain) {
 }
 
 TEST_F(ModuleFiles, Refusals) {
-  const auto refusal = [this](const char* name) { return app.loadModule(module(name)).message; };
+  const auto refusal = [this](const char* name) { return app.loadModule(module(name)).message(); };
   EXPECT_NE(refusal("testmodule_old").find("is made for interface version 19; this host has version 20"),
             std::string::npos);
   EXPECT_NE(refusal("testmodule_refuses").find("refused to start"), std::string::npos);
@@ -359,8 +359,8 @@ TEST_F(ModuleFiles, Refusals) {
   EXPECT_NE(refusal("no_such_module").find("no such module"), std::string::npos);
   const std::filesystem::path text = std::filesystem::path(testing::TempDir()) / "text.arx";
   std::ofstream(text) << "this is no library";
-  EXPECT_NE(app.loadModule(text).message.find("cannot be loaded"), std::string::npos);
-  EXPECT_NE(app.loadModule(std::string(kBinDir) + "/libtolmexhost.so").message.find("no acrxEntryPoint"),
+  EXPECT_NE(app.loadModule(text).message().find("cannot be loaded"), std::string::npos);
+  EXPECT_NE(app.loadModule(std::string(kBinDir) + "/libtolmexhost.so").message().find("no acrxEntryPoint"),
             std::string::npos);
   EXPECT_TRUE(app.moduleNames().empty());
   expectFailure("ARX L " + text.string() + "\n", "plan.scr:1: ARX: ");
@@ -369,7 +369,7 @@ TEST_F(ModuleFiles, Refusals) {
 TEST_F(ModuleFiles, LockedAndForOneDrawingOnly) {
   ASSERT_TRUE(app.loadModule(module("testmodule_locked")));
   expectFailure("ARX U testmodule_locked\n", "the module is locked");
-  EXPECT_NE(app.newDrawing().message.find("works with one open drawing only"), std::string::npos);
+  EXPECT_NE(app.newDrawing().message().find("works with one open drawing only"), std::string::npos);
   app.closeDrawing();
   EXPECT_TRUE(app.newDrawing());
 }

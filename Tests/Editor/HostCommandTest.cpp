@@ -174,7 +174,7 @@ TEST_F(Commands, ZoomChangesTheViewOnly) {
   expectDone("LINE 0,0 40,30\n\n");
   const std::string before = saved();
   const auto size = [this] {
-    run("SETVAR VIEWSIZE\n");
+    expectDone("SETVAR VIEWSIZE\n");
     return transcript;
   };
   EXPECT_NE(size().find(L"VIEWSIZE = 30"), std::wstring::npos);
@@ -221,8 +221,8 @@ TEST_F(Commands, VariablesHaveTypesAndHomes) {
   EXPECT_EQ(value.restype, RTREAL);
   EXPECT_EQ(value.resval.rreal, 0.5);
 
-  EXPECT_NE(app.setVariable(L"PICKBOXX", L"1").message.find("nearest: PICKBOX"), std::string::npos);
-  EXPECT_EQ(app.setVariable(L"PICKBOX", L"x").message, "PICKBOX: needs a whole number");
+  EXPECT_NE(app.setVariable(L"PICKBOXX", L"1").message().find("nearest: PICKBOX"), std::string::npos);
+  EXPECT_EQ(app.setVariable(L"PICKBOX", L"x").message(), "PICKBOX: needs a whole number");
 }
 
 TEST_F(Commands, EveryVariableCanBeShown) {
@@ -238,15 +238,15 @@ TEST_F(Commands, EveryVariableCanBeShown) {
 TEST_F(Commands, ProgramsAddTheirOwn) {
   const auto stamp = [](host::editor::Prompter& prompter) {
     const auto name = prompter.text(L"Enter stamp: ");
-    if (name && name.value == L"bad") prompter.fail(host::editor::RunStatus::OutputFailed, L"the stamp is worn");
+    if (name && name.value == L"bad") prompter.fail(host::Code::OutputFailed, L"the stamp is worn");
     if (name) prompter.line(L"Stamped " + name.value);
   };
   app.addCommand(L"STAMP", ACRX_CMD_TRANSPARENT, stamp, L"stamps the drawing");
   expectDone("STAMP in two words\n");
   EXPECT_TRUE(said(L"Stamped in two words"));
-  const host::editor::Result result = run("STAMP bad\n");
-  EXPECT_EQ(result.status, host::editor::RunStatus::OutputFailed);
-  EXPECT_EQ(result.message, "plan.scr:1: the stamp is worn");
+  const host::Result<> result = run("STAMP bad\n");
+  EXPECT_EQ(result.status(), host::RunStatus::OutputFailed);
+  EXPECT_EQ(result.message(), "plan.scr:1: the stamp is worn");
 }
 
 TEST_F(Commands, HelpTellsOfAllCommands) {

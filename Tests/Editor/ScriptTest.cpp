@@ -23,9 +23,9 @@ std::string answersOf(std::string_view script, std::string_view forms) {
   std::string all;
   for (std::size_t i = 0;; ++i) {
     const char form = forms[std::min(i, forms.size() - 1)];
-    const Answer answer = input.next({L"", form == 'w'   ? AnswerForm::Word
-                                           : form == 't' ? AnswerForm::Text
-                                                         : AnswerForm::Line});
+    host::editor::Question question;
+    question.form = form == 'w' ? AnswerForm::Word : form == 't' ? AnswerForm::Text : AnswerForm::Line;
+    const Answer answer = input.next(question);
     if (answer.kind == Answer::Kind::End) return all;
     if (!all.empty()) all += '|';
     all += answer.kind == Answer::Kind::Enter    ? "<enter>"
@@ -341,8 +341,8 @@ class Typed : public host::editor::LineInput {
 TEST_F(Runs, AtATerminalQuestionsAreAskedAgain) {
   Typed input(
       {L"LAYR", L"LINE", L"oops", L"0,0", L"1,1", L"", L"", L"2,2", L"3,3", L"", L"LAYER S nowhere", L"0", L""});
-  const host::editor::Result result = app.run(input);
-  EXPECT_TRUE(result) << result.message;
+  const host::Result<> result = app.run(input);
+  EXPECT_TRUE(result) << result.message();
   EXPECT_EQ(problems.size(), 1U);    // the unknown command
   EXPECT_EQ(entities().size(), 2U);  // Enter repeated LINE
 }

@@ -72,7 +72,7 @@ class Selections : public test::Host {
   }
 
   static inline std::vector<test::Slot*> all;
-  host::editor::Result last;
+  host::Result<> last;
 };
 
 TEST_F(Selections, FiltersReadValuesWhereTheirCodesKeepThem) {
@@ -147,7 +147,7 @@ TEST_F(Selections, PicksWindowsAndFences) {
   EXPECT_EQ(asked("CP 12,12 30,12 30,15\n\n\n"), "1");
   EXPECT_EQ(asked("F 15,-1 15,15\n\n\n"), "1 0");
   EXPECT_EQ(asked("WP 0,0 1,1\n\n\n"), "esc");
-  EXPECT_EQ(last.status, host::editor::RunStatus::ScriptFailed);
+  EXPECT_EQ(last.status(), host::RunStatus::ScriptFailed);
 }
 
 TEST_F(Selections, ListsOfEntities) {

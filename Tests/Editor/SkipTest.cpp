@@ -10,7 +10,7 @@
 #include "dbpl.h"
 #include "dbsymtb.h"
 
-using host::editor::RunStatus;
+using host::RunStatus;
 
 namespace {
 
@@ -174,11 +174,11 @@ TEST_F(StrictSkips, FailTheScript) {
     return app.run(input);
   };
   EXPECT_TRUE(run("LAYER N shut S shut\n\nLINE 0,0 1,1\n\nLAYER S 0 LO shut\n\n"));
-  const host::editor::Result skipped = run("ERASE L\n\nLINE 5,5 6,6\n\n");
-  EXPECT_EQ(skipped.status, RunStatus::ScriptFailed);
-  EXPECT_EQ(skipped.message.find("plan.scr:2: ERASE: 1 skipped: on a locked layer (LINE "), 0U) << skipped.message;
-  const host::editor::Result missed = run("SELECT 500,500\n\n");
-  EXPECT_EQ(missed.message, "plan.scr:1: SELECT: nothing found at 500,500");
+  const host::Result<> skipped = run("ERASE L\n\nLINE 5,5 6,6\n\n");
+  EXPECT_EQ(skipped.status(), RunStatus::ScriptFailed);
+  EXPECT_EQ(skipped.message().find("plan.scr:2: ERASE: 1 skipped: on a locked layer (LINE "), 0U) << skipped.message();
+  const host::Result<> missed = run("SELECT 500,500\n\n");
+  EXPECT_EQ(missed.message(), "plan.scr:1: SELECT: nothing found at 500,500");
 }
 
 }  // namespace

@@ -25,21 +25,21 @@ class Host : public testing::Test {
   Host() : app(options()) { EXPECT_TRUE(app.newDrawing()); }
   ~Host() override { acedRegCmds->removeGroup(L"TEST"); }
 
-  host::editor::Result run(std::string_view script) {
+  host::Result<> run(std::string_view script) {
     transcript.clear();
     host::editor::ScriptInput input(script, "plan.scr");
     return app.run(input);
   }
   /// Runs a script that must succeed.
   void expectDone(std::string_view script) {
-    const host::editor::Result result = run(script);
-    EXPECT_TRUE(result) << result.message << "\n" << host::text::toUtf8(transcript);
+    const host::Result<> result = run(script);
+    EXPECT_TRUE(result) << result.message() << "\n" << host::text::toUtf8(transcript);
   }
   /// Runs a script that must fail with a message that has the part.
   void expectFailure(std::string_view script, std::string_view part) {
-    const host::editor::Result result = run(script);
-    EXPECT_EQ(result.status, host::editor::RunStatus::ScriptFailed) << host::text::toUtf8(transcript);
-    EXPECT_NE(result.message.find(part), std::string::npos) << result.message;
+    const host::Result<> result = run(script);
+    EXPECT_EQ(result.status(), host::RunStatus::ScriptFailed) << host::text::toUtf8(transcript);
+    EXPECT_NE(result.message().find(part), std::string::npos) << result.message();
   }
   bool said(std::wstring_view text) const { return transcript.find(text) != std::wstring::npos; }
 
@@ -69,15 +69,28 @@ class Host : public testing::Test {
 
   std::wstring transcript;
   std::vector<std::string> problems;
-  host::editor::Application app;
 
  private:
+  class FrontEnd final : public host::editor::Observer {
+   public:
+    explicit FrontEnd(Host& host) : host_(host) {}
+    void print(std::wstring_view text) override { host_.transcript += text; }
+    void report(const host::Problem& problem) override { host_.problems.push_back(problem.sentence()); }
+
+   private:
+    Host& host_;
+  };
+
   host::editor::ApplicationOptions options() {
     host::editor::ApplicationOptions result;
-    result.transcript = [this](std::wstring_view text) { transcript += text; };
-    result.problem = [this](std::string_view text) { problems.emplace_back(text); };
+    result.observer = &frontEnd_;
     return result;
   }
+
+  FrontEnd frontEnd_{*this};
+
+ protected:
+  host::editor::Application app;
 };
 
 }  // namespace test

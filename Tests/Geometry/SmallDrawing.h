@@ -130,7 +130,7 @@ class SmallDatabase {
  public:
   explicit SmallDatabase(const std::string& text) : db_(nullptr) {
     const auto result = host::dxf::readDrawingText(db_, text, "small.dxf");
-    if (!result.ok) throw std::runtime_error(result.message);
+    if (!result.ok()) throw std::runtime_error(result.message());
   }
   explicit SmallDatabase(const SmallDrawing& drawing) : SmallDatabase(drawing.text()) {}
   host::database::DrawingDatabase& operator*() { return db_; }

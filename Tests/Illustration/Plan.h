@@ -27,6 +27,19 @@ using host::database::Tag;
 using host::database::TagCursor;
 
 class Plan : public testing::Test {
+  class FrontEnd final : public host::editor::Observer {
+   public:
+    explicit FrontEnd(Plan& plan) : plan_(plan) {}
+    void print(std::wstring_view text) override {
+      plan_.transcript_ += host::text::toUtf8(text);
+      if (plan_.whenShown_) plan_.whenShown_();
+    }
+    void report(const host::Problem& problem) override { plan_.problems_.push_back(problem.sentence()); }
+
+   private:
+    Plan& plan_;
+  };
+
  protected:
   Plan() : application_(options(this)) {
     folder_ = std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid()));
@@ -34,17 +47,13 @@ class Plan : public testing::Test {
     std::filesystem::create_directories(folder_ / "support");
     EXPECT_TRUE(application_.newDrawing());
     const auto loaded = application_.loadModule(std::filesystem::path(kBinDir) / "tolmex.arx");
-    EXPECT_TRUE(loaded) << loaded.message;
+    EXPECT_TRUE(loaded) << loaded.message();
   }
   ~Plan() override { std::filesystem::remove_all(folder_); }
 
   static host::editor::ApplicationOptions options(Plan* plan) {
     host::editor::ApplicationOptions options;
-    options.transcript = [plan](std::wstring_view text) {
-      plan->transcript_ += host::text::toUtf8(text);
-      if (plan->whenShown_) plan->whenShown_();
-    };
-    options.problem = [plan](std::string_view sentence) { plan->problems_.emplace_back(sentence); };
+    options.observer = &plan->frontEnd_;
     options.supportFolders = {std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid())) /
                               "support"};
     return options;
@@ -52,11 +61,11 @@ class Plan : public testing::Test {
 
   /// Runs a script that must succeed; the answer is what the command line showed.
   std::string run(const std::string& script) {
-    const host::editor::Result result = tryRun(script);
-    EXPECT_TRUE(result) << result.message << "\n" << transcript_;
+    const host::Result<> result = tryRun(script);
+    EXPECT_TRUE(result) << result.message() << "\n" << transcript_;
     return transcript_;
   }
-  host::editor::Result tryRun(const std::string& script) {
+  host::Result<> tryRun(const std::string& script) {
     transcript_.clear();
     problems_.clear();
     host::editor::ScriptInput input(script, "test.scr");
@@ -71,7 +80,7 @@ class Plan : public testing::Test {
     std::ofstream(file, std::ios::binary) << text;
     application_.closeDrawing();
     const auto opened = application_.openDrawing(file);
-    ASSERT_TRUE(opened) << opened.message;
+    ASSERT_TRUE(opened) << opened.message();
   }
   void reopen() { openText(text()); }
 
@@ -133,6 +142,7 @@ class Plan : public testing::Test {
   std::string transcript_;
   std::vector<std::string> problems_;
   std::function<void()> whenShown_;  // called for every piece of the transcript, dialogs open or not
+  FrontEnd frontEnd_{*this};
   host::editor::Application application_;
 };
 

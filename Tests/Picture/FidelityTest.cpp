@@ -103,13 +103,13 @@ TEST(Fidelity, ViewportsAreCutOutExactly) {
   EXPECT_EQ(picture.at(14, 11), 0x0000FF);
   EXPECT_EQ(picture.at(14, 14), 0xFFFFFF) << "outside the circle";
   EXPECT_EQ(picture.at(15, 14.9), 0xFFFFFF) << "no frame";
-  const std::string svg = drawPicture(*db, options, PictureFormat::Svg).bytes;
+  const std::string svg = drawPicture(*db, options, PictureFormat::Svg)->bytes;
   EXPECT_NE(svg.find("<clipPath id=\"c0\">"), std::string::npos);
   // Sheets measure millimetres whatever the model measures.
   options.window.reset();
   options.metresPerUnit = 1;
   options.scale = 1;
-  const std::string pdf = drawPicture(*db, options, PictureFormat::Pdf).bytes;
+  const std::string pdf = drawPicture(*db, options, PictureFormat::Pdf)->bytes;
   double bottom = 0, right = 0, top = 0;
   ASSERT_EQ(std::sscanf(pdf.c_str() + pdf.find("/MediaBox"), "/MediaBox [0 %lf %lf %lf]", &bottom, &right, &top), 3);
   EXPECT_NEAR(right / 72 * 25.4, 10, 2);

@@ -53,7 +53,7 @@ TEST(Painting, DeeplyNestedBlocksAreShownOrTold) {
     const bool isShown = depth == 200;
     expectPixels(drawing, std::string("1 1 ff0000|5 1 ff0000|9 1 ") + (isShown ? "00ff00" : "ffffff"));
     SmallDatabase db(drawing);
-    EXPECT_EQ(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg).message,
+    EXPECT_EQ(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg).message(),
               isShown ? "" : "Blocks that are nested more than 256 deep are not shown.");
   }
 }
@@ -84,7 +84,7 @@ TEST(Painting, LayersAndBlocksGiveTheirColours) {
                "|1 9 ffffff|3 9 ffffff|5 9 ffffff"                       // on a frozen one
                "|1 13 ff0000|3 13 00ff00|1 17 000000");                  // through two levels; colour 7 on white
   PictureOptions dark = twentyByTwenty();
-  setBackground(dark, "#102030");
+  ASSERT_TRUE(setBackground(dark, "#102030"));
   expectPixels(drawing, "1 17 ffffff|15 15 102030|1 1 ff0000", dark);
   PictureOptions filtered = twentyByTwenty();
   filtered.layers = "r*,own";
@@ -221,7 +221,7 @@ TEST(Painting, MovingTheDrawingFarAwayChangesNothing) {
   };
   SmallDatabase here(drawing(0, 0)), far(drawing(27496000, 6713000));
   PictureOptions there = twentyByTwenty();
-  setWindow(there, "27496000,6713000,27496020,6713020");
+  ASSERT_TRUE(setWindow(there, "27496000,6713000,27496020,6713020"));
   const Rendered a(here, twentyByTwenty(), PictureFormat::Png), b(far, there, PictureFormat::Png);
   int different = 0;
   for (int y = 0; y < 400; ++y)

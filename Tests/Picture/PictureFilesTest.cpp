@@ -23,20 +23,21 @@ TEST(PictureFiles, SameInputGivesSameBytesWithoutDates) {
   for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg, PictureFormat::Pdf}) {
     SmallDatabase a(oneOfMuch()), b(oneOfMuch());
     PictureOptions options;
-    setPaper(options, "A4");
-    const PictureResult first = drawPicture(*a, options, format), second = drawPicture(*b, options, format);
-    ASSERT_TRUE(first.ok) << first.message;
-    EXPECT_EQ(first.bytes, second.bytes);
+    ASSERT_TRUE(setPaper(options, "A4"));
+    const host::Result<host::picture::Picture> first = drawPicture(*a, options, format),
+                                               second = drawPicture(*b, options, format);
+    ASSERT_TRUE(first.ok()) << first.message();
+    EXPECT_EQ(first->bytes, second->bytes);
     for (const char* word : {"CreationDate", "ModDate", "tIME", "/ID"})
-      EXPECT_EQ(first.bytes.find(word), std::string::npos) << word;
+      EXPECT_EQ(first->bytes.find(word), std::string::npos) << word;
   }
 }
 
 TEST(PictureFiles, PdfObjectTableIsRight) {
   SmallDatabase db(oneOfMuch());
   PictureOptions options;
-  setPaper(options, "A4-landscape");
-  const std::string pdf = drawPicture(*db, options, PictureFormat::Pdf).bytes;
+  ASSERT_TRUE(setPaper(options, "A4-landscape"));
+  const std::string pdf = drawPicture(*db, options, PictureFormat::Pdf)->bytes;
   const std::size_t table = std::stoul(pdf.substr(pdf.rfind("startxref\n") + 10));
   ASSERT_EQ(pdf.substr(table, 5), "xref\n");
   const std::size_t count = std::stoul(pdf.substr(table + 7));
@@ -57,14 +58,14 @@ TEST(PictureFiles, PaperAndScaleAreTrueToSize) {
   // 100 m at 1:500 are 200 mm.
   SmallDatabase db(SmallDrawing().entity("LINE", "10 27496000|20 6713000|11 27496100|21 6713000", "8 0|62 1"));
   PictureOptions options;
-  setPaper(options, "A4");
-  setScale(options, "1:500");
+  ASSERT_TRUE(setPaper(options, "A4"));
+  ASSERT_TRUE(setScale(options, "1:500"));
   options.widthPx = 2970;
-  const PictureResult svg = drawPicture(*db, options, PictureFormat::Svg);
-  ASSERT_TRUE(svg.ok) << svg.message;
-  EXPECT_EQ(svg.message, "");
-  EXPECT_NE(svg.bytes.find("width=\"297mm\" height=\"210mm\""), std::string::npos) << svg.bytes.substr(0, 200);
-  EXPECT_NEAR(svg.drawn.maxX - svg.drawn.minX, 297 * 0.5, 1e-6);
+  const host::Result<host::picture::Picture> svg = drawPicture(*db, options, PictureFormat::Svg);
+  ASSERT_TRUE(svg.ok()) << svg.message();
+  EXPECT_EQ(svg.message(), "");
+  EXPECT_NE(svg->bytes.find("width=\"297mm\" height=\"210mm\""), std::string::npos) << svg->bytes.substr(0, 200);
+  EXPECT_NEAR(svg->drawn.maxX - svg->drawn.minX, 297 * 0.5, 1e-6);
   for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg}) {
     const QImage image = Rendered(db, options, format).image();  // ten pixels for a millimetre
     int left = image.width(), right = 0;
@@ -89,35 +90,35 @@ TEST(PictureFiles, WhatDoesNotFitIsSaidWithThePaperThatWouldDo) {
                         Case{"A4-portrait", "1:1000", ""},
                         Case{"A0", "1:100", "no paper up to A0 would do at this scale, A0 would at 1:179."}}) {
     PictureOptions options;
-    ASSERT_EQ(setPaper(options, c.paper), "");
-    ASSERT_EQ(setScale(options, c.scale), "");
-    const PictureResult result = drawPicture(*db, options, PictureFormat::Svg);
-    EXPECT_TRUE(result.ok);
-    EXPECT_EQ(result.message.empty(), std::string(c.said).empty());
-    EXPECT_NE(result.message.find(c.said), std::string::npos) << result.message;
+    ASSERT_TRUE(setPaper(options, c.paper));
+    ASSERT_TRUE(setScale(options, c.scale));
+    const host::Result<host::picture::Picture> result = drawPicture(*db, options, PictureFormat::Svg);
+    EXPECT_TRUE(result.ok());
+    EXPECT_EQ(result.message().empty(), std::string(c.said).empty());
+    EXPECT_NE(result.message().find(c.said), std::string::npos) << result.message();
   }
 }
 
 TEST(PictureFiles, NeverBlankByAccident) {
   SmallDatabase db(SmallDrawing().layer("0", "70 0|62 7").entity("LINE", "10 0|20 0|11 10|21 5"));
   PictureOptions options;
-  setWindow(options, "100,100,200,150");
-  PictureResult result = drawPicture(*db, options, PictureFormat::Png);
-  EXPECT_FALSE(result.ok);
-  EXPECT_EQ(result.message,
+  ASSERT_TRUE(setWindow(options, "100,100,200,150"));
+  host::Result<host::picture::Picture> result = drawPicture(*db, options, PictureFormat::Png);
+  EXPECT_FALSE(result.ok());
+  EXPECT_EQ(result.message(),
             "Nothing visible lies in the window (100, 100) - (200, 150); the drawing covers (0, 0) - (10, 5).");
-  setWindow(options, "0,4,1,5");  // within the extents, but the line passes elsewhere
-  EXPECT_FALSE(drawPicture(*db, options, PictureFormat::Pdf).ok);
+  ASSERT_TRUE(setWindow(options, "0,4,1,5"));  // within the extents, but the line passes elsewhere
+  EXPECT_FALSE(drawPicture(*db, options, PictureFormat::Pdf).ok());
 
   options = {};
   options.layers = "road*";
-  EXPECT_EQ(drawPicture(*db, options, PictureFormat::Png).message,
+  EXPECT_EQ(drawPicture(*db, options, PictureFormat::Png).message(),
             "Layout \"Model\" has nothing visible on layers \"road*\" to draw.");
   options = {};
   options.layout = "A3";
-  EXPECT_EQ(drawPicture(*db, options, PictureFormat::Png).message.find("There is no layout \"A3\""), 0U);
+  EXPECT_EQ(drawPicture(*db, options, PictureFormat::Png).message().find("There is no layout \"A3\""), 0U);
   SmallDatabase empty{SmallDrawing()};
-  EXPECT_FALSE(drawPicture(*empty, {}, PictureFormat::Svg).ok);
+  EXPECT_FALSE(drawPicture(*empty, {}, PictureFormat::Svg).ok());
 }
 
 TEST(PictureFiles, HostileDrawingsEndQuickly) {
@@ -136,9 +137,9 @@ TEST(PictureFiles, HostileDrawingsEndQuickly) {
       .entity("LINE", "10 0|20 nan|11 1|21 inf");
   const auto begin = std::chrono::steady_clock::now();
   SmallDatabase db(drawing);
-  const PictureResult result = drawPicture(*db, twentyByTwenty(), PictureFormat::Svg);
-  EXPECT_TRUE(result.ok);
-  EXPECT_NE(result.message.find("part of it was left out"), std::string::npos) << result.message;
+  const host::Result<host::picture::Picture> result = drawPicture(*db, twentyByTwenty(), PictureFormat::Svg);
+  EXPECT_TRUE(result.ok());
+  EXPECT_NE(result.message().find("part of it was left out"), std::string::npos) << result.message();
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(120)) << "sanitizers included";
 }
 
@@ -148,15 +149,15 @@ TEST(PictureFiles, MoreTextThanVectorsCanHoldBecomesBars) {
       .entity("TEXT", "10 0|20 0|40 1|1 first")
       .entity("TEXT", "10 0|20 5|40 1e-4|1 " + std::string(500'000, 'o'));
   SmallDatabase db(drawing);
-  const PictureResult result = drawPicture(*db, {}, PictureFormat::Svg);
-  EXPECT_TRUE(result.ok);
-  EXPECT_NE(result.message.find("shown as bars"), std::string::npos) << result.message;
-  EXPECT_LT(result.bytes.size(), 20'000U);
+  const host::Result<host::picture::Picture> result = drawPicture(*db, {}, PictureFormat::Svg);
+  EXPECT_TRUE(result.ok());
+  EXPECT_NE(result.message().find("shown as bars"), std::string::npos) << result.message();
+  EXPECT_LT(result->bytes.size(), 20'000U);
 }
 
 TEST(PictureOptions, TextsOfOptions) {
   struct Case {
-    std::string (*set)(PictureOptions&, std::string_view);
+    host::Result<> (*set)(PictureOptions&, std::string_view);
     const char* text;
     bool good;
   };
@@ -193,7 +194,7 @@ TEST(PictureOptions, TextsOfOptions) {
                                                    {host::picture::setLineweights, "-1", false},
                                                    {host::picture::setLineweights, "thick", false}}) {
     PictureOptions options;
-    const std::string answer = c.set(options, c.text);
+    const std::string answer = c.set(options, c.text).message();
     EXPECT_EQ(answer.empty(), c.good) << c.text << ": " << answer;
     if (!c.good) {
       EXPECT_NE(answer.find("\"" + std::string(c.text) + "\""), std::string::npos) << answer;

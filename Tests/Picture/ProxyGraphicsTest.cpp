@@ -109,7 +109,7 @@ TEST(ProxyGraphics, CutOffAnywhereItEnds) {
     SmallDrawing drawing;
     drawing.entity("LINE", "10 0|20 0|11 20|21 20").entity("ACAD_PROXY_ENTITY", "290 0", "8 0|" + sample().tags(keep));
     SmallDatabase db(drawing);
-    EXPECT_TRUE(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg).ok);
+    EXPECT_TRUE(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg).ok());
   }
 }
 
@@ -122,7 +122,7 @@ TEST(ProxyGraphics, WhatHasNoneIsCountedOnce) {
       .entity("REGION", "70 1|1 abc", "8 0")
       .entity("REGION", "70 1|1 abc", "8 0|60 1");
   SmallDatabase db(drawing);
-  EXPECT_EQ(drawPicture(*db, twentyByTwenty(), PictureFormat::Png).message,
+  EXPECT_EQ(drawPicture(*db, twentyByTwenty(), PictureFormat::Png).message(),
             "Left out, having no picture of their own: 2 3DSOLID, 1 REGION.");
 }
 

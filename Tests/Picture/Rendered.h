@@ -16,25 +16,25 @@
 namespace tests {
 
 using host::picture::drawPicture;
+using host::picture::Picture;
 using host::picture::PictureFormat;
 using host::picture::PictureOptions;
-using host::picture::PictureResult;
 
 /// Drawing coordinates 0..20 both ways on 400 x 400 pixels.
 inline PictureOptions twentyByTwenty() {
   PictureOptions options;
   options.widthPx = 400;
-  setWindow(options, "0,0,20,20");
+  EXPECT_TRUE(setWindow(options, "0,0,20,20"));
   return options;
 }
 
 class Rendered {
  public:
   Rendered(SmallDatabase& db, const PictureOptions& options, PictureFormat format) {
-    const PictureResult result = drawPicture(*db, options, format);
-    EXPECT_TRUE(result.ok) << result.message;
-    if (!result.ok) return;
-    const QByteArray bytes(result.bytes.data(), static_cast<qsizetype>(result.bytes.size()));
+    const host::Result<host::picture::Picture> result = drawPicture(*db, options, format);
+    EXPECT_TRUE(result.ok()) << result.message();
+    if (!result.ok()) return;
+    const QByteArray bytes(result->bytes.data(), static_cast<qsizetype>(result->bytes.size()));
     if (format == PictureFormat::Png) {
       image_.loadFromData(bytes, "PNG");
     } else {
@@ -45,7 +45,7 @@ class Rendered {
       QPainter painter(&image_);
       renderer.render(&painter);
     }
-    area_ = result.drawn;
+    area_ = result->drawn;
   }
 
   /// 0xRRGGBB at a place of the drawing; -1 where the picture is transparent or has no such place.

@@ -224,7 +224,7 @@ class EveryAllocation : public Failures {
     run(command);
     const std::size_t hatches = living(DxfType::Hatch).size();
     const std::string untroubled = text();
-    host::editor::Result result;
+    host::Result<> result;
     std::unique_ptr<host::editor::ScriptInput> input;
     const int failed = faults::forEachAllocation(
         lasting, whose,
@@ -251,7 +251,7 @@ class EveryAllocation : public Failures {
           EXPECT_EQ(drawing().problems().size(), 0U);
           EXPECT_EQ(application_.openSelectionSets(), 0U);
           const auto again = tryRun(command);
-          EXPECT_TRUE(again) << again.message << "\n" << transcript_;
+          EXPECT_TRUE(again) << again.message() << "\n" << transcript_;
           EXPECT_THAT(transcript_, Not(testing::ContainsRegex(kTold)));
           EXPECT_GE(living(DxfType::Hatch).size(), hatches);
         });

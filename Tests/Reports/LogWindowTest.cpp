@@ -74,7 +74,7 @@ TEST_F(LogWindow, ClosedItComesBackEmpty) {
   log.printTo(32, L"first\n");
   run(act("Close"));
   const auto gone = tryRun(act("LIST"));
-  EXPECT_THAT(gone.message, HasSubstr("no dialog \"test_reports DEBUG LOG\" is open"));
+  EXPECT_THAT(gone.message(), HasSubstr("no dialog \"test_reports DEBUG LOG\" is open"));
   log.printTo(32, L"second\n");
   EXPECT_EQ(shown(kLog), "second\n");
 }
@@ -94,7 +94,7 @@ TEST_F(LogWindow, ClearCallbackAndSave) {
   EXPECT_THAT(run(act("Save...") + "^C\n"), Not(HasSubstr("[")));
   run(act("Clear"));
   EXPECT_EQ(shown(kLog) + shown(kBeside), "");
-  EXPECT_THAT(tryRun(act("Save...")).message, HasSubstr("file question \"Save As\" was left without an answer"));
+  EXPECT_THAT(tryRun(act("Save...")).message(), HasSubstr("file question \"Save As\" was left without an answer"));
 }
 
 TEST_F(LogWindow, OnTopAndLowPriorityExcludeEachOther) {
@@ -147,7 +147,7 @@ TEST_F(LogWindow, UnloadingTheModuleTakesTheWindowAlong) {
   log.unload();
   ASSERT_TRUE(application_.unloadModule(L"tolmex"));
   EXPECT_EQ(IsWindow(window), FALSE);
-  EXPECT_THAT(tryRun(act("LIST")).message, HasSubstr("no dialog"));
+  EXPECT_THAT(tryRun(act("LIST")).message(), HasSubstr("no dialog"));
 }
 
 TEST_F(LogWindow, ManyLinesAreQuick) {

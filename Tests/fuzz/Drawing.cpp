@@ -12,9 +12,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (host::dxf::isDwg(bytes)) return 0;  // another program reads those
   AcDbDatabase db(false);
   DrawingDatabase& drawing = databaseOf(&db);
-  const host::dxf::FileResult read = host::dxf::readDrawingText(drawing, bytes, "fuzz.dxf");
-  fuzz::require(read.ok == read.message.empty(), "a sentence when, and only when, nothing could be read");
-  if (!read.ok) return 0;
+  const host::Result<> read = host::dxf::readDrawingText(drawing, bytes, "fuzz.dxf");
+  fuzz::require(read.ok() == read.message().empty(), "a sentence when, and only when, nothing could be read");
+  if (!read.ok()) return 0;
   if (drawing.problems().empty()) fuzz::require(host::dxf::drawingText(drawing) == bytes, "untouched bytes");
   host::picture::PictureOptions options;
   options.widthPx = 100;
@@ -23,8 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   tests::changeEverything(drawing);
   const std::string saved = host::dxf::drawingText(drawing);
   AcDbDatabase again(false);
-  const host::dxf::FileResult reread = host::dxf::readDrawingText(databaseOf(&again), saved, "again");
-  fuzz::require(reread.ok, "what was saved can be read", reread.message);
+  const host::Result<> reread = host::dxf::readDrawingText(databaseOf(&again), saved, "again");
+  fuzz::require(reread.ok(), "what was saved can be read", reread.message());
   for (const Problem& problem : databaseOf(&again).problems()) fuzz::require(false, "saved sound", problem.text);
   return 0;
 }

@@ -369,9 +369,9 @@ class Inserter {
   }
 
   void leftOut(const Slot& entity, std::string_view why) {
-    parts_.file.problems.push_back({0, 0,
-                                    source_.parts().file.name + ": " + std::string(source_.typeName(entity)) + " " +
-                                        text::formatHandle(entity.handle) + " was not inserted: " + std::string(why)});
+    parts_.file.problems.push_back(problemOf(
+        Code::ObjectNotInserted, source_.parts().file.name + ": " + std::string(source_.typeName(entity)) + " " +
+                                     text::formatHandle(entity.handle) + " was not inserted: " + std::string(why)));
   }
 
   Slot* copyEntity(const Slot& from, Slot& owner, std::uint16_t flags) {

@@ -38,9 +38,9 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(const ACHAR* file, OpenMode, bool, c
   if (!std::filesystem::exists(path, error)) return Acad::eFileNotFound;
   // Reading a pipe may wait for ever.
   if (!std::filesystem::is_regular_file(path, error)) return Acad::eNotAcadFile;
-  std::string message;
-  if (read(*impl_, path, message)) return Acad::eOk;
-  impl_->parts().file.problems.push_back({0, 0, message});
+  const host::Result<> done = read(*impl_, path);
+  if (done) return Acad::eOk;
+  impl_->parts().file.problems.push_back(host::problemOf(done.problem().code, done.message()));
   return Acad::eNotAcadFile;
 }
 

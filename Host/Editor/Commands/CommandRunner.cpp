@@ -1,4 +1,5 @@
-// Running commands: typed, from code, inside one another.
+#include "Editor/Commands/CommandRunner.h"
+
 #include <array>
 #include <cstdio>
 #include <cwctype>
@@ -20,7 +21,7 @@ template <class Show>
 void whereMemoryLasts(const Show& show) {
   try {
     show();
-  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): nobody can be told then
+  } catch (const std::bad_alloc&) {  // NOLINT(bugprone-empty-catch): there is no memory to report it with
   }
 }
 
@@ -34,101 +35,77 @@ bool worksDialogs(std::wstring_view name) {
 
 }  // namespace
 
-std::wstring Session::runningNames() const {
+void CommandRunner::reset() {
+  lastCommand_.clear();
+  lastSkips_.clear();
+}
+
+std::wstring CommandRunner::names() const {
   std::wstring names;
   for (const auto& command : running_) names += (names.empty() ? L"" : L"'") + command->global;
   return names;
 }
 
-bool Session::mayTakePickfirst() const {
-  if (running_.empty() || documents.current() == nullptr || documents.current()->pickfirst.empty()) return false;
-  return (running_.back()->flags & ACRX_CMD_USEPICKSET) != 0 && variables.integer(L"PICKFIRST") != 0;
+bool CommandRunner::mayTakePickfirst() const {
+  const Document* const document = session_.documents().current();
+  if (running_.empty() || document == nullptr || document->pickfirst.empty()) return false;
+  return (running_.back()->flags & ACRX_CMD_USEPICKSET) != 0 && session_.variables().integer(L"PICKFIRST") != 0;
 }
 
-/// Input that is read while it lives.
-struct Session::InputScope {
-  InputScope(Session& owner, InputFrame frame) : session(owner), base(owner.frames_.size()) {
-    session.frames_.push_back(std::move(frame));
-  }
-  InputScope(const InputScope&) = delete;
-  InputScope& operator=(const InputScope&) = delete;
-  ~InputScope() { session.frames_.resize(base); }
-
-  Session& session;
-  std::size_t base;
-};
-
-Result Session::run(InputSource& input) {
-  failure_.reset();
-  quitRequested = false;
-  endsInARow_ = 0;
+Result<> CommandRunner::run(InputSource& input) {
+  session_.takeFailure();
+  session_.setQuitting(false);
+  memoryEnds_ = 0;
   {
-    InputFrame frame;
-    frame.source = &input;
-    const InputScope scope(*this, std::move(frame));
+    InputStack::Scope scope(session_.input(), input);
     for (bool goesOn = true; goesOn;) {
       try {
-        goesOn = runNext(input, scope.base);
+        goesOn = runNext(input, scope);
       } catch (const std::bad_alloc&) {
-        memoryEnded();
+        session_.failForMemory();
         constexpr int kMostInARow = 3;  // not even a line can be read
-        goesOn = ++endsInARow_ < kMostInARow;
+        goesOn = ++memoryEnds_ < kMostInARow;
       }
     }
   }
-  whereMemoryLasts([&] { transcript.finishLine(); });
-  return std::exchange(failure_, std::nullopt).value_or(Result{});
+  whereMemoryLasts([&] { session_.transcript().finishLine(); });
+  if (std::optional<Problem> failure = session_.takeFailure()) return std::move(*failure);
+  return {};
 }
 
-bool Session::runNext(InputSource& input, std::size_t base) {
+bool CommandRunner::runNext(InputSource& input, InputStack::Scope& scope) {
   MemoryReserve::refill();
-  if (interrupted.exchange(false) && !failure_) {
-    const std::string here = place();
-    failure_ = Result{RunStatus::ScriptFailed, here.empty() ? "interrupted" : here + ": interrupted"};
+  if (Session::takeInterruption()) session_.failForGood(problemOf(Code::Interrupted, "interrupted"));
+  if (session_.hasFailure() && input.isInteractive()) {
+    session_.noteFailed();
+    const Problem told = *session_.takeFailure();
+    scope.dropScripts();
+    whereMemoryLasts([&] { session_.reportProblem(told); });
   }
-  if (failure_ && input.isInteractive()) {
-    hasFailed_ = true;
-    const Result told = std::move(*failure_);
-    failure_.reset();
-    frames_.resize(base + 1);
-    whereMemoryLasts([&] { reportProblem(told.message); });
-  }
-  if (failure_ || quitRequested) return false;
-  constexpr std::wstring_view kPrompt = L"Command: ";
-  whereMemoryLasts([&] { transcript.prompt(kPrompt); });
-  const Answer answer = pull({kPrompt, AnswerForm::Word});
+  if (session_.hasFailure() || session_.isQuitting()) return false;
+  Question question;
+  question.prompt = L"Command: ";
+  question.wanted = Wanted::Command;
+  whereMemoryLasts([&] { session_.transcript().prompt(question.prompt); });
+  const Answer answer = session_.input().pull(question);
   if (answer.kind == Answer::Kind::End) return false;
-  endsInARow_ = 0;
+  memoryEnds_ = 0;
   runTyped(answer);
   return true;
 }
 
-void Session::memoryEnded(const Command* command) noexcept {
-  if (failure_) return;
-  try {
-    std::string sentence = place();
-    if (!sentence.empty()) sentence += ": ";
-    if (command != nullptr) sentence += text::toUtf8(command->global) + ": ";
-    sentence += "there is not enough memory";
-    const bool isStep = command != nullptr && (command->flags & ACRX_CMD_NO_UNDO_MARKER) == 0;
-    if (isStep) sentence += "; U takes back what the command did";
-    failure_ = Result{RunStatus::ScriptFailed, std::move(sentence)};
-  } catch (const std::bad_alloc&) {
-    failure_ = Result{RunStatus::ScriptFailed, "out of memory"};  // so short that it needs none itself
-  }
-}
-
-void Session::runTyped(const Answer& answer) {
+void CommandRunner::runTyped(const Answer& answer) {
+  Document* const document = session_.documents().current();
   switch (answer.kind) {
     case Answer::Kind::Cancel:
-      transcript.echo(L"*Cancel*");
-      if (documents.current() != nullptr) documents.current()->pickfirst.clear();
+      session_.transcript().echo(L"*Cancel*");
+      if (document != nullptr) session_.setPickfirst(*document, {});
       return;
     case Answer::Kind::Enter:
-      transcript.echo({});
+      session_.transcript().echo({});
       // At a terminal Enter repeats; in a script a blank line between commands is just that.
-      if (isInteractive() && !lastCommand_.empty()) {
-        if (const auto command = commands.find(lastCommand_)) execute(command, false);
+      if (session_.isInteractive() && !lastCommand_.empty()) {
+        if (const auto command = session_.commands().find(lastCommand_)) execute(command, false);
       }
       return;
     case Answer::Kind::Text:
@@ -136,26 +113,27 @@ void Session::runTyped(const Answer& answer) {
     default:
       return;
   }
-  transcript.echo(answer.text);
-  if (const auto command = commands.find(answer.text)) {
+  session_.transcript().echo(answer.text);
+  if (const auto command = session_.commands().find(answer.text)) {
     execute(command, false);
     if ((command->flags & ACRX_CMD_NOHISTORY) == 0) lastCommand_ = answer.text;
     return;
   }
-  if (variables.find(answer.text) != nullptr && documents.current() != nullptr) {
-    pendingVariable = answer.text;
-    execute(commands.find(L".SETVAR"), false);
-    pendingVariable.clear();
+  if (session_.variables().find(answer.text) != nullptr && document != nullptr) {
+    namedVariable_ = answer.text;
+    execute(session_.commands().find(L".SETVAR"), false);
+    namedVariable_.clear();
     return;
   }
   reportUnknown(answer.text);
 }
 
-void Session::reportUnknown(std::wstring_view name) {
+void CommandRunner::reportUnknown(std::wstring_view name) {
   if (name.starts_with(L'(')) {
-    transcript.line(L"Expressions in parentheses are no commands of this host.");
-    fail(RunStatus::ScriptFailed, "expressions are not supported where a command is wanted: " + text::toUtf8(name),
-         true);
+    session_.transcript().line(L"Expressions in parentheses are no commands of this host.");
+    session_.fail(problemOf(Code::CommandUnknown,
+                            "expressions are not supported where a command is wanted: " + text::toUtf8(name)),
+                  Session::Shown::Yes);
     return;
   }
   while (!name.empty() && std::wstring_view(L"'_-.").find(name.front()) != std::wstring_view::npos)
@@ -164,60 +142,61 @@ void Session::reportUnknown(std::wstring_view name) {
   if (worksDialogs(name)) {
     hint = L"the line is for a dialog, and none is open" + (lastSkips_.empty() ? L"" : L"; " + lastSkips_);
   } else {
-    for (const std::wstring& near : nearestNames(name, commands.names()))
+    for (const std::wstring& near : nearestNames(name, session_.commands().names()))
       hint += (hint.empty() ? L"nearest: " : L", ") + near;
   }
   std::wstring shownHint = hint;
   if (!hint.empty()) shownHint.front() = static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(hint.front())));
-  transcript.line(L"Unknown command \"" + std::wstring(name) + L"\"." +
-                  (hint.empty() ? L"" : L"  " + shownHint + L"."));
-  if (inputFromCode()) {
-    frames_.back().failed = true;
+  session_.transcript().line(L"Unknown command \"" + std::wstring(name) + L"\"." +
+                             (hint.empty() ? L"" : L"  " + shownHint + L"."));
+  if (session_.input().isFromCode()) {
+    session_.input().failCode();
   } else {
-    fail(RunStatus::ScriptFailed, "unknown command " + quoted(name) + (hint.empty() ? "" : "; " + text::toUtf8(hint)),
-         true);
+    session_.fail(problemOf(Code::CommandUnknown,
+                            "unknown command " + quoted(name) + (hint.empty() ? "" : "; " + text::toUtf8(hint))),
+                  Session::Shown::Yes);
   }
 }
 
-bool Session::mayRun(const Command& command) {
-  if (running_.size() >= kDeepestNesting) return refuse(L"Commands are nested too deeply.") && false;
-  if (documents.current() == nullptr) {
+bool CommandRunner::mayRun(const Command& command) {
+  if (running_.size() >= kDeepestNesting) return session_.refuse(L"Commands are nested too deeply.") && false;
+  if (session_.documents().current() == nullptr) {
     if ((command.flags & ACRX_CMD_SESSION) != 0) return true;
-    refuse(L"No drawing is open: " + command.global + L" needs one.");
+    session_.refuse(L"No drawing is open: " + command.global + L" needs one.");
     return false;
   }
-  const bool inModel = text::equalFolded(documents.current()->currentLayout, L"Model");
+  const bool inModel = text::equalFolded(session_.documents().current()->currentLayout, L"Model");
   if (inModel && (command.flags & ACRX_CMD_NOTILEMODE) != 0) {
-    refuse(L"** Command not allowed in Model Tab **");
+    session_.refuse(L"** Command not allowed in Model Tab **");
     return false;
   }
   if (!inModel && (command.flags & ACRX_CMD_NOPAPERSPACE) != 0) {
-    refuse(L"** Command not allowed in Paper Space **");
+    session_.refuse(L"** Command not allowed in Paper Space **");
     return false;
   }
   return true;
 }
 
-void Session::callHandler(Command& command) noexcept {
+void CommandRunner::callHandler(Command& command) noexcept {
   const auto failed = [&](const char* reason) {
-    commandFailed_ = true;
+    state_.hasFailed = true;
     try {
-      fail(RunStatus::ScriptFailed, text::toUtf8(command.global) + " failed" + reason);
+      session_.fail(problemOf(Code::CommandFailed, text::toUtf8(command.global) + " failed" + reason));
     } catch (const std::bad_alloc&) {
-      memoryEnded(&command);
+      session_.failForMemory(&command);
     }
   };
   try {
     const hatching::PatternMemory patterns;
     if (command.handler) {
-      Prompter prompter(*this);
+      Prompter prompter(session_);
       command.handler(prompter);
     } else {
       command.function();
     }
   } catch (const std::bad_alloc&) {
-    commandFailed_ = true;
-    memoryEnded(&command);
+    state_.hasFailed = true;
+    session_.failForMemory(&command);
   } catch (const std::exception& error) {
     std::array<char, 512> reason;
     std::snprintf(reason.data(), reason.size(), ": %s", error.what());
@@ -227,145 +206,182 @@ void Session::callHandler(Command& command) noexcept {
   }
 }
 
+// ---- one command ----------------------------------------------------------------------------------------------------
+
+void CommandRunner::questionAsked() {
+  const Document* const document = session_.documents().current();
+  if (!running_.empty() && !changesWhenAsked_ && document != nullptr)
+    changesWhenAsked_ = document->drawing().changeCount();
+}
+
+void CommandRunner::dialogOpened() {
+  questionAsked();
+  state_.isDialogCancelled = false;
+  skips_.dialogOpened();
+}
+
+/// The user was asked and left, and the command has changed nothing since.
+bool CommandRunner::wasLeftUntouched(const Document& document) const {
+  return (state_.isCancelled || state_.isDialogCancelled) && changesWhenAsked_ == document.drawing().changeCount();
+}
+
 /// What a command holds while it runs; all of it goes back however the command ends.
-struct Session::Running {
-  Running(Session& owner, const std::shared_ptr<Command>& of, Document* in, bool isTransparent)
-      : session(owner),
-        command(of),
-        document(in),
-        transparent(isTransparent),
-        locks(in != nullptr && (of->flags & ACRX_CMD_SESSION) == 0),
-        watches(owner.running_.empty() && in != nullptr),
-        marksUndo(watches && (of->flags & ACRX_CMD_NO_UNDO_MARKER) == 0) {
-    if (marksUndo) document->drawing().beginUndoStep(command->global, session.scriptGroup());
-    session.running_.push_back(command);
-    if (transparent) ++session.transparentDepth_;
+class CommandRunner::Running {
+ public:
+  Running(CommandRunner& runner, const std::shared_ptr<Command>& command, Document* document, bool isTransparent)
+      : runner_(runner),
+        command_(command),
+        document_(document),
+        isTransparent_(isTransparent),
+        locks_(document != nullptr && (command->flags & ACRX_CMD_SESSION) == 0),
+        watches_(runner.running_.empty() && document != nullptr),
+        marksUndo_(watches_ && (command->flags & ACRX_CMD_NO_UNDO_MARKER) == 0) {
+    if (marksUndo_) document_->drawing().beginUndoStep(command_->global, runner_.session_.input().scriptGroup());
+    runner_.running_.push_back(command_);
+    if (isTransparent_) ++runner_.transparentDepth_;
     // Commands of the document are given its write lock.
-    if (locks) ++document->locks;
-    if (watches) document->drawing().setObserver(&session.skips);
+    if (locks_) ++document_->locks;
+    if (watches_) document_->drawing().setObserver(&runner_.watch_);
   }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
   ~Running() {
-    const bool isOpen = document != nullptr && session.documents.owns(document);
-    if (watches && isOpen) document->drawing().setObserver(nullptr);
-    if (locks && isOpen && document->locks > 0) --document->locks;
-    if (marksUndo && isOpen) {
-      // Plug-ins prepare a drawing at their first command. Left with Esc or Cancel it is as it was.
-      if (session.wasLeftUntouched(*document) && !command->isBuiltIn()) {
-        try {
-          document->drawing().endUnusedUndoStep();
-        } catch (const std::bad_alloc&) {
-          document->drawing().endUndoStep();
-        }
-      } else {
-        document->drawing().endUndoStep();
-      }
-    }
-    if (transparent) --session.transparentDepth_;
-    session.running_.pop_back();
-    session.nextLimits = {};
+    const bool isOpen = document_ != nullptr && runner_.session_.documents().owns(document_);
+    if (watches_ && isOpen) document_->drawing().setObserver(nullptr);
+    if (locks_ && isOpen && document_->locks > 0) --document_->locks;
+    if (marksUndo_ && isOpen) endUndoStep();
+    if (isTransparent_) --runner_.transparentDepth_;
+    runner_.running_.pop_back();
+    runner_.session_.setNextLimits({});
   }
 
-  Session& session;
-  const std::shared_ptr<Command>& command;
-  Document* document;
-  bool transparent, locks, watches, marksUndo;
+ private:
+  /// Plug-ins prepare a drawing at their first command. Left with Esc or Cancel it is as it was.
+  void endUndoStep() {
+    if (!runner_.wasLeftUntouched(*document_) || command_->isBuiltIn()) {
+      document_->drawing().endUndoStep();
+      return;
+    }
+    try {
+      document_->drawing().endUnusedUndoStep();
+    } catch (const std::bad_alloc&) {
+      document_->drawing().endUndoStep();
+    }
+  }
+
+  CommandRunner& runner_;
+  const std::shared_ptr<Command>& command_;
+  Document* document_;
+  bool isTransparent_, locks_, watches_, marksUndo_;
 };
 
-void Session::execute(const std::shared_ptr<Command>& command, bool transparent) {
+void CommandRunner::runTransparently(const std::shared_ptr<Command>& command) {
+  execute(command, true);
+  state_.isCancelled = false;
+}
+
+void CommandRunner::execute(const std::shared_ptr<Command>& command, bool transparent) {
   if (!mayRun(*command)) return;
   const bool isOutermost = running_.empty();
-  Document* const document = documents.current();
-  if (isOutermost && document != nullptr && (command->flags & ACRX_CMD_USEPICKSET) == 0) document->pickfirst.clear();
-  nextLimits = {};
-  cancelled_ = false;
-  commandFailed_ = false;
-  dialogCancelled_ = false;
+  Document* const document = session_.documents().current();
+  if (isOutermost && document != nullptr && (command->flags & ACRX_CMD_USEPICKSET) == 0)
+    session_.setPickfirst(*document, {});
+  session_.setNextLimits({});
+  state_ = {};
   if (isOutermost) {
     changesWhenAsked_.reset();
-    skips.begin();
+    skips_.begin();
     lastSkips_.clear();
+    if (document != nullptr) watch_.begin(document->drawing(), session_.observer().wantsChanges());
   }
   const ACHAR* const name = command->global.c_str();
   const std::size_t knownProblems = document != nullptr ? document->drawing().problems().size() : 0;
   {
     const Running running(*this, command, document, transparent);
-    editor.tell(&AcEditorReactor::commandWillStart, name);
+    session_.editor().tell(&AcEditorReactor::commandWillStart, name);
     callHandler(*command);
-    if (isOutermost && document != nullptr && documents.owns(document))
-      reportSkips(*command, !cancelled_ && !commandFailed_ && !isStopping());
+    if (isOutermost && document != nullptr && session_.documents().owns(document))
+      reportSkips(*command, !state_.isCancelled && !state_.hasFailed && !session_.isStopping());
   }
-  const bool isOpen = document != nullptr && documents.owns(document);
-  if (commandFailed_) {
-    editor.tell(&AcEditorReactor::commandFailed, name);
-  } else if (cancelled_ || failure_) {
-    editor.tell(&AcEditorReactor::commandCancelled, name);
+  const bool isOpen = document != nullptr && session_.documents().owns(document);
+  if (state_.hasFailed) {
+    session_.editor().tell(&AcEditorReactor::commandFailed, name);
+  } else if (state_.isCancelled || session_.hasFailure()) {
+    session_.editor().tell(&AcEditorReactor::commandCancelled, name);
   } else {
-    editor.tell(&AcEditorReactor::commandEnded, name);
+    session_.editor().tell(&AcEditorReactor::commandEnded, name);
   }
-  commandFailed_ = false;
+  state_.hasFailed = false;
   if (isOutermost && isOpen) afterCommand(*document, knownProblems);
 }
 
 /// What a command could not bring into the drawing.
-void Session::reportNewProblems(const Document& document, std::size_t known) const {
+void CommandRunner::reportNewProblems(const Document& document, std::size_t known) const {
   constexpr std::size_t kMostTold = 10;
-  const std::vector<database::Problem>& problems = document.drawing().problems();
+  const std::vector<Problem>& problems = document.drawing().problems();
   for (std::size_t i = known; i < problems.size(); ++i) {
     if (i == known + kMostTold) {
-      reportProblem("... and " + std::to_string(problems.size() - i) + " more like these");
+      session_.reportProblem(
+          problemOf(Code::FurtherProblems, "... and " + std::to_string(problems.size() - i) + " more like these"));
       break;
     }
-    reportProblem(problems[i].text);
+    session_.reportProblem(problemOf(problems[i].code, problems[i].text));
   }
 }
 
-void Session::reportSkips(const Command& command, bool isWhole) {
-  const std::wstring sentence = skips.sentence(command.global, isWhole);
+void CommandRunner::reportSkips(const Command& command, bool isWhole) {
+  const std::wstring sentence = skips_.sentence(command.global, isWhole);
   if (sentence.empty()) return;
-  transcript.line(sentence);
+  session_.transcript().line(sentence);
   lastSkips_ = command.global + L": " + sentence;
-  if (options_.isStrict && !isInteractive()) fail(RunStatus::ScriptFailed, text::toUtf8(lastSkips_), true);
+  if (session_.options().isStrict && !session_.isInteractive())
+    session_.fail(problemOf(Code::ObjectsSkipped, text::toUtf8(lastSkips_)), Session::Shown::Yes);
 }
 
-void Session::afterCommand(Document& document, std::size_t knownProblems) {
-  document.pickfirst.clear();
-  if (meter.isShown) acedRestoreStatusBar();
+void CommandRunner::afterCommand(Document& document, std::size_t knownProblems) {
+  session_.setPickfirst(document, {});
+  session_.meter().hide();
   const int locks = std::exchange(document.locks, 0);
   const int open = document.drawing().releaseObjects();
   const int lost = document.drawing().takeLostChanges();
   reportNewProblems(document, knownProblems);
-  if (locks > 0) reportProblem("a command left " + std::to_string(locks) + " document locks behind; they are released");
-  if (open > 0) reportProblem("a command left " + std::to_string(open) + " objects open; they are closed");
-  if (lost > 0) {
-    reportProblem("there was not enough memory for the changes of " + std::to_string(lost) +
-                  (lost == 1 ? " object" : " objects") + "; U takes back the whole command");
-  }
+  const auto report = [this](Code code, std::string sentence) {
+    session_.reportProblem(problemOf(code, std::move(sentence)));
+  };
+  if (locks > 0)
+    report(Code::LeftBehind, "a command left " + std::to_string(locks) + " document locks behind; they are released");
+  if (open > 0) report(Code::LeftBehind, "a command left " + std::to_string(open) + " objects open; they are closed");
+  if (lost > 0)
+    report(Code::MemoryEnded, "there was not enough memory for the changes of " + std::to_string(lost) +
+                                  (lost == 1 ? " object" : " objects") + "; U takes back the whole command");
+  if (watch_.hasChanged(document.drawing())) tellChange(document);
 }
 
-int Session::runFromCode(std::unique_ptr<InputSource> answers) {
-  if (isTransparentRunning() || documents.current() == nullptr || isStopping()) return RTERROR;
-  InputFrame frame;
-  frame.source = answers.get();
-  frame.owned = std::move(answers);
-  frame.fromCode = true;
-  const InputScope scope(*this, std::move(frame));
+void CommandRunner::tellChange(const Document& document) {
+  if (session_.observer().wantsChanges()) session_.observer().drawingChanged(watch_.takeChange(document.drawing()));
+}
+
+int CommandRunner::runFromCode(std::unique_ptr<InputSource> answers) {
+  if (transparentDepth_ > 0 || session_.documents().current() == nullptr || session_.isStopping()) return RTERROR;
+  const InputStack::Scope scope(session_.input(), std::move(answers));
+  Question question;
+  question.prompt = L"Command: ";
+  question.wanted = Wanted::Command;
   for (;;) {
-    const Answer answer = pull({L"Command: ", AnswerForm::Word});
-    if (answer.kind == Answer::Kind::End || isStopping()) break;
+    const Answer answer = session_.input().pull(question);
+    if (answer.kind == Answer::Kind::End || session_.isStopping()) break;
     if (answer.kind != Answer::Kind::Text) continue;  // a surplus Enter
-    transcript.prompt(L"Command: ");
-    transcript.echo(answer.text);
-    if (const auto command = commands.find(answer.text)) {
+    session_.transcript().prompt(question.prompt);
+    session_.transcript().echo(answer.text);
+    if (const auto command = session_.commands().find(answer.text)) {
       execute(command, false);
     } else {
       reportUnknown(answer.text);
     }
-    if (frames_.size() <= scope.base || frames_.back().failed) break;
+    if (scope.isOver()) break;
   }
-  cancelled_ = false;
-  return frames_.size() <= scope.base || frames_.back().failed || failure_.has_value() ? RTERROR : RTNORM;
+  state_.isCancelled = false;
+  return scope.isOver() || session_.hasFailure() ? RTERROR : RTNORM;
 }
 
 }  // namespace host::editor

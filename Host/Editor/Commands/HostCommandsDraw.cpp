@@ -39,7 +39,7 @@ void eraseById(AcDbObjectId id) {
 }
 
 void line(Prompter& prompter) {
-  Document& document = *prompter.session().documents.current();
+  Document& document = *prompter.session().documents().current();
   const AcGePoint3d last = document.lastPoint;
   const auto first = prompter.point(L"Specify first point: ");
   if (first.outcome == Outcome::Cancel) return;
@@ -122,7 +122,7 @@ class PolylineDialogue {
     from.endWidth = endWidth_;
     startWidth_ = endWidth_;
     vertices_.push_back({point, 0, endWidth_, endWidth_});
-    prompter_.session().documents.current()->lastPoint = lastPoint();
+    prompter_.session().documents().current()->lastPoint = lastPoint();
   }
 
   bool askLine() {
@@ -253,7 +253,7 @@ class PolylineDialogue {
         vertices_.pop_back();
         startWidth_ = endWidth_ = vertices_.back().startWidth;
         vertices_.back().bulge = 0;
-        prompter_.session().documents.current()->lastPoint = lastPoint();
+        prompter_.session().documents().current()->lastPoint = lastPoint();
       } else {
         prompter_.line(L"All segments already undone.");
       }

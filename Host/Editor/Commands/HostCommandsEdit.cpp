@@ -10,10 +10,11 @@ namespace {
 
 using database::Slot;
 
-database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents.current()->drawing(); }
+database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents().current()->drawing(); }
 
 void undoOnce(Prompter& prompter) {
-  if (const std::optional<std::wstring> name = drawingOf(prompter).undo(prompter.session().scriptGroup().number)) {
+  if (const std::optional<std::wstring> name =
+          drawingOf(prompter).undo(prompter.session().input().scriptGroup().number)) {
     prompter.line(*name);
   } else {
     prompter.line(L"Everything has been undone");
@@ -21,7 +22,8 @@ void undoOnce(Prompter& prompter) {
 }
 
 void redoOnce(Prompter& prompter) {
-  if (const std::optional<std::wstring> name = drawingOf(prompter).redo(prompter.session().scriptGroup().number)) {
+  if (const std::optional<std::wstring> name =
+          drawingOf(prompter).redo(prompter.session().input().scriptGroup().number)) {
     prompter.line(*name);
   } else {
     prompter.line(L"Nothing to redo");
@@ -33,7 +35,7 @@ void undoMany(Prompter& prompter) {
   limits.bits = RSG_NOZERO | RSG_NONEG;
   const auto count = prompter.integer(L"Enter the number of operations to undo <1>: ", limits);
   if (count.outcome == Outcome::Cancel) return;
-  const std::uint32_t openGroup = prompter.session().scriptGroup().number;
+  const std::uint32_t openGroup = prompter.session().input().scriptGroup().number;
   for (int i = 0; i < (count ? count.value : 1); ++i) {
     const std::optional<std::wstring> name = drawingOf(prompter).undo(openGroup);
     prompter.line(name.value_or(L"Everything has been undone"));
@@ -44,8 +46,8 @@ void undoMany(Prompter& prompter) {
 /// The set selected before the command, or one asked for.
 std::vector<Slot*> selected(Prompter& prompter) {
   Session& session = prompter.session();
-  if (session.mayTakePickfirst()) {
-    std::vector<Slot*> before = std::exchange(session.documents.current()->pickfirst, {});
+  if (session.runner().mayTakePickfirst()) {
+    std::vector<Slot*> before = std::exchange(session.documents().current()->pickfirst, {});
     std::erase_if(before, [](const Slot* entity) { return entity->isErased(); });
     if (!before.empty()) return before;
   }
@@ -59,7 +61,8 @@ void erase(Prompter& prompter) {
     const Acad::ErrorStatus status = entity.openStatus();
     if (status == Acad::eOk) {
       entity->erase();
-    } else if (status != Acad::eWasErased && status != Acad::eOnLockedLayer) {  // locked ones are told at the end
+    } else if (status != Acad::eWasErased &&
+               status != Acad::eOnLockedLayer) {  // the end of the command reports locked ones
       ++inUse;
     }
   }
@@ -72,44 +75,43 @@ void select(Prompter& prompter) { prompter.select(); }
 
 void regen(Prompter& prompter) {
   prompter.line(L"Regenerating model.");
-  prompter.session().regenerate();
+  prompter.session().observer().regenerate();
 }
 
 void setVariable(Prompter& prompter) {
   Session& session = prompter.session();
-  std::wstring name = session.pendingVariable;
+  std::wstring name = session.runner().namedVariable();
   if (name.empty()) {
     const auto reply = prompter.word(L"Enter variable name or [?]: ");
     if (!reply) return;
     name = reply.value;
     if (name == L"?") {
-      for (const std::wstring& known : session.variables.names())
-        prompter.line(known + L"  " + session.variables.shown(*session.variables.find(known)));
+      for (const std::wstring& known : session.variables().names())
+        prompter.line(known + L"  " + session.variables().shown(*session.variables().find(known)));
       return;
     }
   }
-  const Variable* const variable = session.variables.find(name);
+  const Variable* const variable = session.variables().find(name);
   if (variable == nullptr) {
     std::wstring hint;
-    for (const std::wstring& near : nearestNames(name, session.variables.names()))
+    for (const std::wstring& near : nearestNames(name, session.variables().names()))
       hint += (hint.empty() ? L"; nearest: " : L", ") + near;
     prompter.refuse(L"Unknown variable name \"" + name + L"\"" + hint + L".");
     return;
   }
   if (variable->readOnly) {
-    prompter.line(variable->name + (L" = " + session.variables.shown(*variable)) + L" (read only)");
+    prompter.line(variable->name + (L" = " + session.variables().shown(*variable)) + L" (read only)");
     return;
   }
   const std::wstring prompt =
-      L"Enter new value for " + std::wstring(variable->name) + L" <" + session.variables.shown(*variable) + L">: ";
+      L"Enter new value for " + std::wstring(variable->name) + L" <" + session.variables().shown(*variable) + L">: ";
   for (;;) {
     const auto value = prompter.word(prompt);
     if (!value) return;
     const std::wstring& text = value.value;
     const bool clears = variable->type == Variable::Type::Text && text == L".";
-    const std::optional<std::wstring> problem =
-        session.variables.setText(*variable, clears ? std::wstring_view() : std::wstring_view(text));
-    if (!problem || !prompter.refuse(variable->name + (L" " + *problem) + L".")) return;
+    const Result<> set = session.variables().setText(*variable, clears ? std::wstring_view() : std::wstring_view(text));
+    if (set || !prompter.refuse(variable->name + (L" " + text::fromUtf8(set.message())) + L".")) return;
   }
 }
 

@@ -20,7 +20,7 @@ std::filesystem::path typedPath(const std::wstring& text) {
   return text::toUtf8(text.substr(begin, end - begin));
 }
 
-/// Nothing when the user cancelled, or gave no name, which has been said.
+/// Nothing when the user cancelled, or gave no name, which has been refused.
 std::optional<std::filesystem::path> askFile(Prompter& prompter, std::wstring_view prompt) {
   const auto name = prompter.text(prompt);
   if (name.outcome == Outcome::Cancel) return std::nullopt;
@@ -35,16 +35,14 @@ void open(Prompter& prompter) {
   if (!typed) return;
   std::filesystem::path file = HostServices::find(*typed, nullptr);
   if (file.empty()) file = *typed;
-  if (const Result result = prompter.session().openDrawing(file); !result)
-    prompter.fail(result.status, text::fromUtf8(result.message));
+  if (const Result<> opened = prompter.session().openDrawing(file); !opened) prompter.fail(opened.problem());
 }
 
 void createDrawing(Prompter& prompter) {
-  if (const Result result = prompter.session().newDrawing(); !result)
-    prompter.fail(result.status, text::fromUtf8(result.message));
+  if (const Result<> made = prompter.session().newDrawing(); !made) prompter.fail(made.problem());
 }
 
-/// Asks somebody who is there whether to replace a file that somebody else has changed.
+/// Asks the user whether to replace a file that another program has changed.
 bool mayReplace(Prompter& prompter, const std::filesystem::path& file) {
   Limits limits;
   limits.keywords = Keywords(L"Yes No");
@@ -64,8 +62,8 @@ void saveTo(Prompter& prompter, Document& document, const std::filesystem::path&
     }
     changed = Session::ChangedFile::Replace;
   }
-  if (const Result result = prompter.session().saveDrawing(document, file, changed); !result) {
-    prompter.fail(result.status, text::fromUtf8(result.message));
+  if (const Result<> saved = prompter.session().saveDrawing(document, file, changed); !saved) {
+    prompter.fail(saved.problem());
     return;
   }
   if (file != document.file()) document.setFile(file);
@@ -75,7 +73,7 @@ void saveTo(Prompter& prompter, Document& document, const std::filesystem::path&
 }
 
 void saveAs(Prompter& prompter) {
-  Document& document = *prompter.session().documents.current();
+  Document& document = *prompter.session().documents().current();
   const std::wstring shown = document.fileName();
   const auto name = prompter.text(L"Save drawing as <" + shown + L">: ");
   if (name.outcome == Outcome::Cancel) return;
@@ -86,7 +84,7 @@ void saveAs(Prompter& prompter) {
   }
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) {
-    prompter.fail(RunStatus::OutputFailed, wide(file) + L": is a folder; a drawing needs a file name");
+    prompter.fail(Code::OutputRefused, wide(file) + L": is a folder; a drawing needs a file name");
     return;
   }
   std::wstring extension = text::folded(wide(file.extension()));
@@ -95,14 +93,14 @@ void saveAs(Prompter& prompter) {
     extension = L".dxf";
   }
   if (extension != L".dxf") {
-    prompter.fail(RunStatus::OutputFailed, wide(file) + L": drawings are saved as DXF; the name must end in .dxf");
+    prompter.fail(Code::OutputRefused, wide(file) + L": drawings are saved as DXF; the name must end in .dxf");
     return;
   }
   saveTo(prompter, document, fullPath(file));
 }
 
 void quickSave(Prompter& prompter) {
-  Document& document = *prompter.session().documents.current();
+  Document& document = *prompter.session().documents().current();
   const std::wstring extension = text::folded(wide(document.file().extension()));
   if (document.file().empty() || extension != L".dxf") {
     saveAs(prompter);
@@ -133,7 +131,7 @@ bool mayDiscard(Prompter& prompter) {
 
 void closeCurrent(Prompter& prompter) {
   Session& session = prompter.session();
-  Document* const document = session.documents.current();
+  Document* const document = session.documents().current();
   if (document == nullptr) {
     prompter.refuse(L"No drawing is open.");
     return;
@@ -146,18 +144,18 @@ void closeCurrent(Prompter& prompter) {
 void quit(Prompter& prompter) {
   Session& session = prompter.session();
   bool isModified = false;
-  for (const auto& document : session.documents.all()) {
+  for (const auto& document : session.documents().all()) {
     if (!document->drawing().isModified()) continue;
     isModified = true;
     if (!session.isInteractive()) continue;
-    session.documents.activate(*document);
+    session.documents().activate(*document);
     if (!maySaveAndLeave(prompter, *document)) return;
   }
-  session.quitRequested = session.isInteractive() || !isModified || mayDiscard(prompter);
+  session.setQuitting(session.isInteractive() || !isModified || mayDiscard(prompter));
 }
 
 void arxList(Prompter& prompter) {
-  const auto& modules = prompter.session().modules.all();
+  const auto& modules = prompter.session().modules().all();
   if (modules.empty()) prompter.line(L"No modules are loaded.");
   for (const auto& module : modules)
     prompter.line(module->name + (module->locked ? L"  (locked)" : L"") + L"  " + wide(module->file));
@@ -169,25 +167,21 @@ void arx(Prompter& prompter) {
   limits.keywords = Keywords(L"? Load Unload LIst Commands");
   const auto option = prompter.keyword(L"Enter an option [?/Load/Unload/LIst/Commands]: ", limits);
   if (option.outcome != Outcome::Keyword) return;
-  Result result;
   if (option.keyword == L"?" || option.keyword == L"LIst") {
     arxList(prompter);
   } else if (option.keyword == L"Commands") {
-    for (const std::wstring& name : session.commands.names()) prompter.line(name);
+    for (const std::wstring& name : session.commands().names()) prompter.line(name);
   } else {
     const bool isLoad = option.keyword == L"Load";
     const auto typed = askFile(prompter, isLoad ? L"Enter module file name: " : L"Enter module name to unload: ");
     if (!typed) return;
-    if (isLoad) {
-      const std::filesystem::path found = HostServices::find(*typed, nullptr);
-      result = session.modules.load(found.empty() ? *typed : found);
-    } else {
-      result = session.modules.unload(wide(*typed));
-    }
+    const std::filesystem::path found = isLoad ? HostServices::find(*typed, nullptr) : std::filesystem::path();
+    const Result<> result =
+        isLoad ? session.modules().load(found.empty() ? *typed : found) : session.modules().unload(wide(*typed));
     if (result) {
       prompter.line(wide(*typed) + (isLoad ? L" loaded." : L" unloaded."));
     } else {
-      prompter.refuse(text::fromUtf8(result.message));
+      prompter.refuse(text::fromUtf8(result.message()));
     }
   }
 }
@@ -195,19 +189,18 @@ void arx(Prompter& prompter) {
 /// Lines come from the file from now on.
 void runScript(Prompter& prompter, const std::filesystem::path& file) {
   Session& session = prompter.session();
-  if (session.inputDepth() >= kDeepestScripts) {
+  if (session.input().depth() >= kDeepestScripts) {
     prompter.refuse(L"Scripts call one another too deeply.");
     return;
   }
-  std::string told;
-  std::unique_ptr<ScriptInput> input = ScriptInput::fromFile(file, told);
-  if (input == nullptr) {
-    prompter.refuse(text::fromUtf8(told));
+  std::optional<Problem> remark;
+  Result<std::unique_ptr<ScriptInput>> input = ScriptInput::fromFile(file, remark);
+  if (!input) {
+    prompter.refuse(text::fromUtf8(input.message()));
     return;
   }
-  if (!told.empty()) session.reportProblem(told);
-  session.lastScript = file;
-  session.pushScript(std::move(input), L"SCRIPT " + wide(file.filename()));
+  if (remark) session.reportProblem(*remark);
+  session.pushScript(file, std::move(input.value()));
 }
 
 void script(Prompter& prompter) {
@@ -225,15 +218,15 @@ void script(Prompter& prompter) {
 void delay(Prompter& prompter) {
   Limits limits;
   limits.bits = RSG_NONULL | RSG_NONEG;
-  // A script that nobody watches need not wait.
+  // A script without an audience need not wait.
   prompter.integer(L"Delay time in milliseconds: ", limits);
 }
 
 void repeatScript(Prompter& prompter) {
   Session& session = prompter.session();
-  const bool isAfterScript = session.scriptGroup().number == 0 && !session.lastScript.empty();
+  const bool isAfterScript = session.input().scriptGroup().number == 0 && !session.lastScript().empty();
   if (isAfterScript) {
-    runScript(prompter, session.lastScript);
+    runScript(prompter, session.lastScript());
   } else if (session.isInteractive()) {
     prompter.refuse(L"No script has been run yet.");
   } else {

@@ -26,7 +26,7 @@ void listNames(Prompter& prompter, const std::vector<std::wstring>& names) {
 void help(Prompter& prompter) {
   std::map<std::wstring, std::wstring> own;                     // name to help
   std::map<std::wstring, std::vector<std::wstring>> ofModules;  // by group
-  for (const auto& command : prompter.session().commands.all()) {
+  for (const auto& command : prompter.session().commands().all()) {
     if (command->isBuiltIn()) {
       own.emplace(command->global, command->help);
     } else {

@@ -15,7 +15,7 @@ namespace {
 
 using database::Slot;
 
-database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents.current()->drawing(); }
+database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents().current()->drawing(); }
 
 // ---- LIST -----------------------------------------------------------------------------------------------------------
 
@@ -70,7 +70,7 @@ void listEntity(Prompter& prompter, Slot& slot) {
 void list(Prompter& prompter) {
   Session& session = prompter.session();
   std::vector<Slot*> entities;
-  if (session.mayTakePickfirst()) entities = std::exchange(session.documents.current()->pickfirst, {});
+  if (session.runner().mayTakePickfirst()) entities = std::exchange(session.documents().current()->pickfirst, {});
   if (entities.empty()) entities = prompter.select().value;
   for (Slot* entity : entities) {
     if (!entity->isErased()) listEntity(prompter, *entity);
@@ -81,7 +81,7 @@ void list(Prompter& prompter) {
 
 void switchTo(Prompter& prompter, const std::wstring& name) {
   Session& session = prompter.session();
-  if (text::equalFolded(session.documents.current()->currentLayout, name)) return;
+  if (text::equalFolded(session.documents().current()->currentLayout, name)) return;
   if (!session.switchLayout(name)) {
     std::wstring known;
     for (const auto& [layout, block] : drawingOf(prompter).layouts()) known += (known.empty() ? L"" : L", ") + layout;
@@ -90,7 +90,7 @@ void switchTo(Prompter& prompter, const std::wstring& name) {
 }
 
 void layout(Prompter& prompter) {
-  Document& document = *prompter.session().documents.current();
+  Document& document = *prompter.session().documents().current();
   Limits limits;
   limits.keywords = Keywords(L"? Set");
   const auto option = prompter.word(L"Enter layout option [Set/?] <Set>: ", limits);
@@ -118,7 +118,7 @@ geometry::Box boxAbout(double x, double y, double width, double height) {
 }
 
 void show(Prompter& prompter, const geometry::Box& view) {
-  Document& document = *prompter.session().documents.current();
+  Document& document = *prompter.session().documents().current();
   constexpr std::size_t kRemembered = 10;
   document.formerViews.push_back(document.view);
   if (document.formerViews.size() > kRemembered) document.formerViews.erase(document.formerViews.begin());
@@ -167,7 +167,7 @@ void zoomCenter(Prompter& prompter) {
 }
 
 void zoom(Prompter& prompter) {
-  Document& document = *prompter.session().documents.current();
+  Document& document = *prompter.session().documents().current();
   Limits limits;
   limits.bits = RSG_OTHER;
   limits.keywords = Keywords(L"All Center Extents Previous Scale Window");

@@ -14,8 +14,8 @@ namespace {
 using database::DxfType;
 using database::Slot;
 
-database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents.current()->drawing(); }
-AcDbDatabase& facadeOf(Prompter& prompter) { return *prompter.session().documents.current()->database(); }
+database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents().current()->drawing(); }
+AcDbDatabase& facadeOf(Prompter& prompter) { return *prompter.session().documents().current()->database(); }
 
 std::vector<std::wstring> splitNames(std::wstring_view list) {
   std::vector<std::wstring> names;
@@ -156,9 +156,9 @@ class LayerDialogue {
   }
 
   bool setCurrent(const std::wstring& name) {
-    SystemVariables& variables = prompter_.session().variables;
-    const auto problem = variables.set(*variables.find(L"CLAYER"), name);
-    return !problem || refused(L"CLAYER: " + *problem + L".");
+    SystemVariables& variables = prompter_.session().variables();
+    const Result<> set = variables.set(*variables.find(L"CLAYER"), name);
+    return set || refused(L"CLAYER: " + text::fromUtf8(set.message()) + L".");
   }
 
   bool makeCurrent() {
@@ -246,7 +246,7 @@ void layer(Prompter& prompter) { LayerDialogue(prompter).run(); }
 /// runs the command goes on.
 void linetypeMissing(Prompter& prompter, const std::wstring& name) {
   const std::wstring sentence = L"Cannot find linetype \"" + name + L"\".";
-  if (prompter.session().inputFromCode()) {
+  if (prompter.session().input().isFromCode()) {
     prompter.line(sentence);
   } else {
     prompter.refuse(sentence);
@@ -255,7 +255,7 @@ void linetypeMissing(Prompter& prompter, const std::wstring& name) {
 
 /// False ends the command.
 bool setLinetype(Prompter& prompter) {
-  SystemVariables& variables = prompter.session().variables;
+  SystemVariables& variables = prompter.session().variables();
   const Variable& current = *variables.find(L"CELTYPE");
   const auto name =
       prompter.word(L"Specify linetype name or [?] <" + std::get<std::wstring>(variables.get(current)) + L">: ");
@@ -265,7 +265,8 @@ bool setLinetype(Prompter& prompter) {
     linetypeMissing(prompter, name.value);
     return false;
   }
-  if (const auto problem = variables.set(current, name.value)) prompter.refuse(L"CELTYPE: " + *problem + L".");
+  if (const Result<> set = variables.set(current, name.value); !set)
+    prompter.refuse(L"CELTYPE: " + text::fromUtf8(set.message()) + L".");
   return true;
 }
 

@@ -27,7 +27,7 @@ Answer makePoint(double x, double y, double z) {
 }  // namespace
 
 bool addSelectionSet(CodeInput& input, const ads_name set) {
-  const SelectionSet* const found = Session::instance().sets.find(set);
+  const SelectionSet* const found = Session::instance().sets().find(set);
   if (found == nullptr) return false;
   for (database::Slot* entity : found->members) {
     Answer answer;
@@ -89,7 +89,7 @@ int acedCmdS(const resbuf* chain) {
   for (; chain != nullptr; chain = chain->rbnext) {
     if (!input->add(*chain)) return RTERROR;
   }
-  return host::editor::Session::instance().runFromCode(std::move(input));
+  return host::editor::Session::instance().runner().runFromCode(std::move(input));
 }
 
 int acedCommandS(int rtype, ...) {
@@ -136,5 +136,5 @@ int acedCommandS(int rtype, ...) {
   }
   va_end(arguments);
   if (!understood) return RTERROR;
-  return host::editor::Session::instance().runFromCode(std::move(input));
+  return host::editor::Session::instance().runner().runFromCode(std::move(input));
 }

@@ -25,7 +25,7 @@ constexpr int kErrnoEnter = 52;
 std::wstring_view orEmpty(const ACHAR* text) { return text != nullptr ? std::wstring_view(text) : std::wstring_view(); }
 
 /// What acedInitGet set, good for one question.
-Limits takeLimits() { return std::exchange(Session::instance().nextLimits, {}); }
+Limits takeLimits() { return Session::instance().takeNextLimits(); }
 
 template <class T>
 int resultOf(const Reply<T>& reply) {
@@ -35,7 +35,7 @@ int resultOf(const Reply<T>& reply) {
     case Outcome::Enter:
       return RTNONE;
     case Outcome::Keyword:
-      Session::instance().lastInput = reply.keyword;
+      Session::instance().setLastInput(reply.keyword);
       return RTKWORD;
     default:
       return RTCAN;
@@ -57,7 +57,7 @@ int acutPrintf(const ACHAR* format, ...) {
   va_start(arguments, format);
   const std::wstring text = host::text::formatWide(format, arguments);
   va_end(arguments);
-  Session::instance().transcript.print(text);
+  Session::instance().transcript().print(text);
   return RTNORM;
 }
 
@@ -67,18 +67,18 @@ int acedAlert(const ACHAR* text) {
 }
 
 int acedInitGet(int bits, const ACHAR* keywords) {
-  Limits& limits = Session::instance().nextLimits;
-  limits = {};
+  Limits limits;
   limits.bits = bits;
   if (keywords != nullptr) limits.keywords = host::editor::Keywords(keywords);
+  Session::instance().setNextLimits(std::move(limits));
   return RTNORM;
 }
 
 int acedEntSel(const ACHAR* prompt, ads_name entity, ads_point point) {
   if (entity == nullptr) return RTERROR;
   Session& session = Session::instance();
-  if (session.documents.current() == nullptr) return RTERROR;
-  session.variables.setErrno(0);
+  if (session.documents().current() == nullptr) return RTERROR;
+  session.variables().setErrno(0);
   const auto reply = Prompter(session).entity(prompt != nullptr ? prompt : L"Select object: ", takeLimits());
   switch (reply.outcome) {
     case Outcome::Cancel:
@@ -86,7 +86,7 @@ int acedEntSel(const ACHAR* prompt, ads_name entity, ads_point point) {
     case Outcome::Keyword:
       return resultOf(reply);
     case Outcome::Enter:
-      session.variables.setErrno(kErrnoEnter);
+      session.variables().setErrno(kErrnoEnter);
       return RTERROR;
     case Outcome::Value:
       break;
@@ -97,7 +97,7 @@ int acedEntSel(const ACHAR* prompt, ads_name entity, ads_point point) {
     point[2] = reply.value.point.z;
   }
   if (reply.value.entity == nullptr) {
-    session.variables.setErrno(kErrnoMissed);
+    session.variables().setErrno(kErrnoMissed);
     return RTERROR;
   }
   host::editor::nameOf(reply.value.entity, entity);
@@ -147,7 +147,7 @@ int acedGetKword(const ACHAR* prompt, ACHAR* out, std::size_t size) {
   if (out == nullptr || size == 0) return RTERROR;
   const auto reply = Prompter(Session::instance()).keyword(orEmpty(prompt), takeLimits());
   if (reply.outcome == Outcome::Keyword) {
-    Session::instance().lastInput = reply.keyword;
+    Session::instance().setLastInput(reply.keyword);
     copyText(reply.keyword, out, size);
     return RTNORM;
   }
@@ -156,7 +156,7 @@ int acedGetKword(const ACHAR* prompt, ACHAR* out, std::size_t size) {
 
 int acedGetInput(ACHAR* out, std::size_t size) {
   if (out == nullptr || size == 0) return RTERROR;
-  copyText(Session::instance().lastInput, out, size);
+  copyText(Session::instance().lastInput(), out, size);
   return RTNORM;
 }
 
@@ -165,7 +165,7 @@ int acedGetInput(ACHAR* out, std::size_t size) {
 int acedGetVar(const ACHAR* name, resbuf* out) {
   if (name == nullptr || out == nullptr) return RTERROR;
   using host::editor::Variable;
-  const host::editor::SystemVariables& variables = Session::instance().variables;
+  const host::editor::SystemVariables& variables = Session::instance().variables();
   const Variable* const variable = variables.find(name);
   if (variable == nullptr) return RTERROR;
   const host::editor::VariableValue value = variables.get(*variable);
@@ -203,7 +203,7 @@ int acedGetVar(const ACHAR* name, resbuf* out) {
 int acedSetVar(const ACHAR* name, const resbuf* in) {
   if (name == nullptr || in == nullptr) return RTERROR;
   using host::editor::Variable;
-  host::editor::SystemVariables& variables = Session::instance().variables;
+  host::editor::SystemVariables& variables = Session::instance().variables();
   const Variable* const variable = variables.find(name);
   if (variable == nullptr) return RTERROR;
   host::editor::VariableValue value;
@@ -238,5 +238,5 @@ int acedSetVar(const ACHAR* name, const resbuf* in) {
           AcGePoint3d(in->resval.rpoint[0], in->resval.rpoint[1], in->restype == RT3DPOINT ? in->resval.rpoint[2] : 0);
       break;
   }
-  return variables.set(*variable, value) ? RTERROR : RTNORM;
+  return variables.set(*variable, value) ? RTNORM : RTERROR;
 }

@@ -26,12 +26,24 @@ bool isNoSnap(std::wstring_view text) {
 
 }  // namespace
 
+Question Limits::question(std::wstring_view prompt, AnswerForm form, Wanted wanted) const {
+  Question question;
+  question.prompt = prompt;
+  question.form = form;
+  question.wanted = wanted;
+  if (!keywords.isEmpty()) question.keywords = &keywords;
+  question.base = base;
+  question.takesEnter = (bits & RSG_NONULL) == 0;
+  return question;
+}
+
 template <class T>
-Reply<T> Prompter::ask(std::wstring_view prompt, AnswerForm form, const Limits& limits, std::wstring_view refusal,
+Reply<T> Prompter::ask(std::wstring_view prompt, AnswerForm form, Wanted wanted, const Limits& limits,
+                       std::wstring_view refusal,
                        const std::function<std::optional<T>(const Answer&, std::wstring& refusal)>& read) {
   Reply<T> reply;
   for (;;) {
-    const Answer answer = session_.ask(prompt, form);
+    const Answer answer = session_.ask(limits.question(prompt, form, wanted));
     std::wstring why{refusal};
     if (answer.kind == Answer::Kind::Cancel || answer.kind == Answer::Kind::End) return reply;
     if (answer.kind == Answer::Kind::Enter) {
@@ -65,10 +77,10 @@ Reply<T> Prompter::ask(std::wstring_view prompt, AnswerForm form, const Limits& 
 }
 
 Reply<AcGePoint3d> Prompter::point(std::wstring_view prompt, const Limits& limits) {
-  Document* const document = session_.documents.current();
+  Document* const document = session_.documents().current();
   const AcGePoint3d origin = limits.base.value_or(document != nullptr ? document->lastPoint : AcGePoint3d());
   Reply<AcGePoint3d> reply =
-      ask<AcGePoint3d>(prompt, AnswerForm::Word, limits, L"Invalid point.",
+      ask<AcGePoint3d>(prompt, AnswerForm::Word, Wanted::Point, limits, L"Invalid point.",
                        [&origin](const Answer& answer, std::wstring& why) -> std::optional<AcGePoint3d> {
                          if (answer.kind == Answer::Kind::Point) return answer.point;
                          if (answer.kind != Answer::Kind::Text) return std::nullopt;
@@ -85,7 +97,7 @@ Reply<AcGePoint3d> Prompter::point(std::wstring_view prompt, const Limits& limit
 }
 
 Reply<double> Prompter::real(std::wstring_view prompt, const Limits& limits) {
-  return ask<double>(prompt, AnswerForm::Word, limits, L"Requires numeric value.",
+  return ask<double>(prompt, AnswerForm::Word, Wanted::Number, limits, L"Requires numeric value.",
                      [&limits](const Answer& answer, std::wstring& why) -> std::optional<double> {
                        if (answer.kind != Answer::Kind::Text) return std::nullopt;
                        const std::optional<double> value = parseNumber(answer.text);
@@ -98,7 +110,7 @@ Reply<double> Prompter::real(std::wstring_view prompt, const Limits& limits) {
 }
 
 Reply<int> Prompter::integer(std::wstring_view prompt, const Limits& limits) {
-  return ask<int>(prompt, AnswerForm::Word, limits, L"Requires an integer value.",
+  return ask<int>(prompt, AnswerForm::Word, Wanted::Number, limits, L"Requires an integer value.",
                   [&limits](const Answer& answer, std::wstring& why) -> std::optional<int> {
                     if (answer.kind != Answer::Kind::Text) return std::nullopt;
                     const std::optional<std::int64_t> value = parseWhole(answer.text);
@@ -124,26 +136,28 @@ std::optional<std::wstring> asText(const Answer& answer) {
 }  // namespace
 
 Reply<std::wstring> Prompter::word(std::wstring_view prompt, const Limits& limits) {
-  return ask<std::wstring>(prompt, AnswerForm::Word, limits, L"Requires text.",
+  return ask<std::wstring>(prompt, AnswerForm::Word, Wanted::Text, limits, L"Requires text.",
                            [](const Answer& answer, std::wstring&) { return asText(answer); });
 }
 
 Reply<std::wstring> Prompter::text(std::wstring_view prompt, const Limits& limits) {
-  return ask<std::wstring>(prompt, AnswerForm::Text, limits, L"Requires text.",
+  return ask<std::wstring>(prompt, AnswerForm::Text, Wanted::Text, limits, L"Requires text.",
                            [](const Answer& answer, std::wstring&) { return asText(answer); });
 }
 
 Reply<std::wstring> Prompter::keyword(std::wstring_view prompt, const Limits& limits) {
-  return ask<std::wstring>(prompt, AnswerForm::Word, limits, L"Invalid option keyword.",
+  return ask<std::wstring>(prompt, AnswerForm::Word, Wanted::Keyword, limits, L"Invalid option keyword.",
                            [](const Answer&, std::wstring&) { return std::optional<std::wstring>(); });
 }
 
-void Prompter::line(std::wstring_view text) { session_.transcript.line(text); }
+void Prompter::line(std::wstring_view text) { session_.transcript().line(text); }
 bool Prompter::refuse(std::wstring_view sentence) { return session_.refuse(sentence); }
 
-void Prompter::fail(RunStatus status, std::wstring_view sentence) {
-  session_.transcript.line(sentence);
-  session_.fail(status, text::toUtf8(sentence), true);
+void Prompter::fail(Code code, std::wstring_view sentence) { fail(problemOf(code, text::toUtf8(sentence))); }
+
+void Prompter::fail(Problem problem) {
+  session_.transcript().line(text::fromUtf8(problem.sentence()));
+  session_.fail(std::move(problem), Session::Shown::Yes);
 }
 
 }  // namespace host::editor

@@ -143,11 +143,11 @@ ScriptInput::ScriptInput(std::string_view utf8, std::string name) : text_(utf8),
   if (text_.starts_with("\xEF\xBB\xBF")) next_ = 3;
 }
 
-std::unique_ptr<ScriptInput> ScriptInput::fromFile(const std::filesystem::path& file, std::string& told) {
+Result<std::unique_ptr<ScriptInput>> ScriptInput::fromFile(const std::filesystem::path& file,
+                                                           std::optional<Problem>& remark) {
   const std::string name = file.filename().string();
   const auto refused = [&](const std::string& why) {
-    told = name + ": the script " + why;
-    return nullptr;
+    return problemOf(Code::ScriptUnreadable, name, "the script " + why);
   };
   std::error_code error;
   if (!std::filesystem::is_regular_file(file, error)) return refused("cannot be read: it is no ordinary file");
@@ -156,12 +156,10 @@ std::unique_ptr<ScriptInput> ScriptInput::fromFile(const std::filesystem::path& 
   std::ifstream stream(file, std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
   if (!stream) return refused(std::string("cannot be read: ") + std::strerror(errno));
-  ScriptText script = scriptText(std::move(bytes));
-  const std::string line = name + ":" + std::to_string(script.line) + ": ";
-  if (!script.remark.empty()) told = line + script.remark;
-  if (script.refusal.empty()) return std::make_unique<ScriptInput>(script.utf8, name);
-  told = line + script.refusal;
-  return nullptr;
+  Result<ScriptText> script = scriptText(std::move(bytes), name);
+  if (!script) return script;
+  remark = std::move(script->remark);
+  return std::make_unique<ScriptInput>(script->utf8, name);
 }
 
 std::optional<std::wstring> ScriptInput::readLine(const Question&) {

@@ -14,19 +14,13 @@ namespace {
 constexpr wchar_t kReplacement = 0xFFFD;
 constexpr std::string_view kSave = "; save the script as UTF-8";
 
-int lineAt(std::string_view text, std::size_t position) {
-  return 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(position), '\n'));
-}
-
-ScriptText refused(int line, std::string_view clause) {
-  ScriptText result;
-  result.refusal = std::string(clause) + std::string(kSave);
-  result.line = line;
-  return result;
+std::size_t lineAt(std::string_view text, std::size_t position) {
+  return 1 +
+         static_cast<std::size_t>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(position), '\n'));
 }
 
 /// Text of UTF-16 behind its byte order mark; nothing when it is damaged, `line` tells where.
-std::optional<std::string> fromUtf16(std::string_view bytes, bool bigEndian, int& line) {
+std::optional<std::string> fromUtf16(std::string_view bytes, bool bigEndian, std::size_t& line) {
   std::string utf8;
   line = 1;
   const auto unit = [&](std::size_t i) {
@@ -78,12 +72,16 @@ HighBytes highBytes(std::string_view bytes) {
 
 }  // namespace
 
-ScriptText scriptText(std::string bytes) {
+Result<ScriptText> scriptText(std::string bytes, const std::string& name) {
+  const auto refused = [&name](std::size_t at, std::string_view clause) {
+    return Problem{Code::ScriptUnreadable, name, at, 0, std::string(clause) + std::string(kSave)};
+  };
   ScriptText result;
+  std::size_t line = 0;
   const bool isBig = bytes.starts_with("\xFE\xFF");
   if (isBig || bytes.starts_with("\xFF\xFE")) {
-    std::optional<std::string> decoded = fromUtf16(std::string_view(bytes).substr(2), isBig, result.line);
-    if (!decoded) return refused(result.line, "the text is damaged UTF-16");
+    std::optional<std::string> decoded = fromUtf16(std::string_view(bytes).substr(2), isBig, line);
+    if (!decoded) return refused(line, "the text is damaged UTF-16");
     bytes = std::move(*decoded);
   } else if (bytes.starts_with("\xEF\xBB\xBF")) {
     bytes.erase(0, 3);
@@ -95,8 +93,8 @@ ScriptText scriptText(std::string bytes) {
     result.utf8 = std::move(bytes);
     return result;
   }
-  result.line = lineAt(bytes, *high.first);
-  if (high.characters > 0) return refused(result.line, "this is not UTF-8, though other places of the text are");
+  line = lineAt(bytes, *high.first);
+  if (high.characters > 0) return refused(line, "this is not UTF-8, though other places of the text are");
   const std::shared_ptr<const text::CodePage> page = text::CodePage::get("CP1252");
   std::wstring decoded;
   for (std::size_t position = 0; position < bytes.size();) {
@@ -108,7 +106,7 @@ ScriptText scriptText(std::string bytes) {
     decoded += c;
   }
   result.utf8 = text::toUtf8(decoded);
-  result.remark = "this is not UTF-8; it is read as Windows-1252";
+  result.remark = Problem{Code::EncodingGuessed, name, line, 0, "this is not UTF-8; it is read as Windows-1252"};
   return result;
 }
 

@@ -71,37 +71,49 @@ AcRx::AppRetCode ModuleList::tell(Module& module, AcRx::AppMsgCode message, void
   try {
     return module.entry(message, packet);
   } catch (const std::exception& error) {
-    session_.reportProblem(module.file.string() + ": failed in its entry point: " + error.what());
+    session_.reportProblem(
+        problemOf(Code::PlugInFailed, module.file.string(), std::string("failed in its entry point: ") + error.what()));
   } catch (...) {
-    session_.reportProblem(module.file.string() + ": failed in its entry point");
+    session_.reportProblem(problemOf(Code::PlugInFailed, module.file.string(), "failed in its entry point"));
   }
   return AcRx::kRetError;
 }
 
 void ModuleList::tellAll(AcRx::AppMsgCode message, Document* document) {
-  Document* const former = session_.documents.current();
-  if (document != nullptr) session_.documents.setCurrent(document);
+  Document* const former = session_.documents().current();
+  if (document != nullptr) session_.documents().setCurrent(document);
   for (const auto& module : modules_) {
     if (tell(*module, message, nullptr) == AcRx::kRetError && message == AcRx::kLoadDwgMsg)
-      session_.reportProblem(text::toUtf8(module->name) + ": refused the drawing " +
-                             (document != nullptr ? text::toUtf8(document->fileName()) : std::string()));
+      session_.reportProblem(problemOf(
+          Code::PlugInRefused, text::toUtf8(module->name),
+          "refused the drawing " + (document != nullptr ? text::toUtf8(document->fileName()) : std::string())));
   }
-  if (document != nullptr) session_.documents.setCurrent(former);
+  if (document != nullptr) session_.documents().setCurrent(former);
 }
 
 const Module* ModuleList::blocksFurtherDrawing() const {
-  if (session_.documents.all().empty()) return nullptr;
+  if (session_.documents().all().empty()) return nullptr;
   for (const auto& module : modules_) {
     if (!module->severalDrawings) return module.get();
   }
   return nullptr;
 }
 
-Result ModuleList::load(const std::filesystem::path& file) {
+void ModuleList::reportThrown(const void* object, const std::string& reason) const {
+  const void* const base = moduleOfObject(object);
+  const auto module =
+      std::find_if(modules_.begin(), modules_.end(), [base](const auto& each) { return each->base == base; });
+  session_.reportProblem(problemOf(Code::PlugInFailed,
+                                   module != modules_.end() ? (*module)->file.string() : std::string(),
+                                   "failed when the host called it" + (reason.empty() ? "" : ": " + reason)));
+}
+
+Result<> ModuleList::load(const std::filesystem::path& file) {
   std::error_code error;
   const std::filesystem::path path = std::filesystem::weakly_canonical(file, error);
   const std::string shown = file.string();
-  if (!std::filesystem::is_regular_file(path, error)) return {RunStatus::WrongUsage, shown + ": no such module"};
+  const auto refusal = [&shown](std::string why) { return problemOf(Code::ModuleRefused, shown, std::move(why)); };
+  if (!std::filesystem::is_regular_file(path, error)) return refusal("no such module");
   for (const auto& module : modules_) {
     if (module->file == path) return {};
   }
@@ -112,11 +124,11 @@ Result ModuleList::load(const std::filesystem::path& file) {
   module.library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (module.library == nullptr) {
     const char* const reason = dlerror();
-    return {RunStatus::WrongUsage, shown + ": cannot be loaded: " + (reason != nullptr ? reason : "no reason given")};
+    return refusal(std::string("cannot be loaded: ") + (reason != nullptr ? reason : "no reason given"));
   }
   const auto refuse = [&](const std::string& why) {
     dlclose(module.library);
-    return Result{RunStatus::WrongUsage, shown + ": " + why};
+    return refusal(why);
   };
   module.entry = symbol<decltype(module.entry)>(module.library, "acrxEntryPoint");
   const auto version = symbol<int (*)()>(module.library, "acrxGetApiVersion");
@@ -132,33 +144,34 @@ Result ModuleList::load(const std::filesystem::path& file) {
   const auto giveUp = [&](const std::string& why) {
     tell(module, AcRx::kUnloadAppMsg, &module);
     drop(module);
-    return Result{RunStatus::WrongUsage, shown + ": " + why};
+    return refusal(why);
   };
   if (tell(module, AcRx::kInitAppMsg, &module) == AcRx::kRetError) return giveUp("refused to start");
-  if (!module.severalDrawings && session_.documents.all().size() > 1)
-    return giveUp("works with one open drawing only, and " + std::to_string(session_.documents.all().size()) +
+  if (!module.severalDrawings && session_.documents().all().size() > 1)
+    return giveUp("works with one open drawing only, and " + std::to_string(session_.documents().all().size()) +
                   " are open");
-  Document* const former = session_.documents.current();
+  Document* const former = session_.documents().current();
   bool refused = false;
-  for (const auto& document : session_.documents.all()) {
-    session_.documents.setCurrent(document.get());
+  for (const auto& document : session_.documents().all()) {
+    session_.documents().setCurrent(document.get());
     refused = tell(module, AcRx::kLoadDwgMsg, nullptr) == AcRx::kRetError;
     if (refused) break;
   }
-  session_.documents.setCurrent(former);
-  return refused ? giveUp("refused an open drawing") : Result{};
+  session_.documents().setCurrent(former);
+  if (refused) return giveUp("refused an open drawing");
+  return {};
 }
 
-Result ModuleList::unload(std::wstring_view name) {
+Result<> ModuleList::unload(std::wstring_view name) {
   const auto found = std::find_if(modules_.begin(), modules_.end(), [name](const auto& module) {
     return text::equalFolded(module->name, name) ||
            text::equalFolded(text::fromUtf8(module->file.stem().string()), name) ||
            text::equalFolded(text::fromUtf8(module->file.string()), name);
   });
-  if (found == modules_.end()) return {RunStatus::WrongUsage, text::toUtf8(name) + ": no such module is loaded"};
+  if (found == modules_.end()) return problemOf(Code::ModuleRefused, text::toUtf8(name), "no such module is loaded");
   Module& module = **found;
   if (module.locked)
-    return {RunStatus::WrongUsage, text::toUtf8(module.name) + ": the module is locked, it cannot be unloaded"};
+    return problemOf(Code::ModuleRefused, text::toUtf8(module.name), "the module is locked, it cannot be unloaded");
   tell(module, AcRx::kUnloadAppMsg, &module);
   drop(module);
   return {};
@@ -176,14 +189,14 @@ void ModuleList::unloadAll() {
 void ModuleList::drop(Module& module) {
   // What the module leaves behind would be called after its code is gone. Its globals may still take themselves out
   // while it is unloaded, so what is left is seen afterwards, by then as addresses only.
-  const std::vector<AcEditorReactor*> editorReactors = session_.editor.reactorsOf(module.base);
-  const std::vector<AcApDocManagerReactor*> documentReactors = session_.documents.reactorsOf(module.base);
+  const std::vector<AcEditorReactor*> editorReactors = session_.editor().reactorsOf(module.base);
+  const std::vector<AcApDocManagerReactor*> documentReactors = session_.documents().reactorsOf(module.base);
   std::vector<std::pair<Document*, AcEdInputPointMonitor*>> monitors;
-  for (const auto& document : session_.documents.all()) {
-    for (AcEdInputPointMonitor* monitor : objectsOfModule(document->pointManager.monitors, module.base))
+  for (const auto& document : session_.documents().all()) {
+    for (AcEdInputPointMonitor* monitor : objectsOfModule(document->pointManager().monitors(), module.base))
       monitors.emplace_back(document.get(), monitor);
   }
-  int left = session_.commands.forgetModule(module.base);
+  int left = session_.commands().forgetModule(module.base);
   const std::string name = text::toUtf8(module.name);
   const std::filesystem::path file = module.file;
   void* const library = module.library;
@@ -195,19 +208,20 @@ void ModuleList::drop(Module& module) {
     dlclose(kept);
   } else {
     for (AcEditorReactor* reactor : editorReactors) {
-      if (session_.editor.has(reactor)) ++left;
-      session_.editor.removeReactor(reactor);
+      if (session_.editor().has(reactor)) ++left;
+      session_.editor().removeReactor(reactor);
     }
     for (AcApDocManagerReactor* reactor : documentReactors) {
-      if (session_.documents.has(reactor)) ++left;
-      session_.documents.removeReactor(reactor);
+      if (session_.documents().has(reactor)) ++left;
+      session_.documents().removeReactor(reactor);
     }
     for (const auto& [document, monitor] : monitors) {
-      if (document->pointManager.removePointMonitor(monitor) == Acad::eOk) ++left;
+      if (document->pointManager().removePointMonitor(monitor) == Acad::eOk) ++left;
     }
   }
   if (left > 0)
-    session_.reportProblem(name + ": left " + std::to_string(left) + " commands or reactors behind; they are removed");
+    session_.reportProblem(problemOf(
+        Code::LeftBehind, name, "left " + std::to_string(left) + " commands or reactors behind; they are removed"));
 }
 
 }  // namespace host::editor

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Editor/Result.h"
+#include "Problems/Problem.h"
 #include "rxdlinkr.h"
 #include "rxregsvc.h"
 
@@ -50,8 +50,8 @@ class ModuleList final : public AcRxDynamicLinker {
   bool registerAppMDIAware(void* appId) const override;
   bool registerAppNotMDIAware(void* appId) const override;
 
-  Result load(const std::filesystem::path& file);
-  Result unload(std::wstring_view name);
+  Result<> load(const std::filesystem::path& file);
+  Result<> unload(std::wstring_view name);
   /// When the host ends: every module gets its message, locked or not.
   void unloadAll();
   /// Tells every module about one document, which is current meanwhile.
@@ -59,6 +59,8 @@ class ModuleList final : public AcRxDynamicLinker {
   /// Null when a further drawing may be opened; otherwise the module that works with one drawing only.
   const Module* blocksFurtherDrawing() const;
   const std::vector<std::unique_ptr<Module>>& all() const { return modules_; }
+  /// Reports that a plug-in's object (a reactor, a monitor) threw while the host called it; `reason` may be empty.
+  void reportThrown(const void* object, const std::string& reason) const;
 
  private:
   Module* find(void* appId) const;

@@ -74,10 +74,36 @@ AcColorSettings& colors() {
 AcRxObject* Registry::at(const ACHAR* key) const {
   if (key == nullptr) return nullptr;
   const std::wstring_view name = key;
-  if (name == ACRX_DYNAMIC_LINKER) return &session_.modules;
-  if (name == ACRX_COMMAND_DOCK) return &session_.commands;
-  if (name == ACED_EDITOR_OBJ) return &session_.editor;
+  if (name == ACRX_DYNAMIC_LINKER) return &session_.modules();
+  if (name == ACRX_COMMAND_DOCK) return &session_.commands();
+  if (name == ACED_EDITOR_OBJ) return &session_.editor();
   return nullptr;
+}
+
+void reportThrown(Session& session, const void* object, const std::string& reason) {
+  session.modules().reportThrown(object, reason);
+}
+
+void ProgressMeter::show(std::wstring label, int minimum, int maximum) {
+  isShown_ = true;
+  label_ = std::move(label);
+  minimum_ = position_ = minimum;
+  maximum_ = maximum;
+  session_.observer().showProgress(label_, 0);
+}
+
+bool ProgressMeter::move(int position) {
+  if (!isShown_) return false;
+  const long long wanted = position >= 0 ? position : static_cast<long long>(position_) - position;
+  position_ = static_cast<int>(std::clamp<long long>(wanted, minimum_, maximum_));
+  const double range = static_cast<double>(maximum_) - minimum_;
+  session_.observer().showProgress(label_, range > 0 ? (static_cast<double>(position_) - minimum_) / range : 1);
+  return true;
+}
+
+void ProgressMeter::hide() {
+  if (isShown_) session_.observer().showProgress(label_, -1);
+  isShown_ = false;
 }
 
 void EditorService::addReactor(AcEditorReactor* reactor) {
@@ -99,10 +125,10 @@ namespace {
 /// Where files are looked for, in this order.
 std::vector<std::filesystem::path> searchedFolders(const AcDbDatabase* db) {
   std::error_code error;
-  const Session& session = Session::instance();
+  Session& session = Session::instance();
   std::vector<std::filesystem::path> folders{std::filesystem::current_path(error)};
-  const auto* document = static_cast<const Document*>(session.documents.document(db));
-  if (document == nullptr) document = session.documents.current();
+  const auto* document = static_cast<const Document*>(session.documents().document(db));
+  if (document == nullptr) document = session.documents().current();
   if (document != nullptr && !document->file().empty()) folders.push_back(document->file().parent_path());
   folders.insert(folders.end(), session.options().supportFolders.begin(), session.options().supportFolders.end());
   folders.push_back(ownSupportFolder());
@@ -136,7 +162,7 @@ std::filesystem::path HostServices::findFolder(const std::filesystem::path& name
 
 namespace {
 
-/// Why whoever reads the file will not get its contents; empty when nothing is wrong.
+/// Why a reader of the file will not get its contents; empty when nothing is wrong.
 std::string faultOf(const std::filesystem::path& file) {
   std::error_code error;
   errno = 0;
@@ -154,7 +180,8 @@ std::string faultOf(const std::filesystem::path& file) {
 }  // namespace
 
 void HostServices::tellOnce(const std::filesystem::path& file, const std::string& what) {
-  if (told_.insert(file).second) Session::instance().reportProblem(file.string() + ": " + what);
+  if (told_.insert(file).second)
+    Session::instance().reportProblem(problemOf(Code::FilePassedOver, file.string(), what));
 }
 
 Acad::ErrorStatus HostServices::findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName, AcDbDatabase* db,
@@ -174,17 +201,17 @@ Acad::ErrorStatus HostServices::findFile(ACHAR* pathOut, int bufferLength, const
 
 }  // namespace host::editor
 
-AcRxDictionary* acrxSysRegistry() { return &host::editor::Session::instance().registry; }
+AcRxDictionary* acrxSysRegistry() { return &host::editor::Session::instance().registry(); }
 
 AcDbDatabase* AcDbHostApplicationServices::workingDatabase() const {
-  return static_cast<const host::editor::HostServices*>(this)->working;
+  return static_cast<const host::editor::HostServices*>(this)->working();
 }
 
 void AcDbHostApplicationServices::setWorkingDatabase(AcDbDatabase* db) {
-  static_cast<host::editor::HostServices*>(this)->working = db;
+  static_cast<host::editor::HostServices*>(this)->setWorking(db);
 }
 
-AcDbHostApplicationServices* acdbHostApplicationServices() { return &host::editor::Session::instance().services; }
+AcDbHostApplicationServices* acdbHostApplicationServices() { return &host::editor::Session::instance().services(); }
 
 int acedGetCurrentColors(AcColorSettings* settings) {
   if (settings == nullptr) return 0;
@@ -208,32 +235,18 @@ int acdbUcs2Wcs(const ads_point p, ads_point q, bool) {
 int acdbWcs2Ucs(const ads_point p, ads_point q, bool vec) { return acdbUcs2Wcs(p, q, vec); }
 
 extern "C" int ads_regen(void) {
-  host::editor::Session::instance().regenerate();
+  host::editor::Session::instance().observer().regenerate();
   return RTNORM;
 }
 
 int acedSetStatusBarProgressMeter(const ACHAR* label, int min, int max) {
   if (max < min) return -1;
-  auto& session = host::editor::Session::instance();
-  session.meter = {true, label != nullptr ? label : L"", min, max, min};
-  if (session.options().meter) session.options().meter(session.meter.label, 0);
+  host::editor::Session::instance().meter().show(label != nullptr ? label : L"", min, max);
   return 0;
 }
 
 int acedSetStatusBarProgressMeterPos(int position) {
-  auto& session = host::editor::Session::instance();
-  auto& meter = session.meter;
-  if (!meter.isShown) return -1;
-  const long long wanted = position >= 0 ? position : static_cast<long long>(meter.position) - position;
-  meter.position = static_cast<int>(std::clamp<long long>(wanted, meter.minimum, meter.maximum));
-  const double range = static_cast<double>(meter.maximum) - meter.minimum;
-  if (session.options().meter)
-    session.options().meter(meter.label, range > 0 ? (static_cast<double>(meter.position) - meter.minimum) / range : 1);
-  return 0;
+  return host::editor::Session::instance().meter().move(position) ? 0 : -1;
 }
 
-void acedRestoreStatusBar() {
-  auto& session = host::editor::Session::instance();
-  if (session.meter.isShown && session.options().meter) session.options().meter(session.meter.label, -1);
-  session.meter = {};
-}
+void acedRestoreStatusBar() { host::editor::Session::instance().meter().hide(); }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Database/Reactors.h"
+#include "Editor/PlugIns/Guard.h"
 #include "aced.h"
 #include "dbapserv.h"
 
@@ -25,24 +26,30 @@ class Registry final : public AcRxDictionary {
 
 class EditorService final : public AcEditor {
  public:
+  explicit EditorService(Session& session) : session_(session) {}
   void addReactor(AcEditorReactor* reactor) override;
   void removeReactor(AcEditorReactor* reactor) override;
 
+  /// Tells the reactors; what one of them throws is reported.
   template <class... Parameters, class... Values>
   void tell(void (AcEditorReactor::*message)(Parameters...), Values... values) {
-    database::tellEach(reactors_, [&](AcEditorReactor& reactor) { (reactor.*message)(values...); });
+    database::tellEach(reactors_, [&](AcEditorReactor& reactor) {
+      callPlugIn(session_, &reactor, [&] { (reactor.*message)(values...); });
+    });
   }
   bool has(const AcEditorReactor* reactor) const;
   /// Reactors whose code lies in a module.
   std::vector<AcEditorReactor*> reactorsOf(const void* moduleBase) const;
 
  private:
+  Session& session_;
   std::vector<AcEditorReactor*> reactors_;
 };
 
 class HostServices final : public AcDbHostApplicationServices {
  public:
-  /// Plug-ins go on without a file that they cannot read, and say nothing: what is wrong with it is said here, once.
+  /// Plug-ins go on without a file that they cannot read, and say nothing: the host reports what is wrong with it,
+  /// once.
   Acad::ErrorStatus findFile(ACHAR* pathOut, int bufferLength, const ACHAR* fileName, AcDbDatabase* db,
                              FindFileHint hint) override;
   /// Current folder, the drawing's folder, the support folders, the host's own `support` folder; empty when not found.
@@ -52,22 +59,37 @@ class HostServices final : public AcDbHostApplicationServices {
 
   /// A folder, by the same search.
   static std::filesystem::path findFolder(const std::filesystem::path& name);
-  /// What was said of files that cannot be read may be said again.
+  /// Files that cannot be read may be reported again.
   void forgetToldFiles() { told_.clear(); }
 
-  AcDbDatabase* working = nullptr;
+  AcDbDatabase* working() const { return working_; }
+  void setWorking(AcDbDatabase* db) { working_ = db; }
 
  private:
   void tellOnce(const std::filesystem::path& file, const std::string& what);
 
+  AcDbDatabase* working_ = nullptr;
   std::set<std::filesystem::path> told_;
 };
 
-/// The status bar's progress meter.
-struct ProgressMeter {
-  bool isShown = false;
-  std::wstring label;
-  int minimum = 0, maximum = 100, position = 0;
+/// The status bar's progress meter, shown by the session's observer.
+class ProgressMeter {
+ public:
+  explicit ProgressMeter(Session& session) : session_(session) {}
+
+  void show(std::wstring label, int minimum, int maximum);
+  /// A negative position moves on by that much. False when no meter is shown.
+  bool move(int position);
+  /// Takes it away if it is shown.
+  void hide();
+  /// Takes it away without telling the observer, which may be gone.
+  void forget() { isShown_ = false; }
+
+ private:
+  Session& session_;
+  bool isShown_ = false;
+  std::wstring label_;
+  int minimum_ = 0, maximum_ = 100, position_ = 0;
 };
 
 }  // namespace host::editor

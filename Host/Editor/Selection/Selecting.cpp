@@ -43,24 +43,25 @@ class Selection {
 
   void take(std::vector<Slot*> found, bool expandGroups) {
     undo_.push_back(members_);
-    if (expandGroups && (session_.variables.integer(L"PICKSTYLE") & 1) != 0) found = withGroups(found);
+    if (expandGroups && (session_.variables().integer(L"PICKSTYLE") & 1) != 0) found = withGroups(found);
     std::size_t elsewhere = 0, locked = 0, filtered = 0, duplicate = 0, count = 0;
     const Slot* const space = session_.currentSpace().record;
     for (Slot* entity : found) {
       if (entity->owner != space) {
         ++elsewhere;
-      } else if (options_.skipLocked && session_.finder.layerState(*entity).locked) {
+      } else if (options_.skipLocked && session_.finder().layerState(*entity).locked) {
         ++locked;
       } else if (options_.accepts && !options_.accepts(*entity)) {
         ++filtered;
         ++count;
-        if (!removing) session_.skips.filteredOut(*entity);
+        if (!removing) session_.runner().skips().filteredOut(*entity);
       } else {
         ++count;
         if (!(removing ? remove(entity) : add(entity))) ++duplicate;
       }
     }
     if (removing) std::erase_if(members_, [this](Slot* member) { return !known_.contains(member); });
+    session_.observer().highlight(members_);
     report(count, duplicate, filtered, locked, elsewhere);
   }
 
@@ -70,6 +71,13 @@ class Selection {
     undo_.pop_back();
     known_.clear();
     known_.insert(members_.begin(), members_.end());
+    session_.observer().highlight(members_);
+  }
+
+  Selection(const Selection&) = delete;
+  Selection& operator=(const Selection&) = delete;
+  ~Selection() {
+    if (!undo_.empty()) session_.observer().highlight({});
   }
 
   bool isEmpty() const { return members_.empty(); }
@@ -82,7 +90,7 @@ class Selection {
     std::vector<Slot*> all;
     std::unordered_set<Slot*> seen;
     for (Slot* entity : found) {
-      for (Slot* member : session_.finder.withGroups(entity)) {
+      for (Slot* member : session_.finder().withGroups(entity)) {
         if (seen.insert(member).second) all.push_back(member);
       }
     }
@@ -109,11 +117,11 @@ class Selection {
       text += L" (" + std::to_wstring(duplicate) + L" duplicate)";
     }
     if (removing || reported_) text += L", " + std::to_wstring(members_.size()) + L" total";
-    session_.transcript.line(text);
+    session_.transcript().line(text);
     tellLocked(session_, locked);
     if (elsewhere > 0)
-      session_.transcript.line(std::to_wstring(elsewhere) + (elsewhere == 1 ? L" was" : L" were") +
-                               L" not in current space.");
+      session_.transcript().line(std::to_wstring(elsewhere) + (elsewhere == 1 ? L" was" : L" were") +
+                                 L" not in current space.");
     reported_ = true;
   }
 
@@ -135,15 +143,18 @@ class Selector {
     Reply<std::vector<Slot*>> reply;
     const Keywords keywords(kOptions);
     while (!done_) {
-      const Answer answer =
-          session_.ask(selection_.removing ? options_.removePrompt : options_.prompt, AnswerForm::Word);
+      Question question;
+      question.prompt = selection_.removing ? options_.removePrompt : options_.prompt;
+      question.wanted = Wanted::Entities;
+      question.keywords = &keywords;
+      const Answer answer = session_.ask(question);
       if (answer.kind == Answer::Kind::Cancel || answer.kind == Answer::Kind::End) return reply;
       if (answer.kind == Answer::Kind::Enter) break;
       if (!handle(answer, keywords)) return reply;
     }
     reply.outcome = selection_.isEmpty() ? Outcome::Enter : Outcome::Value;
     reply.value = selection_.release();
-    if (reply) session_.documents.current()->previousSelection = reply.value;
+    if (reply) session_.documents().current()->previousSelection = reply.value;
     return reply;
   }
 
@@ -154,13 +165,13 @@ class Selector {
     if (answer.kind == Answer::Kind::Point) return pick(answer.point, true);
     if (const std::optional<std::uint64_t> handle = parseHandent(answer.text)) return takeHandle(*handle);
     if (text::equalFolded(answer.text, L"(entlast)")) return option(L"Last");
-    if (const std::optional<AcGePoint3d> point = parsePoint(answer.text, session_.documents.current()->lastPoint))
+    if (const std::optional<AcGePoint3d> point = parsePoint(answer.text, session_.documents().current()->lastPoint))
       return pick(*point, false);
     if (const std::optional<std::wstring> keyword = keywords.match(answer.text)) return option(*keyword);
     return prompter_.refuse(kInvalid);
   }
 
-  /// `where` tells of a pick or window that it found nothing.
+  /// `where` names the pick or window for the message that it found nothing.
   bool take(std::vector<Slot*> found, bool expandGroups, const std::wstring& where = {}) {
     const bool any = !found.empty();
     selection_.take(std::move(found), expandGroups);
@@ -176,10 +187,10 @@ class Selector {
   }
 
   bool pick(const AcGePoint3d& point, bool pointedAt) {
-    Document& document = *session_.documents.current();
+    Document& document = *session_.documents().current();
     document.lastPoint = point;
-    std::vector<Slot*> found = session_.finder.at(document.drawing(), session_.currentSpace(), flat(point),
-                                                  pickAperture(session_), options_.everything);
+    std::vector<Slot*> found = session_.finder().at(document.drawing(), session_.currentSpace(), flat(point),
+                                                    pickAperture(session_), options_.everything);
     if (!found.empty() || !pointedAt) return take(std::move(found), true, at(point));
     // Pointing at nothing opens a window: to the right inside, to the left crossing.
     Limits limits;
@@ -191,7 +202,7 @@ class Selector {
   }
 
   bool window(const AcGePoint3d& a, const AcGePoint3d& b, geometry::Window kind) {
-    return take(session_.finder.inWindow(session_.currentSpace(), rectangle(a, b), kind), true,
+    return take(session_.finder().inWindow(session_.currentSpace(), rectangle(a, b), kind), true,
                 L"in the window from " + flatText(a) + L" to " + flatText(b));
   }
 
@@ -230,9 +241,9 @@ class Selector {
     if (points.size() < (isFence ? 2U : 3U))
       return prompter_.refuse(isFence ? L"A fence needs two points." : L"A polygon needs three points.");
     const database::BlockContents& space = session_.currentSpace();
-    if (isFence) return take(session_.finder.onFence(space, points), true, L"on the fence");
-    return take(session_.finder.inWindow(space, points,
-                                         name == L"WPolygon" ? geometry::Window::Inside : geometry::Window::Crossing),
+    if (isFence) return take(session_.finder().onFence(space, points), true, L"on the fence");
+    return take(session_.finder().inWindow(space, points,
+                                           name == L"WPolygon" ? geometry::Window::Inside : geometry::Window::Crossing),
                 true, L"in the polygon");
   }
 
@@ -240,7 +251,8 @@ class Selector {
     const Reply<std::wstring> name = prompter_.word(L"Enter group name: ");
     if (name.outcome == Outcome::Cancel) return false;
     if (!name) return true;
-    const std::optional<std::vector<Slot*>> members = groupMembers(session_.documents.current()->drawing(), name.value);
+    const std::optional<std::vector<Slot*>> members =
+        groupMembers(session_.documents().current()->drawing(), name.value);
     if (!members) return prompter_.refuse(L"No group is named \"" + name.value + L"\".");
     return take(*members, false);
   }
@@ -253,7 +265,7 @@ class Selector {
   }
 
   bool option(std::wstring_view name) {
-    Document& document = *session_.documents.current();
+    Document& document = *session_.documents().current();
     if (name == L"Window" || name == L"Crossing" || name == L"BOX") return askWindow(name);
     if (name == L"WPolygon" || name == L"CPolygon" || name == L"Fence") return askPolygon(name);
     if (name == L"Group") return askGroup();
@@ -286,17 +298,17 @@ class Selector {
 }  // namespace
 
 Reply<std::vector<Slot*>> Prompter::select(const SelectOptions& options) {
-  Document* const document = session_.documents.current();
+  Document* const document = session_.documents().current();
   if (document == nullptr) return {};
   return Selector(session_, options).run();
 }
 
 Reply<EntityPick> Prompter::entity(std::wstring_view prompt, const Limits& limits) {
-  Document* const document = session_.documents.current();
+  Document* const document = session_.documents().current();
   if (document == nullptr) return {};
   Reply<EntityPick> reply;
   for (;;) {
-    const Answer answer = session_.ask(prompt, AnswerForm::Word);
+    const Answer answer = session_.ask(limits.question(prompt, AnswerForm::Word, Wanted::Entity));
     std::optional<AcGePoint3d> point;
     Slot* named = nullptr;
     std::wstring why = L"*Invalid selection*  Expects a point or Last";
@@ -343,8 +355,8 @@ Reply<EntityPick> Prompter::entity(std::wstring_view prompt, const Limits& limit
       reply.value.entity = named;
       reply.value.point = point.value_or(named != nullptr ? pointOn(*named) : AcGePoint3d());
       if (point) {
-        const std::vector<Slot*> found = session_.finder.at(document->drawing(), session_.currentSpace(), flat(*point),
-                                                            pickAperture(session_), false);
+        const std::vector<Slot*> found = session_.finder().at(document->drawing(), session_.currentSpace(),
+                                                              flat(*point), pickAperture(session_), false);
         if (!found.empty()) {
           reply.value.entity = found.front();
         } else {

@@ -360,7 +360,7 @@ class Compiler {
     parent.children.push_back(std::move(node));
   }
 
-  // Where an item holds its value is told by its code, as everywhere in chains.
+  // The code of an item says where it holds its value, as everywhere in chains.
 
   static std::wstring textOf(const resbuf& item) { return item.resval.rstring != nullptr ? item.resval.rstring : L""; }
 

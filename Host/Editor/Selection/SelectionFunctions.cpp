@@ -90,8 +90,9 @@ std::vector<Slot*> wholeDrawing(const host::database::DrawingDatabase& drawing, 
 
 /// The set selected before the command started; it is handed over once.
 std::vector<Slot*> takePickfirst(Session& session) {
-  if (!session.mayTakePickfirst()) return {};
-  std::vector<Slot*> set = std::exchange(session.documents.current()->pickfirst, {});
+  if (!session.runner().mayTakePickfirst()) return {};
+  std::vector<Slot*> set = session.documents().current()->pickfirst;
+  session.setPickfirst(*session.documents().current(), {});
   std::erase_if(set, [](const Slot* entity) { return entity->isErased(); });
   return set;
 }
@@ -99,7 +100,7 @@ std::vector<Slot*> takePickfirst(Session& session) {
 /// Selections that need no questions; nothing when the method or its points are wrong.
 std::optional<std::vector<Slot*>> selectByMethod(Session& session, const Mode& mode, const void* point1,
                                                  const void* point2) {
-  Document& document = *session.documents.current();
+  Document& document = *session.documents().current();
   const BlockContents& space = session.currentSpace();
   const auto* const a = static_cast<const ads_real*>(point1);
   const auto* const b = static_cast<const ads_real*>(point2);
@@ -118,23 +119,24 @@ std::optional<std::vector<Slot*>> selectByMethod(Session& session, const Mode& m
   if (method == L"w" || method == L"c" || method == L"b") {
     if (a == nullptr || b == nullptr) return std::nullopt;
     const bool crossing = method == L"c" || (method == L"b" && b[0] < a[0]);
-    return session.finder.inWindow(space, {{a[0], a[1]}, {b[0], a[1]}, {b[0], b[1]}, {a[0], b[1]}},
-                                   crossing ? Window::Crossing : Window::Inside);
+    return session.finder().inWindow(space, {{a[0], a[1]}, {b[0], a[1]}, {b[0], b[1]}, {a[0], b[1]}},
+                                     crossing ? Window::Crossing : Window::Inside);
   }
   if (method == L"wp" || method == L"cp" || method == L"f") {
     const std::vector<Point> points = pointsOf(point1);
     if (points.size() < (method == L"f" ? 2U : 3U)) return std::nullopt;
-    if (method == L"f") return session.finder.onFence(space, points);
-    return session.finder.inWindow(space, points, method == L"wp" ? Window::Inside : Window::Crossing);
+    if (method == L"f") return session.finder().onFence(space, points);
+    return session.finder().inWindow(space, points, method == L"wp" ? Window::Inside : Window::Crossing);
   }
   if (method.empty() && a != nullptr)
-    return session.finder.at(document.drawing(), space, flat(a), host::editor::pickAperture(session), mode.everything);
+    return session.finder().at(document.drawing(), space, flat(a), host::editor::pickAperture(session),
+                               mode.everything);
   return std::nullopt;
 }
 
 int giveSet(Session& session, std::vector<Slot*> members, ads_name set) {
   if (members.empty()) return RTERROR;
-  return session.sets.make(std::move(members), set) ? RTNORM : RTERROR;
+  return session.sets().make(std::move(members), set) ? RTNORM : RTERROR;
 }
 
 int askForSet(Session& session, const Mode& mode, const void* prompts, const resbuf* filterList,
@@ -143,12 +145,12 @@ int askForSet(Session& session, const Mode& mode, const void* prompts, const res
     std::vector<Slot*> before = takePickfirst(session);
     if (mode.skipLocked)
       host::editor::tellLocked(session, std::erase_if(before, [&session](const Slot* entity) {
-                                 return session.finder.layerState(*entity).locked;
+                                 return session.finder().layerState(*entity).locked;
                                }));
     if (!before.empty()) {
-      session.transcript.line(std::to_wstring(before.size()) + L" found");
-      session.skips.selected(before);
-      session.documents.current()->previousSelection = before;
+      session.transcript().line(std::to_wstring(before.size()) + L" found");
+      session.runner().skips().selected(before);
+      session.documents().current()->previousSelection = before;
       return giveSet(session, std::move(before), set);
     }
   }
@@ -164,7 +166,7 @@ int askForSet(Session& session, const Mode& mode, const void* prompts, const res
   }
   auto reply = Prompter(session).select(options);
   if (reply.outcome == Outcome::Cancel) return RTCAN;
-  session.skips.selected(reply.value);
+  session.runner().skips().selected(reply.value);
   return giveSet(session, std::move(reply.value), set);
 }
 
@@ -172,11 +174,11 @@ int askForSet(Session& session, const Mode& mode, const void* prompts, const res
 
 int acedSSGet(const ACHAR* modeText, const void* point1, const void* point2, const resbuf* filterList, ads_name set) {
   Session& session = Session::instance();
-  if (set == nullptr || session.documents.current() == nullptr) return RTERROR;
-  const host::database::DrawingDatabase& drawing = session.documents.current()->drawing();
+  if (set == nullptr || session.documents().current() == nullptr) return RTERROR;
+  const host::database::DrawingDatabase& drawing = session.documents().current()->drawing();
   const std::optional<Mode> mode = parseMode(modeText);
   const std::optional<SelectionFilter> filter = SelectionFilter::compile(filterList, drawing);
-  if (!mode || !filter || session.sets.count() >= host::editor::SelectionSets::kLimit) return RTERROR;
+  if (!mode || !filter || session.sets().count() >= host::editor::SelectionSets::kLimit) return RTERROR;
 
   if (mode->method == L"x") return giveSet(session, wholeDrawing(drawing, *filter), set);
   if (mode->method.empty() && (point1 == nullptr || mode->ownPrompts))
@@ -184,30 +186,30 @@ int acedSSGet(const ACHAR* modeText, const void* point1, const void* point2, con
   std::optional<std::vector<Slot*>> found = selectByMethod(session, *mode, point1, point2);
   if (!found) return RTERROR;
   std::erase_if(*found, [&](const Slot* entity) {
-    return !filter->matches(*entity) || (mode->skipLocked && session.finder.layerState(*entity).locked);
+    return !filter->matches(*entity) || (mode->skipLocked && session.finder().layerState(*entity).locked);
   });
   return giveSet(session, std::move(*found), set);
 }
 
 int acedSSLength(const ads_name set, Adesk::Int32* length) {
-  const auto* const found = Session::instance().sets.find(set);
+  const auto* const found = Session::instance().sets().find(set);
   if (found == nullptr || length == nullptr) return RTERROR;
   *length = static_cast<Adesk::Int32>(found->members.size());
   return RTNORM;
 }
 
 int acedSSName(const ads_name set, Adesk::Int32 index, ads_name entity) {
-  const auto* const found = Session::instance().sets.find(set);
+  const auto* const found = Session::instance().sets().find(set);
   if (found == nullptr || entity == nullptr || index < 0 || static_cast<std::size_t>(index) >= found->members.size())
     return RTERROR;
   host::editor::nameOf(found->members[static_cast<std::size_t>(index)], entity);
   return RTNORM;
 }
 
-int acedSSFree(const ads_name set) { return Session::instance().sets.free(set) ? RTNORM : RTERROR; }
+int acedSSFree(const ads_name set) { return Session::instance().sets().free(set) ? RTNORM : RTERROR; }
 
 int acedSSAdd(const ads_name entity, const ads_name set, ads_name result) {
-  auto& sets = Session::instance().sets;
+  auto& sets = Session::instance().sets();
   if (result == nullptr) return RTERROR;
   Slot* slot = nullptr;
   if (entity != nullptr) {
@@ -224,13 +226,13 @@ int acedSSAdd(const ads_name entity, const ads_name set, ads_name result) {
 }
 
 int acedSSDel(const ads_name entity, const ads_name set) {
-  auto* const found = Session::instance().sets.find(set);
+  auto* const found = Session::instance().sets().find(set);
   Slot* const slot = host::editor::entityOf(entity);
   return found != nullptr && slot != nullptr && found->remove(slot) ? RTNORM : RTERROR;
 }
 
 int acedSSMemb(const ads_name entity, const ads_name set) {
-  auto* const found = Session::instance().sets.find(set);
+  auto* const found = Session::instance().sets().find(set);
   Slot* const slot = host::editor::entityOf(entity);
   return found != nullptr && slot != nullptr && found->contains(slot) ? RTNORM : RTERROR;
 }

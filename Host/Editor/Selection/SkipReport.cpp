@@ -104,7 +104,7 @@ std::wstring SkipReport::sentence(std::wstring_view command, bool isWhole) const
   Heaps skipped, unhatched;
   for (const Slot* object : refused_) {
     const Reasons& reasons = reasons_.at(object);
-    // What cannot be changed at all is told of once.
+    // An object that cannot be changed at all is reported once.
     if (!reasons.change.empty()) {
       skipped.add(text::fromUtf8(reasons.change), object);
     } else {

@@ -12,9 +12,10 @@ namespace host::editor {
 
 /// Collects during a command. Plug-ins pass over what they cannot use without a word; the host sees it all the same:
 /// what could not be opened for write, what bounded no hatch, what was selected and then not used.
-class SkipReport final : public database::WorkObserver {
+class SkipReport {
  public:
   using Slot = database::Slot;
+  using Refusal = database::WorkObserver::Refusal;
 
   /// A command begins: nothing is known.
   void begin() { *this = SkipReport(); }
@@ -25,8 +26,9 @@ class SkipReport final : public database::WorkObserver {
   /// A dialog decides what is done: a selection that nothing was done to may have been meant so.
   void dialogOpened() { hadDialog_ = true; }
 
-  void used(const Slot& object) override;
-  void refused(const Slot& object, Refusal what, std::string_view why) override;
+  /// The drawing calls these for its objects while the command works.
+  void used(const Slot& object);
+  void refused(const Slot& object, Refusal what, std::string_view why);
 
   /// "3 skipped: 2 on a locked layer (LINE 2F, LINE 30), 1 that HATCHER does not take (TEXT 31)"; empty when nothing
   /// was left out. After a command that was cancelled or has failed, `isWhole` is false: what it did not use is then

@@ -15,9 +15,9 @@ constexpr int kHistoryNotInteractive = 0x100000;
 }  // namespace
 
 geometry::Box currentView(Session& session) {
-  Document& document = *session.documents.current();
+  Document& document = *session.documents().current();
   if (!document.view.isEmpty()) return document.view;
-  geometry::Box extents = session.finder.extents(document.drawing(), session.currentSpace());
+  geometry::Box extents = session.finder().extents(document.drawing(), session.currentSpace());
   if (extents.isEmpty()) {
     extents.add(geometry::Point{0, 0});
     extents.add(geometry::Point{1, 1});
@@ -28,7 +28,7 @@ geometry::Box currentView(Session& session) {
 double pickAperture(Session& session) {
   const geometry::Box view = currentView(session);
   const double side = std::max(view.maxX - view.minX, view.maxY - view.minY);
-  const double pixels = static_cast<double>(session.variables.integer(L"PICKBOX"));
+  const double pixels = static_cast<double>(session.variables().integer(L"PICKBOX"));
   // Even a pick box of no size hits what the point lies on, within rounding.
   const double smallest =
       1e-9 * std::max({1.0, side, std::abs(view.maxX), std::abs(view.maxY), std::abs(view.minX), std::abs(view.minY)});
@@ -40,7 +40,7 @@ std::vector<Slot*> selectAll(Session& session, std::size_t* locked) {
   const database::BlockContents& space = session.currentSpace();
   for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
     if ((*it)->isErased() || (*it)->isSubEntity()) continue;
-    const LayerState state = session.finder.layerState(**it);
+    const LayerState state = session.finder().layerState(**it);
     if (state.frozen) continue;
     if (!state.locked) {
       found.push_back(*it);
@@ -53,19 +53,19 @@ std::vector<Slot*> selectAll(Session& session, std::size_t* locked) {
 
 void tellLocked(Session& session, std::size_t count) {
   if (count > 0)
-    session.transcript.line(std::to_wstring(count) + (count == 1 ? L" was" : L" were") + L" on a locked layer.");
+    session.transcript().line(std::to_wstring(count) + (count == 1 ? L" was" : L" were") + L" on a locked layer.");
 }
 
 Slot* lastEntity(Session& session) {
   const database::BlockContents& space = session.currentSpace();
   for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
-    if (session.finder.isVisible(**it)) return *it;
+    if (session.finder().isVisible(**it)) return *it;
   }
   return nullptr;
 }
 
 Slot* entityByHandle(Session& session, std::uint64_t handle) {
-  Slot* const slot = session.documents.current()->drawing().findHandle(handle);
+  Slot* const slot = session.documents().current()->drawing().findHandle(handle);
   return slot != nullptr && slot->isEntity() && !slot->isSubEntity() && !slot->isErased() ? slot : nullptr;
 }
 
@@ -112,12 +112,12 @@ bool isArea(const Slot& slot) {
 }  // namespace
 
 std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
-  Document& document = *session.documents.current();
+  Document& document = *session.documents().current();
   AcArray<AcDbObjectId> entities;
   AcArrayObjectCopy<AcDbObjectIdArray> nested;
   AcArray<Adesk::GsMarker> markers;
   std::vector<Slot*> found =
-      session.finder.at(document.drawing(), session.currentSpace(), {point.x, point.y}, pickAperture(session), true);
+      session.finder().at(document.drawing(), session.currentSpace(), {point.x, point.y}, pickAperture(session), true);
   // A fill covers its outline: who points at the outline means that, not the area around it.
   std::stable_partition(found.begin(), found.end(), [](const Slot* slot) { return !isArea(*slot); });
   for (Slot* slot : found) {
@@ -126,14 +126,17 @@ std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
     markers.append(0);
   }
   std::wstring tooltip;
-  const std::vector<AcEdInputPointMonitor*> monitors = document.pointManager.monitors;
+  const std::vector<AcEdInputPointMonitor*> monitors = document.pointManager().monitors();
   for (AcEdInputPointMonitor* monitor : monitors) {
     bool append = false;
     ACHAR* addition = nullptr;
-    const Acad::ErrorStatus status = monitor->monitorInputPoint(
-        append, addition, nullptr, &document, true, kHistoryNotInteractive, document.lastPoint, point, point, point,
-        point, AcDb::kOsMaskNone, {}, AcDb::kOsMaskNone, {}, entities, nested, markers, {}, {}, {}, {}, point,
-        tooltip.c_str());
+    Acad::ErrorStatus status = Acad::eInvalidInput;
+    callPlugIn(session, monitor, [&] {
+      status = monitor->monitorInputPoint(append, addition, nullptr, &document, true, kHistoryNotInteractive,
+                                          document.lastPoint, point, point, point, point, AcDb::kOsMaskNone, {},
+                                          AcDb::kOsMaskNone, {}, entities, nested, markers, {}, {}, {}, {}, point,
+                                          tooltip.c_str());
+    });
     if (status != Acad::eOk || !append || addition == nullptr || *addition == 0) continue;
     if (!tooltip.empty()) tooltip += L"\n";
     tooltip += addition;
@@ -144,9 +147,9 @@ std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
 
 std::wstring Application::tooltipAt(const AcGePoint3d& point) {
   Session& session = Session::instance();
-  if (session.documents.current() == nullptr) return {};
+  if (session.documents().current() == nullptr) return {};
   std::wstring text = editor::tooltipAt(session, point);
-  if (session.commandDepth() == 0) session.documents.current()->drawing().releaseObjects();
+  if (session.runner().depth() == 0) session.documents().current()->drawing().releaseObjects();
   return text;
 }
 

@@ -1,5 +1,6 @@
 #include "Editor/Application.h"
 
+#include <algorithm>
 #include <new>
 
 #include "Dxf/DxfFile.h"
@@ -22,139 +23,140 @@ Application::~Application() {
   }
 }
 
-Result Application::openDrawing(const std::filesystem::path& file) { return host().openDrawing(file); }
-Result Application::newDrawing() { return host().newDrawing(); }
+Result<> Application::openDrawing(const std::filesystem::path& file) { return host().openDrawing(file); }
+Result<> Application::newDrawing() { return host().newDrawing(); }
 
 void Application::closeDrawing() {
-  if (Document* const document = host().documents.current()) host().closeDocument(*document);
+  if (Document* const document = host().documents().current()) host().closeDocument(*document);
 }
 
 database::DrawingDatabase* Application::drawing() const {
-  const Document* const document = host().documents.current();
+  const Document* const document = host().documents().current();
   return document != nullptr ? &document->drawing() : nullptr;
 }
 
 std::filesystem::path Application::drawingFile() const {
-  const Document* const document = host().documents.current();
+  const Document* const document = host().documents().current();
   return document != nullptr ? document->file() : std::filesystem::path();
 }
 
 std::vector<std::filesystem::path> Application::unsavedDrawings(Current current) const {
   std::vector<std::filesystem::path> unsaved;
-  for (const auto& document : host().documents.all()) {
-    if (current == Current::LeftOut && document.get() == host().documents.current()) continue;
+  for (const auto& document : host().documents().all()) {
+    if (current == Current::LeftOut && document.get() == host().documents().current()) continue;
     if (document->drawing().isModified()) unsaved.emplace_back(text::toUtf8(document->fileName()));
   }
   return unsaved;
 }
 
-Result Application::saveDrawing(const std::filesystem::path& file) {
-  Document* const document = host().documents.current();
-  if (document == nullptr) return {RunStatus::OutputFailed, file.string() + ": no drawing is open"};
+Result<> Application::saveDrawing(const std::filesystem::path& file) {
+  Document* const document = host().documents().current();
+  if (document == nullptr) return problemOf(Code::OutputFailed, file.string(), "no drawing is open");
   return host().saveDrawing(*document, file);
 }
 
-Result Application::drawingText(std::string& text) {
-  Document* const document = host().documents.current();
-  if (document == nullptr) return {RunStatus::OutputFailed, "no drawing is open"};
-  host().modules.tellAll(AcRx::kSaveMsg, document);
+Result<std::string> Application::drawingText() {
+  Document* const document = host().documents().current();
+  if (document == nullptr) return problemOf(Code::OutputFailed, "no drawing is open");
+  host().modules().tellAll(AcRx::kSaveMsg, document);
   try {
-    text = dxf::drawingText(document->drawing());
+    return dxf::drawingText(document->drawing());
   } catch (const std::bad_alloc&) {
-    return {RunStatus::OutputFailed, "there is not enough memory to write the drawing"};
+    return problemOf(Code::OutputFailed, "there is not enough memory to write the drawing");
   }
-  return {};
 }
 
-Result Application::loadModule(const std::filesystem::path& file) { return host().modules.load(file); }
-Result Application::unloadModule(std::wstring_view name) { return host().modules.unload(name); }
+Result<> Application::loadModule(const std::filesystem::path& file) { return host().modules().load(file); }
+Result<> Application::unloadModule(std::wstring_view name) { return host().modules().unload(name); }
 
 std::vector<std::wstring> Application::moduleNames() const {
   std::vector<std::wstring> names;
-  for (const auto& module : host().modules.all()) names.push_back(module->name);
+  for (const auto& module : host().modules().all()) names.push_back(module->name);
   return names;
 }
 
-Result Application::setVariable(std::wstring_view name, std::wstring_view value) {
-  const Variable* const variable = host().variables.find(name);
+Result<> Application::setVariable(std::wstring_view name, std::wstring_view value) {
+  const Variable* const variable = host().variables().find(name);
   if (variable == nullptr) {
     std::string hint;
-    for (const std::wstring& near : nearestNames(name, host().variables.names()))
+    for (const std::wstring& near : nearestNames(name, host().variables().names()))
       hint += (hint.empty() ? "; nearest: " : ", ") + text::toUtf8(near);
-    return {RunStatus::WrongUsage, "unknown system variable \"" + text::toUtf8(name) + "\"" + hint};
+    return problemOf(Code::VariableRefused, "unknown system variable \"" + text::toUtf8(name) + "\"" + hint);
   }
-  if (const std::optional<std::wstring> problem = host().variables.setText(*variable, value))
-    return {RunStatus::WrongUsage, text::toUtf8(variable->name) + ": " + text::toUtf8(*problem)};
+  if (const Result<> set = host().variables().setText(*variable, value); !set)
+    return problemOf(Code::VariableRefused, text::toUtf8(variable->name) + ": " + set.message());
   return {};
 }
 
-Result Application::run(InputSource& input) { return host().run(input); }
-bool Application::quitRequested() const { return host().quitRequested; }
+Result<> Application::run(InputSource& input) { return host().runner().run(input); }
+bool Application::quitRequested() const { return host().isQuitting(); }
 bool Application::hasFailed() const { return host().hasFailed(); }
-void Application::interrupt() { Session::interrupted = true; }
+void Application::interrupt() { Session::interrupt(); }
 
 void Application::addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler,
                              std::wstring help) {
-  host().commands.addBuiltIn(std::move(name), flags, std::move(handler), std::move(help));
+  host().commands().addBuiltIn(std::move(name), flags, std::move(handler), std::move(help));
 }
 
-std::vector<std::wstring> Application::commandNames() const { return host().commands.names(); }
+std::vector<std::wstring> Application::commandNames() const { return host().commands().names(); }
 
 void Application::setPickfirst(const std::vector<database::Slot*>& entities) {
-  Document* const document = host().documents.current();
+  Document* const document = host().documents().current();
   if (document == nullptr) return;
-  document->pickfirst = entities;
-  host().editor.tell(&AcEditorReactor::pickfirstModified);
+  host().setPickfirst(*document, entities);
+  host().editor().tell(&AcEditorReactor::pickfirstModified);
 }
 
 const std::vector<database::Slot*>& Application::pickfirst() const {
   static const std::vector<database::Slot*> none;
-  const Document* const document = host().documents.current();
+  const Document* const document = host().documents().current();
   return document != nullptr ? document->pickfirst : none;
 }
 
 const database::BlockContents* Application::currentSpace() const {
-  return host().documents.current() != nullptr ? &host().currentSpace() : nullptr;
+  return host().documents().current() != nullptr ? &host().currentSpace() : nullptr;
 }
 
 std::wstring Application::currentLayoutName() const {
-  const Document* const document = host().documents.current();
+  const Document* const document = host().documents().current();
   return document != nullptr ? document->currentLayout : std::wstring();
 }
 
-std::size_t Application::openSelectionSets() const { return host().sets.count(); }
-void Application::refuseLocks(bool refuse) { host().documents.refuseLocks = refuse; }
+std::size_t Application::openSelectionSets() const { return host().sets().count(); }
+void Application::refuseLocks(bool refuse) { host().documents().refuseLocks(refuse); }
 
 // ---- dialogs --------------------------------------------------------------------------------------------------------
 
 Answer nextDialogLine(std::wstring_view what) { return host().dialogLine(what); }
 bool refuseDialogLine(std::wstring_view sentence) { return host().refuse(sentence); }
 
-void dialogOpened() { host().dialogOpened(); }
-void dialogClosed(bool isCancelled) { host().dialogClosed(isCancelled); }
+void dialogOpened() { host().runner().dialogOpened(); }
+void dialogClosed(bool isCancelled) { host().runner().dialogClosed(isCancelled); }
 
 bool writeDialogFile(std::wstring_view who, const std::filesystem::path& file, std::string_view bytes) {
-  std::string refusal;
-  for (const auto& document : host().documents.all()) {
+  const auto isOpen = [&file](const auto& document) {
     std::error_code error;
-    if (std::filesystem::equivalent(file, document->file(), error)) refusal = file.string() + ": this drawing is open";
-  }
-  if (refusal.empty()) refusal = dxf::writeFileWhole(file, bytes).message;
-  return refusal.empty() || host().refuse(std::wstring(who) + text::fromUtf8(refusal), RunStatus::OutputFailed);
+    return std::filesystem::equivalent(file, document->file(), error);
+  };
+  const auto& documents = host().documents().all();
+  const Result<> written = std::any_of(documents.begin(), documents.end(), isOpen)
+                               ? problemOf(Code::OutputRefused, file.string(), "this drawing is open")
+                               : dxf::writeFileWhole(file, bytes);
+  return written.ok() || host().refuse(std::wstring(who) + text::fromUtf8(written.message()), written.problem().code);
 }
 
 bool inputHasStopped() { return host().isStopping(); }
 bool dialogsAreWorkedByHand() { return host().options().dialogsByHand; }
-void reportDialogProblem(std::string_view sentence) { host().reportProblem(sentence); }
+void reportDialogProblem(const Problem& problem) { host().reportProblem(problem); }
 
 std::filesystem::path findFolder(const std::filesystem::path& folder) { return HostServices::findFolder(folder); }
 
-void printDialogLine(std::wstring_view text) { host().transcript.line(text); }
+void printDialogLine(std::wstring_view text) { host().transcript().line(text); }
 
 void showNotice(std::wstring_view caption, std::wstring_view text) { host().showNotice(caption, text); }
 
-void* topResource() { return host().documents.topResource(); }
-void setTopResource(void* module) { host().documents.setTopResource(module); }
+void* topResource() { return host().documents().topResource(); }
+void setTopResource(void* module) { host().documents().setTopResource(module); }
 std::wstring_view programName() { return host().options().programName; }
 
 }  // namespace host::editor

@@ -18,22 +18,22 @@ namespace host::editor {
 
 Acad::ErrorStatus InputPointManager::addPointMonitor(AcEdInputPointMonitor* monitor) {
   if (monitor == nullptr) return Acad::eNullObjectPointer;
-  if (std::find(monitors.begin(), monitors.end(), monitor) == monitors.end()) monitors.push_back(monitor);
+  if (std::find(monitors_.begin(), monitors_.end(), monitor) == monitors_.end()) monitors_.push_back(monitor);
   return Acad::eOk;
 }
 
 Acad::ErrorStatus InputPointManager::removePointMonitor(AcEdInputPointMonitor* monitor) {
-  return std::erase(monitors, monitor) > 0 ? Acad::eOk : Acad::eKeyNotFound;
+  return std::erase(monitors_, monitor) > 0 ? Acad::eOk : Acad::eKeyNotFound;
 }
 
 Acad::ErrorStatus InputPointManager::turnOnForcedPick() {
-  ++forcedPicks;
+  ++forcedPicks_;
   return Acad::eOk;
 }
 
 Acad::ErrorStatus InputPointManager::turnOffForcedPick() {
-  if (forcedPicks == 0) return Acad::eInvalidInput;
-  --forcedPicks;
+  if (forcedPicks_ == 0) return Acad::eInvalidInput;
+  --forcedPicks_;
   return Acad::eOk;
 }
 
@@ -61,7 +61,8 @@ void Document::setUntitled(int number) {
 
 template <class Tell>
 void DocumentManager::tell(const Tell& message) {
-  database::tellEach(reactors_, message);
+  database::tellEach(
+      reactors_, [&](AcApDocManagerReactor& reactor) { callPlugIn(session_, &reactor, [&] { message(reactor); }); });
 }
 
 bool DocumentManager::has(const AcApDocManagerReactor* reactor) const {
@@ -92,7 +93,7 @@ std::vector<AcApDocManagerReactor*> DocumentManager::reactorsOf(const void* modu
 Acad::ErrorStatus DocumentManager::lockDocument(AcApDocument* document, AcAp::DocLockMode, const ACHAR*, const ACHAR*,
                                                 bool) {
   if (document == nullptr || !owns(document)) return Acad::eNoDatabase;
-  if (refuseLocks) return Acad::eLockViolation;
+  if (refusesLocks_) return Acad::eLockViolation;
   ++static_cast<Document*>(document)->locks;
   return Acad::eOk;
 }
@@ -126,7 +127,7 @@ void DocumentManager::setTopResource(HINSTANCE resources) {
 
 void DocumentManager::setCurrent(Document* document) {
   current_ = document;
-  Session::instance().services.working = document != nullptr ? document->database() : nullptr;
+  session_.services().setWorking(document != nullptr ? document->database() : nullptr);
 }
 
 Document& DocumentManager::add(std::unique_ptr<Document> document) {
@@ -149,6 +150,7 @@ void DocumentManager::tellCurrent(Document& document) {
   tell([next](AcApDocManagerReactor& r) { r.documentBecameCurrent(next); });
   tell([next](AcApDocManagerReactor& r) { r.documentToBeActivated(next); });
   tell([next](AcApDocManagerReactor& r) { r.documentActivated(next); });
+  session_.observer().currentDrawingChanged();
 }
 
 void DocumentManager::activate(Document& document) {
@@ -174,6 +176,7 @@ void DocumentManager::close(Document& document) {
   setCurrent(next);
   closing.reset();
   tell([&name](AcApDocManagerReactor& r) { r.documentDestroyed(name.c_str()); });
+  session_.observer().currentDrawingChanged();
   if (next == nullptr) return;
   tell([next](AcApDocManagerReactor& r) { r.documentBecameCurrent(next); });
   tell([next](AcApDocManagerReactor& r) { r.documentActivated(next); });
@@ -192,10 +195,10 @@ Acad::ErrorStatus AcEdInputPointMonitor::monitorInputPoint(
   return Acad::eOk;
 }
 
-AcApDocManager* acDocManagerPtr() { return &host::editor::Session::instance().documents; }
+AcApDocManager* acDocManagerPtr() { return &host::editor::Session::instance().documents(); }
 
 AcDbDatabase* acdbCurDwg() {
-  const host::editor::Document* const document = host::editor::Session::instance().documents.current();
+  const host::editor::Document* const document = host::editor::Session::instance().documents().current();
   return document != nullptr ? document->database() : nullptr;
 }
 

@@ -13,6 +13,8 @@
 
 namespace host::editor {
 
+class Session;
+
 class InputPointManager final : public AcEdInputPointManager {
  public:
   Acad::ErrorStatus addPointMonitor(AcEdInputPointMonitor* monitor) override;
@@ -20,8 +22,11 @@ class InputPointManager final : public AcEdInputPointManager {
   Acad::ErrorStatus turnOnForcedPick() override;
   Acad::ErrorStatus turnOffForcedPick() override;
 
-  std::vector<AcEdInputPointMonitor*> monitors;
-  int forcedPicks = 0;
+  const std::vector<AcEdInputPointMonitor*>& monitors() const { return monitors_; }
+
+ private:
+  std::vector<AcEdInputPointMonitor*> monitors_;
+  int forcedPicks_ = 0;
 };
 
 /// A drawing with what the editor remembers about it.
@@ -30,8 +35,9 @@ class Document final : public AcApDocument {
   explicit Document(std::unique_ptr<AcDbDatabase> database) : database_(std::move(database)) {}
 
   AcDbDatabase* database() const override { return database_.get(); }
+  InputPointManager& pointManager() const { return pointManager_; }
   const ACHAR* fileName() const override { return fileName_.c_str(); }
-  AcEdInputPointManager* inputPointManager() const override { return &pointManager; }
+  AcEdInputPointManager* inputPointManager() const override { return &pointManager_; }
   AcAp::DocLockMode myLockMode() const override { return locks > 0 ? AcAp::kWrite : AcAp::kNotLocked; }
 
   database::DrawingDatabase& drawing() const { return database_->hostDatabase(); }
@@ -42,13 +48,12 @@ class Document final : public AcApDocument {
   FileStamp stamp;
   /// Whether `file` is the document's own, by whatever name.
   bool isOf(const std::filesystem::path& file) const;
-  /// Somebody else has changed the document's file since it was read or written here. A file that is gone is no change:
-  /// nothing of it could be lost.
+  /// Another program has changed the document's file since it was read or written here. A file that is gone is no
+  /// change: nothing of it could be lost.
   bool isChangedOutside() const;
   void setUntitled(int number);
 
   int locks = 0;
-  mutable InputPointManager pointManager;
   std::vector<HINSTANCE> resources;
   AcGePoint3d lastPoint;
   std::vector<database::Slot*> previousSelection;
@@ -59,12 +64,15 @@ class Document final : public AcApDocument {
 
  private:
   std::unique_ptr<AcDbDatabase> database_;
+  mutable InputPointManager pointManager_;
   std::filesystem::path file_;
   std::wstring fileName_;
 };
 
 class DocumentManager final : public AcApDocManager {
  public:
+  explicit DocumentManager(Session& session) : session_(session) {}
+
   AcApDocument* curDocument() const override { return current_; }
   AcApDocument* mdiActiveDocument() const override { return current_; }
   AcApDocument* document(const AcDbDatabase* db) const override;
@@ -88,7 +96,7 @@ class DocumentManager final : public AcApDocManager {
   Document* documentOf(const std::filesystem::path& file) const;
   /// Tells the reactors and destroys it; the last other document becomes current.
   void close(Document& document);
-  /// Makes it current without telling anybody; for messages about one document. Null: none.
+  /// Makes it current without telling the reactors; for messages about one document. Null: none.
   void setCurrent(Document* document);
   /// Resource handle on top of the current document's stack, or null.
   HINSTANCE topResource() const;
@@ -97,18 +105,22 @@ class DocumentManager final : public AcApDocManager {
   /// Reactors whose code lies in a module.
   std::vector<AcApDocManagerReactor*> reactorsOf(const void* moduleBase) const;
 
-  bool refuseLocks = false;
+  /// Makes every lock fail from now on, for trying out what plug-ins do then.
+  void refuseLocks(bool refuse) { refusesLocks_ = refuse; }
 
  private:
+  /// Tells each reactor; what one of them throws is reported.
   template <class Tell>
   void tell(const Tell& message);
   void tellCurrent(Document& document);
 
+  Session& session_;
   std::vector<std::unique_ptr<Document>> documents_;
   std::vector<AcApDocManagerReactor*> reactors_;
   std::vector<HINSTANCE> resourcesWithoutDocument_;
   HINSTANCE baseResource_ = nullptr;
   Document* current_ = nullptr;
+  bool refusesLocks_ = false;
 };
 
 }  // namespace host::editor

@@ -9,7 +9,7 @@
 
 namespace host::editor {
 
-std::atomic<bool> Session::interrupted = false;
+std::atomic<bool> Session::isInterrupted_ = false;
 
 Session& Session::instance() {
   static Session& session = *new Session;
@@ -18,103 +18,78 @@ Session& Session::instance() {
 
 Session::Session() = default;
 
+Observer& Session::observer() const {
+  static Observer nobody;
+  return options_.observer != nullptr ? *options_.observer : nobody;
+}
+
 void Session::begin(ApplicationOptions options) {
   options_ = std::move(options);
   reserve_.emplace();
-  transcript = {};
-  transcript.setSink(options_.transcript);
-  commands.dropBuiltIns();  // a former program's own commands among them
-  addHostCommands(commands);
+  transcript_ = {};
+  if (options_.observer != nullptr)
+    transcript_.setSink([front = options_.observer](std::wstring_view text) { front->print(text); });
+  commands_.dropBuiltIns();  // a former program's own commands among them
+  addHostCommands(commands_);
+  runner_.reset();
   failure_.reset();
-  quitRequested = false;
-  interrupted = false;
-  documents.refuseLocks = false;
-  services.forgetToldFiles();
-  lastCommand_.clear();
-  lastSkips_.clear();
-  lastScript.clear();
   hasFailed_ = false;
-  scriptCount_ = 0;
+  isQuitting_ = false;
+  isInterrupted_ = false;
+  documents_.refuseLocks(false);
+  services_.forgetToldFiles();
+  lastScript_.clear();
+  input_.restartCount();
   untitledCount_ = 0;
 }
 
 void Session::end() {
-  while (!documents.all().empty()) closeDocument(*documents.all().back());
-  modules.unloadAll();
-  transcript.finishLine();
-  variables.reset();
-  sets.clear();
-  finder.forget();
-  nextLimits = {};
-  lastInput.clear();
-  meter = {};
+  while (!documents_.all().empty()) closeDocument(*documents_.all().back());
+  modules_.unloadAll();
+  transcript_.finishLine();
+  variables_.reset();
+  sets_.clear();
+  finder_.forget();
+  nextLimits_ = {};
+  lastInput_.clear();
+  meter_.forget();
   options_ = {};
-  transcript = {};
+  transcript_ = {};
   reserve_.reset();
 }
 
-void Session::reportProblem(std::string_view sentence) const {
-  if (options_.problem) options_.problem(sentence);
-}
+// ---- drawings -------------------------------------------------------------------------------------------------------
 
-void Session::showNotice(std::wstring_view caption, std::wstring_view text) {
-  // Boxes have room for lines in front; here the caption would stand alone on its own.
-  while (text.starts_with(L'\n') || text.starts_with(L'\r')) text.remove_prefix(1);
-  const std::wstring notice = L"[" + std::wstring(caption) + L"] " + std::wstring(text);
-  transcript.line(notice);
-  const std::vector<std::wstring>& captions = options_.failureCaptions;
-  if (std::find(captions.begin(), captions.end(), caption) == captions.end()) return;
-  // One sentence of the box's lines.
-  std::wstring told;
-  for (const wchar_t c : running_.empty() ? std::wstring_view(notice) : text) {
-    const bool isSpace = c == L'\n' || c == L'\r' || c == L' ';
-    if (!isSpace) told += c;
-    if (isSpace && !told.empty() && told.back() != L' ') told += L' ';
-  }
-  while (told.ends_with(L' ')) told.pop_back();
-  if (frames_.empty()) {
-    reportProblem(text::toUtf8(told));
-    return;
-  }
-  commandFailed_ = !running_.empty();
-  if (commandFailed_) told = running_.back()->global + L" failed: " + told;
-  fail(RunStatus::ScriptFailed, text::toUtf8(told), true);
-}
-
-void Session::regenerate() {
-  if (options_.regenerate) options_.regenerate();
-}
-
-// ---- documents ------------------------------------------------------------------------------------------------------
-
-Result Session::openDrawing(const std::filesystem::path& file) {
+Result<> Session::openDrawing(const std::filesystem::path& file) {
   // A second copy would be saved over the first.
-  if (Document* const open = documents.documentOf(file)) {
-    documents.activate(*open);
-    transcript.line(text::fromUtf8(file.string()) + L" is open already; it is the current drawing now.");
+  if (Document* const open = documents_.documentOf(file)) {
+    documents_.activate(*open);
+    transcript_.line(text::fromUtf8(file.string()) + L" is open already; it is the current drawing now.");
     return {};
   }
-  if (const Module* module = modules.blocksFurtherDrawing())
-    return {RunStatus::DrawingUnreadable,
-            file.string() + ": not opened: " + text::toUtf8(module->name) + " works with one open drawing only"};
+  const auto refused = [&file](std::string why) {
+    return problemOf(Code::DrawingUnreadable, file.string(), std::move(why));
+  };
+  if (const Module* module = modules_.blocksFurtherDrawing())
+    return refused("not opened: " + text::toUtf8(module->name) + " works with one open drawing only");
   std::error_code error;
   if (std::filesystem::exists(file, error) && !std::filesystem::is_directory(file, error) &&
       !std::filesystem::is_regular_file(file, error))
-    return {RunStatus::DrawingUnreadable, file.string() + ": this is no ordinary file"};
+    return refused("this is no ordinary file");
   try {
     return openFurther(file);
   } catch (const std::bad_alloc&) {
-    return {RunStatus::DrawingUnreadable, file.string() + ": there is not enough memory to open the drawing"};
+    return refused("there is not enough memory to open the drawing");
   }
 }
 
-Result Session::openFurther(const std::filesystem::path& file) {
+Result<> Session::openFurther(const std::filesystem::path& file) {
   auto db = std::make_unique<AcDbDatabase>(false, true);
   const FileStamp stamp(file);  // before reading: what is changed meanwhile is a change
-  const dxf::FileResult read = dxf::readDrawing(db->hostDatabase(), file);
-  if (!read.ok) return {RunStatus::DrawingUnreadable, read.message};
-  for (const database::Problem& problem : db->hostDatabase().problems()) {
-    reportProblem(dxf::problemSentence(file.string(), problem));
+  if (Result<> read = dxf::readDrawing(db->hostDatabase(), file); !read) return read;
+  for (Problem problem : db->hostDatabase().problems()) {
+    problem.file = file.string();
+    reportProblem(problem);
   }
   auto document = std::make_unique<Document>(std::move(db));
   document->stamp = stamp;
@@ -126,53 +101,53 @@ Result Session::openFurther(const std::filesystem::path& file) {
       if (block == paper) document->currentLayout = name;
     }
   }
-  Document& added = documents.add(std::move(document));
-  modules.tellAll(AcRx::kLoadDwgMsg, &added);
+  Document& added = documents_.add(std::move(document));
+  modules_.tellAll(AcRx::kLoadDwgMsg, &added);
   added.drawing().releaseObjects();
   return {};
 }
 
-Result Session::newDrawing() {
-  if (const Module* module = modules.blocksFurtherDrawing())
-    return {RunStatus::DrawingUnreadable,
-            "no new drawing: " + text::toUtf8(module->name) + " works with one open drawing only"};
+Result<> Session::newDrawing() {
+  if (const Module* module = modules_.blocksFurtherDrawing())
+    return problemOf(Code::DrawingUnreadable,
+                     "no new drawing: " + text::toUtf8(module->name) + " works with one open drawing only");
   auto document = std::make_unique<Document>(std::make_unique<AcDbDatabase>(true, false));
   document->setUntitled(++untitledCount_);
   document->drawing().setUnmodified();
-  Document& added = documents.add(std::move(document));
-  modules.tellAll(AcRx::kLoadDwgMsg, &added);
+  Document& added = documents_.add(std::move(document));
+  modules_.tellAll(AcRx::kLoadDwgMsg, &added);
   added.drawing().releaseObjects();
   return {};
 }
 
 void Session::closeDocument(Document& document) {
-  modules.tellAll(AcRx::kUnloadDwgMsg, &document);
-  sets.forget(document.drawing());
-  finder.forget();
-  documents.close(document);
+  modules_.tellAll(AcRx::kUnloadDwgMsg, &document);
+  sets_.forget(document.drawing());
+  finder_.forget();
+  documents_.close(document);
 }
 
-Result Session::saveDrawing(Document& document, const std::filesystem::path& file, ChangedFile changed) {
+Result<> Session::saveDrawing(Document& document, const std::filesystem::path& file, ChangedFile changed) {
+  const auto refused = [&file](std::string why) {
+    return problemOf(Code::OutputRefused, file.string(), std::move(why));
+  };
   std::error_code error;
-  if (std::filesystem::is_directory(file, error))
-    return {RunStatus::OutputFailed, file.string() + ": is a folder; a drawing needs a file name"};
+  if (std::filesystem::is_directory(file, error)) return refused("is a folder; a drawing needs a file name");
   const bool isOwn = document.isOf(file);
   if (isOwn && changed == ChangedFile::Refuse && document.isChangedOutside())
-    return {RunStatus::OutputFailed,
-            file.string() + ": somebody else has changed the file since it was opened; it was not replaced"};
-  for (const auto& other : documents.all()) {
+    return refused("somebody else has changed the file since it was opened; it was not replaced");
+  for (const auto& other : documents_.all()) {
     if (other.get() != &document && other->isOf(file))
-      return {RunStatus::OutputFailed, file.string() + ": this drawing is open too; close it before it is replaced"};
+      return refused("this drawing is open too; close it before it is replaced");
   }
-  modules.tellAll(AcRx::kSaveMsg, &document);
-  const dxf::FileResult saved = dxf::saveDrawing(document.drawing(), file);
-  if (!saved.ok) return {RunStatus::OutputFailed, saved.message};
+  modules_.tellAll(AcRx::kSaveMsg, &document);
+  if (Result<> saved = dxf::saveDrawing(document.drawing(), file); !saved) return saved;
   if (isOwn) document.stamp = FileStamp(document.file());
   return {};
 }
 
 const database::BlockContents& Session::currentSpace() const {
-  const Document& document = *documents.current();
+  const Document& document = *documents_.current();
   for (const auto& [name, block] : document.drawing().layouts()) {
     if (block != nullptr && text::equalFolded(name, document.currentLayout)) return *block;
   }
@@ -180,7 +155,7 @@ const database::BlockContents& Session::currentSpace() const {
 }
 
 bool Session::switchLayout(std::wstring_view name) {
-  Document& document = *documents.current();
+  Document& document = *documents_.current();
   bool isModel = true;
   for (const auto& [layout, block] : document.drawing().layouts()) {
     if (block != nullptr && text::equalFolded(layout, name)) {
@@ -191,7 +166,8 @@ bool Session::switchLayout(std::wstring_view name) {
       if (document.drawing().headerInteger("$TILEMODE", 70).value_or(1) != tileMode)
         document.drawing().setHeaderInteger("$TILEMODE", 70, tileMode);
       const std::wstring switched = layout;
-      editor.tell(&AcEditorReactor::layoutSwitched, switched.c_str());
+      editor_.tell(&AcEditorReactor::layoutSwitched, switched.c_str());
+      observer().currentDrawingChanged();
       return true;
     }
     isModel = false;
@@ -199,190 +175,209 @@ bool Session::switchLayout(std::wstring_view name) {
   return false;
 }
 
-// ---- input ----------------------------------------------------------------------------------------------------------
+void Session::setPickfirst(Document& document, std::vector<database::Slot*> entities) {
+  if (entities.empty() && document.pickfirst.empty()) return;
+  document.pickfirst = std::move(entities);
+  observer().pickfirstChanged(document.pickfirst);
+}
 
-std::string Session::place() const {
-  for (auto frame = frames_.rbegin(); frame != frames_.rend(); ++frame) {
-    std::string here = frame->source->place();
-    if (!here.empty()) return here;
+// ---- messages -------------------------------------------------------------------------------------------------------
+
+void Session::reportProblem(const Problem& problem) const { observer().report(problem); }
+
+void Session::showNotice(std::wstring_view caption, std::wstring_view text) {
+  // Boxes have room for lines in front; here the caption would stand alone on its own.
+  while (text.starts_with(L'\n') || text.starts_with(L'\r')) text.remove_prefix(1);
+  const std::wstring notice = L"[" + std::wstring(caption) + L"] " + std::wstring(text);
+  transcript_.line(notice);
+  const std::vector<std::wstring>& captions = options_.failureCaptions;
+  if (std::find(captions.begin(), captions.end(), caption) == captions.end()) return;
+  // One sentence of the box's lines.
+  const Command* const command = runner_.innermost();
+  std::wstring told;
+  for (const wchar_t c : command == nullptr ? std::wstring_view(notice) : text) {
+    const bool isSpace = c == L'\n' || c == L'\r' || c == L' ';
+    if (!isSpace) told += c;
+    if (isSpace && !told.empty() && told.back() != L' ') told += L' ';
   }
-  return {};
-}
-
-bool Session::isInteractive() const { return !frames_.empty() && frames_.back().source->isInteractive(); }
-
-bool Session::isStopping() const {
-  return failure_.has_value() || interrupted || (!frames_.empty() && frames_.back().failed);
-}
-
-void Session::pushScript(std::unique_ptr<InputSource> script, std::wstring name) {
-  InputFrame frame;
-  frame.source = script.get();
-  frame.owned = std::move(script);
-  frame.undoGroup = {++scriptCount_, std::move(name)};
-  frames_.push_back(std::move(frame));
-}
-
-database::UndoGroup Session::scriptGroup() const {
-  for (const InputFrame& frame : frames_) {
-    if (frame.undoGroup.number != 0) return frame.undoGroup;
-  }
-  return {};
-}
-
-Answer Session::pull(const Question& question) {
-  while (!frames_.empty()) {
-    Answer answer = frames_.back().source->next(question);
-    // A script that another one called hands back to it; a run's own input and code's answers just end.
-    if (answer.kind != Answer::Kind::End || frames_.back().owned == nullptr || frames_.back().fromCode) return answer;
-    frames_.pop_back();
-  }
-  return {};
-}
-
-void Session::fail(RunStatus status, std::string sentence, bool isShown) {
-  if (inputFromCode()) {
-    transcript.line(text::fromUtf8(sentence));
-    frames_.back().failed = true;
+  while (told.ends_with(L' ')) told.pop_back();
+  if (input_.isEmpty()) {
+    reportProblem(problemOf(Code::CommandFailed, text::toUtf8(told)));
     return;
   }
-  const std::string here = place();
-  Result result{status, here.empty() ? std::move(sentence) : here + ": " + sentence};
+  if (command != nullptr) {
+    runner_.commandFailed();
+    told = command->global + L" failed: " + told;
+  }
+  fail(problemOf(Code::CommandFailed, text::toUtf8(told)), Shown::Yes);
+}
+
+// ---- how the run goes -----------------------------------------------------------------------------------------------
+
+Problem Session::placed(Problem problem) const {
+  Place here = input_.place();
+  if (!here.isKnown()) return problem;
+  return {problem.code, std::move(here.file), here.line, 0, problem.sentence()};
+}
+
+void Session::fail(Problem problem, Shown shown) {
+  if (input_.isFromCode()) {
+    transcript_.line(text::fromUtf8(problem.sentence()));
+    input_.failCode();
+    return;
+  }
+  problem = placed(std::move(problem));
   if (isInteractive()) {
     hasFailed_ = true;
-    if (!isShown || !options_.problemsOnScreen) reportProblem(result.message);
+    if (shown == Shown::No || !options_.problemsOnScreen) reportProblem(problem);
     return;
   }
-  if (!failure_) failure_ = std::move(result);
+  if (!failure_) failure_ = std::move(problem);
+}
+
+void Session::failForGood(Problem problem) {
+  if (!failure_) failure_ = placed(std::move(problem));
+}
+
+void Session::failForMemory(const Command* command) noexcept {
+  if (failure_) return;
+  try {
+    std::string sentence = command != nullptr ? text::toUtf8(command->global) + ": " : std::string();
+    sentence += "there is not enough memory";
+    const bool isStep = command != nullptr && (command->flags & ACRX_CMD_NO_UNDO_MARKER) == 0;
+    if (isStep) sentence += "; U takes back what the command did";
+    failure_ = placed(problemOf(Code::MemoryEnded, std::move(sentence)));
+  } catch (const std::bad_alloc&) {
+    failure_ = problemOf(Code::MemoryEnded, "out of memory");  // so short that it needs none itself
+  }
 }
 
 void Session::foundNothing(const std::wstring& where) {
-  if (isInteractive() || inputFromCode()) return;
-  const std::string here = place();
-  std::string sentence = text::toUtf8(runningNames()) + ": nothing found " + text::toUtf8(where);
+  if (isInteractive() || input_.isFromCode()) return;
+  Problem problem =
+      problemOf(Code::NothingFound, text::toUtf8(runner_.names()) + ": nothing found " + text::toUtf8(where));
   if (options_.isStrict) {
-    fail(RunStatus::ScriptFailed, std::move(sentence));
+    fail(std::move(problem));
   } else {
-    reportProblem(here.empty() ? sentence : here + ": " + sentence);
+    reportProblem(placed(std::move(problem)));
   }
 }
 
-bool Session::refuse(std::wstring_view sentence, RunStatus status) {
-  transcript.line(sentence);
+bool Session::refuse(std::wstring_view sentence, Code code) {
+  transcript_.line(sentence);
   if (isInteractive()) return true;
-  if (inputFromCode()) {
-    frames_.back().failed = true;
+  if (input_.isFromCode()) {
+    input_.failCode();
   } else {
     std::string message = text::toUtf8(sentence);
-    if (const std::wstring names = runningNames(); !names.empty()) message = text::toUtf8(names) + ": " + message;
-    fail(status, std::move(message));
+    if (const std::wstring names = runner_.names(); !names.empty()) message = text::toUtf8(names) + ": " + message;
+    fail(problemOf(code, std::move(message)));
   }
   return false;
 }
 
+// ---- questions ------------------------------------------------------------------------------------------------------
+
+void Session::pushScript(const std::filesystem::path& file, std::unique_ptr<InputSource> script) {
+  lastScript_ = file;
+  input_.pushScript(std::move(script), L"SCRIPT " + text::fromUtf8(file.filename().string()));
+}
+
 void Session::answersRanOut(std::wstring_view waiting) {
-  if (inputFromCode()) {
-    frames_.back().failed = true;
+  if (input_.isFromCode()) {
+    input_.failCode();
     return;
   }
+  const Command* const command = runner_.innermost();
   std::string sentence = "the input ended while ";
-  sentence += running_.empty() ? "the host" : text::toUtf8(running_.back()->global);
+  sentence += command == nullptr ? "the host" : text::toUtf8(command->global);
   std::wstring_view prompt = waiting;
   while (prompt.starts_with(L'\n')) prompt.remove_prefix(1);
   while (prompt.ends_with(L' ')) prompt.remove_suffix(1);
   sentence += " waited for an answer";
   if (!prompt.empty()) sentence += " to \"" + text::toUtf8(prompt) + "\"";
-  const std::string here = place();
-  // Even somebody who can be asked again is gone when the input has ended.
-  if (!failure_) failure_ = Result{RunStatus::ScriptFailed, here.empty() ? sentence : here + ": " + sentence};
+  // A user who could be asked again is gone when the input has ended.
+  failForGood(problemOf(Code::AnswerMissing, std::move(sentence)));
 }
 
-/// What a command does before it asks its user anything is preparation.
-void Session::noteQuestion() {
-  if (!running_.empty() && !changesWhenAsked_ && documents.current() != nullptr)
-    changesWhenAsked_ = documents.current()->drawing().changeCount();
+void Session::echo(const Answer& answer) {
+  switch (answer.kind) {
+    case Answer::Kind::End:
+    case Answer::Kind::Cancel:
+      transcript_.echo(L"*Cancel*");
+      break;
+    case Answer::Kind::Enter:
+      transcript_.echo({});
+      break;
+    case Answer::Kind::Point:
+      transcript_.echo(shownPoint(answer.point));
+      break;
+    case Answer::Kind::Entity:
+      transcript_.echo(L"<entity " + text::fromUtf8(text::formatHandle(answer.entity.handle())) + L">");
+      break;
+    case Answer::Kind::Text:
+      transcript_.echo(answer.text);
+      break;
+  }
 }
 
-/// The user was asked and left, and the command has changed nothing since.
-bool Session::wasLeftUntouched(const Document& document) const {
-  return (cancelled_ || dialogCancelled_) && changesWhenAsked_ == document.drawing().changeCount();
-}
-
-Answer Session::ask(std::wstring_view prompt, AnswerForm form) {
+Answer Session::ask(const Question& question) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
   for (;;) {
     if (isStopping()) return cancel;
-    noteQuestion();
-    transcript.prompt(prompt);
-    Answer answer = pull({prompt, form});
-    if (interrupted) answer.kind = Answer::Kind::Cancel;
-    switch (answer.kind) {
-      case Answer::Kind::End:
-        answersRanOut(prompt);
-        transcript.echo(L"*Cancel*");
-        return cancel;
-      case Answer::Kind::Cancel:
-        transcript.echo(L"*Cancel*");
-        cancelled_ = true;
-        return answer;
-      case Answer::Kind::Enter:
-        transcript.echo({});
-        break;
-      case Answer::Kind::Point:
-        transcript.echo(shownPoint(answer.point));
-        break;
-      case Answer::Kind::Entity:
-        transcript.echo(L"<entity " + text::fromUtf8(text::formatHandle(answer.entity.handle())) + L">");
-        break;
-      case Answer::Kind::Text:
-        transcript.echo(answer.text);
-        break;
+    runner_.questionAsked();
+    transcript_.prompt(question.prompt);
+    Answer answer = input_.pull(question);
+    if (isInterrupted_) answer.kind = Answer::Kind::Cancel;
+    if (answer.kind == Answer::Kind::End) answersRanOut(question.prompt);
+    echo(answer);
+    if (answer.kind == Answer::Kind::End) return cancel;
+    if (answer.kind == Answer::Kind::Cancel) {
+      runner_.questionCancelled();
+      return answer;
     }
-    cancelled_ = dialogCancelled_ = false;
-    const bool mayBeCommand = answer.kind == Answer::Kind::Text && form == AnswerForm::Word && !answer.quoted &&
-                              answer.text.size() > 1 && answer.text.front() == L'\'';
+    runner_.questionAnswered();
+    const bool mayBeCommand = answer.kind == Answer::Kind::Text && question.form == AnswerForm::Word &&
+                              !answer.quoted && answer.text.size() > 1 && answer.text.front() == L'\'';
     if (!mayBeCommand) return answer;
-    const std::shared_ptr<Command> command = commands.find(answer.text);
+    const std::shared_ptr<Command> command = commands_.find(answer.text);
     if (command == nullptr) return answer;
-    if ((command->flags & ACRX_CMD_TRANSPARENT) == 0) {
-      if (!refuse(L"** " + command->global + L" may not be invoked transparently **")) return cancel;
-      continue;
-    }
-    const std::wstring resumed = running_.empty() ? std::wstring() : running_.back()->global;
-    // The question stands apart from the command that interrupts it.
-    const Limits limits = std::exchange(nextLimits, {});
-    execute(command, true);
-    nextLimits = limits;
-    cancelled_ = false;
-    if (!resumed.empty() && !isStopping()) transcript.line(L"Resuming " + resumed + L" command.");
+    if (!runInstead(command)) return cancel;
   }
 }
 
-void Session::dialogOpened() {
-  noteQuestion();
-  dialogCancelled_ = false;
-  skips.dialogOpened();
+bool Session::runInstead(const std::shared_ptr<Command>& command) {
+  if ((command->flags & ACRX_CMD_TRANSPARENT) == 0)
+    return refuse(L"** " + command->global + L" may not be invoked transparently **");
+  const std::wstring resumed = runner_.innermost() == nullptr ? std::wstring() : runner_.innermost()->global;
+  // The question stands apart from the command that interrupts it.
+  Limits limits = takeNextLimits();
+  runner_.runTransparently(command);
+  nextLimits_ = std::move(limits);
+  if (!resumed.empty() && !isStopping()) transcript_.line(L"Resuming " + resumed + L" command.");
+  return true;
 }
 
 Answer Session::dialogLine(std::wstring_view what) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
   if (isStopping()) return cancel;
-  const std::wstring prompt = std::wstring(what) + L": ";
-  transcript.prompt(prompt);
-  Answer answer = pull({what, AnswerForm::Line});
+  transcript_.prompt(std::wstring(what) + L": ");
+  Question question;
+  question.prompt = what;
+  question.form = AnswerForm::Line;
+  question.wanted = Wanted::Dialog;
+  Answer answer = input_.pull(question);
   if (answer.kind != Answer::Kind::End) {
-    transcript.echo(answer.kind == Answer::Kind::Cancel ? L"*Cancel*" : answer.text);
+    transcript_.echo(answer.kind == Answer::Kind::Cancel ? L"*Cancel*" : answer.text);
     return answer;
   }
-  transcript.echo(L"*Cancel*");
-  if (inputFromCode()) {
-    frames_.back().failed = true;
-  } else if (!failure_) {
-    const std::string here = place();
-    const std::string sentence = text::toUtf8(what) + " was left without an answer";
-    failure_ = Result{RunStatus::ScriptFailed, here.empty() ? sentence : here + ": " + sentence};
+  transcript_.echo(L"*Cancel*");
+  if (input_.isFromCode()) {
+    input_.failCode();
+  } else {
+    failForGood(problemOf(Code::AnswerMissing, text::toUtf8(what) + " was left without an answer"));
   }
   return cancel;
 }

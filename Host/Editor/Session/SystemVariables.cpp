@@ -17,6 +17,143 @@ using Home = Variable::Home;
 
 constexpr double kAny = 1e300;
 
+Problem refusal(std::wstring_view clause) { return problemOf(Code::VariableRefused, text::toUtf8(clause)); }
+
+// ---- values got from the host and the drawing -----------------------------------------------------------------------
+
+VariableValue whole(std::int64_t value) { return value; }
+
+VariableValue release(Session&) { return std::wstring(L"20.1"); }
+// Runs of the same input give the same drawing: the date is no part of it.
+VariableValue date(Session&) { return 0.0; }
+VariableValue commandIsActive(Session& host) { return whole(host.runner().depth() > 0 ? 1 : 0); }
+VariableValue commandNames(Session& host) { return host.runner().names(); }
+VariableValue screenSize(Session&) { return AcGePoint3d(EntityFinder::kScreenPixels, EntityFinder::kScreenPixels, 0); }
+VariableValue noText(Session&) { return std::wstring(); }
+VariableValue origin(Session&) { return AcGePoint3d(); }
+VariableValue xDirection(Session&) { return AcGePoint3d(1, 0, 0); }
+VariableValue yDirection(Session&) { return AcGePoint3d(0, 1, 0); }
+
+// The rest is asked for only while a drawing is open.
+Document& documentOf(Session& host) { return *host.documents().current(); }
+database::DrawingDatabase& drawingOf(Session& host) { return documentOf(host).drawing(); }
+AcDbDatabase& facadeOf(Session& host) { return *documentOf(host).database(); }
+
+Result<> done(Acad::ErrorStatus status, const wchar_t* otherwise) {
+  if (status == Acad::eOk) return {};
+  return refusal(otherwise);
+}
+
+std::wstring nameOfRecord(AcDbObjectId id) {
+  return id.isNull() ? std::wstring() : id.slot()->database().recordName(*id.slot());
+}
+
+constexpr const wchar_t* kColorNames[] = {L"red", L"yellow", L"green", L"cyan", L"blue", L"magenta", L"white"};
+
+VariableValue entityColor(Session& host) {
+  const AcCmColor color = facadeOf(host).cecolor();
+  if (color.isByColor())
+    return L"RGB:" + std::to_wstring(color.red()) + L"," + std::to_wstring(color.green()) + L"," +
+           std::to_wstring(color.blue());
+  if (color.isByLayer()) return std::wstring(L"BYLAYER");
+  if (color.isByBlock()) return std::wstring(L"BYBLOCK");
+  return std::to_wstring(color.colorIndex());
+}
+
+Result<> setEntityColor(Session& host, const VariableValue& value) {
+  const std::optional<AcCmColor> color = parseColor(std::get<std::wstring>(value));
+  if (!color) return refusal(L"needs BYLAYER, BYBLOCK, a colour from 1 to 255, a colour name or RGB:r,g,b");
+  return done(facadeOf(host).setCecolor(*color), L"cannot be set");
+}
+
+VariableValue entityLinetype(Session& host) { return nameOfRecord(facadeOf(host).celtype()); }
+
+Result<> setEntityLinetype(Session& host, const VariableValue& value) {
+  const std::wstring& name = std::get<std::wstring>(value);
+  database::Slot* const linetype = drawingOf(host).findRecord(database::DxfType::LineType, name);
+  if (linetype == nullptr) return refusal(L"linetype \"" + name + L"\" is not loaded");
+  return done(facadeOf(host).setCeltype(AcDbObjectId(linetype)), L"cannot be made current");
+}
+
+VariableValue currentLayer(Session& host) { return nameOfRecord(facadeOf(host).clayer()); }
+
+Result<> setCurrentLayer(Session& host, const VariableValue& value) {
+  const std::wstring& name = std::get<std::wstring>(value);
+  database::Slot* const layer = drawingOf(host).findRecord(database::DxfType::Layer, name);
+  if (layer == nullptr) return refusal(L"cannot find layer \"" + name + L"\"");
+  database::Tag tag;
+  for (database::TagCursor tags = layer->tags(); tags.next(tag);) {
+    if (tag.code == 70 && (tag.integer() & 1) != 0) return refusal(L"layer \"" + name + L"\" is frozen");
+  }
+  return done(facadeOf(host).setClayer(AcDbObjectId(layer)), L"cannot be made current");
+}
+
+VariableValue currentTab(Session& host) { return documentOf(host).currentLayout; }
+
+Result<> setCurrentTab(Session& host, const VariableValue& value) {
+  const std::wstring& name = std::get<std::wstring>(value);
+  if (text::equalFolded(documentOf(host).currentLayout, name) || host.switchLayout(name)) return {};
+  return refusal(L"no layout is named \"" + name + L"\"");
+}
+
+bool isModelCurrent(Session& host) { return text::equalFolded(documentOf(host).currentLayout, L"Model"); }
+VariableValue tileMode(Session& host) { return whole(isModelCurrent(host) ? 1 : 0); }
+
+Result<> setTileMode(Session& host, const VariableValue& value) {
+  const auto wanted = std::get<std::int64_t>(value);
+  if (wanted != 0 && wanted != 1) return refusal(L"must be 0 or 1");
+  if ((wanted == 1) == isModelCurrent(host)) return {};
+  const auto layouts = drawingOf(host).layouts();
+  if (wanted == 0 && layouts.size() < 2) return refusal(L"the drawing has no paper layout");
+  host.switchLayout(wanted == 1 ? std::wstring(L"Model") : layouts[1].first);
+  return {};
+}
+
+VariableValue lastPoint(Session& host) { return documentOf(host).lastPoint; }
+
+Result<> setLastPoint(Session& host, const VariableValue& value) {
+  documentOf(host).lastPoint = std::get<AcGePoint3d>(value);
+  return {};
+}
+
+VariableValue isModified(Session& host) { return whole(drawingOf(host).isModified() ? 1 : 0); }
+VariableValue isTitled(Session& host) { return whole(documentOf(host).file().empty() ? 0 : 1); }
+
+VariableValue drawingName(Session& host) {
+  const Document& document = documentOf(host);
+  return document.file().empty() ? std::wstring(document.fileName())
+                                 : text::fromUtf8(document.file().filename().string());
+}
+
+VariableValue drawingFolder(Session& host) {
+  const std::string folder = documentOf(host).file().parent_path().string();
+  return text::fromUtf8(folder.empty() || folder.ends_with('/') ? folder : folder + "/");
+}
+
+geometry::Box spaceExtents(Session& host) { return host.finder().extents(drawingOf(host), host.currentSpace()); }
+
+VariableValue lowerExtents(Session& host) {
+  const geometry::Box box = spaceExtents(host);
+  return box.isEmpty() ? AcGePoint3d(1e20, 1e20, 1e20) : AcGePoint3d(box.minX, box.minY, 0);
+}
+
+VariableValue upperExtents(Session& host) {
+  const geometry::Box box = spaceExtents(host);
+  return box.isEmpty() ? AcGePoint3d(-1e20, -1e20, -1e20) : AcGePoint3d(box.maxX, box.maxY, 0);
+}
+
+VariableValue viewCentre(Session& host) {
+  const geometry::Box view = currentView(host);
+  return AcGePoint3d((view.minX + view.maxX) / 2, (view.minY + view.maxY) / 2, 0);
+}
+
+VariableValue viewHeight(Session& host) {
+  const geometry::Box view = currentView(host);
+  return view.maxY - view.minY;
+}
+
+// ---- the table ------------------------------------------------------------------------------------------------------
+
 constexpr Variable session(const wchar_t* name, Type type, double initial, double min, double max) {
   return {name, type, Home::Session, false, nullptr, 0, initial, min, max};
 }
@@ -24,8 +161,14 @@ constexpr Variable header(const wchar_t* name, Type type, const char* headerName
                           double max) {
   return {name, type, Home::Header, false, headerName, code, initial, min, max};
 }
-constexpr Variable computed(const wchar_t* name, Type type, bool readOnly = true) {
-  return {name, type, Home::Computed, readOnly, nullptr, 0, 0, -kAny, kAny};
+using Get = VariableValue (*)(Session&);
+using Set = Result<> (*)(Session&, const VariableValue&);
+
+constexpr Variable ofHost(const wchar_t* name, Type type, Get get) {
+  return {name, type, Home::Host, true, nullptr, 0, 0, -kAny, kAny, get};
+}
+constexpr Variable ofDrawing(const wchar_t* name, Type type, Get get, Set set = nullptr) {
+  return {name, type, Home::Drawing, set == nullptr, nullptr, 0, 0, -kAny, kAny, get, set};
 }
 constexpr Variable fixed(const wchar_t* name, Type type, double value) {
   return {name, type, Home::Session, true, nullptr, 0, value, -kAny, kAny};
@@ -33,36 +176,36 @@ constexpr Variable fixed(const wchar_t* name, Type type, double value) {
 
 // In the order of names: found by binary search.
 constexpr Variable kVariables[] = {
-    computed(L"ACADVER", Type::Text),
+    ofHost(L"ACADVER", Type::Text, release),
     header(L"ANGBASE", Type::Real, "$ANGBASE", 50, 0, -kAny, kAny),
     header(L"ANGDIR", Type::Short, "$ANGDIR", 70, 0, 0, 1),
     header(L"ATTMODE", Type::Short, "$ATTMODE", 70, 1, 0, 2),
     header(L"AUNITS", Type::Short, "$AUNITS", 70, 0, 0, 4),
     header(L"AUPREC", Type::Short, "$AUPREC", 70, 0, 0, 8),
-    computed(L"CDATE", Type::Real),
-    computed(L"CECOLOR", Type::Text, false),
+    ofHost(L"CDATE", Type::Real, date),
+    ofDrawing(L"CECOLOR", Type::Text, entityColor, setEntityColor),
     header(L"CELTSCALE", Type::Real, "$CELTSCALE", 40, 1, 1e-99, kAny),
-    computed(L"CELTYPE", Type::Text, false),
+    ofDrawing(L"CELTYPE", Type::Text, entityLinetype, setEntityLinetype),
     header(L"CELWEIGHT", Type::Short, "$CELWEIGHT", 370, -1, -3, 211),
-    computed(L"CLAYER", Type::Text, false),
-    computed(L"CMDACTIVE", Type::Short),
+    ofDrawing(L"CLAYER", Type::Text, currentLayer, setCurrentLayer),
+    ofHost(L"CMDACTIVE", Type::Short, commandIsActive),
     session(L"CMDECHO", Type::Short, 1, 0, 1),
-    computed(L"CMDNAMES", Type::Text),
-    computed(L"CTAB", Type::Text, false),
-    computed(L"DBMOD", Type::Short),
-    computed(L"DWGNAME", Type::Text),
-    computed(L"DWGPREFIX", Type::Text),
-    computed(L"DWGTITLED", Type::Short),
+    ofHost(L"CMDNAMES", Type::Text, commandNames),
+    ofDrawing(L"CTAB", Type::Text, currentTab, setCurrentTab),
+    ofDrawing(L"DBMOD", Type::Short, isModified),
+    ofDrawing(L"DWGNAME", Type::Text, drawingName),
+    ofDrawing(L"DWGPREFIX", Type::Text, drawingFolder),
+    ofDrawing(L"DWGTITLED", Type::Short, isTitled),
     header(L"ELEVATION", Type::Real, "$ELEVATION", 40, 0, -kAny, kAny),
     session(L"ERRNO", Type::Short, 0, -kAny, kAny),
     session(L"EXPERT", Type::Short, 0, 0, 5),
-    computed(L"EXTMAX", Type::Point3),
-    computed(L"EXTMIN", Type::Point3),
+    ofDrawing(L"EXTMAX", Type::Point3, upperExtents),
+    ofDrawing(L"EXTMIN", Type::Point3, lowerExtents),
     session(L"FILEDIA", Type::Short, 1, 0, 1),
     header(L"FILLMODE", Type::Short, "$FILLMODE", 70, 1, 0, 1),
     session(L"HIGHLIGHT", Type::Short, 1, 0, 1),
     header(L"INSUNITS", Type::Short, "$INSUNITS", 70, 6, 0, 24),
-    computed(L"LASTPOINT", Type::Point3, false),
+    ofDrawing(L"LASTPOINT", Type::Point3, lastPoint, setLastPoint),
     header(L"LTSCALE", Type::Real, "$LTSCALE", 40, 1, 1e-99, kAny),
     header(L"LUNITS", Type::Short, "$LUNITS", 70, 2, 1, 5),
     header(L"LUPREC", Type::Short, "$LUPREC", 70, 4, 0, 8),
@@ -85,86 +228,20 @@ constexpr Variable kVariables[] = {
     session(L"PLINETYPE", Type::Short, 2, 0, 2),
     header(L"PSLTSCALE", Type::Short, "$PSLTSCALE", 70, 1, 0, 1),
     header(L"REGENMODE", Type::Short, "$REGENMODE", 70, 1, 0, 1),
-    computed(L"SCREENSIZE", Type::Point2),
+    ofHost(L"SCREENSIZE", Type::Point2, screenSize),
     header(L"SORTENTS", Type::Short, "$SORTENTS", 280, 127, 0, 127),
     header(L"TEXTSIZE", Type::Real, "$TEXTSIZE", 40, 2.5, 1e-99, kAny),
     header(L"THICKNESS", Type::Real, "$THICKNESS", 40, 0, -kAny, kAny),
-    computed(L"TILEMODE", Type::Short, false),
+    ofDrawing(L"TILEMODE", Type::Short, tileMode, setTileMode),
     fixed(L"UCSFOLLOW", Type::Short, 0),
-    computed(L"UCSNAME", Type::Text),
-    computed(L"UCSORG", Type::Point3),
-    computed(L"UCSXDIR", Type::Point3),
-    computed(L"UCSYDIR", Type::Point3),
-    computed(L"VIEWCTR", Type::Point3),
-    computed(L"VIEWSIZE", Type::Real),
+    ofHost(L"UCSNAME", Type::Text, noText),
+    ofHost(L"UCSORG", Type::Point3, origin),
+    ofHost(L"UCSXDIR", Type::Point3, xDirection),
+    ofHost(L"UCSYDIR", Type::Point3, yDirection),
+    ofDrawing(L"VIEWCTR", Type::Point3, viewCentre),
+    ofDrawing(L"VIEWSIZE", Type::Real, viewHeight),
     fixed(L"WORLDUCS", Type::Short, 1),
 };
-
-std::wstring nameOfRecord(AcDbObjectId id) {
-  return id.isNull() ? std::wstring() : id.slot()->database().recordName(*id.slot());
-}
-
-constexpr const wchar_t* kColorNames[] = {L"red", L"yellow", L"green", L"cyan", L"blue", L"magenta", L"white"};
-
-std::wstring colorText(const AcCmColor& color) {
-  if (color.isByColor())
-    return L"RGB:" + std::to_wstring(color.red()) + L"," + std::to_wstring(color.green()) + L"," +
-           std::to_wstring(color.blue());
-  if (color.isByLayer()) return L"BYLAYER";
-  if (color.isByBlock()) return L"BYBLOCK";
-  return std::to_wstring(color.colorIndex());
-}
-
-geometry::Box spaceExtents(Session& host) {
-  return host.finder.extents(host.documents.current()->drawing(), host.currentSpace());
-}
-
-VariableValue computedValue(Session& host, std::wstring_view name) {
-  if (name == L"ACADVER") return std::wstring(L"20.1");
-  if (name == L"CMDACTIVE") return std::int64_t{host.commandDepth() > 0 ? 1 : 0};
-  if (name == L"CMDNAMES") return host.runningNames();
-  if (name == L"SCREENSIZE") return AcGePoint3d(EntityFinder::kScreenPixels, EntityFinder::kScreenPixels, 0);
-  // Runs of the same input give the same drawing: the date is no part of it.
-  if (name == L"CDATE") return 0.0;
-  if (name == L"UCSNAME") return std::wstring();
-  if (name == L"UCSORG") return AcGePoint3d();
-  if (name == L"UCSXDIR") return AcGePoint3d(1, 0, 0);
-  if (name == L"UCSYDIR") return AcGePoint3d(0, 1, 0);
-  Document* const document = host.documents.current();
-  if (document == nullptr) {
-    for (const Variable& variable : kVariables) {
-      if (name != variable.name) continue;
-      if (variable.type == Type::Text) return std::wstring();
-      if (variable.type == Type::Real) return 0.0;
-      if (variable.type == Type::Point2 || variable.type == Type::Point3) return AcGePoint3d();
-    }
-    return std::int64_t{0};
-  }
-  const AcDbDatabase& db = *document->database();
-  if (name == L"CECOLOR") return colorText(db.cecolor());
-  if (name == L"CELTYPE") return nameOfRecord(db.celtype());
-  if (name == L"CLAYER") return nameOfRecord(db.clayer());
-  if (name == L"CTAB") return document->currentLayout;
-  if (name == L"DBMOD") return std::int64_t{document->drawing().isModified() ? 1 : 0};
-  if (name == L"DWGTITLED") return std::int64_t{document->file().empty() ? 0 : 1};
-  if (name == L"DWGNAME")
-    return document->file().empty() ? std::wstring(document->fileName())
-                                    : text::fromUtf8(document->file().filename().string());
-  if (name == L"DWGPREFIX") {
-    const std::string folder = document->file().parent_path().string();
-    return text::fromUtf8(folder.empty() || folder.ends_with('/') ? folder : folder + "/");
-  }
-  if (name == L"LASTPOINT") return document->lastPoint;
-  if (name == L"TILEMODE") return std::int64_t{text::equalFolded(document->currentLayout, L"Model") ? 1 : 0};
-  if (name == L"EXTMIN" || name == L"EXTMAX") {
-    const geometry::Box box = spaceExtents(host);
-    if (box.isEmpty()) return name == L"EXTMIN" ? AcGePoint3d(1e20, 1e20, 1e20) : AcGePoint3d(-1e20, -1e20, -1e20);
-    return name == L"EXTMIN" ? AcGePoint3d(box.minX, box.minY, 0) : AcGePoint3d(box.maxX, box.maxY, 0);
-  }
-  const geometry::Box view = currentView(host);
-  if (name == L"VIEWCTR") return AcGePoint3d((view.minX + view.maxX) / 2, (view.minY + view.maxY) / 2, 0);
-  return view.maxY - view.minY;  // VIEWSIZE
-}
 
 bool isNumber(const Variable& variable) {
   return variable.type == Type::Short || variable.type == Type::Long || variable.type == Type::Real;
@@ -222,8 +299,8 @@ std::vector<std::wstring> SystemVariables::names() const {
 }
 
 VariableValue SystemVariables::get(const Variable& variable) const {
-  if (variable.home == Home::Computed) return computedValue(session_, variable.name);
-  Document* const document = session_.documents.current();
+  Document* const document = session_.documents().current();
+  if (variable.get != nullptr && (variable.home == Home::Host || document != nullptr)) return variable.get(session_);
   if (variable.home == Home::Header && document != nullptr) {
     const database::DrawingDatabase& drawing = document->drawing();
     if (variable.type == Type::Real)
@@ -247,118 +324,76 @@ std::int64_t SystemVariables::integer(std::wstring_view name) const {
   return number != nullptr ? *number : 0;
 }
 
-std::optional<std::wstring> SystemVariables::setSpecial(const Variable& variable, const VariableValue& value,
-                                                        bool& handled) {
-  const std::wstring_view name = variable.name;
-  handled = variable.home == Home::Computed;
-  if (!handled) return std::nullopt;
-  Document* const document = session_.documents.current();
-  if (document == nullptr) return L"no drawing is open";
-  AcDbDatabase& db = *document->database();
-  database::DrawingDatabase& drawing = document->drawing();
-  if (name == L"LASTPOINT") {
-    document->lastPoint = std::get<AcGePoint3d>(value);
-    return std::nullopt;
-  }
-  if (name == L"TILEMODE") {
-    const auto wanted = std::get<std::int64_t>(value);
-    if (wanted != 0 && wanted != 1) return L"must be 0 or 1";
-    if ((wanted == 1) == text::equalFolded(document->currentLayout, L"Model")) return std::nullopt;
-    const auto layouts = drawing.layouts();
-    if (wanted == 0 && layouts.size() < 2) return L"the drawing has no paper layout";
-    session_.switchLayout(wanted == 1 ? std::wstring(L"Model") : layouts[1].first);
-    return std::nullopt;
-  }
-  const std::wstring& text = std::get<std::wstring>(value);
-  if (name == L"CTAB") {
-    if (text::equalFolded(document->currentLayout, text)) return std::nullopt;
-    return session_.switchLayout(text) ? std::nullopt : std::optional(L"no layout is named \"" + text + L"\"");
-  }
-  if (name == L"CLAYER") {
-    database::Slot* const layer = drawing.findRecord(database::DxfType::Layer, text);
-    if (layer == nullptr) return L"cannot find layer \"" + text + L"\"";
-    database::Tag tag;
-    for (database::TagCursor tags = layer->tags(); tags.next(tag);) {
-      if (tag.code == 70 && (tag.integer() & 1) != 0) return L"layer \"" + text + L"\" is frozen";
+namespace {
+
+/// Whether the row lets a value of its type be set.
+Result<> checked(const Variable& variable, const VariableValue& value) {
+  const bool isKept = variable.home == Home::Session || variable.home == Home::Header;
+  if (isNumber(variable) && isKept) {
+    const double number =
+        variable.type == Type::Real ? std::get<double>(value) : static_cast<double>(std::get<std::int64_t>(value));
+    if (!std::isfinite(number) || number < variable.minimum || number > variable.maximum) {
+      if (variable.minimum <= -kAny) return refusal(L"needs a finite number");
+      if (variable.maximum >= kAny) return refusal(L"needs a number above " + shownNumber(0));
+      return refusal(L"needs a number from " + shownNumber(variable.minimum) + L" to " + shownNumber(variable.maximum));
     }
-    return db.setClayer(AcDbObjectId(layer)) == Acad::eOk ? std::nullopt
-                                                          : std::optional<std::wstring>(L"cannot be made current");
   }
-  if (name == L"CELTYPE") {
-    database::Slot* const linetype = drawing.findRecord(database::DxfType::LineType, text);
-    if (linetype == nullptr) return L"linetype \"" + text + L"\" is not loaded";
-    return db.setCeltype(AcDbObjectId(linetype)) == Acad::eOk ? std::nullopt
-                                                              : std::optional<std::wstring>(L"cannot be made current");
+  if (const auto* point = std::get_if<AcGePoint3d>(&value)) {
+    if (!std::isfinite(point->x) || !std::isfinite(point->y) || !std::isfinite(point->z))
+      return refusal(L"needs finite numbers");
   }
-  if (name == L"CECOLOR") {
-    const std::optional<AcCmColor> color = parseColor(text);
-    if (!color) return L"needs BYLAYER, BYBLOCK, a colour from 1 to 255, a colour name or RGB:r,g,b";
-    return db.setCecolor(*color) == Acad::eOk ? std::nullopt : std::optional<std::wstring>(L"cannot be set");
-  }
-  return L"is read-only";
+  return {};
 }
 
-std::optional<std::wstring> SystemVariables::set(const Variable& variable, const VariableValue& value) {
-  const auto attempt = [&]() -> std::optional<std::wstring> {
-    if (variable.readOnly) return L"is read-only";
-    if (value.index() != get(variable).index()) return L"needs a value of another type";
-    if (isNumber(variable) && variable.home != Home::Computed) {
-      const double number =
-          variable.type == Type::Real ? std::get<double>(value) : static_cast<double>(std::get<std::int64_t>(value));
-      if (!std::isfinite(number) || number < variable.minimum || number > variable.maximum) {
-        const bool isOpen = variable.maximum >= kAny;
-        if (variable.minimum <= -kAny) return L"needs a finite number";
-        if (isOpen) return L"needs a number above " + shownNumber(0);
-        return L"needs a number from " + shownNumber(variable.minimum) + L" to " + shownNumber(variable.maximum);
-      }
-    }
-    if (const auto* point = std::get_if<AcGePoint3d>(&value)) {
-      if (!std::isfinite(point->x) || !std::isfinite(point->y) || !std::isfinite(point->z))
-        return L"needs finite numbers";
-    }
-    bool handled = false;
-    std::optional<std::wstring> problem = setSpecial(variable, value, handled);
-    if (handled) return problem;
-    if (variable.home == Home::Session) {
-      values_[variable.name] = value;
-      return std::nullopt;
-    }
-    Document* const document = session_.documents.current();
-    if (document == nullptr) return L"no drawing is open";
-    // Setting what is set already leaves the drawing as it is.
-    if (get(variable) == value) return std::nullopt;
-    if (variable.type == Type::Real) {
-      document->drawing().setHeaderReal(variable.headerName, variable.headerCode, std::get<double>(value));
-    } else {
-      document->drawing().setHeaderInteger(variable.headerName, variable.headerCode, std::get<std::int64_t>(value));
-    }
-    return std::nullopt;
-  };
-  std::optional<std::wstring> problem = attempt();
-  session_.editor.tell(&AcEditorReactor::sysVarChanged, variable.name, !problem.has_value());
-  return problem;
+}  // namespace
+
+Result<> SystemVariables::store(const Variable& variable, const VariableValue& value) {
+  if (variable.readOnly) return refusal(L"is read-only");
+  if (value.index() != get(variable).index()) return refusal(L"needs a value of another type");
+  if (Result<> fit = checked(variable, value); !fit) return fit;
+  if (variable.home == Home::Session) {
+    values_[variable.name] = value;
+    return {};
+  }
+  Document* const document = session_.documents().current();
+  if (document == nullptr) return refusal(L"no drawing is open");
+  if (variable.set != nullptr) return variable.set(session_, value);
+  // Setting what is set already leaves the drawing as it is.
+  if (get(variable) == value) return {};
+  if (variable.type == Type::Real) {
+    document->drawing().setHeaderReal(variable.headerName, variable.headerCode, std::get<double>(value));
+  } else {
+    document->drawing().setHeaderInteger(variable.headerName, variable.headerCode, std::get<std::int64_t>(value));
+  }
+  return {};
 }
 
-std::optional<std::wstring> SystemVariables::setText(const Variable& variable, std::wstring_view text) {
+Result<> SystemVariables::set(const Variable& variable, const VariableValue& value) {
+  Result<> stored = store(variable, value);
+  session_.editor().tell(&AcEditorReactor::sysVarChanged, variable.name, stored.ok());
+  return stored;
+}
+
+Result<> SystemVariables::setText(const Variable& variable, std::wstring_view text) {
   switch (variable.type) {
     case Type::Short:
     case Type::Long:
       if (const auto whole = parseWhole(text)) return set(variable, *whole);
-      return L"needs a whole number";
+      return refusal(L"needs a whole number");
     case Type::Real:
       if (const auto real = parseNumber(text)) return set(variable, *real);
-      return L"needs a number";
+      return refusal(L"needs a number");
     case Type::Text:
       return set(variable, std::wstring(text));
     case Type::Point2:
     case Type::Point3: {
-      const Document* const document = session_.documents.current();
+      const Document* const document = session_.documents().current();
       const auto point = parsePoint(text, document != nullptr ? document->lastPoint : AcGePoint3d());
       if (point) return set(variable, *point);
-      return L"needs a point";
+      return refusal(L"needs a point");
     }
   }
-  return L"is unknown";
+  return refusal(L"is unknown");
 }
 
 std::wstring SystemVariables::shown(const Variable& variable) const {

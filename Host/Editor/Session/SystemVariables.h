@@ -1,4 +1,4 @@
-// System variables: a table of names, types and homes.
+// System variables: a table of names, types, and where each value is kept or how it is got and set.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "Problems/Problem.h"
 #include "dbcolor.h"
 #include "gepnt3d.h"
 
@@ -28,10 +29,10 @@ class SystemVariables {
   const Variable* find(std::wstring_view name) const;
   std::vector<std::wstring> names() const;
   VariableValue get(const Variable& variable) const;
-  /// Why it cannot be set (one sentence without the variable's name), or nothing. Tells the editor's reactors.
-  std::optional<std::wstring> set(const Variable& variable, const VariableValue& value);
+  /// A refusal is a clause without the variable's name. Tells the editor's reactors.
+  Result<> set(const Variable& variable, const VariableValue& value);
   /// The same from text as typed; `origin` of relative points.
-  std::optional<std::wstring> setText(const Variable& variable, std::wstring_view text);
+  Result<> setText(const Variable& variable, std::wstring_view text);
   /// Value as SETVAR shows it: strings in quotes.
   std::wstring shown(const Variable& variable) const;
 
@@ -41,7 +42,7 @@ class SystemVariables {
   void reset() { values_.clear(); }
 
  private:
-  std::optional<std::wstring> setSpecial(const Variable& variable, const VariableValue& value, bool& handled);
+  Result<> store(const Variable& variable, const VariableValue& value);
 
   Session& session_;
   std::map<std::wstring, VariableValue, std::less<>> values_;
@@ -50,18 +51,26 @@ class SystemVariables {
 /// "red", "3", "BYLAYER", "RGB:10,20,30" or "10,20,30"; nothing for anything else.
 std::optional<AcCmColor> parseColor(std::wstring_view text);
 
-/// What a variable is: for the C interface.
+/// A row of the table.
 struct Variable {
   enum class Type { Short, Long, Real, Text, Point2, Point3 };
-  enum class Home { Session, Header, Computed };
+  enum class Home {
+    Session,  // kept by the session until it ends
+    Header,   // a variable of the drawing's header
+    Host,     // got from the host
+    Drawing,  // got from the current drawing; as empty as its type allows without one
+  };
   const wchar_t* name;
   Type type;
   Home home;
   bool readOnly;
-  const char* headerName;  // Home::Header
-  int headerCode;
-  double initial;           // numbers; texts start empty
-  double minimum, maximum;  // of numbers
+  const char* headerName = nullptr;  // Home::Header
+  int headerCode = 0;
+  double initial = 0;                                // numbers; texts start empty
+  double minimum = 0, maximum = 0;                   // of numbers that are kept
+  VariableValue (*get)(Session& session) = nullptr;  // Home::Host, Home::Drawing
+  /// Home::Drawing: sets a value of the right type. A refusal is a clause.
+  Result<> (*set)(Session& session, const VariableValue& value) = nullptr;
 };
 
 }  // namespace host::editor

@@ -1,4 +1,4 @@
-#include "Editor/Transcript.h"
+#include "Editor/Session/Transcript.h"
 
 #include "Text/Text.h"
 

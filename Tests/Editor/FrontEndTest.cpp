@@ -1,0 +1,210 @@
+// What a front end is asked and told while it drives the host.
+#include <algorithm>
+#include <stdexcept>
+
+#include "Support.h"
+#include "adscodes.h"
+
+using host::editor::Answer;
+using host::editor::Application;
+using host::editor::Question;
+using host::editor::Wanted;
+
+namespace {
+
+/// A front end that keeps what it was told, and answers from a list while it keeps the questions.
+class Window final : public host::editor::Observer, public host::editor::InputSource {
+ public:
+  using Slot = host::database::Slot;
+  struct Asked {
+    Wanted wanted;
+    std::wstring prompt, keywords, defaultAnswer;
+    bool hasBase, takesEnter;
+  };
+
+  void report(const host::Problem& problem) override { problems.push_back(problem); }
+  void highlight(const std::vector<Slot*>& entities) override { highlighted.push_back(entities.size()); }
+  void pickfirstChanged(const std::vector<Slot*>& entities) override { pickfirst.push_back(entities.size()); }
+  void currentDrawingChanged() override { ++drawingSwitches; }
+  void drawingChanged(const host::editor::DrawingChange& change) override { changes.push_back(change); }
+  bool wantsChanges() const override { return true; }
+
+  Answer next(const Question& question) override {
+    asked.push_back({question.wanted, std::wstring(question.prompt),
+                     question.keywords != nullptr ? question.keywords->shown() : std::wstring(),
+                     std::wstring(question.defaultAnswer()), question.base.has_value(), question.takesEnter});
+    Answer answer;
+    if (next_ < answers.size()) answer = answers[next_++];
+    return answer;
+  }
+  bool isInteractive() const override { return true; }
+
+  void type(std::wstring text) {
+    Answer answer;
+    answer.kind = text.empty() ? Answer::Kind::Enter : Answer::Kind::Text;
+    answer.text = std::move(text);
+    answers.push_back(std::move(answer));
+  }
+  void point(double x, double y) {
+    Answer answer;
+    answer.kind = Answer::Kind::Point;
+    answer.point = {x, y, 0};
+    answers.push_back(std::move(answer));
+  }
+
+  std::vector<Answer> answers;
+  std::vector<Asked> asked;
+  std::vector<host::Problem> problems;
+  std::vector<std::size_t> highlighted, pickfirst;
+  std::vector<host::editor::DrawingChange> changes;
+  int drawingSwitches = 0;
+
+ private:
+  std::size_t next_ = 0;
+};
+
+class FrontEnd : public testing::Test {
+ protected:
+  FrontEnd() : app(options()) { EXPECT_TRUE(app.newDrawing()); }
+  ~FrontEnd() override { acedRegCmds->removeGroup(L"TEST"); }
+
+  std::vector<host::database::Slot*> entities() const { return app.currentSpace()->entities; }
+
+ private:
+  host::editor::ApplicationOptions options() {
+    host::editor::ApplicationOptions result;
+    result.observer = &window;
+    return result;
+  }
+
+ protected:
+  Window window;
+  Application app;
+};
+
+TEST_F(FrontEnd, HearsWhatEachQuestionWants) {
+  window.type(L"LINE");
+  window.point(0, 0);
+  window.point(5, 0);
+  window.type(L"");
+  window.type(L"LTSCALE");
+  window.type(L"2");
+  window.type(L"ERASE");
+  window.type(L"ALL");
+  window.type(L"");
+  ASSERT_TRUE(app.run(window));
+  ASSERT_EQ(window.asked.size(), 10U);
+  EXPECT_EQ(window.asked[0].wanted, Wanted::Command);
+  EXPECT_EQ(window.asked[1].wanted, Wanted::Point);
+  EXPECT_FALSE(window.asked[1].hasBase);
+  EXPECT_EQ(window.asked[2].wanted, Wanted::Point);
+  EXPECT_TRUE(window.asked[2].hasBase);
+  EXPECT_NE(window.asked[2].keywords.find(L"Undo"), std::wstring::npos) << window.asked[2].keywords.size();
+  EXPECT_EQ(window.asked[5].defaultAnswer, L"1");
+  EXPECT_EQ(window.asked[7].wanted, Wanted::Entities);
+  EXPECT_NE(window.asked[7].keywords.find(L"WPolygon"), std::wstring::npos);
+  EXPECT_EQ(app.drawing()->headerReal("$LTSCALE", 40), 2.0);
+}
+
+TEST_F(FrontEnd, SeesSelectionsGrowAndGo) {
+  window.type(L"LINE");
+  window.point(0, 0);
+  window.point(5, 0);
+  window.point(5, 5);
+  window.type(L"");
+  window.type(L"SELECT");
+  window.point(2, 0);
+  window.type(L"ALL");
+  window.type(L"");
+  ASSERT_TRUE(app.run(window));
+  EXPECT_EQ(window.highlighted, (std::vector<std::size_t>{1, 2, 0}));
+  app.setPickfirst({entities().front()});
+  window.type(L"LINE");
+  window.type(L"");
+  ASSERT_TRUE(app.run(window));
+  EXPECT_EQ(window.pickfirst, (std::vector<std::size_t>{1, 0}));
+}
+
+TEST_F(FrontEnd, HearsWhichObjectsACommandChanged) {
+  EXPECT_EQ(window.drawingSwitches, 1);
+  window.type(L"LINE");
+  window.point(0, 0);
+  window.point(5, 0);
+  window.type(L"");
+  ASSERT_TRUE(app.run(window));
+  ASSERT_EQ(window.changes.size(), 1U);
+  host::database::Slot* const line = entities().front();
+  const auto has = [line](const host::editor::DrawingChange& change) {
+    return std::find(change.objects.begin(), change.objects.end(), line) != change.objects.end();
+  };
+  EXPECT_TRUE(has(window.changes[0]));
+  EXPECT_FALSE(window.changes[0].isWhole);
+  // Looking at an object changes nothing; a command that changes nothing is not heard of.
+  window.type(L"LIST");
+  window.type(L"ALL");
+  window.type(L"");
+  ASSERT_TRUE(app.run(window));
+  EXPECT_EQ(window.changes.size(), 1U);
+  window.type(L"ERASE");
+  window.type(L"ALL");
+  window.type(L"");
+  window.type(L"U");
+  ASSERT_TRUE(app.run(window));
+  ASSERT_EQ(window.changes.size(), 3U);
+  EXPECT_TRUE(has(window.changes[1]));
+  EXPECT_FALSE(window.changes[1].isWhole);
+  EXPECT_TRUE(window.changes[2].isWhole);
+}
+
+TEST_F(FrontEnd, GetsProblemsWithTheirCodes) {
+  window.type(L"LINX");
+  ASSERT_TRUE(app.run(window));
+  ASSERT_EQ(window.problems.size(), 1U);
+  EXPECT_EQ(host::nameOf(window.problems[0].code), "command-unknown");
+  EXPECT_EQ(window.problems[0].status(), host::RunStatus::ScriptFailed);
+  const host::Result<> refused = app.loadModule("nowhere.arx");
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(host::nameOf(refused.problem().code), "module-refused");
+  EXPECT_EQ(refused.problem().file, "nowhere.arx");
+  EXPECT_EQ(refused.message(), "nowhere.arx: no such module");
+}
+
+/// Throws whatever the host tells it.
+class Thrower final : public AcEditorReactor, public AcApDocManagerReactor {
+ public:
+  Thrower() {
+    acedEditor->addReactor(this);
+    acDocManager->addReactor(this);
+  }
+  ~Thrower() override {
+    acDocManager->removeReactor(this);
+    acedEditor->removeReactor(this);
+  }
+  void commandWillStart(const ACHAR*) override { throw std::runtime_error("not ready"); }
+  void commandEnded(const ACHAR*) override { throw 1; }
+  void documentCreated(AcApDocument*) override { throw std::runtime_error("no room"); }
+};
+
+TEST_F(FrontEnd, ReactorsThatThrowStopNothing) {
+  {
+    const Thrower thrower;
+    window.type(L"LINE");
+    window.point(0, 0);
+    window.point(5, 0);
+    window.type(L"");
+    ASSERT_TRUE(app.run(window));
+    ASSERT_TRUE(app.newDrawing());
+  }
+  std::vector<std::string> told;
+  for (const host::Problem& problem : window.problems) {
+    EXPECT_EQ(problem.code, host::Code::PlugInFailed);
+    told.push_back(problem.text);
+  }
+  EXPECT_EQ(told,
+            (std::vector<std::string>{"failed when the host called it: not ready", "failed when the host called it",
+                                      "failed when the host called it: no room"}));
+  app.closeDrawing();
+  EXPECT_EQ(entities().size(), 1U);
+}
+
+}  // namespace
