@@ -44,7 +44,7 @@ TEST_F(Destinations, NothingIsWrittenUntilAModeIsSet) {
     Exports log;
     return log.print(L"nobody hears %d\n", 1);
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out + outcome.err, "");
 }
 
@@ -60,7 +60,7 @@ TEST_F(Destinations, StandardStreamsTakeUtf8BesideTheProgramsOwnText) {
     const int error = log.print(L"virhe %d\n", 7);
     return both == 21 && error == 8 ? 0 : 1;
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "before\npensas räystäs   2.5\nbetween\n");
   EXPECT_EQ(outcome.err, "virhe 7\n");
 }
@@ -74,7 +74,7 @@ TEST_F(Destinations, ResultsAreSummedAndOneMessagesModeIsPutBack) {
     log.remove(0xFFFFFFFF);
     return log.print(L"fg");
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "abcde");
   EXPECT_EQ(outcome.err, "abc");
 }
@@ -91,7 +91,7 @@ TEST_F(Destinations, AFileHasHeaderTextAndFooter) {
     log.unload();
     return 0;
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(contentOf(folder / "a.log"), MatchesRegex(std::string(kHeader) + "yksi\nkaksi äö\n" + kFooter));
   EXPECT_THAT(contentOf(folder / "b.log"), MatchesRegex(std::string(kHeader) + "kolme\n" + kFooter));
   EXPECT_EQ(outcome.out + outcome.err, "");
@@ -161,7 +161,7 @@ TEST_F(Destinations, FilesThatCannotBeUsedAreFailuresNotTrouble) {
     log.setFile(fileName().c_str());
     return setrlimit(RLIMIT_FSIZE, &none) == 0 && log.printTo(4, L"abc\n") == -1 ? 0 : 3;
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "abc\nabc\nabc\nabc\n");
 }
 
@@ -174,7 +174,7 @@ TEST_F(Destinations, LongTextsAreWholeWhereNoBufferCutsThem) {
     if (log.printTo(128, L"%s", text.c_str()) != 9998) return 2;
     return log.printTo(1, nullptr);
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out.size(), 100000U);
   EXPECT_THAT(outcome.err, StartsWith("debugger: xxx"));
   EXPECT_THAT(contentOf(folder / "a.log"), HasSubstr(std::string(100000, 'x')));
@@ -212,7 +212,7 @@ TEST_F(Destinations, TheDebuggersOutputIsStandardErrorWithAPrefix) {
     log.print(L"one\ntwo ");
     return log.print(L"more\n") == 5 ? 0 : 1;
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "debugger: one\ndebugger: two more\n");
 }
 
@@ -229,7 +229,7 @@ TEST_F(Destinations, TheConsoleIsTheControllingTerminal) {
   for (ssize_t count = 0; (count = ::read(terminal, block, sizeof block)) > 0;)
     seen.append(block, static_cast<std::size_t>(count));
   ::close(terminal);
-  EXPECT_EQ(finish(child).status(), 0);
+  EXPECT_EQ(finish(child).status, 0);
   EXPECT_EQ(seen, "päätteelle\r\ntoinen\r\n");
 }
 
@@ -239,7 +239,7 @@ TEST_F(Destinations, WithoutATerminalTheConsoleFailsAndNothingElse) {
     log.set(256 | 1);
     return log.print(L"abc\n") == -1 + 4 && log.print(L"abc\n") == 3 ? 0 : 1;
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out, "abc\nabc\n");
   EXPECT_EQ(outcome.err, "");
 }
@@ -256,7 +256,7 @@ TEST_F(Destinations, WhatWasLoggedOutlivesAKill) {
     return fs::file_size(folder / "a.log", error) > 20000 && !error;
   });
   ::kill(child, SIGKILL);
-  EXPECT_EQ(finish(child).status(), 128 + SIGKILL);
+  EXPECT_EQ(finish(child).status, 128 + SIGKILL);
   EXPECT_TRUE(isLogging);
   std::string text = contentOf(folder / "a.log");
   const std::size_t begin = text.find("\n\n") + 2;
@@ -278,7 +278,7 @@ TEST_F(Destinations, TwoProcessesShareAFileWithoutMixingLines) {
   };
   const pid_t one = start(logged(L"A"));
   const pid_t two = start(logged(L"B"));
-  EXPECT_EQ(finish(one).status() + finish(two).status(), 0);
+  EXPECT_EQ(finish(one).status + finish(two).status, 0);
   std::ifstream in(folder / "a.log");
   int counts[2] = {0, 0};
   for (std::string line; std::getline(in, line);) {
@@ -318,13 +318,13 @@ TEST_F(DestinationsInHost, TheCommandLineTakesTheTextAsItIs) {
     const int cut = log.printTo(16, L"%s", std::wstring(20000, L'y').c_str());
     return short_ == 7 && cut == 9998 ? 0 : 1;
   });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_TRUE(outcome.out == "100 %s\n" + std::string(9998, 'y') + "\n") << outcome.out.size();
 }
 
 TEST_F(DestinationsInHost, AMessageBoxIsANoticeInTheTranscript) {
   const Outcome outcome = inHost([](Exports& log, auto&) { return log.printTo(64, L"Katto puuttuu") == 13 ? 0 : 1; });
-  EXPECT_EQ(outcome.status(), 0);
+  EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out, HasSubstr("[test_reports DEBUG LOG] Katto puuttuu"));
 }
 
@@ -337,7 +337,7 @@ TEST_F(DestinationsInHost, OnlyTheWindowStartsTheToolkit) {
     if (log.printTo(32, L"a\n") != 2) return 2;
     return toolkitIsLoaded() ? 0 : 3;
   });
-  EXPECT_EQ(outcome.status(), 0) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
 }
 
 TEST_F(DestinationsInHost, AProgramThatJustEndsLeavesAFinishedFile) {
@@ -350,7 +350,7 @@ TEST_F(DestinationsInHost, AProgramThatJustEndsLeavesAFinishedFile) {
     log.printTo(4 | 32, L"viimeinen\n");
     std::exit(7);
   });
-  EXPECT_EQ(outcome.status(), 7) << outcome.err;
+  EXPECT_EQ(outcome.status, 7) << outcome.err;
   EXPECT_THAT(contentOf(folder / "a.log"), MatchesRegex(std::string(kHeader) + "viimeinen\n" + kFooter));
 }
 
@@ -368,7 +368,7 @@ TEST_F(DestinationsInHost, TwoModulesLogThroughOneLogger) {
     log.unload();
     return application.unloadModule(L"tolmex") ? 0 : 4;
   });
-  EXPECT_EQ(outcome.status(), 0) << outcome.err;
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_THAT(
       contentOf(folder / "a.log"),
       MatchesRegex(std::string(kHeader) + "first\nother module 1 ä\nother module 2 ä\nlast\nalone\n" + kFooter));

@@ -30,7 +30,7 @@ std::string harmless(std::string_view script) {
 
 void runOnPlan(fuzz::PluginHost& host, std::string_view bytes) {
   while (host.application.drawing() != nullptr) host.application.closeDrawing();
-  host.application.newDrawing();
+  std::ignore = host.application.newDrawing();
   host::editor::ScriptInput plan(kPlan, "plan.scr");
   fuzz::require(static_cast<bool>(host.application.run(plan)), "the plan is drawn");
   host.run(harmless(bytes));
