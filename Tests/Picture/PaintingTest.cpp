@@ -53,7 +53,7 @@ TEST(Painting, DeeplyNestedBlocksAreShownOrTold) {
     const bool isShown = depth == 200;
     expectPixels(drawing, std::string("1 1 ff0000|5 1 ff0000|9 1 ") + (isShown ? "00ff00" : "ffffff"));
     SmallDatabase db(drawing);
-    EXPECT_EQ(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg).message(),
+    EXPECT_EQ(toldOf(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg)),
               isShown ? "" : "Blocks that are nested more than 256 deep are not shown.");
   }
 }

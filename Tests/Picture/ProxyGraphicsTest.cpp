@@ -122,7 +122,7 @@ TEST(ProxyGraphics, WhatHasNoneIsCountedOnce) {
       .entity("REGION", "70 1|1 abc", "8 0")
       .entity("REGION", "70 1|1 abc", "8 0|60 1");
   SmallDatabase db(drawing);
-  EXPECT_EQ(drawPicture(*db, twentyByTwenty(), PictureFormat::Png).message(),
+  EXPECT_EQ(toldOf(drawPicture(*db, twentyByTwenty(), PictureFormat::Png)),
             "Left out, having no picture of their own: 2 3DSOLID, 1 REGION.");
 }
 

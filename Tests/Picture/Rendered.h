@@ -28,6 +28,12 @@ inline PictureOptions twentyByTwenty() {
   return options;
 }
 
+/// What the user is told about a picture, made or not; empty when there is nothing to tell.
+inline std::string toldOf(const host::Result<Picture>& result) {
+  if (!result.ok()) return result.message();
+  return result->remark ? result->remark->sentence() : std::string();
+}
+
 class Rendered {
  public:
   Rendered(SmallDatabase& db, const PictureOptions& options, PictureFormat format) {

@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (drawing.problems().empty()) fuzz::require(host::dxf::drawingText(drawing) == bytes, "untouched bytes");
   host::picture::PictureOptions options;
   options.widthPx = 100;
-  host::picture::drawPicture(drawing, options, host::picture::PictureFormat::Svg);
+  const auto picture = host::picture::drawPicture(drawing, options, host::picture::PictureFormat::Svg);
+  fuzz::require(picture.ok() == picture.message().empty(), "a sentence when, and only when, there is no picture");
   acdbHostApplicationServices()->setWorkingDatabase(&db);
   tests::changeEverything(drawing);
   const std::string saved = host::dxf::drawingText(drawing);
