@@ -16,9 +16,7 @@
 namespace tolmex {
 
 namespace fs = std::filesystem;
-using host::Code;
 using host::Problem;
-using host::problemOf;
 using host::Result;
 using host::RunStatus;
 
