@@ -111,10 +111,10 @@ class [[nodiscard]] Result {
            !std::is_same_v<std::decay_t<U>, Result>) Result(U&& value)
       : held_(std::in_place_index<0>, std::forward<U>(value)) {}
   Result(Problem problem) : held_(std::in_place_index<1>, std::move(problem)) {}
-  /// The problem of another result, which has one.
+  /// The problem of another result. Of one that is ok, only a result without a value can be made.
   template <class U>
-  requires(!std::is_same_v<T, U> && !std::is_convertible_v<Result<U>, Value>) Result(const Result<U>& failed)
-      : held_(std::in_place_index<1>, failed.problem()) {}
+  requires(!std::is_same_v<T, U> && !std::is_convertible_v<Result<U>, Value>) Result(const Result<U>& other)
+      : held_(heldOf(other)) {}
 
   bool ok() const { return held_.index() == 0; }
   explicit operator bool() const { return ok(); }
@@ -135,6 +135,14 @@ class [[nodiscard]] Result {
   std::string message() const { return ok() ? std::string() : problem().sentence(); }
 
  private:
+  template <class U>
+  static std::variant<Value, Problem> heldOf(const Result<U>& other) {
+    if constexpr (std::is_void_v<T>) {
+      if (other.ok()) return Value();
+    }
+    return other.problem();
+  }
+
   std::variant<Value, Problem> held_;
 };
 

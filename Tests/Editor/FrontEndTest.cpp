@@ -207,4 +207,12 @@ TEST_F(FrontEnd, ReactorsThatThrowStopNothing) {
   EXPECT_EQ(entities().size(), 1U);
 }
 
+// What a function answers that drops another's value.
+TEST(Results, OneWithoutAValueIsOkWhenTheOtherWas) {
+  const host::Result<int> made = 3;
+  const host::Result<int> failed = host::problemOf(host::Code::CommandFailed, "no room");
+  EXPECT_TRUE(host::Result<>(made).ok());
+  EXPECT_EQ(host::Result<>(failed).message(), "no room");
+}
+
 }  // namespace
