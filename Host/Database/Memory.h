@@ -15,7 +15,7 @@ namespace host::database {
 
 /// Blocks of pools and arenas, in bytes. Where every block costs work for each of its bytes, as under a sanitizer,
 /// small ones keep small drawings quick.
-#ifdef TOLMEX_SMALL_BLOCKS
+#ifdef TOLMEX_SMALL_LIMITS
 inline constexpr std::size_t kPoolBlockBytes = std::size_t{1} << 13;
 inline constexpr std::size_t kArenaBlockBytes = std::size_t{1} << 13;
 #else

@@ -21,8 +21,13 @@ using geometry::Chain;
 using geometry::Transform;
 
 /// Nested arrays and viewports can ask for more than a picture can show; what comes after is left out, and said. What
-/// stands in the drawn space itself is drawn however much it is, and lets its references repeat more.
+/// stands in the drawn space itself is drawn however much it is, and lets its references repeat more. Fuzz targets get
+/// there soon.
+#ifdef TOLMEX_SMALL_LIMITS
+constexpr std::size_t kMostRepeats = 2'000;
+#else
 constexpr std::size_t kMostRepeats = 2'000'000;
+#endif
 constexpr std::size_t kRepeatsPerEntity = 16;
 constexpr std::size_t kPointsPerRepeat = 64;
 constexpr std::size_t kMostDashes = 3'000'000;
