@@ -14,7 +14,7 @@ namespace {
 /// 0x00BBGGRR to 0xRRGGBB.
 std::uint32_t toRgb(std::uint32_t color) { return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF); }
 
-/// Painting comes again and again; what cannot be drawn is told once.
+/// The control paints often; it reports a drawing that cannot be drawn once.
 void reportOnce(const std::string& sentence) {
   static auto& reported = *new std::set<std::string>;
   if (!sentence.empty() && reported.insert(sentence).second)

@@ -314,7 +314,7 @@ int runCommandLine(int argc, char** argv) {
     checkCall(app, argc, argv);
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    // Arguments are told as they were given, and a shell's pattern gives names of files. Help and version are no
+    // Messages show arguments as they were given, and a shell's pattern gives names of files. Help and version are no
     // errors; everything else is wrong usage, whatever number the library gives it.
     std::ostringstream out, err;
     const int number = app.exit(error, out, err);

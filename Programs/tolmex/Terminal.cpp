@@ -126,7 +126,8 @@ struct Terminal::Editor {
     }
   }
 
-  /// One character. Esc alone is told from a key that begins with it by what follows, and becomes Ctrl+C.
+  /// One character. What follows an Esc decides whether it is the key itself, which becomes Ctrl+C, or the beginning of
+  /// another key.
   static int character(EditLine* line, wchar_t* result) {
     const int first = nextByte();
     if (first < 0) {

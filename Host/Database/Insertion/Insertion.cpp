@@ -502,7 +502,7 @@ class Inserter {
     const std::wstring name = source_.codec().decode(tag.value);
     const Slot* const record = name.empty() ? nullptr : named(type, name);
     if (record == nullptr) {
-      // Without its block a dimension is drawn anew by whoever opens it; a missing style is the standard one.
+      // A program that opens a dimension without a block draws it anew; a missing style is the standard one.
       if (type == DxfType::DimStyle) body.raw(tag.code, "Standard");
       return;
     }

@@ -4,7 +4,8 @@
 
 namespace host::database {
 
-/// A number for as long as a drawing lives, never given again: tells whoever points into the drawing that it is gone.
+/// A number that a drawing has until it is destroyed and that no other gets: by it a pointer into the drawing is known
+/// to be stale.
 class DrawingLife {
  public:
   DrawingLife();
