@@ -21,7 +21,8 @@ foreach(source IN LISTS sources)
       # Standard headers have no dot and no slash; everything else in angle brackets must be a host interface header.
       # Windows' compiler declares its handling of system exceptions in a header of its own.
       if(name MATCHES "[./]" AND
-         (is_host_free OR (NOT name STREQUAL "eh.h" AND NOT EXISTS ${ROOT}/Host/Sdk/include/${name})))
+         (is_host_free OR (NOT name STREQUAL "eh.h" AND NOT EXISTS ${ROOT}/Host/Sdk/include/${name} AND
+          NOT EXISTS ${ROOT}/Host/Sdk/win32/${name})))
         list(APPEND bad "${source}: <${name}>")
       endif()
     elseif(line MATCHES "include[ \t]*\"([^\"]+)\"")

@@ -67,12 +67,14 @@ function(tolmex_host_module name)
     target_link_libraries(${target} PUBLIC host_${dependency})
   endforeach()
   target_link_libraries(${target} PRIVATE tolmex_options ${arg_LINK})
+  target_compile_definitions(${target} PRIVATE NOMINMAX)  # Windows' headers define min and max
 endfunction()
 
 # tolmex_uses_host(<target> modules...): lets a program or test include the named modules of the host and links the
 # libraries that hold them.
 function(tolmex_uses_host target)
   target_link_libraries(${target} PRIVATE tolmexhost host_sdk tolmex_options)
+  target_compile_definitions(${target} PRIVATE NOMINMAX)
   if(TOLMEX_SANITIZE)
     target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/LeakSuppressions.cpp)
   endif()

@@ -13,7 +13,7 @@ import subprocess
 import sys
 
 PAGE = pathlib.Path("docs/architecture.md")
-SDK = pathlib.Path("Host/Sdk/include")
+SDK = [pathlib.Path("Host/Sdk/include"), pathlib.Path("Host/Sdk/win32")]
 
 
 def folder_of(path: str) -> str:
@@ -38,7 +38,7 @@ def main() -> int:
                if s.split("/")[0] in ("Host", "OrvLib", "Projects", "Programs") and pathlib.Path(s).is_file()]
     allowed = rows()
     by_name = {folder.split("/")[-1]: folder for folder in allowed}
-    interface = {path.name for path in SDK.iterdir()}
+    interface = {path.name for folder in SDK for path in folder.iterdir()}
     found: dict[tuple[str, str], str] = {}
     for source in sources:
         here = folder_of(source)

@@ -59,7 +59,7 @@ void CString::Format(LPCWSTR format, ...) {
 BOOL CString::LoadString(UINT id) {
   constexpr int kLongestString = 4096;  // the compiler's own limit
   std::array<wchar_t, kLongestString + 1> buffer{};
-  const int length = LoadStringW(AfxGetResourceHandle(), id, buffer.data(), static_cast<int>(buffer.size()));
+  const int length = ::LoadStringW(AfxGetResourceHandle(), id, buffer.data(), static_cast<int>(buffer.size()));
   text_.assign(buffer.data(), static_cast<std::size_t>(length));
   return length > 0 ? TRUE : FALSE;
 }

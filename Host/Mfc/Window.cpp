@@ -162,8 +162,8 @@ const AFX_MSGMAP* CWnd::GetThisMessageMap() {
 }
 
 void CWnd::GetWindowText(CString& text) const {
-  const int length = GetWindowTextLengthW(m_hWnd);
-  GetWindowTextW(m_hWnd, text.GetBuffer(length), length + 1);
+  const int length = ::GetWindowTextLengthW(m_hWnd);
+  ::GetWindowTextW(m_hWnd, text.GetBuffer(length), length + 1);
   text.ReleaseBuffer();
 }
 

@@ -34,7 +34,7 @@ std::filesystem::path askByLine(const std::wstring& title) {
 
 using namespace host::win32;
 
-ITEMIDLIST* SHBrowseForFolderW(BROWSEINFOW* question) {
+LPITEMIDLIST SHBrowseForFolderW(BROWSEINFOW* question) {
   if (question == nullptr) return nullptr;
   const std::wstring title = question->lpszTitle != nullptr ? question->lpszTitle : L"";
   std::wstring folder;
@@ -50,13 +50,13 @@ ITEMIDLIST* SHBrowseForFolderW(BROWSEINFOW* question) {
   return reinterpret_cast<ITEMIDLIST*>(copy);
 }
 
-BOOL SHGetPathFromIDListEx(const ITEMIDLIST* list, LPWSTR path, DWORD size, int) {
+BOOL SHGetPathFromIDListEx(LPCITEMIDLIST list, LPWSTR path, DWORD size, int) {
   if (list == nullptr || path == nullptr) return FALSE;
-  const std::wstring_view folder = reinterpret_cast<const wchar_t*>(list);
+  const std::wstring_view folder = reinterpret_cast<const wchar_t*>(const_cast<const ITEMIDLIST*>(list));
   if (folder.size() >= size) return FALSE;
   std::copy(folder.begin(), folder.end(), path);
   path[folder.size()] = 0;
   return TRUE;
 }
 
-void CoTaskMemFree(void* memory) { std::free(memory); }
+void CoTaskMemFree(volatile void* memory) { std::free(const_cast<void*>(memory)); }

@@ -7,6 +7,9 @@
 #include "OrvLib/ARX/Selector.h"
 #include "OrvLib/ARX/Status.h"
 
+// No header of the SDK declares it.
+extern "C" int ads_regen(void);
+
 namespace OrvLib {
 namespace {
 
@@ -56,23 +59,26 @@ Opened<AcDbSortentsTable> sortTableOf(const AcDbEntity& entity) {
   return present;
 }
 
-bool DrawOrder::moveToTop(AcDbObjectId entity) { return move(entity, &AcDbSortentsTable::moveToTop); }
+bool DrawOrder::moveToTop(AcDbObjectId entity) { return move(entity, End::Top); }
 
-bool DrawOrder::moveToBottom(AcDbObjectId entity) { return move(entity, &AcDbSortentsTable::moveToBottom); }
+bool DrawOrder::moveToBottom(AcDbObjectId entity) { return move(entity, End::Bottom); }
 
-bool DrawOrder::move(AcDbObjectId id, Move moveIn) {
+bool DrawOrder::move(AcDbObjectId id, End end) {
   if (!honored_) honorDrawOrder();
   honored_ = true;
   AcDbObjectIdArray one;
   one.append(id);
+  const auto isMoved = [&] {
+    return table_ && (end == End::Top ? table_->moveToTop(one) : table_->moveToBottom(one)) == Acad::eOk;
+  };
   // A table refuses entities of other blocks, so success needs no look at the entity.
-  if (table_ && (table_.get()->*moveIn)(one) == Acad::eOk) return true;
+  if (isMoved()) return true;
   const Opened<AcDbEntity> entity(id, AcDb::kForRead);
   if (!entity || (table_ && entity->ownerId() == block_)) return false;
   table_.close();
   table_ = sortTableOf(*entity);
   block_ = entity->ownerId();
-  return table_ && (table_.get()->*moveIn)(one) == Acad::eOk;
+  return isMoved();
 }
 
 void bringLayersToTop(const std::vector<const ACHAR*>& layers) {

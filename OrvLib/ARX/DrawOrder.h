@@ -26,8 +26,8 @@ class DrawOrder {
   bool moveToBottom(AcDbObjectId entity);
 
  private:
-  using Move = Acad::ErrorStatus (AcDbSortentsTable::*)(const AcDbObjectIdArray&);
-  bool move(AcDbObjectId entity, Move move);
+  enum class End { Top, Bottom };
+  bool move(AcDbObjectId entity, End end);
 
   Opened<AcDbSortentsTable> table_;
   AcDbObjectId block_;  // the block of table_

@@ -2,6 +2,11 @@
 // release names otherwise is mended here alone.
 #pragma once
 
+// Windows' headers define min and max as macros unless this is there.
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+
 #include <acadstrc.h>
 #include <acarray.h>
 #include <accmd.h>
@@ -37,6 +42,7 @@
 #include <rxdlinkr.h>
 #include <rxmfcapi.h>
 #include <rxregsvc.h>
+#include <share.h>
 #include <shlobj.h>
 #include <sorttab.h>
 #include <tchar.h>

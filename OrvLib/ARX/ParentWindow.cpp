@@ -3,7 +3,7 @@
 namespace OrvLib {
 namespace {
 
-CWnd* keptWindow = nullptr;
+HWND keptWindow = nullptr;
 
 HWND mainFrameHandle() {
   static const HWND handle = [] {
@@ -15,8 +15,9 @@ HWND mainFrameHandle() {
 
 }  // namespace
 
-void keepParentWindow() { keptWindow = CWnd::FromHandle(mainFrameHandle()); }
+void keepParentWindow() { keptWindow = mainFrameHandle(); }
 
-CWnd* parentWindow() { return keptWindow; }
+// The object of a handle may be a passing one that idle time destroys, so each use asks anew.
+CWnd* parentWindow() { return CWnd::FromHandle(keptWindow); }
 
 }  // namespace OrvLib

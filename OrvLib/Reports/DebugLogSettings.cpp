@@ -85,7 +85,7 @@ class Settings : public CDialog {
     if (name == log_.fileName()) return;
     log_.setFileName(name);
     if ((log_.mode() & DebugLog::kLogFile) != 0 && !log_.openFile())
-      MessageBoxW(m_hWnd, L"Invalid log file name; unable to open.", L"No niin tietysti.", MB_OK);
+      ::MessageBoxW(m_hWnd, L"Invalid log file name; unable to open.", L"No niin tietysti.", MB_OK);
   }
   void check(int id, bool on) { SendDlgItemMessageW(m_hWnd, id, BM_SETCHECK, on ? BST_CHECKED : BST_UNCHECKED, 0); }
   bool isChecked(int id) const { return SendDlgItemMessageW(m_hWnd, id, BM_GETCHECK, 0, 0) == BST_CHECKED; }

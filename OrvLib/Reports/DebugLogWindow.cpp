@@ -93,12 +93,12 @@ int DebugLogWindow::append(const std::wstring& text) {
   if (m_hWnd == nullptr && CreateIndirect(template_.get(), parentWindow()) == FALSE) return DebugLog::kUnusable;
   const HWND edit = ::GetDlgItem(m_hWnd, kLog);
   if (edit == nullptr) {
-    MessageBoxW(nullptr, L"tapaus 2 BreakPoint MFCPrint()", L"ahaa", MB_OK);
+    ::MessageBoxW(nullptr, L"tapaus 2 BreakPoint MFCPrint()", L"ahaa", MB_OK);
     return DebugLog::kFailed;
   }
-  SendMessageW(edit, EM_SETSEL, static_cast<WPARAM>(kEndOfText), kEndOfText);
-  SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(withLineEnds(text).c_str()));
-  SendMessageW(edit, EM_SCROLLCARET, 0, 0);
+  ::SendMessageW(edit, EM_SETSEL, static_cast<WPARAM>(kEndOfText), kEndOfText);
+  ::SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(withLineEnds(text).c_str()));
+  ::SendMessageW(edit, EM_SCROLLCARET, 0, 0);
   return static_cast<int>(text.size());
 }
 
@@ -108,7 +108,7 @@ void DebugLogWindow::close() {
 
 BOOL DebugLogWindow::OnInitDialog() {
   const BOOL result = CDialog::OnInitDialog();
-  for (const int each : {kLog, kBeside}) SendMessageW(::GetDlgItem(m_hWnd, each), EM_LIMITTEXT, 0x7FFFFFFE, 0);
+  for (const int each : {kLog, kBeside}) ::SendMessageW(::GetDlgItem(m_hWnd, each), EM_LIMITTEXT, 0x7FFFFFFE, 0);
   layOut();
   return result;
 }
@@ -153,9 +153,9 @@ void DebugLogWindow::onSave() {
     std::wstring text(shown.GetString(), static_cast<std::size_t>(shown.GetLength()));
     text.erase(std::remove(text.begin(), text.end(), L'\r'), text.end());
     if (appendToFile(question.GetPathName(), text)) {
-      MessageBoxW(nullptr, L"Log saved.", L"Siellä lepää.", MB_TASKMODAL);
+      ::MessageBoxW(nullptr, L"Log saved.", L"Siellä lepää.", MB_TASKMODAL);
     } else {
-      MessageBoxW(nullptr, L"Saving failed.", L"bummer", MB_TASKMODAL);
+      ::MessageBoxW(nullptr, L"Saving failed.", L"bummer", MB_TASKMODAL);
     }
   });
 }

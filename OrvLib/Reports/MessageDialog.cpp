@@ -83,7 +83,7 @@ class MessageDialog : public CDialog {
   void OnOK() override {}
   void OnCancel() override {
     const HWND never = ::GetDlgItem(m_hWnd, kNeverAgainId);
-    answer_.neverAgain = never != nullptr && SendMessageW(never, BM_GETCHECK, 0, 0) == BST_CHECKED;
+    answer_.neverAgain = never != nullptr && ::SendMessageW(never, BM_GETCHECK, 0, 0) == BST_CHECKED;
     EndDialog(IDOK);
   }
 

@@ -269,8 +269,8 @@ void checkOptions(const CLI::App& call, const std::vector<std::string>& argument
       for (const std::string& each : option->get_lnames()) known.push_back(host::text::fromUtf8(each));
     }
     std::string hint;
-    for (const std::wstring& near : host::editor::nearestNames(host::text::fromUtf8(name.substr(2)), known))
-      hint += (hint.empty() ? "; nearest: --" : ", --") + host::text::toUtf8(near);
+    for (const std::wstring& candidate : host::editor::nearestNames(host::text::fromUtf8(name.substr(2)), known))
+      hint += (hint.empty() ? "; nearest: --" : ", --") + host::text::toUtf8(candidate);
     throw CLI::ValidationError(name, "No such option of " + call.get_name() + hint);
   }
 }

@@ -75,8 +75,8 @@ BOOL BuildingDLG::OnInitDialog() {
   guarded([this] {
     for (const Field& field : kFields) (this->*field.edit).SetWindowText((this->*field.text).c_str());
     showRidgeStatus();
-    shadedRoofColourCombo.SetCurSel(shadedRoofColourCombo.AddColorToMRU(shadedRoofColour));
-    sunlitRoofColourCombo.SetCurSel(sunlitRoofColourCombo.AddColorToMRU(sunlitRoofColour));
+    selectColor(shadedRoofColourCombo, shadedRoofColour);
+    selectColor(sunlitRoofColourCombo, sunlitRoofColour);
     if (!offerRidgeButton) {
       ridgeButton.ShowWindow(SW_HIDE);
       ridgeStatus.ShowWindow(SW_HIDE);

@@ -6,6 +6,7 @@
 #include "OrvLib/ARX/HostInterface.h"
 #include "OrvLib/ARX/Resources.h"
 #include "OrvLib/Reports/Failures.h"
+#include "Tolmex/DialogFields.h"
 #include "Tolmex/Resource.h"
 
 namespace OrvLib {
@@ -47,8 +48,7 @@ class ColorSettings : public CAcUiDialog {
   BOOL OnInitDialog() override {
     const BOOL result = CAcUiDialog::OnInitDialog();
     guarded([this] {
-      for (std::size_t i = 0; i < kControls.size(); ++i)
-        boxes_[i].SetCurSel(boxes_[i].AddColorToMRU(scheme_.*kControls[i].color));
+      for (std::size_t i = 0; i < kControls.size(); ++i) selectColor(boxes_[i], scheme_.*kControls[i].color);
     });
     return result;
   }

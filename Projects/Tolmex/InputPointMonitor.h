@@ -14,7 +14,11 @@ class InputPointMonitor : public AcEdInputPointMonitor {
   InputPointMonitor(bool autoAttach, AcApDocument* document);
   ~InputPointMonitor() override;
 
-  /// Adds the category of the element or the data of the building under the cursor to the tooltip.
+  /// Adds the category of the element or the data of the building under the cursor to the tooltip. The host calls one
+  /// of two forms; a build against an SDK without the long one says so at `override` and wants the definition.
+#ifdef TOLMEX_PACKED_INPUT_POINT
+  Acad::ErrorStatus monitorInputPoint(const AcEdInputPoint& input, AcEdInputPointMonitorResult& output) override;
+#else
   Acad::ErrorStatus monitorInputPoint(
       bool& appendToTooltipStr, ACHAR*& additionalTooltipString, AcGiViewportDraw* drawContext, AcApDocument* document,
       bool pointComputed, int history, const AcGePoint3d& lastPoint, const AcGePoint3d& rawPoint,
@@ -25,6 +29,7 @@ class InputPointMonitor : public AcEdInputPointMonitor {
       const AcArray<AcDbObjectId>& keyPointEntities, const NestedIds& nestedKeyPointEntities,
       const AcArray<Adesk::GsMarker>& keyPointGsSelectionMark, const AcArray<AcGeCurve3d*>& alignmentPaths,
       const AcGePoint3d& computedPoint, const ACHAR* tooltipString) override;
+#endif
 
  private:
   AcApDocument* document_ = nullptr;

@@ -23,8 +23,10 @@ constexpr std::size_t kLongestPath = 1024;
 // In the order of the sizes.
 constexpr std::array<int, 4> kSizeButtons{IDC_SYMBOL_NO_SIZE, IDC_SYMBOL_SMALL, IDC_SYMBOL_MEDIUM, IDC_SYMBOL_LARGE};
 
+/// The pointer type is Windows' own, which carries a qualifier on some systems.
 struct IdListFree {
-  void operator()(ITEMIDLIST* list) const { CoTaskMemFree(list); }
+  using pointer = LPITEMIDLIST;
+  void operator()(LPITEMIDLIST list) const { CoTaskMemFree(list); }
 };
 
 /// Asks for a folder; empty when the user gives none.

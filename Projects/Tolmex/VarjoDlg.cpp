@@ -43,7 +43,7 @@ class VarjoDlg : public CAcUiDialog {
       angleEdit_.SetWindowText(formatNumber(settings_.shadowAngleRad / kTwoPi * 360).c_str());
       lengthEdit_.SetWindowText(formatNumber(settings_.shadowLengthPerFloor).c_str());
       scaleEdit_.SetWindowText(formatNumber(settings_.shadowScale).c_str());
-      colorBox_.SetCurSel(colorBox_.AddColorToMRU(settings_.shadowColor));
+      selectColor(colorBox_, settings_.shadowColor);
       const int lines = hatchBox_.AddString(kLinesText);
       const int dots = hatchBox_.AddString(kDotsText);
       hatchBox_.SetCurSel(settings_.shadowHatchType == kShadowDots ? dots : lines);

@@ -185,6 +185,6 @@ ORV_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* appli
   return AcRx::kRetOK;
 }
 
-#ifndef _WIN32  // there the host's own library brings it
+#ifdef TOLMEX_OWN_HOST  // the commercial host's own library brings it
 ORV_EXPORT int acrxGetApiVersion() { return ACRX_API_VERSION; }
 #endif

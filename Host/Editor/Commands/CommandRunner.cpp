@@ -142,8 +142,8 @@ void CommandRunner::reportUnknown(std::wstring_view name) {
   if (worksDialogs(name)) {
     hint = L"the line is for a dialog, and none is open" + (lastSkips_.empty() ? L"" : L"; " + lastSkips_);
   } else {
-    for (const std::wstring& near : nearestNames(name, session_.commands().names()))
-      hint += (hint.empty() ? L"nearest: " : L", ") + near;
+    for (const std::wstring& candidate : nearestNames(name, session_.commands().names()))
+      hint += (hint.empty() ? L"nearest: " : L", ") + candidate;
   }
   std::wstring shownHint = hint;
   if (!hint.empty()) shownHint.front() = static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(hint.front())));

@@ -94,8 +94,8 @@ void setVariable(Prompter& prompter) {
   const Variable* const variable = session.variables().find(name);
   if (variable == nullptr) {
     std::wstring hint;
-    for (const std::wstring& near : nearestNames(name, session.variables().names()))
-      hint += (hint.empty() ? L"; nearest: " : L", ") + near;
+    for (const std::wstring& candidate : nearestNames(name, session.variables().names()))
+      hint += (hint.empty() ? L"; nearest: " : L", ") + candidate;
     prompter.refuse(L"Unknown variable name \"" + name + L"\"" + hint + L".");
     return;
   }

@@ -222,19 +222,19 @@ std::vector<std::wstring> nearestNames(std::wstring_view name, const std::vector
   if (name.size() > kLongest) return {};
   const std::wstring folded = text::folded(name);
   const std::size_t limit = std::max<std::size_t>(2, folded.size() / 3);
-  std::vector<std::pair<std::size_t, std::wstring>> near;
+  std::vector<std::pair<std::size_t, std::wstring>> close;
   for (const std::wstring& candidate : known) {
     const std::wstring other = text::folded(candidate);
     if (other.size() > kLongest) continue;
     std::size_t distance = editDistance(folded, other);
     // The beginning of a longer name is near too.
     if (folded.size() >= 3 && other.starts_with(folded)) distance = std::min<std::size_t>(distance, 1);
-    if (distance <= limit && distance < std::max(folded.size(), other.size())) near.emplace_back(distance, candidate);
+    if (distance <= limit && distance < std::max(folded.size(), other.size())) close.emplace_back(distance, candidate);
   }
-  std::sort(near.begin(), near.end());
-  near.erase(std::unique(near.begin(), near.end()), near.end());
+  std::sort(close.begin(), close.end());
+  close.erase(std::unique(close.begin(), close.end()), close.end());
   std::vector<std::wstring> names;
-  for (std::size_t i = 0; i < near.size() && i < 3; ++i) names.push_back(near[i].second);
+  for (std::size_t i = 0; i < close.size() && i < 3; ++i) names.push_back(close[i].second);
   return names;
 }
 

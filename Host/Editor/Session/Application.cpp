@@ -79,8 +79,8 @@ Result<> Application::setVariable(std::wstring_view name, std::wstring_view valu
   const Variable* const variable = host().variables().find(name);
   if (variable == nullptr) {
     std::string hint;
-    for (const std::wstring& near : nearestNames(name, host().variables().names()))
-      hint += (hint.empty() ? "; nearest: " : ", ") + text::toUtf8(near);
+    for (const std::wstring& candidate : nearestNames(name, host().variables().names()))
+      hint += (hint.empty() ? "; nearest: " : ", ") + text::toUtf8(candidate);
     return problemOf(Code::VariableRefused, "unknown system variable \"" + text::toUtf8(name) + "\"" + hint);
   }
   if (const Result<> set = host().variables().setText(*variable, value); !set)

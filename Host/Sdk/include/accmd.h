@@ -1,12 +1,13 @@
 // The command stack.
 #pragma once
 
+#include <windef.h>
+
 #include "rxdict.h"
 
 class AcEdUIContext;
 class AcEdCommand;
 using AcRxFunctionPtr = void (*)();
-using HINSTANCE = void*;
 
 enum : Adesk::Int32 {
   ACRX_CMD_MODAL = 0x0,

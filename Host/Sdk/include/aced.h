@@ -1,6 +1,8 @@
 // The editor and its reactors.
 #pragma once
 
+#include <windef.h>
+
 #include "acedads.h"
 #include "rxdict.h"
 
@@ -34,8 +36,6 @@ class ADESK_EXPORT AcEditor : public AcRxObject {
 
 #define ACED_EDITOR_OBJ ACRX_T("AcEditor")
 #define acedEditor AcEditor::cast(acrxSysRegistry()->at(ACED_EDITOR_OBJ))
-
-using COLORREF = std::uint32_t;  // 0x00BBGGRR
 
 /// Colours of the display, COLORREF values.
 struct AcColorSettings {

@@ -10,6 +10,19 @@ class AcGeCurve3d;
 class AcGiViewportDraw;
 class AcEdInputPointMonitor;
 
+/// A cursor position with what lies under it, and what a monitor may add: the packed form that newer SDKs have beside
+/// the long one. This host calls the long one alone; the names are declared so that a build for the packed form can be
+/// checked.
+class AcEdInputPoint {
+ public:
+  const AcArray<AcDbObjectId>& pickedEntities() const;
+};
+class AcEdInputPointMonitorResult {
+ public:
+  void setAppendToTooltipStr(bool append);
+  void setAdditionalTooltipString(const ACHAR* text);
+};
+
 template <class T>
 using AcArrayObjectCopy = AcArray<T, AcArrayObjectCopyReallocator<T>>;
 
@@ -29,6 +42,9 @@ class ADESK_EXPORT AcEdInputPointMonitor : public AcRxObject {
       const AcArrayObjectCopy<AcDbObjectIdArray>& nestedKeyPointEntities,
       const AcArray<Adesk::GsMarker>& keyPointGsSelectionMark, const AcArray<AcGeCurve3d*>& alignmentPaths,
       const AcGePoint3d& computedPoint, const ACHAR* tooltipString);
+#ifdef TOLMEX_PACKED_INPUT_POINT
+  virtual Acad::ErrorStatus monitorInputPoint(const AcEdInputPoint& input, AcEdInputPointMonitorResult& output);
+#endif
   virtual bool excludeFromOsnapCalculation() { return false; }
 };
 

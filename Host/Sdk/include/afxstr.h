@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "adesk.h"
 #include "windows.h"
 
 /// A wide string by value.

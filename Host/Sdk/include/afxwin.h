@@ -3,6 +3,8 @@
 
 #include "afxstr.h"
 
+#define afx_msg
+
 class CDataExchange;
 class CWnd;
 
@@ -27,7 +29,7 @@ struct AFX_MSGMAP {
 #define BEGIN_MESSAGE_MAP(theClass, baseClass)                                                \
   const AFX_MSGMAP* theClass::GetMessageMap() const { return theClass::GetThisMessageMap(); } \
   const AFX_MSGMAP* theClass::GetThisMessageMap() {                                           \
-    using ThisClass = theClass;                                                               \
+    using ThisClass [[maybe_unused]] = theClass;                                              \
     using BaseClass = baseClass;                                                              \
     static const AFX_MSGMAP_ENTRY entries[] = {
 #define END_MESSAGE_MAP()                                                 \
@@ -38,9 +40,10 @@ struct AFX_MSGMAP {
   return &map;                                                            \
   }
 
+// Handlers are converted as MFC does it, so that only those compile whose class and arguments MFC takes.
 #define ON_CONTROL(code, id, member)                                   \
   {WM_COMMAND, code, id, [](CWnd& window, WPARAM, LPARAM) -> LRESULT { \
-     (static_cast<ThisClass&>(window).*(member))();                    \
+     (window.*static_cast<void (CWnd::*)()>(member))();                \
      return 0;                                                         \
    }},
 #define ON_COMMAND(id, member) ON_CONTROL(0, id, member)
@@ -49,24 +52,26 @@ struct AFX_MSGMAP {
 #define ON_LBN_SELCHANGE(id, member) ON_CONTROL(LBN_SELCHANGE, id, member)
 #define ON_LBN_DBLCLK(id, member) ON_CONTROL(LBN_DBLCLK, id, member)
 #define ON_EN_CHANGE(id, member) ON_CONTROL(EN_CHANGE, id, member)
-#define ON_MESSAGE(message, member)                                           \
-  {message, 0, 0, [](CWnd& window, WPARAM wParam, LPARAM lParam) -> LRESULT { \
-     return (static_cast<ThisClass&>(window).*(member))(wParam, lParam);      \
+#define ON_MESSAGE(message, member)                                                           \
+  {message, 0, 0, [](CWnd& window, WPARAM wParam, LPARAM lParam) -> LRESULT {                 \
+     return (window.*static_cast<LRESULT (CWnd::*)(WPARAM, LPARAM)>(member))(wParam, lParam); \
    }},
-#define ON_WM_CREATE()                                                                          \
-  {WM_CREATE, 0, 0, [](CWnd& window, WPARAM, LPARAM lParam) -> LRESULT {                        \
-     return static_cast<ThisClass&>(window).OnCreate(reinterpret_cast<LPCREATESTRUCT>(lParam)); \
+#define ON_WM_CREATE()                                                                  \
+  {WM_CREATE, 0, 0, [](CWnd& window, WPARAM, LPARAM lParam) -> LRESULT {                \
+     return (window.*static_cast<int (CWnd::*)(LPCREATESTRUCT)>(&ThisClass::OnCreate))( \
+         reinterpret_cast<LPCREATESTRUCT>(lParam));                                     \
    }},
-#define ON_WM_SIZE()                                                                                \
-  {WM_SIZE, 0, 0, [](CWnd& window, WPARAM wParam, LPARAM lParam) -> LRESULT {                       \
-     const auto size = static_cast<std::uintptr_t>(lParam);                                         \
-     static_cast<ThisClass&>(window).OnSize(static_cast<UINT>(wParam), LOWORD(size), HIWORD(size)); \
-     return 0;                                                                                      \
+#define ON_WM_SIZE()                                                                                        \
+  {WM_SIZE, 0, 0, [](CWnd& window, WPARAM wParam, LPARAM lParam) -> LRESULT {                               \
+     const auto size = static_cast<std::uintptr_t>(lParam);                                                 \
+     (window.*static_cast<void (CWnd::*)(UINT, int, int)>(&ThisClass::OnSize))(static_cast<UINT>(wParam),   \
+                                                                               LOWORD(size), HIWORD(size)); \
+     return 0;                                                                                              \
    }},
-#define ON_WM_PAINT()                                            \
-  {WM_PAINT, 0, 0, [](CWnd& window, WPARAM, LPARAM) -> LRESULT { \
-     static_cast<ThisClass&>(window).OnPaint();                  \
-     return 0;                                                   \
+#define ON_WM_PAINT()                                                \
+  {WM_PAINT, 0, 0, [](CWnd& window, WPARAM, LPARAM) -> LRESULT {     \
+     (window.*static_cast<void (CWnd::*)()>(&ThisClass::OnPaint))(); \
+     return 0;                                                       \
    }},
 
 // ---- windows --------------------------------------------------------------------------------------------------------
@@ -87,13 +92,13 @@ class ADESK_EXPORT CWnd {
   BOOL SubclassWindow(HWND window);
 
   LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
-    return SendMessageW(m_hWnd, message, wParam, lParam);
+    return ::SendMessageW(m_hWnd, message, wParam, lParam);
   }
   BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
-    return PostMessageW(m_hWnd, message, wParam, lParam);
+    return ::PostMessageW(m_hWnd, message, wParam, lParam);
   }
   void GetWindowText(CString& text) const;
-  void SetWindowText(LPCWSTR text) { SetWindowTextW(m_hWnd, text); }
+  void SetWindowText(LPCWSTR text) { ::SetWindowTextW(m_hWnd, text); }
   BOOL EnableWindow(BOOL enable = TRUE) { return ::EnableWindow(m_hWnd, enable); }
   BOOL IsWindowEnabled() const { return ::IsWindowEnabled(m_hWnd); }
   BOOL ShowWindow(int command) { return ::ShowWindow(m_hWnd, command); }
@@ -106,9 +111,9 @@ class ADESK_EXPORT CWnd {
   CWnd* GetParent() const { return FromHandle(::GetParent(m_hWnd)); }
   CWnd* GetDlgItem(int id) const { return FromHandle(::GetDlgItem(m_hWnd, id)); }
   int GetDlgCtrlID() const { return ::GetDlgCtrlID(m_hWnd); }
-  void SetDlgItemText(int id, LPCWSTR text) { SetWindowTextW(::GetDlgItem(m_hWnd, id), text); }
+  void SetDlgItemText(int id, LPCWSTR text) { ::SetWindowTextW(::GetDlgItem(m_hWnd, id), text); }
   int MessageBox(LPCWSTR text, LPCWSTR caption = nullptr, UINT type = MB_OK) {
-    return MessageBoxW(m_hWnd, text, caption, type);
+    return ::MessageBoxW(m_hWnd, text, caption, type);
   }
   BOOL SetWindowPos(HWND after, int x, int y, int width, int height, UINT flags) {
     return ::SetWindowPos(m_hWnd, after, x, y, width, height, flags);

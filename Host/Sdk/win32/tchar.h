@@ -23,5 +23,4 @@ ADESK_EXPORT int _vsnwprintf(ACHAR* buffer, std::size_t size, const ACHAR* forma
 ADESK_EXPORT std::FILE* _wfsopen(const ACHAR* name, const ACHAR* mode, int shareFlag);
 /// 0 when the file exists and can be accessed in the mode (0 exists, 2 write, 4 read), -1 otherwise.
 ADESK_EXPORT int _waccess(const ACHAR* name, int mode);
-inline constexpr int _SH_DENYNO = 0x40;
 // NOLINTEND(bugprone-reserved-identifier)

@@ -6,6 +6,8 @@
 
 // ---- the process ----------------------------------------------------------------------------------------------------
 inline constexpr DWORD MAX_PATH = 260;
+inline constexpr DWORD DLL_PROCESS_DETACH = 0;
+inline constexpr DWORD DLL_PROCESS_ATTACH = 1;
 inline constexpr DWORD VER_PLATFORM_WIN32_NT = 2;
 /// Not Windows: the name of the system stands in szCSDVersion.
 inline constexpr DWORD VER_PLATFORM_HOST = 0x100;

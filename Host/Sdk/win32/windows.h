@@ -2,67 +2,8 @@
 // Values and meanings are those of Windows; strings are wide throughout.
 #pragma once
 
-#include <cstdint>
-
 #include "adesk.h"
-
-// ---- types ----------------------------------------------------------------------------------------------------------
-struct HostWindow;
-struct HostDeviceContext;
-struct HostBrush;
-struct HostHook;
-
-using BOOL = int;
-using BYTE = std::uint8_t;
-using WORD = std::uint16_t;
-using DWORD = std::uint32_t;
-using UINT = unsigned int;
-using LONG = std::int32_t;
-using COLORREF = std::uint32_t;  // 0x00BBGGRR
-using INT_PTR = std::intptr_t;
-using UINT_PTR = std::uintptr_t;
-using LONG_PTR = std::intptr_t;
-using DWORD_PTR = std::uintptr_t;
-using WPARAM = std::uintptr_t;
-using LPARAM = std::intptr_t;
-using LRESULT = std::intptr_t;
-using LPWSTR = wchar_t*;
-using LPCWSTR = const wchar_t*;
-using LPVOID = void*;
-using HANDLE = void*;
-using HWND = HostWindow*;
-using HDC = HostDeviceContext*;
-using HBRUSH = HostBrush*;
-using HHOOK = HostHook*;
-using HGDIOBJ = void*;
-using HMENU = void*;
-using HINSTANCE = void*;  // where the loader put a module
-using HMODULE = HINSTANCE;
-using HRSRC = void*;
-using HGLOBAL = void*;
-
-inline constexpr BOOL FALSE = 0;
-inline constexpr BOOL TRUE = 1;
-#define CALLBACK
-#define WINAPI
-#define afx_msg
-
-struct POINT {
-  LONG x;
-  LONG y;
-};
-struct SIZE {
-  LONG cx;
-  LONG cy;
-};
-struct RECT {
-  LONG left;
-  LONG top;
-  LONG right;
-  LONG bottom;
-};
-using LPRECT = RECT*;
-using LPCRECT = const RECT*;
+#include "windef.h"
 
 struct CREATESTRUCTW {
   LPVOID lpCreateParams;
@@ -419,5 +360,18 @@ ADESK_EXPORT int DrawTextW(HDC dc, LPCWSTR text, int length, LPRECT area, UINT f
 /// The device context of the WM_PAINT being handled; null outside of it.
 ADESK_EXPORT HDC BeginPaint(HWND window, PAINTSTRUCT* paint);
 ADESK_EXPORT BOOL EndPaint(HWND window, const PAINTSTRUCT* paint);
+
+// ---- names without a letter ----------------------------------------------------------------------------------------
+// Windows' headers name the wide functions so by macros. They rename members of classes as well: in a class derived
+// from CWnd the global function has to be called as ::SendMessageW.
+#define GetWindowText GetWindowTextW
+#define GetWindowTextLength GetWindowTextLengthW
+#define LoadString LoadStringW
+#define MessageBox MessageBoxW
+#define PostMessage PostMessageW
+#define SendDlgItemMessage SendDlgItemMessageW
+#define SendMessage SendMessageW
+#define SetDlgItemText SetDlgItemTextW
+#define SetWindowText SetWindowTextW
 
 #include "winbase.h"
