@@ -10,7 +10,9 @@ Fails with one line for each fault; with --write it writes project and list inst
 
 import pathlib
 import re
+import subprocess
 import sys
+import tempfile
 import xml.etree.ElementTree
 
 ROOTS = ["OrvLib", "Projects/Tolmex"]
@@ -83,8 +85,32 @@ def names_text(names: dict[str, str]) -> str:
     return NAMES_HEAD + "".join(f"{name}\t{header}\n" for name, header in sorted(names.items()))
 
 
+def check_bundle() -> list[str]:
+    """Each command loads the module, stands in the menu and in a tool bar with an icon that there is, and is explained."""
+    commands = re.findall(r'^    \{L"(TLM_\w+)"', pathlib.Path("Projects/Tolmex/tolmexCommands.cpp").read_text(encoding="utf-8"),
+                          re.MULTILINE)
+    faults = [] if len(commands) == 30 else [f"{len(commands)} commands were found in the plug-in's table, not 30"]
+    with tempfile.TemporaryDirectory() as folder:
+        bundle = pathlib.Path(folder)
+        (bundle / "Contents/Support").mkdir(parents=True)
+        subprocess.run([sys.executable, "tools/bundle-files.py", "1.0", folder], check=True)
+        package = xml.etree.ElementTree.parse(bundle / "PackageContents.xml")
+        loading = [command.get("Global") for command in package.iter("Command")]
+        menu, _, rest = (bundle / "Contents/Support/tolmex.mns").read_bytes().decode("cp1252").partition("***TOOLBARS")
+        tools, _, help_texts = rest.partition("***HELPSTRINGS")
+    for command in commands:
+        places = {"PackageContents.xml": command in loading, "the menu": f"]^C^C{command}\r" in menu,
+                  "the tool bars": f"]^C^C{command}\r" in tools, "the help texts": f"ID_{command}  [" in help_texts}
+        faults += [f"tools/bundle-files.py: {command} is missing in {place}" for place, there in places.items() if not there]
+    faults += [f"tools/bundle-files.py: there is no icon {icon}" for icon in re.findall(r'"icons/([^"]+)_16\.bmp"', tools)
+               if not pathlib.Path(f"Projects/Tolmex/icons/{icon}.svg").is_file()]
+    if menu.count("[->") != menu.count("[<-"):
+        faults.append("tools/bundle-files.py: a sub-menu does not end")
+    return faults
+
+
 def check() -> list[str]:
-    faults = []
+    faults = check_bundle()
     xml.etree.ElementTree.parse(PROJECT)
     if project_with_sources() != PROJECT.read_text(encoding="utf-8"):
         faults.append(f"{PROJECT} lists other sources than there are: tools/check-project.py --write")
