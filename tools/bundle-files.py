@@ -18,6 +18,7 @@ GROUP = "TOLMEX"  # of commands and of the menu
 # Kept for ever: by these the host knows a newer bundle as the same product.
 PRODUCT = "{0B0C1A4E-7E0F-4B5B-9E42-5C6B1D1B7A31}"
 UPGRADE = "{5E2B7C52-2F0E-4C0B-8A3D-91F4E2D9C6F0}"
+LOCAL_NAMES = {"TLM_MUOK_NURMIKKO": "TLM_MUOK_NURMKKO"}  # where the module registers another one
 FIRST_SERIES = "R24.0"  # the first host whose SDK wants a compiler of C++20: 2021
 
 MENU_LOADER = """\
@@ -63,7 +64,7 @@ def package(version: str, commands: list[dict[str, str]]) -> bytes:
                              LoadOnAutoCADStartup="True", LoadOnCommandInvocation="True")
     names = tree.SubElement(module, "Commands", GroupName=GROUP)
     for row in commands:
-        tree.SubElement(names, "Command", Global=row["command"], Local=row["command"])
+        tree.SubElement(names, "Command", Global=row["command"], Local=LOCAL_NAMES.get(row["command"], row["command"]))
     tree.SubElement(components, "ComponentEntry", AppName="TolmexMenu", Version=version,
                     ModuleName="./Contents/tolmex-menu.lsp", AppDescription="Tolmex: valikko", PerDocument="False")
     tree.indent(top)

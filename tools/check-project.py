@@ -87,19 +87,20 @@ def names_text(names: dict[str, str]) -> str:
 
 def check_bundle() -> list[str]:
     """Each command loads the module, stands in the menu and in a tool bar with an icon that there is, and is explained."""
-    commands = re.findall(r'^    \{L"(TLM_\w+)"', pathlib.Path("Projects/Tolmex/tolmexCommands.cpp").read_text(encoding="utf-8"),
-                          re.MULTILINE)
+    table = pathlib.Path("Projects/Tolmex/tolmexCommands.cpp").read_text(encoding="utf-8")
+    commands = re.findall(r'^    \{L"(TLM_\w+)"', table, re.MULTILINE)
+    local = dict(re.findall(r'^    \{L"(TLM_\w+)"[^{}]*\bL"(TLM_\w+)"\}', table, re.MULTILINE))
     faults = [] if len(commands) == 30 else [f"{len(commands)} commands were found in the plug-in's table, not 30"]
     with tempfile.TemporaryDirectory() as folder:
         bundle = pathlib.Path(folder)
         (bundle / "Contents/Support").mkdir(parents=True)
         subprocess.run([sys.executable, "tools/bundle-files.py", "1.0", folder], check=True)
         package = xml.etree.ElementTree.parse(bundle / "PackageContents.xml")
-        loading = [command.get("Global") for command in package.iter("Command")]
+        loading = {command.get("Global"): command.get("Local") for command in package.iter("Command")}
         menu, _, rest = (bundle / "Contents/Support/tolmex.mns").read_bytes().decode("cp1252").partition("***TOOLBARS")
         tools, _, help_texts = rest.partition("***HELPSTRINGS")
     for command in commands:
-        places = {"PackageContents.xml": command in loading, "the menu": f"]^C^C{command}\r" in menu,
+        places = {"PackageContents.xml": loading.get(command) == local.get(command, command), "the menu": f"]^C^C{command}\r" in menu,
                   "the tool bars": f"]^C^C{command}\r" in tools, "the help texts": f"ID_{command}  [" in help_texts}
         faults += [f"tools/bundle-files.py: {command} is missing in {place}" for place, there in places.items() if not there]
     faults += [f"tools/bundle-files.py: there is no icon {icon}" for icon in re.findall(r'"icons/([^"]+)_16\.bmp"', tools)

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <share.h>
 #include <tchar.h>
 
 #include <clocale>
