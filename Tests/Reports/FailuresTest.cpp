@@ -216,7 +216,8 @@ class EveryAllocation : public Failures {
   void expectHarmless(const std::string& command, faults::Whose whose, faults::Lasting lasting) {
     constexpr const char* kTold =
         "\\[Error\\] (Exception \"Out of memory\" at line |Allocation of |Initialization of )|"
-        "\\[(Error|Out of memory)\\] Not enough memory";
+        "\\[(Error|Out of memory)\\] Not enough memory|"
+        "\\[tolmex\\] A message handler failed: there is not enough memory";  // MFC's own
     SCOPED_TRACE(whose == faults::Whose::PlugIn ? "the plug-in's" : "everybody's");
     SCOPED_TRACE(lasting == faults::Lasting::One ? "one" : "all from there");
     const std::string before = text();
