@@ -111,16 +111,20 @@ AcDbObjectId makeHatch(const PolyLine& ring, int colorIndex, const ACHAR* layer,
                        AcDbDatabase* database) {
   AcDbDatabase* const db = orWorkingDatabase(database);
   if (db == nullptr) return {};
+  // A polyline loop that ends where it began: what every host takes, whether it closes loops itself or not.
   AcGePoint2dArray vertices;
   AcGeDoubleArray bulges;
-  vertices.setPhysicalLength(static_cast<int>(ring.size()));
-  bulges.setPhysicalLength(static_cast<int>(ring.size()));
-  for (const Point3d& point : ring.points()) {
+  vertices.setPhysicalLength(static_cast<int>(ring.size()) + 1);
+  bulges.setPhysicalLength(static_cast<int>(ring.size()) + 1);
+  const auto append = [&](const Point3d& point) {
     vertices.append(AcGePoint2d(point.x, point.y));
     bulges.append(0);
-  }
+  };
+  for (const Point3d& point : ring.points()) append(point);
+  if (ring.size() > 0) append(ring.points().front());
+  constexpr Adesk::Int32 kLoop = AcDbHatch::kExternal | AcDbHatch::kPolyline;
   return makeHatchIn(*db, colorIndex, layer, pattern,
-                     [&](AcDbHatch& hatch) { return hatch.appendLoop(AcDbHatch::kExternal, vertices, bulges); });
+                     [&](AcDbHatch& hatch) { return hatch.appendLoop(kLoop, vertices, bulges); });
 }
 
 AcDbObjectId makeLine(const Line& line, int colorIndex, const ACHAR* layer, AcDbDatabase* database) {
