@@ -53,28 +53,4 @@ TEST_F(Buildings, AnElementIsNeverMadeABuilding) {
   EXPECT_EQ(text(), before);
 }
 
-TEST_F(Buildings, OldStylePolylinesCount) {
-  openText(
-      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n  9\n$MEASUREMENT\n 70\n1\n  0\nENDSEC\n  0\nSECTION\n"
-      "  2\nENTITIES\n"
-      "  0\nPOLYLINE\n  5\n50\n100\nAcDbEntity\n  8\n0\n100\nAcDb2dPolyline\n 66\n1\n 10\n0\n 20\n0\n 30\n0\n 70\n1\n"
-      "  0\nVERTEX\n  5\n51\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n 10\n0\n 20\n0\n 42\n1\n"
-      "  0\nVERTEX\n  5\n52\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n 10\n20\n 20\n0\n 42\n1\n"
-      "  0\nSEQEND\n  5\n53\n100\nAcDbEntity\n  8\n0\n"
-      "  0\nPOLYLINE\n  5\n60\n100\nAcDbEntity\n  8\n0\n100\nAcDb3dPolyline\n 66\n1\n 10\n0\n 20\n0\n 30\n0\n 70\n9\n"
-      "  0\nVERTEX\n  5\n61\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb3dPolylineVertex\n 10\n0\n 20\n0\n"
-      " 30\n7\n 70\n32\n"
-      "  0\nVERTEX\n  5\n62\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb3dPolylineVertex\n 10\n9\n 20\n0\n"
-      " 30\n7\n 70\n32\n"
-      "  0\nVERTEX\n  5\n63\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb3dPolylineVertex\n 10\n9\n 20\n9\n"
-      " 30\n7\n 70\n32\n"
-      "  0\nSEQEND\n  5\n64\n100\nAcDbEntity\n  8\n0\n  0\nENDSEC\n  0\nEOF\n");
-  run("TLM_MUOK_SORA\n" + pickHandle(rectangle(90, 0, 5, 5)) + "\n");
-  store({{"50", building()}, {"60", building()}});
-  run("TLM_VARJO_PAIVITA\n");
-  // A circle of two half circles in six pieces each, and a triangle whose slope runs along the shadow.
-  EXPECT_EQ(shadowCount(), 12U + 2U);
-  EXPECT_EQ(roofCount(), 2U);
-}
-
 }  // namespace

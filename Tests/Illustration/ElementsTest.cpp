@@ -101,25 +101,8 @@ TEST_F(Elements, OtherEntitiesAreLeftAlone) {
 }
 
 TEST_F(Elements, OldStylePolylinesBecomeElements) {
-  openText(
-      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n  9\n$MEASUREMENT\n 70\n1\n  0\nENDSEC\n  0\nSECTION\n  "
-      "2\n"
-      "ENTITIES\n"
-      "  0\nPOLYLINE\n  5\n50\n100\nAcDbEntity\n  8\n0\n100\nAcDb2dPolyline\n 66\n1\n 10\n0\n 20\n0\n 30\n0\n 70\n1\n"
-      "  0\nVERTEX\n  5\n51\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n 10\n0\n 20\n0\n 42\n1\n"
-      "  0\nVERTEX\n  5\n52\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n 10\n10\n 20\n0\n 42\n1\n"
-      "  0\nSEQEND\n  5\n53\n100\nAcDbEntity\n  8\n0\n"
-      "  0\nPOLYLINE\n  5\n60\n100\nAcDbEntity\n  8\n0\n100\nAcDb3dPolyline\n 66\n1\n 10\n0\n 20\n0\n 30\n0\n 70\n9\n"
-      "  0\nVERTEX\n  5\n61\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb3dPolylineVertex\n 10\n0\n 20\n0\n "
-      "30\n7\n"
-      " 70\n32\n"
-      "  0\nVERTEX\n  5\n62\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb3dPolylineVertex\n 10\n9\n 20\n0\n "
-      "30\n7\n"
-      " 70\n32\n"
-      "  0\nVERTEX\n  5\n63\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb3dPolylineVertex\n 10\n9\n 20\n9\n "
-      "30\n8\n"
-      " 70\n32\n"
-      "  0\nSEQEND\n  5\n64\n100\nAcDbEntity\n  8\n0\n  0\nENDSEC\n  0\nEOF\n");
+  openText(plainDrawing(oldPolyline(50, {"10 0|20 0|42 1|", "10 10|20 0|42 1|"}) +
+                        oldPolyline(60, {"10 0|20 0|30 7|", "10 9|20 0|30 7|", "10 9|20 9|30 8|"})));
   run("TLM_MUOK_METSA\nALL\n\n");
   EXPECT_EQ(living(DxfType::Hatch, L"tma_metsa").size(), 2U);
   EXPECT_EQ(living(DxfType::Polyline2d, L"tmv_metsa").size(), 1U);

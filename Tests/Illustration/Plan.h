@@ -26,6 +26,36 @@ using host::database::Slot;
 using host::database::Tag;
 using host::database::TagCursor;
 
+/// Text of tags given as "0 LINE|8 0|".
+inline std::string tagLines(const std::string& tags) {
+  std::stringstream all(tags);
+  std::string text;
+  for (std::string tag; std::getline(all, tag, '|');) {
+    const std::size_t blank = tag.find(' ');
+    text += std::string(blank < 3 ? 3 - blank : 0, ' ') + tag.replace(blank, 1, "\n") + "\n";
+  }
+  return text;
+}
+
+/// A metric drawing of 2000 with entities and nothing else: no tables, no objects.
+inline std::string plainDrawing(const std::string& entities) {
+  return tagLines("0 SECTION|2 HEADER|9 $ACADVER|1 AC1015|9 $MEASUREMENT|70 1|0 ENDSEC|0 SECTION|2 ENTITIES|") +
+         entities + tagLines("0 ENDSEC|0 EOF|");
+}
+
+/// An old-style polyline with handles from this one on, closed; of vertices in space when none has a bulge.
+inline std::string oldPolyline(int handle, const std::vector<std::string>& vertices, const std::string& normal = {}) {
+  const bool isInSpace = vertices.front().find("42 ") == std::string::npos;
+  const std::string kind = isInSpace ? "3d" : "2d", common = "|100 AcDbEntity|8 0|";
+  std::string text = "0 POLYLINE|5 " + std::to_string(handle) + common + "100 AcDb" + kind +
+                     "Polyline|66 1|10 0|20 0|30 0|70 " + (isInSpace ? "9|" : "1|") + normal;
+  for (const std::string& vertex : vertices) {
+    text += "0 VERTEX|5 " + std::to_string(++handle) + common + "100 AcDbVertex|100 AcDb" +
+            (isInSpace ? "3dPolylineVertex|70 32|" : "2dVertex|") + vertex;
+  }
+  return tagLines(text + "0 SEQEND|5 " + std::to_string(++handle) + common);
+}
+
 class Plan : public testing::Test {
   class FrontEnd final : public host::editor::Observer {
    public:

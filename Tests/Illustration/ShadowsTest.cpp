@@ -277,16 +277,9 @@ TEST_F(Shadows, WhatMakesThemOtherThanWantedIsTold) {
 }
 
 TEST_F(Shadows, APolylineThatIsNotReadWholeCastsNone) {
-  const auto vertex = [](const std::string& handle, const std::string& type, const std::string& x) {
-    return "  0\nVERTEX\n  5\n" + handle + "\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\n" + type + "\n 10\n" + x +
-           "\n 20\n0\n" + (type == "AcDb3dPolylineVertex" ? " 70\n32\n" : "");
-  };
-  openText(
-      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n  9\n$MEASUREMENT\n 70\n1\n  0\nENDSEC\n  0\nSECTION\n"
-      "  2\nENTITIES\n  0\nPOLYLINE\n  5\n50\n100\nAcDbEntity\n  8\n0\n100\nAcDb2dPolyline\n 66\n1\n 10\n0\n 20\n0\n"
-      " 30\n0\n 70\n0\n" +
-      vertex("51", "AcDb2dVertex", "0") + vertex("52", "AcDb3dPolylineVertex", "10") +
-      vertex("53", "AcDb2dVertex", "20") + "  0\nSEQEND\n  5\n54\n100\nAcDbEntity\n  8\n0\n  0\nENDSEC\n  0\nEOF\n");
+  std::string mixed = oldPolyline(50, {"10 0|20 0|42 0|", "10 10|20 0|70 32|", "10 20|20 0|"});
+  mixed.replace(mixed.find("AcDb2dVertex", mixed.find("\n52\n")), 12, "AcDb3dPolylineVertex");
+  openText(plainDrawing(mixed));
   run("TLM_MUOK_SORA\n" + pickHandle(rectangle(90, 0, 5, 5)) + "\n");
   store({{"50", building()}, {rectangle(0, 50, 10, 10), building()}});
   EXPECT_NE(run("TLM_VARJO_PAIVITA\n").find("2D PolyLine conversion to PolyLine failed!/50\n"), std::string::npos)

@@ -113,6 +113,36 @@ TEST_F(WorkedShadows, SmallHalfCirclesAreTheirChord) {
   EXPECT_EQ(polygons(), (Polygons{"2.5,0>2.5,-3>-2.5,-3>-2.5,0", "-2.5,0>-2.5,-3>0,-3>0,0", "0,0>0,-3>2.5,-3>2.5,0"}));
 }
 
+// A strip 20 long and 10 deep whose southern edge is half a circle of radius 10 to the south, as every kind of polyline
+// stores it, and without the arc where it has none; heights do not matter.
+TEST_F(WorkedShadows, EveryKindOfOutlineCastsTheSame) {
+  const std::string light = "0 LWPOLYLINE|5 40|100 AcDbEntity|8 0|100 AcDbPolyline|90 4|70 1|";
+  const std::string down = "210 0|220 0|230 -1|";
+  const std::string outlines[] = {
+      tagLines(light + "38 12.5|10 -10|20 0|42 1|10 10|20 0|10 10|20 10|10 -10|20 10|"),
+      tagLines(light + "38 12.5|10 10|20 0|42 -1|10 -10|20 0|10 -10|20 10|10 10|20 10|" + down),
+      oldPolyline(40, {"10 -10|20 0|42 1|", "10 10|20 0|", "10 10|20 10|", "10 -10|20 10|"}),
+      oldPolyline(40, {"10 10|20 0|42 -1|", "10 -10|20 0|", "10 -10|20 10|", "10 10|20 10|"}, down),
+      oldPolyline(40, {"10 -10|20 0|30 7|", "10 10|20 0|30 7|", "10 10|20 10|30 7|", "10 -10|20 10|30 7|"})};
+  Polygons former;
+  for (const std::string& outline : outlines) {
+    SCOPED_TRACE(outline);
+    openText(plainDrawing(outline));
+    run("TLM_MUOK_SORA\n" + pickHandle(rectangle(90, 0, 5, 5)) + "\n");  // makes the tables
+    store({{"40", building("1")}});
+    storeSettings(settings("-1.5707963267948966"));
+    run("TLM_VARJO_PAIVITA\n");
+    EXPECT_EQ(roofCount(), 1U);
+    const Polygons shadow = polygons();
+    const bool isStraight = &outline == std::end(outlines) - 1;
+    ASSERT_EQ(shadow.size(), isStraight ? 2U : 7U);
+    EXPECT_EQ(shadow.front(), isStraight ? "-10,0>-10,-3>10,-3>10,0" : "-10,0>-10,-3>-8.776,-7.794>-8.776,-4.794");
+    EXPECT_EQ(shadow.back(), "10,10>10,7>-10,7>-10,10");
+    EXPECT_TRUE(former.empty() || isStraight || shadow == former) << testing::PrintToString(shadow);
+    former = shadow;
+  }
+}
+
 TEST_F(WorkedShadows, ADamagedArcCostsNothing) {
   run("PLINE\n0,0\nA\nS\n1e9,1e9\n2e9,0\nL\n2e9,5\n2000000010,5\n\n");
   const std::string fence = handle(*last(DxfType::LwPolyline));

@@ -68,7 +68,8 @@ TEST_F(Audit, IllustratedExampleHoldsWhatTheScriptMade) {
                 {"layer": "tma_pensas", "count": 6}, {"layer": "tma_nurmi", "count": 5}, {"layer": "tma_polku", "count": 4},
                 {"layer": "tma_metsa", "count": 2}, {"layer": "tma_sora", "count": 2},
                 {"layer": "tma_katto", "pattern": "SOLID", "count": 8}, {"layer": "tma_katto_aurinko", "count": 3},
-                {"layer": "tma_katto_varjo", "count": 3}, {"layer": "tmv_katto", "pattern": "LINE", "count": 6}],
+                {"layer": "tma_katto_varjo", "count": 3}, {"layer": "tmv_katto", "pattern": "LINE", "count": 6},
+                {"layer": "tmv_varjo", "pattern": "LINE", "count": 116}],
     "groups": [{"name": "Parkkipaikka0", "count": 11, "description": "Pysäköintialueiden viivat"},
                {"name": "Parkkipaikka1", "count": 11}, {"name": "Parkkipaikka2", "count": 10}],
     "xdata": [{"handle": "290", "application": "kaava_tolmex",
@@ -85,6 +86,14 @@ TEST_F(Audit, IllustratedExampleHoldsWhatTheScriptMade) {
   })");
   const Outcome result = audit({"--baseline", "plan.dxf", "--expect", "expected.json", "a.dxf"});
   EXPECT_EQ(result.status, 0) << result.err;
+
+  // Updated again from the saved drawing: groups of before stay, but empty.
+  ASSERT_EQ(call({"run", "a.dxf", "--quiet", "--out", "b.dxf", "--command", "TLM_VARJO_PAIVITA"}),
+            (Outcome{0, "", ""}));
+  write("again.json", R"({"emptied groups": ["Varjo"], "hatches": [{"layer": "tmv_varjo", "count": 116}],
+    "groups": [{"name": "Varjo0", "count": 0}, {"name": "Varjo14", "count": 0},
+               {"name": "Varjo15", "count": 42, "description": "Aidan varjon hatch"}]})");
+  EXPECT_EQ(audit({"--expect", "again.json", "b.dxf"}), (Outcome{0, "b.dxf: 0 errors\n", ""}));
 
   // What the expectation asks for is really asked for.
   write("wrong.json", R"({"order": [["2D1", "240"]]})");

@@ -12,14 +12,13 @@ The expectation names what must be in every file; all keys may be left out:
     {"hatches": [{"layer": "tma_nurmi", "count": 5, "pattern": "SOLID"}],
      "groups": [{"name": "Parkkipaikka0", "count": 11, "description": "..."}],
      "xdata": [{"handle": "240", "application": "kaava_tolmex", "values": {"ENTITYTYPE": "Nurmialue"}}],
-     "xrecords": [{"path": ["orv_tolmex", "shadowSettings"], "items": [[1, "SHADOWCOLOR"], [70, 7]]}],
      "emptied groups": ["Varjo"],
      "layers": {"tma_asf": 254},
      "entities": {"LWPOLYLINE": 57},
      "order": [["240", "284"]]}
 
-`values` are key and value as successive text items, `items` are all of them but the name with their codes, in order; "emptied
-groups" are prefixes of groups that may be empty, which the auditor would remove; `order` lists handles that must be drawn in
+`values` are key and value as successive text items; "emptied groups" are prefixes of groups that may be empty, which the
+auditor would remove; `order` lists handles that must be drawn in
 that order, through the sort table of the model space; "hatches" counts exactly; an `order` needs that table.
 """
 
@@ -117,23 +116,6 @@ def xdata_errors(document: Drawing, expected: list[dict]) -> Iterator[str]:
         for key, value in wanted.get("values", {}).items():
             if values.get(key) != value:
                 yield f"{where}: {key} is {values.get(key)!r}, expected {value!r}"
-        found = [[tag.code, tag.value] for tag in entity.get_xdata(wanted["application"])]
-        if found != wanted.get("items", found):
-            yield f"{where}: items {found}, expected {wanted['items']}"
-
-
-def xrecord_errors(document: Drawing, expected: list[dict]) -> Iterator[str]:
-    for wanted in expected:
-        where = "/".join(wanted["path"])
-        record = document.rootdict
-        for key in wanted["path"]:
-            record = record.get(key) if record is not None and record.dxftype() == "DICTIONARY" else None
-        if record is None or record.dxftype() != "XRECORD":
-            yield f"{where} is no record"
-            continue
-        items = [[tag.code, tag.value] for tag in record.tags]
-        if items != wanted["items"]:
-            yield f"{where}: items {items}, expected {wanted['items']}"
 
 
 def layer_errors(document: Drawing, expected: dict[str, int]) -> Iterator[str]:
@@ -167,7 +149,6 @@ CHECKS = {
     "hatches": hatch_errors,
     "groups": group_errors,
     "xdata": xdata_errors,
-    "xrecords": xrecord_errors,
     "layers": layer_errors,
     "entities": entity_errors,
     "order": order_errors,
