@@ -208,29 +208,6 @@ TEST(Fidelity, AFailedSaveLeavesTheOldFile) {
   EXPECT_EQ(entries, 3U);
 }
 
-TEST(Fidelity, AKilledSaveLeavesTheOldFile) {
-  OpenDrawing drawing(tests::probeDrawing("\n"));
-  const tests::OwnFolder own;
-  const auto& folder = own.path;
-  const auto file = folder / "plan.dxf";
-  std::ofstream(file) << "old";
-  const std::string text(8 << 20, 'x');
-  for (int round = 0; round < 20; ++round) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      std::ignore = host::dxf::writeFileWhole(file, text);
-      ::_exit(0);
-    }
-    ::usleep(static_cast<useconds_t>(round * 400));
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    const std::string now = fileText(file);
-    EXPECT_TRUE(now == "old" || now == text) << now.size();
-    std::ofstream(file) << "old";
-  }
-}
-
 TEST(Fidelity, ANewDrawingIsComplete) {
   AcDbDatabase db;
   EXPECT_EQ(db.measurement(), AcDb::kMetric);

@@ -1,16 +1,13 @@
 #!/usr/bin/env python3
-"""Kills the program while it saves, lets its calls on files fail and its memory end, and looks at what is left.
+"""Kills the program while it saves, lets its memory end, and looks at what is left.
 
-    python3 probe_saving.py TOLMEX [--only kills|files|memory|limits] [--kills N] [--places N] [--areas N] [--seed S]
+    python3 probe_saving.py TOLMEX [--only kills|memory|limits] [--kills N] [--places N] [--areas N] [--seed S]
 
 A plan of many areas is illustrated and saved over an older result, with a picture in each format.
 
 kills   SIGKILL at random moments of the part of the run in which files are written, found by watching the folder in a run that
         is left alone. Every output must be the old file or the new one, byte for byte; what else lies in the folder may only be a
         hidden temporary file, and the next run must succeed and leave the same result as ever.
-files   Every call on an output in turn (open, write, fsync, close, link, rename) fails with ENOSPC and with EIO. The output it
-        is about must be the old file, all others the new ones, the status 4 with one sentence; nothing else lies in the folder. A
-        write that takes only half of its bytes must change nothing.
 memory  Allocations fail at N places all over the run: one, some in a row, all from there on. The program must end by itself, with
         the old file or the new one and a sentence where it did not succeed. In a session at a terminal that is served from a pipe
         the user then takes the command back, which gives the opened drawing to the byte, or saves what there is, which must be a
@@ -25,7 +22,6 @@ from __future__ import annotations
 
 import argparse
 import collections
-import errno
 import os
 import pathlib
 import random
@@ -37,7 +33,6 @@ import time
 
 OUTPUTS = ("result.dxf", "result.png", "result.svg", "result.pdf")
 OLD = b"the old file"
-FILE_CALLS = ("open", "write", "fsync", "close", "link", "rename")
 COMMAND = ["TLM_MUOK_ASFALTTI", "ALL", ""]
 SHIM = pathlib.Path(__file__).resolve().parent.parent / "Faults" / "Shim.cpp"
 CRASHES = 128  # statuses from here on: a signal ended the program
@@ -166,41 +161,6 @@ class Probe:
         if self.run()[0] != 0 or "old" in self.states().values():
             self.wrong("kill", "the next run failed")
 
-    # ---- files ----
-
-    def files(self) -> None:
-        for call in FILE_CALLS:
-            for number in (errno.ENOSPC, errno.EIO):
-                n = 1
-                while self.file_fault(call, number, n):
-                    n += 1
-                self.count(f"files: {call} {errno.errorcode[number]}", n - 1)
-        n = 1
-        while True:
-            self.make_old()
-            status, said, met = self.run(f"short:0:{n}")
-            if met < n:
-                break
-            n += 1
-            if status != 0 or set(self.states().values()) != {"new"} or self.strangers():
-                self.wrong("short write", f"{n}: status {status}, {self.states()} {said}")
-        self.count("files: short writes", n - 1)
-
-    def file_fault(self, call: str, number: int, n: int) -> bool:
-        self.make_old()
-        status, said, met = self.run(f"{call}:{number}:{n}")
-        if met < n:
-            return False
-        states = self.states()
-        old = [name for name, state in states.items() if state == "old"]
-        # A file without a name that cannot be made, or not be named, may be made in another way.
-        helped = call in ("open", "link") and not old and status == 0 and not said
-        is_right = helped or (status == 4 and len(old) == 1 and list(states.values()).count("new") == len(OUTPUTS) - 1 and
-                              said.count("\n") == 1 and old[0] in said and os.strerror(number) in said)
-        if not is_right or self.strangers():
-            self.wrong("file", f"{call} {n} {errno.errorcode[number]}: status {status}, {states}, {self.strangers()}, {said!r}")
-        return True
-
     # ---- memory ----
 
     def memory(self) -> None:
@@ -286,23 +246,20 @@ class Probe:
 def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("program", type=pathlib.Path)
-    parser.add_argument("--only", choices=("kills", "files", "memory", "limits"), action="append")
+    parser.add_argument("--only", choices=("kills", "memory", "limits"), action="append")
     parser.add_argument("--kills", type=int, default=500)
     parser.add_argument("--places", type=int, default=400, help="places where allocations fail")
     parser.add_argument("--areas", type=int, default=1000)
     parser.add_argument("--seed", type=int, default=1)
     options = parser.parse_args()
-    parts = options.only or ["kills", "files", "memory", "limits"]
+    parts = options.only or ["kills", "memory", "limits"]
     with tempfile.TemporaryDirectory() as temporary:
         probe = Probe(str(options.program.resolve()), pathlib.Path(temporary), options)
         first, last = probe.run_alone()
         if "kills" in parts:
             probe.kills(first, last)
-        if set(parts) & {"files", "memory"}:
-            probe.build_shim()
-        if "files" in parts:
-            probe.files()
         if "memory" in parts:
+            probe.build_shim()
             probe.memory()
         if "limits" in parts:
             probe.limits()
