@@ -1,12 +1,19 @@
-// A folder that no other test, run or user has.
+// A folder that no other test, run or user has, and what files hold.
 #pragma once
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
 namespace tests {
+
+inline std::string fileText(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
 
 /// A new folder in the temporary folder, removed with all it holds at the end of its life.
 class OwnFolder {

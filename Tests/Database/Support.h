@@ -14,17 +14,11 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Dxf/DxfFile.h"
+#include "OwnFolder.h"
 #include "Places.h"
 #include "dbapserv.h"
 
 namespace tests {
-
-inline std::string fileText(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  std::stringstream all;
-  all << in.rdbuf();
-  return all.str();
-}
 
 /// The folder of real drawings beside the checkout, or empty. TOLMEX_DRAWINGS names another place.
 inline std::filesystem::path realDrawingFolder() {

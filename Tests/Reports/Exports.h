@@ -10,12 +10,11 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <thread>
 
+#include "OwnFolder.h"
 #include "Places.h"
 
 namespace tests {
@@ -59,23 +58,17 @@ class Exports {
   }
 };
 
-inline std::string contentOf(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
 /// A folder of the test's own.
 class InFolder : public testing::Test {
  protected:
-  InFolder() {
-    std::string name = (fs::temp_directory_path() / "tolmex-reports-XXXXXX").string();
-    folder = ::mkdtemp(name.data());
-  }
-  ~InFolder() override { fs::remove_all(folder); }
-
   struct Outcome {
     int status = -1;  // 128 + N when signal N ended it
     std::string out, err;
+
+    bool operator==(const Outcome&) const = default;
+    friend void PrintTo(const Outcome& outcome, std::ostream* stream) {
+      *stream << "status " << outcome.status << "\nout: " << outcome.out << "\nerr: " << outcome.err;
+    }
   };
   /// Runs the body in a process of its own; what it answers is the exit status.
   Outcome inProcess(const std::function<int()>& body) const {
@@ -98,8 +91,8 @@ class InFolder : public testing::Test {
   Outcome finish(pid_t child) const {
     int status = 0;
     ::waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), contentOf(folder / "out"),
-            contentOf(folder / "err")};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), fileText(folder / "out"),
+            fileText(folder / "err")};
   }
   /// Waits for it; false after ten seconds.
   static bool eventually(const std::function<bool()>& isSo) {
@@ -110,7 +103,8 @@ class InFolder : public testing::Test {
     return false;
   }
 
-  fs::path folder;
+  const OwnFolder own;
+  const fs::path& folder = own.path;
 };
 
 }  // namespace tests
