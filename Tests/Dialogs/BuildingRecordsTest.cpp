@@ -19,43 +19,43 @@ class BuildingRecords : public BuildingPlan {
     run("TLM_MUOK_HARJAVIIVA\n" + pickHandle(ridge) + "\n");
     return ridge;
   }
-  bool said(const std::string& text) const { return transcript_.find(text) != std::string::npos; }
 
+  using Texts = std::vector<std::string>;
   /// The stored items; the last two are there with a ridge line.
   static std::string items(const std::string& base, const std::string& eaves, const std::string& floorHeight,
                            const std::string& floors, const std::string& roof, const std::string& shadow = "45",
                            const std::string& sun = "42", const std::string& ridge = {}) {
     std::string all = "1001 ORV_VR";
-    for (const std::string& text : {std::string("_ENTITYTYPE"),
-                                    std::string("building"),
-                                    std::string("rooflinelayer"),
-                                    std::string("tmv_harjav"),
-                                    std::string("baseheight"),
-                                    base,
-                                    std::string("eavesWidth"),
-                                    eaves,
-                                    std::string("floorheight"),
-                                    floorHeight,
-                                    std::string("nrfloors"),
-                                    floors,
-                                    std::string("roofmaterial"),
-                                    std::string("Surf_MetalPlate"),
-                                    std::string("basematerial"),
-                                    std::string("Surf_Concrete"),
-                                    std::string("texwidth"),
-                                    std::string("16"),
-                                    std::string("basematerial"),
-                                    std::string("Surf_Concrete"),
-                                    std::string("materials"),
-                                    std::string("mat_rakennus"),
-                                    std::string("roofheight"),
-                                    roof,
-                                    std::string("TOLM_VERSION"),
-                                    std::string("1"),
-                                    std::string("tolm_bld_shadowcolor"),
-                                    shadow,
-                                    std::string("tolm_bld_suncolor"),
-                                    sun}) {
+    for (const std::string& text : Texts{"_ENTITYTYPE",
+                                         "building",
+                                         "rooflinelayer",
+                                         "tmv_harjav",
+                                         "baseheight",
+                                         base,
+                                         "eavesWidth",
+                                         eaves,
+                                         "floorheight",
+                                         floorHeight,
+                                         "nrfloors",
+                                         floors,
+                                         "roofmaterial",
+                                         "Surf_MetalPlate",
+                                         "basematerial",
+                                         "Surf_Concrete",
+                                         "texwidth",
+                                         "16",
+                                         "basematerial",
+                                         "Surf_Concrete",
+                                         "materials",
+                                         "mat_rakennus",
+                                         "roofheight",
+                                         roof,
+                                         "TOLM_VERSION",
+                                         "1",
+                                         "tolm_bld_shadowcolor",
+                                         shadow,
+                                         "tolm_bld_suncolor",
+                                         sun}) {
       all += "|1000 " + text;
     }
     return ridge.empty() ? all : all + "|1000 tolm_roofline_handle|1005 " + ridge;
@@ -200,13 +200,7 @@ TEST_F(BuildingRecords, RecordsOfOtherVersionsAreTakenAsFarAsTheyGo) {
 }
 
 TEST_F(BuildingRecords, OldPolylinesGoToTheLayerWithTheirVertices) {
-  openText(
-      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n"
-      "  0\nPOLYLINE\n  5\n50\n100\nAcDbEntity\n  8\n0\n100\nAcDb2dPolyline\n 66\n1\n 10\n0\n 20\n0\n 30\n0\n 70\n1\n"
-      "  0\nVERTEX\n  5\n51\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n 10\n0\n 20\n0\n"
-      "  0\nVERTEX\n  5\n52\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n 10\n20\n 20\n0\n"
-      "  0\nVERTEX\n  5\n53\n100\nAcDbEntity\n  8\n0\n100\nAcDbVertex\n100\nAcDb2dVertex\n 10\n20\n 20\n9\n"
-      "  0\nSEQEND\n  5\n54\n100\nAcDbEntity\n  8\n0\n  0\nENDSEC\n  0\nEOF\n");
+  openText(plainDrawing(oldPolyline(50, {"10 0|20 0|42 0|", "10 20|20 0|", "10 20|20 9|"})));
   run(open(pickHandle("50")) + numbers("1", "3", "0", "0") + "OK\n");
   EXPECT_EQ(record("50"), items("0", "0", "3", "1", "0"));
   for (const char* const part : {"50", "51", "52", "53"}) EXPECT_EQ(layer(slot(part)), L"tmv_rak") << part;

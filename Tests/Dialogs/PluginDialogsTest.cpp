@@ -11,13 +11,10 @@ using namespace tests;
 
 class PluginDialogs : public Plan {
  protected:
-  bool said(const std::string& text) const { return transcript_.find(text) != std::string::npos; }
-  void expectFailure(const std::string& script, const std::string& part) {
-    const auto result = tryRun(script);
-    EXPECT_EQ(result.status(), host::RunStatus::ScriptFailed) << transcript_;
-    EXPECT_NE(result.message().find(part), std::string::npos) << result.message();
-  }
   /// Extended data of text items, as a command would have left it.
+  void expectShown(const std::vector<std::string>& controls) {
+    for (const std::string& control : controls) EXPECT_TRUE(said(control + "\n")) << control << "\n" << transcript_;
+  }
   void setData(const Slot& entity, const wchar_t* application, const std::vector<const wchar_t*>& texts) {
     acdbRegApp(application);
     AcDbObjectId id;
@@ -108,10 +105,8 @@ TEST_F(PluginDialogs, UndoneColorsAreForgotten) {
 TEST_F(PluginDialogs, TheSchemeIsSavedWhereItWasFound) {
   iniFile("asfaltti 3\nnurmi 999\nvieras 5\n");
   run("TLM_MUOK_VARIT\n30224 5\nTallenna tiedostoon\n30225 6\nCancel\n");
-  std::ifstream file(folder_ / "support" / "tolm.ini");
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   // A colour that no box can show is kept.
-  EXPECT_EQ(text,
+  EXPECT_EQ(fileText(folder_ / "support" / "tolm.ini"),
             "asfaltti\t3\nnurmi\t999\nsora\t5\npihalaatta\t252\npolku\t31\npensasviiva\t92\nmetsa\t105\n"
             "kattotayttovarjo\t45\nkattotayttoaurinko\t42\n");
   EXPECT_EQ(layerColor(L"tma_sora"), 5);
@@ -146,10 +141,8 @@ TEST_F(PluginDialogs, ABuildingNeedsItsFourNumbers) {
   // The next new building starts from what was accepted, in another drawing too.
   openText(text());
   run("TLM_MUOK_RAKENNUS\n" + pick(*polyline(50)) + "\nLIST\nCancel\n");
-  for (const char* const line : {"30211 edit \"3\"\n", "30206 edit \"2.8\"\n", "30207 edit \"0.5\"\n",
-                                 "30208 edit \"-0.4\"\n", "30237 drop-down list \"77\"\n"}) {
-    EXPECT_TRUE(said(line)) << line << transcript_;
-  }
+  expectShown({R"(30211 edit "3")", R"(30206 edit "2.8")", R"(30207 edit "0.5")", R"(30208 edit "-0.4")"});
+  EXPECT_TRUE(said("30237 drop-down list \"77\""));
 }
 
 TEST_F(PluginDialogs, ARidgeLineIsPicked) {
@@ -180,11 +173,9 @@ TEST_F(PluginDialogs, ABuildingShowsItsRecordAsStored) {
            L"eavesWidth", L"0.5", L"roofheight", L"1.75", L"tolm_bld_shadowcolor", L"12", L"tolm_bld_suncolor", L"13",
            L"tolm_roofline_handle", ridge.c_str()});
   run("TLM_MUOK_RAKENNUS\n" + pick(*outline) + "\nLIST\nCancel\n");
-  for (const char* const line : {"30211 edit \"3\"\n", "30206 edit \"2.80\"\n", "30207 edit \"0.5\"\n",
-                                 "30208 edit \"0.40\"\n", "30236 drop-down list \"13\"\n",
-                                 "30237 drop-down list \"12\"\n", "270 text \"Harjaviiva määritetty (1.75 m).\"\n"}) {
-    EXPECT_TRUE(said(line)) << line << transcript_;
-  }
+  expectShown({R"(30211 edit "3")", R"(30206 edit "2.80")", R"(30207 edit "0.5")", R"(30208 edit "0.40")",
+               R"(270 text "Harjaviiva määritetty (1.75 m).")"});
+  EXPECT_TRUE(said("30236 drop-down list \"13\"") && said("30237 drop-down list \"12\""));
 }
 
 TEST_F(PluginDialogs, SeveralBuildingsHaveNoRidgeLine) {
@@ -206,10 +197,8 @@ TEST_F(PluginDialogs, ShadowSettingsAreTakenByOkOnly) {
   }
   EXPECT_EQ(layerColor(L"tmv_varjo"), 7);
   run(open + "30216 90\n30217 -2.5\n30218 0.123456789\n30222 5\n30203 piste\nOK\n" + open + "LIST\nCancel\n");
-  for (const char* const line : {"30216 edit \"90\"\n", "30217 edit \"-2.5\"\n", "30218 edit \"0.123457\"\n",
-                                 "30222 drop-down list \"Blue\"\n", "30203 drop-down list \"Piste\"\n"}) {
-    EXPECT_TRUE(said(line)) << line << transcript_;
-  }
+  expectShown({R"(30216 edit "90")", R"(30217 edit "-2.5")", R"(30218 edit "0.123457")",
+               R"(30222 drop-down list "Blue")", R"(30203 drop-down list "Piste")"});
   EXPECT_EQ(layerColor(L"tmv_varjo"), 5);
   expectFailure(open + "30222 ByLayer\n", "has no entry \"ByLayer\"; its entries: \"Red\"");
 }
@@ -217,10 +206,7 @@ TEST_F(PluginDialogs, ShadowSettingsAreTakenByOkOnly) {
 TEST_F(PluginDialogs, UndoneShadowSettingsAreForgotten) {
   const std::string open = "TLM_VARJO_OMINAISUUDET\n";
   run("TLM_MUOK_VARIT_PAALLE\n" + open + "30216 90\n30222 5\n30203 Piste\nOK\nU\n" + open + "LIST\nCancel\n");
-  for (const char* const line :
-       {"30216 edit \"45\"\n", "30222 drop-down list \"White\"\n", "30203 drop-down list \"Viiva\"\n"}) {
-    EXPECT_TRUE(said(line)) << line << transcript_;
-  }
+  expectShown({R"(30216 edit "45")", R"(30222 drop-down list "White")", R"(30203 drop-down list "Viiva")"});
   run(open + "30216 90\nOK\n" + open + "30216 10\nOK\nU\n" + open + "LIST\nCancel\n");
   EXPECT_TRUE(said("30216 edit \"90\"\n")) << transcript_;
 }

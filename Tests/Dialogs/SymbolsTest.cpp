@@ -1,7 +1,6 @@
 // Symbols: what is listed, shown and inserted.
 #include <sys/stat.h>
 
-#include <chrono>
 #include <cstdint>
 
 #include "Illustration/Plan.h"
@@ -17,11 +16,6 @@ using namespace tests;
 const fs::path kExamples = fs::path(kSourceDir) / "examples" / "symbols";
 const fs::path kTree = kExamples / "lehtipuu_2vt.dwg";
 
-std::string fileText(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
 class Symbols : public Plan {
  protected:
   Symbols() : symbols_(folder_ / "support" / "symbolit") { fs::create_directories(symbols_); }
@@ -33,7 +27,6 @@ class Symbols : public Plan {
   void pathFile(const std::string& text) const { std::ofstream(folder_ / "support" / "orvpath.cfg") << text; }
   /// A script that opens the dialog on the symbols.
   static std::string opened(const std::string& actions) { return "TLM_LIS_SYMBOLI\n30255\nsymbolit\n" + actions; }
-  bool said(const std::string& text) const { return transcript_.find(text) != std::string::npos; }
   std::vector<std::string> lists() const {
     std::vector<std::string> found;
     std::stringstream lines(transcript_);
@@ -41,11 +34,6 @@ class Symbols : public Plan {
       if (line.starts_with("  30239 list ")) found.push_back(line.substr(13));
     }
     return found;
-  }
-  void expectFailure(const std::string& script, const std::string& part) {
-    const auto result = tryRun(script);
-    EXPECT_EQ(result.status(), host::RunStatus::ScriptFailed) << transcript_;
-    EXPECT_NE(result.message().find(part), std::string::npos) << result.message();
   }
   std::size_t entitiesOf(const wchar_t* block) {
     const auto* const contents = drawing().findBlock(block);
@@ -191,14 +179,11 @@ TEST_F(Symbols, LockedDrawingShowsNoDialog) {
   EXPECT_TRUE(said("Unable to lock document for modification."));
 }
 
-TEST_F(Symbols, FiveThousandAreListedQuickly) {
+TEST_F(Symbols, FiveThousandAreListed) {
   const fs::path tree = symbol("puu0_0.dwg");
   for (int i = 1; i < 5000; ++i) fs::create_hard_link(tree, symbols_ / ("puu" + std::to_string(i) + "_0.dwg"));
-  const auto start = std::chrono::steady_clock::now();
   run(opened("30263\n30267\n30239 puu4999\nLisää\n0,0\n\n30239 puu0\nLisää\n1,1\n^C\n"));
-  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   EXPECT_EQ(living(DxfType::Insert).size(), 2U);
-  EXPECT_LT(seconds.count(), 10) << "seconds";  // with sanitizers on a busy machine; without it takes a tenth of one
 }
 
 TEST_F(Symbols, PaneShowsTheSymbol) {

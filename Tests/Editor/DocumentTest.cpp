@@ -20,21 +20,7 @@ class Documents : public test::Host {
  protected:
   /// Lines of somebody who can be asked again.
   void type(std::vector<std::string> lines) {
-    class Typed final : public host::editor::LineInput {
-     public:
-      explicit Typed(std::vector<std::string> typed) : lines_(std::move(typed)) {}
-      bool isInteractive() const override { return true; }
-
-     protected:
-      std::optional<std::wstring> readLine(const host::editor::Question&) override {
-        if (next_ == lines_.size()) return std::nullopt;
-        return host::text::fromUtf8(lines_[next_++]);
-      }
-
-     private:
-      std::vector<std::string> lines_;
-      std::size_t next_ = 0;
-    } input(std::move(lines));
+    test::Typed input(std::move(lines));
     transcript.clear();
     EXPECT_TRUE(app.run(input));
   }
@@ -122,10 +108,6 @@ TEST_F(Documents, ADrawingIsOpenOnceWhateverItIsCalled) {
 
 TEST_F(Documents, WhatOthersWroteIsNotReplacedUnasked) {
   const fs::path plan = folder / "plan.dxf", older = folder / "older.dxf";
-  const auto text = [](const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string{std::istreambuf_iterator<char>(in), {}};
-  };
   expectDone("LINE 0,0 1,0\n\nSAVEAS " + older.string() + "\nLINE 0,0 2,0\n\nSAVEAS " + plan.string() + "\n");
   // What this session writes itself is no change.
   expectDone("LINE 0,0 3,0\n\nQSAVE\nLINE 0,0 4,0\n\nQSAVE\n");
@@ -140,7 +122,7 @@ TEST_F(Documents, WhatOthersWroteIsNotReplacedUnasked) {
   };
   for (const auto& change : changes) {
     change();
-    const std::string theirs = text(plan);
+    const std::string theirs = tests::fileText(plan);
     const host::Result<> result = run("LINE 0,0 5,0\n\nQSAVE\n");
     EXPECT_EQ(result.status(), host::RunStatus::OutputFailed);
     EXPECT_NE(
@@ -148,16 +130,16 @@ TEST_F(Documents, WhatOthersWroteIsNotReplacedUnasked) {
         std::string::npos)
         << result.message();
     EXPECT_EQ(app.saveDrawing(plan).status(), host::RunStatus::OutputFailed);
-    EXPECT_TRUE(text(plan) == theirs);
+    EXPECT_TRUE(tests::fileText(plan) == theirs);
     EXPECT_TRUE(app.drawing()->isModified());
     // Somebody who is there is asked.
     type({"QSAVE", "", "QUIT", "Yes", "No"});
     EXPECT_TRUE(said(L"plan.dxf has been changed by somebody else since it was opened. Replace it all the same?"))
         << host::text::toUtf8(transcript);
-    EXPECT_TRUE(text(plan) == theirs);
+    EXPECT_TRUE(tests::fileText(plan) == theirs);
     EXPECT_FALSE(app.quitRequested());
     type({"QSAVE", "Yes", "QSAVE"});
-    EXPECT_FALSE(text(plan) == theirs);
+    EXPECT_FALSE(tests::fileText(plan) == theirs);
     EXPECT_FALSE(app.drawing()->isModified());
   }
   // Another name may be used at any time, whatever is there.

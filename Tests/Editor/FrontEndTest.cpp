@@ -39,17 +39,15 @@ class Window final : public host::editor::Observer, public host::editor::InputSo
   }
   bool isInteractive() const override { return true; }
 
-  void type(std::wstring text) {
-    Answer answer;
-    answer.kind = text.empty() ? Answer::Kind::Enter : Answer::Kind::Text;
-    answer.text = std::move(text);
-    answers.push_back(std::move(answer));
-  }
-  void point(double x, double y) {
-    Answer answer;
-    answer.kind = Answer::Kind::Point;
-    answer.point = {x, y, 0};
-    answers.push_back(std::move(answer));
+  /// A point where the text is one, Enter where it is empty.
+  void type(std::initializer_list<const wchar_t*> texts) {
+    for (const wchar_t* const text : texts) {
+      Answer answer;
+      answer.text = text;
+      answer.kind = answer.text.empty() ? Answer::Kind::Enter : Answer::Kind::Text;
+      if (std::swscanf(text, L"%lf,%lf", &answer.point.x, &answer.point.y) == 2) answer.kind = Answer::Kind::Point;
+      answers.push_back(std::move(answer));
+    }
   }
 
   std::vector<Answer> answers;
@@ -83,15 +81,7 @@ class FrontEnd : public testing::Test {
 };
 
 TEST_F(FrontEnd, HearsWhatEachQuestionWants) {
-  window.type(L"LINE");
-  window.point(0, 0);
-  window.point(5, 0);
-  window.type(L"");
-  window.type(L"LTSCALE");
-  window.type(L"2");
-  window.type(L"ERASE");
-  window.type(L"ALL");
-  window.type(L"");
+  window.type({L"LINE", L"0,0", L"5,0", L"", L"LTSCALE", L"2", L"ERASE", L"ALL", L""});
   ASSERT_TRUE(app.run(window));
   ASSERT_EQ(window.asked.size(), 10U);
   EXPECT_EQ(window.asked[0].wanted, Wanted::Command);
@@ -107,30 +97,18 @@ TEST_F(FrontEnd, HearsWhatEachQuestionWants) {
 }
 
 TEST_F(FrontEnd, SeesSelectionsGrowAndGo) {
-  window.type(L"LINE");
-  window.point(0, 0);
-  window.point(5, 0);
-  window.point(5, 5);
-  window.type(L"");
-  window.type(L"SELECT");
-  window.point(2, 0);
-  window.type(L"ALL");
-  window.type(L"");
+  window.type({L"LINE", L"0,0", L"5,0", L"5,5", L"", L"SELECT", L"2,0", L"ALL", L""});
   ASSERT_TRUE(app.run(window));
   EXPECT_EQ(window.highlighted, (std::vector<std::size_t>{1, 2, 0}));
   app.setPickfirst({entities().front()});
-  window.type(L"LINE");
-  window.type(L"");
+  window.type({L"LINE", L""});
   ASSERT_TRUE(app.run(window));
   EXPECT_EQ(window.pickfirst, (std::vector<std::size_t>{1, 0}));
 }
 
 TEST_F(FrontEnd, HearsWhichObjectsACommandChanged) {
   EXPECT_EQ(window.drawingSwitches, 1);
-  window.type(L"LINE");
-  window.point(0, 0);
-  window.point(5, 0);
-  window.type(L"");
+  window.type({L"LINE", L"0,0", L"5,0", L""});
   ASSERT_TRUE(app.run(window));
   ASSERT_EQ(window.changes.size(), 1U);
   host::database::Slot* const line = entities().front();
@@ -140,15 +118,10 @@ TEST_F(FrontEnd, HearsWhichObjectsACommandChanged) {
   EXPECT_TRUE(has(window.changes[0]));
   EXPECT_FALSE(window.changes[0].isWhole);
   // Looking at an object changes nothing; a command that changes nothing is not heard of.
-  window.type(L"LIST");
-  window.type(L"ALL");
-  window.type(L"");
+  window.type({L"LIST", L"ALL", L""});
   ASSERT_TRUE(app.run(window));
   EXPECT_EQ(window.changes.size(), 1U);
-  window.type(L"ERASE");
-  window.type(L"ALL");
-  window.type(L"");
-  window.type(L"U");
+  window.type({L"ERASE", L"ALL", L"", L"U"});
   ASSERT_TRUE(app.run(window));
   ASSERT_EQ(window.changes.size(), 3U);
   EXPECT_TRUE(has(window.changes[1]));
@@ -157,7 +130,7 @@ TEST_F(FrontEnd, HearsWhichObjectsACommandChanged) {
 }
 
 TEST_F(FrontEnd, GetsProblemsWithTheirCodes) {
-  window.type(L"LINX");
+  window.type({L"LINX"});
   ASSERT_TRUE(app.run(window));
   ASSERT_EQ(window.problems.size(), 1U);
   EXPECT_EQ(host::nameOf(window.problems[0].code), "command-unknown");
@@ -188,10 +161,7 @@ class Thrower final : public AcEditorReactor, public AcApDocManagerReactor {
 TEST_F(FrontEnd, ReactorsThatThrowStopNothing) {
   {
     const Thrower thrower;
-    window.type(L"LINE");
-    window.point(0, 0);
-    window.point(5, 0);
-    window.type(L"");
+    window.type({L"LINE", L"0,0", L"5,0", L""});
     ASSERT_TRUE(app.run(window));
     ASSERT_TRUE(app.newDrawing());
   }

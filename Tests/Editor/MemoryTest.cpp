@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "Faults/Allocations.h"
+#include "OwnFolder.h"
 #include "Support.h"
 #include "acedCmdNF.h"
 #include "acedads.h"
@@ -19,39 +20,15 @@ constexpr const char* kPlan =
     "LAYER N talot,puut C 3 puut\n\nPLINE 0,0 10,0 10,10 0,10 C\nLINE 20,0 30,0 30,10\n\nLAYER S puut\n\nLINE 1,1 "
     "2,2\n\n";
 
-/// Lines of somebody who can be asked again; each is taken with what `before` does.
-class Typed final : public host::editor::LineInput {
- public:
-  explicit Typed(std::vector<std::wstring> lines) : lines_(std::move(lines)) {}
-  bool isInteractive() const override { return true; }
-  std::function<void(const std::wstring& line)> before;
-
- protected:
-  std::optional<std::wstring> readLine(const host::editor::Question&) override {
-    if (next_ == lines_.size()) return std::nullopt;
-    if (before) before(lines_[next_]);
-    return lines_[next_++];
-  }
-
- private:
-  std::vector<std::wstring> lines_;
-  std::size_t next_ = 0;
-};
-
 class MemoryOf : public test::Host {
  protected:
-  MemoryOf() : folder_(fs::temp_directory_path() / ("tolmex-editor-memory-" + std::to_string(::getpid()))) {
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
+  MemoryOf() {
     expectDone(kPlan);
     before_ = text();
     std::ofstream(folder_ / "plan.dxf", std::ios::binary) << before_;
     app.closeDrawing();
   }
-  ~MemoryOf() override {
-    tests::faults::off();
-    fs::remove_all(folder_);
-  }
+  ~MemoryOf() override { tests::faults::off(); }
 
   std::string text() { return host::dxf::drawingText(*app.drawing()); }
   void reopen() {
@@ -94,7 +71,8 @@ class MemoryOf : public test::Host {
     }
   }
 
-  fs::path folder_;
+  const tests::OwnFolder own_;
+  const fs::path& folder_ = own_.path;
   std::string before_;
 };
 
@@ -134,11 +112,11 @@ TEST_F(MemoryOf, SomebodyAtATerminalSavesTheWork) {
     reopen();
     fs::remove(saved);
     problems.clear();
-    Typed typed(
-        {L"LINE 0,0 1,0", L"", L"PLINE 0,0 4,0 4,4", L"", L"ERASE L", L"", L"SAVEAS \"" + saved.wstring() + L"\""});
-    typed.before = [&](const std::wstring& line) {
-      if (line.starts_with(L"PLINE")) tests::faults::failAllocation(n, Lasting::AllFromThere, Whose::Everybody);
-      if (line.starts_with(L"SAVEAS")) tests::faults::off();
+    test::Typed typed(
+        {"LINE 0,0 1,0", "", "PLINE 0,0 4,0 4,4", "", "ERASE L", "", "SAVEAS \"" + saved.string() + "\""});
+    typed.before = [&](const std::string& line) {
+      if (line.starts_with("PLINE")) tests::faults::failAllocation(n, Lasting::AllFromThere, Whose::Everybody);
+      if (line.starts_with("SAVEAS")) tests::faults::off();
     };
     return app.run(typed);
   };

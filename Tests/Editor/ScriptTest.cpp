@@ -4,6 +4,7 @@
 
 #include "Editor/Answers.h"
 #include "Editor/DialogInput.h"
+#include "OwnFolder.h"
 #include "Support.h"
 #include "acedCmdNF.h"
 #include "acedads.h"
@@ -148,8 +149,8 @@ TEST_F(Runs, EscEndsTheCommandAndKeepsTheScript) {
 }
 
 TEST_F(Runs, ScriptsCallScripts) {
-  const std::filesystem::path folder = testing::TempDir() + "/called_scripts";
-  std::filesystem::create_directories(folder);
+  const tests::OwnFolder own;
+  const auto& folder = own.path;
   std::ofstream(folder / "inner.scr") << "LINE 0,0 1,0\n\n";
   std::ofstream(folder / "endless.scr") << "SCRIPT " << (folder / "endless.scr").string() << "\n";
   expectDone("SCRIPT " + (folder / "inner").string() + "\nDELAY 500\nRESUME\nLINE 0,0 2,0\n\n");
@@ -161,12 +162,11 @@ TEST_F(Runs, ScriptsCallScripts) {
                 "again.scr:3: RSCRIPT: It would repeat this script without end");
   expectFailure("SCRIPT " + (folder / "endless.scr").string() + "\n", "too deeply");
   expectFailure("SCRIPT " + (folder / "none.scr").string() + "\n", "cannot be read");
-  std::filesystem::remove_all(folder);
 }
 
 TEST_F(Runs, AWholeScriptIsOneUndoStep) {
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "tolmex-undo-test";
-  std::filesystem::create_directories(folder);
+  const tests::OwnFolder own;
+  const auto& folder = own.path;
   std::ofstream(folder / "inner.scr") << "LINE 0,0 1,0\n\nLINE 0,0 2,0\n\n";
   std::ofstream(folder / "outer.scr") << "LINE 0,0 3,0\n\nSCRIPT " << (folder / "inner.scr").string()
                                       << "\nLINE 0,0 4,0\n\n";
@@ -188,7 +188,6 @@ TEST_F(Runs, AWholeScriptIsOneUndoStep) {
   EXPECT_EQ(entities().size(), 2U);
   expectDone("U\n");
   EXPECT_EQ(entities().size(), 1U);
-  std::filesystem::remove_all(folder);
 }
 
 TEST_F(Runs, ACommandLeftAtOnceLeavesTheDrawingAsItWas) {
@@ -322,25 +321,8 @@ TEST_F(Runs, InterruptEndsTheCommandAndTheScript) {
   expectDone("LINE 0,0 1,1\n\n");
 }
 
-/// Stands for somebody at a terminal.
-class Typed : public host::editor::LineInput {
- public:
-  explicit Typed(std::vector<std::wstring> lines) : lines_(std::move(lines)) {}
-  bool isInteractive() const override { return true; }
-
- protected:
-  std::optional<std::wstring> readLine(const host::editor::Question&) override {
-    return next_ < lines_.size() ? std::optional(lines_[next_++]) : std::nullopt;
-  }
-
- private:
-  std::vector<std::wstring> lines_;
-  std::size_t next_ = 0;
-};
-
 TEST_F(Runs, AtATerminalQuestionsAreAskedAgain) {
-  Typed input(
-      {L"LAYR", L"LINE", L"oops", L"0,0", L"1,1", L"", L"", L"2,2", L"3,3", L"", L"LAYER S nowhere", L"0", L""});
+  test::Typed input({"LAYR", "LINE", "oops", "0,0", "1,1", "", "", "2,2", "3,3", "", "LAYER S nowhere", "0", ""});
   const host::Result<> result = app.run(input);
   EXPECT_TRUE(result) << result.message();
   EXPECT_EQ(problems.size(), 1U);    // the unknown command

@@ -19,6 +19,25 @@ namespace test {
 using host::database::DxfType;
 using host::database::Slot;
 
+/// Lines of somebody at a terminal, who can be asked again; each is taken with what `before` does.
+class Typed final : public host::editor::LineInput {
+ public:
+  explicit Typed(std::vector<std::string> lines) : lines_(std::move(lines)) {}
+  bool isInteractive() const override { return true; }
+  std::function<void(const std::string& line)> before;
+
+ protected:
+  std::optional<std::wstring> readLine(const host::editor::Question&) override {
+    if (next_ == lines_.size()) return std::nullopt;
+    if (before) before(lines_[next_]);
+    return host::text::fromUtf8(lines_[next_++]);
+  }
+
+ private:
+  std::vector<std::string> lines_;
+  std::size_t next_ = 0;
+};
+
 /// Commands that stand for a plug-in's: registered in a group of their own, dropped at the end.
 class Host : public testing::Test {
  protected:

@@ -54,6 +54,13 @@ class BuildingPlan : public Plan {
     openText(all);
   }
 
+  /// Settings of shadows for that: cast from there, in the colour 5, with the scale 0.3.
+  static std::string settings(const std::string& angle, const std::string& type = "20",
+                              const std::string& length = "3.0") {
+    return tagLines("1 SHADOWANGLERAD|40 " + angle + "|1 SHADOWCOLOR|70 5|1 SHADOWLENGTHPERFLOOR|40 " + length +
+                    "|1 SHADOWSCALE|40 0.3|1 SHADOWHATCHTYPE|70 " + type + "|");
+  }
+
   /// A closed rectangle; its handle.
   std::string rectangle(double x, double y, double width, double height) {
     const auto corner = [](double a, double b) { return std::to_string(a) + "," + std::to_string(b) + "\n"; };
@@ -70,6 +77,18 @@ class BuildingPlan : public Plan {
   Slot& slot(const std::string& handle) { return *drawing().findHandle(host::text::parseHandle(handle)); }
 
   std::size_t shadowCount() { return living(DxfType::Hatch, L"tmv_varjo").size(); }
+  /// The corners of a hatch's one loop.
+  static std::vector<std::pair<double, double>> corners(const Slot& hatch) {
+    std::vector<std::pair<double, double>> found;
+    bool isInLoop = false;
+    Tag tag;
+    for (TagCursor cursor = hatch.tags(); cursor.next(tag) && tag.code != 97;) {
+      isInLoop = isInLoop || tag.code == 93;
+      if (isInLoop && tag.code == 10) found.emplace_back(tag.real(), 0);
+      if (isInLoop && tag.code == 20) found.back().second = tag.real();
+    }
+    return found;
+  }
   std::size_t roofCount() { return living(DxfType::Hatch, L"tma_katto").size(); }
   /// Every living group's description by its name.
   std::map<std::string, const Slot*> groups() {

@@ -15,6 +15,7 @@
 #include "Dxf/DxfFile.h"
 #include "Editor/Application.h"
 #include "Editor/ScriptInput.h"
+#include "OwnFolder.h"
 #include "Places.h"
 #include "Text/Text.h"
 
@@ -72,20 +73,15 @@ class Plan : public testing::Test {
 
  protected:
   Plan() : application_(options(this)) {
-    folder_ = std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid()));
-    std::filesystem::remove_all(folder_);
     std::filesystem::create_directories(folder_ / "support");
     EXPECT_TRUE(application_.newDrawing());
     const auto loaded = application_.loadModule(std::filesystem::path(kBinDir) / "tolmex.arx");
     EXPECT_TRUE(loaded) << loaded.message();
   }
-  ~Plan() override { std::filesystem::remove_all(folder_); }
-
   static host::editor::ApplicationOptions options(Plan* plan) {
     host::editor::ApplicationOptions options;
     options.observer = &plan->frontEnd_;
-    options.supportFolders = {std::filesystem::temp_directory_path() / ("tolmex-plan-" + std::to_string(::getpid())) /
-                              "support"};
+    options.supportFolders = {plan->folder_ / "support"};
     return options;
   }
 
@@ -101,6 +97,13 @@ class Plan : public testing::Test {
     host::editor::ScriptInput input(script, "test.scr");
     return application_.run(input);
   }
+
+  void expectFailure(const std::string& script, const std::string& part) {
+    const auto result = tryRun(script);
+    EXPECT_EQ(result.status(), host::RunStatus::ScriptFailed) << transcript_;
+    EXPECT_NE(result.message().find(part), std::string::npos) << result.message();
+  }
+  bool said(const std::string& text) const { return transcript_.find(text) != std::string::npos; }
 
   DrawingDatabase& drawing() { return *application_.drawing(); }
   std::string text() { return host::dxf::drawingText(drawing()); }
@@ -168,7 +171,8 @@ class Plan : public testing::Test {
   std::string pick(const Slot& slot) { return "(handent \"" + handle(slot) + "\")\n"; }
   void iniFile(const std::string& text) { std::ofstream(folder_ / "support" / "tolm.ini") << text; }
 
-  std::filesystem::path folder_;
+  const OwnFolder own_;
+  const std::filesystem::path& folder_ = own_.path;
   std::string transcript_;
   std::vector<std::string> problems_;
   std::function<void()> whenShown_;  // called for every piece of the transcript, dialogs open or not

@@ -49,18 +49,4 @@ TEST_F(ShadowCost, GrowsWithTheBuildingsOnly) {
   }
 }
 
-TEST_F(ShadowCost, SpellsAndMakesNothingThatNobodyAskedFor) {
-  build(5);
-  update();
-  update();
-  for (const Slot* const entity : drawing().modelSpace().entities) {
-    const bool isMade = entity->type == DxfType::Polyline3d || entity->type == DxfType::Hatch;
-    if (!isMade) continue;
-    EXPECT_NE(entity->live->record.unwritten(), nullptr) << handle(*entity);
-    EXPECT_EQ(entity->type == DxfType::Polyline3d, entity->unmadeVertices() != nullptr) << handle(*entity);
-  }
-  const std::string before = text();
-  EXPECT_EQ(text(), before);
-}
-
 }  // namespace

@@ -10,29 +10,13 @@ using namespace tests;
 class Shadows : public BuildingPlan {
  protected:
   double real(const Slot& slot, int code) { return std::stod(value(slot, code)); }
-  std::vector<std::pair<double, double>> points(const Slot& hatch) {
-    std::vector<std::pair<double, double>> found;
-    bool isInLoop = false;
-    Tag tag;
-    for (TagCursor cursor = hatch.tags(); cursor.next(tag) && tag.code != 75;) {
-      if (tag.code == 92) isInLoop = true;
-      if (isInLoop && tag.code == 10) found.emplace_back(tag.real(), 0);
-      if (isInLoop && tag.code == 20) found.back().second = tag.real();
-    }
-    return found;
-  }
   /// The rightmost point that a shadow reaches.
   double reach() {
     double right = -1e9;
     for (const Slot* const hatch : living(DxfType::Hatch, L"tmv_varjo")) {
-      for (const auto& point : points(*hatch)) right = std::max(right, point.first);
+      for (const auto& point : corners(*hatch)) right = std::max(right, point.first);
     }
     return right;
-  }
-  static std::string settings(const std::string& angle, const std::string& type = "10") {
-    return "  1\nSHADOWANGLERAD\n 40\n" + angle +
-           "\n  1\nSHADOWCOLOR\n 70\n     5\n  1\nSHADOWLENGTHPERFLOOR\n 40\n4.0\n" +
-           "  1\nSHADOWSCALE\n 40\n0.3\n  1\nSHADOWHATCHTYPE\n 70\n    " + type + "\n";
   }
 };
 
@@ -48,10 +32,6 @@ TEST_F(Shadows, ABuildingCastsOneHatchForEachEdge) {
     EXPECT_EQ(value(*hatch, 62), "");
     EXPECT_EQ(value(*hatch, 71), "0");
   }
-  const double reach = 6 * std::sqrt(0.5);
-  EXPECT_EQ(points(*shadows[0]).size(), 4U);
-  EXPECT_NEAR(points(*shadows[0])[1].first, reach, 1e-9);
-  EXPECT_NEAR(points(*shadows[0])[2].first, 10 + reach, 1e-9);
   const auto roofs = living(DxfType::Hatch, L"tma_katto");
   ASSERT_EQ(roofs.size(), 1U);
   EXPECT_EQ(value(*roofs.front(), 2), "SOLID");
@@ -104,7 +84,7 @@ TEST_F(Shadows, EveryUpdateStartsAnew) {
 
 TEST_F(Shadows, SettingsStoredInTheDrawingCount) {
   store({{rectangle(0, 0, 10, 10), building("2")}});
-  storeSettings(settings("0.0", "20"));
+  storeSettings(settings("0.0", "20", "4.0"));
   run("TLM_VARJO_PAIVITA\n");
   // Two edges run along the shadow: their quadrilaterals have no area, and only their boundaries are there.
   ASSERT_EQ(shadowCount(), 2U);
@@ -136,7 +116,7 @@ TEST_F(Shadows, RidgesThatAreGoneMakeFlatRoofs) {
   const std::string ridge = course("0,5\n10,5\n");
   run("TLM_MUOK_HARJAVIIVA\n" + pickHandle(ridge) + "\n");
   store({{house, building("2", ridge)}});
-  storeSettings(settings("0.0"));
+  storeSettings(settings("0.0", "10", "4.0"));
   run("TLM_VARJO_PAIVITA\n");
   EXPECT_NEAR(reach(), 10 + 8 + 2.0 / 3 * 4, 1e-9);
   run("TLM_MUOK_PENSAS\n" + pickHandle(ridge) + "\nTLM_VARJO_PAIVITA\n");
@@ -163,9 +143,9 @@ TEST_F(Shadows, FencesCastTheirHeight) {
                 fence);
   run("TLM_VARJO_PAIVITA\n");
   ASSERT_EQ(shadowCount(), 1U);
-  const auto corners = points(*living(DxfType::Hatch, L"tmv_varjo").front());
-  EXPECT_NEAR(corners[1].first, 2.25 * std::sqrt(0.5), 1e-9);
-  EXPECT_NEAR(corners[1].second, 2.25 * std::sqrt(0.5), 1e-9);
+  const auto [x, y] = corners(*living(DxfType::Hatch, L"tmv_varjo").front())[1];
+  EXPECT_NEAR(x, 2.25 * std::sqrt(0.5), 1e-9);
+  EXPECT_NEAR(y, 2.25 * std::sqrt(0.5), 1e-9);
   EXPECT_EQ(living(DxfType::Polyline3d).size(), 0U);
   ASSERT_EQ(groups().size(), 1U);
   EXPECT_EQ(value(*groups().at("Varjo0"), 300), "Aidan varjon hatch");
@@ -180,7 +160,7 @@ TEST_F(Shadows, FencesCastTheirHeight) {
   EXPECT_EQ(tagValue(slot(wall), "HEIGHT"), "-1");
   run("TLM_VARJO_PAIVITA\n");
   ASSERT_EQ(shadowCount(), 2U);
-  EXPECT_LT(points(*living(DxfType::Hatch, L"tmv_varjo").front())[1].first, 0);
+  EXPECT_LT(corners(*living(DxfType::Hatch, L"tmv_varjo").front())[1].first, 0);
   // Height 0 is none; a lone hedge is refused before any question.
   run("TLM_ASETA_KORKEUS\n" + pickHandle(wall) + pickHandle(fence) + "\n0\nTLM_VARJO_PAIVITA\n");
   EXPECT_EQ(shadowCount(), 0U);
@@ -259,7 +239,7 @@ TEST_F(Shadows, WhatMakesThemOtherThanWantedIsTold) {
   const std::string fence = handle(*last(DxfType::LwPolyline));
   run("TLM_MUOK_AITA_KIVI\n" + pickHandle(fence) + "\nTLM_ASETA_KORKEUS\n" + pickHandle(fence) + "\n2\n");
   store({{round, building("2")}, {rectangle(0, 0, 10, 10), building("2")}});
-  storeSettings(settings("0.5"));
+  storeSettings(settings("0.5", "10", "4.0"));
   const std::string shown = run("TLM_VARJO_PAIVITA\n");
   const std::string told = " kaaret ovat liian pitkiä jaettaviksi: varjo seuraa niiden jänteitä.\n";
   std::size_t count = 0;

@@ -11,10 +11,6 @@ using namespace tests;
 
 class WorkedShadows : public BuildingPlan {
  protected:
-  static std::string settings(const std::string& angle, const std::string& length = "3.0") {
-    return "  1\nSHADOWANGLERAD\n 40\n" + angle + "\n  1\nSHADOWCOLOR\n 70\n     5\n  1\nSHADOWLENGTHPERFLOOR\n 40\n" +
-           length + "\n  1\nSHADOWSCALE\n 40\n0.3\n  1\nSHADOWHATCHTYPE\n 70\n    20\n";
-  }
   static std::string number(double value) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", std::round(value * 1000) / 1000 + 0.0);
@@ -25,13 +21,7 @@ class WorkedShadows : public BuildingPlan {
     std::vector<std::string> found;
     for (const Slot* const hatch : living(DxfType::Hatch, layer)) {
       std::string all;
-      bool isInLoop = false;
-      Tag tag;
-      for (TagCursor cursor = hatch->tags(); cursor.next(tag) && tag.code != 97;) {
-        isInLoop = isInLoop || tag.code == 93;
-        if (isInLoop && tag.code == 10) all += (all.empty() ? "" : ">") + number(tag.real());
-        if (isInLoop && tag.code == 20) all += "," + number(tag.real());
-      }
+      for (const auto& [x, y] : corners(*hatch)) all += (all.empty() ? "" : ">") + number(x) + "," + number(y);
       found.push_back(all);
     }
     return found;
@@ -68,13 +58,6 @@ TEST_F(WorkedShadows, ASquareOfTwoFloorsSweepsFourQuadrilaterals) {
   EXPECT_EQ(polygons(L"tma_katto"), (Polygons{"0,0>10,0>10,10>0,10"}));
 }
 
-TEST_F(WorkedShadows, EdgesAlongTheSunCastNothing) {
-  store({{rectangle(0, 0, 10, 10), building("2")}});
-  storeSettings(settings("0.0"));
-  run("TLM_VARJO_PAIVITA\n");
-  EXPECT_EQ(polygons(), (Polygons{"10,0>16,0>16,10>10,10", "0,10>6,10>6,0>0,0"}));
-}
-
 TEST_F(WorkedShadows, WithoutFloorsOnlyTheRoofIsDrawn) {
   store({{rectangle(0, 0, 10, 10), building("0")}});
   run("TLM_VARJO_PAIVITA\n");
@@ -103,14 +86,6 @@ TEST_F(WorkedShadows, HalfCirclesAreSteppedFromTheirStart) {
   expected.emplace_back("-10,0>-10,-3>0,-3>0,0");
   expected.emplace_back("0,0>0,-3>10,-3>10,0");
   EXPECT_EQ(polygons(), expected);
-}
-
-TEST_F(WorkedShadows, SmallHalfCirclesAreTheirChord) {
-  run("PLINE\n2.5,0\nA\nCE\n0,0\n-2.5,0\nL\n0,0\nC\n");
-  store({{handle(*last(DxfType::LwPolyline)), building("1")}});
-  storeSettings(settings("-1.5707963267948966"));
-  run("TLM_VARJO_PAIVITA\n");
-  EXPECT_EQ(polygons(), (Polygons{"2.5,0>2.5,-3>-2.5,-3>-2.5,0", "-2.5,0>-2.5,-3>0,-3>0,0", "0,0>0,-3>2.5,-3>2.5,0"}));
 }
 
 // A strip 20 long and 10 deep whose southern edge is half a circle of radius 10 to the south, as every kind of polyline
@@ -166,19 +141,6 @@ TEST_F(WorkedShadows, GablesReachFurtherByTheirRidge) {
   // A ridge end beside the outline by more than a tenth of a millimetre has no effect.
   EXPECT_EQ(gable(0, "0,4.5\n16.001,4.5\n"),
             (Polygons{"16,0>22,0>22,9>16,9", "0,9>6,9>8,4.5>0,4.5", "0,4.5>8,4.5>6,0>0,0"}));
-}
-
-TEST_F(WorkedShadows, FencesCastTheirHeightNorthAndSouth) {
-  const std::string fence = course("0,0\n10,0\n");
-  run("TLM_MUOK_AITA_KIVI\n" + pickHandle(fence) + "\nTLM_ASETA_KORKEUS\n" + pickHandle(fence) + "\n2\n");
-  storeSettings(settings("1.5707963267948966", "50.0"));
-  run("TLM_VARJO_PAIVITA\n");
-  EXPECT_EQ(polygons(), (Polygons{"0,0>0,2>10,2>10,0"}));
-  EXPECT_EQ(value(*living(DxfType::Hatch, L"tmv_varjo").front(), 2), "DOTS");
-  run("TLM_ASETA_KORKEUS\n" + pickHandle(fence) + "\n-2\nTLM_VARJO_PAIVITA\n");
-  EXPECT_EQ(polygons(), (Polygons{"0,0>0,-2>10,-2>10,0"}));
-  EXPECT_EQ(drawing().findRecord(DxfType::Layer, L"POLY") != nullptr, true);
-  EXPECT_TRUE(living(DxfType::Polyline3d).empty());
 }
 
 TEST_F(WorkedShadows, GroupsTakeTheLowestFreeNumbers) {

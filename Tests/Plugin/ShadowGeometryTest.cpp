@@ -71,31 +71,11 @@ void expectMoved(const std::vector<Quad>& quads, const std::vector<Quad>& moved,
   }
 }
 
-TEST(BuildingShadow, SweepsEveryEdgeByTheFloors) {
-  const auto quads = buildingShadow(building(kSquare, 2), kPi / 4, kPerFloor);
-  ASSERT_EQ(quads.size(), 4U);
-  for (const Quad& quad : quads) {
-    EXPECT_NEAR((quad[1] - quad[0]).x, 6 * std::sqrt(0.5), 1e-12);
-    EXPECT_NEAR((quad[1] - quad[0]).y, 6 * std::sqrt(0.5), 1e-12);
-    EXPECT_NEAR((quad[2] - quad[3]).x, 6 * std::sqrt(0.5), 1e-12);
-    EXPECT_NEAR(area(quad), 10 * 6 * std::sqrt(0.5), 1e-9);
-  }
-  EXPECT_EQ(quads[3][0], (Point3d{0, 10, 0}));
-  EXPECT_EQ(quads[3][3], (Point3d{0, 0, 0}));
-}
-
 TEST(BuildingShadow, EdgesAlongTheDirectionHaveNoArea) {
   EXPECT_EQ(text(buildingShadow(building(kSquare, 2), 0, kPerFloor)),
             "0,0>6,0>16,0>10,0; 10,0>16,0>16,10>10,10; 10,10>16,10>6,10>0,10; 0,10>6,10>6,0>0,0");
   EXPECT_THAT(areas(buildingShadow(building(kSquare, 2), 0, kPerFloor)), testing::ElementsAre(0, 60, 0, 60));
   EXPECT_THAT(areas(buildingShadow(building(kSquare, 0), 1, kPerFloor)), testing::Each(0));
-}
-
-TEST(BuildingShadow, ArcsBecomePiecesOfFiveUnits) {
-  // Half circles of radius 10 and 2.5: six pieces and one.
-  EXPECT_EQ(buildingShadow(building("0,0 b=1; 20,0 closed", 1), 1, kPerFloor).size(), 7U);
-  EXPECT_EQ(buildingShadow(building("0,0 b=1; 5,0 closed", 1), 1, kPerFloor).size(), 2U);
-  EXPECT_EQ(buildingShadow(building("0,0; 20,0 b=1 closed", 1), 1, kPerFloor).size(), 7U);
 }
 
 TEST(BuildingShadow, EdgesOfAnyLengthCast) {
