@@ -41,12 +41,6 @@ std::string withHandles(std::string_view text, const std::function<std::string(c
   return out;
 }
 
-void replace(std::string& text, const std::string& from, const std::string& to) {
-  const std::size_t at = text.find(from);
-  ASSERT_NE(at, std::string::npos) << from;
-  text.replace(at, from.size(), to);
-}
-
 /// Every record of the text with a handle has one, and nobody else has it.
 void expectOneHandleEach(const std::string& text) {
   std::map<std::string, int> owners;
@@ -95,7 +89,8 @@ class WideHandles : public testing::TestWithParam<std::uint64_t> {
     std::string all = withHandles(withoutComments(probeDrawing("\n")), [&](const std::string& handle) {
       return formatHandle(wide(host::text::parseHandle(handle)));
     });
-    replace(all, "$HANDSEED\n  5\n100\n", "$HANDSEED\n  5\n" + (seed.empty() ? formatHandle(wide(0x72)) : seed) + "\n");
+    replaceOnce(all, "$HANDSEED\n  5\n100\n",
+                "$HANDSEED\n  5\n" + (seed.empty() ? formatHandle(wide(0x72)) : seed) + "\n");
     return all;
   }
 };
@@ -169,7 +164,7 @@ TEST_P(WideHandles, NewObjectsComeOnTopHoweverTheyAreMoved) {
 
 TEST_P(WideHandles, StayInDamagedDrawings) {
   std::string damaged = text();
-  replace(damaged, "  0\nENDSEC\n  0\nSECTION\n  2\nOBJECTS\n", "  0\nSECTION\n  2\nOBJECTS\n");
+  replaceOnce(damaged, "  0\nENDSEC\n  0\nSECTION\n  2\nOBJECTS\n", "  0\nSECTION\n  2\nOBJECTS\n");
   ReadDrawing drawing(damaged);
   EXPECT_THAT(drawing.said(), Contains(HasSubstr("a section is not ended by ENDSEC")));
   EXPECT_EQ(drawing.entity(0).handle, wide(0x50));
@@ -182,7 +177,7 @@ TEST(HandSeed, NeverFallsAndLeavesRoom) {
   std::string text = probeDrawing("\n");
   const auto seeded = [&](const std::string& seed) {
     std::string changed = text;
-    replace(changed, "$HANDSEED\n  5\n100\n", "$HANDSEED\n  5\n" + seed + "\n");
+    replaceOnce(changed, "$HANDSEED\n  5\n100\n", "$HANDSEED\n  5\n" + seed + "\n");
     return changed;
   };
   const auto newHandle = [](const std::string& given) {
@@ -202,7 +197,7 @@ TEST(HandSeed, NeverFallsAndLeavesRoom) {
   EXPECT_EQ(newHandle(seeded("zz")), 0x72U);
   // Mending gives handles, too.
   std::string damaged = seeded("5000");
-  replace(damaged, "  0\nEOF\n", "");
+  replaceOnce(damaged, "  0\nEOF\n", "");
   ReadDrawing mended(damaged);
   mended.drawing().forEachSlot([](const Slot& slot) { EXPECT_TRUE(slot.handle < 0x72 || slot.handle >= 0x5000); });
   EXPECT_GT(seedOf(mended.drawing()), 0x5000U);
@@ -252,10 +247,10 @@ TEST(OddHandles, AreReplacedWithAllThatNamesThem) {
 
 TEST(OddHandles, TwoOfOneObjectAreOneAndAWrongPlaceIsPutRight) {
   std::string text = probeDrawing("\n");
-  replace(text, "LINE\n  5\n58\n", "LINE\n  5\n200\n  5\n58\n");
-  replace(text, "  0\nSTRANGE\n  5\n52\n330\n1F\n100\nAcDbEntity\n",
-          "  0\nSTRANGE\n330\n1F\n100\nAcDbEntity\n  5\n52\n");
-  replace(text, "DICTIONARY\n  5\nD\n", "DICTIONARY\n  5\n0\n");
+  replaceOnce(text, "LINE\n  5\n58\n", "LINE\n  5\n200\n  5\n58\n");
+  replaceOnce(text, "  0\nSTRANGE\n  5\n52\n330\n1F\n100\nAcDbEntity\n",
+              "  0\nSTRANGE\n330\n1F\n100\nAcDbEntity\n  5\n52\n");
+  replaceOnce(text, "DICTIONARY\n  5\nD\n", "DICTIONARY\n  5\n0\n");
   ReadDrawing drawing(text);
   EXPECT_THAT(drawing.said(), Contains(HasSubstr("two handles")));
   EXPECT_EQ(drawing.entity(4).handle, 0x58U);
@@ -268,9 +263,9 @@ TEST(OddHandles, TwoOfOneObjectAreOneAndAWrongPlaceIsPutRight) {
 TEST(MissingHandles, AreWrittenOnceSomethingElseIs) {
   std::string text = withoutComments(probeDrawing("\n"));
   for (const char* const handle : {"50", "57", "58", "60", "9"})
-    replace(text, std::string("  5\n") + handle + "\n", "");
-  replace(text, "GROUP\n  5\n70\n", "GROUP\n");
-  replace(
+    replaceOnce(text, std::string("  5\n") + handle + "\n", "");
+  replaceOnce(text, "GROUP\n  5\n70\n", "GROUP\n");
+  replaceOnce(
       text, "  0\nTABLE\n  2\nAPPID\n",
       "  0\nTABLE\n  2\nDIMSTYLE\n  5\nA\n330\n0\n100\nAcDbSymbolTable\n 70\n1\n  0\nDIMSTYLE\n330\nA\n100\n"
       "AcDbSymbolTableRecord\n100\nAcDbDimStyleTableRecord\n  2\nOMA\n 70\n0\n  0\nENDTAB\n  0\nTABLE\n  2\nAPPID\n");

@@ -295,33 +295,27 @@ TEST_P(Memory, ThatEndsInUndoOrRedoLeavesTheStep) {
     } catch (const std::bad_alloc&) {
     }
   };
-  EXPECT_GT(forEach(
-                prepare, [&] { tried([&] { db().undo(); }); },
-                [&](int) {
-                  const std::string now = drawing_->text();
-                  EXPECT_TRUE(now == done || now == opened_);
-                  db().undo();
-                  expectSame(drawing_->text(), opened_);
-                }),
-            0);
-  const auto prepareRedo = [&] {
-    prepare();
-    db().undo();
-  };
-  EXPECT_GT(forEach(
-                prepareRedo, [&] { tried([&] { db().redo(); }); },
-                [&](int) {
-                  const std::string now = drawing_->text();
-                  EXPECT_TRUE(now == done || now == opened_);
-                  db().redo();
-                  expectSame(drawing_->text(), done);
-                }),
-            0);
+  for (const bool isRedo : {false, true}) {
+    const auto step = [&] { return isRedo ? db().redo() : db().undo(); };
+    const auto prepareStep = [&] {
+      prepare();
+      if (isRedo) db().undo();
+    };
+    EXPECT_GT(forEach(
+                  prepareStep, [&] { tried([&] { step(); }); },
+                  [&](int) {
+                    const std::string now = drawing_->text();
+                    EXPECT_TRUE(now == done || now == opened_);
+                    step();
+                    expectSame(drawing_->text(), isRedo ? done : opened_);
+                  }),
+              0);
+  }
 }
 
 TEST_P(Memory, ThatEndsInSavingLeavesTheOldFileAndTheDrawing) {
-  const auto folder = std::filesystem::temp_directory_path() / ("tolmex-memory-" + std::to_string(::getpid()));
-  std::filesystem::create_directories(folder);
+  const OwnFolder own;
+  const auto& folder = own.path;
   const auto file = folder / "plan.dxf";
   open();
   doWork();
@@ -342,7 +336,6 @@ TEST_P(Memory, ThatEndsInSavingLeavesTheOldFileAndTheDrawing) {
                                  EXPECT_EQ(std::distance(begin(all), end(all)), 1);
                                });
   EXPECT_GT(failures, 5);
-  std::filesystem::remove_all(folder);
 }
 
 INSTANTIATE_TEST_SUITE_P(Everywhere, Memory,

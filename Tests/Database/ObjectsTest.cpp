@@ -293,23 +293,6 @@ TEST_F(Probe, DrawOrderMovesInConstantTimeAndIsStoredAsAPermutation) {
   EXPECT_EQ(order(databaseOf(&again)), withNew);
 }
 
-TEST_F(Probe, DrawOrderIsUndone) {
-  drawing.database().beginUndoStep(L"ETEEN");
-  AcDbSortentsTable* table = nullptr;
-  ASSERT_EQ(acdbOpenObject(table, drawing.id(0x61), AcDb::kForWrite), Acad::eOk);
-  AcDbObjectIdArray ids;
-  ids.append(drawing.id(0x50));
-  table->moveToTop(ids);
-  table->moveToTop(ids);
-  table->close();
-  const auto moved = order(drawing.database());
-  EXPECT_EQ(moved.back(), 0x50U);
-  drawing.database().undo();
-  EXPECT_EQ(order(drawing.database()).front(), 0x52U);
-  drawing.database().redo();
-  EXPECT_EQ(order(drawing.database()), moved);
-}
-
 TEST(NewEntities, TakeTheDrawingsCurrentValues) {
   OpenDrawing drawing;
   drawing.database().setHeaderInteger("$CECOLOR", 62, 3);
@@ -329,28 +312,6 @@ TEST(NewEntities, TakeTheDrawingsCurrentValues) {
   append(byLayer);
   EXPECT_EQ(byLayer->colorIndex(), 256);
   EXPECT_EQ(byLayer->layerId(), drawing->layerZero());
-
-  AcGePoint3dArray points;
-  points.append({0, 0, 1});
-  points.append({27496000.123456789, 6713000.5, 2});
-  points.append({5, 5, 3});
-  auto* const polyline = new AcDb3dPolyline(AcDb::k3dSimplePoly, points, true);
-  append(polyline);
-  AcDbDatabase again(false);
-  ASSERT_TRUE(host::dxf::readDrawingText(databaseOf(&again), drawing.text(), "again").ok());
-  const Slot* const stored = databaseOf(&again).modelSpace().entities.back();
-  AcDbObjectPointer<AcDb3dPolyline> read(AcDbObjectId(const_cast<Slot*>(stored)), AcDb::kForRead);
-  ASSERT_EQ(read.openStatus(), Acad::eOk);
-  EXPECT_TRUE(read->isClosed());
-  std::unique_ptr<AcDbObjectIterator> vertex(read->vertexIterator());
-  int count = 0;
-  for (; !vertex->done(); vertex->step(), ++count) {
-    AcDb3dPolylineVertex* corner = nullptr;
-    ASSERT_EQ(read->openVertex(corner, vertex->objectId(), AcDb::kForRead), Acad::eOk);
-    EXPECT_EQ(corner->position(), points[count]);  // to the last bit
-    corner->close();
-  }
-  EXPECT_EQ(count, 3);
 }
 
 TEST(NewEntities, MirroredPolylinesGiveWorldPoints) {

@@ -63,6 +63,18 @@ class ReadDrawing {
   AcDbDatabase db_;
 };
 
+inline std::string withLineEnds(const std::string& text, const std::string& end) {
+  std::string out;
+  for (const char c : text) out += c == '\n' ? end : std::string(1, c);
+  return out;
+}
+
+inline void replaceOnce(std::string& text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  ASSERT_NE(at, std::string::npos) << from;
+  text.replace(at, from.size(), to);
+}
+
 /// Binary form of a text: an encoder of its own, so that the reader is not tested with itself.
 std::string binaryOf(std::string_view text, bool wideCodes);
 std::string withoutComments(std::string text);

@@ -18,7 +18,6 @@ std::string drawingWithBlock() {
   std::string text = withoutComments(probeDrawing("\n"));
   const auto insert = [&](const std::string& before, const std::string& what) { text.insert(text.find(before), what); };
   const std::string front = "100\nAcDbEntity\n  8\n0\n";
-  text.replace(text.find("BLOCK_RECORD\n  5\n1B"), 0, "");
   insert(
       "  0\nBLOCK_RECORD\n  5\n1B\n",
       "  0\nBLOCK_RECORD\n  5\n30\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n  2\nTALO\n340\n0\n");
@@ -61,8 +60,8 @@ struct Stray {
   std::string where;
 };
 
-/// The drawing with the marker in front of every record, or of every seventh tag inside one: which ones differs from
-/// marker to marker.
+/// The drawing with the marker in front of every record, or of every seventh tag inside one, with CR LF: which ones
+/// differs from marker to marker.
 std::vector<Stray> withStray(const std::string& marker, bool isBetweenRecords) {
   const std::string sound = drawingWithBlock();
   std::vector<Stray> all;
@@ -79,6 +78,7 @@ std::vector<Stray> withStray(const std::string& marker, bool isBetweenRecords) {
     if (!isBetweenRecords && (++count + marker.size()) % 7 != 0) continue;
     std::string text = sound;
     text.insert(at, "  0\n" + marker + "\n");
+    if (!isBetweenRecords) text = withLineEnds(text, "\r\n");
     all.push_back({marker, std::move(text), marker + " in front of " + std::string(tag.bytes) + "of " + record});
   }
   return all;
@@ -101,7 +101,7 @@ TEST_P(StrayMarkers, BetweenRecordsCostNothing) {
 }
 
 TEST_P(StrayMarkers, InsideRecordsCostNothing) {
-  const std::vector<std::string> sound = objectsOf(ReadDrawing(drawingWithBlock()).drawing());
+  const std::vector<std::string> sound = objectsOf(ReadDrawing(withLineEnds(drawingWithBlock(), "\r\n")).drawing());
   for (const Stray& stray : withStray(GetParam(), false)) {
     SCOPED_TRACE(stray.where);
     ReadDrawing drawing(stray.text);

@@ -104,6 +104,9 @@ TEST_F(NewPolyline, VerticesAreFoundByHandlesOfTheirOwn) {
   for (std::uint64_t handle = first; handle < first + 10; ++handle) {
     ASSERT_NE(databaseOf(&again).findHandle(handle), nullptr) << handle - first;
   }
+  const AcDbObjectPointer<AcDb3dPolylineVertex> corner(AcDbObjectId(databaseOf(&again).findHandle(first + 2)),
+                                                       AcDb::kForRead);
+  EXPECT_EQ(corner->position(), AcGePoint3d(27496000.123456789, 6713000.5, 2));  // to the last bit
   EXPECT_GT(host::text::parseHandle(host::text::toUtf8(*databaseOf(&again).headerText("$HANDSEED", 5))), first + 9);
 }
 
@@ -241,34 +244,23 @@ TEST_F(NewPolyline, OutlivesTheDrawingOfItsLayer) {
 }
 
 TEST(ClosedObjects, TellWhatTheirRecordsSayNow) {
-  const auto polyline = [](std::uint64_t handle) {
-    return "  0\nLWPOLYLINE\n  5\n" + host::text::formatHandle(handle) +
-           "\n100\nAcDbEntity\n  8\n0\n100\nAcDbPolyline\n 90\n2\n 70\n0\n 38\n4.0\n 10\n0.0\n 20\n0.0\n"
-           " 10\n1.0\n 20\n0.0\n";
-  };
-  std::string text =
-      "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1027\n  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES\n";
-  constexpr std::uint64_t kFirst = 0x100, kCount = 20;
-  for (std::uint64_t i = 0; i < kCount; ++i) text += polyline(kFirst + i);
-  OpenDrawing drawing(text + "  0\nENDSEC\n  0\nEOF\n");
-  const auto elevation = [&](std::uint64_t handle) {
-    const AcDbObjectPointer<AcDbPolyline> open(drawing.id(handle), AcDb::kForRead);
+  OpenDrawing drawing(tests::probeDrawing("\n"));
+  const auto elevation = [&] {
+    const AcDbObjectPointer<AcDbPolyline> open(drawing.id(0x50), AcDb::kForRead);
     return open->elevation();
   };
-  DrawingDatabase::Parts& parts = drawing.database().parts();
-  for (std::uint64_t i = 0; i < kCount; ++i) EXPECT_EQ(elevation(kFirst + i), 4);
-  Slot& last = *drawing.id(kFirst + kCount - 1).slot();
+  EXPECT_EQ(elevation(), 0);
   drawing.database().beginUndoStep(L"RAISE");
-  parts.editor.setTag(last, "AcDbPolyline", 38, "5.0");
-  EXPECT_EQ(elevation(last.handle), 5);
+  drawing.database().parts().editor.setTag(*drawing.id(0x50).slot(), "AcDbPolyline", 38, "5.0");
+  EXPECT_EQ(elevation(), 5);
   {
-    const AcDbObjectPointer<AcDbPolyline> open(AcDbObjectId(&last), AcDb::kForWrite);
+    const AcDbObjectPointer<AcDbPolyline> open(drawing.id(0x50), AcDb::kForWrite);
     EXPECT_EQ(open->setElevation(6), Acad::eOk);
   }
-  EXPECT_EQ(elevation(last.handle), 6);
+  EXPECT_EQ(elevation(), 6);
   drawing.database().endUndoStep();
   drawing.database().undo();
-  EXPECT_EQ(elevation(last.handle), 4);
+  EXPECT_EQ(elevation(), 0);
   EXPECT_EQ(drawing.database().releaseObjects(), 0);
 }
 

@@ -361,10 +361,18 @@ TEST(HatchEdges, FollowTheDrawnCurveWhateverItsKind) {
       EXPECT_LT(gapBetween(edge, pathOf(filled)), kSameChords);
 
       curves::Loop loop;
-      ASSERT_EQ(hatching::boundaryLoop(ids, {0, 0, dress.isMirrored ? -1.0 : 1.0}, loop), Acad::eOk);
+      const AcGeVector3d normal(0, 0, dress.isMirrored ? -1 : 1);
+      ASSERT_EQ(hatching::boundaryLoop(ids, normal, loop), Acad::eOk);
       Polygon made = flatten(loop, kDeviation);
       for (Point2& p : made) p = dress.world(p);
       EXPECT_LT(gapBetween(edge, made), kMadeChords);
+      if (ids.length() == 1) continue;
+      const double area = std::abs(curves::area(loop));
+      std::rotate(ids.begin(), ids.begin() + 1, ids.end());  // in whatever order they come
+      ASSERT_EQ(hatching::boundaryLoop(ids, normal, loop), Acad::eOk);
+      EXPECT_NEAR(std::abs(curves::area(loop)), area, 1e-6);
+      ids.setLogicalLength(1);  // neither alone closes
+      EXPECT_EQ(hatching::boundaryLoop(ids, normal, loop), Acad::eInvalidInput);
     }
 }
 

@@ -5,7 +5,6 @@
 #include <numbers>
 
 #include "Database/Support.h"
-#include "Hatching/Boundary.h"
 #include "Places.h"
 #include "dbents.h"
 #include "dbhatch.h"
@@ -171,47 +170,6 @@ TEST_F(HatchObjects, MirroredBoundariesKeepTheirArcsOnTheRightSide) {
   const AcDbObjectId mirrored = polyline({{0, 0, 1}, {10, 0, 0}, {10, 10, 0}}, true, {0, 0, -1});
   const std::string tags = ownTags(hatch(mirrored, L"SOLID", 0, 1));
   EXPECT_NE(tags.find("93 3 10 0.0 20 0.0 42 -1.0 10 -10.0 20 0.0 42 "), std::string::npos) << tags;
-}
-
-TEST_F(HatchObjects, CurvesCloseLoopsToo) {
-  std::string text = drawing_.text();
-  std::string entities =
-      "0 CIRCLE 5 A01 100 AcDbEntity 8 0 100 AcDbCircle 10 5 20 6 30 7 40 3 210 0 220 0 230 -1 "
-      "0 ARC 5 A02 100 AcDbEntity 8 0 100 AcDbCircle 10 0 20 0 30 0 40 4 100 AcDbArc 50 90 51 0 "
-      "0 LINE 5 A03 100 AcDbEntity 8 0 100 AcDbLine 10 0 20 4 30 0 11 0 21 0 31 0 "
-      "0 LINE 5 A04 100 AcDbEntity 8 0 100 AcDbLine 10 4 20 0 30 0 11 0 21 0 31 0 "
-      "0 ELLIPSE 5 A05 100 AcDbEntity 8 0 100 AcDbEllipse 10 9 20 9 30 0 11 0 21 6 31 0 210 0 220 0 230 1 40 0.5 "
-      "41 0 42 6.283185307179586 "
-      "0 SPLINE 5 A06 100 AcDbEntity 8 0 100 AcDbSpline 70 8 71 2 72 6 73 3 74 0 40 0 40 0 40 0 40 1 40 1 40 1 "
-      "10 0 20 0 30 0 10 5 20 8 30 0 10 10 20 0 30 0 "
-      "0 LINE 5 A07 100 AcDbEntity 8 0 100 AcDbLine 10 0 20 0 30 0 11 10 21 0 31 0 "
-      "0 TEXT 5 A08 100 AcDbEntity 8 0 100 AcDbText 10 0 20 0 30 0 40 1 1 A 100 AcDbText ";
-  std::replace(entities.begin(), entities.end(), ' ', '\n');
-  const std::size_t section = text.find("ENTITIES");
-  text.insert(text.find('\n', section) + 1, entities);
-  tests::OpenDrawing curves(text);
-
-  constexpr double kRefused = -1;
-  const auto areaOf = [&](std::initializer_list<std::uint64_t> handles) {
-    AcDbObjectIdArray boundary;
-    for (const std::uint64_t handle : handles) boundary.append(curves.id(handle));
-    host::curves::Loop loop;
-    const Acad::ErrorStatus status = host::hatching::boundaryLoop(boundary, AcGeVector3d::kZAxis, loop);
-    EXPECT_TRUE(status == Acad::eOk || status == Acad::eInvalidInput);
-    return status == Acad::eOk ? std::abs(host::curves::area(loop)) : kRefused;
-  };
-  EXPECT_NEAR(areaOf({0xA01}), kPi * 9, 1e-9);
-  for (const auto& order : {std::initializer_list<std::uint64_t>{0xA02, 0xA03, 0xA04},
-                            {0xA03, 0xA02, 0xA04},
-                            {0xA04, 0xA02, 0xA03},
-                            {0xA04, 0xA03, 0xA02}}) {
-    EXPECT_NEAR(areaOf(order), kPi * 12, 1e-6);  // three quarters of a disc
-  }
-  EXPECT_EQ(areaOf({0xA02}), kRefused);
-  EXPECT_NEAR(areaOf({0xA05}), kPi * 18, 0.05);
-  EXPECT_NEAR(areaOf({0xA06, 0xA07}), 80.0 / 3, 0.02);
-  EXPECT_EQ(areaOf({0xA06}), kRefused);
-  EXPECT_EQ(areaOf({0xA08}), kRefused);
 }
 
 TEST_F(HatchObjects, EvaluationRefusesWhatCannotBeFilled) {

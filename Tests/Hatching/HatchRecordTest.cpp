@@ -57,17 +57,6 @@ TEST(HatchRecords, PolylineLoopWithArcs) {
   EXPECT_EQ(record.normal.z, -1);
 }
 
-TEST(HatchRecords, EdgesOfEachKind) {
-  const std::string line = "72 1 10 -5 20 0 11 5 21 0 ";  // the lower side of all of these
-  EXPECT_NEAR(onlyArea("92 1 93 3 " + line + "72 1 10 5 20 0 11 0 21 8 72 1 10 0 20 8 11 -5 21 0 97 0"), 40, 1e-9);
-  // Half discs above the line: counter-clockwise, and clockwise with angles that count clockwise.
-  EXPECT_NEAR(onlyArea("92 1 93 2 " + line + "72 2 10 0 20 0 40 5 50 0 51 180 73 1 97 1 330 8E"), kPi * 12.5, 0.01);
-  EXPECT_NEAR(onlyArea("92 1 93 2 " + line + "72 2 10 0 20 0 40 5 50 180 51 360 73 0 97 0"), kPi * 12.5, 0.01);
-  EXPECT_NEAR(onlyArea("92 1 93 1 72 2 10 3 20 3 40 5 50 0 51 360 73 1 97 0"), kPi * 25, 0.01);
-  EXPECT_NEAR(onlyArea("92 1 93 1 72 3 10 3 20 3 11 0 21 4 40 0.5 50 0 51 360 73 0 97 0"), kPi * 8, 0.01);
-  EXPECT_NEAR(onlyArea("92 1 93 2 " + line + "72 3 10 0 20 0 11 5 21 0 40 0.4 50 0 51 180 73 1 97 0"), kPi * 5, 0.01);
-}
-
 TEST(HatchRecords, ClockwiseEdgesMeasureTheirAnglesClockwise) {
   const std::string lines = "72 1 10 5 20 0 11 0 21 0 72 1 10 0 20 0 11 2.5 21 4.3301270189 97 0";
   for (const char* arc :
@@ -108,11 +97,6 @@ TEST(HatchRecords, Splines) {
   EXPECT_NEAR(onlyArea("92 1 93 2 " + closing + parabola + "97 1 330 8E"), 80.0 / 3, 0.01);
   EXPECT_NEAR(onlyArea("92 1 93 2 " + closing + parabola + "97 2 11 0 21 0 11 10 21 0 12 1 22 1 13 1 23 -1 97 0"),
               80.0 / 3, 0.01);
-  // Fit points only: the cubic with natural ends, 5/8 of the rectangle.
-  const HatchRecord fit =
-      readLoops("92 1 93 2 72 4 94 3 73 0 74 0 95 0 96 0 97 3 11 0 21 0 11 5 21 4 11 10 21 0 " + closing + "97 0");
-  ASSERT_EQ(fit.loops.size(), 1u);
-  EXPECT_NEAR(areaOf(fit.loops[0]), -25, 0.01);
 }
 
 TEST(HatchRecords, DamagedLoopsAreLeftOutAlone) {

@@ -24,17 +24,6 @@ class BuildingInfo : public Program {
   std::string text_;
 };
 
-TEST_F(BuildingInfo, ListsValuesRidgesAndSettings) {
-  const Outcome info = call({"info", "a.dxf"});
-  EXPECT_EQ(info.status, 0);
-  for (const char* const line :
-       {"buildings 8\n", "2C0: floors 2 of 3, base 0.4, eaves 0.5, ridge 2E0 at 2.5, colours sun 42 shade 45\n",
-        "2D1: floors 4 of 3, base 0.4, eaves 0, flat roof, colours sun 42 shade 45\n",
-        "direction 40 degrees, length 2.5 per floor, colour 7, scale 0.15, lines\n", "problems 0\n"}) {
-    EXPECT_THAT(info.out, HasSubstr(line));
-  }
-}
-
 TEST_F(BuildingInfo, SaysWhatIsWrongWithARecord) {
   damage("2C0", "\n2E0\n", "\nFFFFF\n");        // leads nowhere
   damage("2C1", "\n2E1\n", "\n200\n");          // to another element

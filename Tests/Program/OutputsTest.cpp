@@ -250,6 +250,7 @@ TEST_F(Outputs, InfoCountsElementsAndNamesProblems) {
                                     "45\n"));
   EXPECT_THAT(after.out, testing::HasSubstr("shadows\n  direction 40 degrees, length 2.5 per floor, colour 7, scale "
                                             "0.15, lines\ncolours\n  tma_asf           254\n"));
+  EXPECT_THAT(after.out, HasSubstr("2D1: floors 4 of 3, base 0.4, eaves 0, flat roof, colours sun 42 shade 45\n"));
   EXPECT_THAT(after.out, EndsWith("problems 0\n"));
   // A fill that somebody takes away is missed.
   const std::string text = read("a.dxf");
