@@ -33,16 +33,12 @@ class DwgDrawings : public ::testing::Test {
   void SetUp() override {
     if (const std::string missing = missingReader(); !missing.empty()) GTEST_SKIP() << missing;
     if (tests::realDrawingFolder().empty()) GTEST_SKIP() << "the folder of real drawings is missing";
-    // Every run converts anew.
-    cache_ = std::filesystem::temp_directory_path() / ("dwg-test-" + std::to_string(::getpid()));
-    ::setenv("TOLMEX_DWG_CACHE", cache_.c_str(), 1);
-  }
-  void TearDown() override {
-    if (!cache_.empty()) std::filesystem::remove_all(cache_);
+    ::setenv("TOLMEX_DWG_CACHE", cache_.c_str(), 1);  // every run converts anew
   }
   static std::string bytes(const char* name) { return tests::fileText(tests::realDrawingFolder() / name); }
 
-  std::filesystem::path cache_;
+  const tests::OwnFolder own_;
+  const std::filesystem::path cache_ = own_.path / "cache";
 };
 
 std::map<std::string, int> modelSpace(DrawingDatabase& db) {
@@ -208,20 +204,17 @@ TEST_F(DwgDrawings, ADeadReaderCostsOneDrawing) {
 class ScriptedReader {
  public:
   explicit ScriptedReader(const std::string& commands) {
-    folder_ = std::filesystem::temp_directory_path() / ("dwg-scripted-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder_);
     std::ofstream(folder_ / "node") << "#!/bin/sh\n" << commands << "\n";
     std::ofstream(folder_ / "reader.mjs") << "\n";
     std::filesystem::permissions(folder_ / "node", std::filesystem::perms::owner_all);
     settings.program = folder_ / "node";
     settings.script = folder_ / "reader.mjs";
   }
-  ~ScriptedReader() { std::filesystem::remove_all(folder_); }
-
   host::dwg::ReaderSettings settings;
 
  private:
-  std::filesystem::path folder_;
+  const tests::OwnFolder own_;
+  const std::filesystem::path& folder_ = own_.path;
 };
 
 TEST(DwgReader, OneThatHangsLiesOrIsMissingIsToldFrom) {
@@ -230,15 +223,10 @@ TEST(DwgReader, OneThatHangsLiesOrIsMissingIsToldFrom) {
     const char* commands;
     const char* message;
   };
-  const Case cases[] = {
-      {"sleep 30", "p.dwg: reading the DWG drawing took too long; save it as DXF"},
-      {"exit 3", "p.dwg: the DWG reader broke down on this drawing; save it as DXF"},
-      {"cat >/dev/null & echo 'ok 99999999999999999999'; wait",
-       "p.dwg: the DWG reader broke down on this drawing; save it as DXF"},
-      {"head -c 1000 >/dev/null; printf 'ok 100\\nshort'",
-       "p.dwg: the DWG reader broke down on this drawing; save it as DXF"},
-  };
-  for (const Case& one : cases) {
+  const char* const broken = "p.dwg: the DWG reader broke down on this drawing; save it as DXF";
+  for (const Case& one : {Case{"sleep 30", "p.dwg: reading the DWG drawing took too long; save it as DXF"},
+                          Case{"exit 3", broken}, Case{"cat >/dev/null & echo 'ok 99999999999999999999'; wait", broken},
+                          Case{"head -c 1000 >/dev/null; printf 'ok 100\\nshort'", broken}}) {
     SCOPED_TRACE(one.commands);
     ScriptedReader scripted(one.commands);
     scripted.settings.timeLimit = std::chrono::milliseconds(500);
@@ -266,13 +254,13 @@ TEST(DwgReader, TheFirstBytesDecideWhateverTheName) {
   const auto old = host::dxf::readDrawingText(databaseOf(&db), "AC1009" + std::string(500, '\0'), "old.dwg");
   EXPECT_EQ(old.message(),
             "old.dwg: DWG version AC1009 cannot be read; only versions AC1014 (R14) to AC1032 (2018) can");
-  const auto file = std::filesystem::temp_directory_path() / ("text-" + std::to_string(::getpid()) + ".dwg");
+  const tests::OwnFolder own;
+  const auto file = own.path / "text.dwg";
   tests::OpenDrawing drawing;
   std::ofstream(file, std::ios::binary) << drawing.text();
   AcDbDatabase read(false, true);
   EXPECT_EQ(read.readDwgFile(host::text::fromUtf8(file.string()).c_str()), Acad::eOk);
   EXPECT_EQ(read.readDwgFile(host::text::fromUtf8(file.string()).c_str()), Acad::eInvalidInput);  // not empty any more
-  std::filesystem::remove(file);
   AcDbDatabase none(false, true);
   EXPECT_EQ(none.readDwgFile(L"/nonexistent/plan.dwg"), Acad::eFileNotFound);
 }

@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "../Database/Support.h"
+#include "../Database/ReadDrawing.h"
 #include "Database/Objects/Ownership.h"
 #include "Database/Store/Parts.h"
 #include "Database/Store/TagEdits.h"
@@ -35,32 +35,31 @@ std::string symbolText() {
   const std::size_t base = text.find("$INSBASE");
   text.replace(text.find("0.0", base), 3, "5.0");
   text.replace(text.find("0.0", text.find(" 20", base)), 3, "6.0");
-  text = with(
-      text, "BLOCKS",
-      "  0\nBLOCK\n  5\nA2\n330\nA1\n100\nAcDbEntity\n  8\n0\n100\nAcDbBlockBegin\n  2\nsub\n 70\n0\n 10\n1.0\n"
-      " 20\n2.0\n 30\n0.0\n  3\nsub\n  1\n\n  0\nCIRCLE\n  5\nA4\n330\nA1\n100\nAcDbEntity\n  8\n0\n100\nAcDbCircle\n"
-      " 10\n1.0\n 20\n2.0\n 30\n0.0\n 40\n3.0\n  0\nENDBLK\n  5\nA3\n330\nA1\n100\nAcDbEntity\n  8\n0\n100\n"
-      "AcDbBlockEnd\n");
+  text =
+      with(text, "BLOCKS",
+           tests::tags(
+               "0 BLOCK | 5 A2 | 330 A1 | 100 AcDbEntity | 8 0 | 100 AcDbBlockBegin | 2 sub | 70 0 | 10 1.0 | 20 2.0 | "
+               "30 0.0 | 3 sub | 1  | 0 CIRCLE | 5 A4 | 330 A1 | 100 AcDbEntity | 8 0 | 100 AcDbCircle | 10 1.0 | 20 "
+               "2.0 | 30 0.0 | 40 3.0 | 0 ENDBLK | 5 A3 | 330 A1 | 100 AcDbEntity | 8 0 | 100 AcDbBlockEnd | "));
   text.insert(
       text.find("  0\nENDTAB\n", text.find("\nBLOCK_RECORD\n")),
-      "  0\nBLOCK_RECORD\n  5\nA1\n330\n1\n100\nAcDbSymbolTableRecord\n100\nAcDbBlockTableRecord\n  2\nsub\n340\n0\n");
+      tests::tags(
+          "0 BLOCK_RECORD | 5 A1 | 330 1 | 100 AcDbSymbolTableRecord | 100 AcDbBlockTableRecord | 2 sub | 340 0 | "));
   text.insert(
       text.find("  0\nENDTAB\n", text.find("\nAPPID\n")),
-      "  0\nAPPID\n  5\nA5\n330\n9\n100\nAcDbSymbolTableRecord\n100\nAcDbRegAppTableRecord\n  2\nkaava\n 70\n0\n");
+      tests::tags(
+          "0 APPID | 5 A5 | 330 9 | 100 AcDbSymbolTableRecord | 100 AcDbRegAppTableRecord | 2 kaava | 70 0 | "));
   return with(
       text, "ENTITIES",
-      "  0\nLWPOLYLINE\n  5\nB1\n102\n{ACAD_REACTORS\n330\nB2\n330\nFFF\n102\n}\n330\n1F\n100\nAcDbEntity\n  8\n"
-      "pensas\xE4\n420\n255\n100\nAcDbPolyline\n 90\n3\n 70\n1\n 10\n0.0\n 20\n0.0\n 10\n4.0\n 20\n0.0\n 10\n4.0\n"
-      " 20\n4.0\n1001\nkaava\n1000\nHATCH_HANDLE\n1005\nB2\n"
-      "  0\nHATCH\n  5\nB2\n330\n1F\n100\nAcDbEntity\n  8\npensas\xE4\n100\nAcDbHatch\n 10\n0.0\n 20\n0.0\n 30\n0.0\n"
-      "210\n0.0\n220\n0.0\n230\n1.0\n  2\nSOLID\n 70\n1\n 71\n1\n 91\n1\n 92\n3\n 72\n0\n 73\n1\n 93\n3\n 10\n0.0\n "
-      "20\n0.0\n"
-      " 10\n4.0\n 20\n0.0\n 10\n4.0\n 20\n4.0\n 97\n2\n330\nB1\n330\nEEE\n 75\n0\n 76\n1\n 98\n0\n"
-      "1001\nkaava\n1005\nB1\n1005\nDDD\n"
-      "  0\nINSERT\n  5\nB3\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbBlockReference\n  2\nsub\n 10\n1.0\n 20\n1.0\n"
-      " 30\n0.0\n"
-      "  0\nINSERT\n  5\nB4\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbBlockReference\n  2\nnone\n 10\n1.0\n 20\n1.0\n"
-      " 30\n0.0\n");
+      tests::tags(
+          "0 LWPOLYLINE | 5 B1 | 102 {ACAD_REACTORS | 330 B2 | 330 FFF | 102 } | 330 1F | 100 AcDbEntity | 8 "
+          "pensas\xE4 | 420 255 | 100 AcDbPolyline | 90 3 | 70 1 | 10 0.0 | 20 0.0 | 10 4.0 | 20 0.0 | 10 4.0 | 20 4.0 "
+          "| 1001 kaava | 1000 HATCH_HANDLE | 1005 B2 | 0 HATCH | 5 B2 | 330 1F | 100 AcDbEntity | 8 pensas\xE4 | 100 "
+          "AcDbHatch | 10 0.0 | 20 0.0 | 30 0.0 | 210 0.0 | 220 0.0 | 230 1.0 | 2 SOLID | 70 1 | 71 1 | 91 1 | 92 3 | "
+          "72 0 | 73 1 | 93 3 | 10 0.0 | 20 0.0 | 10 4.0 | 20 0.0 | 10 4.0 | 20 4.0 | 97 2 | 330 B1 | 330 EEE | 75 0 | "
+          "76 1 | 98 0 | 1001 kaava | 1005 B1 | 1005 DDD | 0 INSERT | 5 B3 | 330 1F | 100 AcDbEntity | 8 0 | 100 "
+          "AcDbBlockReference | 2 sub | 10 1.0 | 20 1.0 | 30 0.0 | 0 INSERT | 5 B4 | 330 1F | 100 AcDbEntity | 8 0 | "
+          "100 AcDbBlockReference | 2 none | 10 1.0 | 20 1.0 | 30 0.0 | "));
 }
 
 struct Symbol {
@@ -78,12 +77,11 @@ std::vector<Slot*> living(DrawingDatabase& db, const wchar_t* block) {
 
 /// Status of the independent auditor for the drawing as it is saved.
 int audit(tests::OpenDrawing& drawing) {
-  const auto file = std::filesystem::temp_directory_path() / ("insert-" + std::to_string(::getpid()) + ".dxf");
+  const tests::OwnFolder own;
+  const auto file = own.path / "insert.dxf";
   EXPECT_TRUE(host::dxf::saveDrawing(drawing.database(), file).ok());
   const std::string call = "/usr/bin/python3 " + std::string(kSourceDir) + "/Tests/audit/audit_dxf.py " + file.string();
-  const int status = std::system(call.c_str());
-  std::filesystem::remove(file);
-  return status;
+  return std::system(call.c_str());
 }
 
 std::int64_t handleAfter(const std::string& tags, const std::string& before) {
@@ -167,17 +165,17 @@ std::string extendedSymbolText() {
   std::string text = symbolText();
   const std::size_t space = text.find("\n  5\n1F\n", text.find("\nBLOCK_RECORD\n")) + 8;
   text.insert(space, "102\n{ACAD_XDICTIONARY\n360\nC1\n102\n}\n");
-  text.insert(text.find("  2\nsub\n340\n0\n") + 14, "1001\nkaava\n1000\nmark\n1005\nA4\n");
+  text.insert(text.find("\n2\nsub\n340\n0\n") + 13, "1001\nkaava\n1000\nmark\n1005\nA4\n");
   text = with(text, "ENTITIES",
-              "  0\nATTDEF\n  5\nB5\n330\n1F\n100\nAcDbEntity\n  8\n0\n100\nAcDbText\n 10\n0.0\n 20\n0.0\n 30\n0.0\n"
-              " 40\n1.0\n  1\noletus\n  7\nStandard\n100\nAcDbAttributeDefinition\n  3\nNimi\n  2\nNIMI\n 70\n0\n");
-  return with(text, "OBJECTS",
-              "  0\nDICTIONARY\n  5\nC1\n330\n1F\n100\nAcDbDictionary\n280\n1\n281\n1\n  3\nACAD_SORTENTS\n360\nC2\n"
-              "  3\nEXTRA\n360\nC3\n  3\nGRAPH\n360\nC4\n"
-              "  0\nSORTENTSTABLE\n  5\nC2\n330\nC1\n100\nAcDbSortentsTable\n330\n1F\n"
-              "  0\nXRECORD\n  5\nC3\n330\nC1\n100\nAcDbXrecord\n280\n1\n  1\ntext\n330\nB1\n330\nEEE\n"
-              "  0\nOTHERGRAPH\n  5\nC4\n330\nC1\n100\nOther\n360\nC5\n"
-              "  0\nOTHERNODE\n  5\nC5\n330\nC4\n100\nOther\n360\nC4\n  1\nnode\n");
+              tests::tags("0 ATTDEF | 5 B5 | 330 1F | 100 AcDbEntity | 8 0 | 100 AcDbText | 10 0.0 | 20 0.0 | 30 0.0 | "
+                          "40 1.0 | 1 oletus | 7 Standard | 100 AcDbAttributeDefinition | 3 Nimi | 2 NIMI | 70 0 | "));
+  return with(
+      text, "OBJECTS",
+      tests::tags(
+          "0 DICTIONARY | 5 C1 | 330 1F | 100 AcDbDictionary | 280 1 | 281 1 | 3 ACAD_SORTENTS | 360 C2 | 3 EXTRA | "
+          "360 C3 | 3 GRAPH | 360 C4 | 0 SORTENTSTABLE | 5 C2 | 330 C1 | 100 AcDbSortentsTable | 330 1F | 0 XRECORD | "
+          "5 C3 | 330 C1 | 100 AcDbXrecord | 280 1 | 1 text | 330 B1 | 330 EEE | 0 OTHERGRAPH | 5 C4 | 330 C1 | 100 "
+          "Other | 360 C5 | 0 OTHERNODE | 5 C5 | 330 C4 | 100 Other | 360 C4 | 1 node | "));
 }
 
 TEST(Insertion, ExtensionDictionariesAndDataOfBlocksComeAlong) {
@@ -225,9 +223,8 @@ TEST(Insertion, ExtensionDictionariesAndDataOfBlocksComeAlong) {
 TEST(Insertion, LayersOfEntitiesWithoutMarkersComeAlong) {
   tests::OpenDrawing drawing;
   Symbol symbol(with(symbolText(), "ENTITIES",
-                     "  0\nLINE\n  5\nB6\n  8\nel\xE4in\n  6\nContinuous\n 10\n0.0\n 20\n0.0\n 30\n0.0\n 11\n1.0\n"
-                     " 21\n1.0\n 31\n0.0\n"
-                     "  0\nINSERT\n  5\nB7\n  8\nel\xE4in\n  2\nsub\n 10\n1.0\n 20\n1.0\n 30\n0.0\n"));
+                     tests::tags("0 LINE | 5 B6 | 8 el\xE4in | 6 Continuous | 10 0.0 | 20 0.0 | 30 0.0 | 11 1.0 | 21 "
+                                 "1.0 | 31 0.0 | 0 INSERT | 5 B7 | 8 el\xE4in | 2 sub | 10 1.0 | 20 1.0 | 30 0.0 | ")));
   AcDbObjectId id;
   ASSERT_EQ(drawing->insert(id, L"a", &symbol.db), Acad::eOk);
   DrawingDatabase& db = drawing.database();
@@ -273,7 +270,7 @@ TEST(Insertion, RefusesBlocksThatWouldHoldThemselves) {
 std::string symbolShowing(const std::string& name) {
   std::string text = symbolText();
   for (const std::string before :
-       {"\nAcDbBlockBegin\n  2\n", "\nAcDbBlockTableRecord\n  2\n", "\nAcDbBlockReference\n  2\n"}) {
+       {"\nAcDbBlockBegin\n2\n", "\nAcDbBlockTableRecord\n2\n", "\nAcDbBlockReference\n2\n"}) {
     const std::size_t at = text.find(before + "sub\n");
     text.replace(at + before.size(), 3, name);
   }

@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <optional>
 
 #include "../Database/Support.h"
@@ -44,8 +43,6 @@ class TextCache : public testing::Test {
  protected:
   void SetUp() override {
     if (std::system("node --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "node is not installed";
-    folder_ = fs::temp_directory_path() / ("dwg-cache-" + std::to_string(::getpid()));
-    fs::remove_all(folder_);
     const fs::path package = folder_ / "reader/node_modules/@mlightcad/libredwg-web/wasm";
     fs::create_directories(package);
     fs::create_directories(folder_ / "here");
@@ -62,10 +59,6 @@ export default async () => ({
 )";
     settings_.script = folder_ / "reader/reader.mjs";
   }
-  void TearDown() override {
-    if (!folder_.empty()) fs::remove_all(folder_);
-  }
-
   /// Converts a drawing in a process of its own, the current folder being "here"; how often the package was asked.
   std::size_t asked(const std::string& drawing = "AC1015 a drawing") {
     fs::remove(folder_ / "asked");
@@ -90,7 +83,8 @@ export default async () => ({
     return files;
   }
 
-  fs::path folder_;
+  const tests::OwnFolder own_;
+  const fs::path& folder_ = own_.path;
   host::dwg::ReaderSettings settings_;
 };
 
@@ -136,13 +130,9 @@ TEST_F(TextCache, FoldersThatOthersCanWriteToAreNotUsed) {
 }
 
 TEST_F(TextCache, OnlyAbsolutePathsLeadToIt) {
-  const std::map<const char*, std::optional<std::string>> none = {
-      {"TOLMEX_DWG_CACHE", std::nullopt}, {"XDG_CACHE_HOME", std::nullopt}, {"HOME", ""}};
+  const Variable noOwn("TOLMEX_DWG_CACHE", std::nullopt), noCommon("XDG_CACHE_HOME", std::nullopt), noHome("HOME", "");
   const auto askedWith = [&](const char* name, const std::string& value) {
-    std::map<const char*, std::optional<std::string>> values = none;
-    values[name] = value;
-    std::vector<std::unique_ptr<Variable>> all;
-    for (const auto& [variable, content] : values) all.push_back(std::make_unique<Variable>(variable, content));
+    const Variable place(name, value);
     return asked();
   };
   for (const char* const name : {"TOLMEX_DWG_CACHE", "XDG_CACHE_HOME", "HOME"}) {

@@ -1,4 +1,7 @@
 // Wrong usage, and drawings that cannot be read.
+#include <algorithm>
+#include <sstream>
+
 #include "Support.h"
 
 using namespace tests;
@@ -8,8 +11,6 @@ using testing::StartsWith;
 namespace {
 
 class Usage : public Program {};
-
-constexpr const char* kHint = "\nRun with --help for more information.\n";
 
 TEST_F(Usage, HelpAndVersion) {
   EXPECT_EQ(call({"--version"}), (Outcome{0, "tolmex 1.0\n", ""}));
@@ -23,74 +24,67 @@ TEST_F(Usage, HelpAndVersion) {
 }
 
 TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
-  const std::vector<std::pair<Arguments, std::string>> cases = {
-      {{}, std::string("A subcommand is required") + kHint},
-      {{"ruin", "plan.dxf"},
-       std::string("ruin: No such call; the calls are run, shell, picture, info and desktop") + kHint},
-      {{"run"}, std::string("PLAN is required") + kHint},
-      {{"run", "plan.dxf", "", "--command", "REGEN"}, std::string("PLAN: a file name is empty") + kHint},
-      {{"run", "plan.dxf"},
-       std::string("--script, --command or an output (--out, --out-dir, --picture) is required") + kHint},
-      {{"picture", "plan.dxf", "a.png", "--widht", "500"},
-       std::string("--widht: No such option of picture; nearest: --width") + kHint},
-      {{"info", "plan.dxf", "--nonsense=5"}, std::string("--nonsense: No such option of info") + kHint},
-      {{"run", "plan.dxf", "other.dxf", "--command", "REGEN", "--out", "a.dxf"},
-       "tolmex: --out names one file; with several drawings give --out-dir DIR\n"},
-      {{"run", "plan.dxf", "other.dxf", "--command", "REGEN", "--picture", "a.png"},
-       "tolmex: --picture names one file; with several drawings give --out-dir DIR --format png\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--out", "a.dxf", "--out-dir", "out"},
-       std::string("--out excludes --out-dir") + kHint},
-      {{"run", "-", "--script", "-"}, "tolmex: -: standard input can be one drawing, or the script\n"},
-      {{"run", "-", "--command", "REGEN", "--out-dir", "out"},
-       "tolmex: the drawing on standard input has no name for --out-dir; give --out FILE\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--format", "png"},
-       "tolmex: --format goes with --out-dir DIR, or with a picture on standard output (--picture -)\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--jobs", "0"},
-       std::string("--jobs: \"0\" is not a whole number from 1 to 256") + kHint},
-      {{"picture", "plan.dxf"}, std::string("OUT, the name of the picture, or --out-dir DIR is required") + kHint},
-      {{"picture", "plan.dxf", "other.dxf", "a.png"}, std::string("PLAN: several drawings need --out-dir DIR") + kHint},
-      {{"picture", "plan.dxf", "a.png", "--format", "svg"},
-       "tolmex: a.png: the name and --format ask for different formats\n"},
-      {{"picture", "plan.dxf", "-", "--format", "gif"},
-       std::string("--format: \"gif\" is no picture format; use png, svg or pdf") + kHint},
-      {{"desktop"}, "tolmex: desktop: the window is not part of this build; use run, shell or picture\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--out", "a.dwg"},
-       "tolmex: a.dwg: drawings are saved as DXF; the name must end in .dxf\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--out", ""},
-       "tolmex: \"\": drawings are saved as DXF; the name must end in .dxf\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--picture", "a.gif"},
-       "tolmex: a.gif: a picture's name must end in .png, .svg or .pdf\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--support", "nowhere"},
-       std::string("--support: Directory does not exist: nowhere") + kHint},
-      {{"run", "plan.dxf", "--command", "REGEN", "--set", "LTSCALE"}, "tolmex: --set LTSCALE: give it as NAME=VALUE\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--set", "LTSCALEE=1"},
-       "tolmex: --set LTSCALEE=1: unknown system variable \"LTSCALEE\"; nearest: LTSCALE\n"},
-      {{"run", "plan.dxf", "--command", "REGEN", "--set", "LTSCALE=wide"},
-       "tolmex: --set LTSCALE=wide: LTSCALE: needs a number\n"},
-      {{"picture", "plan.dxf", "a.gif"}, "tolmex: a.gif: a picture's name must end in .png, .svg or .pdf\n"},
-      {{"picture", "plan.dxf", "a.png", "--width", "0"},
-       std::string("--width: Picture width \"0\" is not a whole number of pixels from 1 to 30000.") + kHint},
-      {{"picture", "plan.dxf", "a.png", "--paper", "B9"},
-       std::string("--paper: Paper \"B9\" is not known; use A0, A1, A2, A3, A4 or A5, with -landscape or -portrait, or "
-                   "WIDTHxHEIGHT in millimetres.") +
-           kHint},
-      {{"picture", "plan.dxf", "a.png", "--scale", "500"},
-       std::string("--scale: Scale \"500\" is not of the form 1:500.") + kHint},
-      {{"picture", "plan.dxf", "a.png", "--window", "0,0,nan,5"},
-       std::string("--window: Picture window \"0,0,nan,5\" is not of the form x1,y1,x2,y2 with two opposite corners.") +
-           kHint},
-      {{"picture", "plan.dxf", "a.png", "--background", "blurple"},
-       std::string(
-           "--background: Background \"blurple\" is not a colour; use a name such as white, #rrggbb, or transparent.") +
-           kHint},
-      {{"picture", "plan.dxf", "a.png", "--lineweights", "-1"},
-       std::string("--lineweights: Lineweights \"-1\" are not on, off or a factor from above 0 to 100.") + kHint},
-      {{"picture", "plan.dxf", "a.png", "--grayscale", "--monochrome"},
-       std::string("--grayscale excludes --monochrome") + kHint},
+  // Arguments parted by blanks; '' is an empty one.
+  using Cases = std::vector<std::pair<std::string, std::string>>;
+  const auto expectRefused = [this](const Cases& cases, const std::string& before, const std::string& after) {
+    for (const auto& [text, sentence] : cases) {
+      std::istringstream words(text);
+      Arguments arguments{std::istream_iterator<std::string>(words), {}};
+      std::replace(arguments.begin(), arguments.end(), std::string("''"), std::string());
+      EXPECT_EQ(call(arguments), (Outcome{1, "", before + sentence + after})) << text;
+    }
   };
-  for (const auto& [arguments, sentence] : cases) {
-    EXPECT_EQ(call(arguments), (Outcome{1, "", sentence})) << testing::PrintToString(arguments);
-  }
+  const Cases hinted = {
+      {"", "A subcommand is required"},
+      {"ruin plan.dxf", "ruin: No such call; the calls are run, shell, picture, info and desktop"},
+      {"run", "PLAN is required"},
+      {"run plan.dxf '' --command REGEN", "PLAN: a file name is empty"},
+      {"run plan.dxf", "--script, --command or an output (--out, --out-dir, --picture) is required"},
+      {"picture plan.dxf a.png --widht 500", "--widht: No such option of picture; nearest: --width"},
+      {"info plan.dxf --nonsense=5", "--nonsense: No such option of info"},
+      {"run plan.dxf --command REGEN --out a.dxf --out-dir out", "--out excludes --out-dir"},
+      {"run plan.dxf --command REGEN --jobs 0", "--jobs: \"0\" is not a whole number from 1 to 256"},
+      {"picture plan.dxf", "OUT, the name of the picture, or --out-dir DIR is required"},
+      {"picture plan.dxf other.dxf a.png", "PLAN: several drawings need --out-dir DIR"},
+      {"picture plan.dxf - --format gif", "--format: \"gif\" is no picture format; use png, svg or pdf"},
+      {"run plan.dxf --command REGEN --support nowhere", "--support: Directory does not exist: nowhere"},
+      {"picture plan.dxf a.png --width 0",
+       "--width: Picture width \"0\" is not a whole number of pixels from 1 to 30000."},
+      {"picture plan.dxf a.png --paper B9",
+       "--paper: Paper \"B9\" is not known; use A0, A1, A2, A3, A4 or A5, with -landscape or -portrait, or "
+       "WIDTHxHEIGHT in millimetres."},
+      {"picture plan.dxf a.png --scale 500", "--scale: Scale \"500\" is not of the form 1:500."},
+      {"picture plan.dxf a.png --window 0,0,nan,5",
+       "--window: Picture window \"0,0,nan,5\" is not of the form x1,y1,x2,y2 with two opposite corners."},
+      {"picture plan.dxf a.png --background blurple",
+       "--background: Background \"blurple\" is not a colour; use a name such as white, #rrggbb, or transparent."},
+      {"picture plan.dxf a.png --lineweights -1",
+       "--lineweights: Lineweights \"-1\" are not on, off or a factor from above 0 to 100."},
+      {"picture plan.dxf a.png --grayscale --monochrome", "--grayscale excludes --monochrome"},
+  };
+  expectRefused(hinted, "", "\nRun with --help for more information.\n");
+  const Cases told = {
+      {"run plan.dxf other.dxf --command REGEN --out a.dxf",
+       "--out names one file; with several drawings give --out-dir DIR"},
+      {"run plan.dxf other.dxf --command REGEN --picture a.png",
+       "--picture names one file; with several drawings give --out-dir DIR --format png"},
+      {"run - --script -", "-: standard input can be one drawing, or the script"},
+      {"run - --command REGEN --out-dir out",
+       "the drawing on standard input has no name for --out-dir; give --out FILE"},
+      {"run plan.dxf --command REGEN --format png",
+       "--format goes with --out-dir DIR, or with a picture on standard output (--picture -)"},
+      {"picture plan.dxf a.png --format svg", "a.png: the name and --format ask for different formats"},
+      {"desktop", "desktop: the window is not part of this build; use run, shell or picture"},
+      {"run plan.dxf --command REGEN --out a.dwg", "a.dwg: drawings are saved as DXF; the name must end in .dxf"},
+      {"run plan.dxf --command REGEN --out ''", "\"\": drawings are saved as DXF; the name must end in .dxf"},
+      {"run plan.dxf --command REGEN --picture a.gif", "a.gif: a picture's name must end in .png, .svg or .pdf"},
+      {"run plan.dxf --command REGEN --set LTSCALE", "--set LTSCALE: give it as NAME=VALUE"},
+      {"run plan.dxf --command REGEN --set LTSCALEE=1",
+       "--set LTSCALEE=1: unknown system variable \"LTSCALEE\"; nearest: LTSCALE"},
+      {"run plan.dxf --command REGEN --set LTSCALE=wide", "--set LTSCALE=wide: LTSCALE: needs a number"},
+      {"picture plan.dxf a.gif", "a.gif: a picture's name must end in .png, .svg or .pdf"},
+  };
+  expectRefused(told, "tolmex: ", "\n");
   EXPECT_EQ(names(), std::vector<std::string>{"plan.dxf"});
 }
 
