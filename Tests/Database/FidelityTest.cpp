@@ -1,6 +1,5 @@
 // What saving promises: nothing changes that nobody changed.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -179,33 +178,6 @@ TEST(Fidelity, UndoingEverythingGivesBackTheFileSavedMeanwhileOrNot) {
     }
     EXPECT_NE(drawing.text(), before);
   }
-}
-
-TEST(Fidelity, AFailedSaveLeavesTheOldFile) {
-  OpenDrawing drawing(tests::probeDrawing("\n"));
-  const tests::OwnFolder own;
-  const auto& folder = own.path;
-  std::filesystem::create_directories(folder / "folder.dxf");
-  const auto file = folder / "plan.dxf";
-  ASSERT_TRUE(host::dxf::saveDrawing(drawing.database(), file).ok());
-  EXPECT_EQ(fileText(file), drawing.text());
-  const auto refused = host::dxf::saveDrawing(drawing.database(), folder / "folder.dxf");
-  EXPECT_FALSE(refused.ok());
-  EXPECT_NE(refused.message().find("folder"), std::string::npos);
-  EXPECT_FALSE(host::dxf::saveDrawing(drawing.database(), folder / "gone" / "plan.dxf").ok());
-  ASSERT_EQ(::mkfifo((folder / "pipe.dxf").c_str(), 0600), 0);
-  EXPECT_FALSE(host::dxf::saveDrawing(drawing.database(), folder / "pipe.dxf").ok());
-  EXPECT_TRUE(std::filesystem::is_fifo(folder / "pipe.dxf"));
-  std::filesystem::remove(folder / "pipe.dxf");
-  // A link goes on naming its target, which is what is replaced.
-  std::filesystem::create_symlink("plan.dxf", folder / "link.dxf");
-  ASSERT_TRUE(host::dxf::writeFileWhole(folder / "link.dxf", "new").ok());
-  EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.dxf"));
-  EXPECT_EQ(fileText(file), "new");
-  // Nothing temporary is left behind.
-  std::size_t entries = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder)) ++entries;
-  EXPECT_EQ(entries, 3U);
 }
 
 TEST(Fidelity, ANewDrawingIsComplete) {

@@ -1,33 +1,14 @@
 // The plug-in's dialogs, worked by scripts on a plan.
-#include "Illustration/Plan.h"
-#include "acdbads.h"
-#include "acutads.h"
-#include "dbapserv.h"
-#include "dbents.h"
+#include "Illustration/BuildingPlan.h"
 
 namespace {
 
 using namespace tests;
 
-class PluginDialogs : public Plan {
+class PluginDialogs : public BuildingPlan {
  protected:
-  /// Extended data of text items, as a command would have left it.
   void expectShown(const std::vector<std::string>& controls) {
     for (const std::string& control : controls) EXPECT_TRUE(said(control + "\n")) << control << "\n" << transcript_;
-  }
-  void setData(const Slot& entity, const wchar_t* application, const std::vector<const wchar_t*>& texts) {
-    acdbRegApp(application);
-    AcDbObjectId id;
-    ASSERT_EQ(acdbHostApplicationServices()->workingDatabase()->getAcDbObjectId(id, false, AcDbHandle(entity.handle)),
-              Acad::eOk);
-    AcDbEntity* open = nullptr;
-    ASSERT_EQ(acdbOpenObject(open, id, AcDb::kForWrite), Acad::eOk);
-    resbuf* const chain = acutBuildList(1001, application, RTNONE);
-    resbuf* last = chain;
-    for (const wchar_t* const text : texts) last = last->rbnext = acutBuildList(1000, text, RTNONE);
-    EXPECT_EQ(open->setXData(chain), Acad::eOk);
-    acutRelRb(chain);
-    open->close();
   }
   Slot* polyline(int x) {
     const std::string at = std::to_string(x);
@@ -36,7 +17,7 @@ class PluginDialogs : public Plan {
   }
   Slot* ridgeLine(int x) {
     Slot* const line = polyline(x);
-    setData(*line, L"kaava_tolmex", {L"TOLM_VERSION", L"1", L"ENTITYTYPE", L"Harjaviiva", L"HEIGHT", L"0"});
+    run("TLM_MUOK_HARJAVIIVA\n" + pick(*line) + "\n");
     return line;
   }
 };
@@ -166,13 +147,18 @@ TEST_F(PluginDialogs, ARidgeLineIsPicked) {
 }
 
 TEST_F(PluginDialogs, ABuildingShowsItsRecordAsStored) {
-  Slot* const outline = polyline(0);
-  const std::wstring ridge = host::text::fromUtf8(handle(*ridgeLine(20)));
-  setData(*outline, L"ORV_VR",
-          {L"_ENTITYTYPE", L"building", L"baseheight", L"0.40", L"floorheight", L"2.80", L"nrfloors", L"3",
-           L"eavesWidth", L"0.5", L"roofheight", L"1.75", L"tolm_bld_shadowcolor", L"12", L"tolm_bld_suncolor", L"13",
-           L"tolm_roofline_handle", ridge.c_str()});
-  run("TLM_MUOK_RAKENNUS\n" + pick(*outline) + "\nLIST\nCancel\n");
+  const std::string outline = handle(*polyline(0));
+  store({{outline,
+          {{"_ENTITYTYPE", "building"},
+           {"baseheight", "0.40"},
+           {"floorheight", "2.80"},
+           {"nrfloors", "3"},
+           {"eavesWidth", "0.5"},
+           {"roofheight", "1.75"},
+           {"tolm_bld_shadowcolor", "12"},
+           {"tolm_bld_suncolor", "13"},
+           {"tolm_roofline_handle", handle(*ridgeLine(20))}}}});
+  run("TLM_MUOK_RAKENNUS\n" + pickHandle(outline) + "\nLIST\nCancel\n");
   expectShown({R"(30211 edit "3")", R"(30206 edit "2.80")", R"(30207 edit "0.5")", R"(30208 edit "0.40")",
                R"(270 text "Harjaviiva määritetty (1.75 m).")"});
   EXPECT_TRUE(said("30236 drop-down list \"13\"") && said("30237 drop-down list \"12\""));

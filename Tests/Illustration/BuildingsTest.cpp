@@ -40,17 +40,4 @@ TEST_F(Buildings, ABuildingThatBecomesARidgeLineIsBoth) {
   EXPECT_EQ(tagValue(slot(outline), "ENTITYTYPE"), "Harjaviiva");
 }
 
-TEST_F(Buildings, AnElementIsNeverMadeABuilding) {
-  const std::string outline = rectangle(0, 0, 10, 10);
-  run("TLM_MUOK_METSA\n" + pickHandle(outline) + "\n");
-  const std::string before = text();
-  EXPECT_NE(
-      run("TLM_MUOK_RAKENNUS\n" + pickHandle(outline) + "\n").find("Muunnos metsä -> rakennus ei ole mahdollinen."),
-      std::string::npos)
-      << transcript_;
-  EXPECT_EQ(text(), before);
-  run("TLM_MUOK_RAKENNUS\n\n");
-  EXPECT_EQ(text(), before);
-}
-
 }  // namespace

@@ -1,11 +1,11 @@
 // The element commands on every kind of polyline, again and again.
-#include "Illustration/Plan.h"
+#include "Illustration/BuildingPlan.h"
 
 namespace {
 
 using namespace tests;
 
-class Elements : public Plan {
+class Elements : public BuildingPlan {
  protected:
   /// A closed square with its lower left corner at x, 0.
   std::string square(int x) {
@@ -127,22 +127,7 @@ TEST_F(Elements, RemovedDataLeavesTheFillToItself) {
 
 TEST_F(Elements, BuildingsAndTheirRecordsGoWithTheTag) {
   run(square(0));
-  Slot* const outline = last(DxfType::LwPolyline);
-  run("TLM_MUOK_ASFALTTI\n" + pick(*outline) + "\n");
-  std::string changed = text();
-  const std::string record =
-      "1001\nORV_VR\n1000\n_ENTITYTYPE\n1000\nBuilding\n1000\nbaseheight\n1000\n0.4\n1000\nfloorheight\n1000\n3\n1000\n"
-      "nrfloors\n1000\n2\n1000\neavesWidth\n1000\n0.5\n1000\nroofheight\n1000\n3.5\n1000\ntolm_bld_"
-      "shadowcolor\n1000\n45\n"
-      "1000\ntolm_bld_suncolor\n1000\n42\n";
-  const std::size_t tag = changed.find("1001\nkaava_tolmex");
-  ASSERT_NE(tag, std::string::npos);
-  const std::size_t end = changed.find("  0\n", tag);
-  changed.replace(tag, end - tag, record);
-  changed.insert(
-      changed.find("  0\nAPPID"),
-      "  0\nAPPID\n  5\nFF0\n330\n9\n100\nAcDbSymbolTableRecord\n100\nAcDbRegAppTableRecord\n  2\nORV_VR\n 70\n0\n");
-  openText(changed);
+  store({{handle(*last(DxfType::LwPolyline)), building("2")}});
   EXPECT_NE(run("HOVER\n0,5\n").find("Rakennus (2 kerrosta): harjaviivaa ei määritelty."), std::string::npos)
       << transcript_;
   run("TLM_MUOK_AITA_KIVI\n" + pick(*last(DxfType::LwPolyline)) + "\n");

@@ -163,7 +163,7 @@ TEST_F(Audit, InsertedSymbolsAreSound) {
 TEST_F(Audit, RealDrawingsStaySoundWithElementsOnEverything) {
   if (!fs::is_directory(drawings())) GTEST_SKIP() << drawings() << " is not there";
   for (const char* name :
-       {"dynblk", "ex2000", "floor04", "frame_a4", "hatchpat", "nest", "openring", "survey", "tree21"})
+       {"dynblk", "ex2000", "floor04", "frame_a4", "hatchpat", "nest", "openring", "parcels", "survey", "tree21"})
     illustrateAll(drawings() / (std::string(name) + ".dxf"));
 }
 
@@ -173,23 +173,6 @@ TEST_F(Audit, OlderAndDamagedDrawingsBecomeSound) {
   for (const char* name : {"bin2018", "broken12", "electric", "furn12"}) {
     illustrateAll(drawings() / (std::string(name) + ".dxf"), false);
   }
-}
-
-TEST_F(Audit, ThousandsOfParcelsStaySound) {
-  if (!fs::is_directory(drawings())) GTEST_SKIP() << drawings() << " is not there";
-  illustrateAll(drawings() / "parcels.dxf");
-}
-
-TEST_F(Audit, TownOfFootprintsStaysSound) {
-  if (!fs::is_directory(drawings())) GTEST_SKIP() << drawings() << " is not there";
-  const Outcome made =
-      python({kSources / "Tests/data/make_geojson_drawing.py", drawings() / "kotka.geojson", "town.dxf"});
-  ASSERT_EQ(made.status, 0) << made.err;
-  illustrateAll(folder / "town.dxf");
-  // Rings have an area, streets and cut rings have none.
-  write("expected.json", R"({"hatches": [{"layer": "tma_asf", "pattern": "SOLID", "count": 2252}]})");
-  const Outcome result = audit({"--expect", "expected.json", "ASFALTTI.dxf"});
-  EXPECT_EQ(result.status, 0) << result.err;
 }
 
 }  // namespace

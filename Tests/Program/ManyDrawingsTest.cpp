@@ -27,20 +27,10 @@ class ManyDrawings : public Program {
     for (int i = 0; i < 1000; ++i) {
       pid_t worker = 0;
       // Asked only once the worker has made itself ready for signals.
-      if (std::ifstream(name) >> worker && isWaiting(worker)) return worker;
+      if (std::ifstream(name) >> worker && takesInterrupts(worker, true)) return worker;
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
     return 0;
-  }
-  static bool isWaiting(pid_t process) {
-    std::ifstream status("/proc/" + std::to_string(process) + "/status");
-    bool sleeps = false;
-    for (std::string line; std::getline(status, line);) {
-      if (line.starts_with("State:")) sleeps = line.find("S (") != std::string::npos;
-      if (line.starts_with("SigCgt:"))
-        return sleeps && (std::stoull(line.substr(7), nullptr, 16) >> (SIGINT - 1) & 1U) != 0;
-    }
-    return false;
   }
 };
 

@@ -86,18 +86,7 @@ TEST_F(Outputs, AreRefusedBeforeWorkBegins) {
   EXPECT_TRUE(fs::is_fifo(folder / "pipe.dxf"));
 }
 
-TEST_F(Outputs, FullDiskLeavesTheOldFile) {
-  write("a.dxf", "old drawing");
-  write("a.png", "old picture");
-  const std::vector<std::string> before = names();
-  const Surroundings full{.largestFile = 20000};
-  EXPECT_EQ(call({"run", "plan.dxf", "--command", "REGEN", "--quiet", "--out", "a.dxf"}, full),
-            (Outcome{4, "", "tolmex: a.dxf: cannot be written: File too large\n"}));
-  EXPECT_EQ(call({"picture", "plan.dxf", "a.png"}, full),
-            (Outcome{4, "", "tolmex: a.png: cannot be written: File too large\n"}));
-  EXPECT_EQ(names(), before);
-  EXPECT_EQ(read("a.dxf"), "old drawing");
-  EXPECT_EQ(read("a.png"), "old picture");
+TEST_F(Outputs, AFullDeviceIsTold) {
   // Opened for writing as standard output: the device stays what it is.
   EXPECT_EQ(call({"info", "plan.dxf"}, {.standardOut = "/dev/full"}),
             (Outcome{4, "", "tolmex: standard output cannot be written\n"}));

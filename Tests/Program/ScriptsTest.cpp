@@ -179,17 +179,8 @@ TEST_F(Scripts, CtrlCEndsWorkThatDoesNotNotice) {
   write("a.dxf", "old");
   const pid_t child = start({"run", "plan.dxf", "--script", "wait.scr", "--out", "a.dxf"});
   std::chrono::milliseconds taken{};
-  const std::string handled = "/proc/" + std::to_string(child) + "/status";
   const Outcome outcome = interrupt(
-      child,
-      [&] {
-        std::ifstream status(handled);
-        for (std::string line; std::getline(status, line);) {
-          if (line.starts_with("SigCgt:")) return (std::stoull(line.substr(7), nullptr, 16) >> (SIGINT - 1) & 1U) != 0;
-        }
-        return true;  // it has ended: the checks below say how
-      },
-      taken);
+      child, [&] { return takesInterrupts(child); }, taken);
   EXPECT_EQ(outcome, (Outcome{3, "", "tolmex: interrupted; unfinished outputs were not written\n"}));
   EXPECT_LT(taken.count(), 2000);
   EXPECT_EQ(read("a.dxf"), "old");

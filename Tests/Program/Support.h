@@ -47,6 +47,19 @@ struct Surroundings {
   Arguments variables = {};            // NAME=VALUE of the environment
 };
 
+/// Whether a process handles Ctrl+C itself by now, sleeping while it waits when that is asked for; also once it has
+/// ended.
+inline bool takesInterrupts(pid_t process, bool mustSleep = false) {
+  std::ifstream status("/proc/" + std::to_string(process) + "/status");
+  bool sleeps = false;
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("State:")) sleeps = line.find("S (") != std::string::npos;
+    if (line.starts_with("SigCgt:"))
+      return (sleeps || !mustSleep) && (std::stoull(line.substr(7), nullptr, 16) >> (SIGINT - 1) & 1U) != 0;
+  }
+  return !mustSleep;
+}
+
 class Program : public testing::Test {
  protected:
   Program() {

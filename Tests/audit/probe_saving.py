@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Kills the program while it saves, lets its memory end, and looks at what is left.
 
-    python3 probe_saving.py TOLMEX [--only kills|memory|limits] [--kills N] [--places N] [--areas N] [--seed S]
+    python3 probe_saving.py TOLMEX [--only kills|memory] [--kills N] [--places N] [--areas N] [--seed S]
 
 A plan of many areas is illustrated and saved over an older result, with a picture in each format.
 
@@ -12,7 +12,6 @@ memory  Allocations fail at N places all over the run: one, some in a row, all f
         the old file or the new one and a sentence where it did not succeed. In a session at a terminal that is served from a pipe
         the user then takes the command back, which gives the opened drawing to the byte, or saves what there is, which must be a
         sound drawing with everything that was in it.
-limits  The same run under address spaces of growing size (ulimit -v).
 
 The faults are made by a library that is built here (Tests/Faults/Shim.cpp) and preloaded; the program must be one without
 sanitizers. Prints what was found; status 1 when something was not as it must be.
@@ -25,7 +24,6 @@ import collections
 import os
 import pathlib
 import random
-import resource
 import subprocess
 import sys
 import tempfile
@@ -40,16 +38,12 @@ CRASHES = 128  # statuses from here on: a signal ended the program
 
 def plan(areas: int) -> str:
     """A drawing of squares in rows, as plain as a reader takes it."""
-    tags = ["0", "SECTION", "2", "HEADER", "9", "$ACADVER", "1", "AC1015", "9", "$HANDSEED", "5", "FFFFF", "0", "ENDSEC",
-            "0", "SECTION", "2", "ENTITIES"]
+    text = "0 SECTION 2 HEADER 9 $ACADVER 1 AC1015 9 $HANDSEED 5 FFFFF 0 ENDSEC 0 SECTION 2 ENTITIES "
     for number in range(areas):
         x, y = number % 100 * 12, number // 100 * 12
-        tags += ["0", "LWPOLYLINE", "5", f"{0x1000 + number:X}", "100", "AcDbEntity", "8", "0", "100", "AcDbPolyline",
-                 "90", "4", "70", "1"]
-        for dx, dy in ((0, 0), (10, 0), (10, 10), (0, 10)):
-            tags += ["10", f"{x + dx}.0", "20", f"{y + dy}.0"]
-    tags += ["0", "ENDSEC", "0", "EOF"]
-    return "\n".join(tags) + "\n"
+        text += f"0 LWPOLYLINE 5 {0x1000 + number:X} 100 AcDbEntity 8 0 100 AcDbPolyline 90 4 70 1 "
+        text += f"10 {x}.0 20 {y}.0 10 {x + 10}.0 20 {y}.0 10 {x + 10}.0 20 {y + 10}.0 10 {x}.0 20 {y + 10}.0 "
+    return (text + "0 ENDSEC 0 EOF ").replace(" ", "\n")
 
 
 class Probe:
@@ -225,34 +219,17 @@ class Probe:
                     else:
                         self.count(f"memory: session that is {what}, sound")
 
-    # ---- limits ----
-
-    def limits(self) -> None:
-        command = self.run_command[:self.run_command.index("--picture")]
-        step, size, done = 2 << 20, 16 << 20, 0
-        while done < 10:
-            self.make_old()
-            status, said, _ = self.run(command=command, preexec_fn=lambda limit=size: resource.setrlimit(resource.RLIMIT_AS, (limit, limit)))
-            state = self.states()["result.dxf"]
-            self.count(f"limits: status {status}, {state}")
-            # 127: the libraries themselves could not be loaded, which their loader tells.
-            if status not in (0, 2, 3, 4, 127) or (state == "neither" and not self.is_sound(self.results / "result.dxf")) or \
-                    (status == 0) != (state != "old") or (status != 0 and not said) or self.strangers():
-                self.wrong("limit", f"{size >> 20} MB: status {status}, {state}, {said!r}")
-            done += status == 0
-            size += step
-
 
 def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("program", type=pathlib.Path)
-    parser.add_argument("--only", choices=("kills", "memory", "limits"), action="append")
+    parser.add_argument("--only", choices=("kills", "memory"), action="append")
     parser.add_argument("--kills", type=int, default=500)
     parser.add_argument("--places", type=int, default=400, help="places where allocations fail")
     parser.add_argument("--areas", type=int, default=1000)
     parser.add_argument("--seed", type=int, default=1)
     options = parser.parse_args()
-    parts = options.only or ["kills", "memory", "limits"]
+    parts = options.only or ["kills", "memory"]
     with tempfile.TemporaryDirectory() as temporary:
         probe = Probe(str(options.program.resolve()), pathlib.Path(temporary), options)
         first, last = probe.run_alone()
@@ -261,8 +238,6 @@ def main() -> int:
         if "memory" in parts:
             probe.build_shim()
             probe.memory()
-        if "limits" in parts:
-            probe.limits()
     for what, count in sorted(probe.found.items()):
         print(f"{what}: {count}")
     return 1 if any(what.startswith("WRONG") for what in probe.found) else 0

@@ -42,6 +42,15 @@ def number(value: float) -> str:
     return text + "0" if text.endswith(".") else text
 
 
+def at(code: int, point: Vertex, z: str = "0.0") -> tuple[object, ...]:
+    """The pairs of a point on the ground."""
+    return (code, number(point[0]), code + 10, number(point[1]), code + 20, z)
+
+
+def bulge_of(vertex: Vertex) -> tuple[object, ...]:
+    return (42, f"{vertex[2]:.12g}") if len(vertex) > 2 and vertex[2] != 0.0 else ()
+
+
 def escaped(text: str) -> str:
     return text.replace("^", "^ ").replace("\n", "^J").replace("\t", "^I")
 
@@ -105,12 +114,9 @@ class DrawingWriter:
 
     def polyline(self, layer: str, vertices: Sequence[Vertex], closed: bool = True) -> int:
         handle = self._begin("LWPOLYLINE", layer)
-        parts = [f"100\nAcDbPolyline\n90\n{len(vertices)}\n70\n{int(closed)}\n43\n0.0\n"]
+        self._pairs(100, "AcDbPolyline", 90, len(vertices), 70, int(closed), 43, "0.0")
         for vertex in vertices:
-            parts.append(f"10\n{number(vertex[0])}\n20\n{number(vertex[1])}\n")
-            if len(vertex) > 2 and vertex[2] != 0.0:
-                parts.append(f"42\n{vertex[2]:.12g}\n")
-        self._stream.write("".join(parts))
+            self._pairs(10, number(vertex[0]), 20, number(vertex[1]), *bulge_of(vertex))
         return handle
 
     def polyline_2d(self, layer: str, vertices: Sequence[Vertex], closed: bool = True) -> int:
@@ -119,36 +125,31 @@ class DrawingWriter:
         self._pairs(100, "AcDb2dPolyline", 66, 1, 10, "0.0", 20, "0.0", 30, "0.0", 70, int(closed))
         for vertex in vertices:
             self._begin("VERTEX", layer, owner=handle)
-            self._pairs(100, "AcDbVertex", 100, "AcDb2dVertex")
-            self._pairs(10, number(vertex[0]), 20, number(vertex[1]), 30, "0.0")
-            if len(vertex) > 2 and vertex[2] != 0.0:
-                self._pairs(42, f"{vertex[2]:.12g}")
+            self._pairs(100, "AcDbVertex", 100, "AcDb2dVertex", *at(10, vertex), *bulge_of(vertex))
         self._begin("SEQEND", layer, owner=handle)
         return handle
 
     def line(self, layer: str, start: Vertex, end: Vertex) -> int:
         handle = self._begin("LINE", layer)
-        self._pairs(100, "AcDbLine", 10, number(start[0]), 20, number(start[1]), 30, "0.0")
-        self._pairs(11, number(end[0]), 21, number(end[1]), 31, "0.0")
+        self._pairs(100, "AcDbLine", *at(10, start), *at(11, end))
         return handle
 
     def circle(self, layer: str, center: Vertex, radius: float) -> int:
         handle = self._begin("CIRCLE", layer)
-        self._pairs(100, "AcDbCircle", 10, number(center[0]), 20, number(center[1]), 30, "0.0", 40, number(radius))
+        self._pairs(100, "AcDbCircle", *at(10, center), 40, number(radius))
         return handle
 
     def arc(self, layer: str, center: Vertex, radius: float, start: float, end: float) -> int:
         """Counter-clockwise from `start` to `end`, degrees."""
         handle = self._begin("ARC", layer)
-        self._pairs(100, "AcDbCircle", 10, number(center[0]), 20, number(center[1]), 30, "0.0", 40, number(radius))
+        self._pairs(100, "AcDbCircle", *at(10, center), 40, number(radius))
         self._pairs(100, "AcDbArc", 50, number(start), 51, number(end))
         return handle
 
     def ellipse(self, layer: str, center: Vertex, major: Vertex, ratio: float) -> int:
         """A whole one; `major` leads from the centre to the end of the longer axis."""
         handle = self._begin("ELLIPSE", layer)
-        self._pairs(100, "AcDbEllipse", 10, number(center[0]), 20, number(center[1]), 30, "0.0")
-        self._pairs(11, number(major[0]), 21, number(major[1]), 31, "0.0")
+        self._pairs(100, "AcDbEllipse", *at(10, center), *at(11, major))
         self._pairs(210, "0.0", 220, "0.0", 230, "1.0", 40, number(ratio), 41, "0.0", 42, "6.283185307179586")
         return handle
 
@@ -162,13 +163,13 @@ class DrawingWriter:
         for knot in knots:
             self._pairs(40, number(knot))
         for control in controls:
-            self._pairs(10, number(control[0]), 20, number(control[1]), 30, "0.0")
+            self._pairs(*at(10, control))
         return handle
 
     def point(self, layer: str, position: Vertex) -> int:
         """With its height as third number."""
         handle = self._begin("POINT", layer)
-        self._pairs(100, "AcDbPoint", 10, number(position[0]), 20, number(position[1]), 30, number(position[2]))
+        self._pairs(100, "AcDbPoint", *at(10, position, number(position[2])))
         return handle
 
     def polyline_3d(self, layer: str, vertices: Sequence[Vertex], closed: bool = True) -> int:
@@ -177,8 +178,7 @@ class DrawingWriter:
         self._pairs(100, "AcDb3dPolyline", 66, 1, 10, "0.0", 20, "0.0", 30, "0.0", 70, 8 + int(closed))
         for vertex in vertices:
             self._begin("VERTEX", layer, owner=handle)
-            self._pairs(100, "AcDbVertex", 100, "AcDb3dPolylineVertex")
-            self._pairs(10, number(vertex[0]), 20, number(vertex[1]), 30, number(vertex[2]), 70, 32)
+            self._pairs(100, "AcDbVertex", 100, "AcDb3dPolylineVertex", *at(10, vertex, number(vertex[2])), 70, 32)
         self._begin("SEQEND", layer, owner=handle)
         return handle
 
@@ -187,9 +187,8 @@ class DrawingWriter:
         handle = self._begin("SOLID", layer)
         self._pairs(100, "AcDbTrace")
         # The file lists the last two crosswise.
-        listed = [corners[0], corners[1], corners[-1], corners[2]]
-        for i, corner in enumerate(listed):
-            self._pairs(10 + i, number(corner[0]), 20 + i, number(corner[1]), 30 + i, "0.0")
+        for i, corner in enumerate((corners[0], corners[1], corners[-1], corners[2])):
+            self._pairs(*at(10 + i, corner))
         return handle
 
     def hatch(self, layer: str, ring: Sequence[Vertex], line_spacing: float | None = None) -> int:
@@ -211,48 +210,35 @@ class DrawingWriter:
     def dimension(self, layer: str, block: str, start: Vertex, end: Vertex, offset: float) -> int:
         """An aligned one of a level distance, its line `offset` above; `block` draws it as measured from the origin."""
         handle = self._begin("DIMENSION", layer)
-        self._pairs(100, "AcDbDimension", 2, block, 10, number(end[0]), 20, number(end[1] + offset), 30, "0.0")
-        self._pairs(11, number((start[0] + end[0]) / 2), 21, number(start[1] + offset), 31, "0.0")
-        self._pairs(12, number(start[0]), 22, number(start[1]), 32, "0.0", 70, 33, 71, 5, 42, number(end[0] - start[0]))
-        self._pairs(3, "Standard", 100, "AcDbAlignedDimension", 13, number(start[0]), 23, number(start[1]), 33, "0.0")
-        self._pairs(14, number(end[0]), 24, number(end[1]), 34, "0.0")
+        self._pairs(100, "AcDbDimension", 2, block, *at(10, (end[0], end[1] + offset)))
+        self._pairs(*at(11, ((start[0] + end[0]) / 2, start[1] + offset)), *at(12, start), 70, 33, 71, 5)
+        self._pairs(42, number(end[0] - start[0]), 3, "Standard", 100, "AcDbAlignedDimension", *at(13, start), *at(14, end))
         return handle
 
     def text(self, layer: str, center: Vertex, height: float, text: str, rotation: float = 0.0) -> int:
         """One line of text centred on a point; rotation in degrees."""
         handle = self._begin("TEXT", layer)
-        x, y = number(center[0]), number(center[1])
-        self._pairs(100, "AcDbText", 10, x, 20, y, 30, "0.0", 40, number(height), 1, escaped(text))
-        self._pairs(50, number(rotation), 7, "Standard", 72, 1, 11, x, 21, y, 31, "0.0", 100, "AcDbText", 73, 2)
+        self._pairs(100, "AcDbText", *at(10, center), 40, number(height), 1, escaped(text), 50, number(rotation))
+        self._pairs(7, "Standard", 72, 1, *at(11, center), 100, "AcDbText", 73, 2)
         return handle
 
     def mtext(self, layer: str, point: Vertex, height: float, text: str, width: float, attachment: int = 1) -> int:
         """Paragraph text ("\\P" begins a line); `attachment` 1 is top left, 5 middle centre."""
         handle = self._begin("MTEXT", layer)
-        self._pairs(100, "AcDbMText", 10, number(point[0]), 20, number(point[1]), 30, "0.0", 40, number(height))
+        self._pairs(100, "AcDbMText", *at(10, point), 40, number(height))
         self._pairs(41, number(width), 71, attachment, 72, 1, 1, escaped(text), 7, "Standard")
         return handle
 
-    def insert(
-        self,
-        layer: str,
-        block: str,
-        point: Vertex,
-        scale: float = 1.0,
-        rotation: float = 0.0,
-        attributes: dict[str, str] | None = None,
-    ) -> int:
+    def insert(self, layer: str, block: str, point: Vertex, scale: float = 1.0, rotation: float = 0.0,
+               attributes: dict[str, str] | None = None) -> int:
         """Attributes (tag to text) stand below the point, in texts of a metre."""
         handle = self._begin("INSERT", layer)
         factor = number(scale)
-        self._pairs(100, "AcDbBlockReference")
-        if attributes:
-            self._pairs(66, 1)
-        self._pairs(2, block, 10, number(point[0]), 20, number(point[1]), 30, "0.0")
+        self._pairs(100, "AcDbBlockReference", *((66, 1) if attributes else ()), 2, block, *at(10, point))
         self._pairs(41, factor, 42, factor, 43, factor, 50, number(rotation))
         for row, (tag, text) in enumerate((attributes or {}).items()):
             self._begin("ATTRIB", layer, owner=handle)
-            self._pairs(100, "AcDbText", 10, number(point[0]), 20, number(point[1] - 1.4 * (row + 1)), 30, "0.0")
+            self._pairs(100, "AcDbText", *at(10, (point[0], point[1] - 1.4 * (row + 1))))
             self._pairs(40, "1.0", 1, escaped(text), 7, "Standard", 100, "AcDbAttribute", 2, tag, 70, 0)
         if attributes:
             self._begin("SEQEND", layer, owner=handle)
@@ -410,16 +396,9 @@ class DrawingWriter:
 
     def _write_objects(self) -> None:
         self._pairs(0, "SECTION", 2, "OBJECTS")
-        self._dictionary(
-            ROOT_DICTIONARY,
-            0,
-            {
-                "ACAD_GROUP": GROUP_DICTIONARY,
-                "ACAD_LAYOUT": LAYOUT_DICTIONARY,
-                "ACAD_MLINESTYLE": MLINESTYLE_DICTIONARY,
-                "ACAD_PLOTSTYLENAME": PLOT_STYLE_DICTIONARY,
-            },
-        )
+        named = {"ACAD_GROUP": GROUP_DICTIONARY, "ACAD_LAYOUT": LAYOUT_DICTIONARY, "ACAD_MLINESTYLE": MLINESTYLE_DICTIONARY,
+                 "ACAD_PLOTSTYLENAME": PLOT_STYLE_DICTIONARY}
+        self._dictionary(ROOT_DICTIONARY, 0, named)
         self._dictionary(GROUP_DICTIONARY, ROOT_DICTIONARY, {})
         self._dictionary(LAYOUT_DICTIONARY, ROOT_DICTIONARY, {"Model": MODEL_LAYOUT, "Layout1": PAPER_LAYOUT})
         self._dictionary(MLINESTYLE_DICTIONARY, ROOT_DICTIONARY, {"Standard": MLINESTYLE_STANDARD})
@@ -433,9 +412,7 @@ class DrawingWriter:
         self._layout(PAPER_LAYOUT, "Layout1", 1, PAPER_SPACE, plot_flags=688, extents=(0.0, 0.0, 420.0, 297.0))
         self._pairs(0, "ENDSEC")
 
-    def _layout(
-        self, handle: int, name: str, order: int, record: int, plot_flags: int, extents: Sequence[float]
-    ) -> None:
+    def _layout(self, handle: int, name: str, order: int, record: int, plot_flags: int, extents: Sequence[float]) -> None:
         x1, y1, x2, y2 = (number(value) for value in extents)
         self._object("LAYOUT", handle, LAYOUT_DICTIONARY, "AcDbPlotSettings")
         self._pairs(1, "", 2, "none_device", 4, "ISO_A3_(420.00_x_297.00_MM)", 6, "")
