@@ -235,24 +235,6 @@ TEST(Insertion, LayersOfEntitiesWithoutMarkersComeAlong) {
   EXPECT_EQ(db.layerName(entities[4]->layer), L"el\u00e4in");
 }
 
-TEST(Insertion, RealDrawingsPassTheAuditor) {
-  const std::filesystem::path folder = tests::realDrawingFolder();
-  if (folder.empty()) GTEST_SKIP() << "the folder of real drawings is missing";
-  for (const char* const name :
-       {"tree21.dxf", "hatchpat.dxf", "dynblk.dxf", "ex2000.dxf", "frame_a4.dxf", "floor04.dxf"}) {
-    SCOPED_TRACE(name);
-    AcDbDatabase source(false, true);
-    ASSERT_EQ(source.readDwgFile(host::text::fromUtf8((folder / name).string()).c_str()), Acad::eOk);
-    tests::OpenDrawing drawing;
-    AcDbObjectId id;
-    ASSERT_EQ(drawing->insert(id, L"symbol", &source), Acad::eOk);
-    const std::size_t leftOut = drawing.database().problems().size();
-    EXPECT_EQ(living(drawing.database(), L"symbol").size() + leftOut,
-              databaseOf(&source).drawOrder(databaseOf(&source).modelSpace()).size());
-    EXPECT_EQ(audit(drawing), 0);
-  }
-}
-
 TEST(Insertion, RefusesBlocksThatWouldHoldThemselves) {
   tests::OpenDrawing drawing;
   Symbol symbol(symbolText());

@@ -1,70 +1,27 @@
-// Courses of polylines as texts, and walked the other way.
+// Courses of polylines from texts, and walked the other way.
 #pragma once
 
-#include <charconv>
 #include <cstddef>
-#include <iterator>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
 #include <string>
-#include <string_view>
-#include <system_error>
 
 #include "OrvLib/GeomStructs/PolyArc.h"
 
 namespace OrvLib {
 
-inline void appendNumber(std::string& text, double value) {
-  char digits[32];
-  text.append(std::begin(digits), std::to_chars(std::begin(digits), std::end(digits), value).ptr);
-}
-
-inline bool takeNumber(std::string_view& text, double& value) {
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (result.ec != std::errc()) return false;
-  text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
-  return true;
-}
-
-inline bool takeText(std::string_view& text, std::string_view expected) {
-  if (!text.starts_with(expected)) return false;
-  text.remove_prefix(expected.size());
-  return true;
-}
-
-/// "x,y[,z][ b=bulge]; …", " closed" at the end. Numbers read back exactly.
-inline std::string textOf(const PolyArc& course) {
-  std::string text;
-  for (const ArcVertex& vertex : course.vertices()) {
-    if (!text.empty()) text += "; ";
-    appendNumber(text, vertex.point.x);
-    text += ',';
-    appendNumber(text, vertex.point.y);
-    if (vertex.point.z != 0) {
-      text += ',';
-      appendNumber(text, vertex.point.z);
-    }
-    if (vertex.bulge != 0) {
-      text += " b=";
-      appendNumber(text, vertex.bulge);
-    }
-  }
-  if (course.isClosed()) text += " closed";
-  return text;
-}
-
-/// Reads that form; an empty course when it is not one.
-inline PolyArc courseOf(std::string_view text) {
+/// Reads "x,y[,z][ b=bulge]; …", " closed" at the end.
+inline PolyArc courseOf(const std::string& text) {
   PolyArc read;
-  while (!text.empty()) {
+  read.setClosed(text.ends_with(" closed"));
+  std::istringstream vertices(text);
+  for (std::string one; std::getline(vertices, one, ';');) {
     ArcVertex vertex;
-    if (!takeNumber(text, vertex.point.x) || !takeText(text, ",") || !takeNumber(text, vertex.point.y)) return {};
-    if (takeText(text, ",") && !takeNumber(text, vertex.point.z)) return {};
-    if (takeText(text, " b=") && !takeNumber(text, vertex.bulge)) return {};
+    const std::size_t bulge = one.find("b=");
+    std::sscanf(one.c_str(), "%lf,%lf,%lf", &vertex.point.x, &vertex.point.y, &vertex.point.z);
+    if (bulge != std::string::npos) vertex.bulge = std::strtod(one.c_str() + bulge + 2, nullptr);
     read.append(vertex);
-    if (text == " closed") {
-      read.setClosed(true);
-      return read;
-    }
-    if (!text.empty() && (!takeText(text, "; ") || text.empty())) return {};
   }
   return read;
 }

@@ -29,10 +29,10 @@ PolyArc randomCourse(std::mt19937& random, bool closed) {
   return course;
 }
 
-void expectSamePoints(const PolyLine& a, const PolyLine& b, double tolerance, const PolyArc& course) {
-  ASSERT_EQ(a.size(), b.size()) << textOf(course);
+void expectSamePoints(const PolyLine& a, const PolyLine& b, double tolerance) {
+  ASSERT_EQ(a.size(), b.size());
   for (std::size_t i = 0; i < a.size(); ++i) {
-    EXPECT_LT(a[i].distanceTo(b[i]), tolerance) << "point " << i << " of " << textOf(course);
+    EXPECT_LT(a[i].distanceTo(b[i]), tolerance) << "point " << i;
   }
 }
 
@@ -68,28 +68,29 @@ TEST(ArcApproximation, GivesEverySegmentItsOwnEndsAndRunsHeightsAlongTheArc) {
 TEST(ArcApproximation, FollowsAnyCourseBackwardsMovedAndOnItsCircles) {
   std::mt19937 random(20240);
   for (int i = 0; i < 200; ++i) {
+    SCOPED_TRACE(i);
     const PolyArc course = randomCourse(random, i % 2 == 0);
     const PolyLine pieces = course.approximated(0.5);
     const PolyLine back = reversed(course).approximated(0.5);
     if (course.isClosed()) {
       // Reversed, a closed course begins with the segment before the last one.
-      EXPECT_EQ(back.size(), pieces.size()) << textOf(course);
+      EXPECT_EQ(back.size(), pieces.size());
     } else {
       const PolyLine forth(Point3dArray(back.points().rbegin(), back.points().rend()));
-      expectSamePoints(pieces, forth, 1e-9, course);
+      expectSamePoints(pieces, forth, 1e-9);
     }
     const Point3d national{25'500'000, 6'700'000, 0};
     PolyArc moved;
     for (const ArcVertex& v : course.vertices()) moved.append({v.point + national, v.bulge});
     moved.setClosed(course.isClosed());
-    expectSamePoints(pieces.translated(national), moved.approximated(0.5), 1e-6, course);
+    expectSamePoints(pieces.translated(national), moved.approximated(0.5), 1e-6);
     // A chord is shorter than its arc; only the last piece of an arc may span nearly two steps.
     for (std::size_t k = 0; k + 1 < pieces.size(); ++k) {
       const double plan = std::hypot(pieces[k + 1].x - pieces[k].x, pieces[k + 1].y - pieces[k].y);
       const bool isStraight = std::any_of(course.vertices().begin(), course.vertices().end(),
                                           [&](const ArcVertex& v) { return v.bulge == 0 && v.point == pieces[k]; });
       if (!isStraight) {
-        EXPECT_LT(plan, 1.0 + 1e-9) << "piece " << k << " of " << textOf(course);
+        EXPECT_LT(plan, 1.0 + 1e-9) << "piece " << k;
       }
     }
   }

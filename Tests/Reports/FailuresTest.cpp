@@ -168,11 +168,8 @@ TEST_F(Failures, TheMachinesFiguresAreTheKernels) {
   in >> name >> kilobytes;
   EXPECT_EQ(name, "MemTotal:");
   EXPECT_EQ(status.ullTotalPhys, kilobytes * 1024);
-  EXPECT_GT(status.ullAvailPhys, 0U);
   EXPECT_LT(status.ullAvailPhys, status.ullTotalPhys);
-  EXPECT_LE(status.dwMemoryLoad, 100U);
   EXPECT_GE(status.ullTotalPageFile, status.ullTotalPhys);
-  EXPECT_LT(status.ullAvailVirtual, status.ullTotalVirtual);
 }
 
 // ---- in the plug-in's commands --------------------------------------------------------------------------------------
