@@ -61,6 +61,15 @@ void changeLayers(OpenDrawing& drawing) {
   drawing->setClayer(drawing.id(0x11));
 }
 
+void tagEntities(OpenDrawing& drawing) {
+  acdbRegApp(L"UUSI_SOVELLUS");
+  const ResbufPointer chain(acutBuildList(1001, L"UUSI_SOVELLUS", 1000, L"räystäs", 1070, 3, RTNONE));
+  const AcDbObjectPointer<AcDbEntity> entity(drawing.id(0x51), AcDb::kForWrite);
+  if (chain != nullptr) entity->setXData(chain.get());
+  const ResbufPointer all(entity->xData());
+  entity->createExtensionDictionary();
+}
+
 void changeDictionaries(OpenDrawing& drawing) {
   const AcDbObjectPointer<AcDbDictionary> root(drawing->namedObjectsDictionaryId(), AcDb::kForWrite);
   for (int i = 0; i < 2; ++i) {  // the second replaces the first
@@ -92,6 +101,19 @@ void erase(OpenDrawing& drawing) {
   }
   const AcDbObjectPointer<AcDbEntity> back(drawing.id(0x53), AcDb::kForWrite, true);
   back->erase(false);
+}
+
+void reorder(OpenDrawing& drawing) {
+  const AcDbObjectPointer<AcDbSortentsTable> table(drawing.id(0x61), AcDb::kForWrite);
+  AcDbObjectIdArray one, other;
+  one.append(drawing.id(0x50));
+  other.append(drawing.id(0x52));
+  table->moveToTop(one);
+  table->moveToBottom(other);
+  table->moveAbove(other, drawing.id(0x51));
+  table->swapOrder(drawing.id(0x50), drawing.id(0x53));
+  AcDbObjectIdArray all;
+  table->getFullDrawOrder(all);
 }
 
 void lookAtNewVertices(OpenDrawing& drawing) {
@@ -145,10 +167,10 @@ void insert(OpenDrawing& drawing) {
   }
 }
 
-// The plug-in's commands make entities, groups, tags and orders so (Reports/FailuresTest.cpp).
+// The plug-in's commands make entities and groups so (Reports/FailuresTest.cpp).
 const std::pair<const char*, Work> kWorks[] = {
-    {"layers", changeLayers}, {"dictionaries", changeDictionaries},
-    {"erasing", erase},       {"new vertices", lookAtNewVertices},
+    {"layers", changeLayers}, {"tags", tagEntities},   {"dictionaries", changeDictionaries},
+    {"erasing", erase},       {"draw order", reorder}, {"new vertices", lookAtNewVertices},
     {"insertion", insert},
 };
 
