@@ -13,8 +13,7 @@ import math
 import pathlib
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "Tests" / "data"))
-from dxf_writer import DrawingWriter, Layer, Linetype, Vertex  # noqa: E402
+from dxf_writer import DrawingWriter, Layer, Linetype, Vertex
 
 ORIGIN = (25_496_200.0, 6_672_400.0)
 QUARTER = math.tan(math.pi / 8)  # bulge of a quarter circle

@@ -15,8 +15,7 @@ import pathlib
 import sys
 from typing import Callable, NamedTuple
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "Tests" / "data"))
-from dxf_writer import DrawingWriter, Vertex, number  # noqa: E402
+from dxf_writer import DrawingWriter, Vertex, number
 
 Points = list[Vertex]
 

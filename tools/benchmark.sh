@@ -31,7 +31,7 @@ fi
 make_plan() {
   local plan=$1
   shift
-  if [ ! -f "$plan" ] || [ -n "$(find Benchmarks/generate Tests/data/dxf_writer.py -newer "$plan" -name '*.py')" ]; then
+  if [ ! -f "$plan" ] || [ -n "$(find Benchmarks/generate examples/dxf_writer.py -newer "$plan" -name '*.py')" ]; then
     python3 Benchmarks/generate/make_plan.py "$@" "$plan.part"
     mv "$plan.part" "$plan"
   fi

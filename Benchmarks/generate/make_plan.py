@@ -19,7 +19,7 @@ import pathlib
 import random
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tests" / "data"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "examples"))
 from dxf_writer import DrawingWriter, Layer  # noqa: E402
 
 ORIGIN = (27_495_000.0, 6_701_000.0)

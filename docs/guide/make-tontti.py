@@ -13,7 +13,7 @@ import math
 import pathlib
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "Tests" / "data"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "examples"))
 from dxf_writer import DrawingWriter, Layer, Linetype  # noqa: E402
 
 LAYERS = [
