@@ -1,0 +1,98 @@
+// The canvas: shows a drawing, zooms and pans, and turns pointing into answers. It knows neither commands nor the
+// session that runs them: the main window tells it what is asked, and types what it answers into the command line.
+#pragma once
+
+#include <QStringList>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+#include "Editor/InputSource.h"
+#include "Editor/Observer.h"
+#include "Geometry/EntityPaths.h"
+
+namespace host::window {
+
+/// What a canvas may do with clicks and keys now.
+enum class CanvasMode {
+  Rest,    // no command runs: clicks select
+  Asking,  // the running command asks `question`
+  Closed,  // a dialog is open, or a question that only the keyboard answers: the view moves, clicks are refused
+  Working  // a command works: the last picture stays and moves, nothing is read from the drawing
+};
+
+struct CanvasQuestion {
+  editor::Wanted wanted = editor::Wanted::Command;
+  std::optional<AcGePoint3d> base;      // where the rubber band starts
+  std::wstring preview;                 // of the running command, column "preview" of menu.tsv; empty: none
+  std::vector<database::Slot*> chosen;  // that the running command has got so far: what ghosts show
+  std::vector<AcGePoint3d> points;      // that it has got so far
+};
+
+class CanvasView : public QWidget {
+  Q_OBJECT
+ public:
+  explicit CanvasView(QWidget* parent = nullptr);
+  ~CanvasView() override;
+
+  /// Shows a space of a drawing, or nothing; the view that the space had when it was shown last comes back.
+  void setDrawing(database::DrawingDatabase* drawing, const database::BlockContents* space);
+  /// Forgets what is kept of a drawing that is being closed.
+  void forget(const database::DrawingDatabase* drawing);
+  void drawingChanged(const editor::DrawingChange& change);
+  void setMode(CanvasMode mode, const CanvasQuestion& question = {});
+  /// What stands in the command line while a number or point is typed: previews follow it.
+  void setTypedText(const QString& text);
+  /// Selected at rest or so far by the running question.
+  void setSelected(const std::vector<database::Slot*>& entities);
+  /// What the running command marks besides.
+  void setHighlighted(const std::vector<database::Slot*>& entities);
+  /// Changed outlines blink once.
+  void blink(const std::vector<database::Slot*>& entities);
+  /// Words of the tooltip at a point of the plan; lines divided by "\n", the first one bold.
+  void setTooltipSource(std::function<std::wstring(const AcGePoint3d&)> source);
+
+  geometry::Box visibleBox() const;  // plan coordinates
+  double unitsPerPixel() const;
+  void zoomToDrawing();  // leaves far strays out; says so by `strayNoticed`
+  void zoomToAll();
+  void zoomTo(const geometry::Box& box);
+  void zoomTo(const std::vector<database::Slot*>& entities, double margin = 0.5);
+  void zoomBy(double factor);  // about the middle; above 1: nearer
+  void zoomPrevious();
+  void askForWindow();  // the next two clicks or a drag are the window to zoom to; Esc leaves
+  void askForRectangle(std::function<void(std::optional<geometry::Box>)> then, double widthToHeight = 0);
+
+  void setDarkGround(bool dark);
+  void setSnapping(bool on);
+  void setOrtho(bool on);
+  void setKeyboardPointing(bool on);
+  bool isSnapping() const;
+  bool isOrtho() const;
+
+ signals:
+  /// Lines as a script has them: "10.25,4.5", `(handent "2F")`, "W" and two corners, "" for Enter. Never of the view.
+  void answered(const QStringList& lines);
+  void cancelled();                                                    // Esc
+  void entered();                                                      // right click, Space, Enter on the canvas
+  void typed(const QString& text);                                     // letters that belong to the command line
+  void selectionEdited(const std::vector<database::Slot*>& entities);  // at rest, the whole new selection
+  void eraseWanted();                                                  // Delete at rest
+  void doubleClicked(database::Slot* entity);
+  void contextMenuWanted(const QPoint& global);
+  void refused();  // a click that the question does not take
+  void cursorMoved(const AcGePoint3d& at);
+  void hoverChanged(database::Slot* entity, int place, int count);  // place from 1 in the order beneath the cursor
+  void viewChanged();
+  void straysLeftOut(int count);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace host::window
