@@ -27,8 +27,8 @@ std::optional<std::uint8_t> givenAlpha(std::int64_t transparency) {
 
 }  // namespace
 
-Appearances::Appearances(const database::DrawingDatabase& db, const PictureOptions& options)
-    : db_(db), options_(options), layers_(db), pattern_(text::fromUtf8(options.layers)) {
+Appearances::Appearances(const database::DrawingDatabase& db, const PictureOptions& options, bool keepsRoles)
+    : db_(db), options_(options), layers_(db), pattern_(text::fromUtf8(options.layers)), keepsRoles_(keepsRoles) {
   const double scale = db.headerReal("$LTSCALE", 40).value_or(1);
   if (std::isfinite(scale) && scale > 0) linetypeScale_ = scale;
 }
@@ -141,7 +141,7 @@ Appearance Appearances::resolve(const database::EntityProperties& own, std::uint
 Color Appearances::background() const {
   const std::uint32_t rgb = options_.background.value_or(0xFFFFFF);
   return {static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb),
-          255};
+          255, keepsRoles_ ? ColorRole::Ground : ColorRole::Fixed};
 }
 
 Color Appearances::ofMode(std::uint32_t rgb, std::uint8_t alpha) const {
@@ -157,6 +157,7 @@ Color Appearances::ofMode(std::uint32_t rgb, std::uint8_t alpha) const {
 
 Color Appearances::color(const Appearance& appearance) const {
   if (!appearance.isInk && options_.colors != ColorMode::Monochrome) return ofMode(appearance.rgb, appearance.alpha);
+  if (keepsRoles_) return {0, 0, 0, appearance.alpha, ColorRole::Ink};
   const Color b = background();
   const bool isDark = 299 * b.red + 587 * b.green + 114 * b.blue < 128 * 1000;
   return isDark ? Color{255, 255, 255, appearance.alpha} : Color{0, 0, 0, appearance.alpha};

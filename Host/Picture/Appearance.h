@@ -44,7 +44,8 @@ struct Surroundings {
 
 class Appearances {
  public:
-  Appearances(const database::DrawingDatabase& db, const PictureOptions& options);
+  /// `keepsRoles`: ink and background stay what they are, for a background that is chosen later.
+  Appearances(const database::DrawingDatabase& db, const PictureOptions& options, bool keepsRoles = false);
 
   /// Layer that decides, inside blocks.
   std::uint32_t effectiveLayer(const database::Slot& entity, const Surroundings& surroundings);
@@ -83,6 +84,7 @@ class Appearances {
   std::vector<std::uint32_t> viewportFrozen_;
   std::wstring pattern_;
   double linetypeScale_ = 1;
+  bool keepsRoles_ = false;
 };
 
 }  // namespace host::picture

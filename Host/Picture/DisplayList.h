@@ -11,8 +11,12 @@ namespace host::picture {
 using geometry::Box;
 using geometry::Point;
 
+/// What a colour stands for as long as no background is chosen.
+enum class ColorRole : std::uint8_t { Fixed, Ink, Ground };
+
 struct Color {
   std::uint8_t red = 0, green = 0, blue = 0, alpha = 255;
+  ColorRole role = ColorRole::Fixed;
   bool operator==(const Color&) const = default;
 };
 

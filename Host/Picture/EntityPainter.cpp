@@ -6,7 +6,6 @@
 
 #include "Database/ObjectAccess.h"
 #include "Database/TagValues.h"
-#include "Picture/Dashes.h"
 
 namespace host::picture {
 namespace {
@@ -30,8 +29,6 @@ constexpr std::size_t kMostRepeats = 2'000'000;
 #endif
 constexpr std::size_t kRepeatsPerEntity = 16;
 constexpr std::size_t kPointsPerRepeat = 64;
-constexpr std::size_t kMostDashes = 3'000'000;
-constexpr double kShortestRoundPx = 1.5;  // of a linetype; finer ones look unbroken
 
 /// What a viewport shows where.
 struct ViewportTags {
@@ -100,27 +97,43 @@ ViewportTags readViewport(const Slot& viewport) {
 
 EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs,
                              const View& view, Canvas& canvas)
+    : EntityPainter(db, options, glyphs, view, std::make_optional<PaintedDetails>(view, glyphs, canvas), nullptr) {}
+
+EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs,
+                             const View& view, Details& details)
+    : EntityPainter(db, options, glyphs, view, std::nullopt, &details) {}
+
+EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs,
+                             const View& view, std::optional<PaintedDetails> painted, Details* details)
     : db_(db),
       glyphs_(glyphs),
       view_(view),
-      canvas_(canvas),
-      appearances_(db, options),
+      painted_(std::move(painted)),
+      details_(details != nullptr ? *details : *painted_),
+      appearances_(db, options, view.keepsRoles),
       lineweightFactor_(options.lineweights == LineweightMode::Factor ? options.lineweightFactor : 1),
       lineweightsOff_(options.lineweights == LineweightMode::Off),
       dashScale_(view.toPicture.planScale() * appearances_.globalLinetypeScale()),
-      outerScale_(view.toPicture.planScale()),
-      pointMode_(static_cast<int>(db.headerInteger("$PDMODE", 70).value_or(0))),
-      pointSize_(db.headerReal("$PDSIZE", 40).value_or(0)) {
-  canvas_.setClip(view.area);
+      outerScale_(view.toPicture.planScale()) {
+  constexpr double kWholePercent = 100, kUsualShare = 0.05;
+  pointMark_.mode = static_cast<int>(db.headerInteger("$PDMODE", 70).value_or(0));
+  const double size = db.headerReal("$PDSIZE", 40).value_or(0);
+  if (size > 0)
+    pointMark_.size = size;
+  else
+    pointMark_.share = size == 0 ? kUsualShare : std::min(-size, kWholePercent) / kWholePercent;
+}
+
+void EntityPainter::begin(const BlockContents& block, std::size_t entities) {
+  chain_.enter(&block);
+  repeatsLeft_ = std::max(kMostRepeats, kRepeatsPerEntity * entities);
 }
 
 void EntityPainter::paint(const BlockContents& block) {
-  const Place place{view_.toPicture, {}};
-  const bool isEntered = chain_.enter(&block);
   const std::vector<Slot*>& order = drawOrder(block);
-  repeatsLeft_ = std::max(kMostRepeats, kRepeatsPerEntity * order.size());
-  for (const Slot* slot : order) paintEntity(*slot, place);
-  if (isEntered) chain_.leave();
+  begin(block, order.size());
+  for (const Slot* slot : order) paintOne(*slot);
+  chain_.leave();
 }
 
 const std::vector<Slot*>& EntityPainter::drawOrder(const BlockContents& block) {
@@ -136,21 +149,15 @@ geometry::CharacterWidth EntityPainter::characterWidth() {
 EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const Place& place) const {
   Style style;
   style.appearance = appearance;
-  style.pen.color = appearances_.color(appearance);
+  style.line.pen.color = appearances_.color(appearance);
   const double width = lineweightsOff_ ? 0 : appearance.lineweightMm * lineweightFactor_ * view_.pixelsPerMm;
-  style.pen.width = std::max(width, view_.thinnestLine);
+  style.line.pen.width = std::max(width, view_.thinnestLine);
   if (appearance.dashes == nullptr || view_.boundsOnly) return style;
   // Dashes grow with the blocks they stand in: by the mean of the scales of a block drawn out of shape.
   const Transform& t = place.toPicture;
   const double blockScale = std::sqrt(t.x.length() * t.y.length()) / outerScale_;
-  const double scale = dashScale_ * blockScale * appearance.linetypeScale;
-  double round = 0;
-  style.dashUnit = scale;
-  for (const double dash : appearance.dashes->dashes) {
-    style.dashes.push_back(dash * scale);
-    round += std::abs(style.dashes.back());
-  }
-  if (!(round >= kShortestRoundPx) || !std::isfinite(round)) style.dashes.clear();
+  style.line.pattern = appearance.dashes;
+  style.line.dashUnit = dashScale_ * blockScale * appearance.linetypeScale;
   return style;
 }
 
@@ -241,8 +248,8 @@ void EntityPainter::paintViewport(const Slot& entity) {
   if (db_.headerInteger("$PSLTSCALE", 70).value_or(1) == 0) dashScale_ *= toPaper.planScale();
   const Box paperArea = view_.area;
   view_.area = clip;
-  canvas_.setClip(clip);
-  canvas_.beginClip(ring);
+  details_.setArea(clip);
+  details_.beginClip(ring);
   appearances_.setViewportFrozen(std::move(frozen));
   isInViewport_ = true;
   const Place place{view_.toPicture.after(toPaper), {}};
@@ -253,8 +260,8 @@ void EntityPainter::paintViewport(const Slot& entity) {
   isInViewport_ = false;
   appearances_.setViewportFrozen({});
   view_.area = paperArea;
-  canvas_.endClip();
-  canvas_.setClip(paperArea);
+  details_.endClip();
+  details_.setArea(paperArea);
   dashScale_ = paperDashScale;
   outerScale_ = paperScale;
 }
@@ -269,131 +276,54 @@ bool EntityPainter::project(const Chain& chain, const Transform& toPicture, std:
   return !out.empty();
 }
 
-void EntityPainter::strokeLine(const std::vector<Point>& line, bool closed, const Style& style, const Pen& pen) {
-  if (style.dashes.empty() || dashPieces_ >= kMostDashes) return canvas_.stroke(line, closed, pen);
-  const double reach = pen.width;
-  const Box clip{view_.area.minX - reach, view_.area.minY - reach, view_.area.maxX + reach, view_.area.maxY + reach};
-  const auto dash = [&](const std::vector<Point>& piece) {
-    ++dashPieces_;
-    canvas_.stroke(piece, false, pen);
-  };
-  const std::size_t rest = kMostDashes - dashPieces_;
-  if (style.appearance.dashes->marks.empty()) return drawDashes(line, closed, style.dashes, clip, rest, dash);
-  drawDashes(line, closed, style.dashes, clip, rest, dash, [&](std::size_t element, Point at, Point along) {
-    for (const LinePattern::Mark& mark : style.appearance.dashes->marks)
-      if (mark.element == element && ++dashPieces_ < kMostDashes) paintMark(mark, at, along, style.dashUnit, pen);
-  });
-}
-
 void EntityPainter::fillChains(const std::vector<Chain>& rings, const Transform& toPicture, FillRule rule,
                                Color color) {
-  std::vector<std::vector<Point>> projected(rings.size());
+  Rings projected(rings.size());
   for (std::size_t i = 0; i < rings.size(); ++i)
     if (!project(rings[i], toPicture, projected[i])) projected[i].clear();
-  canvas_.fill(projected, rule, color);
+  details_.fill(projected, rule, color);
+}
+
+void EntityPainter::strokeLine(const std::vector<Point>& line, bool closed, const Style& style) {
+  wire_ = {};
+  wire_.line = line;
+  wire_.closed = closed;
+  details_.wire(wire_, {style.line.pen, nullptr, 0});
 }
 
 void EntityPainter::paintWire(const geometry::Wire& wire, const Place& place, const Style& style) {
-  if (wire.filled) return fillChains({wire.points}, place.toPicture, FillRule::EvenOdd, style.pen.color);
-  std::vector<Point> line;
+  const Color color = style.line.pen.color;
+  if (wire.filled) return fillChains({wire.points}, place.toPicture, FillRule::EvenOdd, color);
   if (isRepeating() && !spendRepeats(wire.points.size() / kPointsPerRepeat)) return;
-  if (!project(wire.points, place.toPicture, line)) return;
-  Pen pen = style.pen;
-  if (!wire.outline.empty()) {
-    const double width = wire.constantWidth * place.toPicture.planScale();
-    if (style.dashes.empty() || wire.constantWidth == 0) {
-      // Thinner than a line it still shows as a line.
-      if (wire.constantWidth == 0 || width > pen.width)
-        fillChains(wire.outline, place.toPicture, FillRule::Nonzero, pen.color);
-      if (wire.constantWidth == 0 || width <= pen.width) canvas_.stroke(line, wire.closed, pen);
-      return;
-    }
-    pen.width = std::max(pen.width, width);
-    pen.flatEnds = width > style.pen.width;
-  }
-  if (style.dashes.empty() || wire.corners.empty()) return strokeLine(line, wire.closed, style, pen);
-  // Without linetype generation every piece has the pattern for itself.
-  if (wire.closed) line.push_back(line.front());
-  std::size_t begin = 0;
-  const auto piece = [&](std::size_t end) {
-    if (end <= begin || end >= line.size()) return;
-    scratch_.assign(line.begin() + static_cast<std::ptrdiff_t>(begin),
-                    line.begin() + static_cast<std::ptrdiff_t>(end) + 1);
-    strokeLine(scratch_, false, style, pen);
-    begin = end;
-  };
-  for (const std::uint32_t corner : wire.corners) piece(corner);
-  piece(line.size() - 1);
+  if (!project(wire.points, place.toPicture, wire_.line)) return;
+  wire_.closed = wire.closed;
+  wire_.corners = wire.corners;
+  wire_.width = wire.constantWidth == 0 ? 0 : wire.constantWidth * place.toPicture.planScale();
+  wire_.outline.resize(wire.outline.size());
+  for (std::size_t i = 0; i < wire.outline.size(); ++i)
+    if (!project(wire.outline[i], place.toPicture, wire_.outline[i])) wire_.outline[i].clear();
+  details_.wire(wire_, style.line);
 }
 
 void EntityPainter::paintPoint(const AcGePoint3d& p, const Place& place, const Style& style) {
-  constexpr int kCircle = 32, kSquare = 64;
   std::vector<Point> at;
   if (!project({p}, place.toPicture, at)) return;
-  const Point c = at[0];
-  if (view_.boundsOnly) return canvas_.stroke(at, false, style.pen);
-  const double pictureHeight = view_.area.maxY - view_.area.minY;
-  double size =
-      pointSize_ > 0 ? pointSize_ * place.toPicture.planScale() : pictureHeight * std::min(-pointSize_, 100.0) / 100;
-  if (pointSize_ == 0) size = pictureHeight * 0.05;
-  const double r = size / 2;
-  const Pen& pen = style.pen;
-  const auto line = [&](double x1, double y1, double x2, double y2) {
-    canvas_.stroke({{c.x + x1 * r, c.y + y1 * r}, {c.x + x2 * r, c.y + y2 * r}}, false, pen);
-  };
-  switch (pointMode_ & 7) {
-    case 0: {
-      Pen dot = pen;
-      dot.width = std::max(pen.width, 1.5 * view_.thinnestLine);
-      canvas_.stroke({c}, false, dot);
-      break;
-    }
-    case 2:
-      line(-2, 0, 2, 0);
-      line(0, -2, 0, 2);
-      break;
-    case 3:
-      line(-2, -2, 2, 2);
-      line(-2, 2, 2, -2);
-      break;
-    case 4:
-      line(0, 0, 0, -1);
-      break;
-    default:
-      break;
-  }
-  if ((pointMode_ & kCircle) != 0) {
-    std::vector<Point> circle;
-    constexpr int kSteps = 24;
-    for (int i = 0; i < kSteps; ++i) {
-      const double t = 2 * std::numbers::pi * i / kSteps;
-      circle.push_back({c.x + r * std::cos(t), c.y + r * std::sin(t)});
-    }
-    canvas_.stroke(circle, true, pen);
-  }
-  if ((pointMode_ & kSquare) != 0)
-    canvas_.stroke({{c.x - r, c.y - r}, {c.x + r, c.y - r}, {c.x + r, c.y + r}, {c.x - r, c.y + r}}, true, pen);
+  PointMark mark = pointMark_;
+  mark.size *= place.toPicture.planScale();
+  details_.point(at[0], mark, style.line.pen);
 }
 
 void EntityPainter::paintInfinite(const geometry::InfiniteLine& line, const Place& place, const Style& style) {
   const Point base = place.toPicture.plan(line.base);
   const AcGeVector3d d = place.toPicture.vector(line.direction);
-  const double length = std::hypot(d.x, d.y);
-  if (!std::isfinite(base.x + base.y) || !(length > 0)) return;
-  if (view_.boundsOnly) return canvas_.stroke({base}, false, style.pen);
-  // From the base as far as the farthest corner of the picture.
-  const Box& a = view_.area;
-  const double reach = std::max(std::abs(base.x - a.minX), std::abs(base.x - a.maxX)) +
-                       std::max(std::abs(base.y - a.minY), std::abs(base.y - a.maxY)) + 10;
-  const double f = reach / length;
-  const Point start = line.bothWays ? Point{base.x - d.x * f, base.y - d.y * f} : base;
-  strokeLine({start, {base.x + d.x * f, base.y + d.y * f}}, false, style, style.pen);
+  if (!std::isfinite(base.x + base.y) || !(std::hypot(d.x, d.y) > 0)) return;
+  details_.infinite(base, {d.x, d.y}, line.bothWays, style.line);
 }
 
 void EntityPainter::paintImage(const geometry::ImageFrame& frame, const Place& place, const Style& style) {
   if (frame.isWipeout) return fillChains({frame.ring}, place.toPicture, FillRule::EvenOdd, appearances_.background());
   std::vector<Point> line;
-  if (project(frame.ring, place.toPicture, line)) canvas_.stroke(line, true, style.pen);
+  if (project(frame.ring, place.toPicture, line)) strokeLine(line, true, style);
 }
 
 }  // namespace host::picture

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -11,37 +12,34 @@
 #include "Geometry/References.h"
 #include "Geometry/TextLayout.h"
 #include "Picture/Appearance.h"
+#include "Picture/Details.h"
 #include "Picture/DisplayList.h"
 #include "Picture/Glyphs.h"
 #include "Picture/Picture.h"
 
 namespace host::picture {
 
-/// How drawing coordinates become picture coordinates.
-struct View {
-  geometry::Transform toPicture;  // plan coordinates to pixels, y down
-  double pixelsPerMm = 1;         // of lineweights
-  double deviation = 0.1;         // pixels; of curves
-  double thinnestLine = 1;        // pixels
-  double barsBelow = 0;           // texts lower than this many pixels become bars
-  Box area;                       // the part of the picture that is drawn to, pixels
-  /// Only extents are wanted: no dashes, no pattern lines, no infinite lines.
-  bool boundsOnly = false;
-};
-
 class EntityPainter {
  public:
   EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs,
                 const View& view, Canvas& canvas);
+  /// Gives the details instead of working them out.
+  EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs,
+                const View& view, Details& details);
 
   /// Living, visible entities in draw order.
   void paint(const database::BlockContents& block);
+  /// The same for single entities of one block, in any order, after `begin`.
+  void begin(const database::BlockContents& block, std::size_t entities);
+  void paintOne(const database::Slot& entity) { paintEntity(entity, {view_.toPicture, {}}); }
+  /// Whether the entity's layer lets it show.
+  bool isShown(const database::Slot& entity) { return appearances_.isShown(entity, entity.layer); }
   /// Something was left out because the drawing asks for more pieces than a picture can hold.
   bool isCutShort() const { return cutShort_; }
   /// Whether blocks were nested too deeply to be shown.
   bool isTooDeep() const { return chain_.wasTooDeep(); }
   /// Whether there was more text than a picture of vectors can hold; the rest are bars.
-  bool hasTextBars() const { return hasTextBars_; }
+  bool hasTextBars() const { return painted_ && painted_->hasTextBars(); }
   /// Visible entities of kinds without a picture, by type name.
   const std::map<std::string_view, std::size_t>& leftOut() const { return leftOut_; }
 
@@ -53,12 +51,12 @@ class EntityPainter {
   };
   /// An entity's look in pixels.
   struct Style {
-    Pen pen;
+    LineStyle line;
     Appearance appearance;
-    std::vector<double> dashes;
-    double dashUnit = 0;  // pixels for one unit of the linetype
   };
 
+  EntityPainter(const database::DrawingDatabase& db, const PictureOptions& options, GlyphSource& glyphs,
+                const View& view, std::optional<PaintedDetails> painted, Details* details);
   void paintEntity(const database::Slot& entity, const Place& place);
   /// False for a dimension or table without a block.
   bool paintReference(const database::Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own);
@@ -72,7 +70,6 @@ class EntityPainter {
   void paintInfinite(const geometry::InfiniteLine& line, const Place& place, const Style& style);
   void paintImage(const geometry::ImageFrame& frame, const Place& place, const Style& style);
   void paintText(const geometry::TextBlock& text, const Place& place, const Style& style);
-  void paintRun(const geometry::TextRun& run, const geometry::Transform& frame, Color color);
   void paintHatch(const database::Slot& entity, const Place& place, const Style& style);
 
   void paintLeader(const database::Slot& entity, const Place& place, const Style& style, double deviation);
@@ -81,8 +78,7 @@ class EntityPainter {
   void paintOther(const database::Slot& entity, const Place& place, const Style& style, double deviation);
 
   Style styleOf(const Appearance& appearance, const Place& place) const;
-  void strokeLine(const std::vector<Point>& line, bool closed, const Style& style, const Pen& pen);
-  void paintMark(const LinePattern::Mark& mark, Point at, Point along, double unit, const Pen& pen);
+  void strokeLine(const std::vector<Point>& line, bool closed, const Style& style);
   void fillChains(const std::vector<geometry::Chain>& rings, const geometry::Transform& toPicture, FillRule rule,
                   Color color);
   bool project(const geometry::Chain& chain, const geometry::Transform& toPicture, std::vector<Point>& out) const;
@@ -93,7 +89,8 @@ class EntityPainter {
   const database::DrawingDatabase& db_;
   GlyphSource& glyphs_;
   View view_;
-  Canvas& canvas_;
+  std::optional<PaintedDetails> painted_;  // unless somebody else takes the details
+  Details& details_;
   Appearances appearances_;
   double lineweightFactor_;
   bool lineweightsOff_;
@@ -103,15 +100,10 @@ class EntityPainter {
   geometry::ReferenceChain chain_;
   std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
   std::size_t repeatsLeft_ = 0;
-  std::size_t glyphsDrawn_ = 0;
-  std::size_t patternPieces_ = 0;
-  std::size_t dashPieces_ = 0;
   bool cutShort_ = false;
-  bool hasTextBars_ = false;
   bool isInViewport_ = false;
-  int pointMode_ = 0;
-  double pointSize_ = 0;
-  std::vector<Point> scratch_;
+  PointMark pointMark_;  // its size in units of the drawing
+  DetailWire wire_;
 };
 
 }  // namespace host::picture

@@ -13,11 +13,11 @@ bool EntityPainter::paintProxy(const Slot& entity, const Place& place, const Sty
   const auto pieces = geometry::readProxyGraphics(entity, deviation, characterWidth());
   for (const geometry::ProxyPiece& piece : pieces) {
     Style own = style;
-    own.pen.color = appearances_.color(piece.color, piece.trueColor, style.appearance);
+    own.line.pen.color = appearances_.color(piece.color, piece.trueColor, style.appearance);
     if (piece.lineweight) {
       Appearance weighed = style.appearance;
       weighed.lineweightMm = *piece.lineweight / 100.0;
-      own.pen.width = styleOf(weighed, place).pen.width;
+      own.line.pen.width = styleOf(weighed, place).line.pen.width;
     }
     for (const geometry::Wire& wire : piece.wires) paintWire(wire, place, own);
     if (piece.infinite) paintInfinite(*piece.infinite, place, own);
