@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Picture/QtPainting.h"
 #include "Picture/SvgWriter.h"
 
 namespace host::picture {
@@ -47,55 +48,6 @@ void addToPath(const DisplayList& list, const DisplayRing& ring, QPainterPath& p
   if (ring.closed) path.closeSubpath();
 }
 
-/// Paints the list; `isRaster` lets thin lines be drawn as lines of one pixel.
-void paint(QPainter& painter, const DisplayList& list, bool isRaster) {
-  painter.setRenderHint(QPainter::Antialiasing);
-  QPainterPath path, dots;
-  for (const DisplayItem& item : list.items) {
-    path.clear();
-    dots.clear();
-    if (item.kind == ItemKind::EndClip) {
-      painter.restore();
-      continue;
-    }
-    const bool isStroke = item.kind == ItemKind::Stroke || item.kind == ItemKind::FlatStroke;
-    for (std::uint32_t i = 0; i < item.ringCount; ++i) {
-      const DisplayRing& ring = list.rings[item.firstRing + i];
-      if (isStroke && isDot(list, ring)) {
-        const Point& c = list.points[ring.first];
-        dots.addEllipse(QPointF(c.x, c.y), item.width / 2, item.width / 2);
-      } else {
-        addToPath(list, ring, path);
-      }
-    }
-    if (item.kind == ItemKind::BeginClip) {
-      painter.save();
-      painter.setClipPath(path, Qt::IntersectClip);
-      continue;
-    }
-    const QColor color = qColor(item.color);
-    if (isStroke) {
-      const bool isThin = isRaster && item.width <= kThinLinePx;
-      const bool isFlat = item.kind == ItemKind::FlatStroke;
-      QPen pen(color, isThin ? 1.0 : item.width, Qt::SolidLine, isFlat ? Qt::FlatCap : Qt::RoundCap,
-               isFlat ? Qt::MiterJoin : Qt::RoundJoin);
-      pen.setCosmetic(isThin);
-      if (!path.isEmpty()) {
-        painter.setPen(pen);
-        painter.setBrush(Qt::NoBrush);
-        painter.drawPath(path);
-      }
-      path.swap(dots);
-    } else {
-      path.setFillRule(item.kind == ItemKind::FillNonzero ? Qt::WindingFill : Qt::OddEvenFill);
-    }
-    if (path.isEmpty()) continue;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(item.gradient == DisplayItem::kPlain ? QBrush(color) : qBrush(list.gradients[item.gradient]));
-    painter.drawPath(path);
-  }
-}
-
 std::string toString(const QByteArray& bytes) { return {bytes.constData(), static_cast<std::size_t>(bytes.size())}; }
 
 std::string renderPng(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
@@ -108,7 +60,7 @@ std::string renderPng(const DisplayList& list, const Page& page, std::optional<s
   image.setDotsPerMeterY(dotsPerMetre);
   {
     QPainter painter(&image);
-    paint(painter, list, true);
+    paintList(painter, list, true);
   }
   QByteArray bytes;
   QBuffer buffer(&bytes);
@@ -181,12 +133,60 @@ std::string renderPdf(const DisplayList& list, const Page& page, std::optional<s
     const double scale = kDotsPerInch / kMmPerInch * page.widthMm / page.widthPx;
     painter.scale(scale, scale);
     if (background) painter.fillRect(QRectF(0, 0, page.widthPx, page.heightPx), qColor(*background));
-    paint(painter, list, false);
+    paintList(painter, list, false);
   }
   return withTruePage(withoutDate(toString(bytes)), page);
 }
 
 }  // namespace
+
+void paintList(QPainter& painter, const DisplayList& list, bool isRaster) {
+  painter.setRenderHint(QPainter::Antialiasing);
+  QPainterPath path, dots;
+  for (const DisplayItem& item : list.items) {
+    path.clear();
+    dots.clear();
+    if (item.kind == ItemKind::EndClip) {
+      painter.restore();
+      continue;
+    }
+    const bool isStroke = item.kind == ItemKind::Stroke || item.kind == ItemKind::FlatStroke;
+    for (std::uint32_t i = 0; i < item.ringCount; ++i) {
+      const DisplayRing& ring = list.rings[item.firstRing + i];
+      if (isStroke && isDot(list, ring)) {
+        const Point& c = list.points[ring.first];
+        dots.addEllipse(QPointF(c.x, c.y), item.width / 2, item.width / 2);
+      } else {
+        addToPath(list, ring, path);
+      }
+    }
+    if (item.kind == ItemKind::BeginClip) {
+      painter.save();
+      painter.setClipPath(path, Qt::IntersectClip);
+      continue;
+    }
+    const QColor color = qColor(item.color);
+    if (isStroke) {
+      const bool isThin = isRaster && item.width <= kThinLinePx;
+      const bool isFlat = item.kind == ItemKind::FlatStroke;
+      QPen pen(color, isThin ? 1.0 : item.width, Qt::SolidLine, isFlat ? Qt::FlatCap : Qt::RoundCap,
+               isFlat ? Qt::MiterJoin : Qt::RoundJoin);
+      pen.setCosmetic(isThin);
+      if (!path.isEmpty()) {
+        painter.setPen(pen);
+        painter.setBrush(Qt::NoBrush);
+        painter.drawPath(path);
+      }
+      path.swap(dots);
+    } else {
+      path.setFillRule(item.kind == ItemKind::FillNonzero ? Qt::WindingFill : Qt::OddEvenFill);
+    }
+    if (path.isEmpty()) continue;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(item.gradient == DisplayItem::kPlain ? QBrush(color) : qBrush(list.gradients[item.gradient]));
+    painter.drawPath(path);
+  }
+}
 
 std::string renderPicture(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background,
                           PictureFormat format) {

@@ -155,7 +155,7 @@ void PaintedDetails::wire(const DetailWire& wire, const LineStyle& style) {
 void PaintedDetails::point(Point c, const PointMark& mark, const Pen& pen) {
   constexpr int kCircle = 32, kSquare = 64;
   if (view_.boundsOnly) return canvas_.stroke({c}, false, pen);
-  const double pictureHeight = whole().maxY - whole().minY;
+  const double pictureHeight = height_ > 0 ? height_ : view_.area.maxY - view_.area.minY;
   const double r = (mark.size > 0 ? mark.size : pictureHeight * mark.share) / 2;
   const auto line = [&](double x1, double y1, double x2, double y2) {
     canvas_.stroke({{c.x + x1 * r, c.y + y1 * r}, {c.x + x2 * r, c.y + y2 * r}}, false, pen);

@@ -91,9 +91,12 @@ class PaintedDetails final : public Details {
   void endClip() override { canvas_.endClip(); }
   void setArea(const Box& area) override;
 
-  /// Height that sizes of points are shares of, and the area that infinite lines must cross: those of a whole picture
-  /// of which the view's area is a part.
-  void setWhole(const Box& whole) { whole_ = whole; }
+  /// The picture of which the view's area is a part: what infinite lines must cross, and its height, of which sizes of
+  /// points are shares.
+  void setWhole(const Box& whole, double height) {
+    whole_ = whole;
+    height_ = height;
+  }
   /// Whether there was more text than a picture of vectors can hold; the rest are bars.
   bool hasTextBars() const { return hasTextBars_; }
 
@@ -108,6 +111,7 @@ class PaintedDetails final : public Details {
   GlyphSource& glyphs_;
   Canvas& canvas_;
   Box whole_;
+  double height_ = 0;
   std::vector<double> dashes_;
   std::vector<Point> scratch_;
   std::size_t glyphsDrawn_ = 0;

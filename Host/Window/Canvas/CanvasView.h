@@ -2,6 +2,8 @@
 // session that runs them: the main window tells it what is asked, and types what it answers into the command line.
 #pragma once
 
+#include <QPointF>
+#include <QSizeF>
 #include <QStringList>
 #include <QWidget>
 #include <functional>
@@ -73,6 +75,42 @@ class CanvasView : public QWidget {
   void setKeyboardPointing(bool on);
   bool isSnapping() const;
   bool isOrtho() const;
+  bool isKeyboardPointing() const;
+  bool isDarkGround() const;
+  /// PICKSTYLE: entities of a group are lit and taken together.
+  void setGroupsWhole(bool whole);
+  /// The next click puts a frame of this size (plan units) that hangs on the cursor; Esc leaves.
+  void askForPlace(QSizeF frame, std::function<void(std::optional<geometry::Box>)> then);
+
+  /// Where a click would give a point now: snapped, or at a right angle to the last point. Nothing while the cursor is
+  /// elsewhere.
+  std::optional<AcGePoint3d> cursorPoint() const;
+  /// What a click would take; nothing when there is nothing.
+  database::Slot* hovered() const;
+  /// Leaves what the canvas itself has begun: a window, a zoom window, a frame. False when there is nothing to leave.
+  bool leave();
+  /// Keys that mean something to the canvas wherever the focus is: Tab, Ctrl and arrows, those of keyboard pointing.
+  /// True when it took the key.
+  bool takeKey(QKeyEvent* event);
+  /// Whether all that is shown is sharp: nothing is being painted any more.
+  bool isSharp() const;
+
+  QSize sizeHint() const override { return {800, 600}; }
+  QSize minimumSizeHint() const override { return {1, 1}; }
+
+ protected:
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
 
  signals:
   /// Lines as a script has them: "10.25,4.5", `(handent "2F")`, "W" and two corners, "" for Enter. Never of the view.
@@ -92,6 +130,7 @@ class CanvasView : public QWidget {
 
  private:
   struct State;
+  friend struct State;
   std::unique_ptr<State> state_;
 };
 

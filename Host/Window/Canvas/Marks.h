@@ -1,0 +1,54 @@
+// What a canvas draws over the picture: lit, selected and highlighted entities, windows, snap marks, words at the
+// cursor.
+#pragma once
+
+#include <QColor>
+#include <QPainter>
+#include <QString>
+#include <vector>
+
+#include "Geometry/Snaps.h"
+#include "Window/Canvas/SceneKeeper.h"
+#include "Window/Canvas/ViewFrame.h"
+
+namespace host::window {
+
+enum class Mark { Hover, Selected, Highlight, WindowInside, WindowCrossing, Snap, Preview, Crosshair };
+
+/// How a mark is drawn: a core with a casing on both sides, so that it shows on every fill.
+struct MarkStyle {
+  QColor core, casing;
+  double width = 2;            // pixels, of the core
+  std::vector<double> dashes;  // pixels; empty: solid
+  double insideOpacity = 0;    // of areas
+};
+MarkStyle markStyle(Mark mark, bool isDark);
+
+/// Marks drawn on one frame.
+class MarkPainter {
+ public:
+  MarkPainter(QPainter& painter, const ViewFrame& frame, const Scene& scene, bool isDark)
+      : painter_(painter), frame_(frame), scene_(scene), isDark_(isDark) {}
+
+  /// `strength` from 0 to 1: how much of the mark shows.
+  void entities(const std::vector<SceneRef>& entities, Mark mark, double strength = 1);
+  void rectangle(QPointF corner, QPointF opposite, Mark mark);
+  void snap(QPointF at, geometry::SnapKind kind);
+  void crosshair(QPointF at, double gap);
+  void pickBox(QPointF at, double aperture);
+  /// A thin line of a preview; dotted, or solid as the rubber band is.
+  void line(const std::vector<QPointF>& points, bool isClosed, bool isSolid);
+  void area(const std::vector<QPointF>& ring);
+  /// Words beside the cursor, inside of the canvas.
+  void words(QPointF cursor, const QString& text);
+
+ private:
+  void squares(const std::vector<SceneRef>& entities, const MarkStyle& style);
+
+  QPainter& painter_;
+  const ViewFrame& frame_;
+  const Scene& scene_;
+  bool isDark_;
+};
+
+}  // namespace host::window
