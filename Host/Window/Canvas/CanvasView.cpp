@@ -398,6 +398,7 @@ bool CanvasView::leave() {
 
 void CanvasView::resizeEvent(QResizeEvent* event) {
   State& s = *state_;
+  if (s.frame.size == QSizeF(event->size()) && s.frame.devicePixelRatio == devicePixelRatioF()) return;
   // The middle stays in the middle.
   s.frame.size = event->size();
   s.frame.devicePixelRatio = devicePixelRatioF();
