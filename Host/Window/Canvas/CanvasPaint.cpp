@@ -1,11 +1,8 @@
 // The canvas's picture with its marks.
 #include <QPaintEvent>
 #include <QPainter>
-#include <cmath>
-#include <numbers>
 
 #include "Window/Canvas/CanvasState.h"
-#include "Window/Canvas/Previews.h"
 
 namespace host::window {
 namespace {
@@ -43,10 +40,7 @@ void CanvasView::State::paintMarks(QPainter& painter) {
   if (!blinking.empty()) marks.entities(refs(blinking), Mark::Hover, blinkStrength);
   if (mayPoint() && !rubber && task == Task::None && hovered() != nullptr)
     marks.entities(refs(taken(hovered())), Mark::Hover);
-  if (asksPoint() && (isInside || !typedText.isEmpty())) {
-    PreviewInput input{question, typedText, cursorPlan(), shown->drawing, shown->keeper.get()};
-    paintPreview(marks, frame, input);
-  }
+  if (mode == CanvasMode::Asking) previews.paint(marks, frame, previewInput());
   if (isInside) paintPointer(marks);
 }
 
@@ -65,7 +59,7 @@ void CanvasView::State::paintPointer(MarkPainter& marks) {
   const bool isBusy = mode == CanvasMode::Closed || mode == CanvasMode::Working;
   const bool isAsked = mode == CanvasMode::Asking;
   const bool takesNothing = isAsked && !asksPoint() && !picksOne() && !picksMany();
-  if (!hasTaskOrRubber() && (isBusy || takesNothing || panFrom)) return;
+  if (!hasTaskOrRubber() && (isBusy || takesNothing || panFrom)) return marks.words(cursor, words);
   QPointF at = cursor;
   if (asksPoint() && task == Task::None) {
     if (!snaps.empty()) {
@@ -81,6 +75,12 @@ void CanvasView::State::paintPointer(MarkPainter& marks) {
   marks.words(cursor, words);
 }
 
+PreviewInput CanvasView::State::previewInput() const {
+  PreviewInput input{question, typedText, {}, shown->drawing, shown->keeper.get()};
+  if (isInside) input.cursor = cursorPlan();
+  return input;
+}
+
 /// Words at the cursor while something is going on.
 QString CanvasView::State::hint() const {
   if (rubber && rubber->what == Rubber::For::Selecting) {
@@ -91,10 +91,7 @@ QString CanvasView::State::hint() const {
     return text;
   }
   if (!mayPoint() || task != Task::None) return {};
-  if (asksPoint()) {
-    PreviewInput input{question, typedText, cursorPlan(), shown->drawing, shown->keeper.get()};
-    return previewWords(input);
-  }
+  if (mode == CanvasMode::Asking && !picksOne() && !picksMany()) return previews.words(previewInput());
   if (place > 0 && order.size() > 1) {
     return QString::number(place + 1) + u'/' + QString::number(order.size()) + QStringLiteral(" · ") +
            wordsOf(hovered());

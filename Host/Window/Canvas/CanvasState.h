@@ -11,6 +11,7 @@
 #include "Window/Canvas/CanvasView.h"
 #include "Window/Canvas/Marks.h"
 #include "Window/Canvas/Pointing.h"
+#include "Window/Canvas/Previews.h"
 #include "Window/Canvas/SceneKeeper.h"
 #include "Window/Canvas/TileRenderer.h"
 #include "Window/Canvas/TileStore.h"
@@ -96,6 +97,7 @@ struct CanvasView::State {
   void paintMarks(QPainter& painter);
   void paintPointer(MarkPainter& marks);
   QString hint() const;
+  PreviewInput previewInput() const;
   std::vector<SceneRef> refs(const std::vector<database::Slot*>& entities) const;
   QString tooltipText() const;
   QString wordsOf(database::Slot* entity) const;
@@ -106,6 +108,7 @@ struct CanvasView::State {
   SpaceView* shown = nullptr;
   ViewFrame frame;  // centre in scene coordinates
   TileStore tiles;
+  mutable Previews previews;
   bool isSharp = false;
   QElapsedTimer sinceRemembered;
   QTimer refineTimer, tooltipTimer, blinkTimer, workingTimer;

@@ -33,6 +33,7 @@ struct CanvasQuestion {
   std::wstring preview;                 // of the running command, column "preview" of menu.tsv; empty: none
   std::vector<database::Slot*> chosen;  // that the running command has got so far: what ghosts show
   std::vector<AcGePoint3d> points;      // that it has got so far
+  std::vector<double> numbers;          // the same; NaN: Enter, the default
 };
 
 class CanvasView : public QWidget {

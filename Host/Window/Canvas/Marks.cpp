@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPainterPath>
 #include <algorithm>
+#include <cmath>
 
 #include "Picture/Details.h"
 
@@ -260,6 +261,74 @@ void MarkPainter::pickBox(QPointF at, double aperture) {
   painter_.setPen(QPen(markStyle(Mark::Crosshair, isDark_).core, 1));
   painter_.setBrush(Qt::NoBrush);
   painter_.drawRect(QRectF(at.x() - aperture, at.y() - aperture, 2 * aperture, 2 * aperture));
+  painter_.restore();
+}
+
+namespace {
+
+constexpr std::size_t kMostGhosts = 2000;  // drawn as they are; more as boxes
+
+/// Outlines in pixels as they are, to be moved and cut by the caller.
+class LineCanvas final : public picture::Canvas {
+ public:
+  void stroke(const std::vector<Point>& line, bool closed, const picture::Pen&) override {
+    lines.push_back({line, closed});
+  }
+  void fill(const picture::Rings&, picture::FillRule, picture::Color) override {}
+  void fillGradient(const picture::Rings&, picture::FillRule, const picture::Gradient&) override {}
+  void beginClip(const std::vector<Point>&) override {}
+  void endClip() override {}
+  void setClip(const Box&) override {}
+  std::vector<std::pair<std::vector<Point>, bool>> lines;
+};
+
+}  // namespace
+
+void MarkPainter::ghosts(const std::vector<SceneRef>& entities, Point about, double turnRad, Point moved) {
+  LineCanvas canvas;
+  OutlineDetails details(canvas);
+  picture::Playing how;
+  how.pixelsPerUnit = frame_.scale();
+  how.shift = Point{} - about * frame_.scale();
+  picture::Player player(how, details);
+  const bool isBoxes = entities.size() > kMostGhosts;
+  for (const SceneRef entity : entities) {
+    if (!entity || entity->box.isEmpty()) continue;
+    if (!isBoxes) {
+      player.play(entity.chunk->recording, entity->firstItem, entity->itemCount);
+      continue;
+    }
+    const double s = frame_.scale();
+    const Point low = (Point{entity->box.minX, entity->box.minY} - about) * s;
+    const Point high = (Point{entity->box.maxX, entity->box.maxY} - about) * s;
+    canvas.stroke({low, {high.x, low.y}, high, {low.x, high.y}}, true, {});
+  }
+  const QPointF to = frame_.toPixel(about + moved);
+  const double c = std::cos(turnRad), s = std::sin(turnRad);
+  picture::DisplayListCanvas cut;
+  cut.setClip({-4, -4, frame_.size.width() + 4, frame_.size.height() + 4});
+  for (auto& [line, closed] : canvas.lines) {
+    for (Point& p : line) p = {p.x * c - p.y * s + to.x(), p.x * s + p.y * c + to.y()};
+    cut.stroke(line, closed, {});
+  }
+  painter_.save();
+  painter_.setRenderHint(QPainter::Antialiasing, !isBoxes);
+  strokeMarked(painter_, pathOf(cut.take()), markStyle(Mark::Preview, isDark_), entities.size() <= kMostCased);
+  painter_.restore();
+}
+
+void MarkPainter::ghost(const picture::Recording& recording, Point at) {
+  picture::DisplayListCanvas cut;
+  cut.setClip({-4, -4, frame_.size.width() + 4, frame_.size.height() + 4});
+  OutlineDetails details(cut);
+  const QPointF to = frame_.toPixel(at);
+  picture::Playing how;
+  how.pixelsPerUnit = frame_.scale();
+  how.shift = {to.x(), to.y()};
+  picture::Player(how, details).play(recording, 0, recording.items.size());
+  painter_.save();
+  painter_.setRenderHint(QPainter::Antialiasing);
+  strokeMarked(painter_, pathOf(cut.take()), markStyle(Mark::Preview, isDark_), true);
   painter_.restore();
 }
 

@@ -36,6 +36,11 @@ class MarkPainter {
   void snap(QPointF at, geometry::SnapKind kind);
   void crosshair(QPointF at, double gap);
   void pickBox(QPointF at, double aperture);
+  /// Outlines of entities where they are going to be: turned about a point (scene coordinates, y down, clockwise) and
+  /// moved by a vector; very many as their boxes.
+  void ghosts(const std::vector<SceneRef>& entities, Point about, double turnRad, Point moved);
+  /// The same of a recording laid out about its own origin, which comes to `at`.
+  void ghost(const picture::Recording& recording, Point at);
   /// A thin line of a preview; dotted, or solid as the rubber band is.
   void line(const std::vector<QPointF>& points, bool isClosed, bool isSolid);
   void area(const std::vector<QPointF>& ring);
