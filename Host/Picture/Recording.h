@@ -80,13 +80,14 @@ class Player {
  public:
   Player(const Playing& how, Details& to) : how_(how), to_(to) {}
   void play(const Recording& recording, std::size_t first, std::size_t count);
+  /// The colour on the chosen ground.
+  Color colorOf(Color color) const;
 
  private:
   Point placed(Point p) const {
     return {p.x * how_.pixelsPerUnit + how_.shift.x, p.y * how_.pixelsPerUnit + how_.shift.y};
   }
   geometry::Transform placed(const geometry::Transform& t) const;
-  Color colorOf(Color color) const;
   void place(const Recording& recording, const DisplayRing& ring, bool isThinned, std::vector<Point>& out) const;
   void playWire(const Recording& recording, const Recording::Item& item, const Pen& pen);
 

@@ -11,8 +11,8 @@
 
 namespace host::window {
 
-/// A grid for each power of two; a box stands in one cell of the grid whose cells are at least as large as itself, that
-/// of its lower left corner, so entering and removing cost the same however many there are.
+/// A grid for each power of two; a box stands in one cell of the grid whose cells are some times larger than itself,
+/// that of its lower left corner, so entering and removing cost the same however many there are.
 template <class Value>
 class BoxIndex {
  public:
@@ -23,13 +23,13 @@ class BoxIndex {
 
   void insert(const Box& box, const Value& value) {
     if (!isUsable(box)) return;
-    const int level = std::max(finestLevel_, levelOf(std::max(box.maxX - box.minX, box.maxY - box.minY)));
+    const int level = levelOf(box);
     levels_[level][cellOf(level, box.minX, box.minY)].push_back({box, value});
     ++count_;
   }
   void remove(const Box& box, const Value& value) {
     if (!isUsable(box)) return;
-    const int level = std::max(finestLevel_, levelOf(std::max(box.maxX - box.minX, box.maxY - box.minY)));
+    const int level = levelOf(box);
     const auto grid = levels_.find(level);
     if (grid == levels_.end()) return;
     const auto cell = grid->second.find(cellOf(level, box.minX, box.minY));
@@ -87,6 +87,10 @@ class BoxIndex {
     constexpr double kFarthest = 1e15;
     return !box.isEmpty() && box.minX >= -kFarthest && box.minY >= -kFarthest && box.maxX <= kFarthest &&
            box.maxY <= kFarthest;
+  }
+  int levelOf(const Box& box) const {
+    constexpr int kLarger = 2;  // few cells with some boxes each
+    return std::max(finestLevel_, levelOf(std::max(box.maxX - box.minX, box.maxY - box.minY)) + kLarger);
   }
   static int levelOf(double size) { return size > 0 ? static_cast<int>(std::ceil(std::log2(size))) : -40; }
   static Cell cellOf(int level, double x, double y) {

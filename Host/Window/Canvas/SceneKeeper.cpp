@@ -180,7 +180,7 @@ void SceneKeeper::chooseOriginAndDeviation() {
   origin_ = {std::round((box.minX + box.maxX) / 2), std::round((box.minY + box.maxY) / 2)};
   const double diagonal = std::hypot(box.maxX - box.minX, box.maxY - box.minY);
   deviation_ = diagonal > 0 ? diagonal * kFirstDeviation : kFirstDeviation;
-  index_ = BoxIndex<const Slot*>(diagonal > 0 ? diagonal / 4096 : 1e-3);
+  index_ = BoxIndex<const Slot*>(diagonal > 0 ? diagonal / 1024 : 1e-3);
 }
 
 SceneKeeper::Styles SceneKeeper::readStyles() const {
@@ -297,6 +297,7 @@ std::vector<Box> SceneKeeper::update(const editor::DrawingChange& change) {
 }
 
 std::vector<Box> SceneKeeper::refine(const Box& visible, double deviation) {
+  if (deviation >= deviation_) return {};  // as fine as that from the start
   Anew anew;
   query(visible, [&](SceneRef entity) {
     if (static_cast<double>(entity->deviation) > deviation) anew.emplace(entity->slot, deviation / kFinerBy);

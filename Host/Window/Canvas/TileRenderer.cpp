@@ -15,7 +15,18 @@ constexpr double kPixelsPerMm = 96 / 25.4;  // as pictures have them
 constexpr double kBarsBelowPx = 1.3;
 constexpr double kDeviationPx = 0.1;  // of letters; curves come with the scene
 
+/// What is smaller shows as a speck: of a town seen whole nobody can tell more, and it is painted many times as fast.
+constexpr double kSpeckPx = 1.5;
+
 QColor qColor(picture::Color c) { return {c.red, c.green, c.blue, c.alpha}; }
+
+/// Whole pixels that the box touches.
+picture::Rings speckOf(const Box& box, double scale, Point shift) {
+  const double left = std::floor(box.minX * scale + shift.x), top = std::floor(box.minY * scale + shift.y);
+  const double right = std::max(left + 1, std::floor(box.maxX * scale + shift.x));
+  const double bottom = std::max(top + 1, std::floor(box.maxY * scale + shift.y));
+  return {{{left, top}, {right, top}, {right, bottom}, {left, bottom}}};
+}
 
 }  // namespace
 
@@ -44,7 +55,7 @@ QImage paintTile(const Scene& scene, const TileKey& key, const TileLook& look,
   view.thinnestLine = ratio;
   view.barsBelow = kBarsBelowPx;
   view.area = area;
-  picture::GlyphSource glyphs;
+  thread_local picture::GlyphSource glyphs;  // keeps its letters from tile to tile
   picture::DisplayListCanvas canvas;
   picture::PaintedDetails details(view, glyphs, canvas);
   Box whole = area;
@@ -59,12 +70,18 @@ QImage paintTile(const Scene& scene, const TileKey& key, const TileLook& look,
   const double reach = (scene.heaviestMm * view.pixelsPerMm / 2 + 3 * ratio) / scale;
   const Box seen{-shift.x / scale - reach, -shift.y / scale - reach, (kTilePx - shift.x) / scale + reach,
                  (kTilePx - shift.y) / scale + reach};
+  const double speck = kSpeckPx * ratio / scale;
   for (const auto& chunk : scene.chunks) {
     if (isUnwanted && isUnwanted()) return {};
     if (!chunk->hasEndless && !chunk->box.intersects(seen)) continue;
-    for (const SceneEntity& entity : chunk->entities)
-      if (entity.isEndless || entity.box.intersects(seen))
+    for (const SceneEntity& entity : chunk->entities) {
+      if (!entity.isEndless && !entity.box.intersects(seen)) continue;
+      if (!entity.isEndless && std::max(entity.box.maxX - entity.box.minX, entity.box.maxY - entity.box.minY) < speck)
+        canvas.fill(speckOf(entity.box, scale, shift), picture::FillRule::EvenOdd,
+                    player.colorOf(chunk->recording.items[entity.firstItem].color));
+      else
         player.play(chunk->recording, entity.firstItem, entity.itemCount);
+    }
   }
 
   QImage image(kTilePx, kTilePx, QImage::Format_RGB32);
