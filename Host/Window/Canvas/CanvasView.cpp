@@ -17,7 +17,7 @@ constexpr int kTooltipMs = 500;
 constexpr int kBlinkMs = 400;
 constexpr int kWaitCursorMs = 300;
 constexpr std::size_t kMostPrevious = 50;
-constexpr double kCoarsestCurvePx = 0.35;
+constexpr double kCoarsestCurvePx = 0.12;
 
 }  // namespace
 

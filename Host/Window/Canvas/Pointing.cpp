@@ -188,10 +188,7 @@ bool sameBox(const Box& a, const Box& b) {
 std::vector<Slot*> pointAt(const SceneKeeper& keeper, Point at, double aperture, PickFor what) {
   std::vector<Candidate> lines, fills, outlines;
   for (const Candidate& candidate : candidatesAt(keeper, at, aperture)) {
-    if (candidate.touch.lineDistance <= aperture) {
-      lines.push_back(candidate);
-      continue;
-    }
+    if (candidate.touch.lineDistance <= aperture) lines.push_back(candidate);
     if (candidate.touch.isFilled) fills.push_back(candidate);
     if (candidate.touch.areaAround < kInfinity) outlines.push_back(candidate);
   }
@@ -211,9 +208,7 @@ std::vector<Slot*> pointAt(const SceneKeeper& keeper, Point at, double aperture,
     if (std::ranges::find(order, candidate.entity->slot) == order.end()) order.push_back(candidate.entity->slot);
   };
   for (const Candidate& line : lines) take(line);
-  const bool isOnFill = std::ranges::any_of(fills, [](const Candidate&) { return true; }) ||
-                        std::ranges::any_of(lines, [](const Candidate& line) { return line.touch.isFilled; });
-  if (!isOnFill) return order;
+  if (fills.empty()) return order;
   if (!outlines.empty()) {
     if (what == PickFor::Many)
       for (const Candidate& fill : fills)

@@ -61,8 +61,9 @@ struct ViewFrame {
     const double x = width > 0 ? size.width() * free / width : kLargestScale;
     const double y = height > 0 ? size.height() * free / height : kLargestScale;
     const double fitting = std::min(x, y);
-    // A lone point has no size to fit.
-    setScale(fitting < kLargestScale ? fitting : kScaleOfPoint);
+    // A lone point has no size to fit. A step of the zoom below, so that all of the box shows.
+    constexpr double kStepBelow = 1 - 3e-4;
+    setScale(fitting < kLargestScale ? fitting * kStepBelow : kScaleOfPoint);
     hold();
   }
   void setScale(double pixelsPerUnit) {
