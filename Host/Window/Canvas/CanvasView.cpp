@@ -97,6 +97,7 @@ void CanvasView::State::sceneChanged(const std::vector<Box>* parts) {
   shown->changeCount = shown->drawing->changeCount();
   snapLines.clear();
   tiles.setScene(shown->keeper->scene(), parts);
+  isSharp = false;
   const auto isGone = [this](const database::Slot* slot) { return !shown->keeper->find(slot); };
   std::erase_if(selected, isGone);
   std::erase_if(highlighted, isGone);
@@ -112,6 +113,7 @@ void CanvasView::State::sceneChanged(const std::vector<Box>* parts) {
 void CanvasView::State::viewMoved() {
   frame.size = view.size();
   frame.devicePixelRatio = view.devicePixelRatioF();
+  isSharp = false;
   refineTimer.start(kRefineMs);
   view.update();
   emit view.viewChanged();
@@ -157,6 +159,7 @@ void CanvasView::State::refineCurves() {
   if (shown == nullptr || mode == CanvasMode::Working) return;
   const std::vector<Box> changed = shown->keeper->refine(frame.visible(), kCoarsestCurvePx / frame.scale());
   if (changed.empty()) return;
+  isSharp = false;
   tiles.setScene(shown->keeper->scene(), &changed);
   view.update();
 }
@@ -355,6 +358,7 @@ void CanvasView::askForPlace(QSizeF frame, std::function<void(std::optional<geom
 
 void CanvasView::setDarkGround(bool dark) {
   state_->isDark = dark;
+  state_->isSharp = false;
   state_->tiles.setLook(state_->look());
   update();
 }
