@@ -6,6 +6,7 @@
 
 #include "Database/ObjectAccess.h"
 #include "Database/TagValues.h"
+#include "Picture/Bounds.h"
 
 namespace host::picture {
 namespace {
@@ -133,6 +134,22 @@ void EntityPainter::paint(const BlockContents& block) {
   const std::vector<Slot*>& order = drawOrder(block);
   begin(block, order.size());
   for (const Slot* slot : order) paintOne(*slot);
+  chain_.leave();
+}
+
+void EntityPainter::paintInArea(const BlockContents& block) {
+  constexpr double kHeaviestPenMm = 10, kEdgePx = 4;
+  const double reach = kHeaviestPenMm * lineweightFactor_ * view_.pixelsPerMm + view_.thinnestLine + kEdgePx;
+  const Transform& t = view_.toPicture;  // upright: pixels are units, scaled and moved
+  const Box& a = view_.area;
+  Box area;
+  area.add(Point{(a.minX - reach - t.origin.x) / t.x.x, (a.minY - reach - t.origin.y) / t.y.y});
+  area.add(Point{(a.maxX + reach - t.origin.x) / t.x.x, (a.maxY + reach - t.origin.y) / t.y.y});
+  EntityBounds bounds(db_);
+  const std::vector<Slot*>& order = drawOrder(block);
+  begin(block, order.size());
+  for (const Slot* slot : order)
+    if (bounds.mayShowIn(*slot, area)) paintOne(*slot);
   chain_.leave();
 }
 

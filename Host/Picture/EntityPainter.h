@@ -29,6 +29,8 @@ class EntityPainter {
 
   /// Living, visible entities in draw order.
   void paint(const database::BlockContents& block);
+  /// The same, without what cannot show in the view's area.
+  void paintInArea(const database::BlockContents& block);
   /// The same for single entities of one block, in any order, after `begin`.
   void begin(const database::BlockContents& block, std::size_t entities);
   void paintOne(const database::Slot& entity) { paintEntity(entity, {view_.toPicture, {}}); }

@@ -39,9 +39,13 @@ Box visibleExtents(const database::DrawingDatabase& db, const database::BlockCon
   return canvas.box();
 }
 
-}  // namespace
-
-namespace {
+/// True when a line or fill has a point in the area: then the drawing lies there, not only the rim of a pen or a line
+/// without end.
+bool hasPointIn(const DisplayList& list, const Box& area) {
+  return std::ranges::any_of(list.points, [&](const Point p) {
+    return p.x > area.minX && p.y > area.minY && p.x < area.maxX && p.y < area.maxY;
+  });
+}
 
 /// Paper spaces measure the paper itself: the unit of a layout's plot settings (tag 72: 0 inches, 1 millimetres).
 double metresPerPaperUnit(const database::DrawingDatabase& db, const std::string& layout) {
@@ -77,15 +81,27 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   if (block != &db.modelSpace()) options.metresPerUnit = metresPerPaperUnit(db, options.layout);
 
   GlyphSource glyphs;
-  const Box extents = visibleExtents(db, *block, options, glyphs);
   const std::string chosen = options.layers == "*" ? "" : " on layers \"" + options.layers + "\"";
-  if (extents.isEmpty()) return failure("Layout \"" + options.layout + "\" has nothing visible" + chosen + " to draw.");
-  if (options.window && !options.window->intersects(extents))
-    return failure("Nothing visible" + chosen + " lies in the window " + boxText(*options.window) +
-                   "; the drawing covers " + boxText(extents) + ".");
+  Box extents;
+  const auto findExtents = [&]() -> std::optional<Problem> {
+    extents = visibleExtents(db, *block, options, glyphs);
+    if (extents.isEmpty())
+      return failure("Layout \"" + options.layout + "\" has nothing visible" + chosen + " to draw.");
+    if (options.window && !options.window->intersects(extents))
+      return failure("Nothing visible" + chosen + " lies in the window " + boxText(*options.window) +
+                     "; the drawing covers " + boxText(extents) + ".");
+    return std::nullopt;
+  };
+  // A window says where the picture lies: the whole drawing is looked at only when nothing shows in it.
+  if (!options.window)
+    if (auto problem = findExtents()) return *problem;
 
-  const Result<PageLayout> laidOut = layOutPage(extents, options, format);
-  if (!laidOut) return laidOut;
+  const Result<PageLayout> laidOut = layOutPage(options.window.value_or(extents), options, format);
+  if (!laidOut) {
+    if (options.window)
+      if (auto problem = findExtents()) return *problem;
+    return laidOut;
+  }
   const PageLayout& layout = *laidOut;
   const bool isRaster = format == PictureFormat::Png;
   View view;
@@ -105,8 +121,13 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   }
   DisplayListCanvas canvas;
   EntityPainter painter(db, options, glyphs, view, canvas);
-  painter.paint(*block);
+  if (options.window)
+    painter.paintInArea(*block);
+  else
+    painter.paint(*block);
   Composition made{{}, canvas.take(), layout.page};
+  if (options.window && !hasPointIn(made.list, view.area))
+    if (auto problem = findExtents()) return *problem;
   if (made.list.items.empty()) {
     const Box shown = options.window.value_or(layout.area);
     return failure("Nothing visible" + chosen + " lies in the window " + boxText(shown) + "; the drawing covers " +
