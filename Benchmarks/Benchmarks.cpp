@@ -2,13 +2,14 @@
 // and prints one table.
 //
 //   tolmex_benchmarks [--tries N] [--page PAGE.md] [PLAN.dxf...] [--shadows PLAN.dxf...]
+//   tolmex_benchmarks [--tries N] --canvas PLAN.dxf...
 //
 // --page writes the table as a page of Markdown too.
 //
 // Times are the shortest of N tries. Each stands beside a limit measured in the same run: what no program that does the
 // same work can be faster than. Memory is the peak of the whole process, as a multiple of the file. The buildings of
-// the plans behind --shadows carry records. Without other plans they get a table of their own, which judges the first
-// and the third of several updates.
+// the plans behind --shadows carry records. --canvas measures what the window's canvas does with the plans. Without
+// other plans they get a table of their own, which judges the first and the third of several updates.
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -27,6 +28,7 @@
 #include <utility>
 #include <vector>
 
+#include "Canvas.h"
 #include "Dxf/DxfFile.h"
 #include "Editor/Application.h"
 #include "Editor/ScriptInput.h"
@@ -327,12 +329,14 @@ int main(int argc, char** argv) {
   std::vector<fs::path> plans;
   std::vector<fs::path> shadowPlans;
   fs::path page;
-  bool areShadows = false;
+  bool areShadows = false, isCanvas = false;
   for (int i = 1; i < argc; ++i) {
     if (std::string_view(argv[i]) == "--tries" && i + 1 < argc) {
       tries = std::atoi(argv[++i]);
     } else if (std::string_view(argv[i]) == "--page" && i + 1 < argc) {
       page = argv[++i];
+    } else if (std::string_view(argv[i]) == "--canvas") {
+      isCanvas = true;
     } else if (std::string_view(argv[i]) == "--shadows") {
       areShadows = true;
     } else {
@@ -341,10 +345,12 @@ int main(int argc, char** argv) {
   }
   if ((plans.empty() && shadowPlans.empty()) || tries < 1) {
     std::fprintf(stderr,
-                 "usage: tolmex_benchmarks [--tries N] [--page PAGE.md] [PLAN.dxf...] [--shadows PLAN.dxf...]\n");
+                 "usage: tolmex_benchmarks [--tries N] [--page PAGE.md] [PLAN.dxf...] [--shadows PLAN.dxf...]\n"
+                 "       tolmex_benchmarks [--tries N] --canvas PLAN.dxf...\n");
     return 1;
   }
   try {
+    if (isCanvas) return benchmarks::measureCanvas(plans, tries) == 0 ? 0 : 1;
     if (!plans.empty()) return measurePlans(plans, shadowPlans, tries, page);
     return benchmarks::measureShadows(shadowPlans, tries) == 0 ? 0 : 1;
   } catch (const std::exception& error) {

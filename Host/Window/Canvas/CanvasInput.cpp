@@ -162,8 +162,7 @@ void CanvasView::State::changeSelection(const std::vector<Slot*>& entities, bool
     for (Slot* entity : entities)
       if (selectedSet.insert(entity).second) next.push_back(entity);
   }
-  selected = next;
-  selectedSet = {selected.begin(), selected.end()};
+  select(next);
   emit view.selectionEdited(next);
 }
 

@@ -62,6 +62,7 @@ struct CanvasView::State {
   void requestTiles();
   void takeTile(const TileRenderer::Job& job, const QImage& image);
   TileLook look() const;
+  void select(std::vector<database::Slot*> entities);
 
   // pointing
   bool mayPoint() const { return shown != nullptr && (mode == CanvasMode::Rest || mode == CanvasMode::Asking); }
@@ -118,6 +119,7 @@ struct CanvasView::State {
   QString typedText;
   std::vector<database::Slot*> selected, highlighted, blinking;
   std::unordered_set<const database::Slot*> selectedSet;
+  std::shared_ptr<const std::unordered_set<const database::Slot*>> selectedInTiles;  // when they are many
   std::function<std::wstring(const AcGePoint3d&)> tooltipSource;
 
   bool isInside = false;  // the pointer is

@@ -12,7 +12,7 @@
 namespace host::window {
 namespace {
 
-constexpr int kRefineMs = 60;
+constexpr int kRefineMs = 25;
 constexpr int kTooltipMs = 500;
 constexpr int kBlinkMs = 400;
 constexpr int kWaitCursorMs = 300;
@@ -40,7 +40,9 @@ CanvasView::State::State(CanvasView& canvas) : view(canvas) {
         target, [target, job, image] { target->state_->takeTile(job, image); }, Qt::QueuedConnection);
   });
   refineTimer.setSingleShot(true);
-  QObject::connect(&refineTimer, &QTimer::timeout, &view, [this] { refineCurves(); });
+  QObject::connect(&refineTimer, &QTimer::timeout, &view, [this] {
+    if (mode != CanvasMode::Working) refineCurves();
+  });
   tooltipTimer.setSingleShot(true);
   QObject::connect(&tooltipTimer, &QTimer::timeout, &view, [this] {
     tooltip = isInside && mayPoint() && !rubber ? tooltipText() : QString();
@@ -61,7 +63,20 @@ CanvasView::State::State(CanvasView& canvas) : view(canvas) {
 
 CanvasView::State::~State() { renderer.reset(); }
 
-TileLook CanvasView::State::look() const { return {view.devicePixelRatioF(), isDark, frame.size.height()}; }
+TileLook CanvasView::State::look() const {
+  return {view.devicePixelRatioF(), isDark, frame.size.height(), selectedInTiles};
+}
+
+void CanvasView::State::select(std::vector<database::Slot*> entities) {
+  selected = std::move(entities);
+  selectedSet = {selected.begin(), selected.end()};
+  selectedInTiles.reset();
+  if (selected.size() > kMostSquared)
+    selectedInTiles = std::make_shared<const std::unordered_set<const database::Slot*>>(selectedSet);
+  isSharp = false;
+  tiles.setLook(look());
+  view.update();
+}
 
 void CanvasView::State::show(SpaceView* space) {
   if (shown != nullptr && shown != space) {
@@ -99,13 +114,16 @@ void CanvasView::State::sceneChanged(const std::vector<Box>* parts) {
   tiles.setScene(shown->keeper->scene(), parts);
   isSharp = false;
   const auto isGone = [this](const database::Slot* slot) { return !shown->keeper->find(slot); };
-  std::erase_if(selected, isGone);
+  if (std::ranges::any_of(selected, isGone)) {
+    std::vector<database::Slot*> left = selected;
+    std::erase_if(left, isGone);
+    select(std::move(left));
+  }
   std::erase_if(highlighted, isGone);
   std::erase_if(blinking, isGone);
-  selectedSet = {selected.begin(), selected.end()};
   order.clear();
   place = 0;
-  refineTimer.start(kRefineMs);
+  refineCurves();
   if (isInside && mayPoint()) pointerMoved(cursor, modifiersHeld);
   view.update();
 }
@@ -156,7 +174,7 @@ void CanvasView::State::showBox(const Box& plan, double margin) {
 
 /// Lays what is seen from near out anew where its curves would show corners.
 void CanvasView::State::refineCurves() {
-  if (shown == nullptr || mode == CanvasMode::Working) return;
+  if (shown == nullptr) return;
   const std::vector<Box> changed = shown->keeper->refine(frame.visible(), kCoarsestCurvePx / frame.scale());
   if (changed.empty()) return;
   isSharp = false;
@@ -190,8 +208,7 @@ CanvasView::~CanvasView() = default;
 
 void CanvasView::setDrawing(database::DrawingDatabase* drawing, const database::BlockContents* space) {
   State& s = *state_;
-  s.selected.clear();
-  s.selectedSet.clear();
+  s.select({});
   s.highlighted.clear();
   s.blinking.clear();
   if (drawing == nullptr || space == nullptr) return s.show(nullptr);
@@ -258,9 +275,7 @@ void CanvasView::setTypedText(const QString& text) {
 }
 
 void CanvasView::setSelected(const std::vector<database::Slot*>& entities) {
-  state_->selected = entities;
-  state_->selectedSet = {entities.begin(), entities.end()};
-  update();
+  if (entities != state_->selected) state_->select(entities);
 }
 
 void CanvasView::setHighlighted(const std::vector<database::Slot*>& entities) {

@@ -13,8 +13,7 @@ namespace {
 using picture::DisplayList;
 using picture::ItemKind;
 
-constexpr std::size_t kMostCased = 2000;   // marked entities with a casing
-constexpr std::size_t kMostSquared = 500;  // with squares on their vertices
+constexpr std::size_t kMostCased = 2000;  // marked entities with a casing
 constexpr double kCasing = 1.5;
 
 /// Outlines of entities: lines as they are, fills by their edges, texts by their boxes.
@@ -131,8 +130,9 @@ MarkStyle markStyle(Mark mark, bool isDark) {
   return {};
 }
 
-void MarkPainter::entities(const std::vector<SceneRef>& entities, Mark mark, double strength) {
+void MarkPainter::entities(const std::vector<SceneRef>& entities, Mark mark, double strength, std::size_t ofMany) {
   if (entities.empty()) return;
+  ofMany = std::max(ofMany, entities.size());
   const MarkStyle style = markStyle(mark, isDark_);
   picture::DisplayListCanvas canvas;
   const double reach = style.width + 2 * kCasing;
@@ -149,7 +149,7 @@ void MarkPainter::entities(const std::vector<SceneRef>& entities, Mark mark, dou
       player.play(entity.chunk->recording, entity->firstItem, entity->itemCount);
   const QPainterPath path = pathOf(canvas.take());
   painter_.save();
-  painter_.setRenderHint(QPainter::Antialiasing, entities.size() <= kMostCased);
+  painter_.setRenderHint(QPainter::Antialiasing, ofMany <= kMostCased);
   painter_.setOpacity(strength);
   if (style.insideOpacity > 0 && !details.areas.empty()) {
     picture::DisplayListCanvas areas;
@@ -159,8 +159,8 @@ void MarkPainter::entities(const std::vector<SceneRef>& entities, Mark mark, dou
     inside.setAlphaF(static_cast<float>(style.insideOpacity));
     painter_.fillPath(pathOf(areas.take()), inside);
   }
-  strokeMarked(painter_, path, style, entities.size() <= kMostCased);
-  if (mark == Mark::Selected && entities.size() <= kMostSquared) squares(entities, style);
+  strokeMarked(painter_, path, style, ofMany <= kMostCased);
+  if (mark == Mark::Selected && ofMany <= kMostSquared) squares(entities, style);
   painter_.restore();
 }
 

@@ -15,6 +15,9 @@ namespace host::window {
 
 enum class Mark { Hover, Selected, Highlight, WindowInside, WindowCrossing, Snap, Preview, Crosshair };
 
+/// Marked entities up to so many have squares on their vertices; more are drawn with the tiles.
+constexpr std::size_t kMostSquared = 500;
+
 /// How a mark is drawn: a core with a casing on both sides, so that it shows on every fill.
 struct MarkStyle {
   QColor core, casing;
@@ -30,8 +33,8 @@ class MarkPainter {
   MarkPainter(QPainter& painter, const ViewFrame& frame, const Scene& scene, bool isDark)
       : painter_(painter), frame_(frame), scene_(scene), isDark_(isDark) {}
 
-  /// `strength` from 0 to 1: how much of the mark shows.
-  void entities(const std::vector<SceneRef>& entities, Mark mark, double strength = 1);
+  /// `strength` from 0 to 1: how much of the mark shows. `ofMany`: how many are marked in all, when these are a part.
+  void entities(const std::vector<SceneRef>& entities, Mark mark, double strength = 1, std::size_t ofMany = 0);
   void rectangle(QPointF corner, QPointF opposite, Mark mark);
   void snap(QPointF at, geometry::SnapKind kind);
   void crosshair(QPointF at, double gap);

@@ -257,6 +257,11 @@ void SceneKeeper::addOlder(const Styles& now, Anew& anew) const {
 
 std::vector<Box> SceneKeeper::update(const editor::DrawingChange& change) {
   Anew anew;
+  // As finely as it was laid out before.
+  const auto add = [&](const Slot* slot, SceneRef before) {
+    const bool isFiner = before && before->deviation > 0 && static_cast<double>(before->deviation) < deviation_;
+    anew.emplace(slot, isFiner ? static_cast<double>(before->deviation) : deviation_);
+  };
   const std::vector<Slot*> order = drawing_.drawOrder(space_);
   bool isElsewhere = false, isStyle = change.isWhole;
   for (const Slot* object : change.objects) {
@@ -273,7 +278,7 @@ std::vector<Box> SceneKeeper::update(const editor::DrawingChange& change) {
     }
     while (object->isSubEntity() && object->owner != nullptr && object->owner->isEntity()) object = object->owner;
     if (object->owner == space_.record)
-      anew.emplace(object, deviation_);
+      add(object, find(object));
     else if (object->isEntity() && blocks_.contains(object->owner))
       isElsewhere = true;
   }
@@ -283,7 +288,7 @@ std::vector<Box> SceneKeeper::update(const editor::DrawingChange& change) {
       const SceneRef entity = find(slot);
       const std::uint64_t height = entity ? heightOf(entity) : 0;
       // What stands above its former upper neighbours was moved, or these were: looked at anew, too.
-      if (!entity || entity->fingerprint != fingerprintOf(*slot) || height < highest) anew.emplace(slot, deviation_);
+      if (!entity || entity->fingerprint != fingerprintOf(*slot) || height < highest) add(slot, entity);
       highest = std::max(highest, height);
     }
   }

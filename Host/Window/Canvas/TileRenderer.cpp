@@ -6,6 +6,7 @@
 
 #include "Picture/Details.h"
 #include "Picture/QtPainting.h"
+#include "Window/Canvas/Marks.h"
 
 namespace host::window {
 namespace {
@@ -92,6 +93,24 @@ QImage paintTile(const Scene& scene, const TileKey& key, const TileLook& look,
     picture::paintList(painter, canvas.take(), true);
   }
   image.setDevicePixelRatio(ratio);
+  if (look.selected == nullptr) return image;
+  std::vector<SceneRef> selected;
+  for (const auto& chunk : scene.chunks) {
+    if (!chunk->hasEndless && !chunk->box.intersects(seen)) continue;
+    for (std::uint32_t i = 0; i < chunk->entities.size(); ++i) {
+      const SceneEntity& entity = chunk->entities[i];
+      if ((entity.isEndless || entity.box.intersects(seen)) && look.selected->contains(entity.slot))
+        selected.push_back({chunk.get(), i});
+    }
+  }
+  if (isUnwanted && isUnwanted()) return {};
+  ViewFrame frame;
+  frame.zoom = key.zoom;
+  frame.devicePixelRatio = ratio;
+  frame.size = QSizeF(kTilePx / ratio, kTilePx / ratio);
+  frame.centre = {(kTilePx / 2.0 - shift.x) / scale, (kTilePx / 2.0 - shift.y) / scale};
+  QPainter painter(&image);
+  MarkPainter(painter, frame, scene, look.isDark).entities(selected, Mark::Selected, 1, look.selected->size());
   return image;
 }
 

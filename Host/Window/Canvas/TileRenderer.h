@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <unordered_set>
 #include <vector>
 
 #include "Window/Canvas/Scene.h"
@@ -38,6 +39,8 @@ struct TileLook {
   double devicePixelRatio = 1;
   bool isDark = false;
   double canvasHeightPx = 0;  // logical; of which some marks of points are a share
+  /// Selected entities, when they are too many to be drawn anew with every frame; null: none.
+  std::shared_ptr<const std::unordered_set<const database::Slot*>> selected;
   bool operator==(const TileLook&) const = default;
 };
 

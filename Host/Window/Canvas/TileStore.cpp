@@ -15,14 +15,19 @@ constexpr int kMostTilesAcross = 64;     // of a canvas; more are no canvas
 void TileStore::setScene(std::shared_ptr<const Scene> scene, const std::vector<Box>* changed) {
   ++version_;
   const bool isOther = scene_ == nullptr || scene == nullptr || changed == nullptr;
-  const double heaviest = scene != nullptr ? scene->heaviestMm : 0;
   scene_ = std::move(scene);
   if (isOther) {
     tiles_.clear();
     recent_.clear();
     return;
   }
-  if (changed->empty()) return;
+  if (!changed->empty()) makeStale(*changed);
+}
+
+/// What shows one of the parts is painted anew.
+void TileStore::makeStale(const std::vector<Box>& changed) {
+  ++version_;
+  const double heaviest = scene_ != nullptr ? scene_->heaviestMm : 0;
   const Zoom shown = recent_.empty() ? Zoom{} : recent_.back();
   for (auto entry = tiles_.begin(); entry != tiles_.end();) {
     auto& [key, tile] = *entry;
@@ -31,7 +36,7 @@ void TileStore::setScene(std::shared_ptr<const Scene> scene, const std::vector<B
     const double side = kTilePx / scale;
     const Box box{static_cast<double>(key.x) * side - reach, static_cast<double>(key.y) * side - reach,
                   static_cast<double>(key.x + 1) * side + reach, static_cast<double>(key.y + 1) * side + reach};
-    const bool isChanged = std::ranges::any_of(*changed, [&](const Box& part) { return part.intersects(box); });
+    const bool isChanged = std::ranges::any_of(changed, [&](const Box& part) { return part.intersects(box); });
     if (isChanged) tile.staleSince = version_;
     // Of other zooms there is no hurry to have a new one.
     entry = isChanged && !(key.zoom == shown) ? tiles_.erase(entry) : std::next(entry);
@@ -40,13 +45,17 @@ void TileStore::setScene(std::shared_ptr<const Scene> scene, const std::vector<B
 
 void TileStore::setLook(const TileLook& look) {
   if (look == look_) return;
-  const bool isShared = look.devicePixelRatio == look_.devicePixelRatio && look.isDark == look_.isDark;
+  const bool isSame = look.devicePixelRatio == look_.devicePixelRatio && look.isDark == look_.isDark;
+  const bool isSelected = look.selected != look_.selected;
   look_ = look;
+  if (!isSame) {
+    ++version_;
+    tiles_.clear();
+    recent_.clear();
+  } else if (isSelected) {
+    makeStale({{-1e300, -1e300, 1e300, 1e300}});
+  }
   // The canvas's height matters to few marks only: what there is stays until it is painted anew.
-  if (isShared) return;
-  ++version_;
-  tiles_.clear();
-  recent_.clear();
 }
 
 TileStore::Range TileStore::visible(const ViewFrame& frame) const {

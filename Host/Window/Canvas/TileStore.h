@@ -39,6 +39,7 @@ class TileStore {
     std::int64_t fromX, toX, fromY, toY;
   };
   Range visible(const ViewFrame& frame) const;
+  void makeStale(const std::vector<Box>& changed);
   QRectF place(const TileKey& key, const ViewFrame& frame) const;
   void paintOthers(QPainter& painter, const ViewFrame& frame) const;
   void dropOld(const Range& range);
