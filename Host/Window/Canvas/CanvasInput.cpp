@@ -207,7 +207,19 @@ Point CanvasView::State::oppositeCorner(QPointF at) const {
   return rubber->corner + Point{std::copysign(width, d.x), std::copysign(height, d.y)};
 }
 
+/// Counts at once, or, where that takes longer than a frame, as soon as the pointer rests a little.
 void CanvasView::State::updateCounts() {
+  constexpr qint64 kFrameMs = 8;
+  constexpr int kLaterMs = 40;
+  if (countMs <= kFrameMs)
+    countWindow();
+  else if (!countTimer.isActive())
+    countTimer.start(kLaterMs + static_cast<int>(countMs));
+}
+
+void CanvasView::State::countWindow() {
+  QElapsedTimer taken;
+  taken.start();
   inside = locked = 0;
   if (!rubber || rubber->what != Rubber::For::Selecting || !mayPoint()) return;
   const Point opposite = oppositeCorner(cursor);
@@ -217,6 +229,7 @@ void CanvasView::State::updateCounts() {
     ++inside;
     if (const SceneRef entity = shown->keeper->find(slot); entity && entity->isLocked) ++locked;
   }
+  countMs = taken.elapsed();
 }
 
 void CanvasView::State::endTask(const std::optional<Box>& box) {
@@ -281,6 +294,7 @@ void CanvasView::State::pressed(QPointF at, Qt::KeyboardModifiers modifiers) {
   // A press is a click until the pointer has moved: then it is the first corner of a window.
   rubber = Rubber{Rubber::For::Selecting, roundedPoint(at), true, at};
   inside = locked = 0;
+  countMs = 0;
 }
 
 void CanvasView::State::released(QPointF at, Qt::KeyboardModifiers modifiers) {

@@ -90,6 +90,7 @@ struct CanvasView::State {
   void finishRubber(QPointF at, Qt::KeyboardModifiers modifiers);
   Point oppositeCorner(QPointF at) const;
   void updateCounts();
+  void countWindow();
   void endTask(const std::optional<geometry::Box>& box);
   bool hasTaskOrRubber() const { return task != Task::None || rubber.has_value(); }
 
@@ -112,7 +113,8 @@ struct CanvasView::State {
   mutable Previews previews;
   bool isSharp = false;
   QElapsedTimer sinceRemembered;
-  QTimer refineTimer, tooltipTimer, blinkTimer, workingTimer;
+  QTimer refineTimer, tooltipTimer, blinkTimer, workingTimer, countTimer;
+  qint64 countMs = 0;  // that the last count of a window took
 
   CanvasMode mode = CanvasMode::Rest;
   CanvasQuestion question;

@@ -19,6 +19,19 @@ constexpr int kWaitCursorMs = 300;
 constexpr std::size_t kMostPrevious = 50;
 constexpr double kCoarsestCurvePx = 0.12;
 
+constexpr std::size_t kMostPointsAFrame = 4000;  // of selected entities drawn with each frame
+
+std::size_t pointsOf(const std::vector<SceneRef>& entities) {
+  std::size_t points = 0;
+  for (const SceneRef entity : entities)
+    for (std::uint32_t i = 0; i < entity->itemCount; ++i) {
+      const auto& item = entity.chunk->recording.items[entity->firstItem + i];
+      for (std::uint32_t r = 0; r < item.ringCount; ++r)
+        points += entity.chunk->recording.rings[item.firstRing + r].count;
+    }
+  return points;
+}
+
 }  // namespace
 
 QString numberText(double value) {
@@ -48,6 +61,12 @@ CanvasView::State::State(CanvasView& canvas) : view(canvas) {
     tooltip = isInside && mayPoint() && !rubber ? tooltipText() : QString();
     view.update();
   });
+  countTimer.setSingleShot(true);
+  QObject::connect(&countTimer, &QTimer::timeout, &view, [this] {
+    if (!rubber || !mayPoint()) return;
+    countWindow();
+    view.update();
+  });
   workingTimer.setSingleShot(true);
   QObject::connect(&workingTimer, &QTimer::timeout, &view, [this] { updateCursorShape(); });
   QObject::connect(&blinkTimer, &QTimer::timeout, &view, [this] {
@@ -71,7 +90,7 @@ void CanvasView::State::select(std::vector<database::Slot*> entities) {
   selected = std::move(entities);
   selectedSet = {selected.begin(), selected.end()};
   selectedInTiles.reset();
-  if (selected.size() > kMostSquared)
+  if (selected.size() > kMostSquared || pointsOf(refs(selected)) > kMostPointsAFrame)
     selectedInTiles = std::make_shared<const std::unordered_set<const database::Slot*>>(selectedSet);
   isSharp = false;
   tiles.setLook(look());

@@ -84,20 +84,43 @@ QPainterPath pathOf(const DisplayList& list) {
   return path;
 }
 
-void strokeMarked(QPainter& painter, const QPainterPath& path, const MarkStyle& style, bool hasCasing) {
+/// The casing of all lines, then their cores. Line by line: one path of many crossing lines takes many times as long.
+void strokeMarked(QPainter& painter, const DisplayList& list, const MarkStyle& style, bool hasCasing) {
   painter.setBrush(Qt::NoBrush);
+  QPolygonF line;
+  const auto strokeAll = [&] {
+    for (const picture::DisplayRing& ring : list.rings) {
+      const Point* const points = list.points.data() + ring.first;
+      line.clear();
+      for (std::uint32_t k = 0; k < ring.count; ++k) line.append(QPointF(points[k].x, points[k].y));
+      if (ring.closed && ring.count > 2) line.append(line.front());
+      if (line.size() == 1) line.append(line.front() + QPointF(0.01, 0));
+      painter.drawPolyline(line);
+    }
+  };
   if (hasCasing) {
-    painter.setPen(QPen(style.casing, style.width + 2 * kCasing, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.drawPath(path);
+    painter.setPen(QPen(style.casing, style.width + 2 * kCasing, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin));
+    strokeAll();
   }
-  QPen pen(style.core, style.width, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin);
+  QPen pen(style.core, style.width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin);
   if (!style.dashes.empty()) {
     QList<qreal> dashes;
     for (const double dash : style.dashes) dashes.push_back(dash / style.width);
     pen.setDashPattern(dashes);
   }
   painter.setPen(pen);
-  painter.drawPath(path);
+  strokeAll();
+}
+
+/// Lines of a path that is not cut.
+DisplayList listOf(const QPainterPath& path) {
+  DisplayList list;
+  for (const QPolygonF& polygon : path.toSubpathPolygons()) {
+    list.rings.push_back(
+        {static_cast<std::uint32_t>(list.points.size()), static_cast<std::uint32_t>(polygon.size()), false});
+    for (const QPointF p : polygon) list.points.push_back({p.x(), p.y()});
+  }
+  return list;
 }
 
 }  // namespace
@@ -147,7 +170,7 @@ void MarkPainter::entities(const std::vector<SceneRef>& entities, Mark mark, dou
   for (const SceneRef entity : entities)
     if (entity && (entity->isEndless || entity->box.intersects(seen)))
       player.play(entity.chunk->recording, entity->firstItem, entity->itemCount);
-  const QPainterPath path = pathOf(canvas.take());
+  const DisplayList lines = canvas.take();
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing, ofMany <= kMostCased);
   painter_.setOpacity(strength);
@@ -159,7 +182,7 @@ void MarkPainter::entities(const std::vector<SceneRef>& entities, Mark mark, dou
     inside.setAlphaF(static_cast<float>(style.insideOpacity));
     painter_.fillPath(pathOf(areas.take()), inside);
   }
-  strokeMarked(painter_, path, style, ofMany <= kMostCased);
+  strokeMarked(painter_, lines, style, ofMany <= kMostCased);
   if (mark == Mark::Selected && ofMany <= kMostSquared) squares(entities, style);
   painter_.restore();
 }
@@ -201,7 +224,7 @@ void MarkPainter::rectangle(QPointF corner, QPointF opposite, Mark mark) {
   painter_.fillRect(box, inside);
   QPainterPath path;
   path.addRect(box);
-  strokeMarked(painter_, path, style, true);
+  strokeMarked(painter_, listOf(path), style, true);
   painter_.restore();
 }
 
@@ -240,7 +263,7 @@ void MarkPainter::snap(QPointF at, geometry::SnapKind kind) {
   }
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing);
-  strokeMarked(painter_, path, markStyle(Mark::Snap, isDark_), true);
+  strokeMarked(painter_, listOf(path), markStyle(Mark::Snap, isDark_), true);
   painter_.restore();
 }
 
@@ -313,7 +336,7 @@ void MarkPainter::ghosts(const std::vector<SceneRef>& entities, Point about, dou
   }
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing, !isBoxes);
-  strokeMarked(painter_, pathOf(cut.take()), markStyle(Mark::Preview, isDark_), entities.size() <= kMostCased);
+  strokeMarked(painter_, cut.take(), markStyle(Mark::Preview, isDark_), entities.size() <= kMostCased);
   painter_.restore();
 }
 
@@ -328,7 +351,7 @@ void MarkPainter::ghost(const picture::Recording& recording, Point at) {
   picture::Player(how, details).play(recording, 0, recording.items.size());
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing);
-  strokeMarked(painter_, pathOf(cut.take()), markStyle(Mark::Preview, isDark_), true);
+  strokeMarked(painter_, cut.take(), markStyle(Mark::Preview, isDark_), true);
   painter_.restore();
 }
 
@@ -343,7 +366,7 @@ void MarkPainter::line(const std::vector<QPointF>& points, bool isClosed, bool i
   if (isSolid) style.dashes.clear();
   painter_.save();
   painter_.setRenderHint(QPainter::Antialiasing);
-  strokeMarked(painter_, pathOf(canvas.take()), style, true);
+  strokeMarked(painter_, canvas.take(), style, true);
   painter_.restore();
 }
 

@@ -261,9 +261,15 @@ std::vector<Slot*> inWindow(const SceneKeeper& keeper, Point corner, Point oppos
         isTaken = isBoxInside || ((kind == geometry::Window::Crossing || entity->isEndless) &&
                                   geometry::isInWindow(*entity->slot, {corner, opposite}, kind));
         break;
-      default:
-        isTaken = geometry::isInWindow(*entity->slot, {corner, opposite}, kind);
+      default: {
+        // The host measures texts by mean widths of letters: what lies well inside does so by any measure.
+        const double slackX = box.maxX - box.minX, slackY = box.maxY - box.minY, slack = std::max(slackX, slackY);
+        const bool isWellInside = !entity->isEndless && box.minX - slack > window.minX &&
+                                  box.minY - slack > window.minY && box.maxX + slack < window.maxX &&
+                                  box.maxY + slack < window.maxY;
+        isTaken = isWellInside || geometry::isInWindow(*entity->slot, {corner, opposite}, kind);
         break;
+      }
     }
     if (isTaken) found.push_back(entity->slot);
   });
