@@ -239,6 +239,30 @@ TEST_F(Tiles, MapCoordinatesLoseNothing) {
   expectLikePicture(everything(x, y), {x + 10.7, y + 4.8, x + 11.3, y + 5.25});
 }
 
+TEST_F(Tiles, VeryManySelectedAreMarkedToo) {
+  SmallDrawing drawing;
+  for (int i = 0; i < 800; ++i)
+    drawing.entity("LINE", "10 " + std::to_string(i) + "|20 0|11 " + std::to_string(i) + "|21 600");
+  open(drawing);
+  const auto marked = [this] {
+    const QImage image = sharp();
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x) {
+        const QRgb pixel = image.pixel(x, y);
+        count += qBlue(pixel) > 150 && qRed(pixel) < 60 ? 1 : 0;
+      }
+    return count;
+  };
+  EXPECT_EQ(marked(), 0);
+  canvas->setSelected({entity(0), entity(700)});
+  EXPECT_GT(marked(), 100);
+  canvas->setSelected(db->modelSpace().entities);
+  EXPECT_GT(marked(), 10000);
+  canvas->setSelected({});
+  EXPECT_EQ(marked(), 0);
+}
+
 TEST_F(Tiles, StretchedUntilSharpAndSharpAfterChanges) {
   open(everything(0, 0));
   const QImage whole = sharp();
