@@ -133,6 +133,7 @@ struct CanvasView::State {
   std::vector<geometry::Snap> snaps;
   std::size_t snapPlace = 0;
   std::unordered_map<const database::Slot*, std::vector<geometry::SnapLine>> snapLines;
+  Zoom snapZoom;
   std::optional<Rubber> rubber;
   int inside = 0, locked = 0;  // that the window holds
   Task task = Task::None;

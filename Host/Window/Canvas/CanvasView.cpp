@@ -148,6 +148,8 @@ void CanvasView::State::sceneChanged(const std::vector<Box>* parts) {
 }
 
 void CanvasView::State::viewMoved() {
+  if (!(snapZoom == frame.zoom)) snapLines.clear();  // curves were as fine as they looked
+  snapZoom = frame.zoom;
   frame.size = view.size();
   frame.devicePixelRatio = view.devicePixelRatioF();
   isSharp = false;

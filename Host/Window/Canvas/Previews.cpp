@@ -118,7 +118,7 @@ class Drawing {
     // Slope lines run at right angles to the first edge, as far apart as can be told.
     const Point edge{ring[1].x() - ring[0].x(), ring[1].y() - ring[0].y()};
     if (!(curves::length(edge) > 0)) return;
-    constexpr double kApartPx = 10;
+    constexpr double kApartPx = 16;
     constexpr std::size_t kMostLines = 2000;
     const Point down = curves::left(edge) * (1 / curves::length(edge));
     const Point step = edge * (kApartPx / curves::length(edge));
