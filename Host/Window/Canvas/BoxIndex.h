@@ -1,6 +1,7 @@
 // Boxes by place: what lies near a point or in a window, without looking at everything.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <map>
@@ -51,7 +52,10 @@ class BoxIndex {
       const double size = std::ldexp(1.0, level);
       const double fromX = std::floor(box.minX / size) - 1, toX = std::floor(box.maxX / size);
       const double fromY = std::floor(box.minY / size) - 1, toY = std::floor(box.maxY / size);
-      if ((toX - fromX + 1) * (toY - fromY + 1) >= static_cast<double>(grid.size())) {
+      // Cells so far away cannot be counted one by one.
+      const bool isFar = std::max({-fromX, toX, -fromY, toY}) >= kFarthestCell ||
+                         std::min({-fromX, toX, -fromY, toY}) <= -kFarthestCell;
+      if (isFar || (toX - fromX + 1) * (toY - fromY + 1) >= static_cast<double>(grid.size())) {
         for (const auto& [cell, entries] : grid) visitCell(entries, box, visit);
         continue;
       }
@@ -82,7 +86,8 @@ class BoxIndex {
   };
   using Grid = std::unordered_map<Cell, std::vector<Entry>, HashOf>;
 
-  /// Coordinates stay within what painters draw, so cells of any level have whole numbers.
+  static constexpr double kFarthestCell = 4e15;  // whole numbers up to here are told apart
+
   static bool isUsable(const Box& box) {
     constexpr double kFarthest = 1e15;
     return !box.isEmpty() && box.minX >= -kFarthest && box.minY >= -kFarthest && box.maxX <= kFarthest &&
@@ -95,7 +100,10 @@ class BoxIndex {
   static int levelOf(double size) { return size > 0 ? static_cast<int>(std::ceil(std::log2(size))) : -40; }
   static Cell cellOf(int level, double x, double y) {
     const double size = std::ldexp(1.0, level);
-    return {static_cast<std::int64_t>(std::floor(x / size)), static_cast<std::int64_t>(std::floor(y / size))};
+    const auto number = [size](double v) {
+      return static_cast<std::int64_t>(std::clamp(std::floor(v / size), -kFarthestCell, kFarthestCell));
+    };
+    return {number(x), number(y)};
   }
   template <class Visit>
   static void visitCell(const std::vector<Entry>& entries, const Box& box, const Visit& visit) {

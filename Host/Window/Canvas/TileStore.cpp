@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::size_t kMostTiles = 600;  // 256 KB each
 constexpr std::size_t kOtherZooms = 3;   // stretched under what is missing
+constexpr double kFarthestTile = 1e15;   // of an odd drawing looked at from next to it
 constexpr int kMostTilesAcross = 64;     // of a canvas; more are no canvas
 
 }  // namespace
@@ -61,7 +62,9 @@ void TileStore::setLook(const TileLook& look) {
 TileStore::Range TileStore::visible(const ViewFrame& frame) const {
   const double ratio = frame.devicePixelRatio;
   const QPointF origin = frame.originPx() * ratio;
-  const auto tile = [](double px) { return static_cast<std::int64_t>(std::floor(px / kTilePx)); };
+  const auto tile = [](double px) {
+    return static_cast<std::int64_t>(std::clamp(std::floor(px / kTilePx), -kFarthestTile, kFarthestTile));
+  };
   Range range{tile(-origin.x()), tile(frame.size.width() * ratio - origin.x() - 1), tile(-origin.y()),
               tile(frame.size.height() * ratio - origin.y() - 1)};
   range.toX = std::min(range.toX, range.fromX + kMostTilesAcross);

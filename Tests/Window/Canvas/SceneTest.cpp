@@ -151,6 +151,30 @@ TEST(Refining, CurvesSmoothenWhereTheyAreSeenFromNear) {
   EXPECT_EQ(keeper.refine(seen, 1e-6).size(), 2U) << "the circle before and after; the polyline has no curves";
 }
 
+TEST(Indexing, FindsWhatIsNearAndEndsAnywhere) {
+  BoxIndex<int> index(1e-6);
+  int number = 0;
+  std::vector<Box> boxes;
+  for (const double size : {0.0, 1e-3, 1.0, 300.0, 1e9})
+    for (const double at : {0.0, -5.5, 25496000.25, 9e14}) boxes.push_back({at, at / 2, at + size, at / 2 + size});
+  for (const Box& box : boxes) index.insert(box, number++);
+  const auto found = [&](const Box& box) {
+    std::vector<int> values;
+    index.query(box, [&](int value, const Box&) { values.push_back(value); });
+    std::ranges::sort(values);
+    return values;
+  };
+  for (const Box& asked : boxes) {
+    std::vector<int> expected;
+    for (std::size_t i = 0; i < boxes.size(); ++i)
+      if (boxes[i].intersects(asked)) expected.push_back(static_cast<int>(i));
+    EXPECT_EQ(found(asked), expected) << asked.minX << " " << asked.maxX;
+  }
+  for (std::size_t i = 0; i < boxes.size(); ++i) index.remove(boxes[i], static_cast<int>(i));
+  EXPECT_TRUE(found({-1e15, -1e15, 1e15, 1e15}).empty());
+  EXPECT_EQ(index.size(), 0U);
+}
+
 /// Pixels that are farther from all pixels of the other image nearby than a step that eyes see.
 double differing(const QImage& a, const QImage& b) {
   int different = 0;
