@@ -156,4 +156,23 @@ std::optional<std::wstring> DrawingDatabase::redo(std::uint32_t openGroup) {
   return name;
 }
 
+std::vector<std::wstring> DrawingDatabase::undoNames(std::size_t most, std::uint32_t openGroup) const {
+  return parts_->journal.undoNames(most, openGroup);
+}
+
+std::vector<std::wstring> DrawingDatabase::redoNames(std::size_t most, std::uint32_t openGroup) const {
+  return parts_->journal.redoNames(most, openGroup);
+}
+
+std::size_t DrawingDatabase::undoStepCount() const { return parts_->journal.undoCount(); }
+
+std::optional<std::vector<const Slot*>> DrawingDatabase::takeChangedSlots() {
+  return parts_->journal.takeChangedSlots();
+}
+
+void DrawingDatabase::abandonUndoStep() {
+  parts_->journal.abandon();
+  checkSlots(*this);
+}
+
 }  // namespace host::database

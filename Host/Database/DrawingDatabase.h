@@ -55,6 +55,8 @@ class WorkObserver {
     Use,     // what the command makes could not be made of it
   };
   virtual ~WorkObserver() = default;
+  /// An object is about to be opened. May throw: nothing has happened yet.
+  virtual void working() {}
   /// Opened, changed or moved in the draw order.
   virtual void used(const Slot& object) = 0;
   /// `why` names the reason as in "1 skipped: on a locked layer", "1 not hatched: not closed"; it is a literal.
@@ -135,10 +137,14 @@ class DrawingDatabase {
   /// Objects whose changes were lost since the last call, because memory ended when they were closed: they are as they
   /// were before, new ones are gone.
   int takeLostChanges();
+  /// Undoing everything since the drawing was opened or saved clears it.
   bool isModified() const;
   void setUnmodified();
   /// Version counter: grows with every change; for caches of pictures and selections.
   std::uint64_t changeCount() const;
+  /// The slots that were changed, made, erased or undone since the last call, some of them several times, for the one
+  /// cache that follows them; nothing at the first call, and when there were too many to remember.
+  std::optional<std::vector<const Slot*>> takeChangedSlots();
   /// Null: no observer is called.
   void setObserver(WorkObserver* observer);
   /// Calls the observer, unless the object was made by the present undo step: the user does not know it.
@@ -157,6 +163,14 @@ class DrawingDatabase {
   /// memory ends meanwhile, std::bad_alloc, and the step that was to go has not changed anything.
   std::optional<std::wstring> undo(std::uint32_t openGroup = 0);
   std::optional<std::wstring> redo(std::uint32_t openGroup = 0);
+  /// Names of what undo or redo would take in turn, the next one first.
+  std::vector<std::wstring> undoNames(std::size_t most, std::uint32_t openGroup = 0) const;
+  std::vector<std::wstring> redoNames(std::size_t most, std::uint32_t openGroup = 0) const;
+  /// Steps that can be undone, those of groups counted one by one.
+  std::size_t undoStepCount() const;
+  /// Ends the step by taking back what it did: the drawing is as it was, and there was no such step. When memory ends
+  /// meanwhile, std::bad_alloc, and the step goes on.
+  void abandonUndoStep();
 
   // ---- problems ---------------------------------------------------------------------------------------------------
   const std::vector<Problem>& problems() const;

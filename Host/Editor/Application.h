@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Curves/Plane.h"
 #include "Database/DrawingDatabase.h"
 #include "Editor/InputSource.h"
 #include "Editor/Observer.h"
@@ -52,6 +53,22 @@ class Application {
   enum class Current { Counts, LeftOut };
   /// Names of the open drawings with changes that were not saved; of new ones without a folder.
   std::vector<std::filesystem::path> unsavedDrawings(Current current) const;
+  /// The open drawings in the order they were opened.
+  struct OpenDrawing {
+    database::DrawingDatabase* drawing = nullptr;  // names it to `activateDrawing` and `closeDrawing`
+    std::filesystem::path file;                    // empty for a new one
+    std::wstring name;                             // of the file, or "Drawing1.dxf"
+    bool isModified = false;
+    bool isCurrent = false;
+  };
+  std::vector<OpenDrawing> drawings() const;
+  /// Makes an open drawing the current one. False while a command runs, and for a drawing that is not open.
+  bool activateDrawing(const database::DrawingDatabase& drawing);
+  /// Closes an open drawing without saving. False as above.
+  bool closeDrawing(const database::DrawingDatabase& drawing);
+  /// Names of the commands that U, or REDO, would take in turn in the current drawing, the next one first.
+  std::vector<std::wstring> undoNames(std::size_t most = 20) const;
+  std::vector<std::wstring> redoNames(std::size_t most = 20) const;
   /// Writes the current drawing; status 4. The drawing keeps its own name. Refused when the file belongs to another
   /// open drawing, or is the drawing's own and another program has changed it.
   Result<> saveDrawing(const std::filesystem::path& file);
@@ -73,7 +90,8 @@ class Application {
   bool quitRequested() const;
   /// An answer or command of interactive input has failed, which did not end it.
   bool hasFailed() const;
-  /// Makes the running command's next question end in Esc and stops the script. Safe from signal handlers and threads.
+  /// Makes the running command's next question end in Esc and stops the script; a command at work is left, and the
+  /// drawing is as it was before it. Safe from signal handlers and threads.
   static void interrupt();
 
   /// A command of the program itself. The handler uses `Prompter` for questions and failures. Names are in capitals;
@@ -87,6 +105,14 @@ class Application {
   const std::vector<database::Slot*>& pickfirst() const;
   /// What the input-point monitors say at a point of the current space, lines separated by "\n".
   std::wstring tooltipAt(const AcGePoint3d& point);
+  /// What they say there of one entity, whatever else lies at the point; such as of the outline around a fill.
+  std::wstring tooltipOf(database::Slot& entity, const AcGePoint3d& point);
+
+  /// What the window shows of the current drawing, and how many pixels wide it is: VIEWCTR, VIEWSIZE and SCREENSIZE
+  /// tell it, and picks and tooltips take PICKBOX pixels of it. Nothing that scripts are answered with depends on it: a
+  /// saved script names what was picked. Without it the view is that of ZOOM, or the extents. Another drawing or layout
+  /// has a view of its own. An empty box takes it away.
+  void setView(const curves::Box& view, double pixels);
 
   /// Block of the current layout.
   const database::BlockContents* currentSpace() const;

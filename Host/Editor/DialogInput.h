@@ -26,8 +26,15 @@ void dialogClosed(bool isCancelled);
 bool writeDialogFile(std::wstring_view who, const std::filesystem::path& file, std::string_view bytes);
 /// True when no more lines will come: the script has ended or failed, or the run was interrupted.
 bool inputHasStopped();
+/// The running command was interrupted and is being left: no box or dialog is shown any more.
+bool commandIsAbandoned();
 /// The user works the dialogs at the screen; no lines are asked for.
 bool dialogsAreWorkedByHand();
+/// Records what the user has done at the screen as the line by which a script does it to the dialog or box that `what`
+/// names. An edit that goes on takes the place of its last line: those that begin with `edited`.
+void dialogWorked(std::wstring_view what, std::wstring_view line, std::wstring_view edited = {});
+/// The same for Esc.
+void dialogEscaped(std::wstring_view what);
 /// A problem of the host itself.
 void reportDialogProblem(const Problem& problem);
 /// A folder by its path; a relative one is looked for where support files are. Empty when there is none.

@@ -38,6 +38,7 @@ struct Question {
   const Keywords* keywords = nullptr;  // that are taken too; null for none
   std::optional<AcGePoint3d> base;     // of a point: where a rubber band starts
   bool takesEnter = true;              // Enter alone is an answer
+  bool takesNumber = false;            // of a point: a number alone is an answer too, such as an angle
 
   /// What Enter stands for, as the prompt spells it between its last angle brackets; empty when it names nothing.
   std::wstring_view defaultAnswer() const;

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Curves/Plane.h"
 #include "Database/Slot.h"
 #include "Problems/Problem.h"
 
@@ -26,6 +27,11 @@ class Observer {
   virtual void report(const Problem& /*problem*/) {}
   /// Progress of long work; `fraction` from 0 to 1, negative when the meter goes away.
   virtual void showProgress(std::wstring_view /*label*/, double /*fraction*/) {}
+  /// A command without a meter is at work. With a meter `showProgress` is called again in its place: while objects are
+  /// worked on one of the two comes at least ten times a second, so that a front end can repaint and hear of Esc.
+  virtual void working() {}
+  /// ZOOM wants this shown of the current drawing; an empty box is its extents.
+  virtual void showView(const curves::Box& /*view*/) {}
   /// REGEN and ads_regen: everything is to be drawn anew.
   virtual void regenerate() {}
   /// The entities selected so far by the question that is being answered; none when it has been answered.

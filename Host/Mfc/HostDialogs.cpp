@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "Win32/WindowObject.h"
 #include "acui.h"
 
 namespace {
@@ -57,6 +58,10 @@ void CAcUiDialog::CompleteEditorCommand(BOOL restoreDialogs) {
 }
 
 void CAcUiDialog::CancelEditorCommand() { EndDialog(IDCANCEL); }
+
+void CAcUiNumericEdit::PreSubclassWindow() { m_hWnd->widget->setNumeric(); }
+
+void CAcUiAngleEdit::PreSubclassWindow() { m_hWnd->widget->setNumeric(); }
 
 BOOL CAcUiNumericEdit::Validate() { return isBlankOrNumber(*this) ? TRUE : FALSE; }
 

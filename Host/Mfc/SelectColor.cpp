@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Database/Palette.h"
+#include "Win32/WindowObject.h"
 #include "afxwin.h"
 
 namespace host::mfc {
@@ -95,7 +96,9 @@ class PaletteView : public CStatic {
         const bool isHere =
             LOWORD(static_cast<WPARAM>(place)) >= area.left && LOWORD(static_cast<WPARAM>(place)) < area.right &&
             HIWORD(static_cast<WPARAM>(place)) >= area.top && HIWORD(static_cast<WPARAM>(place)) < area.bottom;
-        if (isHere && indexAt(column, row) > 0) indexEdit->SetWindowText(std::to_wstring(indexAt(column, row)).c_str());
+        if (!isHere || indexAt(column, row) == 0) continue;
+        indexEdit->SetWindowText(std::to_wstring(indexAt(column, row)).c_str());
+        win32::widgetEdited(*indexEdit->GetSafeHwnd());
       }
     }
     return 0;

@@ -298,21 +298,32 @@ class LineEditWidget : public QLineEdit {
     const bool isShortcut = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
     const bool isRefused = (window_.style & ES_NUMBER) != 0 && !isShortcut && !typed.isEmpty() && typed[0].isPrint() &&
                            !typed[0].isDigit();
-    if (!isRefused) QLineEdit::keyPressEvent(event);
+    if (isRefused) return;
+    if (isNumeric && !isShortcut && typed == "," && !isReadOnly()) {
+      QKeyEvent point(event->type(), Qt::Key_Period, event->modifiers(), ".");
+      QLineEdit::keyPressEvent(&point);
+    } else {
+      QLineEdit::keyPressEvent(event);
+    }
   }
 
  private:
   HostWindow& window_;
+
+ public:
+  bool isNumeric = false;
 };
 
 class LineEdit final : public Typed<LineEditWidget> {
  public:
   LineEdit(LineEditWidget* edit, HostWindow& window, Shown shown) : Typed(edit, shown) {
+    QObject::connect(edit, &QLineEdit::textEdited, edit, [&window] { win32::widgetEdited(window); });
     QObject::connect(edit, &QLineEdit::textChanged, edit, [&window] { win32::widgetTextChanged(window); });
   }
   std::wstring text() const override { return t_.text().toStdWString(); }
   void setText(std::wstring_view text) override { t_.setText(toQt(text)); }
   void setReadOnly(bool readOnly) override { t_.setReadOnly(readOnly); }
+  void setNumeric() override { t_.isNumeric = true; }
   void select(int begin, int end) override {
     t_.setSelection(begin, end < 0 ? static_cast<int>(t_.text().size()) : end - begin);
   }

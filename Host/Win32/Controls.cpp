@@ -195,13 +195,17 @@ LRESULT CALLBACK controlProcedure(HWND window, UINT message, WPARAM wParam, LPAR
 // ---- what widgets report --------------------------------------------------------------------------------------------
 
 void widgetClicked(HostWindow& button) {
+  recordPressed(button);
   if (button.buttonType() == BS_AUTORADIOBUTTON && button.parent != nullptr) checkRadio(button);
   notifyParent(button, BN_CLICKED);
 }
 
 void widgetTextChanged(HostWindow& edit) { notifyParent(edit, EN_CHANGE); }
 
+void widgetEdited(HostWindow& edit) { recordEdited(edit); }
+
 void widgetChosen(HostWindow& list) {
+  recordChosen(list);
   if (list.kind == WindowKind::ComboBox) {
     notifyParent(list, CBN_SELENDOK);
     notifyParent(list, CBN_SELCHANGE);
@@ -215,6 +219,7 @@ void widgetPressed(HostWindow& window, int x, int y) {
 }
 
 void widgetDoubleClicked(HostWindow& list) {
+  recordDoubleClicked(list);
   if (list.kind == WindowKind::ListBox && (list.style & LBS_NOTIFY) != 0) notifyParent(list, LBN_DBLCLK);
 }
 

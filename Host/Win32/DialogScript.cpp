@@ -113,6 +113,36 @@ std::wstring items(HostWindow& list) {
   return list.widget->count() > kMostShown ? all + L", ..." : all;
 }
 
+/// Quoted as `unquoted` reads it.
+std::wstring asValue(std::wstring_view text) {
+  std::wstring quoted = L"\"";
+  for (const wchar_t c : text) {
+    if (c == L'"') quoted += c;
+    quoted += c;
+  }
+  return quoted + L'"';
+}
+
+/// "30206": how a script names the control; a button whose number is not its own by its caption.
+std::wstring nameOf(HostWindow& control) {
+  const bool isOwn = control.id >= 0 && GetDlgItem(control.parent, control.id) == &control;
+  return isOwn ? std::to_wstring(control.id) : captionOf(control);
+}
+
+/// The dialog whose lines scripts give; null where there is nothing to record.
+HostWindow* recordedDialog(HostWindow* dialog) {
+  const bool isRecorded = editor::dialogsAreWorkedByHand() && dialog != nullptr && dialog->dialog &&
+                          dialog->dialog->isModal && !dialog->dialog->isNotice && !dialog->dialog->hasEnded;
+  return isRecorded ? dialog : nullptr;
+}
+
+std::wstring dialogName(HostWindow& dialog) { return L"dialog " + inQuotes(textOf(dialog)); }
+
+void record(HostWindow& control, const std::wstring& line, const std::wstring& edited = {}) {
+  if (HostWindow* const dialog = recordedDialog(control.parent))
+    editor::dialogWorked(dialogName(*dialog), line, edited);
+}
+
 /// Why an action cannot be done; empty when it was.
 using Refusal = std::wstring;
 
@@ -248,6 +278,34 @@ std::wstring refusalOf(HostWindow& dialog, std::wstring_view line) {
 }
 
 }  // namespace
+
+void recordPressed(HostWindow& button) {
+  if (isCheckBox(button)) {
+    record(button, nameOf(button) + (button.widget->isChecked() ? L" on" : L" off"));
+  } else {
+    record(button, nameOf(button));
+  }
+}
+
+void recordEdited(HostWindow& edit) {
+  const std::wstring begin = nameOf(edit) + L" ";
+  record(edit, begin + asValue(edit.widget->text()), begin);
+}
+
+void recordChosen(HostWindow& list) {
+  const int current = list.widget->current();
+  if (current >= 0) record(list, nameOf(list) + L" " + asValue(list.widget->item(current)));
+}
+
+void recordDoubleClicked(HostWindow& list) { record(list, L"double-click " + nameOf(list)); }
+
+void recordEscaped(HostWindow& dialog) {
+  if (recordedDialog(&dialog) != nullptr) editor::dialogEscaped(dialogName(dialog));
+}
+
+void recordEntered(HostWindow& dialog) {
+  if (recordedDialog(&dialog) != nullptr) editor::dialogWorked(dialogName(dialog), {});
+}
 
 bool actOnLine(HostWindow& dialog) {
   const editor::Answer answer = editor::nextDialogLine(L"dialog " + inQuotes(textOf(dialog)));

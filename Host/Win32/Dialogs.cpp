@@ -199,9 +199,11 @@ ModelessDialogs& modelessDialogs() {
 }
 
 INT_PTR runModal(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM parameter) {
+  if (editor::commandIsAbandoned()) return IDCANCEL;
   HostWindow* const dialog = makeDialog(bytes, parent, procedure, parameter, true);
   if (dialog == nullptr) return -1;
   const UnfinishedWindow untilItEnds(dialog);
+  dialog->dialog->isNotice = onlyButton(*dialog) != nullptr;
   if (!editor::dialogsAreWorkedByHand() && !dialog->dialog->hasEnded) tellNotice(*dialog);
   if (!dialog->dialog->hasEnded) editor::dialogOpened();
   runDialog(*dialog);
@@ -242,13 +244,17 @@ HostWindow* defaultButton(HostWindow& dialog) {
   return nullptr;
 }
 
-void widgetClosed(HostWindow& dialog) { SendMessageW(&dialog, WM_CLOSE, 0, 0); }
+void widgetClosed(HostWindow& dialog) { widgetEscaped(dialog); }
 
-void widgetEscaped(HostWindow& dialog) { SendMessageW(&dialog, WM_CLOSE, 0, 0); }
+void widgetEscaped(HostWindow& dialog) {
+  recordEscaped(dialog);
+  SendMessageW(&dialog, WM_CLOSE, 0, 0);
+}
 
 void widgetEntered(HostWindow& dialog) {
   HostWindow* const button = defaultButton(dialog);
   if (button == nullptr) {
+    recordEntered(dialog);
     SendMessageW(&dialog, WM_COMMAND, IDOK, 0);
   } else if (button->isEnabled()) {
     button->widget->click();

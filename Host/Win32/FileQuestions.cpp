@@ -20,9 +20,11 @@ std::wstring unquoted(std::wstring text) {
   return isQuoted ? text.substr(1, text.size() - 2) : text;
 }
 
+std::wstring nameOf(const FileQuestion& question) { return L"file question \"" + question.title + L"\""; }
+
 /// Empty when the question was cancelled.
 std::wstring askLine(const FileQuestion& question) {
-  const std::wstring name = L"file question \"" + question.title + L"\"";
+  const std::wstring name = nameOf(question);
   for (;;) {
     const editor::Answer answer = editor::nextDialogLine(name);
     if (answer.kind != editor::Answer::Kind::Text) return {};
@@ -73,6 +75,11 @@ BOOL GetSaveFileNameW(OPENFILENAMEW* question) {
     WidgetSystem* const system = widgetSystem();
     HostWindow* const owner = IsWindow(question->hwndOwner) != FALSE ? question->hwndOwner : nullptr;
     if (system != nullptr) path = system->askFile(owner, asked);
+    if (path.empty()) {
+      host::editor::dialogEscaped(nameOf(asked));
+    } else {
+      host::editor::dialogWorked(nameOf(asked), path);
+    }
   } else {
     path = askLine(asked);
   }

@@ -13,9 +13,11 @@
 namespace host::win32 {
 namespace {
 
+std::wstring nameOf(const std::wstring& title) { return L"folder question \"" + title + L"\""; }
+
 /// Empty when the question was left without an answer.
 std::filesystem::path askByLine(const std::wstring& title) {
-  const std::wstring name = L"folder question \"" + title + L"\"";
+  const std::wstring name = nameOf(title);
   for (;;) {
     const editor::Answer answer = editor::nextDialogLine(name);
     if (answer.kind != editor::Answer::Kind::Text) return {};
@@ -40,6 +42,11 @@ LPITEMIDLIST SHBrowseForFolderW(BROWSEINFOW* question) {
   std::wstring folder;
   if (WidgetSystem* const system = host::editor::dialogsAreWorkedByHand() ? widgetSystem() : nullptr) {
     folder = system->askFolder(IsWindow(question->hwndOwner) != FALSE ? question->hwndOwner : nullptr, title);
+    if (folder.empty()) {
+      host::editor::dialogEscaped(nameOf(title));
+    } else {
+      host::editor::dialogWorked(nameOf(title), folder);
+    }
   } else {
     folder = host::text::fromUtf8(askByLine(title).string());
   }

@@ -58,8 +58,17 @@ std::wstring_view trimmed(std::wstring_view line) {
   return line;
 }
 
+std::wstring nameOf(std::wstring_view caption) { return L"message box \"" + std::wstring(caption) + L"\""; }
+
+/// The user's answer as a script gives it.
+void recordAnswer(const Box& box, std::wstring_view caption, int answer) {
+  for (const Answer& button : box.buttons) {
+    if (button.caption != nullptr && button.id == answer) editor::dialogWorked(nameOf(caption), button.caption);
+  }
+}
+
 int askBox(const Box& box, std::wstring_view caption, std::size_t defaultButton) {
-  const std::wstring name = L"message box \"" + std::wstring(caption) + L"\"";
+  const std::wstring name = nameOf(caption);
   for (;;) {
     const editor::Answer answer = editor::nextDialogLine(name + L" [" + captions(box) + L"]");
     std::wstring refusal;
@@ -91,10 +100,15 @@ int MessageBoxW(HWND parent, LPCWSTR text, LPCWSTR caption, UINT type) {
   const std::wstring_view shownText = text != nullptr ? std::wstring_view(text) : std::wstring_view();
   const std::wstring_view shownCaption = caption != nullptr ? std::wstring_view(caption) : L"Error";
   const Box& box = kBoxes[kind];
+  if (host::editor::commandIsAbandoned()) return box.abandoned;
   host::editor::showNotice(shownCaption, shownText);
   if (host::editor::dialogsAreWorkedByHand()) {
-    if (WidgetSystem* const system = widgetSystem())
-      return system->messageBox(IsWindow(parent) != FALSE ? parent : nullptr, shownText, shownCaption, type);
+    if (WidgetSystem* const system = widgetSystem()) {
+      const int answer =
+          system->messageBox(IsWindow(parent) != FALSE ? parent : nullptr, shownText, shownCaption, type);
+      if (kind != MB_OK) recordAnswer(box, shownCaption, answer);
+      return answer;
+    }
   }
   if (kind == MB_OK) return IDOK;
   const std::size_t wanted = (type & MB_DEFBUTTON3) != 0 ? 2 : (type & MB_DEFBUTTON2) != 0 ? 1 : 0;

@@ -70,6 +70,8 @@ class Widget {
 
   // ---- edits ----
   virtual void setReadOnly(bool) {}
+  /// Holds a number: a comma that the user types becomes a point.
+  virtual void setNumeric() {}
   /// -1 as the end selects to the end.
   virtual void select(int, int) {}
   virtual void replaceSelection(std::wstring_view) {}
@@ -119,6 +121,8 @@ inline constexpr const char* kMakeWidgetSystem = "tolmexMakeWidgetSystem";
 // ---- what widgets report --------------------------------------------------------------------------------------------
 void widgetClicked(HostWindow& button);
 void widgetTextChanged(HostWindow& edit);
+/// Of an edit: the user has changed the text; before `widgetTextChanged`.
+void widgetEdited(HostWindow& edit);
 void widgetChosen(HostWindow& list);
 /// The left button went down on a text or a picture; pixels inside it.
 void widgetPressed(HostWindow& window, int x, int y);

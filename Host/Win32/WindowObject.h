@@ -21,6 +21,7 @@ struct DialogState {
   LONG_PTR user = 0;
   BaseUnits units;
   bool isModal = false;
+  bool isNotice = false;  // texts and one button: scripts give it no line
   bool hasEnded = false;
   INT_PTR result = 0;
 };
@@ -104,6 +105,14 @@ HostWindow* defaultButton(HostWindow& dialog);
 /// chooses the item and answers TRUE. Windows itself never sends it.
 UINT chooseTextMessage();
 inline constexpr LPCWSTR kChooseTextMessage = L"HostChooseText";
+
+/// Record what the user did at the screen as the line by which a script does it.
+void recordPressed(HostWindow& button);
+void recordEdited(HostWindow& edit);
+void recordChosen(HostWindow& list);
+void recordDoubleClicked(HostWindow& list);
+void recordEscaped(HostWindow& dialog);
+void recordEntered(HostWindow& dialog);
 
 /// Takes one line of the input as an action on the dialog. False when no more lines will come.
 bool actOnLine(HostWindow& dialog);

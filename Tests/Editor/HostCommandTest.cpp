@@ -254,7 +254,7 @@ TEST_F(Commands, HelpTellsOfAllCommands) {
   app.addCommand(L"STAMP", 0, stamp, L"stamps the drawing");
   command(L"MODULES_OWN", [] {});
   expectDone("HELP\n");
-  for (const wchar_t* part : {L"\n  STAMP     stamps the drawing\n", L"\n  ERASE     erases objects\n",
+  for (const wchar_t* part : {L"\n  STAMP       stamps the drawing\n", L"\n  ERASE       erases objects\n",
                               L"\nCommands of TEST:\n  MODULES_OWN\n", L"LIST prints its controls"})
     EXPECT_TRUE(said(part)) << host::text::toUtf8(part) << host::text::toUtf8(transcript);
   const std::wstring help = transcript;

@@ -161,6 +161,11 @@ Acad::ErrorStatus appendEntity(Slot& blockRecord, AcDbEntity& entity) {
   DrawingDatabase::Parts& parts = db.parts();
   entity.setDatabaseDefaults(db.facade());
   DxfType type = typeOfClass(entity.isA());
+  if (type == DxfType::Unknown && entity.isA() == AcDbProxyEntity::desc()) {
+    // Of a type without a class here; its tags say which.
+    Tag tag;
+    if (HostObjectAccess::tags(entity).next(tag) && tag.code == 0) type = parts.types.enter(tag.trimmed());
+  }
   if (type == DxfType::Unknown) return Acad::eWrongObjectType;
 
   std::vector<Slot*>& entities = parts.blocks.contents(&blockRecord).entities;
@@ -168,7 +173,7 @@ Acad::ErrorStatus appendEntity(Slot& blockRecord, AcDbEntity& entity) {
   NewSlots made(parts.slots);
   Slot* const slot = parts.editor.make(type, &blockRecord, kEntity);
   TagWriter head = db.tagWriter();
-  head.raw(0, fixedTypeName(type)).handle(5, slot->handle).handle(330, blockRecord.handle).raw(100, "AcDbEntity");
+  head.raw(0, db.typeName(type)).handle(5, slot->handle).handle(330, blockRecord.handle).raw(100, "AcDbEntity");
   if (&blockRecord == parts.blocks.paperSpace()) {
     head.integer(67, 1);
     slot->flags |= kPaper;

@@ -33,6 +33,7 @@ void Journal::begin(std::wstring name, UndoGroup group) {
   end();
   makeRoom(undoSteps_);  // the step can be ended then, whatever the command does to memory
   current_ = {};
+  current_.id = ++lastId_;
   current_.name = std::move(name);
   current_.group = std::move(group);
   current_.madeBegin = db_.parts().slots.count();
@@ -57,16 +58,52 @@ void Journal::endUnused() {
   current_.madeEnd = db_.parts().slots.count();
   if (!addsUnusedRecordsOnly(current_)) return end();
   db_.releaseObjects();
-  const bool wasModified = savedChanges_ != changesBefore_;
   try {
-    prepareSwap(current_);
+    takeBackCurrent();
   } catch (const std::bad_alloc&) {
     return end();  // U can take it back when there is memory again
   }
+}
+
+void Journal::abandon() {
+  if (!isRecording_) return;
+  db_.releaseObjects();
+  current_.madeEnd = db_.parts().slots.count();
+  takeBackCurrent();
+}
+
+void Journal::takeBackCurrent() {
+  const bool wasModified = savedChanges_ != changesBefore_ && !(state() == savedState_);
+  prepareSwap(current_);
   isRecording_ = false;
   swapStep(current_);
   current_ = {};
   if (!wasModified) setUnmodified();
+}
+
+namespace {
+
+std::vector<std::wstring> namesOf(const std::vector<UndoStep>& steps, std::size_t most, std::uint32_t openGroup) {
+  std::vector<std::wstring> names;
+  std::uint32_t group = 0;
+  for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+    const bool isWhole = step->group.number != 0 && step->group.number != openGroup;
+    if (isWhole && step->group.number == group) continue;
+    if (names.size() == most) break;
+    group = isWhole ? step->group.number : 0;
+    names.push_back(isWhole ? step->group.name : step->name);
+  }
+  return names;
+}
+
+}  // namespace
+
+std::vector<std::wstring> Journal::undoNames(std::size_t most, std::uint32_t openGroup) const {
+  return namesOf(undoSteps_, most, openGroup);
+}
+
+std::vector<std::wstring> Journal::redoNames(std::size_t most, std::uint32_t openGroup) const {
+  return namesOf(redoSteps_, most, openGroup);
 }
 
 std::optional<std::wstring> Journal::undo(std::uint32_t openGroup) {
@@ -116,7 +153,10 @@ void Journal::swapStep(UndoStep& step) {
     step.states.push_back({&slot, static_cast<std::uint16_t>(slot.flags | kErased), 0, {}});
   }
   step.madeBegin = step.madeEnd = 0;
-  for (SlotState& state : step.states) swapState(parts, state);
+  for (SlotState& state : step.states) {
+    swapState(parts, state);
+    log(*state.slot);
+  }
   for (auto move = step.moves.rbegin(); move != step.moves.rend(); ++move) {
     move->key = parts.sortTables.contents(*move->table).keys.set(*move->entity, move->key);
   }
@@ -151,12 +191,12 @@ void Journal::record(Slot& slot) {
       live.journalMark = number_;
     }
   }
-  ++changes_;
+  count(slot);
 }
 
 void Journal::recordMade(Slot& slot) {
   if (isRecording_) slot.live->journalMark = number_;
-  ++changes_;
+  count(slot);
 }
 
 void Journal::makeRoomForMove(Slot& table, const Slot& entity, std::uint64_t state) {
@@ -170,7 +210,25 @@ void Journal::makeRoomForMove(Slot& table, const Slot& entity, std::uint64_t sta
 void Journal::recordMove(Slot& table, const Slot& entity, OrderKey former) {
   // Where an entity stands that is taken away by undo does not matter.
   if (isRecording_ && !isOfThisStep(entity)) current_.moves.push_back({&table, &entity, former});
-  ++changes_;
+  count(table);
+}
+
+void Journal::log(const Slot& slot) noexcept {
+  constexpr std::size_t kMostLogged = 4'000'000;
+  if (!isLogging_ || (!log_.empty() && log_.back() == &slot)) return;
+  isLogging_ = log_.size() < kMostLogged;
+  try {
+    if (isLogging_) log_.push_back(&slot);
+  } catch (const std::bad_alloc&) {
+    isLogging_ = false;
+  }
+}
+
+std::optional<std::vector<const Slot*>> Journal::takeChangedSlots() {
+  std::vector<const Slot*> taken;
+  taken.swap(log_);
+  if (std::exchange(isLogging_, true)) return taken;
+  return std::nullopt;
 }
 
 // ---- attempts -------------------------------------------------------------------------------------------------------

@@ -24,6 +24,7 @@ struct SlotState {
 };
 
 struct UndoStep {
+  std::uint64_t id = 0;  // of all steps ever made
   std::wstring name;
   UndoGroup group;
   std::vector<SlotState> states;  // before the step (for undo) or after it (for redo)
@@ -56,6 +57,12 @@ class Journal {
   void endUnused();
   std::optional<std::wstring> undo(std::uint32_t openGroup);
   std::optional<std::wstring> redo(std::uint32_t openGroup);
+  /// What undo, or redo, would take in turn, one name for each group; at most `most`.
+  std::vector<std::wstring> undoNames(std::size_t most, std::uint32_t openGroup) const;
+  std::vector<std::wstring> redoNames(std::size_t most, std::uint32_t openGroup) const;
+  std::size_t undoCount() const { return undoSteps_.size(); }
+  /// Ends the step by taking it back: there was no such step. It stays when memory ends (std::bad_alloc).
+  void abandon();
   /// The last step that can be undone, or null.
   const UndoStep* last() const { return undoSteps_.empty() ? nullptr : &undoSteps_.back(); }
 
@@ -77,9 +84,18 @@ class Journal {
   Attempt* setAttempt(Attempt* attempt) { return std::exchange(attempt_, attempt); }
 
   // ---- counting ----
+  /// See DrawingDatabase::takeChangedSlots.
+  std::optional<std::vector<const Slot*>> takeChangedSlots();
   std::uint64_t changeCount() const { return changes_; }
-  bool isModified() const { return changes_ != savedChanges_; }
-  void setUnmodified() { savedChanges_ = changes_; }
+  /// Undoing all steps since, or repeating them, leads back to what was saved.
+  bool isModified() const {
+    if (changes_ == savedChanges_) return false;
+    return (isRecording_ && changes_ != changesBefore_) || state() != savedState_;
+  }
+  void setUnmodified() {
+    savedChanges_ = changes_;
+    savedState_ = state();
+  }
 
  private:
   std::optional<std::wstring> takeSteps(std::vector<UndoStep>& from, std::vector<UndoStep>& to,
@@ -87,6 +103,20 @@ class Journal {
   void prepareSwap(UndoStep& step);
   void swapStep(UndoStep& step);
   bool addsUnusedRecordsOnly(const UndoStep& step) const;
+  void takeBackCurrent();
+
+  /// What the drawing is: the last step, and the number of changes that no step holds.
+  struct State {
+    std::uint64_t step = 0, changesOutside = 0;
+    bool operator==(const State&) const = default;
+  };
+  State state() const { return {undoSteps_.empty() ? 0 : undoSteps_.back().id, changesOutside_}; }
+  void count(const Slot& slot) {
+    ++changes_;
+    if (!isRecording_) ++changesOutside_;
+    log(slot);
+  }
+  void log(const Slot& slot) noexcept;
 
   DrawingDatabase& db_;
   std::vector<UndoStep> undoSteps_;
@@ -99,6 +129,11 @@ class Journal {
   Attempt* attempt_ = nullptr;
   std::uint64_t changes_ = 0;
   std::uint64_t savedChanges_ = 0;
+  std::uint64_t changesOutside_ = 0;
+  State savedState_;
+  std::uint64_t lastId_ = 0;
+  std::vector<const Slot*> log_;
+  bool isLogging_ = false;
 };
 
 /// Holds the slots made since: they count as erased, as if undone, unless `keep` says that they are whole. So a failure

@@ -57,6 +57,7 @@ AcDbObject* OpenObjects::objectFor(Slot& slot) {
 
 Acad::ErrorStatus OpenObjects::open(AcDbObject*& object, Slot* slot, AcDb::OpenMode mode, bool openErased) {
   if (slot == nullptr) return Acad::eNullObjectId;
+  db_.parts().watchers.working();
   if (slot->isErased() && !openErased) return Acad::eWasErased;
   if (slot->live != nullptr && slot->live->writer) return Acad::eWasOpenForWrite;
   if (mode == AcDb::kForWrite) {

@@ -37,6 +37,9 @@ class Watchers {
   void takeReactors(Watchers& other) { reactors_ = std::move(other.reactors_); }
 
   void setObserver(WorkObserver* observer) { observer_ = observer; }
+  void working() const {
+    if (observer_ != nullptr) observer_->working();
+  }
   void used(const Slot& object) const {
     if (observer_ != nullptr) observer_->used(object);
   }

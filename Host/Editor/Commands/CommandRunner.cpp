@@ -1,5 +1,6 @@
 #include "Editor/Commands/CommandRunner.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cwctype>
@@ -26,6 +27,22 @@ void whereMemoryLasts(const Show& show) {
 }
 
 std::string quoted(std::wstring_view text) { return "\"" + text::toUtf8(text) + "\""; }
+
+/// Commands on files and programs, which a saved script leaves to its user, and those that record themselves what they
+/// did.
+bool isLeftOutOfScripts(const Command& command) {
+  static constexpr const wchar_t* kNames[] = {L"OPEN",       L"NEW",    L"CLOSE",   L"QSAVE", L"SAVEAS", L"QUIT",
+                                              L"SAVESCRIPT", L"SCRIPT", L"RSCRIPT", L"DELAY", L"RESUME", L"PICTURE",
+                                              L"HELP",       L"U",      L"UNDO",    L"REDO",  L"MREDO"};
+  return command.isBuiltIn() && std::any_of(std::begin(kNames), std::end(kNames), [&command](const wchar_t* name) {
+           return text::equalFolded(command.global, name);
+         });
+}
+
+/// Views, tooltips and variables: what is selected at rest stays so. Commands that use the selection take it.
+bool leavesSelection(const Command& command) {
+  return command.isBuiltIn() && (command.flags & ACRX_CMD_TRANSPARENT) != 0;
+}
 
 /// A control's number or the button that most dialogs have: what scripts say to dialogs, and no command is called.
 bool worksDialogs(std::wstring_view name) {
@@ -105,7 +122,7 @@ void CommandRunner::runTyped(const Answer& answer) {
       session_.transcript().echo({});
       // At a terminal Enter repeats; in a script a blank line between commands is just that.
       if (session_.isInteractive() && !lastCommand_.empty()) {
-        if (const auto command = session_.commands().find(lastCommand_)) execute(command, false);
+        if (const auto command = session_.commands().find(lastCommand_)) executeTyped(command, lastCommand_);
       }
       return;
     case Answer::Kind::Text:
@@ -115,17 +132,31 @@ void CommandRunner::runTyped(const Answer& answer) {
   }
   session_.transcript().echo(answer.text);
   if (const auto command = session_.commands().find(answer.text)) {
-    execute(command, false);
+    executeTyped(command, answer.text);
     if ((command->flags & ACRX_CMD_NOHISTORY) == 0) lastCommand_ = answer.text;
     return;
   }
   if (session_.variables().find(answer.text) != nullptr && document != nullptr) {
     namedVariable_ = answer.text;
-    execute(session_.commands().find(L".SETVAR"), false);
+    executeTyped(session_.commands().find(L".SETVAR"), answer.text);
     namedVariable_.clear();
     return;
   }
   reportUnknown(answer.text);
+}
+
+void CommandRunner::executeTyped(const std::shared_ptr<Command>& command, const std::wstring& typed) {
+  Document* const document = session_.documents().current();
+  if (document != nullptr) {
+    if (isLeftOutOfScripts(*command)) {
+      document->recording.silentCommandBegins();
+    } else {
+      document->recording.commandBegins(typed, document->drawing().changeCount());
+    }
+  }
+  execute(command, false);
+  if (document != nullptr && session_.documents().owns(document))
+    document->recording.commandEnds(document->drawing().changeCount());
 }
 
 void CommandRunner::reportUnknown(std::wstring_view name) {
@@ -186,6 +217,7 @@ void CommandRunner::callHandler(Command& command) noexcept {
       session_.failForMemory(&command);
     }
   };
+  ++handlerDepth_;
   try {
     const hatching::PatternMemory patterns;
     if (command.handler) {
@@ -194,6 +226,8 @@ void CommandRunner::callHandler(Command& command) noexcept {
     } else {
       command.function();
     }
+  } catch (const CommandInterrupted&) {
+    state_.isCancelled = true;
   } catch (const std::bad_alloc&) {
     state_.hasFailed = true;
     session_.failForMemory(&command);
@@ -204,6 +238,21 @@ void CommandRunner::callHandler(Command& command) noexcept {
   } catch (...) {
     failed(" with an exception of an unknown kind");
   }
+  --handlerDepth_;
+}
+
+void CommandRunner::atWork() {
+  if (handlerDepth_ > 0 && Session::isInterrupted() && !isInterruptionHeard_) {
+    isAbandoned_ = true;
+    throw CommandInterrupted();
+  }
+  constexpr unsigned kLooksAtTheClock = 32;
+  constexpr std::chrono::milliseconds kBeat(50);
+  if (++pulses_ % kLooksAtTheClock != 0) return;
+  const auto now = std::chrono::steady_clock::now();
+  if (now - lastBeat_ < kBeat) return;
+  lastBeat_ = now;
+  session_.meter().repeat();
 }
 
 // ---- one command ----------------------------------------------------------------------------------------------------
@@ -258,6 +307,14 @@ class CommandRunner::Running {
  private:
   /// Plug-ins prepare a drawing at their first command. Left with Esc or Cancel it is as it was.
   void endUndoStep() {
+    if (runner_.isAbandoned_) {
+      try {
+        document_->drawing().abandonUndoStep();
+      } catch (const std::bad_alloc&) {
+        document_->drawing().endUndoStep();
+      }
+      return;
+    }
     if (!runner_.wasLeftUntouched(*document_) || command_->isBuiltIn()) {
       document_->drawing().endUndoStep();
       return;
@@ -284,7 +341,7 @@ void CommandRunner::execute(const std::shared_ptr<Command>& command, bool transp
   if (!mayRun(*command)) return;
   const bool isOutermost = running_.empty();
   Document* const document = session_.documents().current();
-  if (isOutermost && document != nullptr && (command->flags & ACRX_CMD_USEPICKSET) == 0)
+  if (isOutermost && document != nullptr && (command->flags & ACRX_CMD_USEPICKSET) == 0 && !leavesSelection(*command))
     session_.setPickfirst(*document, {});
   session_.setNextLimits({});
   state_ = {};
@@ -292,6 +349,7 @@ void CommandRunner::execute(const std::shared_ptr<Command>& command, bool transp
     changesWhenAsked_.reset();
     skips_.begin();
     lastSkips_.clear();
+    isInterruptionHeard_ = isAbandoned_ = false;
     if (document != nullptr) watch_.begin(document->drawing(), session_.observer().wantsChanges());
   }
   const ACHAR* const name = command->global.c_str();
@@ -300,7 +358,7 @@ void CommandRunner::execute(const std::shared_ptr<Command>& command, bool transp
     const Running running(*this, command, document, transparent);
     session_.editor().tell(&AcEditorReactor::commandWillStart, name);
     callHandler(*command);
-    if (isOutermost && document != nullptr && session_.documents().owns(document))
+    if (isOutermost && document != nullptr && session_.documents().owns(document) && !isAbandoned_)
       reportSkips(*command, !state_.isCancelled && !state_.hasFailed && !session_.isStopping());
   }
   const bool isOpen = document != nullptr && session_.documents().owns(document);
@@ -312,7 +370,15 @@ void CommandRunner::execute(const std::shared_ptr<Command>& command, bool transp
     session_.editor().tell(&AcEditorReactor::commandEnded, name);
   }
   state_.hasFailed = false;
-  if (isOutermost && isOpen) afterCommand(*document, knownProblems);
+  if (isOutermost && isAbandoned_) {
+    session_.transcript().line(command->global + L" was interrupted; the drawing is as it was.");
+    session_.recording().commandInterrupted();
+    isAbandoned_ = false;
+  }
+  if (isOutermost && isOpen) {
+    if (!leavesSelection(*command)) session_.setPickfirst(*document, {});
+    afterCommand(*document, knownProblems);
+  }
 }
 
 /// What a command could not bring into the drawing.
@@ -339,7 +405,6 @@ void CommandRunner::reportSkips(const Command& command, bool isWhole) {
 }
 
 void CommandRunner::afterCommand(Document& document, std::size_t knownProblems) {
-  session_.setPickfirst(document, {});
   session_.meter().hide();
   const int locks = std::exchange(document.locks, 0);
   const int open = document.drawing().releaseObjects();

@@ -1,6 +1,7 @@
 // Running commands: typed, from code, inside one another.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -18,6 +19,9 @@ namespace host::editor {
 
 class Document;
 class Session;
+
+/// Leaves a command that the user has interrupted.
+struct CommandInterrupted {};
 
 class CommandRunner {
  public:
@@ -56,6 +60,16 @@ class CommandRunner {
   /// The command has reported a failure of its own.
   void commandFailed() { state_.hasFailed = true; }
 
+  // ---- long work --------------------------------------------------------------------------------------------------
+  /// Called for every object that the running command opens and every step of its meter: the front end is told now and
+  /// then. When the user has interrupted the work, CommandInterrupted is thrown: plug-ins let it pass as they do when
+  /// memory ends, and the drawing is given back its state before the command.
+  void atWork();
+  /// A question has ended in Esc by the interruption: the command may tidy up.
+  void interruptionHeard() { isInterruptionHeard_ = true; }
+  /// The running command is being left by CommandInterrupted: it tells and asks nothing any more.
+  bool isAbandoned() const { return isAbandoned_; }
+
  private:
   class Running;
   /// What is known of the innermost command's course.
@@ -68,6 +82,8 @@ class CommandRunner {
   /// Takes the next command and runs it. False when the run is over.
   bool runNext(InputSource& input, InputStack::Scope& scope);
   void runTyped(const Answer& answer);
+  /// Executes a command that was named so at rest, and records it.
+  void executeTyped(const std::shared_ptr<Command>& command, const std::wstring& typed);
   void reportUnknown(std::wstring_view name);
   void execute(const std::shared_ptr<Command>& command, bool transparent);
   bool mayRun(const Command& command);
@@ -85,11 +101,15 @@ class CommandRunner {
   State state_;
   std::optional<std::uint64_t> changesWhenAsked_;  // drawing's counter when the outermost command first asked something
   SkipReport skips_;
-  CommandWatch watch_{skips_};
+  CommandWatch watch_{skips_, [this] { atWork(); }};
   std::wstring lastSkips_;  // of the last command, with its name
   std::wstring lastCommand_;
   std::wstring namedVariable_;
-  int memoryEnds_ = 0;  // in a row, since the last command was read
+  int memoryEnds_ = 0;    // in a row, since the last command was read
+  int handlerDepth_ = 0;  // of commands' code being run
+  bool isInterruptionHeard_ = false, isAbandoned_ = false;
+  unsigned pulses_ = 0;
+  std::chrono::steady_clock::time_point lastBeat_;
 };
 
 }  // namespace host::editor

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <unordered_set>
+#include <utility>
 
 #include "Editor/Observer.h"
 #include "Editor/Selection/SkipReport.h"
@@ -13,9 +15,11 @@ namespace host::editor {
 /// where an observer wants to know.
 class CommandWatch final : public database::WorkObserver {
  public:
-  explicit CommandWatch(SkipReport& skips) : skips_(skips) {}
+  /// `working` is called for every object that is opened; it may throw.
+  CommandWatch(SkipReport& skips, std::function<void()> working) : skips_(skips), working_(std::move(working)) {}
 
   void begin(const database::DrawingDatabase& drawing, bool gathersChanges);
+  void working() override { working_(); }
   void used(const database::Slot& object) override;
   void refused(const database::Slot& object, Refusal what, std::string_view why) override {
     skips_.refused(object, what, why);
@@ -26,6 +30,7 @@ class CommandWatch final : public database::WorkObserver {
 
  private:
   SkipReport& skips_;
+  std::function<void()> working_;
   bool gathers_ = false;
   /// Changes that the drawing has counted beyond those that named their object; making an object is one of them.
   bool hasUnnamed(const database::DrawingDatabase& drawing, std::uint64_t named) const;

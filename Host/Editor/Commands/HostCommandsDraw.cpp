@@ -43,6 +43,7 @@ void line(Prompter& prompter) {
   const AcGePoint3d last = document.lastPoint;
   const auto first = prompter.point(L"Specify first point: ");
   if (first.outcome == Outcome::Cancel) return;
+  if (!first) prompter.session().recording().wasPoint(last);
   std::vector<AcGePoint3d> points{first ? first.value : last};
   std::vector<AcDbObjectId> made;
   for (;;) {

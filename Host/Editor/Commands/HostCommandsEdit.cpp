@@ -1,6 +1,7 @@
 // Undo, erasing, selecting, system variables.
 #include "Editor/Commands/HostCommands.h"
-#include "Editor/Selection/SelectionSets.h"
+#include "Editor/Commands/SelectedObjects.h"
+#include "Editor/Selection/Spaces.h"
 #include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "dbobjptr.h"
@@ -12,51 +13,55 @@ using database::Slot;
 
 database::DrawingDatabase& drawingOf(Prompter& prompter) { return prompter.session().documents().current()->drawing(); }
 
-void undoOnce(Prompter& prompter) {
-  if (const std::optional<std::wstring> name =
-          drawingOf(prompter).undo(prompter.session().input().scriptGroup().number)) {
-    prompter.line(*name);
-  } else {
-    prompter.line(L"Everything has been undone");
-  }
-}
-
-void redoOnce(Prompter& prompter) {
-  if (const std::optional<std::wstring> name =
-          drawingOf(prompter).redo(prompter.session().input().scriptGroup().number)) {
-    prompter.line(*name);
-  } else {
-    prompter.line(L"Nothing to redo");
-  }
-}
-
-void undoMany(Prompter& prompter) {
-  Limits limits;
-  limits.bits = RSG_NOZERO | RSG_NONEG;
-  const auto count = prompter.integer(L"Enter the number of operations to undo <1>: ", limits);
-  if (count.outcome == Outcome::Cancel) return;
-  const std::uint32_t openGroup = prompter.session().input().scriptGroup().number;
-  for (int i = 0; i < (count ? count.value : 1); ++i) {
-    const std::optional<std::wstring> name = drawingOf(prompter).undo(openGroup);
-    prompter.line(name.value_or(L"Everything has been undone"));
+/// Takes back or repeats up to `count` commands and says which; `atEnd` when there are no more.
+template <class Step>
+void repeat(Prompter& prompter, int count, const Step& step, std::wstring_view atEnd) {
+  for (int i = 0; i < count; ++i) {
+    const std::optional<std::wstring> name = step(drawingOf(prompter), prompter.session().input().scriptGroup().number);
+    prompter.line(name ? std::wstring_view(*name) : atEnd);
     if (!name) break;
   }
 }
 
-/// The set selected before the command, or one asked for.
-std::vector<Slot*> selected(Prompter& prompter) {
-  Session& session = prompter.session();
-  if (session.runner().mayTakePickfirst()) {
-    std::vector<Slot*> before = std::exchange(session.documents().current()->pickfirst, {});
-    std::erase_if(before, [](const Slot* entity) { return entity->isErased(); });
-    if (!before.empty()) return before;
-  }
-  return prompter.select().value;
+void undo(Prompter& prompter, int count) {
+  const std::size_t before = drawingOf(prompter).undoStepCount();
+  repeat(
+      prompter, count, [](auto& drawing, std::uint32_t openGroup) { return drawing.undo(openGroup); },
+      L"Everything has been undone");
+  prompter.session().recording().undone(before - drawingOf(prompter).undoStepCount());
+}
+
+void redo(Prompter& prompter, int count) {
+  const std::size_t before = drawingOf(prompter).undoStepCount();
+  repeat(
+      prompter, count, [](auto& drawing, std::uint32_t openGroup) { return drawing.redo(openGroup); },
+      L"Nothing to redo");
+  prompter.session().recording().redone(drawingOf(prompter).undoStepCount() - before);
+}
+
+/// Nothing when the user cancelled.
+std::optional<int> askCount(Prompter& prompter, std::wstring_view prompt) {
+  Limits limits;
+  limits.bits = RSG_NOZERO | RSG_NONEG;
+  const auto count = prompter.integer(prompt, limits);
+  if (count.outcome == Outcome::Cancel) return std::nullopt;
+  return count ? count.value : 1;
+}
+
+void undoOnce(Prompter& prompter) { undo(prompter, 1); }
+void redoOnce(Prompter& prompter) { redo(prompter, 1); }
+
+void undoMany(Prompter& prompter) {
+  if (const auto count = askCount(prompter, L"Enter the number of operations to undo <1>: ")) undo(prompter, *count);
+}
+
+void redoMany(Prompter& prompter) {
+  if (const auto count = askCount(prompter, L"Enter the number of actions to redo <1>: ")) redo(prompter, *count);
 }
 
 void erase(Prompter& prompter) {
   std::size_t inUse = 0;
-  for (Slot* slot : selected(prompter)) {
+  for (Slot* slot : selectedObjects(prompter, false)) {
     const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(slot), AcDb::kForWrite);
     const Acad::ErrorStatus status = entity.openStatus();
     if (status == Acad::eOk) {
@@ -119,6 +124,7 @@ constexpr HostCommand kCommands[] = {
     {L"U", ACRX_CMD_NO_UNDO_MARKER, undoOnce, L"takes the last command back"},
     {L"UNDO", ACRX_CMD_NO_UNDO_MARKER, undoMany, L"takes a number of commands back"},
     {L"REDO", ACRX_CMD_NO_UNDO_MARKER, redoOnce, L"repeats what was taken back last"},
+    {L"MREDO", ACRX_CMD_NO_UNDO_MARKER, redoMany, L"repeats a number of commands that were taken back"},
     {L"REGEN", ACRX_CMD_NO_UNDO_MARKER, regen, L"draws anew"},
     {L"REGENALL", ACRX_CMD_NO_UNDO_MARKER, regen, L"the same for all views"},
     {L"ERASE", ACRX_CMD_USEPICKSET, erase, L"erases objects"},
@@ -131,16 +137,31 @@ constexpr HostCommand kCommands[] = {
 
 std::span<const HostCommand> editCommands() { return kCommands; }
 
+std::vector<Slot*> selectedObjects(Prompter& prompter, bool skipLocked) {
+  Session& session = prompter.session();
+  if (session.runner().mayTakePickfirst()) {
+    std::vector<Slot*> before = session.takePickfirst();
+    const auto isLocked = [&session](const Slot* entity) { return session.finder().layerState(*entity).locked; };
+    if (skipLocked) tellLocked(session, std::erase_if(before, isLocked));
+    if (!before.empty()) return before;
+  }
+  SelectOptions options;
+  options.skipLocked = skipLocked;
+  return prompter.select(options).value;
+}
+
 void addHostCommands(CommandStack& commands) {
-  for (const auto& group : {fileCommands(), editCommands(), drawCommands(), layerCommands(), inspectCommands(),
-                            dialogCommands(), helpCommands()}) {
+  for (const auto& group : {fileCommands(), editCommands(), changeCommands(), drawCommands(), textCommands(),
+                            layerCommands(), inspectCommands(), measureCommands(), dialogCommands(), helpCommands()}) {
     for (const HostCommand& command : group)
       commands.addBuiltIn(command.name, command.flags, command.handler, command.help);
   }
   static constexpr const wchar_t* kAliases[][2] = {
       {L"E", L"ERASE"},    {L"L", L"LINE"},     {L"PL", L"PLINE"},  {L"LA", L"LAYER"}, {L"LT", L"LINETYPE"},
       {L"LI", L"LIST"},    {L"LO", L"LAYOUT"},  {L"RE", L"REGEN"},  {L"Z", L"ZOOM"},   {L"SET", L"SETVAR"},
-      {L"SCR", L"SCRIPT"}, {L"SAVE", L"QSAVE"}, {L"EXIT", L"QUIT"}, {L"?", L"HELP"},
+      {L"SCR", L"SCRIPT"}, {L"SAVE", L"QSAVE"}, {L"EXIT", L"QUIT"}, {L"?", L"HELP"},   {L"M", L"MOVE"},
+      {L"CO", L"COPY"},    {L"CP", L"COPY"},    {L"RO", L"ROTATE"}, {L"J", L"JOIN"},   {L"CH", L"CHPROP"},
+      {L"T", L"TEXT"},     {L"DT", L"TEXT"},    {L"DI", L"DIST"},   {L"AA", L"AREA"},  {L"SAVES", L"SAVESCRIPT"},
   };
   for (const auto& [alias, name] : kAliases) commands.addAlias(alias, name);
 }

@@ -1,4 +1,5 @@
 // Commands about files: drawings, modules, scripts.
+#include "Dxf/DxfFile.h"
 #include "Editor/Commands/HostCommands.h"
 #include "Editor/ScriptInput.h"
 #include "Editor/Selection/Spaces.h"
@@ -215,6 +216,27 @@ void script(Prompter& prompter) {
   runScript(prompter, found);
 }
 
+void saveScript(Prompter& prompter) {
+  Session& session = prompter.session();
+  const auto typed = askFile(prompter, L"Enter name of script to save: ");
+  if (!typed) return;
+  std::filesystem::path file = *typed;
+  if (file.extension().empty()) file += ".scr";
+  const Document& document = *session.documents().current();
+  const std::string name = std::filesystem::path(text::toUtf8(document.fileName())).filename().string();
+  for (const auto& open : session.documents().all()) {
+    if (!open->isOf(file)) continue;
+    prompter.fail(problemOf(Code::OutputRefused, file.string(), "this drawing is open"));
+    return;
+  }
+  const std::string script = document.recording.script("What was done with " + name);
+  if (const Result<> written = dxf::writeFileWhole(file, script); !written) {
+    prompter.fail(written.problem());
+    return;
+  }
+  prompter.line(L"Saved " + wide(file));
+}
+
 void delay(Prompter& prompter) {
   Limits limits;
   limits.bits = RSG_NONULL | RSG_NONEG;
@@ -246,6 +268,8 @@ constexpr HostCommand kCommands[] = {
     {L"ARX", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, arx, L"loads, unloads and lists modules and their commands"},
     {L"SCRIPT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, script,
      L"runs a file of commands and answers; one U takes all of it back"},
+    {L"SAVESCRIPT", ACRX_CMD_NO_UNDO_MARKER, saveScript,
+     L"saves the commands and answers since the drawing was opened as a script"},
     {L"DELAY", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER | ACRX_CMD_TRANSPARENT, delay,
      L"waits in other hosts; here it only takes its number"},
     {L"RSCRIPT", ACRX_CMD_SESSION | ACRX_CMD_NO_UNDO_MARKER, repeatScript, L"runs the last script again"},

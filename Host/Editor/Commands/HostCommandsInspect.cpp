@@ -70,7 +70,7 @@ void listEntity(Prompter& prompter, Slot& slot) {
 void list(Prompter& prompter) {
   Session& session = prompter.session();
   std::vector<Slot*> entities;
-  if (session.runner().mayTakePickfirst()) entities = std::exchange(session.documents().current()->pickfirst, {});
+  if (session.runner().mayTakePickfirst()) entities = session.takePickfirst();
   if (entities.empty()) entities = prompter.select().value;
   for (Slot* entity : entities) {
     if (!entity->isErased()) listEntity(prompter, *entity);
@@ -117,12 +117,21 @@ geometry::Box boxAbout(double x, double y, double width, double height) {
   return box;
 }
 
+/// Gives the drawing another view; an empty box is its extents.
+void setView(Prompter& prompter, const geometry::Box& view) {
+  Document& document = *prompter.session().documents().current();
+  document.view = view;
+  // A window answers with what it shows then.
+  document.screen = {};
+  prompter.session().observer().showView(view);
+}
+
 void show(Prompter& prompter, const geometry::Box& view) {
   Document& document = *prompter.session().documents().current();
   constexpr std::size_t kRemembered = 10;
-  document.formerViews.push_back(document.view);
+  document.formerViews.push_back(document.screen.isEmpty() ? document.view : document.screen);
   if (document.formerViews.size() > kRemembered) document.formerViews.erase(document.formerViews.begin());
-  document.view = view;
+  setView(prompter, view);
 }
 
 void showWindow(Prompter& prompter, const AcGePoint3d& a, const AcGePoint3d& b) {
@@ -166,14 +175,32 @@ void zoomCenter(Prompter& prompter) {
   show(prompter, boxAbout(center.value.x, center.value.y, width, wanted));
 }
 
+/// Around the objects selected, before the command or now.
+void zoomObjects(Prompter& prompter) {
+  Document& document = *prompter.session().documents().current();
+  std::vector<Slot*> entities = document.pickfirst;
+  if (entities.empty()) entities = prompter.select().value;
+  geometry::Box box;
+  for (const Slot* entity : entities) {
+    const geometry::Box own = entity->isErased() ? geometry::Box() : geometry::entityExtents(*entity);
+    if (!own.isEmpty()) box.add(own);
+  }
+  if (entities.empty()) return;
+  if (box.isEmpty()) {
+    prompter.line(L"The objects have no extents.");
+    return;
+  }
+  show(prompter, box);
+}
+
 void zoom(Prompter& prompter) {
   Document& document = *prompter.session().documents().current();
   Limits limits;
   limits.bits = RSG_OTHER;
-  limits.keywords = Keywords(L"All Center Extents Previous Scale Window");
+  limits.keywords = Keywords(L"All Center Extents Previous Scale Window Object");
   for (;;) {
     const auto reply = prompter.point(
-        L"Specify corner of window, enter a scale factor (nX), or [All/Center/Extents/Previous/Scale/Window]: ",
+        L"Specify corner of window, enter a scale factor (nX), or [All/Center/Extents/Previous/Scale/Window/Object]: ",
         limits);
     if (reply.outcome == Outcome::Cancel || reply.outcome == Outcome::Enter) return;
     Limits needed;
@@ -189,14 +216,17 @@ void zoom(Prompter& prompter) {
       if (document.formerViews.empty()) {
         prompter.line(L"No previous view.");
       } else {
-        document.view = document.formerViews.back();
+        const geometry::Box former = document.formerViews.back();
         document.formerViews.pop_back();
+        setView(prompter, former);
       }
     } else if (reply.keyword == L"Window") {
       const auto first = prompter.point(L"Specify first corner: ", needed);
       if (!first) return;
       const auto second = prompter.point(L"Specify opposite corner: ", needed);
       if (second) showWindow(prompter, first.value, second.value);
+    } else if (reply.keyword == L"Object") {
+      zoomObjects(prompter);
     } else if (reply.keyword == L"Scale") {
       const auto factor = prompter.word(L"Enter a scale factor (nX): ", needed);
       if (factor) scaleByText(prompter, factor.value);

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "Editor/Commands/HostCommands.h"
+#include "Editor/Commands/Lookup.h"
 #include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "dbobjptr.h"
@@ -34,15 +35,6 @@ std::vector<Slot*> matchingRecords(const database::DrawingDatabase& drawing, Dxf
     if (!record->isErased() && text::matchesWildcard(drawing.recordName(*record), list)) found.push_back(record);
   }
   return found;
-}
-
-/// Linetype of the name, loaded from the drawing's linetype file when it is not there yet; null when it is in neither.
-Slot* linetypeOf(Prompter& prompter, const std::wstring& name) {
-  database::DrawingDatabase& drawing = drawingOf(prompter);
-  if (Slot* const loaded = drawing.findRecord(DxfType::LineType, name)) return loaded;
-  const bool metric = facadeOf(prompter).measurement() == AcDb::kMetric;
-  acdbLoadLineTypeFile(name.c_str(), metric ? L"acadiso.lin" : L"acad.lin", &facadeOf(prompter));
-  return drawing.findRecord(DxfType::LineType, name);
 }
 
 // ---- LAYER ----------------------------------------------------------------------------------------------------------
@@ -195,7 +187,7 @@ class LayerDialogue {
     std::wstring typed;
     const bool goOn = ask(L"Enter loaded linetype name <Continuous>: ", [&](auto& name) {
       typed = name;
-      linetype = linetypeOf(prompter_, name);
+      linetype = linetypeByName(prompter_, name);
       return linetype != nullptr || refused(L"Cannot find linetype \"" + name + L"\".");
     });
     if (!goOn || stopped_) return false;
@@ -211,11 +203,10 @@ class LayerDialogue {
   bool lineweight() {
     int weight = AcDb::kLnWtByLwDefault;
     const bool goOn = ask(L"Enter lineweight (0.00mm - 2.11mm) <Default>: ", [&](auto& text) {
-      if (text::equalFolded(text, L"Default")) return true;
-      const auto millimetres = parseNumber(text);
-      if (!millimetres || *millimetres < 0 || *millimetres > 2.11)
+      const std::optional<int> parsed = parseLineweight(text);
+      if (!parsed || *parsed == AcDb::kLnWtByLayer || *parsed == AcDb::kLnWtByBlock)
         return refused(L"Requires a lineweight from 0.00 to 2.11 mm.");
-      weight = static_cast<int>(std::lround(*millimetres * 100));
+      weight = *parsed;
       return true;
     });
     if (!goOn || stopped_) return false;
@@ -261,7 +252,7 @@ bool setLinetype(Prompter& prompter) {
       prompter.word(L"Specify linetype name or [?] <" + std::get<std::wstring>(variables.get(current)) + L">: ");
   if (name.outcome == Outcome::Cancel) return false;
   if (!name) return true;
-  if (linetypeOf(prompter, name.value) == nullptr) {
+  if (linetypeByName(prompter, name.value) == nullptr) {
     linetypeMissing(prompter, name.value);
     return false;
   }
@@ -321,5 +312,23 @@ constexpr HostCommand kCommands[] = {
 }  // namespace
 
 std::span<const HostCommand> layerCommands() { return kCommands; }
+
+Slot* linetypeByName(Prompter& prompter, const std::wstring& name) {
+  database::DrawingDatabase& drawing = drawingOf(prompter);
+  if (Slot* const loaded = drawing.findRecord(DxfType::LineType, name)) return loaded;
+  const bool metric = facadeOf(prompter).measurement() == AcDb::kMetric;
+  acdbLoadLineTypeFile(name.c_str(), metric ? L"acadiso.lin" : L"acad.lin", &facadeOf(prompter));
+  return drawing.findRecord(DxfType::LineType, name);
+}
+
+std::optional<int> parseLineweight(std::wstring_view text) {
+  constexpr double kWidest = 2.11;  // mm
+  if (text::equalFolded(text, L"ByLayer")) return AcDb::kLnWtByLayer;
+  if (text::equalFolded(text, L"ByBlock")) return AcDb::kLnWtByBlock;
+  if (text::equalFolded(text, L"Default")) return AcDb::kLnWtByLwDefault;
+  const std::optional<double> millimetres = parseNumber(text);
+  if (!millimetres || *millimetres < 0 || *millimetres > kWidest) return std::nullopt;
+  return static_cast<int>(std::lround(*millimetres * 100));
+}
 
 }  // namespace host::editor

@@ -34,6 +34,7 @@ Question Limits::question(std::wstring_view prompt, AnswerForm form, Wanted want
   if (!keywords.isEmpty()) question.keywords = &keywords;
   question.base = base;
   question.takesEnter = (bits & RSG_NONULL) == 0;
+  question.takesNumber = (bits & RSG_OTHER) != 0;
   return question;
 }
 
@@ -91,6 +92,7 @@ Reply<AcGePoint3d> Prompter::point(std::wstring_view prompt, const Limits& limit
                          }
                          return parsePoint(answer.text, origin);
                        });
+  if (reply) session_.recording().wasPoint(reply.value);
   if (reply && (limits.bits & RSG_2D) != 0) reply.value.z = 0;
   if (reply && document != nullptr) document->lastPoint = reply.value;
   return reply;

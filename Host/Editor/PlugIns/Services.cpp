@@ -96,9 +96,17 @@ bool ProgressMeter::move(int position) {
   if (!isShown_) return false;
   const long long wanted = position >= 0 ? position : static_cast<long long>(position_) - position;
   position_ = static_cast<int>(std::clamp<long long>(wanted, minimum_, maximum_));
+  repeat();
+  return true;
+}
+
+void ProgressMeter::repeat() {
+  if (!isShown_) {
+    session_.observer().working();
+    return;
+  }
   const double range = static_cast<double>(maximum_) - minimum_;
   session_.observer().showProgress(label_, range > 0 ? (static_cast<double>(position_) - minimum_) / range : 1);
-  return true;
 }
 
 void ProgressMeter::hide() {
@@ -246,7 +254,10 @@ int acedSetStatusBarProgressMeter(const ACHAR* label, int min, int max) {
 }
 
 int acedSetStatusBarProgressMeterPos(int position) {
-  return host::editor::Session::instance().meter().move(position) ? 0 : -1;
+  host::editor::Session& session = host::editor::Session::instance();
+  const bool isShown = session.meter().move(position);
+  session.runner().atWork();
+  return isShown ? 0 : -1;
 }
 
 void acedRestoreStatusBar() { host::editor::Session::instance().meter().hide(); }

@@ -80,6 +80,8 @@ class ProgressMeter {
   void show(std::wstring label, int minimum, int maximum);
   /// A negative position moves on by that much. False when no meter is shown.
   bool move(int position);
+  /// Shows it again as it is; without one the observer hears that work goes on.
+  void repeat();
   /// Takes it away if it is shown.
   void hide();
   /// Takes it away without telling the observer, which may be gone.

@@ -1,5 +1,6 @@
 // "Select object" and "Select objects".
 #include <algorithm>
+#include <set>
 #include <unordered_set>
 
 #include "Editor/Prompter.h"
@@ -14,7 +15,7 @@ using database::Slot;
 using geometry::Point;
 
 constexpr std::wstring_view kOptions =
-    L"Window Last Crossing BOX ALL Fence WPolygon CPolygon Group Add Remove Multiple Previous Undo AUto SIngle";
+    L"Window Last Crossing BOX ALL Fence WPolygon CPolygon Group Add Remove Multiple Previous Undo AUto SIngle SAme";
 constexpr std::wstring_view kInvalid =
     L"*Invalid selection*  Expects a point or "
     L"Window/Last/Crossing/BOX/ALL/Fence/WPolygon/CPolygon/Group/Add/Remove/Multiple/Previous/Undo/AUto/SIngle";
@@ -81,6 +82,7 @@ class Selection {
   }
 
   bool isEmpty() const { return members_.empty(); }
+  const std::vector<Slot*>& members() const { return members_; }
   std::vector<Slot*> release() { return std::move(members_); }
 
   bool removing = false;
@@ -191,14 +193,22 @@ class Selector {
     document.lastPoint = point;
     std::vector<Slot*> found = session_.finder().at(document.drawing(), session_.currentSpace(), flat(point),
                                                     pickAperture(session_), options_.everything);
-    if (!found.empty() || !pointedAt) return take(std::move(found), true, at(point));
+    if (!found.empty() || !pointedAt) {
+      session_.recording().wereEntities(found);
+      return take(std::move(found), true, at(point));
+    }
     // Pointing at nothing opens a window: to the right inside, to the left crossing.
     Limits limits;
     limits.base = point;
     const Reply<AcGePoint3d> corner = prompter_.point(L"Specify opposite corner: ", limits);
-    if (!corner) return corner.outcome == Outcome::Enter;
-    return window(point, corner.value,
-                  corner.value.x >= point.x ? geometry::Window::Inside : geometry::Window::Crossing);
+    if (!corner) {
+      // The corner is left out with its point: a script has nothing to point at.
+      session_.recording().wasNoWindow(corner.outcome == Outcome::Enter);
+      return corner.outcome == Outcome::Enter;
+    }
+    const bool isCrossing = corner.value.x < point.x;
+    session_.recording().wasWindow(point, corner.value, isCrossing);
+    return window(point, corner.value, isCrossing ? geometry::Window::Crossing : geometry::Window::Inside);
   }
 
   bool window(const AcGePoint3d& a, const AcGePoint3d& b, geometry::Window kind) {
@@ -264,12 +274,29 @@ class Selector {
     return true;
   }
 
+  /// All of the kinds and layers that are selected; asks for one of the kind while nothing is.
+  bool takeSame() {
+    std::vector<Slot*> models = selection_.members();
+    if (models.empty()) {
+      const Reply<EntityPick> model = prompter_.entity(L"Select object of the same kind: ");
+      if (model.outcome == Outcome::Cancel) return false;
+      if (!model || model.value.entity == nullptr) return true;
+      models = {model.value.entity};
+    }
+    std::set<std::pair<database::DxfType, std::uint32_t>> kinds;
+    for (const Slot* model : models) kinds.emplace(model->type, model->layer);
+    std::vector<Slot*> same = session_.finder().visibleNewestFirst(session_.currentSpace());
+    std::erase_if(same, [&kinds](const Slot* each) { return !kinds.contains({each->type, each->layer}); });
+    return take(std::move(same), false);
+  }
+
   bool option(std::wstring_view name) {
     Document& document = *session_.documents().current();
     if (name == L"Window" || name == L"Crossing" || name == L"BOX") return askWindow(name);
     if (name == L"WPolygon" || name == L"CPolygon" || name == L"Fence") return askPolygon(name);
     if (name == L"Group") return askGroup();
     if (name == L"ALL") return takeAll();
+    if (name == L"SAme") return takeSame();
     if (name == L"Last") {
       Slot* const last = lastEntity(session_);
       return take(last != nullptr ? std::vector<Slot*>{last} : std::vector<Slot*>{}, true);
@@ -359,8 +386,10 @@ Reply<EntityPick> Prompter::entity(std::wstring_view prompt, const Limits& limit
                                                               flat(*point), pickAperture(session_), false);
         if (!found.empty()) {
           reply.value.entity = found.front();
+          session_.recording().wereEntities({found.front()});
         } else {
           session_.foundNothing(at(*point));
+          if ((limits.bits & RSG_NONULL) == 0) session_.recording().wasNothing();
         }
       }
       document->lastPoint = reply.value.point;

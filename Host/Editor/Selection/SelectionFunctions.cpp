@@ -91,10 +91,7 @@ std::vector<Slot*> wholeDrawing(const host::database::DrawingDatabase& drawing, 
 /// The set selected before the command started; it is handed over once.
 std::vector<Slot*> takePickfirst(Session& session) {
   if (!session.runner().mayTakePickfirst()) return {};
-  std::vector<Slot*> set = session.documents().current()->pickfirst;
-  session.setPickfirst(*session.documents().current(), {});
-  std::erase_if(set, [](const Slot* entity) { return entity->isErased(); });
-  return set;
+  return session.takePickfirst();
 }
 
 /// Selections that need no questions; nothing when the method or its points are wrong.

@@ -1,6 +1,7 @@
 #include "Editor/Selection/Spaces.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "Editor/Session/Session.h"
 #include "Text/Text.h"
@@ -16,6 +17,7 @@ constexpr int kHistoryNotInteractive = 0x100000;
 
 geometry::Box currentView(Session& session) {
   Document& document = *session.documents().current();
+  if (!document.screen.isEmpty()) return document.screen;
   if (!document.view.isEmpty()) return document.view;
   geometry::Box extents = session.finder().extents(document.drawing(), session.currentSpace());
   if (extents.isEmpty()) {
@@ -32,7 +34,10 @@ double pickAperture(Session& session) {
   // Even a pick box of no size hits what the point lies on, within rounding.
   const double smallest =
       1e-9 * std::max({1.0, side, std::abs(view.maxX), std::abs(view.maxY), std::abs(view.minX), std::abs(view.minY)});
-  return std::max(side * pixels / EntityFinder::kScreenPixels, smallest);
+  const Document& document = *session.documents().current();
+  const double pixelSize =
+      document.screen.isEmpty() ? side / EntityFinder::kScreenPixels : (view.maxX - view.minX) / document.screenPixels;
+  return std::max(pixelSize * pixels, smallest);
 }
 
 std::vector<Slot*> selectAll(Session& session, std::size_t* locked) {
@@ -109,17 +114,12 @@ bool isArea(const Slot& slot) {
          slot.type == DxfType::Wipeout || slot.type == DxfType::Image;
 }
 
-}  // namespace
-
-std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
+/// What the monitors of the current document say of the entities there, topmost first.
+std::wstring monitorsSay(Session& session, const AcGePoint3d& point, const std::vector<Slot*>& found) {
   Document& document = *session.documents().current();
   AcArray<AcDbObjectId> entities;
   AcArrayObjectCopy<AcDbObjectIdArray> nested;
   AcArray<Adesk::GsMarker> markers;
-  std::vector<Slot*> found =
-      session.finder().at(document.drawing(), session.currentSpace(), {point.x, point.y}, pickAperture(session), true);
-  // A fill covers its outline: who points at the outline means that, not the area around it.
-  std::stable_partition(found.begin(), found.end(), [](const Slot* slot) { return !isArea(*slot); });
   for (Slot* slot : found) {
     entities.append(AcDbObjectId(slot));
     nested.append(AcDbObjectIdArray());
@@ -145,12 +145,32 @@ std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
   return tooltip;
 }
 
-std::wstring Application::tooltipAt(const AcGePoint3d& point) {
+/// The same at any time: objects that were opened for it go when no command runs.
+std::wstring askedAtRest(const std::function<std::wstring(Session&)>& ask) {
   Session& session = Session::instance();
   if (session.documents().current() == nullptr) return {};
-  std::wstring text = editor::tooltipAt(session, point);
+  std::wstring text = ask(session);
   if (session.runner().depth() == 0) session.documents().current()->drawing().releaseObjects();
   return text;
+}
+
+}  // namespace
+
+std::wstring tooltipAt(Session& session, const AcGePoint3d& point) {
+  std::vector<Slot*> found = session.finder().at(session.documents().current()->drawing(), session.currentSpace(),
+                                                 {point.x, point.y}, pickAperture(session), true);
+  // A fill covers its outline: who points at the outline means that, not the area around it.
+  std::stable_partition(found.begin(), found.end(), [](const Slot* slot) { return !isArea(*slot); });
+  return monitorsSay(session, point, found);
+}
+
+std::wstring Application::tooltipAt(const AcGePoint3d& point) {
+  return askedAtRest([&](Session& session) { return editor::tooltipAt(session, point); });
+}
+
+std::wstring Application::tooltipOf(Slot& entity, const AcGePoint3d& point) {
+  if (entity.isErased()) return {};
+  return askedAtRest([&](Session& session) { return monitorsSay(session, point, {&entity}); });
 }
 
 }  // namespace host::editor

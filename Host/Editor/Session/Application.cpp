@@ -49,6 +49,64 @@ std::vector<std::filesystem::path> Application::unsavedDrawings(Current current)
   return unsaved;
 }
 
+namespace {
+
+/// The document of an open drawing while no command runs; else null.
+Document* idleDocument(const database::DrawingDatabase& drawing) {
+  if (host().runner().depth() > 0) return nullptr;
+  for (const auto& document : host().documents().all()) {
+    if (&document->drawing() == &drawing) return document.get();
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::vector<Application::OpenDrawing> Application::drawings() const {
+  std::vector<OpenDrawing> all;
+  for (const auto& document : host().documents().all()) {
+    const std::filesystem::path name = text::toUtf8(document->fileName());
+    all.push_back({&document->drawing(), document->file(), text::fromUtf8(name.filename().string()),
+                   document->drawing().isModified(), document.get() == host().documents().current()});
+  }
+  return all;
+}
+
+bool Application::activateDrawing(const database::DrawingDatabase& drawing) {
+  Document* const document = idleDocument(drawing);
+  if (document != nullptr) host().documents().activate(*document);
+  return document != nullptr;
+}
+
+bool Application::closeDrawing(const database::DrawingDatabase& drawing) {
+  Document* const document = idleDocument(drawing);
+  if (document == nullptr) return false;
+  database::DrawingDatabase* const current = this->drawing();
+  host().closeDocument(*document);
+  if (current != &drawing && current != nullptr) activateDrawing(*current);
+  return true;
+}
+
+std::vector<std::wstring> Application::undoNames(std::size_t most) const {
+  const Document* const document = host().documents().current();
+  if (document == nullptr) return {};
+  return document->drawing().undoNames(most, host().input().scriptGroup().number);
+}
+
+std::vector<std::wstring> Application::redoNames(std::size_t most) const {
+  const Document* const document = host().documents().current();
+  if (document == nullptr) return {};
+  return document->drawing().redoNames(most, host().input().scriptGroup().number);
+}
+
+void Application::setView(const curves::Box& view, double pixels) {
+  Document* const document = host().documents().current();
+  if (document == nullptr) return;
+  const bool isView = !view.isEmpty() && pixels > 0;
+  document->screen = isView ? view : geometry::Box();
+  document->screenPixels = isView ? pixels : 0;
+}
+
 Result<> Application::saveDrawing(const std::filesystem::path& file) {
   Document* const document = host().documents().current();
   if (document == nullptr) return problemOf(Code::OutputFailed, file.string(), "no drawing is open");
@@ -146,7 +204,12 @@ bool writeDialogFile(std::wstring_view who, const std::filesystem::path& file, s
 }
 
 bool inputHasStopped() { return host().isStopping(); }
+bool commandIsAbandoned() { return host().runner().isAbandoned(); }
 bool dialogsAreWorkedByHand() { return host().options().dialogsByHand; }
+void dialogWorked(std::wstring_view what, std::wstring_view line, std::wstring_view edited) {
+  host().recording().dialogWorked(what, line, edited);
+}
+void dialogEscaped(std::wstring_view what) { host().recording().dialogCancelled(what); }
 void reportDialogProblem(const Problem& problem) { host().reportProblem(problem); }
 
 std::filesystem::path findFolder(const std::filesystem::path& folder) { return HostServices::findFolder(folder); }

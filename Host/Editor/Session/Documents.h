@@ -8,6 +8,7 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Editor/FileStamp.h"
+#include "Editor/Session/Recording.h"
 #include "Geometry/EntityPaths.h"
 #include "acdocman.h"
 
@@ -60,7 +61,10 @@ class Document final : public AcApDocument {
   std::vector<database::Slot*> pickfirst;
   geometry::Box view;  // empty until ZOOM: the extents then
   std::vector<geometry::Box> formerViews;
+  geometry::Box screen;     // what a window shows; empty without one
+  double screenPixels = 0;  // its width
   std::wstring currentLayout = L"Model";
+  Recording recording;
 
  private:
   std::unique_ptr<AcDbDatabase> database_;

@@ -1,6 +1,7 @@
 #include "Editor/Session/Session.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "Dxf/DxfFile.h"
 #include "Editor/Commands/HostCommands.h"
@@ -160,7 +161,7 @@ bool Session::switchLayout(std::wstring_view name) {
   for (const auto& [layout, block] : document.drawing().layouts()) {
     if (block != nullptr && text::equalFolded(layout, name)) {
       document.currentLayout = layout;
-      document.view = {};
+      document.view = document.screen = {};
       document.formerViews.clear();
       const int tileMode = isModel ? 1 : 0;
       if (document.drawing().headerInteger("$TILEMODE", 70).value_or(1) != tileMode)
@@ -179,6 +180,23 @@ void Session::setPickfirst(Document& document, std::vector<database::Slot*> enti
   if (entities.empty() && document.pickfirst.empty()) return;
   document.pickfirst = std::move(entities);
   observer().pickfirstChanged(document.pickfirst);
+}
+
+std::vector<database::Slot*> Session::takePickfirst() {
+  std::vector<database::Slot*> set = documents_.current()->pickfirst;
+  setPickfirst(*documents_.current(), {});
+  std::erase_if(set, [](const database::Slot* entity) { return entity->isErased(); });
+  if (set.empty()) return set;
+  documents_.current()->previousSelection = set;
+  const std::unordered_set<const database::Slot*> known(set.begin(), set.end());
+  const std::int64_t pickStyle = variables_.integer(L"PICKSTYLE");
+  const bool isWhole = (pickStyle & 1) == 0 || std::all_of(set.begin(), set.end(), [&](database::Slot* entity) {
+                         const std::vector<database::Slot*> group = finder_.withGroups(entity);
+                         return std::all_of(group.begin(), group.end(),
+                                            [&known](const database::Slot* each) { return known.contains(each); });
+                       });
+  recording().selectedBefore(set, isWhole, pickStyle);
+  return set;
 }
 
 // ---- messages -------------------------------------------------------------------------------------------------------
@@ -226,6 +244,7 @@ void Session::fail(Problem problem, Shown shown) {
     input_.failCode();
     return;
   }
+  recording().commandFailed();
   problem = placed(std::move(problem));
   if (isInteractive()) {
     hasFailed_ = true;
@@ -264,6 +283,7 @@ void Session::foundNothing(const std::wstring& where) {
 }
 
 bool Session::refuse(std::wstring_view sentence, Code code) {
+  recording().refused();
   transcript_.line(sentence);
   if (isInteractive()) return true;
   if (input_.isFromCode()) {
@@ -277,6 +297,11 @@ bool Session::refuse(std::wstring_view sentence, Code code) {
 }
 
 // ---- questions ------------------------------------------------------------------------------------------------------
+
+Recording& Session::recording() {
+  Document* const document = documents_.current();
+  return document != nullptr && !input_.isFromCode() ? document->recording : nobodysRecording_;
+}
 
 void Session::pushScript(const std::filesystem::path& file, std::unique_ptr<InputSource> script) {
   lastScript_ = file;
@@ -325,11 +350,20 @@ Answer Session::ask(const Question& question) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
   for (;;) {
-    if (isStopping()) return cancel;
+    recording().asked(question.prompt);
+    if (isInterrupted_) runner_.interruptionHeard();
+    if (isStopping()) {
+      recording().answered(question, cancel);
+      return cancel;
+    }
     runner_.questionAsked();
     transcript_.prompt(question.prompt);
     Answer answer = input_.pull(question);
-    if (isInterrupted_) answer.kind = Answer::Kind::Cancel;
+    if (isInterrupted_) {
+      answer.kind = Answer::Kind::Cancel;
+      runner_.interruptionHeard();
+    }
+    recording().answered(question, answer);
     if (answer.kind == Answer::Kind::End) answersRanOut(question.prompt);
     echo(answer);
     if (answer.kind == Answer::Kind::End) return cancel;
@@ -362,13 +396,18 @@ bool Session::runInstead(const std::shared_ptr<Command>& command) {
 Answer Session::dialogLine(std::wstring_view what) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
-  if (isStopping()) return cancel;
+  recording().asked(what);
+  if (isStopping()) {
+    recording().dialogCancelled(what);
+    return cancel;
+  }
   transcript_.prompt(std::wstring(what) + L": ");
   Question question;
   question.prompt = what;
   question.form = AnswerForm::Line;
   question.wanted = Wanted::Dialog;
   Answer answer = input_.pull(question);
+  recording().answered(question, answer);
   if (answer.kind != Answer::Kind::End) {
     transcript_.echo(answer.kind == Answer::Kind::Cancel ? L"*Cancel*" : answer.text);
     return answer;

@@ -64,6 +64,8 @@ class Session {
   /// Block of the current layout; the model space when the layout is gone.
   const database::BlockContents& currentSpace() const;
   void setPickfirst(Document& document, std::vector<database::Slot*> entities);
+  /// The living entities of the set selected before the command, which is handed over once.
+  std::vector<database::Slot*> takePickfirst();
 
   // ---- messages ---------------------------------------------------------------------------------------------------
   void reportProblem(const Problem& problem) const;
@@ -88,6 +90,8 @@ class Session {
   const std::wstring& lastInput() const { return lastInput_; }
   /// The user can be asked again.
   bool isInteractive() const { return input_.isInteractive(); }
+  /// What is recorded of the current drawing's user; of none where there is no drawing, or code answers.
+  Recording& recording();
   /// Runs a script from a file; RSCRIPT runs the last one again.
   void pushScript(const std::filesystem::path& file, std::unique_ptr<InputSource> script);
   const std::filesystem::path& lastScript() const { return lastScript_; }
@@ -113,6 +117,7 @@ class Session {
   void setQuitting(bool isQuitting) { isQuitting_ = isQuitting; }
   /// From signal handlers and other threads: the next question ends in Esc, and the script stops.
   static void interrupt() { isInterrupted_ = true; }
+  static bool isInterrupted() { return isInterrupted_; }
   static bool takeInterruption() { return isInterrupted_.exchange(false); }
 
  private:
@@ -141,6 +146,7 @@ class Session {
   SelectionSets sets_;
   EntityFinder finder_;
   Limits nextLimits_;
+  Recording nobodysRecording_;
   std::wstring lastInput_;
   std::filesystem::path lastScript_;
   std::optional<Problem> failure_;

@@ -28,7 +28,14 @@ VariableValue release(Session&) { return std::wstring(L"20.1"); }
 VariableValue date(Session&) { return 0.0; }
 VariableValue commandIsActive(Session& host) { return whole(host.runner().depth() > 0 ? 1 : 0); }
 VariableValue commandNames(Session& host) { return host.runner().names(); }
-VariableValue screenSize(Session&) { return AcGePoint3d(EntityFinder::kScreenPixels, EntityFinder::kScreenPixels, 0); }
+VariableValue screenSize(Session& host) {
+  const Document* const document = host.documents().current();
+  if (document == nullptr || document->screen.isEmpty())
+    return AcGePoint3d(EntityFinder::kScreenPixels, EntityFinder::kScreenPixels, 0);
+  const geometry::Box& view = document->screen;
+  const double shape = (view.maxY - view.minY) / (view.maxX - view.minX);
+  return AcGePoint3d(document->screenPixels, document->screenPixels * shape, 0);
+}
 VariableValue noText(Session&) { return std::wstring(); }
 VariableValue origin(Session&) { return AcGePoint3d(); }
 VariableValue xDirection(Session&) { return AcGePoint3d(1, 0, 0); }

@@ -21,12 +21,18 @@ class ADESK_EXPORT CAcUiEdit : public CAdUiEdit {};
 class ADESK_EXPORT CAcUiNumericEdit : public CAcUiEdit {
  public:
   BOOL Validate() override;
+
+ protected:
+  void PreSubclassWindow() override;
 };
 
 /// An angle in degrees, as a decimal number.
 class ADESK_EXPORT CAcUiAngleEdit : public CAcUiEdit {
  public:
   BOOL Validate() override;
+
+ protected:
+  void PreSubclassWindow() override;
 };
 
 class ADESK_EXPORT CAcUiComboBox : public CAdUiComboBox {};

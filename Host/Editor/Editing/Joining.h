@@ -1,0 +1,25 @@
+// Lines, arcs and polylines that meet, as polylines.
+#pragma once
+
+#include <vector>
+
+#include "Database/DrawingDatabase.h"
+
+namespace host::editor {
+
+struct JoinCounts {
+  std::size_t joined = 0;     // entities that became part of a polyline, those that only closed included
+  std::size_t polylines = 0;  // what they became
+  std::size_t closed = 0;     // of these
+  std::size_t open = 0;       // pieces and polylines whose ends stay free, what was joined included
+  std::size_t branches = 0;   // points where more than two ends meet: nothing is joined there
+  std::size_t unfit = 0;      // entities without ends, or not flat in plan: they stay as they are
+};
+
+/// Joins at points where exactly two ends meet, within a ten-thousandth of a unit. A polyline of the chain keeps its
+/// handle, layer and data, else a new one has the properties of the first piece; the others are erased, and fills that
+/// had them as boundaries are associative no more. What lies on a locked layer stays and is told to the drawing's
+/// observer.
+JoinCounts joinEntities(database::DrawingDatabase& drawing, const std::vector<database::Slot*>& entities);
+
+}  // namespace host::editor
