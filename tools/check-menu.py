@@ -13,6 +13,8 @@ import xml.etree.ElementTree
 
 PLUGIN = pathlib.Path("Projects/Tolmex")
 WINDOW = pathlib.Path("Host/Window")
+HOST = pathlib.Path("Host/Editor/Commands")
+PROGRAM = pathlib.Path("Programs/tolmex")
 COLUMNS = ["group", "command", "name_fi", "name_en", "tip_fi", "tip_en", "key", "typed", "icon", "colour", "layers",
            "double_click", "preview", "emptied"]
 PREVIEWS = {PLUGIN: r"parking-row( \d+(\.\d+)?){3}|roof-face [34]|block", WINDOW: r"next-piece|ghosts"}
@@ -149,6 +151,32 @@ def check_icons(folder: pathlib.Path, commands: list[Row]) -> None:
     faults.extend(f"{path}: no row uses it" for name, path in sorted(icons.items()) if name not in used)
 
 
+def host_commands() -> tuple[set[str], dict[str, str]]:
+    """The names of the host's commands and the program's own, and what the short names stand for."""
+    names: set[str] = set()
+    aliases: dict[str, str] = {}
+    for path in sorted(HOST.glob("HostCommands*.cpp")):
+        source = path.read_text(encoding="utf-8")
+        for table in re.findall(r"kCommands\[\] = \{(.*?)\n\};", source, re.DOTALL):
+            names.update(re.findall(r'\{L"([A-Z?]+)",', table))
+        for table in re.findall(r"kAliases\[\]\[2\] = \{(.*?)\n  \};", source, re.DOTALL):
+            aliases.update(re.findall(r'\{L"([A-Z?]+)", L"([A-Z]+)"\}', table))
+    for path in sorted(PROGRAM.glob("*.cpp")):
+        names.update(re.findall(r'addCommand\(\s*L"([A-Z]+)"', path.read_text(encoding="utf-8")))
+    return names, aliases
+
+
+def check_host_commands(commands: list[Row]) -> None:
+    """What the window writes into the command line is a command of the host, and so is each short form."""
+    names, aliases = host_commands()
+    for row in commands:
+        name = row["command"].split(",")[0]
+        if not row["command"].startswith("window:") and name not in names:
+            row.fault(f"the host has no command {name}")
+        if row["typed"] and aliases.get(row["typed"].upper()) != name:
+            row.fault(f'"{row["typed"]}" is no short name of {name}')
+
+
 def main() -> int:
     source = (PLUGIN / "tolmexCommands.cpp").read_text(encoding="utf-8")
     table = source[source.index("kCommands{{"):source.index("}};", source.index("kCommands{{"))]
@@ -164,6 +192,7 @@ def main() -> int:
     faults.extend(f"{PLUGIN / 'menu.tsv'}: no row for {name}" for name in registered if name not in shown)
     check_links(plugin_commands, layers)
 
+    check_host_commands(tables[WINDOW][1])
     for folder, (groups, commands) in tables.items():
         check_groups(folder, groups, commands)
         check_texts(folder, commands)

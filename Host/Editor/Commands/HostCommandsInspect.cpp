@@ -177,8 +177,7 @@ void zoomCenter(Prompter& prompter) {
 
 /// Around the objects selected, before the command or now.
 void zoomObjects(Prompter& prompter) {
-  Document& document = *prompter.session().documents().current();
-  std::vector<Slot*> entities = document.pickfirst;
+  std::vector<Slot*> entities = prompter.session().takePickfirst(Session::AfterUse::Keep);
   if (entities.empty()) entities = prompter.select().value;
   geometry::Box box;
   for (const Slot* entity : entities) {

@@ -186,8 +186,8 @@ class LayerDialogue {
     Slot* linetype = nullptr;
     std::wstring typed;
     const bool goOn = ask(L"Enter loaded linetype name <Continuous>: ", [&](auto& name) {
-      typed = name;
       linetype = linetypeByName(prompter_, name);
+      if (linetype != nullptr) typed = name;
       return linetype != nullptr || refused(L"Cannot find linetype \"" + name + L"\".");
     });
     if (!goOn || stopped_) return false;

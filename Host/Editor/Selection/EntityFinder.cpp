@@ -11,17 +11,47 @@ using database::Slot;
 
 bool hasEndlessShape(const Slot& entity) { return entity.type == DxfType::XLine || entity.type == DxfType::Ray; }
 
-/// Drawn by the entity's own tags alone, so that nothing but a change of its record moves it.
+/// Drawn by the entity's own tags and those of its vertices alone, so that nothing else moves it.
 bool drawsItself(const Slot& entity) {
   switch (entity.type) {
-    case DxfType::Insert:
-    case DxfType::Dimension:
-    case DxfType::Leader:
-    case DxfType::MultiLeader:
-    case DxfType::Table:
-      return false;
+    case DxfType::Line:
+    case DxfType::Point:
+    case DxfType::LwPolyline:
+    case DxfType::Polyline2d:
+    case DxfType::Polyline3d:
+    case DxfType::Circle:
+    case DxfType::Arc:
+    case DxfType::Ellipse:
+    case DxfType::Spline:
+    case DxfType::Solid:
+    case DxfType::Trace:
+    case DxfType::Face3d:
+    case DxfType::Hatch:
+    case DxfType::XLine:
+    case DxfType::Ray:
+    case DxfType::Wipeout:
+    case DxfType::Image:
+      return true;
     default:
-      return !entity.hasSubs() && (entity.flags & (database::kNew | database::kChanged)) == 0;
+      return false;
+  }
+}
+
+/// What no entity is drawn by: what hangs on objects, names and orders them.
+bool isUnseen(const Slot& object) {
+  switch (object.type) {
+    case DxfType::TableHead:
+    case DxfType::AppId:
+    case DxfType::Dictionary:
+    case DxfType::DictionaryWithDefault:
+    case DxfType::Group:
+    case DxfType::XRecord:
+    case DxfType::SortentsTable:
+    case DxfType::Layout:
+    case DxfType::Classes:
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -67,16 +97,38 @@ LayerState readLayerState(const Slot* record) {
 void EntityFinder::forget() { *this = EntityFinder(); }
 
 void EntityFinder::refresh(Drawing& drawing) {
-  if (drawing_ != &drawing) {
+  if (drawing_ == &drawing && changeCount_ == drawing.changeCount()) return;
+  const bool isOther = drawing_ != &drawing;
+  std::optional<std::vector<const Slot*>> changed = drawing.takeChangedSlots();
+  if (isOther || !changed) {
     forget();
     drawing_ = &drawing;
-  } else if (changeCount_ == drawing.changeCount()) {
-    return;
+  } else {
+    follow(drawing, *changed);
   }
   changeCount_ = drawing.changeCount();
-  layers_.clear();
+}
+
+void EntityFinder::follow(const Drawing& drawing, const std::vector<const Slot*>& changed) {
   orders_.clear();
-  boxes_.clear();
+  std::unordered_set<const Slot*> spaces;
+  for (const auto& [name, block] : drawing.layouts()) {
+    if (block != nullptr) spaces.insert(block->record);
+  }
+  bool othersStay = true;
+  for (const Slot* slot : changed) {
+    if (isUnseen(*slot)) continue;
+    if (slot->type == DxfType::Layer) layers_.clear();
+    const Slot* entity = slot;
+    while (entity != nullptr && entity->isSubEntity()) entity = entity->owner;
+    if (entity != nullptr && entity->isEntity() && spaces.contains(entity->owner)) {
+      ownBoxes_.erase(entity);
+      dependentBoxes_.erase(entity);
+    } else {
+      othersStay = false;
+    }
+  }
+  if (!othersStay) dependentBoxes_.clear();
 }
 
 LayerState EntityFinder::layerState(const Slot& entity) {
@@ -103,7 +155,7 @@ std::vector<Slot*> EntityFinder::visibleNewestFirst(const Space& space) {
 
 const geometry::Box& EntityFinder::boxOf(const Slot& entity) {
   refresh(entity.database());
-  auto& cache = drawsItself(entity) ? fileBoxes_ : boxes_;
+  auto& cache = drawsItself(entity) ? ownBoxes_ : dependentBoxes_;
   if (const auto found = cache.find(&entity); found != cache.end()) return found->second;
   return cache.emplace(&entity, geometry::entityExtents(entity)).first->second;
 }
@@ -114,7 +166,7 @@ const EntityFinder::Order& EntityFinder::order(Drawing& drawing, const Space& sp
   Order order;
   order.entities = drawing.drawOrder(space);
   order.boxes.reserve(order.entities.size());
-  fileBoxes_.reserve(order.entities.size());
+  ownBoxes_.reserve(order.entities.size());
   for (const Slot* entity : order.entities) {
     const geometry::Box& box = boxOf(*entity);
     order.boxes.push_back(box);

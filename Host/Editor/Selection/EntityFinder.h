@@ -18,7 +18,8 @@ struct LayerState {
   bool off = false, frozen = false, locked = false;
 };
 
-/// Answers about one drawing at a time, with caches that follow its change counter.
+/// Answers about one drawing at a time. What it knows is kept over commands; of what they change it forgets what the
+/// change may have moved.
 class EntityFinder {
  public:
   using Slot = database::Slot;
@@ -49,6 +50,7 @@ class EntityFinder {
 
  private:
   void refresh(Drawing& drawing);
+  void follow(const Drawing& drawing, const std::vector<const Slot*>& changed);
   const geometry::Box& boxOf(const Slot& entity);
   /// Entities of a space in draw order, with their boxes.
   struct Order {
@@ -60,10 +62,10 @@ class EntityFinder {
 
   const Drawing* drawing_ = nullptr;
   std::uint64_t changeCount_ = 0;
-  std::vector<std::optional<LayerState>> layers_;             // by layer number
-  std::unordered_map<const Slot*, Order> orders_;             // by block record
-  std::unordered_map<const Slot*, geometry::Box> fileBoxes_;  // of entities that are as in the file
-  std::unordered_map<const Slot*, geometry::Box> boxes_;      // of the others, until the next change
+  std::vector<std::optional<LayerState>> layers_;                  // by layer number
+  std::unordered_map<const Slot*, Order> orders_;                  // by block record
+  std::unordered_map<const Slot*, geometry::Box> ownBoxes_;        // of entities that are drawn by their own tags alone
+  std::unordered_map<const Slot*, geometry::Box> dependentBoxes_;  // of the others
 };
 
 }  // namespace host::editor

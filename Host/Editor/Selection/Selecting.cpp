@@ -200,14 +200,15 @@ class Selector {
     // Pointing at nothing opens a window: to the right inside, to the left crossing.
     Limits limits;
     limits.base = point;
+    const std::size_t place = session_.recording().place();
     const Reply<AcGePoint3d> corner = prompter_.point(L"Specify opposite corner: ", limits);
     if (!corner) {
       // The corner is left out with its point: a script has nothing to point at.
-      session_.recording().wasNoWindow(corner.outcome == Outcome::Enter);
+      session_.recording().wasNoWindow(place, corner.outcome == Outcome::Enter);
       return corner.outcome == Outcome::Enter;
     }
     const bool isCrossing = corner.value.x < point.x;
-    session_.recording().wasWindow(point, corner.value, isCrossing);
+    session_.recording().wasWindow(place, isCrossing);
     return window(point, corner.value, isCrossing ? geometry::Window::Crossing : geometry::Window::Inside);
   }
 

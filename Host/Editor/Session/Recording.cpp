@@ -132,12 +132,13 @@ void Recording::selectedBefore(const std::vector<database::Slot*>& entities, boo
 
 // ---- answers --------------------------------------------------------------------------------------------------------
 
-void Recording::asked(std::wstring_view prompt) {
+void Recording::asked(std::wstring_view prompt, std::size_t depth) {
+  asked_ = std::to_wstring(depth) + L":" + std::wstring(prompt);
   if (!isOpen() || !isRefused_) return;
   isRefused_ = false;
   // What led to the refusal began with the last answer to the same question.
   std::size_t i = lines_.size();
-  while (i > begin_ + 1 && lines_[i - 1].prompt != prompt) --i;
+  while (i > begin_ + 1 && lines_[i - 1].prompt != asked_) --i;
   const bool isFound = i > begin_ + 1;
   if (isFound) {
     lines_.resize(i - 1);
@@ -166,7 +167,7 @@ void Recording::answered(const Question& question, const Answer& answer) {
       if (answer.entity.slot() != nullptr) text = handent(*answer.entity.slot());
       break;
   }
-  add(std::move(text), question.prompt);
+  add(std::move(text), asked_);
 }
 
 void Recording::replaceLast(std::wstring text) {
@@ -184,19 +185,18 @@ void Recording::wereEntities(const std::vector<database::Slot*>& entities) {
 
 void Recording::wasNothing() { replaceLast({}); }
 
-void Recording::wasWindow(const AcGePoint3d& first, const AcGePoint3d& second, bool isCrossing) {
-  if (!isOpen() || lines_.size() <= begin_ + 2) return;
-  const std::wstring prompt = lines_[lines_.size() - 2].prompt;
-  lines_.resize(lines_.size() - 2);
-  add(isCrossing ? L"C" : L"W", prompt);
-  add(spelledPoint(first));
-  add(spelledPoint(second));
+void Recording::wasWindow(std::size_t corner, bool isCrossing) {
+  if (!isOpen() || corner <= begin_ + 1 || corner > lines_.size()) return;
+  Line option = lines_[corner - 1];
+  option.text = isCrossing ? L"C" : L"W";
+  lines_[corner - 1].prompt.clear();
+  lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(corner - 1), std::move(option));
 }
 
-void Recording::wasNoWindow(bool goesOn) {
-  if (!isOpen() || lines_.size() <= begin_ + 2) return;
-  lines_.erase(lines_.end() - 2);
+void Recording::wasNoWindow(std::size_t corner, bool goesOn) {
+  if (!isOpen() || corner <= begin_ + 1 || corner >= lines_.size()) return;
   if (goesOn) lines_.pop_back();
+  lines_.erase(lines_.begin() + static_cast<std::ptrdiff_t>(corner - 1));
 }
 
 // ---- dialogs --------------------------------------------------------------------------------------------------------

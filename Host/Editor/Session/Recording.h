@@ -34,17 +34,19 @@ class Recording {
   void selectedBefore(const std::vector<database::Slot*>& entities, bool isWhole, std::int64_t pickStyle);
 
   // ---- answers ----
-  /// A question is about to be asked: what was refused is taken out.
-  void asked(std::wstring_view prompt);
+  /// A question is about to be asked, so many commands deep: what was refused is taken out.
+  void asked(std::wstring_view prompt, std::size_t depth);
   void answered(const Question& question, const Answer& answer);
   /// The last answer was this point, these entities, nothing that could be found.
   void wasPoint(const AcGePoint3d& point);
   void wereEntities(const std::vector<database::Slot*>& entities);
   void wasNothing();
-  /// The last two answers were the corners of a window.
-  void wasWindow(const AcGePoint3d& first, const AcGePoint3d& second, bool isCrossing);
-  /// The last two were the first corner of a window and no second one.
-  void wasNoWindow(bool goesOn);
+  /// The answer before `corner` began a window, and the last one ended it; transparent commands may stand between.
+  void wasWindow(std::size_t corner, bool isCrossing);
+  /// It began one that never had a second corner. `goesOn`: the question was left with Enter, and the command asks on.
+  void wasNoWindow(std::size_t corner, bool goesOn);
+  /// Where the next answer will stand.
+  std::size_t place() const { return lines_.size(); }
   void refused() { isRefused_ = true; }
 
   // ---- dialogs worked by hand ----
@@ -59,7 +61,7 @@ class Recording {
  private:
   struct Line {
     std::wstring text;
-    std::wstring prompt;  // of the question; empty for a command
+    std::wstring prompt;  // of the question, with its depth; empty for a command
   };
   void add(std::wstring text, std::wstring_view prompt = {});
   void repeated(std::wstring_view command, std::size_t steps);
@@ -67,6 +69,7 @@ class Recording {
   void replaceLast(std::wstring text);
 
   std::vector<Line> lines_;
+  std::wstring asked_;     // the question that is being answered
   std::size_t begin_ = 0;  // of the running command
   std::uint64_t changes_ = 0;
   bool isRunning_ = false, isSilent_ = false, isRefused_ = false, hasFailed_ = false;

@@ -182,9 +182,9 @@ void Session::setPickfirst(Document& document, std::vector<database::Slot*> enti
   observer().pickfirstChanged(document.pickfirst);
 }
 
-std::vector<database::Slot*> Session::takePickfirst() {
+std::vector<database::Slot*> Session::takePickfirst(AfterUse after) {
   std::vector<database::Slot*> set = documents_.current()->pickfirst;
-  setPickfirst(*documents_.current(), {});
+  if (after == AfterUse::Forget) setPickfirst(*documents_.current(), {});
   std::erase_if(set, [](const database::Slot* entity) { return entity->isErased(); });
   if (set.empty()) return set;
   documents_.current()->previousSelection = set;
@@ -350,7 +350,7 @@ Answer Session::ask(const Question& question) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
   for (;;) {
-    recording().asked(question.prompt);
+    recording().asked(question.prompt, runner_.depth());
     if (isInterrupted_) runner_.interruptionHeard();
     if (isStopping()) {
       recording().answered(question, cancel);
@@ -396,7 +396,7 @@ bool Session::runInstead(const std::shared_ptr<Command>& command) {
 Answer Session::dialogLine(std::wstring_view what) {
   Answer cancel;
   cancel.kind = Answer::Kind::Cancel;
-  recording().asked(what);
+  recording().asked(what, runner_.depth());
   if (isStopping()) {
     recording().dialogCancelled(what);
     return cancel;

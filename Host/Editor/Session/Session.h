@@ -64,8 +64,9 @@ class Session {
   /// Block of the current layout; the model space when the layout is gone.
   const database::BlockContents& currentSpace() const;
   void setPickfirst(Document& document, std::vector<database::Slot*> entities);
-  /// The living entities of the set selected before the command, which is handed over once.
-  std::vector<database::Slot*> takePickfirst();
+  /// The living entities of the set selected before the command, which is handed over once; views leave it selected.
+  enum class AfterUse { Forget, Keep };
+  std::vector<database::Slot*> takePickfirst(AfterUse after = AfterUse::Forget);
 
   // ---- messages ---------------------------------------------------------------------------------------------------
   void reportProblem(const Problem& problem) const;
