@@ -63,11 +63,11 @@ class QtSystem final : public win32::WidgetSystem {
   void waitForEvents() override { QApplication::processEvents(QEventLoop::WaitForMoreEvents); }
 
   std::wstring askFolder(HostWindow* parent, std::wstring_view title) override {
-    return QFileDialog::getExistingDirectory(widgetOf(parent), toQt(title)).toStdWString();
+    return QFileDialog::getExistingDirectory(parentFor(parent), toQt(title)).toStdWString();
   }
 
   int messageBox(HostWindow* parent, std::wstring_view text, std::wstring_view caption, UINT type) override {
-    QMessageBox box(widgetOf(parent));
+    QMessageBox box(parentFor(parent));
     box.setWindowTitle(toQt(caption));
     box.setText(toQt(text));
     const UINT kind = type & MB_TYPEMASK;
@@ -101,7 +101,7 @@ class QtSystem final : public win32::WidgetSystem {
     const QFileDialog::Options options =
         question.asksBeforeOverwriting ? QFileDialog::Options() : QFileDialog::DontConfirmOverwrite;
     const bool isPattern = question.name.find_first_of(L"*?") != std::wstring::npos;
-    return QFileDialog::getSaveFileName(widgetOf(parent), toQt(question.title),
+    return QFileDialog::getSaveFileName(parentFor(parent), toQt(question.title),
                                         isPattern ? QString() : toQt(question.name), filters.join(";;"), nullptr,
                                         options)
         .toStdWString();

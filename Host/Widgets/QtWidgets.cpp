@@ -9,6 +9,7 @@
 #include <QDialog>
 #include <QFrame>
 #include <QGroupBox>
+#include <QHash>
 #include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
@@ -19,6 +20,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QStylePainter>
 #include <QStyledItemDelegate>
@@ -133,6 +135,24 @@ QPixmap framed(const QPixmap& inside, const QWidget& window) {
   return whole;
 }
 
+/// Where dialogs were left, by their titles.
+QHash<QString, QPoint>& formerPlaces() {
+  static QHash<QString, QPoint> places;
+  return places;
+}
+
+/// At the right edge of the plan, or of the front end's window; where it was left before.
+QPoint openingPlace(const QDialog& dialog, const QWidget& window) {
+  if (const auto left = formerPlaces().constFind(dialog.windowTitle()); left != formerPlaces().constEnd()) return *left;
+  constexpr int kMargin = 12;
+  const QRect given = qApp->property(win32::kDialogPlaceProperty).toRect();
+  const QRect area = given.isValid() ? given : QRect(window.mapToGlobal(QPoint()), window.size());
+  const QRect screen = window.screen()->availableGeometry();
+  const int x = area.right() - dialog.width() - kMargin;
+  return {std::clamp(x, screen.left(), std::max(screen.right() - dialog.width(), screen.left())),
+          std::clamp(area.top() + kMargin, screen.top(), std::max(screen.bottom() - dialog.height(), screen.top()))};
+}
+
 class Dialog final : public Typed<DialogWindow> {
  public:
   Dialog(DialogWindow* dialog, Shown shown, bool isResizable)
@@ -153,6 +173,9 @@ class Dialog final : public Typed<DialogWindow> {
     if (stacking == win32::Stacking::Bottom && shown_ == Shown::OnScreen) t_.lower();
   }
   void setVisible(bool visible) override {
+    const QWidget* const window = shown_ == Shown::OnScreen ? mainWindow() : nullptr;
+    if (window != nullptr && visible && !t_.isVisible()) t_.move(openingPlace(t_, *window));
+    if (window != nullptr && !visible && t_.isVisible()) formerPlaces()[t_.windowTitle()] = t_.pos();
     t_.setVisible(visible);
     if (visible) handleWaitingEvents();
   }
@@ -486,11 +509,19 @@ QWidget* widgetOf(HostWindow* window) {
   return widget != nullptr ? widget->widget() : nullptr;
 }
 
+QWidget* mainWindow() { return qobject_cast<QWidget*>(qApp->property(win32::kMainWindowProperty).value<QObject*>()); }
+
+QWidget* parentFor(HostWindow* window) {
+  if (QWidget* const own = widgetOf(window)) return own;
+  QWidget* const dialog = QApplication::activeModalWidget();
+  return dialog != nullptr ? dialog : mainWindow();
+}
+
 std::unique_ptr<win32::Widget> makeWidget(HostWindow& window, const win32::DialogFont* font, Shown shown) {
   QWidget* const parent = widgetOf(window.parent);
   switch (window.kind) {
     case WindowKind::Dialog: {
-      auto* const dialog = new DialogWindow(window, parent);
+      auto* const dialog = new DialogWindow(window, shown == Shown::OnScreen ? parentFor(window.parent) : parent);
       if (font != nullptr) dialog->setFont(dialogFont(*font));
       if (shown == Shown::OnScreen && window.dialog && window.dialog->isModal)
         dialog->setWindowModality(Qt::ApplicationModal);

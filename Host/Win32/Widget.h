@@ -118,6 +118,12 @@ WidgetSystem* widgetSystem();
 using MakeWidgetSystem = WidgetSystem* (*)(bool onScreen);
 inline constexpr const char* kMakeWidgetSystem = "tolmexMakeWidgetSystem";
 
+// By these properties of the toolkit's application object a front end that has a window of its own tells of it; dialogs
+// and boxes stand before the window then.
+inline constexpr const char* kMainWindowProperty = "hostMainWindow";  // a QObject*: the top-level widget
+inline constexpr const char* kDialogPlaceProperty =
+    "hostDialogPlace";  // a QRect on the screen; dialogs first open at its right
+
 // ---- what widgets report --------------------------------------------------------------------------------------------
 void widgetClicked(HostWindow& button);
 void widgetTextChanged(HostWindow& edit);

@@ -186,3 +186,64 @@ TEST(Results, OneWithoutAValueIsOkWhenTheOtherWas) {
 }
 
 }  // namespace
+
+namespace {
+
+/// Wants the work to end when it is half done.
+class Impatient final : public host::editor::Observer {
+ public:
+  void print(std::wstring_view text) override { transcript += text; }
+  void showProgress(std::wstring_view, double fraction) override {
+    if (fraction > 0.5) Application::interrupt();
+  }
+  std::wstring transcript;
+};
+
+int swallowed = 0;
+
+/// Erases everything, as a plug-in that goes on whatever is thrown at it, and then reports.
+void eraseEverything() {
+  acedSetStatusBarProgressMeter(L"Erasing", 0, 100);
+  const host::database::DrawingDatabase& drawing = acdbCurDwg()->hostDatabase();
+  int step = 0;
+  for (host::database::Slot* slot : drawing.modelSpace().entities) {
+    try {
+      AcDbEntity* entity = nullptr;
+      if (acdbOpenObject(entity, AcDbObjectId(slot), AcDb::kForWrite) != Acad::eOk) continue;
+      entity->erase();
+      entity->close();
+      acedSetStatusBarProgressMeterPos(step++);
+    } catch (...) {
+      ++swallowed;
+    }
+  }
+  acedRestoreStatusBar();
+}
+
+TEST(Interruption, LeavesTheCommandAndTheDrawingAsItWas) {
+  Impatient front;
+  host::editor::ApplicationOptions options;
+  options.observer = &front;
+  Application app(options);
+  ASSERT_TRUE(app.newDrawing());
+  acedRegCmds->addCommand(L"TEST", L"ERASEALL", L"ERASEALL", ACRX_CMD_MODAL, eraseEverything);
+  std::string script;
+  for (int i = 0; i < 100; ++i) script += "LINE " + std::to_string(i) + ",0 " + std::to_string(i) + ",5\n\n";
+  host::editor::ScriptInput lines(script, "lines.scr");
+  ASSERT_TRUE(app.run(lines));
+  app.drawing()->setUnmodified();
+  const std::string before = host::dxf::drawingText(*app.drawing());
+  swallowed = 0;
+  host::editor::ScriptInput erases("ERASEALL\nLINE 0,0 9,9\n\n", "erase.scr");
+  const host::Result<> result = app.run(erases);
+  EXPECT_EQ(result.problem().code, host::Code::Interrupted) << result.message();
+  EXPECT_NE(front.transcript.find(L"ERASEALL was interrupted; the drawing is as it was."), std::wstring::npos);
+  EXPECT_GT(swallowed, 1);  // every further object is refused
+  EXPECT_TRUE(host::dxf::drawingText(*app.drawing()) == before);
+  EXPECT_FALSE(app.drawing()->isModified());
+  EXPECT_EQ(app.undoNames().size(), 20U);
+  EXPECT_TRUE(app.redoNames().empty());
+  acedRegCmds->removeGroup(L"TEST");
+}
+
+}  // namespace
