@@ -65,6 +65,9 @@ class Plan : public testing::Test {
       plan_.transcript_ += host::text::toUtf8(text);
       if (plan_.whenShown_) plan_.whenShown_();
     }
+    void showProgress(std::wstring_view, double fraction) override {
+      if (plan_.whenAtWork_) plan_.whenAtWork_(fraction);
+    }
     void report(const host::Problem& problem) override { plan_.problems_.push_back(problem.sentence()); }
 
    private:
@@ -176,6 +179,8 @@ class Plan : public testing::Test {
   std::string transcript_;
   std::vector<std::string> problems_;
   std::function<void()> whenShown_;  // called for every piece of the transcript, dialogs open or not
+  std::function<void(double)>
+      whenAtWork_;  // with what the meter shows  // called for every piece of the transcript, dialogs open or not
   FrontEnd frontEnd_{*this};
   host::editor::Application application_;
 };

@@ -82,6 +82,41 @@ TEST_F(Shadows, EveryUpdateStartsAnew) {
   EXPECT_EQ(shadowCount(), 10U);
 }
 
+TEST_F(Shadows, AnInterruptedUpdateLeavesThePlanAsItWas) {
+  std::map<std::string, Items> records;
+  for (int i = 0; i < 20; ++i) records[rectangle(20 * i, 0, 10, 10)] = building("2");
+  store(records);
+  const std::string before = text();
+  const auto interruptAt = [this](double most) {
+    whenAtWork_ = [most](double fraction) {
+      if (fraction >= most) host::editor::Application::interrupt();
+    };
+    const host::Result<> result = tryRun("TLM_VARJO_PAIVITA\n");
+    EXPECT_EQ(result.problem().code, host::Code::Interrupted) << result.message();
+    EXPECT_NE(transcript_.find("TLM_VARJO_PAIVITA was interrupted; the drawing is as it was."), std::string::npos);
+    EXPECT_EQ(transcript_.find("failed"), std::string::npos) << transcript_;
+    whenAtWork_ = nullptr;
+  };
+  for (const double most : {0.0, 0.5, 0.9}) {
+    interruptAt(most);
+    EXPECT_TRUE(text() == before) << most;
+  }
+  run("TLM_VARJO_PAIVITA\n");
+  EXPECT_EQ(living(DxfType::Hatch, L"tmv_varjo").size(), 4 * records.size());
+  // What an update had erased comes back too; the seed of handles stays where the work has brought it.
+  const auto withoutSeed = [this] {
+    std::string all = text();
+    const std::size_t seed = all.find("$HANDSEED");
+    return all.erase(seed, all.find("  9", seed) - seed);
+  };
+  const std::string shaded = withoutSeed();
+  interruptAt(0.5);
+  EXPECT_EQ(living(DxfType::Hatch, L"tmv_varjo").size(), 4 * records.size());
+  EXPECT_TRUE(withoutSeed() == shaded);
+  run("U\n");
+  EXPECT_TRUE(text() == before);
+}
+
 TEST_F(Shadows, SettingsStoredInTheDrawingCount) {
   store({{rectangle(0, 0, 10, 10), building("2")}});
   storeSettings(settings("0.0", "20", "4.0"));
