@@ -86,3 +86,25 @@ function(tolmex_uses_host target)
     endif()
   endforeach()
 endfunction()
+
+# tolmex_copy_folder(<target> <to> <from> items...): keeps copies of files and folders of one folder in another.
+function(tolmex_copy_folder target to from)
+  set(files)
+  set(commands)
+  foreach(item IN LISTS ARGN)
+    if(IS_DIRECTORY ${from}/${item})
+      file(GLOB inside CONFIGURE_DEPENDS ${from}/${item}/*)
+      list(APPEND files ${inside})
+      list(APPEND commands COMMAND ${CMAKE_COMMAND} -E make_directory ${to}/${item}
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${inside} ${to}/${item})
+    else()
+      list(APPEND files ${from}/${item})
+      list(APPEND commands COMMAND ${CMAKE_COMMAND} -E copy_if_different ${from}/${item} ${to})
+    endif()
+  endforeach()
+  add_custom_command(OUTPUT ${to}/.stamp
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${to} ${commands}
+    COMMAND ${CMAKE_COMMAND} -E touch ${to}/.stamp
+    DEPENDS ${files} VERBATIM)
+  add_custom_target(${target} ALL DEPENDS ${to}/.stamp)
+endfunction()

@@ -121,6 +121,7 @@ int DrawingDatabase::releaseObjects() { return parts_->objects.release(); }
 int DrawingDatabase::takeLostChanges() { return parts_->objects.takeLostChanges(); }
 bool DrawingDatabase::isModified() const { return parts_->journal.isModified(); }
 void DrawingDatabase::setUnmodified() { parts_->journal.setUnmodified(); }
+void DrawingDatabase::setModified() { parts_->journal.setModified(); }
 std::uint64_t DrawingDatabase::changeCount() const { return parts_->journal.changeCount(); }
 void DrawingDatabase::setObserver(WorkObserver* observer) { parts_->watchers.setObserver(observer); }
 

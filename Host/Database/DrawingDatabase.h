@@ -140,6 +140,8 @@ class DrawingDatabase {
   /// Undoing everything since the drawing was opened or saved clears it.
   bool isModified() const;
   void setUnmodified();
+  /// It differs from its file from now on until it is saved, whatever is undone.
+  void setModified();
   /// Version counter: grows with every change; for caches of pictures and selections.
   std::uint64_t changeCount() const;
   /// The slots that were changed, made, erased or undone since the last call, some of them several times, for the one

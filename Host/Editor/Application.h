@@ -50,6 +50,10 @@ class Application {
   database::DrawingDatabase* drawing() const;
   /// File of the current drawing; empty for a new one.
   std::filesystem::path drawingFile() const;
+  /// Opens what `content` holds as a further drawing that counts as changed. With `file` it is the drawing of that file
+  /// (a recovery); without one it is a new drawing called `name`.
+  Result<> openContent(const std::filesystem::path& content, const std::filesystem::path& file,
+                       const std::filesystem::path& name);
   enum class Current { Counts, LeftOut };
   /// Names of the open drawings with changes that were not saved; of new ones without a folder.
   std::vector<std::filesystem::path> unsavedDrawings(Current current) const;

@@ -39,8 +39,8 @@ EllipseArc ellipseOf(const HatchEdge& edge, EllipseAngles angles) {
   EllipseArc arc{edge.first, edge.second, left(edge.second) * edge.size, range.start, range.sweep};
   if (angles == EllipseAngles::Directions && std::abs(range.sweep) < kTurn && edge.size > 0) {
     const auto parameter = [&](double angle) {
-      const double near = std::atan2(std::sin(angle) / edge.size, std::cos(angle));
-      return near + kTurn * std::round((angle - near) / kTurn);  // on the same turn
+      const double within = std::atan2(std::sin(angle) / edge.size, std::cos(angle));
+      return within + kTurn * std::round((angle - within) / kTurn);  // on the same turn
     };
     arc.start = parameter(range.start);
     arc.sweep = parameter(range.start + range.sweep) - arc.start;

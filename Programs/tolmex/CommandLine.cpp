@@ -10,6 +10,7 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "Desktop.h"
 #include "Editor/Answers.h"
 #include "Text/Text.h"
 
@@ -249,13 +250,37 @@ void addInfo(CLI::App& app, InfoOptions& options, int& status) {
   });
 }
 
-void addDesktop(CLI::App& app, std::vector<std::filesystem::path>& drawings, int& status) {
-  CLI::App* const call = app.add_subcommand("desktop", "the window (not part of this build)");
-  addDrawings(*call, drawings, "the drawing");
-  call->callback([&status] {
-    status =
-        complain(RunStatus::WrongUsage, "desktop: the window is not part of this build; use run, shell or picture");
-  });
+constexpr const char* kDesktopExamples =
+    "Examples:\n"
+    "  tolmex desktop\n"
+    "  tolmex desktop plan.dxf yard.dxf --language en\n"
+    "  tolmex desktop plan.dxf --script yard.scr --geometry 1366x768";
+
+void addDesktop(CLI::App& app, DesktopCallOptions& options, int& status) {
+  CLI::App* const call = app.add_subcommand("desktop", "open the window");
+  addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; without one the start page");
+  call->add_option("--script", options.script, "a script that runs in the window's sight first")->type_name("FILE");
+  call->add_option("--language", options.language, "language of the window [by the locale]")
+      ->type_name("fi|en")
+      ->check([](const std::string& name) {
+        return name == "fi" || name == "en" ? std::string()
+                                            : "\"" + name + "\" is no language of the window; use fi or en";
+      });
+  call->add_option("--geometry", options.geometry, "size of the window [as it was left]")
+      ->type_name("WxH")
+      ->check([](const std::string& size) {
+        const std::size_t cross = size.find('x');
+        const auto isSide = [](const std::string& side) {
+          return !side.empty() && side.size() < 6 && side.find_first_not_of("0123456789") == std::string::npos;
+        };
+        const bool isGood =
+            cross != std::string::npos && isSide(size.substr(0, cross)) && isSide(size.substr(cross + 1));
+        return isGood ? std::string() : "\"" + size + "\" is no size of a window; give it as 1366x768";
+      });
+  addVariables(*call, options);
+  addSupport(*call, options);
+  call->footer(kDesktopExamples);
+  call->callback([&] { status = runDesktop(options); });
 }
 
 /// The library would say of a misspelt option only that it was not expected.
@@ -304,7 +329,7 @@ int runCommandLine(int argc, char** argv) {
   RunOptions run, shell;
   PictureCallOptions picture;
   InfoOptions info;
-  std::vector<std::filesystem::path> desktop;
+  DesktopCallOptions desktop;
   addRun(app, run, status);
   addShell(app, shell, status);
   addPicture(app, picture, status);

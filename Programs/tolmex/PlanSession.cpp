@@ -6,6 +6,7 @@
 #include "Inputs.h"
 #include "Interruption.h"
 #include "Outputs.h"
+#include "PictureCommand.h"
 #include "Text/Text.h"
 
 namespace tolmex {
@@ -17,40 +18,12 @@ using host::problemOf;
 using host::Result;
 using host::RunStatus;
 using host::editor::Application;
-using host::editor::Prompter;
 
-namespace {
-
-/// The plug-in beside the program; never one that lies in the current folder.
 fs::path plugInFile() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
   return error ? fs::path() : program.parent_path() / "tolmex.arx";
 }
-
-/// PICTURE: draws the current drawing into a file whose ending names the format.
-void pictureCommand(Application& application, Prompter& prompter) {
-  const auto file = prompter.text(L"Enter name of picture file: ");
-  if (file.outcome == host::editor::Outcome::Cancel) return;
-  const fs::path path = host::text::toUtf8(file.value);
-  const auto format = host::picture::formatOfFile(path.string());
-  if (!format) {
-    prompter.refuse(L"The picture's name must end in .png, .svg or .pdf.");
-    return;
-  }
-  if (const Result<> fit = checkOutputs({application.drawingFile()}, {path}); !fit) {
-    prompter.fail(fit.problem());
-    return;
-  }
-  host::picture::PictureOptions options;
-  options.layout = host::text::toUtf8(application.currentLayoutName());
-  if (const Result<> written = writePicture(*application.drawing(), options, {path, *format}); !written) {
-    complain(written.problem());
-    prompter.fail(Code::OutputFailed, L"the picture could not be made");
-  }
-}
-
-}  // namespace
 
 std::vector<fs::path> PlanOutputs::files() const {
   std::vector<fs::path> all;
@@ -121,7 +94,7 @@ namespace {
 
 host::editor::ApplicationOptions completed(host::editor::ApplicationOptions settings, const RunOptions& options) {
   settings.supportFolders = options.supportFolders;
-  settings.failureCaptions = {L"Error", L"Out of memory"};  // of the plug-in's failure reports
+  settings.failureCaptions = kFailureCaptions;
   return settings;
 }
 
@@ -129,9 +102,7 @@ host::editor::ApplicationOptions completed(host::editor::ApplicationOptions sett
 
 PlanSession::PlanSession(const RunOptions& options, host::editor::ApplicationOptions settings)
     : options_(options), application_(completed(std::move(settings), options)) {
-  application_.addCommand(
-      L"PICTURE", 0, [this](Prompter& prompter) { pictureCommand(application_, prompter); },
-      L"draws the drawing into a .png, .svg or .pdf file");
+  addPictureCommand(application_);
 }
 
 void ProblemPrinter::report(const Problem& problem) { complain(RunStatus::Done, problem.sentence()); }

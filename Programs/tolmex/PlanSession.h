@@ -6,6 +6,11 @@
 
 namespace tolmex {
 
+/// The plug-in beside the program; never one that lies in the current folder. Empty when /proc cannot be read.
+std::filesystem::path plugInFile();
+/// Captions of the boxes by which the plug-in reports failures.
+inline const std::vector<std::wstring> kFailureCaptions = {L"Error", L"Out of memory"};
+
 /// Where the results of one drawing go.
 struct PlanOutputs {
   std::optional<std::filesystem::path> drawing;

@@ -96,6 +96,7 @@ class Journal {
     savedChanges_ = changes_;
     savedState_ = state();
   }
+  void setModified() { ++changes_, ++changesOutside_; }
 
  private:
   std::optional<std::wstring> takeSteps(std::vector<UndoStep>& from, std::vector<UndoStep>& to,

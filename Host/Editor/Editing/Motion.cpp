@@ -249,7 +249,7 @@ class TagMover {
   }
 
   /// The tag of a code next to another one; nothing when it is missing.
-  std::optional<std::size_t> near(std::size_t at, int code) const {
+  std::optional<std::size_t> beside(std::size_t at, int code) const {
     for (std::size_t i = at + 1; i < std::min(at + 4, tags_.size()); ++i) {
       if (tags_[i].code == code) return i;
       if (tags_[i].code == tags_[at].code) break;
@@ -263,7 +263,7 @@ class TagMover {
   };
   Places placesOf(std::size_t at, int step = 10) const {
     const int code = tags_[at].code;
-    return {at, near(at, code + step), step == 10 ? near(at, code + 20) : std::nullopt};
+    return {at, beside(at, code + step), step == 10 ? beside(at, code + 20) : std::nullopt};
   }
   AcGePoint3d pointAt(const Places& places, double height = 0) const {
     return {coordinate(tags_[places.x]), places.y ? coordinate(tags_[*places.y]) : 0,

@@ -40,6 +40,11 @@ std::filesystem::path Application::drawingFile() const {
   return document != nullptr ? document->file() : std::filesystem::path();
 }
 
+Result<> Application::openContent(const std::filesystem::path& content, const std::filesystem::path& file,
+                                  const std::filesystem::path& name) {
+  return host().openContent(content, file, name);
+}
+
 std::vector<std::filesystem::path> Application::unsavedDrawings(Current current) const {
   std::vector<std::filesystem::path> unsaved;
   for (const auto& document : host().documents().all()) {

@@ -59,6 +59,11 @@ void Document::setUntitled(int number) {
   fileName_ = L"Drawing" + std::to_wstring(number) + L".dxf";
 }
 
+void Document::setUntitled(const std::filesystem::path& name) {
+  file_.clear();
+  fileName_ = text::fromUtf8(name.string());
+}
+
 template <class Tell>
 void DocumentManager::tell(const Tell& message) {
   database::tellEach(

@@ -53,6 +53,7 @@ class Document final : public AcApDocument {
   /// change: nothing of it could be lost.
   bool isChangedOutside() const;
   void setUntitled(int number);
+  void setUntitled(const std::filesystem::path& name);
 
   int locks = 0;
   std::vector<HINSTANCE> resources;

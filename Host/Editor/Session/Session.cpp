@@ -84,7 +84,22 @@ Result<> Session::openDrawing(const std::filesystem::path& file) {
   }
 }
 
-Result<> Session::openFurther(const std::filesystem::path& file) {
+/// What a drawing counts as that is read from another file.
+struct Session::Origin {
+  std::filesystem::path file, name;
+};
+
+Result<> Session::openContent(const std::filesystem::path& content, const std::filesystem::path& file,
+                              const std::filesystem::path& name) {
+  const Origin origin{file, name};
+  try {
+    return openFurther(content, &origin);
+  } catch (const std::bad_alloc&) {
+    return problemOf(Code::DrawingUnreadable, content.string(), "there is not enough memory to open the drawing");
+  }
+}
+
+Result<> Session::openFurther(const std::filesystem::path& file, const Origin* origin) {
   auto db = std::make_unique<AcDbDatabase>(false, true);
   const FileStamp stamp(file);  // before reading: what is changed meanwhile is a change
   if (Result<> read = dxf::readDrawing(db->hostDatabase(), file); !read) return read;
@@ -93,8 +108,16 @@ Result<> Session::openFurther(const std::filesystem::path& file) {
     reportProblem(problem);
   }
   auto document = std::make_unique<Document>(std::move(db));
-  document->stamp = stamp;
-  document->setFile(fullPath(file));
+  if (origin == nullptr) {
+    document->stamp = stamp;
+    document->setFile(fullPath(file));
+  } else if (!origin->file.empty()) {
+    document->stamp = FileStamp(origin->file);
+    document->setFile(fullPath(origin->file));
+  } else {
+    document->setUntitled(origin->name);
+  }
+  if (origin != nullptr) document->drawing().setModified();
   if (document->drawing().headerInteger("$TILEMODE", 70).value_or(1) == 0) {
     const auto layouts = document->drawing().layouts();
     const database::BlockContents* const paper = document->drawing().findBlock(ACDB_PAPER_SPACE);

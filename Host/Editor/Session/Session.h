@@ -54,6 +54,9 @@ class Session {
   /// A drawing that is open already becomes the current one.
   Result<> openDrawing(const std::filesystem::path& file);
   Result<> newDrawing();
+  /// As `Application::openContent`.
+  Result<> openContent(const std::filesystem::path& content, const std::filesystem::path& file,
+                       const std::filesystem::path& name);
   void closeDocument(Document& document);
   /// Refuses to replace the document's own file when another program has changed it, and the files of other documents.
   enum class ChangedFile { Refuse, Replace };
@@ -123,7 +126,8 @@ class Session {
 
  private:
   Session();
-  Result<> openFurther(const std::filesystem::path& file);
+  struct Origin;
+  Result<> openFurther(const std::filesystem::path& file, const Origin* origin = nullptr);
   /// A problem of the running input, named by its place.
   Problem placed(Problem problem) const;
   void answersRanOut(std::wstring_view waiting);

@@ -54,7 +54,7 @@ class Toucher {
       case Kind::Wire:
         touchLine(recording, recording.rings[item.firstRing]);
         for (std::uint32_t r = 1; r < item.ringCount; ++r)
-          if (isInside(recording, recording.rings[item.firstRing + r])) near(0, at_);
+          if (isInside(recording, recording.rings[item.firstRing + r])) offer(0, at_);
         break;
       case Kind::FillEvenOdd:
       case Kind::FillNonzero:
@@ -76,12 +76,12 @@ class Toucher {
         for (const Point p : {Point{box.minX, box.minY}, Point{box.maxX, box.minY}, Point{box.maxX, box.maxY},
                               Point{box.minX, box.maxY}})
           ring_.push_back(text.frame.plan({p.x, p.y, 0}));
-        if (curves::isInsideRing(ring_, at_)) near(0, at_);
+        if (curves::isInsideRing(ring_, at_)) offer(0, at_);
         break;
       }
       case Kind::Mark:
-        near(curves::distance(at_, recording.points[recording.rings[item.firstRing].first]),
-             recording.points[recording.rings[item.firstRing].first]);
+        offer(curves::distance(at_, recording.points[recording.rings[item.firstRing].first]),
+              recording.points[recording.rings[item.firstRing].first]);
         break;
       case Kind::Infinite: {
         const auto& ring = recording.rings[item.firstRing];
@@ -89,7 +89,7 @@ class Toucher {
         double t = dot(at_ - base, d) / dot(d, d);
         if (!ring.closed) t = std::max(t, 0.0);  // a ray
         const Point on = base + d * t;
-        near(curves::distance(at_, on), on);
+        offer(curves::distance(at_, on), on);
         break;
       }
       case Kind::Pattern: {
@@ -108,7 +108,7 @@ class Toucher {
     }
   }
 
-  void near(double distance, Point on) {
+  void offer(double distance, Point on) {
     if (!(distance < touch_.lineDistance)) return;
     touch_.lineDistance = distance;
     touch_.nearest = on;
@@ -131,7 +131,7 @@ class Toucher {
           std::min(a.y, b.y) > at_.y + within_ || std::max(a.y, b.y) < at_.y - within_)
         return;
       const Point on = nearestOnSegment(at_, a, b);
-      near(curves::distance(at_, on), on);
+      offer(curves::distance(at_, on), on);
     };
     if (ring.count == 1) segment(points[0], points[0]);
     for (std::uint32_t i = 0; i + 1 < ring.count; ++i) segment(points[i], points[i + 1]);

@@ -13,12 +13,13 @@ _tolmex() {
     --paper) words='A0 A1 A2 A3 A4 A5 A0-landscape A1-landscape A2-landscape A3-landscape A4-landscape A5-landscape' ;;
     --background) words='white black transparent' ;;
     --lineweights) words='off' ;;
+    --language) words='fi en' ;;
     --out-dir | --support)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
-    --command | --set | --jobs | --width | --scale | --window | --layout | --layers) return ;;
+    --command | --set | --jobs | --width | --scale | --window | --layout | --layers | --geometry) return ;;
   esac
   if [[ -z $words && $current == -* ]]; then
     case $call in
@@ -26,6 +27,7 @@ _tolmex() {
       shell) words='--out --picture --set --support --quiet --help' ;;
       picture) words="--out-dir --format --jobs --set --support --quiet --help $pictures" ;;
       info) words='--json --repair --jobs --quiet --help' ;;
+      desktop) words='--script --language --geometry --set --support --help' ;;
       *) words='--help' ;;
     esac
   fi

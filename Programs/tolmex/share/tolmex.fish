@@ -7,7 +7,7 @@ end
 for call in run shell picture info
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l quiet -d 'Hide the transcript'
 end
-for call in run shell picture
+for call in run shell picture desktop
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l set -x -d 'Set a system variable'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l support -r -d 'Folder of support files'
 end
@@ -37,3 +37,6 @@ complete -c tolmex -n '__fish_seen_subcommand_from picture' -l layers -x -d 'Lay
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l lineweights -x -a 'off' -d 'Off, or a factor'
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l grayscale -d 'Shades of grey'
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l monochrome -d 'One colour'
+complete -c tolmex -n "__fish_seen_subcommand_from desktop" -l script -r -d 'Script that runs first'
+complete -c tolmex -n "__fish_seen_subcommand_from desktop" -l language -x -a 'fi en' -d 'Language of the window'
+complete -c tolmex -n "__fish_seen_subcommand_from desktop" -l geometry -x -d 'Size of the window'

@@ -1,0 +1,71 @@
+#include "Window/Commands/Icons.h"
+
+#include <dlfcn.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QPainter>
+#include <QPixmap>
+#include <QRegularExpression>
+#include <QSvgRenderer>
+
+namespace host::window {
+namespace {
+
+QByteArray coloured(const QString& file, const QColor& text, const QColor& live) {
+  QFile in(file);
+  if (!in.open(QIODevice::ReadOnly)) return {};
+  QString svg = QString::fromUtf8(in.readAll());
+  if (live.isValid()) {
+    static const QRegularExpression fill("(class=\"live\"[^>]*?fill=\")[^\"]*\"");
+    svg.replace(fill, "\\1" + live.name() + "\"");
+  }
+  return svg.replace("currentColor", text.name()).toUtf8();
+}
+
+QPixmap drawn(QSvgRenderer& renderer, int size, qreal scale, qreal opacity) {
+  QPixmap pixmap(static_cast<int>(size * scale), static_cast<int>(size * scale));
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setOpacity(opacity);
+  renderer.render(&painter);
+  painter.end();
+  pixmap.setDevicePixelRatio(scale);
+  return pixmap;
+}
+
+}  // namespace
+
+QIcon iconOf(const QString& file, const QColor& text, const QColor& live) {
+  if (file.isEmpty()) return {};
+  static QHash<QString, QIcon> kept;
+  const QString key = file + '|' + text.name() + '|' + (live.isValid() ? live.name() : QString());
+  if (const auto found = kept.constFind(key); found != kept.constEnd()) return *found;
+  QIcon icon;
+  QSvgRenderer renderer(coloured(file, text, live));
+  if (renderer.isValid()) {
+    constexpr qreal kPale = 0.38;
+    for (const int size : {16, 24, 48}) {
+      for (const qreal scale : {1.0, 2.0}) {
+        icon.addPixmap(drawn(renderer, size, scale, 1));
+        icon.addPixmap(drawn(renderer, size, scale, kPale), QIcon::Disabled);
+      }
+    }
+  }
+  kept.insert(key, icon);
+  return icon;
+}
+
+QString windowFolder() {
+  Dl_info info{};
+  const void* const here = reinterpret_cast<const void*>(&windowFolder);
+  if (dladdr(here, &info) == 0 || info.dli_fname == nullptr) return "window";
+  return QFileInfo(QFile::decodeName(info.dli_fname)).absolutePath() + "/window";
+}
+
+QIcon hostIcon(const QString& name, const QColor& text) {
+  return iconOf(windowFolder() + (name.contains('/') ? "/" : "/icons/") + name + ".svg", text);
+}
+
+}  // namespace host::window

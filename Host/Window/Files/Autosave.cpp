@@ -1,0 +1,136 @@
+#include "Window/Files/Autosave.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSettings>
+#include <algorithm>
+
+#include "Dxf/DxfFile.h"
+#include "Window/Commands/Language.h"
+
+namespace host::window {
+namespace {
+
+constexpr int kEverySeconds = 5 * 60;
+
+/// The time at which a process was started, in the kernel's ticks: with it a number names one process for good.
+QString startOf(qint64 process) {
+  QFile file(QString("/proc/%1/stat").arg(process));
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  const QByteArray text = file.readAll();
+  constexpr int kStart = 19;  // behind the name in brackets, which may hold blanks
+  return QString::fromLatin1(text.mid(text.lastIndexOf(')') + 2).split(' ').value(kStart));
+}
+
+QString pathOf(const std::filesystem::path& path) { return QFile::decodeName(path.c_str()); }
+std::filesystem::path pathOf(const QString& path) { return QFile::encodeName(path).toStdString(); }
+
+}  // namespace
+
+Autosave::Autosave(Engine& engine, QObject* parent) : QObject(parent), engine_(engine) {
+  pool_.setMaxThreadCount(1);  // the later copy of a drawing is written last
+  timer_.setInterval(std::max(1, QSettings().value("autosave/seconds", kEverySeconds).toInt()) * 1000);
+  connect(&timer_, &QTimer::timeout, this, &Autosave::saveNow);
+  timer_.start();
+}
+
+Autosave::~Autosave() { pool_.waitForDone(); }
+
+QString Autosave::folder() {
+  QString state = qEnvironmentVariable("XDG_STATE_HOME");
+  if (state.isEmpty() || !QDir::isAbsolutePath(state)) state = QDir::homePath() + "/.local/state";
+  return state + "/tolmex/recovery";
+}
+
+QString Autosave::stem(const database::DrawingDatabase& drawing) {
+  QString& stem = stems_[&drawing];
+  if (stem.isEmpty()) stem = QString("%1/%2-%3").arg(folder()).arg(::getpid()).arg(++next_);
+  return stem;
+}
+
+void Autosave::saveNow() {
+  if (!engine_.isWaiting() || !engine_.input().isAtRest()) return;
+  QDir().mkpath(folder());
+  QFile::setPermissions(folder(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  for (const auto& open : engine_.application().drawings()) {
+    if (!open.drawing->isModified()) {
+      drop(*open.drawing);
+      continue;
+    }
+    if (savedCounts_.value(open.drawing) == open.drawing->changeCount() && stems_.contains(open.drawing)) continue;
+    std::string text;
+    try {
+      text = dxf::drawingText(*open.drawing);
+    } catch (const std::bad_alloc&) {
+      continue;  // the next time
+    }
+    savedCounts_[open.drawing] = open.drawing->changeCount();
+    QJsonObject record{{"file", pathOf(open.file)},
+                       {"name", QFileInfo(toQt(open.name)).fileName()},
+                       {"process", qint64{::getpid()}},
+                       {"start", startOf(::getpid())},
+                       {"at", QDateTime::currentDateTime().toString(Qt::ISODate)}};
+    const QFileInfo info(pathOf(open.file));
+    if (!open.file.empty() && info.exists()) record["savedAt"] = info.lastModified().toString(Qt::ISODate);
+    const QString base = stem(*open.drawing);
+    pool_.start([text = std::move(text), json = QJsonDocument(record).toJson().toStdString(), base] {
+      // The record comes last: one without a drawing would promise too much.
+      if (dxf::writeFileWhole(pathOf(base + ".dxf"), text)) (void)dxf::writeFileWhole(pathOf(base + ".json"), json);
+    });
+  }
+}
+
+void Autosave::drop(const database::DrawingDatabase& drawing) {
+  const QString base = stems_.take(&drawing);
+  savedCounts_.remove(&drawing);
+  if (base.isEmpty()) return;
+  pool_.start([base] {
+    QFile::remove(base + ".json");
+    QFile::remove(base + ".dxf");
+  });
+}
+
+void Autosave::dropAll() {
+  for (const QString& base : stems_) {
+    pool_.start([base] {
+      QFile::remove(base + ".json");
+      QFile::remove(base + ".dxf");
+    });
+  }
+  stems_.clear();
+  pool_.waitForDone();
+}
+
+std::vector<Recovery> Autosave::found() {
+  std::vector<Recovery> all;
+  const QDir dir(folder());
+  for (const QFileInfo& info : dir.entryInfoList({"*.json"}, QDir::Files, QDir::Time)) {
+    QFile file(info.filePath());
+    if (!file.open(QIODevice::ReadOnly)) continue;
+    const QJsonObject record = QJsonDocument::fromJson(file.readAll()).object();
+    const qint64 process = record["process"].toInteger();
+    const QString start = startOf(process);
+    if (!start.isEmpty() && start == record["start"].toString()) continue;  // it still runs
+    Recovery one{info.filePath(),
+                 info.path() + "/" + info.completeBaseName() + ".dxf",
+                 record["file"].toString(),
+                 record["name"].toString(),
+                 QDateTime::fromString(record["at"].toString(), Qt::ISODate),
+                 QDateTime::fromString(record["savedAt"].toString(), Qt::ISODate)};
+    if (QFile::exists(one.content)) all.push_back(one);
+  }
+  return all;
+}
+
+void Autosave::forget(const Recovery& recovery) {
+  QFile::remove(recovery.record);
+  QFile::remove(recovery.content);
+}
+
+}  // namespace host::window

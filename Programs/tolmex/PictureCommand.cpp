@@ -1,0 +1,128 @@
+#include "PictureCommand.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Commands.h"
+#include "Console.h"
+#include "Outputs.h"
+#include "Text/Text.h"
+
+namespace tolmex {
+
+namespace fs = std::filesystem;
+using host::Code;
+using host::problemOf;
+using host::Result;
+using host::editor::Application;
+using host::editor::Prompter;
+using host::picture::PictureOptions;
+
+namespace {
+
+/// Words of a line; quotes keep blanks together.
+std::vector<std::string> wordsOf(std::string_view line) {
+  std::vector<std::string> words;
+  bool isQuoted = false, isInWord = false;
+  for (const char c : line) {
+    if (c == '"') {
+      isQuoted = !isQuoted;
+      if (!isInWord) words.emplace_back();
+      isInWord = true;
+    } else if (c == ' ' && !isQuoted) {
+      isInWord = false;
+    } else {
+      if (!isInWord) words.emplace_back();
+      isInWord = true;
+      words.back() += c;
+    }
+  }
+  return words;
+}
+
+Result<> setLayers(PictureOptions& options, std::string_view text) {
+  options.layers = text;
+  return {};
+}
+
+struct Option {
+  std::string_view name;
+  Result<> (*read)(PictureOptions&, std::string_view);
+};
+constexpr std::array kOptions = {
+    Option{"--width", host::picture::setWidth},
+    Option{"--paper", host::picture::setPaper},
+    Option{"--scale", host::picture::setScale},
+    Option{"--window", host::picture::setWindow},
+    Option{"--background", host::picture::setBackground},
+    Option{"--lineweights", host::picture::setLineweights},
+    Option{"--layers", setLayers},
+};
+
+host::Problem refused(std::string sentence) { return problemOf(Code::WrongUsage, std::move(sentence)); }
+
+/// Reads what stands behind the file's name.
+Result<> readOptions(PictureOptions& options, std::string_view line) {
+  const std::vector<std::string> words = wordsOf(line);
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (words[i] == "--grayscale" || words[i] == "--monochrome") {
+      options.colors =
+          words[i] == "--grayscale" ? host::picture::ColorMode::Grayscale : host::picture::ColorMode::Monochrome;
+      continue;
+    }
+    std::string known;
+    const Option* found = nullptr;
+    for (const Option& option : kOptions) {
+      known += (known.empty() ? "" : ", ") + std::string(option.name);
+      if (words[i] == option.name) found = &option;
+    }
+    if (found == nullptr)
+      return refused(words[i] + ": no such option of a picture; there are " + known + ", --grayscale and --monochrome");
+    if (i + 1 == words.size()) return refused(words[i] + ": a value is missing");
+    if (Result<> read = found->read(options, words[++i]); !read) return read;
+  }
+  return {};
+}
+
+void pictureCommand(Application& application, Prompter& prompter) {
+  const auto file = prompter.text(L"Enter name of picture file: ");
+  if (file.outcome == host::editor::Outcome::Cancel) return;
+  const std::string line = host::text::toUtf8(file.value);
+  const std::size_t behind = line.find(" --");
+  std::string name = line.substr(0, behind);
+  while (name.ends_with(' ')) name.pop_back();
+  if (name.size() > 1 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
+  const auto format = host::picture::formatOfFile(name);
+  if (!format) {
+    prompter.refuse(L"The picture's name must end in .png, .svg or .pdf.");
+    return;
+  }
+  PictureOptions options;
+  options.layout = host::text::toUtf8(application.currentLayoutName());
+  if (behind != std::string::npos) {
+    if (const Result<> read = readOptions(options, line.substr(behind + 1)); !read) {
+      prompter.refuse(host::text::fromUtf8(read.message()));
+      return;
+    }
+  }
+  if (const Result<> fit = checkOutputs({application.drawingFile()}, {name}); !fit) {
+    prompter.fail(fit.problem());
+    return;
+  }
+  if (const Result<> written = writePicture(*application.drawing(), options, {name, *format}); !written) {
+    complain(written.problem());
+    prompter.fail(Code::OutputFailed, L"the picture could not be made");
+  }
+}
+
+}  // namespace
+
+void addPictureCommand(Application& application) {
+  application.addCommand(
+      L"PICTURE", 0, [&application](Prompter& prompter) { pictureCommand(application, prompter); },
+      L"draws the drawing into a .png, .svg or .pdf file");
+}
+
+}  // namespace tolmex
