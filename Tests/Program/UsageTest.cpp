@@ -74,7 +74,7 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {"run plan.dxf --command REGEN --format png",
        "--format goes with --out-dir DIR, or with a picture on standard output (--picture -)"},
       {"picture plan.dxf a.png --format svg", "a.png: the name and --format ask for different formats"},
-      {"desktop", "desktop: the window is not part of this build; use run, shell or picture"},
+      {"desktop", "desktop: there is no display; run, shell and picture need none"},
       {"run plan.dxf --command REGEN --out a.dwg", "a.dwg: drawings are saved as DXF; the name must end in .dxf"},
       {"run plan.dxf --command REGEN --out ''", "\"\": drawings are saved as DXF; the name must end in .dxf"},
       {"run plan.dxf --command REGEN --picture a.gif", "a.gif: a picture's name must end in .png, .svg or .pdf"},

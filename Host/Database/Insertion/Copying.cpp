@@ -259,12 +259,14 @@ class Copier {
       out.integer(70, 1);
     } else if (work.to->type == DxfType::Viewport && subclass == "AcDbViewport" && tag.code == 69) {
       out.integer(69, nextViewport(work));
-    } else if (!holdsHandle(tag.code) || tag.handle() == 0) {
-      out.bytes(tag.bytes);
-    } else if (const Slot* const copy = copyOf(tag.handle())) {
-      out.handle(tag.code, copy->handle);
-    } else if (tag.code != 360) {  // what an object owns belongs to the original alone
-      out.bytes(tag.bytes);
+    } else {
+      const bool isReference = holdsHandle(tag.code) && tag.handle() != 0;
+      const Slot* const copy = isReference ? copyOf(tag.handle()) : nullptr;
+      if (copy != nullptr) {
+        out.handle(tag.code, copy->handle);
+      } else if (!isReference || tag.code != 360) {  // what an object owns belongs to the original alone
+        out.bytes(tag.bytes);
+      }
     }
   }
 

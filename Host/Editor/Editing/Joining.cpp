@@ -316,19 +316,16 @@ class Joiner {
         write();
         isInside = tag.code == 100 && tag.trimmed() == "AcDbPolyline";
       }
-      if (!isInside) {
-        out.bytes(tag.bytes);
-      } else if (tag.code == kCount) {
+      const bool isOfVertex = tag.code == 10 || tag.code == 20 || (tag.code >= 40 && tag.code <= 42) || tag.code == 91;
+      if (isInside && tag.code == kCount) {
         out.integer(kCount, static_cast<std::int64_t>(vertices.size()));
-      } else if (tag.code == kFlags) {
+      } else if (isInside && tag.code == kFlags) {
         out.integer(kFlags, tag.integer() | (isClosed ? 1 : 0));
-      } else if (tag.code == kConstantWidth) {
+      } else if (isInside && tag.code == kConstantWidth) {
         hasWidth = hasOneWidth;
         if (hasWidth) out.bytes(tag.bytes);
-      } else if (tag.code == 210) {
-        write();
-        out.bytes(tag.bytes);
-      } else if (!(tag.code == 10 || tag.code == 20 || (tag.code >= 40 && tag.code <= 42) || tag.code == 91)) {
+      } else if (!isInside || !isOfVertex) {
+        if (isInside && tag.code == 210) write();
         out.bytes(tag.bytes);
       }
     }

@@ -55,6 +55,7 @@ MainWindow::MainWindow(Engine& engine, const DesktopOptions& options) : engine_(
   names.removeDuplicates();
   completion_ = std::make_shared<Completion>(tables_, names);
   actions_ = new Actions(tables_, *this);
+  actions_->setParent(this);
   actions_->fill(*menuBar());
   buildCentre();
   talk_ = new Conversation(engine_, tables_, *canvas_, *line_, *history_);

@@ -6,6 +6,8 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QTimer>
+#include <algorithm>
+#include <array>
 
 #include "Window/Commands/Language.h"
 #include "Window/Frame/Theme.h"
@@ -26,6 +28,12 @@ QString linkOf(const PromptPiece& piece) {
     default:
       return "text:" + piece.answer;
   }
+}
+
+/// Letters that with Ctrl edit a text: select, copy, paste, cut, redo, undo.
+bool isForText(int key) {
+  constexpr std::array kKeys{Qt::Key_A, Qt::Key_C, Qt::Key_V, Qt::Key_X, Qt::Key_Y, Qt::Key_Z};
+  return std::find(kKeys.begin(), kKeys.end(), key) != kKeys.end();
 }
 
 }  // namespace
@@ -230,6 +238,10 @@ bool CommandLine::eventFilter(QObject* watched, QEvent* event) {
       const auto& key = *static_cast<QKeyEvent*>(event);
       if (key.matches(QKeySequence::Undo) && edit_->text().isEmpty()) return true;
       if (key.key() == Qt::Key_Delete && edit_->text().isEmpty()) return true;
+      // Of Ctrl and a letter a field of text takes some as ways to move in it: they are keys of the menu.
+      const bool isLetter = key.key() >= Qt::Key_A && key.key() <= Qt::Key_Z;
+      if (key.modifiers() == Qt::ControlModifier && isLetter && (edit_->text().isEmpty() || !isForText(key.key())))
+        return key.key() != Qt::Key_V;
     }
     if (event->type() == QEvent::KeyPress && keyPressed(*static_cast<QKeyEvent*>(event))) return true;
     if (event->type() == QEvent::FocusOut) hidePopup();
