@@ -74,6 +74,11 @@ SidePanel::SidePanel(const PanelContext& context, QWidget* parent)
   qApp->installEventFilter(this);
 }
 
+SidePanel::~SidePanel() {
+  qApp->removeEventFilter(this);
+  delete overlay_;
+}
+
 void SidePanel::nameProblems() {
   const int count = problems_->count();
   tabs_->setTabText(Problems, count == 0 ? tr("Problems") : tr("Problems") + QString(" (%1)").arg(count));
@@ -124,6 +129,7 @@ bool SidePanel::shut() {
 }
 
 bool SidePanel::eventFilter(QObject* watched, QEvent* event) {
+  if (overlay_ == nullptr) return QWidget::eventFilter(watched, event);
   if (watched == over_ && event->type() == QEvent::Resize && overlay_->isVisible()) place();
   if (overlay_->isVisible() && event->type() == QEvent::MouseButtonPress) {
     const auto* const widget = qobject_cast<const QWidget*>(watched);

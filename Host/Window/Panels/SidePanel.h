@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QPointer>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QWidget>
@@ -25,6 +26,7 @@ class SidePanel : public QWidget {
   static constexpr int kWidth = 312, kStrip = 40, kOver = 300;
 
   explicit SidePanel(const PanelContext& context, QWidget* parent = nullptr);
+  ~SidePanel() override;
   /// `over` is the widget over which a panel lies while there is only a strip.
   void setNarrow(bool narrow, QWidget* over);
   bool isNarrow() const { return isNarrow_; }
@@ -55,8 +57,8 @@ class SidePanel : public QWidget {
   QTabWidget* tabs_;
   QWidget* strip_;
   std::array<QToolButton*, Count> buttons_{};
-  QFrame* overlay_;
-  QWidget* over_ = nullptr;
+  QPointer<QFrame> overlay_;  // without a parent until it lies over something, which may go first
+  QPointer<QWidget> over_;
   bool isNarrow_ = false;
 };
 
