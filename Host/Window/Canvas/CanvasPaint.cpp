@@ -34,7 +34,7 @@ std::vector<SceneRef> CanvasView::State::refs(const std::vector<database::Slot*>
 }
 
 void CanvasView::State::paintMarks(QPainter& painter) {
-  MarkPainter marks(painter, frame, *scene(), isDark);
+  MarkPainter marks(painter, frame, isDark);
   if (selectedInTiles == nullptr) marks.entities(refs(selected), Mark::Selected);
   marks.entities(refs(highlighted), Mark::Highlight);
   if (!blinking.empty()) marks.entities(refs(blinking), Mark::Hover, blinkStrength);

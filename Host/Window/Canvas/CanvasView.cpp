@@ -13,7 +13,6 @@ namespace host::window {
 namespace {
 
 constexpr int kRefineMs = 25;
-constexpr int kTooltipMs = 500;
 constexpr int kBlinkMs = 400;
 constexpr int kWaitCursorMs = 300;
 constexpr std::size_t kMostPrevious = 50;

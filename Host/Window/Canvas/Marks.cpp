@@ -11,7 +11,6 @@ namespace host::window {
 namespace {
 
 using picture::DisplayList;
-using picture::ItemKind;
 
 constexpr std::size_t kMostCased = 2000;  // marked entities with a casing
 constexpr double kCasing = 1.5;
@@ -360,6 +359,7 @@ void MarkPainter::line(const std::vector<QPointF>& points, bool isClosed, bool i
   picture::DisplayListCanvas canvas;
   canvas.setClip({-4, -4, frame_.size.width() + 4, frame_.size.height() + 4});
   std::vector<Point> line;
+  line.reserve(points.size());
   for (const QPointF p : points) line.push_back({p.x(), p.y()});
   canvas.stroke(line, isClosed, {});
   MarkStyle style = markStyle(Mark::Preview, isDark_);
@@ -374,6 +374,7 @@ void MarkPainter::area(const std::vector<QPointF>& ring) {
   picture::DisplayListCanvas canvas;
   canvas.setClip({-4, -4, frame_.size.width() + 4, frame_.size.height() + 4});
   std::vector<Point> line;
+  line.reserve(ring.size());
   for (const QPointF p : ring) line.push_back({p.x(), p.y()});
   canvas.fill({line}, picture::FillRule::EvenOdd, {});
   const MarkStyle style = markStyle(Mark::Preview, isDark_);

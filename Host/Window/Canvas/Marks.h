@@ -30,8 +30,8 @@ MarkStyle markStyle(Mark mark, bool isDark);
 /// Marks drawn on one frame.
 class MarkPainter {
  public:
-  MarkPainter(QPainter& painter, const ViewFrame& frame, const Scene& scene, bool isDark)
-      : painter_(painter), frame_(frame), scene_(scene), isDark_(isDark) {}
+  MarkPainter(QPainter& painter, const ViewFrame& frame, bool isDark)
+      : painter_(painter), frame_(frame), isDark_(isDark) {}
 
   /// `strength` from 0 to 1: how much of the mark shows. `ofMany`: how many are marked in all, when these are a part.
   void entities(const std::vector<SceneRef>& entities, Mark mark, double strength = 1, std::size_t ofMany = 0);
@@ -55,7 +55,6 @@ class MarkPainter {
 
   QPainter& painter_;
   const ViewFrame& frame_;
-  const Scene& scene_;
   bool isDark_;
 };
 

@@ -229,6 +229,7 @@ std::vector<Slot*> outlinesAround(const SceneKeeper& keeper, Point at) {
   std::ranges::sort(around,
                     [](const Candidate& a, const Candidate& b) { return a.touch.areaAround < b.touch.areaAround; });
   std::vector<Slot*> slots;
+  slots.reserve(around.size());
   for (const Candidate& candidate : around) slots.push_back(candidate.entity->slot);
   return slots;
 }

@@ -83,6 +83,7 @@ class Drawing {
   }
   std::vector<QPointF> pixels(const std::vector<Point>& plan) const {
     std::vector<QPointF> at;
+    at.reserve(plan.size());
     for (const Point p : plan) at.push_back(pixel(p));
     return at;
   }

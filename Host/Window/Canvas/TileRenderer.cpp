@@ -110,7 +110,7 @@ QImage paintTile(const Scene& scene, const TileKey& key, const TileLook& look,
   frame.size = QSizeF(kTilePx / ratio, kTilePx / ratio);
   frame.centre = {(kTilePx / 2.0 - shift.x) / scale, (kTilePx / 2.0 - shift.y) / scale};
   QPainter painter(&image);
-  MarkPainter(painter, frame, scene, look.isDark).entities(selected, Mark::Selected, 1, look.selected->size());
+  MarkPainter(painter, frame, look.isDark).entities(selected, Mark::Selected, 1, look.selected->size());
   return image;
 }
 

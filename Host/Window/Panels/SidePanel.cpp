@@ -129,7 +129,9 @@ bool SidePanel::shut() {
 }
 
 bool SidePanel::eventFilter(QObject* watched, QEvent* event) {
-  if (overlay_ == nullptr) return QWidget::eventFilter(watched, event);
+  // Events of other kinds come while the window is being destroyed, too.
+  const bool isOurs = event->type() == QEvent::Resize || event->type() == QEvent::MouseButtonPress;
+  if (!isOurs || overlay_ == nullptr) return QWidget::eventFilter(watched, event);
   if (watched == over_ && event->type() == QEvent::Resize && overlay_->isVisible()) place();
   if (overlay_->isVisible() && event->type() == QEvent::MouseButtonPress) {
     const auto* const widget = qobject_cast<const QWidget*>(watched);
