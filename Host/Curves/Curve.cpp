@@ -42,7 +42,8 @@ int stepsPerQuarter(double radius, double deviation) {
   if (deviation <= 0) deviation = radius * kRelativeDeviation;
   if (!(deviation < radius)) return 2;
   const double step = 2 * std::acos(1 - deviation / radius);
-  return std::clamp(static_cast<int>(std::ceil(kPi / 2 / step)), 2, kMostStepsPerQuarter);
+  // Where the deviation is lost beside the radius there is no step at all.
+  return static_cast<int>(std::clamp(std::ceil(kPi / 2 / step), 2.0, double{kMostStepsPerQuarter}));
 }
 
 /// Splits [a, b] until the middle of every piece is within `deviation` of its chord; adds everything after pa.

@@ -24,7 +24,8 @@ constexpr std::size_t kMostGlyphs = 400'000;
 int curvePieces(double height, double deviation) {
   // A letter's curve spans about a third of its height; halving pieces quarters the error.
   const double error = height * 0.06 / std::max(deviation, 1e-3);
-  return std::clamp(static_cast<int>(std::ceil(std::sqrt(error))), 1, 16);
+  constexpr int kMost = 16;
+  return error < kMost * kMost ? std::max(1, static_cast<int>(std::ceil(std::sqrt(error)))) : kMost;
 }
 
 constexpr double kClosestLinesPx = 1.2;
