@@ -95,7 +95,7 @@ QString CanvasView::State::wordsOf(Slot* entity) const {
   const SceneRef ref = shown->keeper->find(entity);
   if (tooltipSource && ref && entity->type != DxfType::Hatch) {
     if (const auto on = pointOn(ref, *scene())) {
-      const QString words = QString::fromStdWString(tooltipSource({on->x, on->y, 0})).section(u'\n', 0, 0);
+      QString words = QString::fromStdWString(tooltipSource({on->x, on->y, 0})).section(u'\n', 0, 0);
       if (!words.isEmpty()) return words;
     }
   }
