@@ -71,6 +71,7 @@ std::optional<std::vector<bool>> askWhichToSave(QWidget* parent, const QStringLi
   });
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
   std::vector<bool> wanted;
+  wanted.reserve(ticks.size());
   for (const QCheckBox* const tick : ticks) wanted.push_back(!isDropped && tick->isChecked());
   return wanted;
 }
