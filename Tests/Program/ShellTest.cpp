@@ -90,7 +90,7 @@ TEST_F(Shell, TakesCommandsKeysAndDialogsOfATerminal) {
   at("*Cancel*", "harja\t");                  // from the midst of a name
   at("TLM_MUOK_HARJAVIIVA", "\x03");
   atPrompt("Command: ", "?\r");
-  at("  ERASE     erases objects", "REGENN\r");
+  at("  ERASE       erases objects", "REGENN\r");
   at("Unknown command \"REGENN\".  Nearest: REGEN.", "TLM_MUOK_RAKENNUS (handent \"2C0\")\r");
   at("Select objects: ", "\r");
   at("30211 edit \"\"", "nonsense\r");  // the controls were listed unasked
