@@ -8,11 +8,15 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Editor/InputSource.h"
 #include "Problems/Problem.h"
 
 namespace host::editor {
+
+/// The text in quotes as scripts read it as one answer: quotes within it stand twice.
+std::wstring quotedAnswer(std::wstring_view text);
 
 /// Cuts lines into answers; the derived class brings the lines.
 class LineInput : public InputSource {

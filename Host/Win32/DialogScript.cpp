@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "Editor/DialogInput.h"
+#include "Editor/ScriptInput.h"
 #include "Text/Text.h"
 #include "Win32/WindowObject.h"
 
@@ -111,16 +112,6 @@ std::wstring items(HostWindow& list) {
   for (int i = 0; i < std::min(list.widget->count(), kMostShown); ++i)
     all += (i > 0 ? L", " : L"") + inQuotes(list.widget->item(i));
   return list.widget->count() > kMostShown ? all + L", ..." : all;
-}
-
-/// Quoted as `unquoted` reads it.
-std::wstring asValue(std::wstring_view text) {
-  std::wstring quoted = L"\"";
-  for (const wchar_t c : text) {
-    if (c == L'"') quoted += c;
-    quoted += c;
-  }
-  return quoted + L'"';
 }
 
 /// "30206": how a script names the control; a button whose number is not its own by its caption.
@@ -289,12 +280,12 @@ void recordPressed(HostWindow& button) {
 
 void recordEdited(HostWindow& edit) {
   const std::wstring begin = nameOf(edit) + L" ";
-  record(edit, begin + asValue(edit.widget->text()), begin);
+  record(edit, begin + editor::quotedAnswer(edit.widget->text()), begin);
 }
 
 void recordChosen(HostWindow& list) {
   const int current = list.widget->current();
-  if (current >= 0) record(list, nameOf(list) + L" " + asValue(list.widget->item(current)));
+  if (current >= 0) record(list, nameOf(list) + L" " + editor::quotedAnswer(list.widget->item(current)));
 }
 
 void recordDoubleClicked(HostWindow& list) { record(list, L"double-click " + nameOf(list)); }

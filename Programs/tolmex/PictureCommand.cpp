@@ -12,7 +12,6 @@
 
 namespace tolmex {
 
-namespace fs = std::filesystem;
 using host::Code;
 using host::problemOf;
 using host::Result;

@@ -100,6 +100,15 @@ Answer LineInput::takeWord() {
   return textAnswer(std::move(word));
 }
 
+std::wstring quotedAnswer(std::wstring_view text) {
+  std::wstring quoted = L"\"";
+  for (const wchar_t c : text) {
+    if (c == L'"') quoted += c;
+    quoted += c;
+  }
+  return quoted + L'"';
+}
+
 std::wstring LineInput::takeQuoted() {
   std::wstring inside;
   for (++position_; position_ < line_.size(); ++position_) {

@@ -3,21 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Editor/ScriptInput.h"
 #include "Text/Text.h"
 
 namespace host::editor {
 namespace {
 
 constexpr std::wstring_view kEscape = L"^C";
-
-std::wstring inQuotes(std::wstring_view text) {
-  std::wstring quoted = L"\"";
-  for (const wchar_t c : text) {
-    if (c == L'"') quoted += c;
-    quoted += c;
-  }
-  return quoted + L'"';
-}
 
 /// Whether the word is one expression in parentheses, which a script reads whole.
 bool isExpression(std::wstring_view word) {
@@ -47,13 +39,13 @@ std::wstring spelled(std::wstring_view text, AnswerForm form, bool isQuoted) {
       // Dialogs do not mind blanks around a line.
       return beginsOtherwise(text) && text.front() != L'"' ? L" " + std::wstring(text) : std::wstring(text);
     case AnswerForm::Text:
-      return isQuoted || beginsOtherwise(text) ? inQuotes(text) : std::wstring(text);
+      return isQuoted || beginsOtherwise(text) ? quotedAnswer(text) : std::wstring(text);
     case AnswerForm::Word:
       break;
   }
   const bool isPlain =
       text.front() == L'(' ? isExpression(text) : text.find_first_of(L" \t") == std::wstring_view::npos;
-  return isQuoted || !isPlain || beginsOtherwise(text) ? inQuotes(text) : std::wstring(text);
+  return isQuoted || !isPlain || beginsOtherwise(text) ? quotedAnswer(text) : std::wstring(text);
 }
 
 std::wstring digits(double value) { return text::fromUtf8(text::formatReal(value)); }

@@ -39,8 +39,8 @@ QPixmap pictureOf(const QString& file) {
   const preview::FilePreview& made =
       preview::previewOf(QFile::encodeName(file).toStdString(), {kPictureWidth - 12, kPictureHeight - 12, 0xFFFFFF});
   QPixmap pixmap = blank(true);
-  if (!made.ok) return pixmap;
-  const QImage image(reinterpret_cast<const uchar*>(made.pixels.argb.data()), made.pixels.width, made.pixels.height,
+  if (!made.pixels) return pixmap;
+  const QImage image(reinterpret_cast<const uchar*>(made.pixels->argb.data()), made.pixels->width, made.pixels->height,
                      QImage::Format_ARGB32);
   QPainter painter(&pixmap);
   painter.drawImage((kPictureWidth - image.width()) / 2, (kPictureHeight - image.height()) / 2, image);

@@ -83,19 +83,14 @@ void Theme::apply(QApplication& application) {
   const Theme& t = chosen();
   QApplication::setStyle("Fusion");
   QPalette palette(t.text, t.window);
-  palette.setColor(QPalette::Base, t.panel);
-  palette.setColor(QPalette::AlternateBase, t.window);
-  palette.setColor(QPalette::Text, t.text);
-  palette.setColor(QPalette::WindowText, t.text);
-  palette.setColor(QPalette::ButtonText, t.text);
-  palette.setColor(QPalette::Button, t.window);
-  palette.setColor(QPalette::Highlight, t.accent);
-  palette.setColor(QPalette::HighlightedText, t.panel);
-  palette.setColor(QPalette::Link, t.accent);
-  palette.setColor(QPalette::LinkVisited, t.accent);
-  palette.setColor(QPalette::PlaceholderText, t.muted);
-  palette.setColor(QPalette::ToolTipBase, t.panel);
-  palette.setColor(QPalette::ToolTipText, t.text);
+  const std::pair<QPalette::ColorRole, QColor> roles[] = {
+      {QPalette::Base, t.panel},         {QPalette::AlternateBase, t.window},  {QPalette::Text, t.text},
+      {QPalette::WindowText, t.text},    {QPalette::ButtonText, t.text},       {QPalette::Button, t.window},
+      {QPalette::Highlight, t.accent},   {QPalette::HighlightedText, t.panel}, {QPalette::Link, t.accent},
+      {QPalette::LinkVisited, t.accent}, {QPalette::PlaceholderText, t.muted}, {QPalette::ToolTipBase, t.panel},
+      {QPalette::ToolTipText, t.text},
+  };
+  for (const auto& [role, color] : roles) palette.setColor(role, color);
   for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText}) {
     QColor pale = t.muted;
     pale.setAlphaF(0.6F);

@@ -62,6 +62,7 @@ constexpr const char* kSaid[] = {
     QT_TRANSLATE_NOOP("HostPhrases", "Specify rotation angle of text <0>: "),
     QT_TRANSLATE_NOOP("HostPhrases", "Enter text: "),
     QT_TRANSLATE_NOOP("HostPhrases",
+                      // One text of two lines. NOLINTNEXTLINE(bugprone-suspicious-missing-comma)
                       "Specify corner of window, enter a scale factor (nX), or "
                       "[All/Center/Extents/Previous/Scale/Window/Object]: "),
     QT_TRANSLATE_NOOP("HostPhrases", "Enter name of drawing to open: "),

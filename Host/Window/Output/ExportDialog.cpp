@@ -1,6 +1,7 @@
 #include "Window/Output/ExportDialog.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -25,6 +26,7 @@
 #include <QThreadPool>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "Picture/PaperSizes.h"
 #include "Window/Commands/Language.h"
@@ -41,7 +43,7 @@ constexpr int kDelayMs = 80;
 
 /// The dialog. The drawing stands still while it is open, so its preview is drawn on a worker.
 class ExportDialog : public QDialog {
-  Q_OBJECT
+  Q_DECLARE_TR_FUNCTIONS(host::window::ExportDialog)
 
  public:
   ExportDialog(QWidget& window, Engine& engine, CanvasView& canvas, ExportKind kind)
@@ -203,7 +205,8 @@ ExportChoice ExportDialog::choice() const {
     const double width = size.mayTurn && isWide ? std::max(size.widthMm, size.heightMm)
                          : size.mayTurn         ? std::min(size.widthMm, size.heightMm)
                                                 : size.widthMm;
-    choice.picture.widthPx = std::clamp(static_cast<int>(width / 25.4 * choice.dpi + 0.5), 1, picture::kLargestSidePx);
+    const auto pixels = std::lround(width / 25.4 * choice.dpi);
+    choice.picture.widthPx = static_cast<int>(std::clamp<long>(pixels, 1, picture::kLargestSidePx));
   }
   return choice;
 }
@@ -359,5 +362,3 @@ void exportPicture(QWidget& window, Engine& engine, Conversation& talk, CanvasVi
 }
 
 }  // namespace host::window
-
-#include "ExportDialog.moc"
