@@ -40,8 +40,7 @@ bool skipBracket(std::string_view& text) {
 
 void readDefinitionFile(std::string_view text,
                         const std::function<std::string(std::string_view name, std::string_view description)>& header,
-                        const std::function<std::string(std::string_view line)>& body,
-                        std::vector<std::string>& problems) {
+                        const std::function<std::string(std::string_view line)>& body, std::vector<Problem>& problems) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   for (std::size_t number = 1; !text.empty(); ++number) {
     const std::size_t end = text.find('\n');
@@ -56,7 +55,7 @@ void readDefinitionFile(std::string_view text,
     } else {
       problem = body(line);
     }
-    if (!problem.empty()) problems.push_back("Line " + std::to_string(number) + ": " + problem);
+    if (!problem.empty()) problems.push_back({Code::LineSkipped, {}, number, 0, std::move(problem)});
   }
 }
 

@@ -94,7 +94,7 @@ std::vector<LinetypeMark> linetypeMarks(database::TagCursor tags) {
   return marks;
 }
 
-std::vector<Linetype> parseLinetypeFile(std::string_view text, std::vector<std::string>& problems) {
+std::vector<Linetype> parseLinetypeFile(std::string_view text, std::vector<Problem>& problems) {
   std::vector<Linetype> linetypes;
   bool isUnderHeader = false;
   const auto header = [&](std::string_view name, std::string_view description) -> std::string {

@@ -32,7 +32,7 @@ struct LinetypeMark {
 std::vector<double> linetypeDashes(database::TagCursor tags);
 /// Texts and shapes of an LTYPE record; those with numbers that are not finite are left out.
 std::vector<LinetypeMark> linetypeMarks(database::TagCursor tags);
-/// Linetypes of a linetype file's text; `problems` gets one sentence per line that cannot be read, with its number.
-std::vector<Linetype> parseLinetypeFile(std::string_view text, std::vector<std::string>& problems);
+/// Linetypes of a linetype file's text; `problems` gets one for each line that cannot be read.
+std::vector<Linetype> parseLinetypeFile(std::string_view text, std::vector<Problem>& problems);
 
 }  // namespace host::hatching

@@ -54,7 +54,7 @@ std::string addFamily(Pattern& pattern, std::string_view line) {
 
 }  // namespace
 
-std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<std::string>& problems) {
+std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<Problem>& problems) {
   std::vector<Pattern> patterns;
   bool isUnderHeader = false;
   const auto header = [&](std::string_view name, std::string_view description) -> std::string {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Hatching/PatternFill.h"
+#include "Problems/Problem.h"
 
 namespace host::hatching {
 
@@ -17,9 +18,9 @@ struct Pattern {
   std::vector<PatternLine> families;  // unscaled; offsets along and across the line as the file gives them
 };
 
-/// Patterns of a pattern file's text; `problems` gets one sentence per line that cannot be read, with its number. Such
-/// a line is left out; a pattern that has no line left is left out whole. SOLID has no families.
-std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<std::string>& problems);
+/// Patterns of a pattern file's text; `problems` gets one for each line that cannot be read. Such a
+/// line is left out; a pattern that has no line left is left out whole. SOLID has no families.
+std::vector<Pattern> parsePatternFile(std::string_view text, std::vector<Problem>& problems);
 /// A predefined pattern by name (without regard to case): from acad.pat, or acadiso.pat in a metric drawing, on the
 /// support path. SOLID is known without a file. Nothing when unknown.
 std::optional<Pattern> findPattern(std::wstring_view name, bool metric);

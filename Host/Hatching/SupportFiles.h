@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "Problems/Problem.h"
 #include "adesk.h"
 
 class AcDbDatabase;
@@ -27,7 +28,7 @@ template <class Definition>
 class DefinitionFiles {
  public:
   using Definitions = std::vector<Definition>;
-  using Parse = Definitions (*)(std::string_view text, std::vector<std::string>& problems);
+  using Parse = Definitions (*)(std::string_view text, std::vector<Problem>& problems);
   explicit DefinitionFiles(Parse parse) : parse_(parse) {}
 
   /// Those of a file; null when it cannot be read. A damaged line costs its own definition only.
@@ -40,7 +41,7 @@ class DefinitionFiles {
     if (file.definitions == nullptr || file.changed != changed) {
       const std::optional<std::string> bytes = readTextFile(path);
       if (!bytes) return nullptr;
-      std::vector<std::string> problems;
+      std::vector<Problem> problems;
       file = {changed, std::make_shared<const Definitions>(parse_(*bytes, problems))};
     }
     return file.definitions;

@@ -15,10 +15,9 @@ namespace {
 std::uint32_t toRgb(std::uint32_t color) { return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF); }
 
 /// The control paints often; it reports a drawing that cannot be drawn once.
-void reportOnce(const std::string& sentence) {
+void reportOnce(const host::Problem& problem) {
   static auto& reported = *new std::set<std::string>;
-  if (!sentence.empty() && reported.insert(sentence).second)
-    host::editor::reportDialogProblem(host::problemOf(host::Code::FilePassedOver, sentence));
+  if (reported.insert(problem.text).second) host::editor::reportDialogProblem(problem);
 }
 
 }  // namespace
@@ -29,8 +28,8 @@ bool acdbDisplayPreviewFromDwg(const ACHAR* dwgFile, void* window, Adesk::UInt32
   if (dwgFile == nullptr || GetClientRect(pane, &area) == FALSE || area.right <= 0 || area.bottom <= 0) return false;
   const host::preview::Canvas canvas{area.right, area.bottom, background != nullptr ? toRgb(*background) : 0xFFFFFF};
   const host::preview::FilePreview& preview = host::preview::previewOf(host::text::toPath(dwgFile), canvas);
-  reportOnce(preview.message);
-  if (!preview.ok) return false;
-  host::win32::showPicture(pane, preview.pixels.width, preview.pixels.height, preview.pixels.argb.data());
+  if (preview.problem) reportOnce(*preview.problem);
+  if (!preview.pixels) return false;
+  host::win32::showPicture(pane, preview.pixels->width, preview.pixels->height, preview.pixels->argb.data());
   return true;
 }

@@ -62,24 +62,22 @@ std::string thumbnailOf(const std::filesystem::path& file) {
 }
 
 FilePreview made(const std::filesystem::path& file, const Canvas& canvas) {
+  const auto because = [](std::string why) { return problemOf(Code::FilePassedOver, std::move(why)); };
+  if (!painter().problem.empty()) return {{}, because(painter().problem)};
   FilePreview preview;
-  if (!painter().problem.empty()) {
-    preview.message = painter().problem;
-    return preview;
-  }
+  Pixels pixels;
   {
     AcDbDatabase db(false, true);
     if (db.readDwgFile(text::fromUtf8(file.string()).c_str()) != Acad::eOk) {
-      preview.message = whyUnread(db, file);
-    } else if (painter().draw(db.hostDatabase(), canvas, preview.pixels)) {
-      preview.ok = true;
-      return preview;
+      preview.problem = because(whyUnread(db, file));
+    } else if (painter().draw(db.hostDatabase(), canvas, pixels)) {
+      return {std::move(pixels), {}};
     } else {
-      preview.message = file.string() + ": the drawing shows nothing";
+      preview.problem = because(file.string() + ": the drawing shows nothing");
     }
   }
   const std::string thumbnail = thumbnailOf(file);
-  preview.ok = !thumbnail.empty() && painter().decode(thumbnail, canvas, preview.pixels);
+  if (!thumbnail.empty() && painter().decode(thumbnail, canvas, pixels)) preview.pixels = std::move(pixels);
   return preview;
 }
 

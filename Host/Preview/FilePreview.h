@@ -2,16 +2,16 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
+#include <optional>
 
 #include "Preview/Pixels.h"
+#include "Problems/Problem.h"
 
 namespace host::preview {
 
 struct FilePreview {
-  bool ok = false;
-  Pixels pixels;
-  std::string message;  // why the drawing could not be drawn, in one sentence; empty when it was
+  std::optional<Pixels> pixels;    // nothing when there is no picture at all
+  std::optional<Problem> problem;  // why the drawing could not be drawn; the pixels are then those that it keeps
 };
 
 /// The picture of what the file draws, or the one it keeps of itself when it cannot be drawn. Pictures made lately are

@@ -233,12 +233,12 @@ TEST_F(Symbols, PreviewIsOfTheSizeAskedForWithTheDrawingInTheMiddle) {
   for (const auto& [width, height] : {std::pair{200, 80}, {80, 200}, {1, 1}}) {
     const host::preview::FilePreview& preview =
         host::preview::previewOf(kExamples / "lehtipuu_3t.dwg", {width, height, 0x102030});
-    ASSERT_TRUE(preview.ok) << preview.message;
-    EXPECT_EQ(preview.pixels.argb.size(), static_cast<std::size_t>(width * height));
+    ASSERT_TRUE(preview.pixels) << (preview.problem ? preview.problem->text : "");
+    EXPECT_EQ(preview.pixels->argb.size(), static_cast<std::size_t>(width * height));
     if (width == 1) continue;
-    EXPECT_EQ(preview.pixels.argb.front(), 0xFF102030);
-    EXPECT_NE(preview.pixels.argb[static_cast<std::size_t>(width * (height / 2) + width / 2)], 0xFF102030);
-    EXPECT_GT(colors(preview.pixels)[0xFF102030], width * height / 2);
+    EXPECT_EQ(preview.pixels->argb.front(), 0xFF102030);
+    EXPECT_NE(preview.pixels->argb[static_cast<std::size_t>(width * (height / 2) + width / 2)], 0xFF102030);
+    EXPECT_GT(colors(*preview.pixels)[0xFF102030], width * height / 2);
   }
 }
 
@@ -279,8 +279,8 @@ TEST_F(Symbols, StoredPictureStandsInForADrawingThatCannotBeDrawn) {
   const fs::path file = symbols_ / "kuva_0.dwg";
   std::ofstream(file, std::ios::binary) << dwgWith(picture, 2, static_cast<std::uint32_t>(picture.size()));
   const host::preview::FilePreview& preview = host::preview::previewOf(file, {20, 10, 0xFFFFFF});
-  ASSERT_TRUE(preview.ok);
-  EXPECT_EQ(colors(preview.pixels), (std::map<std::uint32_t, int>{{0xFF3366CC, 64}, {0xFFFFFFFF, 136}}));
+  ASSERT_TRUE(preview.pixels);
+  EXPECT_EQ(colors(*preview.pixels), (std::map<std::uint32_t, int>{{0xFF3366CC, 64}, {0xFFFFFFFF, 136}}));
   // It is shown, and nothing comes of inserting it.
   run(opened("30239 kuva\nLisää\nSulje\n"));
   EXPECT_EQ(drawing().findRecord(DxfType::BlockRecord, L"kuva_0.dwg"), nullptr);
@@ -299,8 +299,8 @@ TEST_F(Symbols, StoredPictureStandsInForADrawingThatCannotBeDrawn) {
                                         hex.substr(0, 254) + "\n310\n" + hex.substr(254) + "\n0\nENDSEC\n");
   std::ofstream(symbols_ / "teksti_0.dwg", std::ios::binary) << text;
   const host::preview::FilePreview& second = host::preview::previewOf(symbols_ / "teksti_0.dwg", {4, 4, 0xFFFFFF});
-  ASSERT_TRUE(second.ok) << second.message;
-  EXPECT_EQ(colors(second.pixels), (std::map<std::uint32_t, int>{{0xFF3366CC, 16}}));
+  ASSERT_TRUE(second.pixels) << second.problem->text;
+  EXPECT_EQ(colors(*second.pixels), (std::map<std::uint32_t, int>{{0xFF3366CC, 16}}));
 
   // Places and sizes in a file are not believed.
   int number = 0;
@@ -310,7 +310,7 @@ TEST_F(Symbols, StoredPictureStandsInForADrawingThatCannotBeDrawn) {
         dwgWith("", 2, 0).replace(0x0D, 4, "\xFF\xFF\xFF\xFF")}) {
     const fs::path bad = symbols_ / ("vika" + std::to_string(number++) + "_0.dwg");
     std::ofstream(bad, std::ios::binary) << bytes;
-    EXPECT_FALSE(host::preview::previewOf(bad, {20, 10, 0xFFFFFF}).ok) << bad;
+    EXPECT_FALSE(host::preview::previewOf(bad, {20, 10, 0xFFFFFF}).pixels) << bad;
   }
 }
 

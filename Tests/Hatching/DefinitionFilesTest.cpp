@@ -16,7 +16,7 @@ namespace host::hatching {
 namespace {
 
 constexpr double kPi = std::numbers::pi;
-using Problems = std::vector<std::string>;
+using Problems = std::vector<Problem>;
 using Numbers = std::vector<double>;
 
 std::string shipped(const char* name) {
@@ -46,10 +46,9 @@ TEST(PatternFiles, DamagedLinesAreNamedAndTheRestIsRead) {
       "0, 0,0, 0,1\r\n"  // 16
       "*last\r\n0, 0,0, 0,-3",
       problems);
-  std::set<std::string> lines;
-  for (const std::string& problem : problems) lines.insert(problem.substr(0, problem.find(':')));
-  EXPECT_EQ(lines, (std::set<std::string>{"Line 2", "Line 6", "Line 7", "Line 8", "Line 9", "Line 10", "Line 11",
-                                          "Line 12", "Line 15", "Line 16"}));
+  std::set<std::size_t> lines;
+  for (const Problem& problem : problems) lines.insert(problem.line);
+  EXPECT_EQ(lines, (std::set<std::size_t>{2, 6, 7, 8, 9, 10, 11, 12, 15, 16}));
   EXPECT_EQ(problems.size(), lines.size());
   ASSERT_EQ(patterns.size(), 2u);
   EXPECT_EQ(patterns[0].name, "FENCE");
@@ -106,9 +105,9 @@ TEST(LinetypeFiles, DamagedLinesAreNamedAndComplexOnesKeepTheirLengths) {
       "*bad7\n"
       "*Twice\nA,1,-1\nA,2,-2\n",
       problems);  // 21
-  std::set<std::string> lines;
-  for (const std::string& problem : problems) lines.insert(problem.substr(0, problem.find(':')));
-  EXPECT_EQ(lines, (std::set<std::string>{"Line 7", "Line 9", "Line 11", "Line 13", "Line 15", "Line 17", "Line 21"}));
+  std::set<std::size_t> lines;
+  for (const Problem& problem : problems) lines.insert(problem.line);
+  EXPECT_EQ(lines, (std::set<std::size_t>{7, 9, 11, 13, 15, 17, 21}));
   ASSERT_EQ(linetypes.size(), 3u);
   EXPECT_EQ(linetypes[0].name, "GAS_LINE");
   EXPECT_EQ(linetypes[0].description, "Gas ----GAS----, with comma");
@@ -162,7 +161,7 @@ TEST(ShippedFiles, MetricOnesAreTheInchOnesTimes25Point4) {
   for (const char* name : {"HIDDEN", "HIDDEN2", "HIDDENX2", "DOT", "DOT2", "DOTX2", "DOTS", "DASHED", "CENTER2"}) {
     EXPECT_TRUE(names.contains(name)) << name;
   }
-  EXPECT_TRUE(problems.empty()) << problems.front();
+  EXPECT_TRUE(problems.empty()) << problems.front().sentence();
 }
 
 }  // namespace

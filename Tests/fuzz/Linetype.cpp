@@ -6,7 +6,7 @@
 #include "Target.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::vector<std::string> problems;
+  std::vector<host::Problem> problems;
   for (const host::hatching::Linetype& linetype :
        host::hatching::parseLinetypeFile(fuzz::textOf(data, size), problems)) {
     fuzz::require(!linetype.name.empty(), "linetypes have names");

@@ -25,7 +25,7 @@ void fillSquare(const std::vector<PatternLine>& families, const std::string& nam
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::vector<std::string> problems;
+  std::vector<host::Problem> problems;
   for (const host::hatching::Pattern& pattern : host::hatching::parsePatternFile(fuzz::textOf(data, size), problems)) {
     fuzz::require(!pattern.name.empty(), "patterns have names");
     const std::vector<PatternLine> families = host::hatching::scaledPattern(pattern, 0.5, 2);
