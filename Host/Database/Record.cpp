@@ -184,35 +184,77 @@ void Record::replace(std::size_t index, std::size_t count, std::string_view byte
   }
 }
 
+namespace {
+
+constexpr std::size_t kLongestCode = 11;
+
+/// The code as DXF writers align it: three characters at least.
+char* spellCode(int code, char* at) {
+  constexpr int kFirstOfFour = 1000;
+  if (code < 0 || code >= kFirstOfFour) {
+    if (code < 0 && code > -10) *at++ = ' ';
+    return std::to_chars(at, at + kLongestCode, code).ptr;
+  }
+  const auto digit = [code](int divisor) {
+    return code >= divisor || divisor == 1 ? static_cast<char>('0' + code / divisor % 10) : ' ';
+  };
+  for (const int divisor : {100, 10, 1}) *at++ = digit(divisor);
+  return at;
+}
+
+char* endLine(std::string_view lineEnd, char* at) {
+  for (const char c : lineEnd) *at++ = c;
+  return at;
+}
+
+/// The number as `spelledInteger` spells it, to where `kLongestNumber` characters have room.
+char* spellInteger(int code, std::int64_t value, char* at) {
+  char digits[host::text::kLongestNumber];
+  const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  const bool isLong =
+      (code >= 90 && code <= 99) || (code >= 420 && code <= 429) || (code >= 440 && code <= 459) || code == 1071;
+  for (std::ptrdiff_t width = end - digits; width < (isLong ? 9 : 6); ++width) *at++ = ' ';
+  return std::copy(static_cast<const char*>(digits), end, at);
+}
+
+}  // namespace
+
 TagWriter& TagWriter::raw(int code, std::string_view value) {
-  char buffer[16];
-  const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, code);
-  (void)error;
-  const std::size_t digits = static_cast<std::size_t>(end - buffer);
-  if (digits < 3) out_.append(3 - digits, ' ');
-  out_.append(buffer, digits);
-  out_ += lineEnd_;
+  char line[kLongestCode + 1 + kLongestLineEnd];
+  char* const end = endLine(lineEnd_, spellCode(code, line));
+  out_.append(line, end);
   out_ += value;
   out_ += lineEnd_;
   return *this;
 }
 
-TagWriter& TagWriter::text(int code, std::wstring_view value) { return raw(code, codec_->encode(value)); }
-
-TagWriter& TagWriter::real(int code, double value) { return raw(code, host::text::formatReal(value)); }
-
-std::string spelledInteger(int code, std::int64_t value) {
-  std::string digits = std::to_string(value);
-  const bool isLong =
-      (code >= 90 && code <= 99) || (code >= 420 && code <= 429) || (code >= 440 && code <= 459) || code == 1071;
-  const std::size_t width = isLong ? 9 : 6;
-  if (digits.size() < width) digits.insert(0, width - digits.size(), ' ');
-  return digits;
+// Most of a drawing is numbers: each is put together on the stack and copied once.
+template <class Spell>
+TagWriter& TagWriter::number(int code, Spell spell) {
+  char tag[kLongestCode + 1 + host::text::kLongestNumber + 2 * kLongestLineEnd];
+  char* const end = endLine(lineEnd_, spell(endLine(lineEnd_, spellCode(code, tag))));
+  out_.append(tag, end);
+  return *this;
 }
 
-TagWriter& TagWriter::integer(int code, std::int64_t value) { return raw(code, spelledInteger(code, value)); }
+TagWriter& TagWriter::text(int code, std::wstring_view value) { return raw(code, codec_->encode(value)); }
 
-TagWriter& TagWriter::handle(int code, std::uint64_t value) { return raw(code, host::text::formatHandle(value)); }
+TagWriter& TagWriter::real(int code, double value) {
+  return number(code, [value](char* at) { return host::text::formatReal(value, at); });
+}
+
+std::string spelledInteger(int code, std::int64_t value) {
+  char buffer[host::text::kLongestNumber];
+  return {buffer, spellInteger(code, value, buffer)};
+}
+
+TagWriter& TagWriter::integer(int code, std::int64_t value) {
+  return number(code, [code, value](char* at) { return spellInteger(code, value, at); });
+}
+
+TagWriter& TagWriter::handle(int code, std::uint64_t value) {
+  return number(code, [value](char* at) { return host::text::formatHandle(value, at); });
+}
 
 TagWriter& TagWriter::point(int code, double x, double y, double z) {
   return real(code, x).real(code + 10, y).real(code + 20, z);

@@ -104,6 +104,10 @@ class TagWriter {
   void clear() { out_.clear(); }
 
  private:
+  static constexpr std::size_t kLongestLineEnd = 2;
+  template <class Spell>
+  TagWriter& number(int code, Spell spell);
+
   const text::Codec* codec_;
   std::string_view lineEnd_;
   std::string out_;

@@ -2,9 +2,11 @@
 // not changed comes out as it went in.
 #include <algorithm>
 #include <functional>
+#include <future>
 #include <map>
 #include <span>
 #include <unordered_map>
+#include <utility>
 
 #include "Database/Store/Parts.h"
 #include "Database/Store/Settling.h"
@@ -51,22 +53,47 @@ class Writer {
  public:
   explicit Writer(DrawingDatabase& db) : db_(db), parts_(db.parts()), file_(parts_.file) {}
 
-  /// Gives the drawing's text in order, until `give` answers false. Nothing of the drawing changes.
+  /// Gives the drawing's text in order, until `give` answers false. Nothing of the drawing changes. What comes from the
+  /// file is given where it lies, by which the binary form knows it. New entities go in batches, which a second thread
+  /// spells while `give` writes the batch before.
   bool write(const std::function<bool(std::string_view)>& give) {
-    TagWriter out = db_.tagWriter();
-    for (const Piece& piece : pieces()) {
-      std::string_view bytes = piece.bytes;
-      if (piece.entity != nullptr) {
-        out.clear();
-        spell(*piece.entity, out);
-        bytes = out.str();
+    const Pieces all = pieces();
+    TagWriter idle = db_.tagWriter();  // its memory serves the batch after the next
+    std::future<Batch> ahead;
+    for (std::size_t next = 0; next < all.size();) {
+      if (all[next].entity == nullptr) {
+        if (!give(all[next++].bytes)) return false;
+        continue;
       }
-      if (!give(bytes)) return false;
+      Batch batch = ahead.valid() ? ahead.get() : spelledBatch(all, next, std::move(idle));
+      next = batch.end;
+      if (next < all.size() && all[next].entity != nullptr) {
+        // Where the system has no thread to spare, the batch is spelled when it is asked for.
+        ahead = std::async(std::launch::async | std::launch::deferred, [&all, next, out = std::move(idle)]() mutable {
+          return spelledBatch(all, next, std::move(out));
+        });
+      }
+      if (!give(batch.out.str())) return false;
+      idle = std::move(batch.out);
     }
     return true;
   }
 
  private:
+  struct Batch {
+    TagWriter out;
+    std::size_t end = 0;  // of the pieces that it holds
+  };
+
+  /// The new entities that stand there one after another, up to a size that is worth a thread.
+  static Batch spelledBatch(const Pieces& all, std::size_t from, TagWriter out) {
+    constexpr std::size_t kEnough = std::size_t{1} << 20;
+    out.clear();
+    std::size_t at = from;
+    while (at < all.size() && all[at].entity != nullptr && out.str().size() < kEnough) spell(*all[at++].entity, out);
+    return {std::move(out), at};
+  }
+
   /// The drawing in order; the pieces lie in memory of the database or of the writer.
   Pieces pieces() {
     if (!isTouched()) return {Piece(file_.text)};

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <iterator>
@@ -138,26 +139,33 @@ std::uint64_t parseHandle(std::string_view text) {
   return error == std::errc() ? value : 0;
 }
 
-std::string formatReal(double value) {
+char* formatReal(double value, char* at) {
   constexpr double kLargestPlain = 1e16;
   constexpr double kSmallestPlain = 1e-5;
-  char buffer[64];
   const double size = std::fabs(value);
   const bool plain = size == 0.0 || (size >= kSmallestPlain && size < kLargestPlain);
-  const auto [end, error] = plain ? std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed)
-                                  : std::to_chars(buffer, buffer + sizeof buffer, value);
-  std::string out(buffer, end);
-  if (out.find_first_of(".en") == std::string::npos) out += ".0";
-  return out;
+  const auto [end, error] = plain ? std::to_chars(at, at + kLongestNumber - 2, value, std::chars_format::fixed)
+                                  : std::to_chars(at, at + kLongestNumber - 2, value);
+  if (std::any_of(at, end, [](char c) { return c == '.' || c == 'e' || c == 'n'; })) return end;
+  end[0] = '.';
+  end[1] = '0';
+  return end + 2;
+}
+
+std::string formatReal(double value) {
+  char buffer[kLongestNumber];
+  return {buffer, formatReal(value, buffer)};
+}
+
+char* formatHandle(std::uint64_t handle, char* at) {
+  char* const end = std::to_chars(at, at + kLongestNumber, handle, 16).ptr;
+  std::transform(at, end, at, [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return end;
 }
 
 std::string formatHandle(std::uint64_t handle) {
-  char buffer[16];
-  const auto [end, error] = std::to_chars(buffer, buffer + sizeof buffer, handle, 16);
-  std::string out(buffer, end);
-  for (char& c : out)
-    if (c >= 'a') c = static_cast<char>(c - 'a' + 'A');
-  return out;
+  char buffer[kLongestNumber];
+  return {buffer, formatHandle(handle, buffer)};
 }
 
 }  // namespace host::text

@@ -34,10 +34,15 @@ std::optional<std::int64_t> parseInteger(std::string_view text);
 /// Hexadecimal handle text; 0 when there is no hexadecimal digit.
 std::uint64_t parseHandle(std::string_view text);
 
+/// Room for any number as the functions below spell it.
+constexpr std::size_t kLongestNumber = 40;
 /// Shortest text that reads back as the same number, always with a "." or an exponent ("1.0", "0.15", "1e+20").
 std::string formatReal(double value);
+/// The same to `at`, where `kLongestNumber` characters have room; the end of the text.
+char* formatReal(double value, char* at);
 /// Upper-case hexadecimal without leading zeros.
 std::string formatHandle(std::uint64_t handle);
+char* formatHandle(std::uint64_t handle, char* at);
 
 /// Name against a pattern of the host: # digit, @ letter, . other, * any, ? one, ~ not, [..] set, [~..] not in set,
 /// ',' alternatives, ` takes the next character as it is. Without regard to case.
