@@ -96,6 +96,8 @@ class BoundsCanvas final : public Canvas {
   void endClip() override {}
   void setClip(const Box& clip) override;
   const Box& box() const { return box_; }
+  /// The box of what follows begins anew.
+  void begin() { box_ = {}; }
 
  private:
   void add(Point p);

@@ -181,7 +181,12 @@ EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const 
 void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   if (isRepeating() && !spendRepeats(1)) return;
   const std::uint32_t layer = appearances_.effectiveLayer(entity, place.surroundings);
-  if (!appearances_.isShown(entity, layer)) return;
+  if (!appearances_.isShown(entity, layer)) {
+    if (!isRepeating() && appearances_.isUnplotted(layer)) ++unplotted_[layer];
+    // Of a viewport only the frame lies on its layer, unless that is frozen.
+    if (entity.type == DxfType::Viewport && !appearances_.isFrozen(layer)) paintViewport(entity);
+    return;
+  }
   const database::EntityProperties own = database::entityProperties(entity);
   if (own.invisible) return;
   const Appearance appearance = appearances_.resolve(own, layer, place.surroundings);

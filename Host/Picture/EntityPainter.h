@@ -29,6 +29,18 @@ class EntityPainter {
 
   /// Living, visible entities in draw order.
   void paint(const database::BlockContents& block);
+  /// The same; `visit` is called before and after each entity.
+  template <class Visit>
+  void paintEach(const database::BlockContents& block, const Visit& visit) {
+    const std::vector<database::Slot*>& order = drawOrder(block);
+    begin(block, order.size());
+    for (const database::Slot* slot : order) {
+      visit(*slot, true);
+      paintOne(*slot);
+      visit(*slot, false);
+    }
+    chain_.leave();
+  }
   /// The same, without what cannot show in the view's area.
   void paintInArea(const database::BlockContents& block);
   /// The same for single entities of one block, in any order, after `begin`.
@@ -44,6 +56,8 @@ class EntityPainter {
   bool hasTextBars() const { return painted_ && painted_->hasTextBars(); }
   /// Visible entities of kinds without a picture, by type name.
   const std::map<std::string_view, std::size_t>& leftOut() const { return leftOut_; }
+  /// Entities of the painted space on layers that are not plotted, by layer.
+  const std::map<std::uint32_t, std::size_t>& unplotted() const { return unplotted_; }
 
  private:
   /// Where and as part of what an entity is drawn.
@@ -99,6 +113,7 @@ class EntityPainter {
   double dashScale_;   // pixels for one unit of a linetype, outside of blocks
   double outerScale_;  // pixels for one unit of the drawing, outside of blocks
   std::map<std::string_view, std::size_t> leftOut_;
+  std::map<std::uint32_t, std::size_t> unplotted_;
   geometry::ReferenceChain chain_;
   std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
   std::size_t repeatsLeft_ = 0;

@@ -13,8 +13,8 @@ struct PageLayout {
   std::string note;  // what does not fit on the paper
   Page page;
   geometry::Transform toPicture;  // drawing coordinates to pixels
-  double pixelsPerMm = 1;
-  geometry::Box area;  // drawing coordinates the picture shows
+  double pixelsPerMm = 1;         // of lineweights
+  geometry::Box area;             // drawing coordinates the picture shows
 };
 
 /// `extents`: box of what is visible, not empty. Without paper and scale the page follows the area's form; with paper

@@ -25,25 +25,6 @@ using host::picture::PictureFormat;
 
 namespace {
 
-/// Metres in one drawing unit by $INSUNITS; without one, and for plans that say millimetres though their figures are
-/// metres, the unit is unknown: unitless counts as metres, as the plug-in takes them.
-double metresPerUnit(const host::database::DrawingDatabase& drawing) {
-  switch (drawing.headerInteger("$INSUNITS", 70).value_or(0)) {
-    case 1:
-      return 0.0254;
-    case 2:
-      return 0.3048;
-    case 4:
-      return 0.001;
-    case 5:
-      return 0.01;
-    case 7:
-      return 1000;
-    default:
-      return 1;
-  }
-}
-
 /// The pictures a call asks for of one drawing.
 Result<std::vector<PictureFile>> picturesOf(const PictureCallOptions& options, const fs::path& drawing) {
   std::vector<PictureFile> pictures;
@@ -116,7 +97,7 @@ Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureF
 
 Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
                       const PictureFile& picture) {
-  options.metresPerUnit = metresPerUnit(drawing);
+  options.metresPerUnit = host::picture::metresPerUnit(drawing);
   const std::string name = isStandardStream(picture.file) ? "standard output" : picture.file.string();
   const auto inFile = [&name](Problem problem) {
     problem.file = name;

@@ -192,19 +192,10 @@ ExportChoice ExportDialog::choice() const {
   choice.picture.layout = fromQt(toQt(engine_.application().currentLayoutName())).empty()
                               ? "Model"
                               : toQt(engine_.application().currentLayoutName()).toStdString();
-  choice.picture.metresPerUnit = metresPerUnit(*engine_.drawing());
+  choice.picture.metresPerUnit = picture::metresPerUnit(*engine_.drawing());
   if (area_->currentData() == "view") choice.picture.window = canvas_.visibleBox();
   if (area_->currentData() == "pick" && picked_) choice.picture.window = *picked_;
-  choice.dpi = dpi_->value();
-  if (choice.picture.paper) {
-    const geometry::Box shown = area();
-    const bool isWide = (shown.maxX - shown.minX) > (shown.maxY - shown.minY);
-    const picture::PaperSize& size = *choice.picture.paper;
-    const double width = size.mayTurn && isWide ? std::max(size.widthMm, size.heightMm)
-                         : size.mayTurn         ? std::min(size.widthMm, size.heightMm)
-                                                : size.widthMm;
-    choice.picture.widthPx = std::clamp(static_cast<int>(width / 25.4 * choice.dpi + 0.5), 1, picture::kLargestSidePx);
-  }
+  if (choice.picture.paper) choice.picture.dpi = dpi_->value();
   return choice;
 }
 
@@ -257,6 +248,7 @@ void ExportDialog::draw() {
 
   picture::PictureOptions options = chosen.picture;
   const qreal ratio = devicePixelRatioF();
+  options.dpi.reset();
   options.widthPx = static_cast<int>((kPreviewWidth - 16) * ratio);
   const int number = ++drawn_;
   // Only the last wish counts; one is being drawn at most.

@@ -1,7 +1,7 @@
 # Completion of tolmex in bash.
 _tolmex() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} call=${COMP_WORDS[1]:-}
-  local pictures='--width --paper --scale --window --background --layout --layers --lineweights --grayscale --monochrome'
+  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --lineweights --grayscale --monochrome'
   local words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
@@ -19,7 +19,7 @@ _tolmex() {
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
-    --command | --set | --jobs | --width | --scale | --window | --layout | --layers | --geometry) return ;;
+    --command | --set | --jobs | --width | --dpi | --scale | --window | --layout | --layers | --geometry) return ;;
   esac
   if [[ -z $words && $current == -* ]]; then
     case $call in

@@ -28,6 +28,8 @@ complete -c tolmex -n '__fish_seen_subcommand_from run' -l strict -d 'Fail when 
 complete -c tolmex -n '__fish_seen_subcommand_from info' -l json -d 'One JSON document'
 complete -c tolmex -n '__fish_seen_subcommand_from info' -l repair -r -d 'A repaired copy'
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l width -x -d 'Width in pixels'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l dpi -x -d 'Pixels per inch on paper'
+complete -c tolmex -n '__fish_seen_subcommand_from picture' -l all -d 'Strays far away, too'
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l paper -x -a 'A0 A1 A2 A3 A4 A5' -d 'Paper'
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l scale -x -d 'Scale on the paper, 1:N'
 complete -c tolmex -n '__fish_seen_subcommand_from picture' -l window -x -d 'Part to draw, x1,y1,x2,y2'
