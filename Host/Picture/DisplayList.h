@@ -114,6 +114,7 @@ class DisplayListCanvas final : public Canvas {
   void beginClip(const std::vector<Point>& ring) override;
   void endClip() override;
   void setClip(const Box& clip) override { clip_ = clip; }
+  const DisplayList& list() const { return list_; }
   DisplayList take() { return std::move(list_); }
 
  private:

@@ -200,7 +200,9 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   const double deviation = view_.deviation > 0 && scale > 0 ? view_.deviation / scale : 0;
   if (isReference || !geometry::hasShape(entity)) return paintOther(entity, place, style, deviation);
   if (entity.type == DxfType::MultiLeader) return paintLeader(entity, place, style, deviation);
-  if (const auto text = geometry::layoutText(entity, characterWidth())) return paintText(*text, place, style);
+  const bool isAttribute = entity.type == DxfType::Attrib || entity.type == DxfType::AttDef;
+  const std::wstring* const contents = isAttribute && attributeText_ ? attributeText_(entity) : nullptr;
+  if (const auto text = geometry::layoutText(entity, characterWidth(), contents)) return paintText(*text, place, style);
   const geometry::EntityShape shape = geometry::readShape(entity, deviation);
   for (const geometry::Wire& wire : shape.wires) paintWire(wire, place, style);
   for (const AcGePoint3d& p : shape.points) paintPoint(p, place, style);

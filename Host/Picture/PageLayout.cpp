@@ -23,25 +23,6 @@ double height(const Box& b) { return b.maxY - b.minY; }
 
 Box grown(const Box& b, double dx, double dy) { return {b.minX - dx, b.minY - dy, b.maxX + dx, b.maxY + dy}; }
 
-/// Figures short enough to read: at most `decimals` places, no zeros at the end.
-std::string figure(double value, int decimals) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
-  std::string s(text);
-  if (s.find('.') != std::string::npos) {
-    s.erase(s.find_last_not_of('0') + 1);
-    if (s.ends_with('.')) s.pop_back();
-  }
-  return s == "-0" ? "0" : s;
-}
-
-/// A lone point or a level line still needs an area around it.
-Box withSize(const Box& b) {
-  const double size = std::max(width(b), height(b));
-  const double least = size > 0 ? size * 0.05 : 1;
-  return grown(b, std::max(0.0, (least - width(b)) / 2), std::max(0.0, (least - height(b)) / 2));
-}
-
 Box withForm(const Box& b) {
   const double w = width(b), h = height(b);
   if (h < w * kFlattest) return grown(b, 0, (w * kFlattest - h) / 2);
@@ -79,6 +60,23 @@ std::string misfitNote(double needWidth, double needHeight, const PaperSize& pap
 }
 
 }  // namespace
+
+std::string figure(double value, int decimals) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.*f", decimals, value);
+  std::string s(text);
+  if (s.find('.') != std::string::npos) {
+    s.erase(s.find_last_not_of('0') + 1);
+    if (s.ends_with('.')) s.pop_back();
+  }
+  return s == "-0" ? "0" : s;
+}
+
+Box withSize(const Box& b) {
+  const double size = std::max(width(b), height(b));
+  const double least = size > 0 ? size * 0.05 : 1;
+  return grown(b, std::max(0.0, (least - width(b)) / 2), std::max(0.0, (least - height(b)) / 2));
+}
 
 std::string boxText(const Box& box) {
   const double size = std::max(width(box), height(box));

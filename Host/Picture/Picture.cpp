@@ -6,6 +6,7 @@
 #include "Picture/Composition.h"
 #include "Picture/EntityPainter.h"
 #include "Picture/PageLayout.h"
+#include "Picture/Sheet.h"
 #include "Picture/Strays.h"
 #include "Text/Text.h"
 
@@ -125,7 +126,9 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   if (!options.window)
     if (auto problem = findExtents()) return *problem;
 
-  const Result<PageLayout> laidOut = layOutPage(options.window.value_or(shown.extents), options, format);
+  const Box wanted = options.window.value_or(shown.extents);
+  const Result<PageLayout> laidOut =
+      options.sheet != nullptr ? layOutSheet(wanted, options, format) : layOutPage(wanted, options, format);
   if (!laidOut) {
     if (options.window)
       if (auto problem = findExtents()) return *problem;
@@ -139,7 +142,7 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   view.deviation = isRaster ? kRasterDeviationPx : kVectorDeviationPx;
   view.thinnestLine = isRaster ? 1 : kThinnestVectorPx;
   view.barsBelow = isRaster ? kBarsBelowPx : 0;
-  view.area = {0, 0, layout.page.widthPx, layout.page.heightPx};
+  view.area = layout.frame.value_or(Box{0, 0, layout.page.widthPx, layout.page.heightPx});
   if (options.window) {
     // A window on paper shows what is in the window, not what else would fit.
     Box window;
@@ -150,22 +153,30 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   }
   DisplayListCanvas canvas;
   EntityPainter painter(db, options, glyphs, view, canvas);
+  if (layout.frame) {
+    const Box& f = *layout.frame;
+    canvas.beginClip({{f.minX, f.minY}, {f.maxX, f.minY}, {f.maxX, f.maxY}, {f.minX, f.maxY}});
+  }
   if (options.window)
     painter.paintInArea(*block);
   else
     painter.paint(*block);
-  Composition made{{}, canvas.take(), layout.page};
-  if (options.window && !hasPointIn(made.list, view.area))
+  if (layout.frame) canvas.endClip();
+  if (options.window && !hasPointIn(canvas.list(), view.area))
     if (auto problem = findExtents()) return *problem;
-  if (made.list.items.empty()) {
+  if (canvas.list().items.empty()) {
     return failure("Nothing visible" + chosen + " lies in the window " + boxText(options.window.value_or(layout.area)) +
                    "; the drawing covers " + boxText(extents) + ".");
   }
 
+  const std::string sheetNote =
+      options.sheet != nullptr ? paintSheet(options, layout, view, glyphs, canvas, db, painter) : std::string();
+  Composition made{{}, canvas.take(), layout.page};
   made.picture.drawn = layout.area;
   std::string notes;
   const auto note = [&notes](const std::string& text) { notes += (notes.empty() ? "" : " ") + text; };
   if (!layout.note.empty()) note(layout.note);
+  if (!sheetNote.empty()) note(sheetNote);
   if (!options.window && shown.left > 0)
     note("Far from the rest and left out: " + std::to_string(shown.left) + " of " + std::to_string(visible) +
          " entities. The picture shows " + boxText(shown.extents) + ", everything covers " + boxText(extents) +

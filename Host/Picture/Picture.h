@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Database/DrawingDatabase.h"
 #include "Geometry/EntityPaths.h"
@@ -19,6 +21,8 @@ struct PaperSize {
   std::string name;     // "A3"; empty for a size in figures
   bool mayTurn = true;  // no orientation was asked for: the one that suits the drawing
 };
+
+struct Sheet;  // Picture/Sheet.h
 
 enum class LineweightMode { AsDrawn, Off, Factor };
 enum class ColorMode { AsDrawn, Grayscale, Monochrome };
@@ -38,6 +42,10 @@ struct PictureOptions {
   ColorMode colors = ColorMode::AsDrawn;
   std::string layers = "*";      // wildcard pattern, UTF-8; layers that are not plotted are left out in any case
   std::string layout = "Model";  // name of the layout to draw, UTF-8
+  const Sheet* sheet = nullptr;  // what the picture is laid on, in place of a paper; made of the next three by callers
+  std::string sheetFile;         // a drawing; empty: no sheet
+  std::vector<std::pair<std::string, std::string>> fields;  // names of attributes, and what they are filled with
+  std::string legendFile;                                   // own texts of the legend
 };
 
 struct Picture {
@@ -67,6 +75,8 @@ Result<> setBackground(PictureOptions& options, std::string_view text);   // whi
 Result<> setLineweights(PictureOptions& options, std::string_view text);  // on, off, 2.5
 /// The first call replaces the default, others add alternatives.
 Result<> addLayers(PictureOptions& options, std::string_view text);
+
+Result<> addField(PictureOptions& options, std::string_view text);  // OTSIKKO=Koivukuja
 
 /// An option of pictures, the same wherever pictures are asked for.
 struct OptionRow {

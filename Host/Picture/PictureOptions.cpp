@@ -47,6 +47,16 @@ Result<> setAll(PictureOptions& options, std::string_view) {
   options.showsAll = true;
   return {};
 }
+Result<> setSheet(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("The name of the sheet is empty.");
+  options.sheetFile = text;
+  return {};
+}
+Result<> setLegend(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("The name of the legend's file is empty.");
+  options.legendFile = text;
+  return {};
+}
 Result<> setColors(PictureOptions& options, ColorMode mode) {
   if (options.colors != ColorMode::AsDrawn && options.colors != mode)
     return refusal("--grayscale excludes --monochrome");
@@ -58,7 +68,7 @@ Result<> setMonochrome(PictureOptions& options, std::string_view) { return setCo
 
 constexpr std::array kRows = {
     OptionRow{"--width", "PX", "width in pixels, 1 to 30000 [1600]", setWidth},
-    OptionRow{"--dpi", "N", "pixels per inch of a PNG with --paper or --scale, in place of --width", setDpi},
+    OptionRow{"--dpi", "N", "pixels per inch of a PNG with --paper, --scale or --sheet, in place of --width", setDpi},
     OptionRow{"--paper", "SIZE", "paper: A0 to A5, A3-landscape, or 594x420 in millimetres", setPaper},
     OptionRow{"--scale", "1:N", "scale on the paper", setScale},
     OptionRow{"--window", "x1,y1,x2,y2", "the part to draw, drawing units", setWindow},
@@ -68,6 +78,9 @@ constexpr std::array kRows = {
     OptionRow{"--layout", "NAME", "the layout to draw [Model]", setLayout},
     OptionRow{"--layers", "PATTERN", "only layers whose names match, for instance tm?_*; may be given more than once",
               addLayers, true},
+    OptionRow{"--sheet", "FILE", "lay the picture on this sheet, for instance A3-kaava", setSheet},
+    OptionRow{"--field", "NAME=TEXT", "fill an attribute of the sheet; may be given more than once", addField, true},
+    OptionRow{"--legend", "FILE", "own texts of the sheet's legend", setLegend},
     OptionRow{"--grayscale", "", "shades of grey", setGrayscale},
     OptionRow{"--monochrome", "", "one colour", setMonochrome},
 };
@@ -77,8 +90,15 @@ constexpr std::array kRows = {
 std::span<const OptionRow> optionRows() { return kRows; }
 
 Result<> checkOptions(const PictureOptions& options) {
+  if (options.sheetFile.empty()) {
+    if (!options.fields.empty()) return refusal("--field goes with --sheet");
+    if (!options.legendFile.empty()) return refusal("--legend goes with --sheet");
+  } else if (options.paper) {
+    return refusal("--sheet excludes --paper: the sheet is the paper");
+  }
   if (!options.dpi) return {};
-  if (!options.paper && !options.scale) return refusal("--dpi goes with --paper or --scale");
+  if (!options.paper && !options.scale && options.sheetFile.empty())
+    return refusal("--dpi goes with --paper, --scale or --sheet");
   if (options.widthPx != PictureOptions::kDefaultWidthPx) return refusal("--dpi excludes --width");
   if (!options.paper) return {};
   const double width = options.paper->widthMm * *options.dpi / kMmPerInch;
@@ -125,6 +145,14 @@ Result<> setDpi(PictureOptions& options, std::string_view text) {
 Result<> addLayers(PictureOptions& options, std::string_view text) {
   if (text.empty()) return refusal("A pattern of layers is empty.");
   options.layers = options.layers == "*" ? std::string(text) : options.layers + "," + std::string(text);
+  return {};
+}
+
+Result<> addField(PictureOptions& options, std::string_view text) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string_view::npos || equals == 0)
+    return refusal("Field " + quoted(text) + " is not of the form NAME=TEXT.");
+  options.fields.emplace_back(text.substr(0, equals), text.substr(equals + 1));
   return {};
 }
 

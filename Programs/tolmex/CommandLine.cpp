@@ -56,6 +56,7 @@ constexpr const char* kPictureExamples =
     "  tolmex picture plan.dxf plan.pdf --paper A3-landscape --scale 1:500\n"
     "  tolmex picture plan.dxf yard.svg --window 0,0,80,60 --layers \"tm?_*\" --background transparent\n"
     "  tolmex picture plans/*.dxf --out-dir pictures --format png --format pdf\n"
+    "  tolmex picture plan.dxf plan.pdf --sheet A3-kaava --scale 1:500 --field \"OTSIKKO=Koivukuja 3\"\n"
     "  tolmex picture plan.dxf - --format svg > plan.svg";
 
 constexpr const char* kInfoExamples =
@@ -171,6 +172,7 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
       ->excludes("--out");
   addFormats(*call, options);
   addJobs(*call, options);
+  addPictureOptions(*call, options.picture);
   addVariables(*call, options);
   addSupport(*call, options);
   call->add_flag("--strict", options.strict,
@@ -183,6 +185,7 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
     const bool hasOutput = options.out || options.folder || !options.pictures.empty();
     if (options.script.empty() && options.commands.empty() && !hasOutput)
       throw CLI::RequiredError("--script, --command or an output (--out, --out-dir, --picture)");
+    checkPictureOptions(options.picture);
     status = runDrawings(options);
   });
 }

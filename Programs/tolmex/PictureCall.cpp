@@ -1,6 +1,7 @@
 // `tolmex picture`, and making pictures for every call.
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <new>
 
 #include "Commands.h"
@@ -11,6 +12,7 @@
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "PlanSheet.h"
 #include "Repair.h"
 
 namespace tolmex {
@@ -45,7 +47,7 @@ RunStatus writeAll(const host::database::DrawingDatabase& drawing, const Picture
                    const std::vector<PictureFile>& pictures) {
   RunStatus status = RunStatus::Done;
   for (const PictureFile& picture : pictures) {
-    const Result<> written = writePicture(drawing, options.picture, picture);
+    const Result<> written = writePicture(drawing, options.picture, picture, options.supportFolders);
     if (!written) complain(written.problem());
     status = std::max(status, written.status());
   }
@@ -96,7 +98,7 @@ Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureF
 }
 
 Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
-                      const PictureFile& picture) {
+                      const PictureFile& picture, const std::vector<fs::path>& folders) {
   options.metresPerUnit = host::picture::metresPerUnit(drawing);
   const std::string name = isStandardStream(picture.file) ? "standard output" : picture.file.string();
   const auto inFile = [&name](Problem problem) {
@@ -104,6 +106,13 @@ Result<> writePicture(const host::database::DrawingDatabase& drawing, host::pict
     return problem;
   };
   try {
+    std::unique_ptr<PlanSheet> sheet;
+    if (!options.sheetFile.empty()) {
+      Result<std::unique_ptr<PlanSheet>> prepared = prepareSheet(drawing, options, folders);
+      if (!prepared) return prepared.problem();
+      sheet = std::move(prepared.value());
+      options.sheet = &sheet->sheet;
+    }
     const Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
     if (!made) return inFile(made.problem());
     if (made->remark) complain(inFile(*made->remark));

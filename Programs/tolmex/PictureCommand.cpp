@@ -90,7 +90,9 @@ void pictureCommand(Application& application, Prompter& prompter) {
     prompter.fail(fit.problem());
     return;
   }
-  if (const Result<> written = writePicture(*application.drawing(), options, {name, *format}); !written) {
+  if (const Result<> written = writePicture(*application.drawing(), options, {name, *format},
+                                            {fs::path(application.drawingFile()).parent_path()});
+      !written) {
     complain(written.problem());
     prompter.fail(Code::OutputFailed, L"the picture could not be made");
   }

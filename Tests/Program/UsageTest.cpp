@@ -61,7 +61,7 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {"picture plan.dxf a.png --lineweights -1",
        "--lineweights: Lineweights \"-1\" are not on, off or a factor from above 0 to 100."},
       {"picture plan.dxf a.png --grayscale --monochrome", "--monochrome: --grayscale excludes --monochrome"},
-      {"picture plan.dxf a.png --dpi 300", "--dpi goes with --paper or --scale"},
+      {"picture plan.dxf a.png --dpi 300", "--dpi goes with --paper, --scale or --sheet"},
   };
   expectRefused(hinted, "", "\nRun with --help for more information.\n");
   const Cases told = {
