@@ -175,9 +175,9 @@ void setVertically(TextBlock& block, const std::wstring& text, const SingleLine&
   }
 }
 
-std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth& width) {
+std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth& width, const std::wstring* contents) {
   SingleLine line = readSingleLine(slot);
-  const PlainText plain = withoutPercentCodes(line.text);
+  const PlainText plain = contents != nullptr ? PlainText{*contents, {}} : withoutPercentCodes(line.text);
   const StyleTags style(slot.database(), line.style);
   line.height = usable(line.height, 0);
   if (plain.text.find_first_not_of(L' ') == std::wstring::npos || line.height == 0 || !isUsable(line.first)) return {};
@@ -197,6 +197,7 @@ std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth
     if (length > 0 && starts.back() > 0) {
       line.rotationRad = std::atan2(span.y, span.x);
       alongFactor = length / starts.back();
+      if (contents != nullptr) alongFactor = std::min(alongFactor, 1.0);
       heightFactor = line.horizontal == 3 ? alongFactor : 1;  // "aligned" keeps the form, "fit" the height
     }
   }
@@ -415,12 +416,12 @@ double meanCharacterWidth(wchar_t character, bool bold) {
   return bold ? kMean * 1.1 : kMean;
 }
 
-std::optional<TextBlock> layoutText(const Slot& entity, const CharacterWidth& width) {
+std::optional<TextBlock> layoutText(const Slot& entity, const CharacterWidth& width, const std::wstring* contents) {
   switch (entity.type) {
     case DxfType::Text:
     case DxfType::Attrib:
     case DxfType::AttDef:
-      return layoutSingleLine(entity, width);
+      return layoutSingleLine(entity, width, contents);
     case DxfType::MText:
       return layoutMTextEntity(entity, width);
     default:

@@ -50,7 +50,10 @@ struct TextBlock {
 
 /// Lays out TEXT, MTEXT, ATTRIB or ATTDEF (its tag name). Nothing for other entities, an empty text, or a text without
 /// a usable place or height.
-std::optional<TextBlock> layoutText(const database::Slot& entity, const CharacterWidth& width);
+/// `contents`: shown in place of an attribute's own text, as it is; in a fitted one it is made narrower where it is too
+/// long, but never wider.
+std::optional<TextBlock> layoutText(const database::Slot& entity, const CharacterWidth& width,
+                                    const std::wstring* contents = nullptr);
 
 /// One line from its base point, for what carries a text inside.
 struct LineParts {

@@ -37,11 +37,13 @@ const Appearances::LayerChoice& Appearances::choice(std::uint32_t layer) {
   const auto [entry, isNew] = choices_.try_emplace(layer);
   if (isNew) {
     const geometry::LayerState& state = layers_.at(layer);
-    const bool isPlot = options_.paper || options_.scale;
-    const bool isLeftOut = isPlot && (!state.plottable || text::equalFolded(state.name, L"Defpoints"));
+    // A window shows everything; pictures show what is plotted, with and without paper.
+    const bool isPlot = !keepsRoles_;
+    const bool isNeverPlotted = text::equalFolded(state.name, L"Defpoints");
+    const bool isWanted = state.isDrawn() && (options_.layers == "*" || text::matchesWildcard(state.name, pattern_));
     entry->second.frozen = state.frozen;
-    entry->second.shown =
-        state.isDrawn() && !isLeftOut && (options_.layers == "*" || text::matchesWildcard(state.name, pattern_));
+    entry->second.shown = isWanted && !(isPlot && (!state.plottable || isNeverPlotted));
+    entry->second.unplotted = isWanted && !entry->second.shown && !isNeverPlotted;
   }
   return entry->second;
 }

@@ -50,8 +50,11 @@ class Appearances {
   /// Layer that decides, inside blocks.
   std::uint32_t effectiveLayer(const database::Slot& entity, const Surroundings& surroundings);
   /// False on layers that are off (references only when frozen: what they show may lie on other layers), frozen, left
-  /// out by the options, or not plotted on paper.
+  /// out by the options, or, in pictures, not plotted.
   bool isShown(const database::Slot& entity, std::uint32_t effectiveLayer);
+  bool isFrozen(std::uint32_t effectiveLayer) { return choice(effectiveLayer).frozen; }
+  /// It would show if its layer were plotted. Not said of the layer that is never plotted.
+  bool isUnplotted(std::uint32_t effectiveLayer) { return choice(effectiveLayer).unplotted; }
   Appearance resolve(const database::EntityProperties& own, std::uint32_t effectiveLayer,
                      const Surroundings& surroundings);
   /// Layers hidden in the viewport that is being drawn, as layer indices.
@@ -67,7 +70,7 @@ class Appearances {
 
  private:
   struct LayerChoice {
-    bool shown = true, frozen = false;
+    bool shown = true, frozen = false, unplotted = false;
   };
   const LayerChoice& choice(std::uint32_t layer);
   const LinePattern* dashes(std::string_view linetype);

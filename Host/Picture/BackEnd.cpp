@@ -11,13 +11,13 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Picture/PaperSizes.h"
 #include "Picture/QtPainting.h"
 #include "Picture/SvgWriter.h"
 
 namespace host::picture {
 namespace {
 
-constexpr double kMmPerInch = 25.4;
 /// Lines up to this many pixels go to the painter's fast way for lines of one pixel.
 constexpr double kThinLinePx = 1.05;
 

@@ -96,6 +96,8 @@ class BoundsCanvas final : public Canvas {
   void endClip() override {}
   void setClip(const Box& clip) override;
   const Box& box() const { return box_; }
+  /// The box of what follows begins anew.
+  void begin() { box_ = {}; }
 
  private:
   void add(Point p);
@@ -112,6 +114,7 @@ class DisplayListCanvas final : public Canvas {
   void beginClip(const std::vector<Point>& ring) override;
   void endClip() override;
   void setClip(const Box& clip) override { clip_ = clip; }
+  const DisplayList& list() const { return list_; }
   DisplayList take() { return std::move(list_); }
 
  private:

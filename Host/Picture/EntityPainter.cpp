@@ -181,7 +181,12 @@ EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const 
 void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   if (isRepeating() && !spendRepeats(1)) return;
   const std::uint32_t layer = appearances_.effectiveLayer(entity, place.surroundings);
-  if (!appearances_.isShown(entity, layer)) return;
+  if (!appearances_.isShown(entity, layer)) {
+    if (!isRepeating() && appearances_.isUnplotted(layer)) ++unplotted_[layer];
+    // Of a viewport only the frame lies on its layer, unless that is frozen.
+    if (entity.type == DxfType::Viewport && !appearances_.isFrozen(layer)) paintViewport(entity);
+    return;
+  }
   const database::EntityProperties own = database::entityProperties(entity);
   if (own.invisible) return;
   const Appearance appearance = appearances_.resolve(own, layer, place.surroundings);
@@ -195,7 +200,9 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   const double deviation = view_.deviation > 0 && scale > 0 ? view_.deviation / scale : 0;
   if (isReference || !geometry::hasShape(entity)) return paintOther(entity, place, style, deviation);
   if (entity.type == DxfType::MultiLeader) return paintLeader(entity, place, style, deviation);
-  if (const auto text = geometry::layoutText(entity, characterWidth())) return paintText(*text, place, style);
+  const bool isAttribute = entity.type == DxfType::Attrib || entity.type == DxfType::AttDef;
+  const std::wstring* const contents = isAttribute && attributeText_ ? attributeText_(entity) : nullptr;
+  if (const auto text = geometry::layoutText(entity, characterWidth(), contents)) return paintText(*text, place, style);
   const geometry::EntityShape shape = geometry::readShape(entity, deviation);
   for (const geometry::Wire& wire : shape.wires) paintWire(wire, place, style);
   for (const AcGePoint3d& p : shape.points) paintPoint(p, place, style);

@@ -1,6 +1,7 @@
 // Entities turned into strokes and fills: the front end of every picture.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -29,11 +30,49 @@ class EntityPainter {
 
   /// Living, visible entities in draw order.
   void paint(const database::BlockContents& block);
+  /// The same; `visit` is called before and after each entity.
+  template <class Visit>
+  void paintEach(const database::BlockContents& block, const Visit& visit) {
+    const std::vector<database::Slot*>& order = drawOrder(block);
+    begin(block, order.size());
+    for (const database::Slot* slot : order) {
+      visit(*slot, true);
+      paintOne(*slot);
+      visit(*slot, false);
+    }
+    chain_.leave();
+  }
+  /// The same, of those that `isWanted`.
+  template <class Wanted>
+  void paintSome(const database::BlockContents& block, const Wanted& isWanted) {
+    const std::vector<database::Slot*>& order = drawOrder(block);
+    begin(block, order.size());
+    for (const database::Slot* slot : order)
+      if (isWanted(*slot)) paintOne(*slot);
+    chain_.leave();
+  }
   /// The same, without what cannot show in the view's area.
   void paintInArea(const database::BlockContents& block);
   /// The same for single entities of one block, in any order, after `begin`.
   void begin(const database::BlockContents& block, std::size_t entities);
   void paintOne(const database::Slot& entity) { paintEntity(entity, {view_.toPicture, {}}); }
+  /// Texts in place of those of attributes; null for one that keeps its own.
+  using AttributeText = std::function<const std::wstring*(const database::Slot& attribute)>;
+  void setAttributeText(AttributeText text) { attributeText_ = std::move(text); }
+
+  // What no entity tells, in the coordinates of the painted space, in the colour of ink.
+  void paintLabel(const geometry::LineParts& label);
+  void paintLine(const geometry::Chain& line, double lineweightMm);
+  void paintArea(const geometry::Chain& ring);
+  /// Of a label along its line.
+  double labelWidth(const std::wstring& text, double height);
+
+  /// The look of an entity of the painted space in a box of the picture: a hatch fills it, a line crosses it, all else
+  /// is shown as large as it may be. Entities without extents show nothing.
+  void paintSwatch(const database::Slot& entity, const Box& box);
+  /// The part of the picture that is drawn to from now on.
+  void setArea(const Box& area);
+
   /// Whether the entity's layer lets it show.
   bool isShown(const database::Slot& entity) { return appearances_.isShown(entity, entity.layer); }
   /// Something was left out because the drawing asks for more pieces than a picture can hold.
@@ -44,6 +83,8 @@ class EntityPainter {
   bool hasTextBars() const { return painted_ && painted_->hasTextBars(); }
   /// Visible entities of kinds without a picture, by type name.
   const std::map<std::string_view, std::size_t>& leftOut() const { return leftOut_; }
+  /// Entities of the painted space on layers that are not plotted, by layer.
+  const std::map<std::uint32_t, std::size_t>& unplotted() const { return unplotted_; }
 
  private:
   /// Where and as part of what an entity is drawn.
@@ -72,7 +113,9 @@ class EntityPainter {
   void paintInfinite(const geometry::InfiniteLine& line, const Place& place, const Style& style);
   void paintImage(const geometry::ImageFrame& frame, const Place& place, const Style& style);
   void paintText(const geometry::TextBlock& text, const Place& place, const Style& style);
-  void paintHatch(const database::Slot& entity, const Place& place, const Style& style);
+  /// With `loopsOf`, the hatch's look in other loops of its plane.
+  using LoopsOf = std::function<std::vector<curves::Polygon>(const geometry::Transform& plane)>;
+  void paintHatch(const database::Slot& entity, const Place& place, const Style& style, const LoopsOf& loopsOf = {});
 
   void paintLeader(const database::Slot& entity, const Place& place, const Style& style, double deviation);
   /// Through the graphics its application left; false when there are none.
@@ -99,11 +142,13 @@ class EntityPainter {
   double dashScale_;   // pixels for one unit of a linetype, outside of blocks
   double outerScale_;  // pixels for one unit of the drawing, outside of blocks
   std::map<std::string_view, std::size_t> leftOut_;
+  std::map<std::uint32_t, std::size_t> unplotted_;
   geometry::ReferenceChain chain_;
   std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
   std::size_t repeatsLeft_ = 0;
   bool cutShort_ = false;
   bool isInViewport_ = false;
+  AttributeText attributeText_;
   PointMark pointMark_;  // its size in units of the drawing
   DetailWire wire_;
 };

@@ -77,13 +77,14 @@ Gradient gradientOf(const hatching::HatchRecord& hatch, const std::vector<Polygo
 
 }  // namespace
 
-void EntityPainter::paintHatch(const database::Slot& entity, const Place& place, const Style& style) {
+void EntityPainter::paintHatch(const database::Slot& entity, const Place& place, const Style& style,
+                               const LoopsOf& loopsOf) {
   const double outerScale = place.toPicture.planScale();
   const double deviation = view_.deviation > 0 && outerScale > 0 ? view_.deviation / outerScale : 0;
   const hatching::HatchRecord hatch = geometry::readHatch(entity, deviation);
   const database::ObjectAxes axes(hatch.normal);
   const Transform plane = place.toPicture.after({axes.ax, axes.ay, axes.az, AcGePoint3d{} + axes.az * hatch.elevation});
-  const std::vector<Polygon> loops = geometry::filledLoops(hatch);
+  const std::vector<Polygon> loops = loopsOf ? loopsOf(plane) : geometry::filledLoops(hatch);
   const auto rings = [&] {
     std::vector<geometry::Chain> chains;
     for (const Polygon& loop : loops) {

@@ -13,7 +13,6 @@ using geometry::Box;
 namespace {
 
 constexpr double kPixelsPerInch = 96;
-constexpr double kMmPerInch = 25.4;
 constexpr double kMarginShare = 0.03;             // of the larger side, around the extents
 constexpr double kPaperMarginMm = 10;             // when the area is fitted to a paper
 constexpr double kFlattest = 0.1, kSteepest = 4;  // height to width of pictures that follow the extents
@@ -23,25 +22,6 @@ double width(const Box& b) { return b.maxX - b.minX; }
 double height(const Box& b) { return b.maxY - b.minY; }
 
 Box grown(const Box& b, double dx, double dy) { return {b.minX - dx, b.minY - dy, b.maxX + dx, b.maxY + dy}; }
-
-/// Figures short enough to read: at most `decimals` places, no zeros at the end.
-std::string figure(double value, int decimals) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.*f", decimals, value);
-  std::string s(text);
-  if (s.find('.') != std::string::npos) {
-    s.erase(s.find_last_not_of('0') + 1);
-    if (s.ends_with('.')) s.pop_back();
-  }
-  return s == "-0" ? "0" : s;
-}
-
-/// A lone point or a level line still needs an area around it.
-Box withSize(const Box& b) {
-  const double size = std::max(width(b), height(b));
-  const double least = size > 0 ? size * 0.05 : 1;
-  return grown(b, std::max(0.0, (least - width(b)) / 2), std::max(0.0, (least - height(b)) / 2));
-}
 
 Box withForm(const Box& b) {
   const double w = width(b), h = height(b);
@@ -81,6 +61,23 @@ std::string misfitNote(double needWidth, double needHeight, const PaperSize& pap
 
 }  // namespace
 
+std::string figure(double value, int decimals) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.*f", decimals, value);
+  std::string s(text);
+  if (s.find('.') != std::string::npos) {
+    s.erase(s.find_last_not_of('0') + 1);
+    if (s.ends_with('.')) s.pop_back();
+  }
+  return s == "-0" ? "0" : s;
+}
+
+Box withSize(const Box& b) {
+  const double size = std::max(width(b), height(b));
+  const double least = size > 0 ? size * 0.05 : 1;
+  return grown(b, std::max(0.0, (least - width(b)) / 2), std::max(0.0, (least - height(b)) / 2));
+}
+
 std::string boxText(const Box& box) {
   const double size = std::max(width(box), height(box));
   const int decimals = size >= 100 ? 1 : size >= 1 ? 3 : 6;
@@ -90,6 +87,9 @@ std::string boxText(const Box& box) {
 
 Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options, PictureFormat format) {
   PageLayout layout;
+  const bool isRaster = format == PictureFormat::Png;
+  double widthPx = options.widthPx;
+  double penScale = 1;
   Box area = options.window.value_or(withSize(extents));
   double pixelsPerUnit = 0;
   const double mmPerUnit = options.scale.value_or(0) * options.metresPerUnit * 1000;
@@ -107,7 +107,8 @@ Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options,
     } else if (!fits(width(area) * scale, height(area) * scale, paper.widthMm, paper.heightMm)) {
       layout.note = misfitNote(width(area) * scale, height(area) * scale, paper, *options.scale);
     }
-    layout.pixelsPerMm = options.widthPx / paper.widthMm;
+    if (options.dpi) widthPx = std::round(paper.widthMm / kMmPerInch * *options.dpi);
+    layout.pixelsPerMm = widthPx / paper.widthMm;
     pixelsPerUnit = scale * layout.pixelsPerMm;
     layout.area = grown(area, (paper.widthMm / scale - width(area)) / 2, (paper.heightMm / scale - height(area)) / 2);
   } else {
@@ -116,12 +117,22 @@ Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options,
       area = withForm(grown(area, margin, margin));
     }
     layout.area = area;
-    layout.page.widthMm = options.scale ? width(area) * mmPerUnit : options.widthPx / kPixelsPerInch * kMmPerInch;
+    // Lines belong to the drawing: without paper and scale it is drawn as on a sheet of the default width, and a
+    // picture of another width is that one made larger or smaller.
+    if (options.scale)
+      layout.page.widthMm = width(area) * mmPerUnit;
+    else if (isRaster)
+      layout.page.widthMm = PictureOptions::kDefaultWidthPx / kPixelsPerInch * kMmPerInch;
+    else
+      layout.page.widthMm = widthPx / kPixelsPerInch * kMmPerInch;
+    if (!options.scale && !isRaster) penScale = widthPx / PictureOptions::kDefaultWidthPx;
+    if (options.scale && options.dpi)
+      widthPx = std::max(1.0, std::round(layout.page.widthMm / kMmPerInch * *options.dpi));
     layout.page.heightMm = layout.page.widthMm * height(area) / width(area);
-    layout.pixelsPerMm = options.widthPx / layout.page.widthMm;
-    pixelsPerUnit = options.widthPx / width(area);
+    layout.pixelsPerMm = widthPx / layout.page.widthMm;
+    pixelsPerUnit = widthPx / width(area);
   }
-  if (format != PictureFormat::Png) {
+  if (!isRaster) {
     // Vector pages are laid out at a fixed resolution, whatever their width in pixels would be.
     const double change = kPixelsPerInch / kMmPerInch / layout.pixelsPerMm;
     layout.pixelsPerMm *= change;
@@ -130,12 +141,14 @@ Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options,
   Page& page = layout.page;
   page.widthPx = page.widthMm * layout.pixelsPerMm;
   page.heightPx = page.heightMm * layout.pixelsPerMm;
-  if (format == PictureFormat::Png) {
-    page.widthPx = options.widthPx;
+  layout.pixelsPerMm *= penScale;
+  if (isRaster) {
+    page.widthPx = widthPx;
     page.heightPx = std::max(1.0, std::round(page.heightPx));
-    if (page.heightPx > kLargestSidePx || page.widthPx * page.heightPx > kMostPixels) {
+    if (page.widthPx > kLargestSidePx || page.heightPx > kLargestSidePx || page.widthPx * page.heightPx > kMostPixels) {
       return problemOf(Code::OutputFailed, "A picture of " + figure(page.widthPx, 0) + " x " +
-                                               figure(page.heightPx, 0) + " pixels is too large; use a smaller width.");
+                                               figure(page.heightPx, 0) +
+                                               " pixels is too large; use a smaller width or --dpi.");
     }
   } else if (constexpr double kLargestPageMm = 5000; page.widthMm > kLargestPageMm || page.heightMm > kLargestPageMm) {
     return problemOf(Code::OutputFailed, "A page of " + figure(page.widthMm, 1) + " x " + figure(page.heightMm, 1) +

@@ -6,6 +6,8 @@
 #include "Picture/Composition.h"
 #include "Picture/EntityPainter.h"
 #include "Picture/PageLayout.h"
+#include "Picture/Sheet.h"
+#include "Picture/Strays.h"
 #include "Text/Text.h"
 
 namespace host::picture {
@@ -29,14 +31,22 @@ const database::BlockContents* findLayout(const database::DrawingDatabase& db, c
 
 Problem failure(std::string sentence) { return problemOf(Code::PictureEmpty, std::move(sentence)); }
 
-Box visibleExtents(const database::DrawingDatabase& db, const database::BlockContents& block,
-                   const PictureOptions& options, GlyphSource& glyphs) {
+/// Boxes of the visible entities, where there is something to see.
+std::vector<Box> visibleBoxes(const database::DrawingDatabase& db, const database::BlockContents& block,
+                              const PictureOptions& options, GlyphSource& glyphs) {
   View view;
   view.boundsOnly = true;
   view.deviation = 0;
   BoundsCanvas canvas;
-  EntityPainter(db, options, glyphs, view, canvas).paint(block);
-  return canvas.box();
+  EntityPainter painter(db, options, glyphs, view, canvas);
+  std::vector<Box> boxes;
+  painter.paintEach(block, [&](const database::Slot&, bool isBefore) {
+    if (isBefore)
+      canvas.begin();
+    else if (!canvas.box().isEmpty())
+      boxes.push_back(canvas.box());
+  });
+  return boxes;
 }
 
 /// True when a line or fill has a point in the area: then the drawing lies there, not only the rim of a pen or a line
@@ -45,6 +55,19 @@ bool hasPointIn(const DisplayList& list, const Box& area) {
   return std::ranges::any_of(list.points, [&](const Point p) {
     return p.x > area.minX && p.y > area.minY && p.x < area.maxX && p.y < area.maxY;
   });
+}
+
+std::string unplottedNote(const database::DrawingDatabase& db, const std::map<std::uint32_t, std::size_t>& layers) {
+  constexpr std::size_t kMostNames = 4;
+  std::size_t count = 0, named = 0;
+  std::string names;
+  for (const auto& [layer, entities] : layers) {
+    count += entities;
+    if (named++ < kMostNames) names += (names.empty() ? "" : ", ") + text::toUtf8(db.layerName(layer));
+  }
+  if (named > kMostNames) names += " and " + std::to_string(named - kMostNames) + " more";
+  return "Left out, on layers that are not plotted (" + names + "): " + std::to_string(count) +
+         (count == 1 ? " entity." : " entities.");
 }
 
 /// Paper spaces measure the paper itself: the unit of a layout's plot settings (tag 72: 0 inches, 1 millimetres).
@@ -82,9 +105,16 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
 
   GlyphSource glyphs;
   const std::string chosen = options.layers == "*" ? "" : " on layers \"" + options.layers + "\"";
-  Box extents;
+  Box extents;  // of everything visible
+  Strays shown;
+  std::size_t visible = 0;
   const auto findExtents = [&]() -> std::optional<Problem> {
-    extents = visibleExtents(db, *block, options, glyphs);
+    const std::vector<Box> boxes = visibleBoxes(db, *block, options, glyphs);
+    extents = {};
+    for (const Box& box : boxes) extents.add(box);
+    visible = boxes.size();
+    // A sheet is as large as its maker drew it.
+    shown = options.showsAll || block != &db.modelSpace() ? Strays{extents, 0} : withoutStrays(boxes);
     if (extents.isEmpty())
       return failure("Layout \"" + options.layout + "\" has nothing visible" + chosen + " to draw.");
     if (options.window && !options.window->intersects(extents))
@@ -96,7 +126,9 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   if (!options.window)
     if (auto problem = findExtents()) return *problem;
 
-  const Result<PageLayout> laidOut = layOutPage(options.window.value_or(extents), options, format);
+  const Box wanted = options.window.value_or(shown.extents);
+  const Result<PageLayout> laidOut =
+      options.sheet != nullptr ? layOutSheet(wanted, options, format) : layOutPage(wanted, options, format);
   if (!laidOut) {
     if (options.window)
       if (auto problem = findExtents()) return *problem;
@@ -110,7 +142,7 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   view.deviation = isRaster ? kRasterDeviationPx : kVectorDeviationPx;
   view.thinnestLine = isRaster ? 1 : kThinnestVectorPx;
   view.barsBelow = isRaster ? kBarsBelowPx : 0;
-  view.area = {0, 0, layout.page.widthPx, layout.page.heightPx};
+  view.area = layout.frame.value_or(Box{0, 0, layout.page.widthPx, layout.page.heightPx});
   if (options.window) {
     // A window on paper shows what is in the window, not what else would fit.
     Box window;
@@ -121,23 +153,35 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   }
   DisplayListCanvas canvas;
   EntityPainter painter(db, options, glyphs, view, canvas);
+  if (layout.frame) {
+    const Box& f = *layout.frame;
+    canvas.beginClip({{f.minX, f.minY}, {f.maxX, f.minY}, {f.maxX, f.maxY}, {f.minX, f.maxY}});
+  }
   if (options.window)
     painter.paintInArea(*block);
   else
     painter.paint(*block);
-  Composition made{{}, canvas.take(), layout.page};
-  if (options.window && !hasPointIn(made.list, view.area))
+  if (layout.frame) canvas.endClip();
+  if (options.window && !hasPointIn(canvas.list(), view.area))
     if (auto problem = findExtents()) return *problem;
-  if (made.list.items.empty()) {
-    const Box shown = options.window.value_or(layout.area);
-    return failure("Nothing visible" + chosen + " lies in the window " + boxText(shown) + "; the drawing covers " +
-                   boxText(extents) + ".");
+  if (canvas.list().items.empty()) {
+    return failure("Nothing visible" + chosen + " lies in the window " + boxText(options.window.value_or(layout.area)) +
+                   "; the drawing covers " + boxText(extents) + ".");
   }
 
+  const std::string sheetNote =
+      options.sheet != nullptr ? paintSheet(options, layout, view, glyphs, canvas, db, painter) : std::string();
+  Composition made{{}, canvas.take(), layout.page};
   made.picture.drawn = layout.area;
   std::string notes;
   const auto note = [&notes](const std::string& text) { notes += (notes.empty() ? "" : " ") + text; };
   if (!layout.note.empty()) note(layout.note);
+  if (!sheetNote.empty()) note(sheetNote);
+  if (!options.window && shown.left > 0)
+    note("Far from the rest and left out: " + std::to_string(shown.left) + " of " + std::to_string(visible) +
+         " entities. The picture shows " + boxText(shown.extents) + ", everything covers " + boxText(extents) +
+         "; --all takes them in.");
+  if (!painter.unplotted().empty()) note(unplottedNote(db, painter.unplotted()));
   if (painter.isCutShort()) note("The drawing repeats blocks so often that part of it was left out.");
   if (painter.isTooDeep()) {
     note("Blocks that are nested more than " + std::to_string(geometry::kDeepestNesting) + " deep are not shown.");
@@ -152,6 +196,23 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
   if (!notes.empty()) made.picture.remark = problemOf(Code::PictureNote, std::move(notes));
   return made;
+}
+
+double metresPerUnit(const database::DrawingDatabase& db) {
+  switch (db.headerInteger("$INSUNITS", 70).value_or(0)) {
+    case 1:
+      return 0.0254;
+    case 2:
+      return 0.3048;
+    case 4:
+      return 0.001;
+    case 5:
+      return 0.01;
+    case 7:
+      return 1000;
+    default:
+      return 1;
+  }
 }
 
 Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {

@@ -3,8 +3,11 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Database/DrawingDatabase.h"
 #include "Geometry/EntityPaths.h"
@@ -19,22 +22,30 @@ struct PaperSize {
   bool mayTurn = true;  // no orientation was asked for: the one that suits the drawing
 };
 
+struct Sheet;  // Picture/Sheet.h
+
 enum class LineweightMode { AsDrawn, Off, Factor };
 enum class ColorMode { AsDrawn, Grayscale, Monochrome };
 
 struct PictureOptions {
   static constexpr int kDefaultWidthPx = 1600;
   int widthPx = kDefaultWidthPx;        // width of a PNG; SVG and PDF without paper and scale: at 96 per inch
+  std::optional<double> dpi;            // of a PNG with paper or scale, in place of the width
   std::optional<geometry::Box> window;  // drawing units; default: extents of what is visible, with a margin
+  bool showsAll = false;                // without a window: strays far away from the rest, too
   std::optional<PaperSize> paper;
   std::optional<double> scale;                         // 1:500 is 0.002
-  double metresPerUnit = 1;                            // of the drawing; matters with `scale` only
+  double metresPerUnit = 1;                            // of the drawing (metresPerUnit below); for `scale`
   std::optional<std::uint32_t> background = 0xFFFFFF;  // 0xRRGGBB; nothing: transparent
   LineweightMode lineweights = LineweightMode::AsDrawn;
   double lineweightFactor = 1;
   ColorMode colors = ColorMode::AsDrawn;
-  std::string layers = "*";      // wildcard pattern, UTF-8
+  std::string layers = "*";      // wildcard pattern, UTF-8; layers that are not plotted are left out in any case
   std::string layout = "Model";  // name of the layout to draw, UTF-8
+  const Sheet* sheet = nullptr;  // what the picture is laid on, in place of a paper; made of the next three by callers
+  std::string sheetFile;         // a drawing; empty: no sheet
+  std::vector<std::pair<std::string, std::string>> fields;  // names of attributes, and what they are filled with
+  std::string legendFile;                                   // own texts of the legend
 };
 
 struct Picture {
@@ -47,16 +58,36 @@ struct Picture {
 /// the area.
 Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format);
 
+/// Metres in one unit of the drawing by $INSUNITS. Unitless counts as metres.
+double metresPerUnit(const database::DrawingDatabase& db);
+
 /// By the ending of a file name, without regard to case.
 std::optional<PictureFormat> formatOfFile(std::string_view fileName);
 
 // Each of these reads the text of one option into `options`. The problem names the value and the accepted forms;
 // `options` is then unchanged.
 Result<> setWidth(PictureOptions& options, std::string_view text);        // 1600
+Result<> setDpi(PictureOptions& options, std::string_view text);          // 300
 Result<> setWindow(PictureOptions& options, std::string_view text);       // x1,y1,x2,y2
 Result<> setPaper(PictureOptions& options, std::string_view text);        // A0 ... A5, A3-landscape, 594x420
 Result<> setScale(PictureOptions& options, std::string_view text);        // 1:500
 Result<> setBackground(PictureOptions& options, std::string_view text);   // white, #ffffff, transparent
 Result<> setLineweights(PictureOptions& options, std::string_view text);  // on, off, 2.5
+/// The first call replaces the default, others add alternatives.
+Result<> addLayers(PictureOptions& options, std::string_view text);
+
+Result<> addField(PictureOptions& options, std::string_view text);  // OTSIKKO=Koivukuja
+
+/// An option of pictures, the same wherever pictures are asked for.
+struct OptionRow {
+  std::string_view name;         // "--paper"
+  std::string_view form;         // of its value, for help: "SIZE"; empty: a switch without a value
+  std::string_view description;  // for help
+  Result<> (*read)(PictureOptions&, std::string_view value);
+  bool mayRepeat = false;
+};
+std::span<const OptionRow> optionRows();
+/// Refuses options that contradict each other and pictures that are too large, as far as can be told without a drawing.
+Result<> checkOptions(const PictureOptions& options);
 
 }  // namespace host::picture

@@ -1,5 +1,6 @@
 #include <QColor>
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cmath>
 
@@ -38,7 +39,76 @@ Problem refusal(std::string sentence) { return problemOf(Code::WrongUsage, std::
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
+Result<> setLayout(PictureOptions& options, std::string_view text) {
+  options.layout = text;
+  return {};
+}
+Result<> setAll(PictureOptions& options, std::string_view) {
+  options.showsAll = true;
+  return {};
+}
+Result<> setSheet(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("The name of the sheet is empty.");
+  options.sheetFile = text;
+  return {};
+}
+Result<> setLegend(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("The name of the legend's file is empty.");
+  options.legendFile = text;
+  return {};
+}
+Result<> setColors(PictureOptions& options, ColorMode mode) {
+  if (options.colors != ColorMode::AsDrawn && options.colors != mode)
+    return refusal("--grayscale excludes --monochrome");
+  options.colors = mode;
+  return {};
+}
+Result<> setGrayscale(PictureOptions& options, std::string_view) { return setColors(options, ColorMode::Grayscale); }
+Result<> setMonochrome(PictureOptions& options, std::string_view) { return setColors(options, ColorMode::Monochrome); }
+
+constexpr std::array kRows = {
+    OptionRow{"--width", "PX", "width in pixels, 1 to 30000 [1600]", setWidth},
+    OptionRow{"--dpi", "N", "pixels per inch of a PNG with --paper, --scale or --sheet, in place of --width", setDpi},
+    OptionRow{"--paper", "SIZE", "paper: A0 to A5, A3-landscape, or 594x420 in millimetres", setPaper},
+    OptionRow{"--scale", "1:N", "scale on the paper", setScale},
+    OptionRow{"--window", "x1,y1,x2,y2", "the part to draw, drawing units", setWindow},
+    OptionRow{"--all", "", "everything, also strays far away from the rest", setAll},
+    OptionRow{"--background", "COLOUR", "a name, #rrggbb or transparent [white]", setBackground},
+    OptionRow{"--lineweights", "off|FACTOR", "draw lines thin, or their widths times a factor", setLineweights},
+    OptionRow{"--layout", "NAME", "the layout to draw [Model]", setLayout},
+    OptionRow{"--layers", "PATTERN", "only layers whose names match, for instance tm?_*; may be given more than once",
+              addLayers, true},
+    OptionRow{"--sheet", "FILE", "lay the picture on this sheet, for instance A3-kaava", setSheet},
+    OptionRow{"--field", "NAME=TEXT", "fill an attribute of the sheet; may be given more than once", addField, true},
+    OptionRow{"--legend", "FILE", "own texts of the sheet's legend", setLegend},
+    OptionRow{"--grayscale", "", "shades of grey", setGrayscale},
+    OptionRow{"--monochrome", "", "one colour", setMonochrome},
+};
+
 }  // namespace
+
+std::span<const OptionRow> optionRows() { return kRows; }
+
+Result<> checkOptions(const PictureOptions& options) {
+  if (options.sheetFile.empty()) {
+    if (!options.fields.empty()) return refusal("--field goes with --sheet");
+    if (!options.legendFile.empty()) return refusal("--legend goes with --sheet");
+  } else if (options.paper) {
+    return refusal("--sheet excludes --paper: the sheet is the paper");
+  }
+  if (!options.dpi) return {};
+  if (!options.paper && !options.scale && options.sheetFile.empty())
+    return refusal("--dpi goes with --paper, --scale or --sheet");
+  if (options.widthPx != PictureOptions::kDefaultWidthPx) return refusal("--dpi excludes --width");
+  if (!options.paper) return {};
+  const double width = options.paper->widthMm * *options.dpi / kMmPerInch;
+  const double height = options.paper->heightMm * *options.dpi / kMmPerInch;
+  if (std::max(width, height) <= kLargestSidePx && width * height <= kMostPixels) return {};
+  const double most = std::min({kLargestSidePx / options.paper->widthMm, kLargestSidePx / options.paper->heightMm,
+                                std::sqrt(kMostPixels / options.paper->widthMm / options.paper->heightMm)});
+  return refusal("--dpi: at most " + std::to_string(static_cast<int>(most * kMmPerInch)) +
+                 " pixels per inch go on this paper");
+}
 
 const std::vector<PaperSize>& paperSizes() {
   static const std::vector<PaperSize> sizes = {{148, 210, "A5"}, {210, 297, "A4"}, {297, 420, "A3"},
@@ -60,6 +130,29 @@ Result<> setWidth(PictureOptions& options, std::string_view text) {
     return refusal("Picture width " + quoted(text) + " is not a whole number of pixels from 1 to " +
                    std::to_string(kLargestSidePx) + ".");
   options.widthPx = static_cast<int>(*value);
+  return {};
+}
+
+Result<> setDpi(PictureOptions& options, std::string_view text) {
+  constexpr double kFewest = 10, kMost = 2400;
+  const auto value = wholeNumber(text);
+  if (!value || *value < kFewest || *value > kMost)
+    return refusal("Resolution " + quoted(text) + " is not a number of pixels per inch from 10 to 2400.");
+  options.dpi = *value;
+  return {};
+}
+
+Result<> addLayers(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("A pattern of layers is empty.");
+  options.layers = options.layers == "*" ? std::string(text) : options.layers + "," + std::string(text);
+  return {};
+}
+
+Result<> addField(PictureOptions& options, std::string_view text) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string_view::npos || equals == 0)
+    return refusal("Field " + quoted(text) + " is not of the form NAME=TEXT.");
+  options.fields.emplace_back(text.substr(0, equals), text.substr(equals + 1));
   return {};
 }
 

@@ -56,6 +56,7 @@ constexpr const char* kPictureExamples =
     "  tolmex picture plan.dxf plan.pdf --paper A3-landscape --scale 1:500\n"
     "  tolmex picture plan.dxf yard.svg --window 0,0,80,60 --layers \"tm?_*\" --background transparent\n"
     "  tolmex picture plans/*.dxf --out-dir pictures --format png --format pdf\n"
+    "  tolmex picture plan.dxf plan.pdf --sheet A3-kaava --scale 1:500 --field \"OTSIKKO=Koivukuja 3\"\n"
     "  tolmex picture plan.dxf - --format svg > plan.svg";
 
 constexpr const char* kInfoExamples =
@@ -129,38 +130,30 @@ void addRunOutputs(CLI::App& call, RunOptions& options) {
       ->allow_extra_args(false);
 }
 
-/// An option whose text a function of the picture module reads; its sentence becomes the usage error.
-void addPictureOption(CLI::App& call, const std::string& name, PictureOptions& options,
-                      host::Result<> (*read)(PictureOptions&, std::string_view), const std::string& form,
-                      const std::string& description) {
-  call.add_option_function<std::string>(
-          name,
-          [&options, read, name](const std::string& text) {
-            if (const host::Result<> set = read(options, text); !set) throw CLI::ValidationError(name, set.message());
-          },
-          description)
-      ->type_name(form);
+/// The options of the picture module; its sentences become usage errors.
+void addPictureOptions(CLI::App& call, PictureOptions& options) {
+  for (const host::picture::OptionRow& row : host::picture::optionRows()) {
+    const std::string name(row.name);
+    const auto read = [&options, &row, name](const std::string& value) {
+      if (const host::Result<> set = row.read(options, value); !set) throw CLI::ValidationError(name, set.message());
+    };
+    if (row.form.empty()) {
+      call.add_flag_callback(
+          name, [read] { read({}); }, std::string(row.description));
+    } else if (row.mayRepeat) {
+      call.add_option_function<std::vector<std::string>>(
+              name, [read](const std::vector<std::string>& values) { std::ranges::for_each(values, read); },
+              std::string(row.description))
+          ->type_name(std::string(row.form))
+          ->allow_extra_args(false);
+    } else {
+      call.add_option_function<std::string>(name, read, std::string(row.description))->type_name(std::string(row.form));
+    }
+  }
 }
 
-void addPictureOptions(CLI::App& call, PictureOptions& options) {
-  addPictureOption(call, "--width", options, host::picture::setWidth, "PX", "width in pixels [1600]");
-  addPictureOption(call, "--paper", options, host::picture::setPaper, "SIZE",
-                   "paper: A0 to A5, A3-landscape, or 594x420 in millimetres");
-  addPictureOption(call, "--scale", options, host::picture::setScale, "1:N", "scale on the paper");
-  addPictureOption(call, "--window", options, host::picture::setWindow, "x1,y1,x2,y2",
-                   "the part to draw, drawing units");
-  addPictureOption(call, "--background", options, host::picture::setBackground, "COLOUR",
-                   "a name, #rrggbb or transparent [white]");
-  addPictureOption(call, "--lineweights", options, host::picture::setLineweights, "off|FACTOR",
-                   "draw lines thin, or their widths times a factor");
-  call.add_option("--layout", options.layout, "the layout to draw [Model]")->type_name("NAME");
-  call.add_option("--layers", options.layers, "only layers whose names match, for instance tm?_*")
-      ->type_name("PATTERN");
-  CLI::Option* const gray = call.add_flag_callback(
-      "--grayscale", [&options] { options.colors = host::picture::ColorMode::Grayscale; }, "shades of grey");
-  call.add_flag_callback(
-          "--monochrome", [&options] { options.colors = host::picture::ColorMode::Monochrome; }, "one colour")
-      ->excludes(gray);
+void checkPictureOptions(const PictureOptions& options) {
+  if (const host::Result<> fit = host::picture::checkOptions(options); !fit) throw CLI::ValidationError(fit.message());
 }
 
 constexpr const char* kQuietText = "do not print what the command line would show";
@@ -179,6 +172,7 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
       ->excludes("--out");
   addFormats(*call, options);
   addJobs(*call, options);
+  addPictureOptions(*call, options.picture);
   addVariables(*call, options);
   addSupport(*call, options);
   call->add_flag("--strict", options.strict,
@@ -191,6 +185,7 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
     const bool hasOutput = options.out || options.folder || !options.pictures.empty();
     if (options.script.empty() && options.commands.empty() && !hasOutput)
       throw CLI::RequiredError("--script, --command or an output (--out, --out-dir, --picture)");
+    checkPictureOptions(options.picture);
     status = runDrawings(options);
   });
 }
@@ -231,6 +226,7 @@ void addPicture(CLI::App& app, PictureCallOptions& options, int& status) {
       options.out = options.drawings.back();
       options.drawings.pop_back();
     }
+    checkPictureOptions(options.picture);
     status = pictureDrawings(options);
   });
 }

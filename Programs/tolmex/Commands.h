@@ -33,6 +33,7 @@ struct RunOptions : CommonOptions, OutputOptions {
   bool strict = false;                // what commands skip, or picks do not find, fails the script
   std::optional<std::filesystem::path> out;
   std::vector<std::filesystem::path> pictures;
+  host::picture::PictureOptions picture;  // of those; Model stands for the layout that is current then
 };
 
 struct PictureCallOptions : CommonOptions, OutputOptions {
@@ -69,9 +70,9 @@ std::string_view endingOf(host::picture::PictureFormat format);
 /// Refuses the first that is not NAME=VALUE.
 host::Result<> checkVariables(const std::vector<std::string>& variables);
 
-/// Draws one file; a remark on the picture is printed.
+/// Draws one file; a remark on the picture is printed. Sheets and texts of legends are looked for in the folders, too.
 host::Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
-                            const PictureFile& picture);
+                            const PictureFile& picture, const std::vector<std::filesystem::path>& folders);
 
 /// A job of its own for every drawing, or the only one right here; results of several end with a line each.
 int forEachDrawing(const CommonOptions& options, host::RunStatus crashStatus,

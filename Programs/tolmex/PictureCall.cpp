@@ -1,6 +1,7 @@
 // `tolmex picture`, and making pictures for every call.
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <new>
 
 #include "Commands.h"
@@ -11,6 +12,7 @@
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "PlanSheet.h"
 #include "Repair.h"
 
 namespace tolmex {
@@ -24,25 +26,6 @@ using host::RunStatus;
 using host::picture::PictureFormat;
 
 namespace {
-
-/// Metres in one drawing unit by $INSUNITS; without one, and for plans that say millimetres though their figures are
-/// metres, the unit is unknown: unitless counts as metres, as the plug-in takes them.
-double metresPerUnit(const host::database::DrawingDatabase& drawing) {
-  switch (drawing.headerInteger("$INSUNITS", 70).value_or(0)) {
-    case 1:
-      return 0.0254;
-    case 2:
-      return 0.3048;
-    case 4:
-      return 0.001;
-    case 5:
-      return 0.01;
-    case 7:
-      return 1000;
-    default:
-      return 1;
-  }
-}
 
 /// The pictures a call asks for of one drawing.
 Result<std::vector<PictureFile>> picturesOf(const PictureCallOptions& options, const fs::path& drawing) {
@@ -64,7 +47,7 @@ RunStatus writeAll(const host::database::DrawingDatabase& drawing, const Picture
                    const std::vector<PictureFile>& pictures) {
   RunStatus status = RunStatus::Done;
   for (const PictureFile& picture : pictures) {
-    const Result<> written = writePicture(drawing, options.picture, picture);
+    const Result<> written = writePicture(drawing, options.picture, picture, options.supportFolders);
     if (!written) complain(written.problem());
     status = std::max(status, written.status());
   }
@@ -115,14 +98,21 @@ Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureF
 }
 
 Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
-                      const PictureFile& picture) {
-  options.metresPerUnit = metresPerUnit(drawing);
+                      const PictureFile& picture, const std::vector<fs::path>& folders) {
+  options.metresPerUnit = host::picture::metresPerUnit(drawing);
   const std::string name = isStandardStream(picture.file) ? "standard output" : picture.file.string();
   const auto inFile = [&name](Problem problem) {
     problem.file = name;
     return problem;
   };
   try {
+    std::unique_ptr<PlanSheet> sheet;
+    if (!options.sheetFile.empty()) {
+      Result<std::unique_ptr<PlanSheet>> prepared = prepareSheet(drawing, options, folders);
+      if (!prepared) return prepared.problem();
+      sheet = std::move(prepared.value());
+      options.sheet = &sheet->sheet;
+    }
     const Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
     if (!made) return inFile(made.problem());
     if (made->remark) complain(inFile(*made->remark));

@@ -1,6 +1,5 @@
 #include "PictureCommand.h"
 
-#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +16,7 @@ using host::problemOf;
 using host::Result;
 using host::editor::Application;
 using host::editor::Prompter;
+using host::picture::OptionRow;
 using host::picture::PictureOptions;
 
 namespace {
@@ -41,48 +41,27 @@ std::vector<std::string> wordsOf(std::string_view line) {
   return words;
 }
 
-Result<> setLayers(PictureOptions& options, std::string_view text) {
-  options.layers = text;
-  return {};
-}
-
-struct Option {
-  std::string_view name;
-  Result<> (*read)(PictureOptions&, std::string_view);
-};
-constexpr std::array kOptions = {
-    Option{"--width", host::picture::setWidth},
-    Option{"--paper", host::picture::setPaper},
-    Option{"--scale", host::picture::setScale},
-    Option{"--window", host::picture::setWindow},
-    Option{"--background", host::picture::setBackground},
-    Option{"--lineweights", host::picture::setLineweights},
-    Option{"--layers", setLayers},
-};
-
 host::Problem refused(std::string sentence) { return problemOf(Code::WrongUsage, std::move(sentence)); }
 
-/// Reads what stands behind the file's name.
+/// Reads what stands behind the file's name: options of `tolmex picture`.
 Result<> readOptions(PictureOptions& options, std::string_view line) {
   const std::vector<std::string> words = wordsOf(line);
   for (std::size_t i = 0; i < words.size(); ++i) {
-    if (words[i] == "--grayscale" || words[i] == "--monochrome") {
-      options.colors =
-          words[i] == "--grayscale" ? host::picture::ColorMode::Grayscale : host::picture::ColorMode::Monochrome;
-      continue;
-    }
     std::string known;
-    const Option* found = nullptr;
-    for (const Option& option : kOptions) {
-      known += (known.empty() ? "" : ", ") + std::string(option.name);
-      if (words[i] == option.name) found = &option;
+    const OptionRow* found = nullptr;
+    for (const OptionRow& row : host::picture::optionRows()) {
+      known += (known.empty() ? "" : ", ") + std::string(row.name);
+      if (words[i] == row.name) found = &row;
     }
-    if (found == nullptr)
-      return refused(words[i] + ": no such option of a picture; there are " + known + ", --grayscale and --monochrome");
-    if (i + 1 == words.size()) return refused(words[i] + ": a value is missing");
-    if (Result<> read = found->read(options, words[++i]); !read) return read;
+    if (found == nullptr) return refused(words[i] + ": no such option of a picture; there are " + known);
+    std::string_view value;
+    if (!found->form.empty()) {
+      if (i + 1 == words.size()) return refused(words[i] + ": a value is missing");
+      value = words[++i];
+    }
+    if (Result<> read = found->read(options, value); !read) return read;
   }
-  return {};
+  return host::picture::checkOptions(options);
 }
 
 void pictureCommand(Application& application, Prompter& prompter) {
@@ -110,7 +89,9 @@ void pictureCommand(Application& application, Prompter& prompter) {
     prompter.fail(fit.problem());
     return;
   }
-  if (const Result<> written = writePicture(*application.drawing(), options, {name, *format}); !written) {
+  if (const Result<> written = writePicture(*application.drawing(), options, {name, *format},
+                                            {fs::path(application.drawingFile()).parent_path()});
+      !written) {
     complain(written.problem());
     prompter.fail(Code::OutputFailed, L"the picture could not be made");
   }

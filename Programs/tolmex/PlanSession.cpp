@@ -161,9 +161,10 @@ RunStatus PlanSession::write(const PlanOutputs& outputs) {
       complain(RunStatus::ScriptFailed, "interrupted; " + picture.file.string() + " was not written");
       return RunStatus::ScriptFailed;
     }
-    host::picture::PictureOptions options;
-    options.layout = host::text::toUtf8(application_.currentLayoutName());
-    count(writePicture(*application_.drawing(), options, picture));
+    host::picture::PictureOptions options = options_.picture;
+    if (options.layout == host::picture::PictureOptions{}.layout)
+      options.layout = host::text::toUtf8(application_.currentLayoutName());
+    count(writePicture(*application_.drawing(), options, picture, options_.supportFolders));
   }
   return status;
 }

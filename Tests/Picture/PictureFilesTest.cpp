@@ -118,6 +118,105 @@ TEST(PictureFiles, NeverBlankByAccident) {
   EXPECT_FALSE(drawPicture(*empty, {}, PictureFormat::Svg).ok());
 }
 
+/// Rows of a picture's middle column that are not white.
+double darkShare(const QImage& image) {
+  int dark = 0;
+  for (int y = 0; y < image.height(); ++y) dark += qGreen(image.pixel(image.width() / 2, y)) < 128 ? 1 : 0;
+  return static_cast<double>(dark) / image.height();
+}
+
+TEST(PictureFiles, WidthsOfLinesBelongToTheDrawing) {
+  SmallDatabase db(SmallDrawing()
+                       .entity("LINE", "10 0|20 5|11 20|21 5", "8 0|370 211")
+                       .entity("LINE", "10 0|20 0|11 20|21 0")
+                       .entity("LINE", "10 0|20 10|11 20|21 10"));
+  PictureOptions options;
+  ASSERT_TRUE(setWindow(options, "0,1,20,9"));
+  std::vector<double> shares;
+  for (const int width : {500, 1600, 4000}) {
+    options.widthPx = width;
+    for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg})
+      shares.push_back(darkShare(Rendered(db, options, format).image()));
+  }
+  // The rendering of the vectors is a square.
+  const double onSheet = 2.11 / 25.4 * 96 / 640;
+  for (const double share : shares) EXPECT_NEAR(share, onSheet, 0.003);
+}
+
+TEST(PictureFiles, ResolutionOnPaperIsThatOfItsPixels) {
+  SmallDatabase db(oneOfMuch());
+  PictureOptions options;
+  ASSERT_TRUE(setDpi(options, "200"));
+  EXPECT_EQ(checkOptions(options).message(), "--dpi goes with --paper, --scale or --sheet");
+  ASSERT_TRUE(setPaper(options, "A4-landscape"));
+  EXPECT_TRUE(checkOptions(options));
+  QImage image = Rendered(db, options, PictureFormat::Png).image();
+  EXPECT_EQ(image.size(), QSize(2339, 1654));
+  EXPECT_NEAR(image.dotsPerMeterX(), 200 / 0.0254, 1);
+  options.paper.reset();
+  ASSERT_TRUE(setScale(options, "1:100"));
+  image = Rendered(db, options, PictureFormat::Png).image();
+  EXPECT_NEAR(image.dotsPerMeterX(), 200 / 0.0254, 30);
+  ASSERT_TRUE(setPaper(options, "A0"));
+  ASSERT_TRUE(setDpi(options, "2400"));
+  EXPECT_EQ(checkOptions(options).message(), "--dpi: at most 508 pixels per inch go on this paper");
+  ASSERT_TRUE(setDpi(options, "508"));
+  EXPECT_TRUE(checkOptions(options));
+  options.widthPx = 500;
+  EXPECT_EQ(checkOptions(options).message(), "--dpi excludes --width");
+}
+
+TEST(PictureFiles, StraysFarAwayDoNotShrinkThePlan) {
+  SmallDrawing drawing;
+  for (int i = 0; i < 60; ++i) drawing.entity("LINE", "10 1000|20 100" + std::to_string(i % 10) + "|11 1020|21 1000");
+  drawing.entity("POINT", "10 0|20 0");
+  SmallDatabase db(drawing);
+  PictureOptions options;
+  host::Result<Picture> result = drawPicture(*db, options, PictureFormat::Svg);
+  EXPECT_GT(result->drawn.minX, 990);
+  EXPECT_EQ(
+      toldOf(result),
+      "Far from the rest and left out: 1 of 61 entities. The picture shows (1000, 1000) - (1020, 1009), everything "
+      "covers (0, 0) - (1020, 1009); --all takes them in.");
+  options.showsAll = true;
+  result = drawPicture(*db, options, PictureFormat::Svg);
+  EXPECT_LT(result->drawn.minX, 0);
+  EXPECT_EQ(toldOf(result), "");
+}
+
+TEST(PictureFiles, LayersThatAreNotPlottedAreLeftOutWithAndWithoutPaper) {
+  SmallDrawing drawing;
+  drawing.layer("0", "70 0|62 7").layer("help", "70 0|62 1|290 0").layer("Defpoints", "70 0|62 7");
+  drawing.entity("LINE", "10 0|20 0|11 10|21 0")
+      .entity("LINE", "10 0|20 0|11 10|21 50", "8 help")
+      .entity("POINT", "10 50|20 0", "8 Defpoints");
+  SmallDatabase db(drawing);
+  for (const char* const paper : {"", "A4"}) {
+    PictureOptions options;
+    if (*paper != 0) {
+      ASSERT_TRUE(setPaper(options, paper));
+    }
+    const host::Result<Picture> result = drawPicture(*db, options, PictureFormat::Svg);
+    EXPECT_EQ(result->bytes.find("#ff0000"), std::string::npos);
+    EXPECT_LT(result->drawn.maxX, 20);
+    EXPECT_EQ(toldOf(result), "Left out, on layers that are not plotted (help): 1 entity.");
+  }
+}
+
+TEST(PictureFiles, LayersAreOfAnyPatternGiven) {
+  SmallDatabase db(SmallDrawing()
+                       .entity("LINE", "10 0|20 0|11 10|21 0", "8 road|62 1")
+                       .entity("LINE", "10 0|20 1|11 10|21 1", "8 yard|62 2")
+                       .entity("LINE", "10 0|20 2|11 10|21 2", "8 wall|62 3"));
+  PictureOptions options;
+  ASSERT_TRUE(addLayers(options, "road"));
+  ASSERT_TRUE(addLayers(options, "w*"));
+  const std::string svg = drawPicture(*db, options, PictureFormat::Svg)->bytes;
+  EXPECT_NE(svg.find("#ff0000"), std::string::npos);
+  EXPECT_EQ(svg.find("#ffff00"), std::string::npos);
+  EXPECT_NE(svg.find("#00ff00"), std::string::npos);
+}
+
 TEST(PictureFiles, HostileDrawingsEnd) {
   SmallDrawing drawing;
   drawing.linetype("FINE", "3 x|72 65|73 2|40 1e-9|49 5e-10|74 0|49 -5e-10|74 0");
@@ -161,6 +260,7 @@ TEST(PictureOptions, TextsOfOptions) {
       {host::picture::setScale, {"1:500", "2:1"}, {"500", "1:0", "1:-5", "1:2:3", "1:5x"}},
       {host::picture::setWindow, {"0,0,1,1", "1,1,0,0"}, {"0,0,1", "0,0,0,1", "0,0,nan,1"}},
       {host::picture::setWidth, {"1600"}, {"0", "1e9", "12.5"}},
+      {host::picture::setDpi, {"300", "72.5"}, {"0", "9999", "fine"}},
       {host::picture::setBackground, {"white", "#A0b0C0", "transparent"}, {"#12", "nocolour"}},
       {host::picture::setLineweights, {"off", "2.5"}, {"-1", "thick"}},
   };

@@ -24,6 +24,8 @@ using host::picture::PictureOptions;
 inline PictureOptions twentyByTwenty() {
   PictureOptions options;
   options.widthPx = 400;
+  // Widths belong to the drawing as on a sheet 1,600 pixels wide: here 96 pixels are an inch all the same.
+  EXPECT_TRUE(setLineweights(options, "4"));
   EXPECT_TRUE(setWindow(options, "0,0,20,20"));
   return options;
 }

@@ -60,7 +60,8 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
        "--background: Background \"blurple\" is not a colour; use a name such as white, #rrggbb, or transparent."},
       {"picture plan.dxf a.png --lineweights -1",
        "--lineweights: Lineweights \"-1\" are not on, off or a factor from above 0 to 100."},
-      {"picture plan.dxf a.png --grayscale --monochrome", "--grayscale excludes --monochrome"},
+      {"picture plan.dxf a.png --grayscale --monochrome", "--monochrome: --grayscale excludes --monochrome"},
+      {"picture plan.dxf a.png --dpi 300", "--dpi goes with --paper, --scale or --sheet"},
   };
   expectRefused(hinted, "", "\nRun with --help for more information.\n");
   const Cases told = {

@@ -1,19 +1,14 @@
-// What lies far away from everything else: single points at the origin of a plan with map coordinates, and the like.
+// What lies far away from everything else in a scene.
 #pragma once
 
-#include <cstddef>
-
+#include "Picture/Strays.h"
 #include "Window/Canvas/Scene.h"
 
 namespace host::window {
 
-struct Strays {
-  Box extents;           // of the rest, scene coordinates
-  std::size_t left = 0;  // entities left out
-};
+using picture::Strays;
 
-/// The extents of a scene without what would make it look like a dot: entities are left out when without these few the
-/// rest is at most a tenth as wide or high.
+/// The extents of a scene without what would make it look like a dot, scene coordinates.
 Strays withoutStrays(const Scene& scene);
 
 }  // namespace host::window

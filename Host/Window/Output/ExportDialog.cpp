@@ -26,7 +26,6 @@
 #include <QThreadPool>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <cmath>
 
 #include "Picture/PaperSizes.h"
 #include "Window/Commands/Language.h"
@@ -194,20 +193,10 @@ ExportChoice ExportDialog::choice() const {
   choice.picture.layout = fromQt(toQt(engine_.application().currentLayoutName())).empty()
                               ? "Model"
                               : toQt(engine_.application().currentLayoutName()).toStdString();
-  choice.picture.metresPerUnit = metresPerUnit(*engine_.drawing());
+  choice.picture.metresPerUnit = picture::metresPerUnit(*engine_.drawing());
   if (area_->currentData() == "view") choice.picture.window = canvas_.visibleBox();
   if (area_->currentData() == "pick" && picked_) choice.picture.window = *picked_;
-  choice.dpi = dpi_->value();
-  if (choice.picture.paper) {
-    const geometry::Box shown = area();
-    const bool isWide = (shown.maxX - shown.minX) > (shown.maxY - shown.minY);
-    const picture::PaperSize& size = *choice.picture.paper;
-    const double width = size.mayTurn && isWide ? std::max(size.widthMm, size.heightMm)
-                         : size.mayTurn         ? std::min(size.widthMm, size.heightMm)
-                                                : size.widthMm;
-    const auto pixels = std::lround(width / 25.4 * choice.dpi);
-    choice.picture.widthPx = static_cast<int>(std::clamp<long>(pixels, 1, picture::kLargestSidePx));
-  }
+  if (choice.picture.paper) choice.picture.dpi = dpi_->value();
   return choice;
 }
 
@@ -260,6 +249,7 @@ void ExportDialog::draw() {
 
   picture::PictureOptions options = chosen.picture;
   const qreal ratio = devicePixelRatioF();
+  options.dpi.reset();
   options.widthPx = static_cast<int>((kPreviewWidth - 16) * ratio);
   const int number = ++drawn_;
   // Only the last wish counts; one is being drawn at most.

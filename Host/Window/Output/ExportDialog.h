@@ -19,7 +19,6 @@ void exportPicture(QWidget& window, Engine& engine, Conversation& talk, CanvasVi
 /// What the dialog has chosen.
 struct ExportChoice {
   picture::PictureOptions picture;
-  int dpi = 150;            // of PNG
   QString paper = "A3";     // "A3", "594x420"; empty: no paper
   QString scale = "1:500";  // empty: fitted
   QString background = "white";
@@ -32,7 +31,5 @@ QString pictureOptions(const ExportChoice& choice, picture::PictureFormat format
 /// What of the plan has to be on the page and is not: "Does not fit: 592 × 536 mm needed, A3 has 420 × 297."; empty
 /// when it fits. `better` gets scales and papers that would do.
 QString misfit(const ExportChoice& choice, const geometry::Box& area, double metresPerUnit, QStringList* better);
-/// Metres in one unit of the drawing.
-double metresPerUnit(const database::DrawingDatabase& drawing);
 
 }  // namespace host::window

@@ -21,28 +21,10 @@ bool fits(double width, double height, double paperWidth, double paperHeight) {
 
 }  // namespace
 
-double metresPerUnit(const database::DrawingDatabase& drawing) {
-  switch (drawing.headerInteger("$INSUNITS", 70).value_or(0)) {
-    case 1:
-      return 0.0254;
-    case 2:
-      return 0.3048;
-    case 4:
-      return 0.001;
-    case 5:
-      return 0.01;
-    case 7:
-      return 1000;
-    default:
-      return 1;
-  }
-}
-
 QString pictureOptions(const ExportChoice& choice, picture::PictureFormat format) {
   QStringList options;
   const picture::PictureOptions& picture = choice.picture;
-  if (format == picture::PictureFormat::Png && picture.widthPx != picture::PictureOptions::kDefaultWidthPx)
-    options += "--width " + QString::number(picture.widthPx);
+  if (format == picture::PictureFormat::Png && picture.dpi) options += "--dpi " + figure(*picture.dpi);
   if (!choice.paper.isEmpty()) options += "--paper " + choice.paper;
   if (!choice.scale.isEmpty()) options += "--scale " + choice.scale;
   if (picture.window)

@@ -1,7 +1,7 @@
 # Completion of tolmex in bash.
 _tolmex() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} call=${COMP_WORDS[1]:-}
-  local pictures='--width --paper --scale --window --background --layout --layers --lineweights --grayscale --monochrome'
+  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --sheet --field --legend --lineweights --grayscale --monochrome'
   local words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
@@ -11,6 +11,7 @@ _tolmex() {
   case $previous in
     --format) words='png svg pdf' ;;
     --paper) words='A0 A1 A2 A3 A4 A5 A0-landscape A1-landscape A2-landscape A3-landscape A4-landscape A5-landscape' ;;
+    --sheet) words='A4-kaava A3-kaava A2-kaava A1-kaava A0-kaava' ;;
     --background) words='white black transparent' ;;
     --lineweights) words='off' ;;
     --language) words='fi en' ;;
@@ -19,11 +20,11 @@ _tolmex() {
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
-    --command | --set | --jobs | --width | --scale | --window | --layout | --layers | --geometry) return ;;
+    --command | --set | --jobs | --width | --dpi | --scale | --window | --layout | --layers | --field | --geometry) return ;;
   esac
   if [[ -z $words && $current == -* ]]; then
     case $call in
-      run) words='--script --command --out --out-dir --picture --format --jobs --set --support --strict --quiet --help' ;;
+      run) words="--script --command --out --out-dir --picture --format --jobs --set --support --strict --quiet --help $pictures" ;;
       shell) words='--out --picture --set --support --quiet --help' ;;
       picture) words="--out-dir --format --jobs --set --support --quiet --help $pictures" ;;
       info) words='--json --repair --jobs --quiet --help' ;;

@@ -203,6 +203,7 @@ class Tiles : public CanvasTest {
     const QImage shown = sharp();
     host::picture::PictureOptions options;
     options.widthPx = 400;
+    EXPECT_TRUE(setLineweights(options, "4"));  // pixels of 96 to the inch, as on a sheet of four times that width
     options.window = canvas->visibleBox();
     if (isDark) options.background = 0x1E2227;
     const auto picture = host::picture::drawPicture(*db, options, host::picture::PictureFormat::Png);
