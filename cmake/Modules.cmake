@@ -13,6 +13,14 @@ function(tolmex_module_folder target folder name)
   target_include_directories(${target} PUBLIC ${root})
 endfunction()
 
+# tolmex_include_folder(<root> <folder> <name>): lets those who have <root> on their include path include "<name>/...".
+function(tolmex_include_folder root folder name)
+  file(MAKE_DIRECTORY ${root})
+  if(NOT EXISTS ${root}/${name})
+    file(CREATE_LINK ${folder} ${root}/${name} SYMBOLIC)
+  endif()
+endfunction()
+
 # tolmex_module_headers(<target> <folder> <name>): the same for the headers of the folder itself, not of its sub-folders.
 function(tolmex_module_headers target folder name)
   set(root ${CMAKE_BINARY_DIR}/include/${target})

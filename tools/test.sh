@@ -5,7 +5,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 preset=${1:-debug}
-tools/install-deps.sh g++-mingw-w64-x86-64-posix  # Windows' headers, which the plug-in is checked against
+# Windows' headers, which the plug-in is checked against, and what import and sun are built with.
+tools/install-deps.sh g++-mingw-w64-x86-64-posix libgdal-dev libproj-dev libnova-dev tzdata
 tools/install-dwg-reader.sh || echo "Going on without DWG drawings."
 cmake --preset "$preset" -DTOLMEX_BUILD_TESTS=ON -DTOLMEX_BUILD_BENCHMARKS=ON >/dev/null
 cmake --build --preset "$preset"

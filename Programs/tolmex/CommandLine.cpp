@@ -279,6 +279,73 @@ void addDesktop(CLI::App& app, DesktopCallOptions& options, int& status) {
   call->callback([&] { status = runDesktop(options); });
 }
 
+constexpr const char* kImportExamples =
+    "Examples:\n"
+    "  tolmex import town.geojson plan.dxf --rules osm\n"
+    "  tolmex import town.gpkg plan.dxf --rules mtk --crs GK25 --window 25496000,6672000,25497000,6673000\n"
+    "  tolmex import town.osm.pbf plan.dxf --rules my.json --illustrate --picture plan.png";
+
+/// Calls `take` with the text of an option, and makes its sentence, if it has one, the usage error.
+void addReadOption(CLI::App& call, const std::string& name, const std::function<std::string(const std::string&)>& take,
+                   const std::string& form, const std::string& description) {
+  call.add_option_function<std::string>(
+          name,
+          [name, take](const std::string& text) {
+            if (const std::string why = take(text); !why.empty()) throw CLI::ValidationError(name, why);
+          },
+          description)
+      ->type_name(form);
+}
+
+std::string readWindow(const std::string& text, std::optional<std::array<double, 4>>& window) {
+  PictureOptions picture;
+  if (const host::Result<> set = host::picture::setWindow(picture, text); !set) return set.message();
+  const auto& box = *picture.window;
+  window = {box.minX, box.minY, box.maxX, box.maxY};
+  return {};
+}
+
+std::string readDegrees(const std::string& text, std::optional<double>& degrees) {
+  degrees = host::editor::parseNumber(host::text::fromUtf8(text));
+  return degrees ? std::string() : "\"" + text + "\" is no number of degrees";
+}
+
+void addImport(CLI::App& app, ImportOptions& options, int& status) {
+  CLI::App* const call = app.add_subcommand("import", "make a plan from map data, and the script that illustrates it");
+  addDrawings(*call, options.drawings,
+              "the sources, whatever GDAL reads: GeoJSON, GeoPackage, GML, Shapefile, OSM; then PLAN.dxf, the plan");
+  call->add_option("--rules", options.rules, "what becomes of what: osm, mtk, kanta, or a file of your own")
+      ->type_name("NAME|FILE")
+      ->required();
+  call->add_option("--crs", options.system, "coordinate system of the plan: EPSG:3879, GK25, TM35FIN [the source's]")
+      ->type_name("NAME");
+  addReadOption(
+      *call, "--window", [&options](const std::string& text) { return readWindow(text, options.window); },
+      "x1,y1,x2,y2", "the part to take, in that system; areas are clipped there, buildings are not");
+  addReadOption(
+      *call, "--direction", [&options](const std::string& text) { return readDegrees(text, options.shadowDegrees); },
+      "DEGREES", "where shadows fall, counter-clockwise from the east [the rules say; 45]");
+  call->add_option("--date", options.date, "month of delivery, for {date} in the credits")->type_name("TEXT");
+  call->add_option("--symbols", options.symbols, "folder of symbols on the support path; without it none are set")
+      ->type_name("DIR");
+  call->add_flag("--illustrate", options.illustrate, "run the script at once: the plan comes illustrated");
+  call->add_option("--script-out", options.scriptOut, "where the script goes [PLAN.scr; with --illustrate nowhere]")
+      ->type_name("FILE");
+  call->add_option("--picture", options.pictures, "a picture of the plan; may be given more than once")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+  addVariables(*call, options);
+  addSupport(*call, options);
+  call->add_flag("--quiet", options.quiet, kQuietText);
+  call->footer(footer(kImportExamples));
+  call->callback([&] {
+    if (options.drawings.size() < 2) throw CLI::RequiredError("SOURCE and PLAN.dxf");
+    options.plan = options.drawings.back();
+    options.drawings.pop_back();
+    status = importPlan(options);
+  });
+}
+
 /// The library would say of a misspelt option only that it was not expected.
 void checkOptions(const CLI::App& call, const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) {
@@ -303,7 +370,7 @@ void checkCall(const CLI::App& app, int argc, char** argv) {
   const auto call =
       std::find_if(calls.begin(), calls.end(), [&](const CLI::App* each) { return each->get_name() == argv[1]; });
   if (call == calls.end())
-    throw CLI::ValidationError(argv[1], "No such call; the calls are run, shell, picture, info and desktop");
+    throw CLI::ValidationError(argv[1], "No such call; the calls are run, shell, picture, info, import and desktop");
   checkOptions(**call, {argv + 2, argv + argc});
 }
 
@@ -326,10 +393,12 @@ int runCommandLine(int argc, char** argv) {
   PictureCallOptions picture;
   InfoOptions info;
   DesktopCallOptions desktop;
+  ImportOptions import;
   addRun(app, run, status);
   addShell(app, shell, status);
   addPicture(app, picture, status);
   addInfo(app, info, status);
+  addImport(app, import, status);
   addDesktop(app, desktop, status);
   try {
     checkCall(app, argc, argv);

@@ -1,6 +1,7 @@
 // The program's calls: what the command line asks for, and carrying it out.
 #pragma once
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -46,12 +47,24 @@ struct InfoOptions : CommonOptions {
   std::filesystem::path repaired;  // where a repaired copy is written; empty: nowhere
 };
 
+struct ImportOptions : CommonOptions {  // `drawings` are the sources
+  std::filesystem::path plan;           // the drawing that is made
+  std::string rules;                    // a name of shipped rules, or a file
+  std::string system, date, symbols;
+  std::optional<std::array<double, 4>> window;
+  std::optional<double> shadowDegrees;
+  bool illustrate = false;
+  std::optional<std::filesystem::path> scriptOut;
+  std::vector<std::filesystem::path> pictures;
+};
+
 /// Each answers the exit status; problems have then been printed to standard error.
 int runDrawings(const RunOptions& options);
 /// Commands typed at a terminal, or read from a pipe; the first drawing only, a new one without any.
 int runShell(const RunOptions& options);
 int pictureDrawings(const PictureCallOptions& options);
 int describeDrawings(const InfoOptions& options);
+int importPlan(const ImportOptions& options);
 
 /// One picture to be made: "-" is standard output.
 struct PictureFile {

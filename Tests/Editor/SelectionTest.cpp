@@ -116,6 +116,65 @@ TEST_F(Selections, Filters) {
   EXPECT_EQ(filtered(acutBuildList(-4, L"<NOT", 8, L"0", 8, L"1", -4, L"NOT>", RTNONE)), "none");
 }
 
+TEST_F(Selections, FilterExpressionsAnswerTheQuestion) {
+  EXPECT_EQ(asked(R"((ssget "X" '((0 . "LWPOLYLINE") (70 . 1))))"
+                  "\n\n"),
+            "1");
+  EXPECT_TRUE(said(L"1 found\n")) << host::text::toUtf8(transcript);
+  EXPECT_EQ(asked(R"((ssget "_X" '((-4 . "<OR") (8 . "co*") (-4 . "<AND") (8 . "0") (-4 . "<NOT") (0 . "LINE"))"),
+            "esc");
+  EXPECT_NE(last.message().find("a \")\" is missing"), std::string::npos) << last.message();
+  EXPECT_EQ(asked(R"((ssget "X" '((-4 . "<OR") (8 . "co*") (-4 . "<AND") (8 . "0") (-4 . "<NOT") (0 . "LINE") )"
+                  R"((-4 . "NOT>") (-4 . "AND>") (-4 . "OR>"))))"
+                  "\n\n"),
+            "3 1");
+  EXPECT_EQ(asked(R"((ssget "X" (list (cons 0 "LINE") '(-4 . ">=,>=,*") (list 10 35 35))))"
+                  "\n\n"),
+            "5 4 2");
+  // A leaves out what is on frozen layers.
+  EXPECT_EQ(asked(R"((ssget "A" '((0 . "LINE"))))"
+                  "\n\n"),
+            "5 4 2 0");
+  EXPECT_TRUE(said(L"4 found, 1 on a locked layer")) << host::text::toUtf8(transcript);
+  EXPECT_EQ(asked(R"((ssget "A"))"
+                  "\nR "
+                  R"((ssget "A" '((8 . "0"))))"
+                  "\n\n"),
+            "5 4");
+  // Without an entity: the script is told.
+  EXPECT_EQ(asked(R"((ssget "X" '((8 . "nowhere"))))"
+                  "\n\n"),
+            "none");
+  EXPECT_NE(problems.back().find("nothing found by (ssget"), std::string::npos) << problems.back();
+}
+
+TEST_F(Selections, RefusesFilterExpressionsThatSayNothing) {
+  const auto why = [this](const std::string& expression) {
+    asked(expression + "\n\n");
+    return last.message();
+  };
+  EXPECT_NE(why(R"((ssget "W"))").find("the method \"W\" is not supported"), std::string::npos);
+  EXPECT_NE(why(R"((ssget "X" '((x . "0"))))").find("\"x\" is no group code"), std::string::npos);
+  EXPECT_NE(why(R"((ssget "X" '((8 . 0))))").find("group 8 needs a text in quotation marks"), std::string::npos);
+  EXPECT_NE(why(R"((ssget "X" '((62 . "red"))))").find("group 62 needs a number"), std::string::npos);
+  EXPECT_NE(why(R"((ssget "X" '((62 . 70000))))").find("group 62 needs a whole number"), std::string::npos);
+  EXPECT_NE(why(R"((ssget "X" '((-4 . "<OR") (8 . "0"))))").find("do not pair up"), std::string::npos);
+  EXPECT_NE(why(R"((ssget "X" '((8))))").find("group 8 has no value"), std::string::npos);
+  EXPECT_NE(why(R"((ssget "X" '((8 . "0")) '()))").find("one filter list"), std::string::npos);
+}
+
+TEST_F(Selections, LayersAndLikesByName) {
+  EXPECT_EQ(asked("LAYER s*\n\n"), "5");
+  EXPECT_TRUE(said(L"1 found, 1 on a locked layer")) << host::text::toUtf8(transcript);
+  EXPECT_EQ(asked("lay 0,dark\n\n"), "4 2 1 0");
+  EXPECT_EQ(asked("SAME " + handent(*all[2]) + "\n\n"), "2 0");
+  expectDone("PLINE 1,1 2,2 3,1\n\n");
+  EXPECT_EQ(asked("LAYER \"0\"\n\n").size(), std::string("x 2 1 0").size());
+  EXPECT_TRUE(said(L"4 found, 1 not closed\n")) << host::text::toUtf8(transcript);
+  asked("KIND house\n\n");
+  EXPECT_NE(last.message().find("no plug-in has kinds of objects"), std::string::npos) << last.message();
+}
+
 TEST_F(Selections, FilterByExtendedData) {
   AcDbRegAppTable* table = nullptr;
   ASSERT_EQ(acdbCurDwg()->getRegAppTable(table, AcDb::kForWrite), Acad::eOk);
@@ -132,6 +191,15 @@ TEST_F(Selections, FilterByExtendedData) {
   entity->close();
   EXPECT_EQ(filtered(acutBuildList(-3, 1001, L"tagger", RTNONE)), "1");
   EXPECT_EQ(filtered(acutBuildList(-3, 1001, L"other", RTNONE)), "none");
+  EXPECT_EQ(asked(R"((ssget "X" '((-3 ("TAGGER")))))"
+                  "\n\n"),
+            "1");
+  EXPECT_EQ(asked(R"((ssget "X" '((-3 ("tagger" (1000 . "x"))))))"
+                  "\n\n"),
+            "1");
+  EXPECT_EQ(asked(R"((ssget "X" '((-3 ("tagger" (1000 . "x") (1000 . "x"))))))"
+                  "\n\n"),
+            "none");
 }
 
 TEST_F(Selections, PicksWindowsAndFences) {

@@ -41,6 +41,8 @@ TEST_F(Elements, EveryCommandMakesItsElement) {
   for (const Row& row : kRows) {
     run(std::string(row.command) + "\n" + pick(*outline) + "\n");
     EXPECT_EQ(layer(*outline), row.outlineLayer) << row.command;
+    run("SELECT\nKIND\n\"" + std::string(row.tag) + "\"\n\n");
+    EXPECT_TRUE(said("1 found")) << row.tag << transcript_;
     // However often it is made something else, an outline has one fill, or none.
     const auto fills = living(DxfType::Hatch);
     ASSERT_EQ(fills.size(), row.pattern != nullptr ? 1U : 0U) << row.command;

@@ -1,4 +1,4 @@
-// MOVE, COPY, ROTATE, JOIN, CHPROP.
+// MOVE, COPY, ROTATE, JOIN, SEAM, CHPROP.
 #include <cmath>
 #include <numbers>
 
@@ -9,7 +9,9 @@
 #include "Editor/Commands/SelectedObjects.h"
 #include "Editor/Editing/Joining.h"
 #include "Editor/Editing/Moving.h"
+#include "Editor/Editing/PolylineVertices.h"
 #include "Editor/Session/Session.h"
+#include "Geometry/Seams.h"
 #include "Text/Text.h"
 #include "dbobjptr.h"
 
@@ -387,11 +389,38 @@ class ChangeDialogue {
 
 void changeProperties(Prompter& prompter) { ChangeDialogue(prompter).run(); }
 
+// ---- SEAM -----------------------------------------------------------------------------------------------------------
+
+/// A seam that runs the way shadows fall casts none; one that runs otherwise makes a dark patch in the courtyard.
+void cutSeams(Prompter& prompter) {
+  const std::vector<Slot*> entities = selectedObjects(prompter, true);
+  if (entities.empty()) return;
+  constexpr double kUsual = 45;
+  const auto degrees = prompter.real(L"Specify direction in which shadows fall <45>: ");
+  if (degrees.outcome == Outcome::Cancel) return;
+  const double angle = (degrees ? degrees.value : kUsual) * std::numbers::pi / 180;
+  const curves::Point2 sunward{-std::cos(angle), -std::sin(angle)};
+  std::size_t courtyards = 0, changed = 0;
+  for (Slot* const slot : entities) {
+    const std::optional<curves::Polygon> ring = straightRing(*slot);
+    const geometry::HoledArea area = ring ? geometry::splitSeams(*ring) : geometry::HoledArea();
+    if (area.holes.empty()) continue;
+    std::vector<PolylineVertex> vertices;
+    for (const curves::Point2 point : geometry::joinHoles(area, sunward)) vertices.push_back({point});
+    if (!setVertices(*slot, vertices, true)) continue;  // the end of the command tells why
+    courtyards += area.holes.size();
+    ++changed;
+  }
+  prompter.line(counted(courtyards, L"seam", L"seams") + L" of " + counted(changed, L"object", L"objects") +
+                L" cut anew, " + counted(entities.size() - changed, L"object has", L"objects have") + L" none");
+}
+
 constexpr HostCommand kCommands[] = {
     {L"MOVE", ACRX_CMD_USEPICKSET, move, L"moves objects from a point to another"},
     {L"COPY", ACRX_CMD_USEPICKSET, copy, L"copies objects to one or more places"},
     {L"ROTATE", ACRX_CMD_USEPICKSET, rotate, L"turns objects about a point; C turns copies"},
     {L"JOIN", ACRX_CMD_USEPICKSET, join, L"joins lines, arcs and polylines that meet, and closes them"},
+    {L"SEAM", ACRX_CMD_USEPICKSET, cutSeams, L"cuts the seams to courtyards anew, the way shadows fall"},
     {L"CHPROP", ACRX_CMD_USEPICKSET, changeProperties, L"changes layer, color, linetype and lineweight of objects"},
 };
 

@@ -15,6 +15,7 @@
 #include "Database/Editing.h"
 #include "Database/ObjectAccess.h"
 #include "Database/TagValues.h"
+#include "Editor/Editing/PolylineVertices.h"
 #include "acutads.h"
 #include "acutmem.h"
 #include "dbents.h"
@@ -32,10 +33,7 @@ using database::Tag;
 
 constexpr double kTolerance = 1e-4;
 
-struct Vertex {
-  Point2 point;
-  double bulge = 0, startWidth = 0, endWidth = 0;  // of the piece that starts here
-};
+using Vertex = PolylineVertex;
 
 struct Piece {
   Slot* entity = nullptr;
@@ -276,7 +274,7 @@ class Joiner {
     }
     const bool extends = kept.type == DxfType::LwPolyline;
     if (extends) {
-      extend(kept, vertices, chain.isClosed);
+      setVertices(kept, vertices, chain.isClosed);
     } else {
       makeNew(kept, vertices, base.piece->elevation, chain.isClosed);
     }
@@ -289,48 +287,6 @@ class Joiner {
     ++counts_.polylines;
     if (chain.isClosed) ++counts_.closed;
     return true;
-  }
-
-  void extend(Slot& slot, const std::vector<Vertex>& vertices, bool isClosed) const {
-    const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(&slot), AcDb::kForWrite);
-    if (entity.openStatus() != Acad::eOk) return;
-    constexpr int kCount = 90, kFlags = 70, kConstantWidth = 43;
-    const bool hasOneWidth = std::all_of(vertices.begin(), vertices.end(), [&](const Vertex& vertex) {
-      return &vertex == &vertices.back() ||
-             (vertex.startWidth == vertices.front().startWidth && vertex.endWidth == vertices.front().startWidth);
-    });
-    database::TagWriter out = drawing_.tagWriter();
-    bool isInside = false, isWritten = false, hasWidth = false;
-    const auto write = [&] {
-      if (!isInside || std::exchange(isWritten, true)) return;
-      for (const Vertex& vertex : vertices) {
-        out.point(10, vertex.point.x, vertex.point.y);
-        if (!hasWidth && (vertex.startWidth != 0 || vertex.endWidth != 0))
-          out.real(40, vertex.startWidth).real(41, vertex.endWidth);
-        if (vertex.bulge != 0) out.real(42, vertex.bulge);
-      }
-    };
-    Tag tag;
-    for (database::TagCursor tags = slot.tags(); tags.next(tag);) {
-      if (tag.code == 100 || tag.code >= 1000) {
-        write();
-        isInside = tag.code == 100 && tag.trimmed() == "AcDbPolyline";
-      }
-      const bool isOfVertex = tag.code == 10 || tag.code == 20 || (tag.code >= 40 && tag.code <= 42) || tag.code == 91;
-      if (isInside && tag.code == kCount) {
-        out.integer(kCount, static_cast<std::int64_t>(vertices.size()));
-      } else if (isInside && tag.code == kFlags) {
-        out.integer(kFlags, tag.integer() | (isClosed ? 1 : 0));
-      } else if (isInside && tag.code == kConstantWidth) {
-        hasWidth = hasOneWidth;
-        if (hasWidth) out.bytes(tag.bytes);
-      } else if (!isInside || !isOfVertex) {
-        if (isInside && tag.code == 210) write();
-        out.bytes(tag.bytes);
-      }
-    }
-    write();
-    HostObjectAccess::editRecord(*entity).assign(HostObjectAccess::keep(*entity, out.str()));
   }
 
   /// A polyline with the properties and extended data of the entity.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <fstream>
 
 #include "Editor/Session/Session.h"
 #include "Text/Text.h"
@@ -16,6 +17,30 @@ namespace {
 template <class Function>
 Function symbol(void* library, const char* name) {
   return reinterpret_cast<Function>(dlsym(library, name));
+}
+
+std::vector<std::wstring> split(std::wstring_view text, wchar_t separator) {
+  std::vector<std::wstring> parts;
+  for (std::size_t begin = 0; begin <= text.size();) {
+    const std::size_t end = std::min(text.find(separator, begin), text.size());
+    parts.emplace_back(text.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return parts;
+}
+
+/// Rows of the table "MODULE.menu/kinds.tsv" beside a module: names divided by commas, application, key, value.
+std::vector<ObjectKind> readKinds(const std::filesystem::path& module) {
+  std::vector<ObjectKind> kinds;
+  std::filesystem::path table = module;
+  table.replace_extension(".menu");
+  std::ifstream stream(table / "kinds.tsv");
+  for (std::string line; std::getline(stream, line);) {
+    if (line.empty() || line.front() == '#') continue;
+    const std::vector<std::wstring> cells = split(text::fromUtf8(line), L'\t');
+    if (cells.size() == 4) kinds.push_back({split(cells[0], L','), cells[1], cells[2], cells[3]});
+  }
+  return kinds;
 }
 
 }  // namespace
@@ -139,6 +164,7 @@ Result<> ModuleList::load(const std::filesystem::path& file) {
     return refuse("is made for interface version " + std::to_string(number) + "; this host has version " +
                   std::to_string(ACRX_API_VERSION));
   module.base = moduleBase(reinterpret_cast<const void*>(module.entry));
+  module.kinds = readKinds(path);
 
   modules_.push_back(std::move(owned));
   const auto giveUp = [&](const std::string& why) {

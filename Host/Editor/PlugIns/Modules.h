@@ -15,6 +15,12 @@ namespace host::editor {
 class Document;
 class Session;
 
+/// What a module's objects are called, and the extended data by which they are known.
+struct ObjectKind {
+  std::vector<std::wstring> names;
+  std::wstring application, key, value;
+};
+
 struct Module {
   std::filesystem::path file;
   std::wstring name;  // file name
@@ -22,7 +28,8 @@ struct Module {
   AcRx::AppRetCode (*entry)(AcRx::AppMsgCode, void*) = nullptr;
   const void* base = nullptr;  // where the loader put it
   bool locked = true;
-  bool severalDrawings = false;  // registered for several open drawings
+  bool severalDrawings = false;   // registered for several open drawings
+  std::vector<ObjectKind> kinds;  // of the table beside it, if there is one
 };
 
 /// File of the host's own library.

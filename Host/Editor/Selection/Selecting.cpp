@@ -4,6 +4,7 @@
 #include <unordered_set>
 
 #include "Editor/Prompter.h"
+#include "Editor/Selection/FilterText.h"
 #include "Editor/Selection/Spaces.h"
 #include "Editor/Session/Session.h"
 #include "Text/Text.h"
@@ -15,10 +16,12 @@ using database::Slot;
 using geometry::Point;
 
 constexpr std::wstring_view kOptions =
-    L"Window Last Crossing BOX ALL Fence WPolygon CPolygon Group Add Remove Multiple Previous Undo AUto SIngle SAme";
+    L"Window Last Crossing BOX ALL Fence WPolygon CPolygon Group Add Remove Multiple Previous Undo AUto SIngle SAme "
+    L"LAYer KInd";
 constexpr std::wstring_view kInvalid =
     L"*Invalid selection*  Expects a point or "
-    L"Window/Last/Crossing/BOX/ALL/Fence/WPolygon/CPolygon/Group/Add/Remove/Multiple/Previous/Undo/AUto/SIngle";
+    L"Window/Last/Crossing/BOX/ALL/Fence/WPolygon/CPolygon/Group/Add/Remove/Multiple/Previous/Undo/AUto/SIngle/SAme/"
+    L"LAYer/KInd, (handent ...) or (ssget ...)";
 
 Point flat(const AcGePoint3d& point) { return {point.x, point.y}; }
 
@@ -37,18 +40,43 @@ AcGePoint3d pointOn(const Slot& entity) {
   return {};
 }
 
+bool isPolyline(const Slot& entity) {
+  return entity.type == database::DxfType::LwPolyline || entity.type == database::DxfType::Polyline2d ||
+         entity.type == database::DxfType::Polyline3d;
+}
+
+/// By the flag, or because the last point is the first again.
+bool isClosed(const Slot& polyline) {
+  database::Tag tag;
+  for (database::TagCursor tags = polyline.tags(); tags.next(tag) && tag.code != 1001;) {
+    if (tag.code == 70 && (tag.integer() & 1) != 0) return true;
+  }
+  const std::vector<geometry::Path> paths = geometry::entityPaths(polyline, 1.0);
+  if (paths.size() != 1 || paths[0].points.size() < 3) return false;
+  const Point first = paths[0].points.front(), last = paths[0].points.back();
+  return first.x == last.x && first.y == last.y;
+}
+
 /// The selection as it grows, with the messages that go with it.
 class Selection {
  public:
   Selection(Session& session, const SelectOptions& options) : session_(session), options_(options) {}
 
-  void take(std::vector<Slot*> found, bool expandGroups) {
+  /// How much is said of what was found: of things chosen by what they are, also what may be wrong with them.
+  enum class Told { Counts, States };
+
+  void take(std::vector<Slot*> found, bool expandGroups, Told told) {
     undo_.push_back(members_);
     if (expandGroups && (session_.variables().integer(L"PICKSTYLE") & 1) != 0) found = withGroups(found);
-    std::size_t elsewhere = 0, locked = 0, filtered = 0, duplicate = 0, count = 0;
+    std::size_t elsewhere = 0, locked = 0, filtered = 0, duplicate = 0, count = 0, open = 0, shut = 0;
     const Slot* const space = session_.currentSpace().record;
     for (Slot* entity : found) {
-      if (entity->owner != space) {
+      const bool isHere = entity->owner == space;
+      if (told == Told::States && isHere) {
+        if (isPolyline(*entity) && !isClosed(*entity)) ++open;
+        if (session_.finder().layerState(*entity).locked) ++shut;
+      }
+      if (!isHere) {
         ++elsewhere;
       } else if (options_.skipLocked && session_.finder().layerState(*entity).locked) {
         ++locked;
@@ -63,7 +91,10 @@ class Selection {
     }
     if (removing) std::erase_if(members_, [this](Slot* member) { return !known_.contains(member); });
     session_.observer().highlight(members_);
-    report(count, duplicate, filtered, locked, elsewhere);
+    std::wstring states;
+    if (open > 0) states += L", " + std::to_wstring(open) + L" not closed";
+    if (shut > 0) states += L", " + std::to_wstring(shut) + L" on a locked layer";
+    report(count, duplicate, filtered, states, told == Told::States ? 0 : locked, elsewhere);
   }
 
   void undo() {
@@ -109,8 +140,8 @@ class Selection {
     return known_.erase(entity) > 0;  // `take` then clears up the members
   }
 
-  void report(std::size_t count, std::size_t duplicate, std::size_t filtered, std::size_t locked,
-              std::size_t elsewhere) {
+  void report(std::size_t count, std::size_t duplicate, std::size_t filtered, const std::wstring& states,
+              std::size_t locked, std::size_t elsewhere) {
     std::wstring text = std::to_wstring(count) + L" found";
     if (filtered > 0) text += L", " + std::to_wstring(filtered) + L" filtered out";
     if (removing) {
@@ -118,6 +149,7 @@ class Selection {
     } else if (duplicate > 0) {
       text += L" (" + std::to_wstring(duplicate) + L" duplicate)";
     }
+    text += states;
     if (removing || reported_) text += L", " + std::to_wstring(members_.size()) + L" total";
     session_.transcript().line(text);
     tellLocked(session_, locked);
@@ -166,6 +198,7 @@ class Selector {
     if (answer.kind == Answer::Kind::Entity) return take({answer.entity.slot()}, true);
     if (answer.kind == Answer::Kind::Point) return pick(answer.point, true);
     if (const std::optional<std::uint64_t> handle = parseHandent(answer.text)) return takeHandle(*handle);
+    if (isFilterExpression(answer.text)) return takeFiltered(answer.text);
     if (text::equalFolded(answer.text, L"(entlast)")) return option(L"Last");
     if (const std::optional<AcGePoint3d> point = parsePoint(answer.text, session_.documents().current()->lastPoint))
       return pick(*point, false);
@@ -174,9 +207,10 @@ class Selector {
   }
 
   /// `where` names the pick or window for the message that it found nothing.
-  bool take(std::vector<Slot*> found, bool expandGroups, const std::wstring& where = {}) {
+  using Told = Selection::Told;
+  bool take(std::vector<Slot*> found, bool expandGroups, const std::wstring& where = {}, Told told = Told::Counts) {
     const bool any = !found.empty();
-    selection_.take(std::move(found), expandGroups);
+    selection_.take(std::move(found), expandGroups, told);
     if (any && (options_.single || single_)) done_ = true;
     if (!any && !where.empty()) session_.foundNothing(where);
     return true;
@@ -288,7 +322,66 @@ class Selector {
     for (const Slot* model : models) kinds.emplace(model->type, model->layer);
     std::vector<Slot*> same = session_.finder().visibleNewestFirst(session_.currentSpace());
     std::erase_if(same, [&kinds](const Slot* each) { return !kinds.contains({each->type, each->layer}); });
-    return take(std::move(same), false);
+    return take(std::move(same), false, {}, Told::States);
+  }
+
+  /// Those of the current space that a filter lets through and that are not on frozen layers.
+  bool takeMatching(const std::vector<SelectionFilter>& filters, const std::wstring& where) {
+    const database::BlockContents& space = session_.currentSpace();
+    std::vector<Slot*> found;
+    for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
+      Slot& entity = **it;
+      if (entity.isErased() || entity.isSubEntity() || session_.finder().layerState(entity).frozen) continue;
+      const auto fits = [&entity](const SelectionFilter& filter) { return filter.matches(entity); };
+      if (std::any_of(filters.begin(), filters.end(), fits)) found.push_back(&entity);
+    }
+    return take(std::move(found), false, where, Told::States);
+  }
+
+  bool takeFiltered(const std::wstring& text) {
+    const database::DrawingDatabase& drawing = session_.documents().current()->drawing();
+    Result<FilterExpression> expression = parseFilterExpression(text, drawing);
+    if (!expression) return prompter_.refuse(text::fromUtf8(expression.problem().sentence()));
+    const std::wstring where = L"by " + text;
+    if (expression->isWholeDrawing) return take(wholeDrawing(drawing, expression->filter), false, where, Told::States);
+    std::vector<SelectionFilter> filters;
+    filters.push_back(std::move(expression->filter));
+    return takeMatching(filters, where);
+  }
+
+  bool askLayer() {
+    const Reply<std::wstring> pattern = prompter_.word(L"Enter layer name, * and ? stand for others: ");
+    if (pattern.outcome == Outcome::Cancel) return false;
+    if (!pattern) return true;
+    std::vector<SelectionFilter> filters;
+    filters.push_back(filterOfLayers(pattern.value, session_.documents().current()->drawing()));
+    return takeMatching(filters, L"on layer " + pattern.value);
+  }
+
+  bool askKind() {
+    const Reply<std::wstring> name = prompter_.word(L"Enter kind of object or [?]: ");
+    if (name.outcome == Outcome::Cancel) return false;
+    if (!name) return true;
+    const database::DrawingDatabase& drawing = session_.documents().current()->drawing();
+    std::vector<SelectionFilter> filters;
+    std::vector<std::wstring> known;
+    for (const auto& module : session_.modules().all()) {
+      for (const ObjectKind& kind : module->kinds) {
+        known.insert(known.end(), kind.names.begin(), kind.names.end());
+        if (std::any_of(kind.names.begin(), kind.names.end(),
+                        [&](const std::wstring& each) { return text::matchesWildcard(each, name.value); }))
+          filters.push_back(filterOfTag(kind.application, kind.key, kind.value, drawing));
+      }
+    }
+    if (!filters.empty()) return takeMatching(filters, L"of kind " + name.value);
+    if (name.value == L"?") {
+      for (const std::wstring& each : known) prompter_.line(L"  " + each);
+      return true;
+    }
+    std::wstring hint = known.empty() ? L"; no plug-in has kinds of objects" : L"";
+    for (const std::wstring& close : nearestNames(name.value, known))
+      hint += (hint.empty() ? L"; nearest: " : L", ") + close;
+    return prompter_.refuse(L"No kind of object is named \"" + name.value + L"\"" + hint + L".");
   }
 
   bool option(std::wstring_view name) {
@@ -298,6 +391,8 @@ class Selector {
     if (name == L"Group") return askGroup();
     if (name == L"ALL") return takeAll();
     if (name == L"SAme") return takeSame();
+    if (name == L"LAYer") return askLayer();
+    if (name == L"KInd") return askKind();
     if (name == L"Last") {
       Slot* const last = lastEntity(session_);
       return take(last != nullptr ? std::vector<Slot*>{last} : std::vector<Slot*>{}, true);

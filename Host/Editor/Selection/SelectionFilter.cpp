@@ -84,7 +84,17 @@ struct Test {
   std::int64_t integer = 0;
   std::uint64_t handle = 0;
   double point[3] = {0, 0, 0};
-  std::vector<std::wstring> applications;  // code -3
+  /// Code -3: an application's name and values of its data, which stand one after the other.
+  struct XDataTest {
+    std::wstring application;
+    struct Value {
+      int code = 0;
+      std::wstring text;
+      double number = 0;
+    };
+    std::vector<Value> values;
+  };
+  std::vector<XDataTest> xdata;
 };
 
 /// Value of a group that an entity without it has; nothing when it has none.
@@ -196,9 +206,27 @@ struct SelectionFilter::Node {
     return false;
   }
 
+  bool isXDataValue(const database::Tag& tag, const Test::XDataTest::Value& value) const {
+    if (tag.code != value.code) return false;
+    const bool isText = database::valueKind(value.code) == database::ValueKind::Text;
+    return isText ? text::matchesWildcard(drawing->codec().decode(tag.value), value.text) : tag.real() == value.number;
+  }
+
+  /// Whether the values stand one after the other in the data that the cursor is at the beginning of.
+  bool hasValues(database::TagCursor data, const std::vector<Test::XDataTest::Value>& values) const {
+    if (values.empty()) return true;
+    database::Tag tag;
+    for (database::TagCursor at = data; data.next(tag) && tag.code != 1001; at = data) {
+      std::size_t fits = 0;
+      while (fits < values.size() && at.next(tag) && isXDataValue(tag, values[fits])) ++fits;
+      if (fits == values.size()) return true;
+    }
+    return false;
+  }
+
   bool hasXData(const Slot& entity) const {
     if ((entity.flags & database::kHasXData) == 0) return false;
-    std::vector<bool> found(test.applications.size());
+    std::vector<bool> found(test.xdata.size());
     std::size_t missing = found.size();
     database::Tag tag;
     bool any = false;
@@ -207,10 +235,10 @@ struct SelectionFilter::Node {
       any = true;
       const std::wstring name = drawing->codec().decode(tag.value);
       for (std::size_t i = 0; i < found.size(); ++i) {
-        if (!found[i] && text::matchesWildcard(name, test.applications[i])) {
-          found[i] = true;
-          --missing;
-        }
+        const Test::XDataTest& wanted = test.xdata[i];
+        if (found[i] || !text::matchesWildcard(name, wanted.application) || !hasValues(tags, wanted.values)) continue;
+        found[i] = true;
+        --missing;
       }
     }
     return any && missing == 0;
@@ -320,8 +348,12 @@ class Compiler {
     const int code = item.restype;
     if (code == -3) {
       std::unique_ptr<Node> node = make(Node::Kind::XData);
-      for (; next_ != nullptr && next_->restype == 1001; next_ = next_->rbnext) {
-        if (next_->resval.rstring != nullptr) node->test.applications.emplace_back(next_->resval.rstring);
+      for (; next_ != nullptr && next_->restype >= 1000; next_ = next_->rbnext) {
+        if (next_->restype == 1001) {
+          node->test.xdata.push_back({textOf(*next_), {}});
+        } else if (!node->test.xdata.empty()) {
+          node->test.xdata.back().values.push_back(xdataValue(*next_));
+        }
       }
       parent.children.push_back(std::move(node));
       return;
@@ -363,6 +395,17 @@ class Compiler {
   // The code of an item says where it holds its value, as everywhere in chains.
 
   static std::wstring textOf(const resbuf& item) { return item.resval.rstring != nullptr ? item.resval.rstring : L""; }
+
+  static Test::XDataTest::Value xdataValue(const resbuf& item) {
+    switch (database::valueKind(item.restype)) {
+      case database::ValueKind::Text:
+        return {item.restype, textOf(item), 0};
+      case database::ValueKind::Real:
+        return {item.restype, {}, item.resval.rreal};
+      default:
+        return {item.restype, {}, static_cast<double>(integerOf(item))};
+    }
+  }
 
   static std::uint64_t handleOf(const resbuf& item) {
     if (database::valueKind(item.restype) != database::ValueKind::Name)

@@ -18,6 +18,7 @@ using host::editor::Prompter;
 using host::editor::SelectionFilter;
 using host::editor::SelectOptions;
 using host::editor::Session;
+using host::editor::wholeDrawing;
 using host::geometry::Point;
 using host::geometry::Window;
 
@@ -75,17 +76,6 @@ std::vector<Point> pointsOf(const void* chain) {
       points.push_back(flat(item->resval.rpoint));
   }
   return points;
-}
-
-std::vector<Slot*> wholeDrawing(const host::database::DrawingDatabase& drawing, const SelectionFilter& filter) {
-  std::vector<Slot*> found;
-  for (const auto& [name, block] : drawing.layouts()) {
-    if (block == nullptr) continue;
-    for (auto it = block->entities.rbegin(); it != block->entities.rend(); ++it) {
-      if (!(*it)->isErased() && !(*it)->isSubEntity() && filter.matches(**it)) found.push_back(*it);
-    }
-  }
-  return found;
 }
 
 /// The set selected before the command started; it is handed over once.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "Editor/Selection/SelectionFilter.h"
 #include "Editor/Session/Session.h"
 #include "Text/Text.h"
 
@@ -51,6 +52,17 @@ std::vector<Slot*> selectAll(Session& session, std::size_t* locked) {
       found.push_back(*it);
     } else if (locked != nullptr) {
       ++*locked;
+    }
+  }
+  return found;
+}
+
+std::vector<Slot*> wholeDrawing(const database::DrawingDatabase& drawing, const SelectionFilter& filter) {
+  std::vector<Slot*> found;
+  for (const auto& [name, block] : drawing.layouts()) {
+    if (block == nullptr) continue;
+    for (auto it = block->entities.rbegin(); it != block->entities.rend(); ++it) {
+      if (!(*it)->isErased() && !(*it)->isSubEntity() && filter.matches(**it)) found.push_back(*it);
     }
   }
   return found;

@@ -21,6 +21,9 @@ geometry::Box currentView(Session& session);
 /// Living entities of the current space that are not on frozen or locked layers, newest first. `locked`: how many are
 /// on thawed layers that are locked.
 std::vector<database::Slot*> selectAll(Session& session, std::size_t* locked = nullptr);
+class SelectionFilter;
+/// Living entities of all spaces that the filter lets through, newest first in each.
+std::vector<database::Slot*> wholeDrawing(const database::DrawingDatabase& drawing, const SelectionFilter& filter);
 /// "2 were on a locked layer." in the transcript; nothing for none.
 void tellLocked(Session& session, std::size_t count);
 /// The newest visible entity of the current space, or null.

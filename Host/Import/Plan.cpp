@@ -1,0 +1,193 @@
+#include "Import/Plan.h"
+
+#include <cmath>
+#include <numbers>
+
+#include "Database/DrawingDatabase.h"
+#include "Geometry/Seams.h"
+#include "Text/Text.h"
+#include "dbents.h"
+#include "dbhatch.h"
+#include "dbobjptr.h"
+#include "dbpl.h"
+#include "dbsymtb.h"
+
+namespace host::import {
+namespace {
+
+using curves::Point2;
+using curves::Polygon;
+
+Polygon pointsOf(const OGRLinearRing& ring) {
+  Polygon points;
+  for (int i = 0; i + 1 < ring.getNumPoints(); ++i) points.push_back({ring.getX(i), ring.getY(i)});
+  return points;
+}
+
+geometry::HoledArea areaOf(const OGRPolygon& polygon) {
+  geometry::HoledArea area;
+  for (const OGRLinearRing* ring : polygon) {
+    (area.outer.empty() ? area.outer : area.holes.emplace_back()) = pointsOf(*ring);
+  }
+  return area;
+}
+
+class PlanDrawing {
+ public:
+  explicit PlanDrawing(AcDbDatabase& drawing)
+      : drawing_(drawing), space_(AcDbObjectId(drawing.hostDatabase().modelSpace().record), AcDb::kForWrite) {}
+
+  void addLayer(const std::string& name, int color) {
+    const AcDbObjectPointer<AcDbLayerTable> table(drawing_.layerTableId(), AcDb::kForWrite);
+    layer_ = text::fromUtf8(name);
+    if (table.openStatus() != Acad::eOk || table->has(layer_.c_str())) return;
+    auto record = std::make_unique<AcDbLayerTableRecord>();
+    record->setName(layer_.c_str());
+    if (color > 0) {
+      AcCmColor own;
+      own.setColorIndex(static_cast<Adesk::UInt16>(color));
+      record->setColor(own);
+    }
+    if (table->add(record.get()) == Acad::eOk) record.release()->close();
+  }
+
+  void addPolyline(const Polygon& points, bool isClosed) {
+    auto line = std::make_unique<AcDbPolyline>();
+    for (unsigned i = 0; i < points.size(); ++i) line->addVertexAt(i, AcGePoint2d(points[i].x, points[i].y));
+    line->setClosed(isClosed);
+    add(std::move(line));
+    for (const Point2 point : points) box_.add(point);
+  }
+
+  void addFill(const OGRPolygon& polygon) {
+    auto fill = std::make_unique<AcDbHatch>();
+    fill->setPattern(AcDbHatch::kPreDefined, L"SOLID");
+    bool isWhole = true;
+    for (const OGRLinearRing* ring : polygon) {
+      AcGePoint2dArray vertices;
+      for (const Point2 point : pointsOf(*ring)) vertices.append(AcGePoint2d(point.x, point.y));
+      isWhole = isWhole && fill->appendLoop(AcDbHatch::kDefault, vertices, AcGeDoubleArray()) == Acad::eOk;
+    }
+    if (isWhole && fill->evaluateHatch() == Acad::eOk) add(std::move(fill));
+  }
+
+  void addPoint(Point2 at) {
+    add(std::make_unique<AcDbPoint>(AcGePoint3d(at.x, at.y, 0)));
+    box_.add(at);
+  }
+
+  const curves::Box& box() const { return box_; }
+
+ private:
+  template <class Entity>
+  void add(std::unique_ptr<Entity> entity) {
+    entity->setLayer(layer_.c_str());
+    AcDbObjectId id;
+    if (space_->appendAcDbEntity(id, entity.get()) == Acad::eOk) entity.release()->close();
+  }
+
+  AcDbDatabase& drawing_;
+  const AcDbObjectPointer<AcDbBlockTableRecord> space_;
+  std::wstring layer_;
+  curves::Box box_;
+};
+
+std::string shown(double value) {
+  const std::string text = text::formatReal(value);
+  return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
+}
+
+std::string filled(std::string text, const std::map<std::string, std::string>& values) {
+  for (const auto& [name, value] : values) {
+    const std::string mark = "{" + name + "}";
+    for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += value.size())
+      text.replace(at, mark.size(), value);
+  }
+  return text;
+}
+
+using Values = std::map<std::string, std::string>;
+
+void addLines(std::string& script, const std::vector<std::string>& lines, const Values& values) {
+  for (const std::string& line : lines) script += filled(line, values) + "\n";
+}
+
+/// "Asfaltti (12)".
+std::string titleOf(const Batch& batch, const Values& values, std::size_t count) {
+  return filled(batch.element->title, values) + " (" + std::to_string(count) + ")";
+}
+
+Values valuesOf(const Batch& batch, Values values) {
+  for (const auto& [name, value] : batch.values) values[name] = value;
+  values["layer"] = batch.layer;
+  return values;
+}
+
+}  // namespace
+
+curves::Box drawFeatures(const Features& features, double shadowDegrees, AcDbDatabase& drawing) {
+  const double angle = shadowDegrees * std::numbers::pi / 180;
+  const Point2 sunward{-std::cos(angle), -std::sin(angle)};
+  PlanDrawing plan(drawing);
+  for (const Batch& batch : features.batches) {
+    plan.addLayer(batch.layer, batch.element->color);
+    for (const auto& area : batch.areas) {
+      if (batch.element->fill > 0) plan.addFill(*area);
+      const geometry::HoledArea rings = areaOf(*area);
+      if (batch.element->fill == 0) {
+        plan.addPolyline(geometry::joinHoles(rings, sunward), true);
+        continue;
+      }
+      plan.addPolyline(rings.outer, true);
+      for (const Polygon& hole : rings.holes) plan.addPolyline(hole, true);
+    }
+    for (const auto& line : batch.lines) {
+      const bool isRing = line.size() > 3 && line.front().x == line.back().x && line.front().y == line.back().y;
+      plan.addPolyline(isRing ? Polygon(line.begin(), line.end() - 1) : line, isRing);
+    }
+    for (const Point2 point : batch.points) plan.addPoint(point);
+  }
+  return plan.box();
+}
+
+std::string scriptOf(Features& features, const ElementTable& table, const ScriptValues& given) {
+  Values all = table.defaults;
+  all["direction"] = shown(given.shadowDegrees);
+  all["length"] = shown(given.shadowLength);
+  all["symbols"] = given.symbols;
+  std::string script = given.head;
+  addLines(script, table.before, all);
+  for (const Batch& batch : features.batches) {
+    if (batch.element->lines.empty() || batch.element->shape == Shape::Point) continue;
+    const Values values = valuesOf(batch, all);
+    script += "; " + titleOf(batch, values, batch.areas.size() + batch.lines.size()) + "\n";
+    addLines(script, batch.element->lines, values);
+  }
+  std::size_t left = 0;
+  bool isFirst = true;
+  for (const Batch& batch : features.batches) {
+    if (batch.points.empty() || batch.element->lines.empty()) continue;
+    if (given.symbols.empty()) {
+      left += batch.points.size();
+      continue;
+    }
+    if (std::exchange(isFirst, false)) addLines(script, table.beforePoints, all);
+    const Values values = valuesOf(batch, all);
+    script += "; " + titleOf(batch, values, batch.points.size()) + "\n";
+    for (const std::string& line : batch.element->lines) {
+      if (line != "{points}") {
+        script += filled(line, values) + "\n";
+        continue;
+      }
+      for (const Point2 point : batch.points) script += shown(point.x) + "," + shown(point.y) + "\n";
+    }
+  }
+  if (!isFirst) addLines(script, table.afterPoints, all);
+  if (left > 0)
+    features.warnings.push_back(std::to_string(left) +
+                                " trees and other symbols are points only: give --symbols FOLDER");
+  addLines(script, table.after, all);
+  return script;
+}
+
+}  // namespace host::import
