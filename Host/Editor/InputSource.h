@@ -37,6 +37,7 @@ struct Question {
   Wanted wanted = Wanted::Text;
   const Keywords* keywords = nullptr;  // that are taken too; null for none
   std::optional<AcGePoint3d> base;     // of a point: where a rubber band starts
+  std::optional<double> direction;     // of a point that ends an arc: how the arc leaves the base, radians
   bool takesEnter = true;              // Enter alone is an answer
   bool takesNumber = false;            // of a point: a number alone is an answer too, such as an angle
 

@@ -32,6 +32,7 @@ struct Limits {
   int bits = 0;
   Keywords keywords;
   std::optional<AcGePoint3d> base;
+  std::optional<double> direction;  // as of Question
 
   /// The question as the input is asked it; refers to the limits and the prompt.
   Question question(std::wstring_view prompt, AnswerForm form, Wanted wanted) const;

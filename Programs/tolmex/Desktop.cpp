@@ -7,6 +7,7 @@
 #include "Console.h"
 #include "Inputs.h"
 #include "Outputs.h"
+#include "OwnFacts.h"
 #include "PictureCommand.h"
 #include "PlanSession.h"
 #include "Window/Desktop.h"
@@ -79,6 +80,7 @@ int runDesktop(const DesktopCallOptions& options) {
     }
   }
   wanted.guide = findShared(folder, "docs/kayttoohje.md");
+  wanted.ownFacts = ownFacts;
   wanted.extend = addPictureCommand;
   return run(wanted);
 }

@@ -297,6 +297,81 @@ TEST_F(Session, WhatWasDoneBeforeAKillIsOfferedAndKept) {
   EXPECT_TRUE(contentOf(plan) == before);
 }
 
+TEST_F(Session, LockedLayersFilesAndStoppedScriptsHaveTheirLinks) {
+  const auto plan = copy("docs/guide/tontti.dxf");
+  const auto script = folder.path / "steps.scr", picture = folder.path / "a b.svg";
+  std::ofstream(script) << "TLM_MUOK_METSA\n(handent \"108\")\n\nNOSUCH\n";
+  extend = [](host::editor::Application& application) {
+    application.addCommand(
+        L"PICTURE", 0,
+        [](host::editor::Prompter& prompter) {
+          const auto file = prompter.text(L"Enter name of picture file: ");
+          std::ofstream(std::filesystem::path(file.value)) << "x";
+        },
+        L"stands for the program's");
+  };
+  ownFacts = [](const Slot& slot) {
+    std::vector<host::window::OwnFact> facts;
+    if (slot.handle == 0x131) facts = {{"Kerroksia", "Floors", "2"}, {"Ala × kerrokset", "Area × floors", {}, 2}};
+    return facts;
+  };
+  const auto follow = [this](const QString& link) {
+    ui([&] { emit window->history().linkClicked(link); });
+    settle();
+  };
+  work({plan}, [&] {
+    ui([this] { window->talk().select({entity(0x131)}); });
+    const auto value = [this](const char* name) {
+      return get<QString>([&] { return window->side().properties().value(QString::fromUtf8(name)); });
+    };
+    until([&] { return window->side().properties().value("Kerroksia") == "2"; }, "the building's values");
+    EXPECT_EQ(value("Ala × kerrokset"), QString::fromUtf8("252.00 m²"));
+    escape();
+
+    for (const char* const answer : {"LAYER", "LOck", "TONTTI"}) type(answer);
+    enter();
+    menu("ERASE");
+    click(22, 0);
+    rightClick();
+    EXPECT_NE(told().indexOf("Taso TONTTI on lukittu. Avaa lukitus"), -1) << told().toStdString();
+    follow("lines:LAYER%0AUnlock%0ATONTTI%0A%0AERASE");
+    EXPECT_EQ(state(), State::Selection) << "the layer is unlocked, and the command asks again";
+    escape();
+
+    ui([&] { window->talk().runLines({"PICTURE", QString::fromStdString(picture.string())}); });
+    settle();
+    EXPECT_NE(told().indexOf("Tallennettu: a b.svg Avaa Avaa kansio"), -1) << told().toStdString();
+
+    const std::string before = drawingText();
+    ui([&] { window->talk().runLines({"SCRIPT", QString::fromStdString(script.string())}); });
+    settle();
+    until([this] { return window->banner().isVisible(); }, "the banner");
+    EXPECT_NE(get<QString>([this] { return window->banner().text(); }).indexOf("Skripti pysähtyi riville 4"), -1)
+        << get<QString>([this] { return window->banner().text(); }).toStdString();
+    EXPECT_FALSE(drawingText() == before);
+    ui([this] { window->banner().choose("Kumoa"); });
+    settle();
+    EXPECT_TRUE(drawingText() == before);
+  });
+}
+
+TEST_F(Session, FirstUseSaysWhatToDoUntilItIsUnderstood) {
+  const auto plan = copy("docs/guide/tontti.dxf");
+  QSettings().remove("hints/isBegun");
+  const auto hints = [this] {
+    return get<int>([this] {
+      const auto all = window->findChildren<host::window::Banner*>();
+      return static_cast<int>(std::ranges::count_if(all, [](host::window::Banner* banner) {
+        const bool isShown = banner->isVisible() && banner->text().contains("Valitse paletista");
+        if (isShown) banner->choose(QString::fromUtf8("Selvä"));
+        return isShown;
+      }));
+    });
+  };
+  work({plan}, [&] { EXPECT_EQ(hints(), 1); });
+  work({plan}, [&] { EXPECT_EQ(hints(), 0); });
+}
+
 TEST_F(Session, LayersAreOneUndoEach) {
   const auto plan = copy("docs/guide/tontti.dxf");
   const std::string opened = contentOf(plan);

@@ -46,7 +46,10 @@ class WindowTest : public testing::Test {
  protected:
   using Language = host::window::Language;
 
-  WindowTest() { QSettings().clear(); }
+  WindowTest() {
+    QSettings().clear();
+    QSettings().setValue("hints/isBegun", true);
+  }
 
   /// A drawing of the sources, copied into the test's folder.
   std::filesystem::path copy(const char* source, const char* name = "plan.dxf") const {
@@ -67,6 +70,7 @@ class WindowTest : public testing::Test {
     options.failureCaptions = {L"Error", L"Out of memory"};
     options.supportFolders = {std::filesystem::path(kSourceDir) / "examples"};
     options.extend = extend;
+    options.ownFacts = ownFacts;
     engine = std::make_unique<Engine>(options);
     ASSERT_TRUE(engine->application().loadModule(module));
     window = std::make_unique<MainWindow>(*engine, options);
@@ -91,6 +95,8 @@ class WindowTest : public testing::Test {
 
   /// Does it on the window's thread.
   void ui(const std::function<void()>& act) { QMetaObject::invokeMethod(qApp, act, Qt::BlockingQueuedConnection); }
+  /// Does it there without waiting: it may run a loop of its own.
+  void later(const std::function<void()>& act) { QMetaObject::invokeMethod(qApp, act, Qt::QueuedConnection); }
   template <class T>
   T get(const std::function<T()>& look) {
     T value{};
@@ -207,6 +213,7 @@ class WindowTest : public testing::Test {
 
   OwnFolder folder;
   std::function<void(host::editor::Application&)> extend;
+  std::function<std::vector<host::window::OwnFact>(const Slot&)> ownFacts;
   std::unique_ptr<Engine> engine;
   std::unique_ptr<MainWindow> window;
 };

@@ -33,7 +33,7 @@ std::string quoted(std::wstring_view text) { return "\"" + text::toUtf8(text) + 
 bool isLeftOutOfScripts(const Command& command) {
   static constexpr const wchar_t* kNames[] = {L"OPEN",       L"NEW",    L"CLOSE",   L"QSAVE", L"SAVEAS", L"QUIT",
                                               L"SAVESCRIPT", L"SCRIPT", L"RSCRIPT", L"DELAY", L"RESUME", L"PICTURE",
-                                              L"HELP",       L"U",      L"UNDO",    L"REDO",  L"MREDO"};
+                                              L"HELP",       L"U",      L"UNDO",    L"REDO",  L"MREDO",  L"SCREENSHOT"};
   return command.isBuiltIn() && std::any_of(std::begin(kNames), std::end(kNames), [&command](const wchar_t* name) {
            return text::equalFolded(command.global, name);
          });

@@ -148,8 +148,9 @@ class PolylineDialogue {
 
   bool askArc() {
     const bool canClose = vertices_.size() >= 2;
-    const Limits next = limits(canClose ? L"Angle CEnter CLose Direction Halfwidth Line Radius Second Undo Width"
-                                        : L"Angle CEnter Direction Halfwidth Line Radius Second Undo Width");
+    Limits next = limits(canClose ? L"Angle CEnter CLose Direction Halfwidth Line Radius Second Undo Width"
+                                  : L"Angle CEnter Direction Halfwidth Line Radius Second Undo Width");
+    next.direction = direction();
     const auto reply = prompter_.point(L"Specify endpoint of arc or [" + next.keywords.shown() + L"]: ", next);
     if (reply.outcome == Outcome::Cancel || reply.outcome == Outcome::Enter) return false;
     if (reply) return addArc(flat(reply.value), tangentBulge(vertices_.back().point, direction(), flat(reply.value)));

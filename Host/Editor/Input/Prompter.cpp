@@ -33,6 +33,7 @@ Question Limits::question(std::wstring_view prompt, AnswerForm form, Wanted want
   question.wanted = wanted;
   if (!keywords.isEmpty()) question.keywords = &keywords;
   question.base = base;
+  question.direction = direction;
   question.takesEnter = (bits & RSG_NONULL) == 0;
   question.takesNumber = (bits & RSG_OTHER) != 0;
   return question;

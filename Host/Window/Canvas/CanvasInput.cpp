@@ -89,7 +89,9 @@ void CanvasView::State::updateHover(bool isNew) {
   } else if (isNew || place == 0) {
     if (isNew) orderAt = cursor;
     order = pointAt(*shown->keeper, frame.toScene(cursor), kPickAperturePx / frame.scale(),
-                    picksOne() ? PickFor::One : PickFor::Many);
+                    picksOne()                 ? PickFor::One
+                    : mode == CanvasMode::Rest ? PickFor::Rest
+                                               : PickFor::Many);
     place = 0;
   }
   if (before != hovered() || placeBefore != place || countBefore != order.size())
@@ -113,8 +115,7 @@ void CanvasView::State::updateSnaps(Qt::KeyboardModifiers modifiers) {
   });
   std::optional<Point> base;
   if (question.base) base = Point{question.base->x, question.base->y};
-  snaps =
-      geometry::findSnaps(lines, planAt(cursor), reach, kSnapAdvantagePx / frame.scale(), geometry::kUsualSnaps, base);
+  snaps = geometry::findSnaps(lines, planAt(cursor), reach, kSnapAdvantagePx / frame.scale(), snapKinds, base);
 }
 
 void CanvasView::State::clearPointer() {

@@ -18,6 +18,11 @@ void CanvasView::paintEvent(QPaintEvent*) {
 
 void CanvasView::State::paint(QPainter& painter) {
   painter.fillRect(view.rect(), qColor(groundColors(isDark).ground));
+  if (layingOut != nullptr) {
+    painter.setPen(isDark ? QColor(0xA3, 0xAB, 0xB5) : QColor(0x57, 0x60, 0x6A));
+    painter.drawText(view.rect(), Qt::AlignCenter,
+                     CanvasView::tr("Drawing %1 things…").arg(layingOut->space->space->entities.size()));
+  }
   if (shown == nullptr) return;
   isSharp = tiles.paint(painter, frame);
   requestTiles();
@@ -71,8 +76,8 @@ void CanvasView::State::paintPointer(MarkPainter& marks) {
   }
   if (!picksOne() && !(isAsked && picksMany())) marks.crosshair(at, kPickAperturePx);
   if (!asksPoint() && task == Task::None) marks.pickBox(cursor, kPickAperturePx);
-  if (words.isEmpty()) words = tooltip;
-  marks.words(cursor, words);
+  const bool isTooltip = words.isEmpty();
+  marks.words(cursor, isTooltip ? tooltip : words, isTooltip);
 }
 
 PreviewInput CanvasView::State::previewInput() const {

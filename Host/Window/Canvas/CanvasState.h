@@ -4,6 +4,7 @@
 #include <QBasicTimer>
 #include <QElapsedTimer>
 #include <QTimer>
+#include <semaphore>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -48,6 +49,17 @@ struct CanvasView::State {
   };
   /// What the next clicks are for instead of answers.
   enum class Task { None, ZoomWindow, Rectangle, Place };
+
+  /// A space that a worker lays out.
+  struct LayingOut {
+    std::unique_ptr<SpaceView> space;
+    std::unique_ptr<SceneKeeper> made;
+    bool hasBegun = false;
+    std::binary_semaphore done{0};
+  };
+  void layOut(std::unique_ptr<SpaceView> space);
+  void beginLayingOut();
+  void endLayingOut();
 
   // view
   const Scene* scene() const { return shown != nullptr ? shown->keeper->scene().get() : nullptr; }
@@ -107,6 +119,7 @@ struct CanvasView::State {
 
   CanvasView& view;
   std::vector<std::unique_ptr<SpaceView>> spaces;
+  std::shared_ptr<LayingOut> layingOut;
   SpaceView* shown = nullptr;
   ViewFrame frame;  // centre in scene coordinates
   TileStore tiles;
@@ -147,6 +160,7 @@ struct CanvasView::State {
   QString tooltip;
   double blinkStrength = 0;
 
+  std::uint32_t snapKinds = geometry::kUsualSnaps;
   bool isDark = false, isSnapping = true, isOrtho = false, isKeyboardPointing = false, groupsWhole = true;
   std::unique_ptr<TileRenderer> renderer;  // last: it stops before the rest goes
 };

@@ -2,6 +2,7 @@
 
 #include <QResizeEvent>
 #include <QStyle>
+#include <QThreadPool>
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -18,6 +19,8 @@ constexpr int kWaitCursorMs = 300;
 constexpr std::size_t kMostPrevious = 50;
 constexpr double kCoarsestCurvePx = 0.12;
 
+/// Entities that are laid out before the first frame; more would keep the window waiting.
+constexpr std::size_t kMostAtOnce = 10'000;
 constexpr std::size_t kMostPointsAFrame = 4000;  // of selected entities drawn with each frame
 
 std::size_t pointsOf(const std::vector<SceneRef>& entities) {
@@ -224,13 +227,17 @@ CanvasView::CanvasView(QWidget* parent) : QWidget(parent), state_(std::make_uniq
   state_->updateCursorShape();
 }
 
-CanvasView::~CanvasView() = default;
+CanvasView::~CanvasView() { finishLayingOut(); }
 
 void CanvasView::setDrawing(database::DrawingDatabase* drawing, const database::BlockContents* space) {
   State& s = *state_;
   s.select({});
   s.highlighted.clear();
   s.blinking.clear();
+  if (s.layingOut != nullptr) {
+    if (s.layingOut->space->drawing == drawing && s.layingOut->space->space == space) return;
+    finishLayingOut();
+  }
   if (drawing == nullptr || space == nullptr) return s.show(nullptr);
   State::SpaceView* found = nullptr;
   for (const auto& known : s.spaces)
@@ -239,6 +246,7 @@ void CanvasView::setDrawing(database::DrawingDatabase* drawing, const database::
     auto made = std::make_unique<State::SpaceView>();
     made->drawing = drawing;
     made->space = space;
+    if (space->entities.size() > kMostAtOnce) return s.layOut(std::move(made));
     made->keeper = std::make_unique<SceneKeeper>(*drawing, *space);
     made->changeCount = drawing->changeCount();
     found = made.get();
@@ -250,6 +258,61 @@ void CanvasView::setDrawing(database::DrawingDatabase* drawing, const database::
     found->changeCount = drawing->changeCount();
   }
   s.show(found);
+}
+
+/// The worker has the space until it is done. It begins when the loop of events runs again: whoever opens a drawing is
+/// through with it then.
+void CanvasView::State::layOut(std::unique_ptr<SpaceView> space) {
+  show(nullptr);
+  layingOut = std::make_shared<LayingOut>();
+  layingOut->space = std::move(space);
+  QTimer::singleShot(0, &view, [this] {
+    if (mode != CanvasMode::Working) beginLayingOut();
+  });
+}
+
+void CanvasView::State::beginLayingOut() {
+  if (layingOut == nullptr || layingOut->hasBegun) return;
+  layingOut->hasBegun = true;
+  // What the drawing looks up when it is first asked for is looked up here.
+  (void)layingOut->space->drawing->layouts();
+  QThreadPool::globalInstance()->start([job = layingOut, target = &view] {
+    try {
+      job->made = std::make_unique<SceneKeeper>(*job->space->drawing, *job->space->space);
+    } catch (const std::bad_alloc&) {
+      job->made = nullptr;
+    }
+    QMetaObject::invokeMethod(
+        target,
+        [target, job] {
+          if (target->state_->layingOut == job) target->state_->endLayingOut();
+        },
+        Qt::QueuedConnection);
+    job->done.release();  // after the last use of the canvas, which waits for this before it goes
+  });
+}
+
+void CanvasView::State::endLayingOut() {
+  if (layingOut == nullptr) return;
+  beginLayingOut();
+  layingOut->done.acquire();
+  const std::shared_ptr<LayingOut> job = std::exchange(layingOut, nullptr);
+  if (job->made == nullptr) return;  // memory has ended: nothing is shown
+  job->space->keeper = std::move(job->made);
+  job->space->changeCount = job->space->drawing->changeCount();
+  spaces.push_back(std::move(job->space));
+  show(spaces.back().get());
+}
+
+void CanvasView::finishLayingOut() { state_->endLayingOut(); }
+bool CanvasView::isLayingOut() const { return state_->layingOut != nullptr; }
+
+void CanvasView::keepOnly(const std::vector<const database::DrawingDatabase*>& drawings) {
+  State& s = *state_;
+  std::vector<const database::DrawingDatabase*> gone;
+  for (const auto& space : s.spaces)
+    if (std::ranges::find(drawings, space->drawing) == drawings.end()) gone.push_back(space->drawing);
+  for (const database::DrawingDatabase* const drawing : gone) forget(drawing);
 }
 
 void CanvasView::forget(const database::DrawingDatabase* drawing) {
@@ -277,6 +340,7 @@ void CanvasView::setMode(CanvasMode mode, const CanvasQuestion& question) {
   if (mode == CanvasMode::Working) {
     s.workingTimer.start(kWaitCursorMs);
   } else {
+    s.beginLayingOut();
     s.workingTimer.stop();
     if (!s.refineTimer.isActive()) s.refineTimer.start(kRefineMs);
   }
@@ -401,6 +465,10 @@ void CanvasView::setSnapping(bool on) {
   state_->isSnapping = on;
   if (state_->isInside) state_->pointerMoved(state_->cursor, state_->modifiersHeld);
 }
+void CanvasView::setSnapKinds(std::uint32_t kinds) {
+  state_->snapKinds = kinds;
+  if (state_->isInside) state_->pointerMoved(state_->cursor, state_->modifiersHeld);
+}
 void CanvasView::setOrtho(bool on) {
   state_->isOrtho = on;
   update();
@@ -417,7 +485,10 @@ bool CanvasView::isOrtho() const { return state_->isOrtho; }
 bool CanvasView::isKeyboardPointing() const { return state_->isKeyboardPointing; }
 bool CanvasView::isDarkGround() const { return state_->isDark; }
 database::Slot* CanvasView::hovered() const { return state_->hovered(); }
-bool CanvasView::isSharp() const { return state_->isSharp && !state_->refineTimer.isActive(); }
+bool CanvasView::isSharp() const {
+  return state_->isSharp && !state_->refineTimer.isActive() && state_->layingOut == nullptr;
+}
+std::uint32_t CanvasView::snapKinds() const { return state_->snapKinds; }
 
 std::optional<AcGePoint3d> CanvasView::cursorPoint() const {
   if (state_->shown == nullptr || !state_->isInside) return std::nullopt;

@@ -32,8 +32,10 @@ struct CanvasQuestion {
   std::optional<AcGePoint3d> base;      // where the rubber band starts
   std::wstring preview;                 // of the running command, column "preview" of menu.tsv; empty: none
   std::vector<database::Slot*> chosen;  // that the running command has got so far: what ghosts show
+  std::optional<double> direction;      // how the arc to the next point leaves the base, radians; nothing: a line
   std::vector<AcGePoint3d> points;      // that it has got so far
-  std::vector<double> numbers;          // the same; NaN: Enter, the default
+  std::vector<double> bulges;           // of the ways to these points; 0: straight
+  std::vector<double> numbers;          // the same; NaN: a default that the prompt does not name
 };
 
 class CanvasView : public QWidget {
@@ -46,6 +48,12 @@ class CanvasView : public QWidget {
   void setDrawing(database::DrawingDatabase* drawing, const database::BlockContents* space);
   /// Forgets what is kept of a drawing that is being closed.
   void forget(const database::DrawingDatabase* drawing);
+  /// Forgets all drawings but these.
+  void keepOnly(const std::vector<const database::DrawingDatabase*>& drawings);
+  /// A large space is laid out on a worker, and is not shown before; this waits for it. Nothing may change or close a
+  /// drawing before.
+  void finishLayingOut();
+  bool isLayingOut() const;
   void drawingChanged(const editor::DrawingChange& change);
   void setMode(CanvasMode mode, const CanvasQuestion& question = {});
   /// What stands in the command line while a number or point is typed: previews follow it.
@@ -72,6 +80,9 @@ class CanvasView : public QWidget {
 
   void setDarkGround(bool dark);
   void setSnapping(bool on);
+  /// Bits of geometry::snapBit.
+  void setSnapKinds(std::uint32_t kinds);
+  std::uint32_t snapKinds() const;
   void setOrtho(bool on);
   void setKeyboardPointing(bool on);
   bool isSnapping() const;
@@ -93,7 +104,7 @@ class CanvasView : public QWidget {
   /// Keys that mean something to the canvas wherever the focus is: Tab, Ctrl and arrows, those of keyboard pointing.
   /// True when it took the key.
   bool takeKey(QKeyEvent* event);
-  /// Whether all that is shown is sharp: nothing is being painted any more.
+  /// Whether all that is shown is sharp: nothing is being laid out or painted any more.
   bool isSharp() const;
 
   QSize sizeHint() const override { return {800, 600}; }

@@ -386,16 +386,44 @@ void MarkPainter::area(const std::vector<QPointF>& ring) {
   painter_.restore();
 }
 
-void MarkPainter::words(QPointF cursor, const QString& text) {
+void MarkPainter::ghostText(QPointF at, double height, double turnRad, const QString& text) {
+  constexpr double kLargest = 4000;  // pixels; larger letters are beyond every screen
+  if (text.isEmpty() || !(height > 0) || height > kLargest) return;
+  constexpr int kDrawnPx = 100;
+  constexpr double kDegree = std::numbers::pi / 180;
+  QFont font = painter_.font();
+  font.setPixelSize(kDrawnPx);
+  QPainterPath path;
+  path.addText(0, 0, font, text);
+  const double scale = height / std::max(1.0, QFontMetricsF(font).capHeight());
+  painter_.save();
+  painter_.translate(at);
+  painter_.rotate(-turnRad / kDegree);
+  painter_.scale(scale, scale);
+  painter_.setRenderHint(QPainter::Antialiasing);
+  QColor inside = markStyle(Mark::Preview, isDark_).core;
+  inside.setAlphaF(0.6F);
+  painter_.fillPath(path, inside);
+  painter_.restore();
+}
+
+void MarkPainter::words(QPointF cursor, const QString& text, bool isHead) {
   if (text.isEmpty()) return;
   constexpr double kAway = 16, kPad = 4;
   painter_.save();
   QFont font = painter_.font();
   font.setPointSizeF(9);
   painter_.setFont(font);
-  const QFontMetricsF metrics(font);
-  QRectF box = metrics.boundingRect(QRectF(0, 0, 1000, 1000), Qt::AlignLeft | Qt::TextExpandTabs, text);
-  box = QRectF(0, 0, box.width() + 2 * kPad, box.height() + 2 * kPad);
+  QFont bold = font;
+  bold.setBold(true);
+  const QString head = isHead ? text.section(u'\n', 0, 0) : QString();
+  const QString rest = isHead ? text.section(u'\n', 1) : text;
+  const auto sizeOf = [](const QFont& with, const QString& lines) {
+    if (lines.isEmpty()) return QSizeF(0, 0);
+    return QFontMetricsF(with).boundingRect(QRectF(0, 0, 1000, 1000), Qt::AlignLeft | Qt::TextExpandTabs, lines).size();
+  };
+  const QSizeF above = sizeOf(bold, head), below = sizeOf(font, rest);
+  QRectF box(0, 0, std::max(above.width(), below.width()) + 2 * kPad, above.height() + below.height() + 2 * kPad);
   QPointF at = cursor + QPointF(kAway, kAway);
   if (at.x() + box.width() > frame_.size.width()) at.setX(cursor.x() - kAway - box.width());
   if (at.y() + box.height() > frame_.size.height()) at.setY(cursor.y() - kAway - box.height());
@@ -408,7 +436,10 @@ void MarkPainter::words(QPointF cursor, const QString& text) {
   painter_.setBrush(ground);
   painter_.drawRoundedRect(box, 3, 3);
   painter_.setPen(isDark_ ? QColor(0xE6, 0xE8, 0xEB) : QColor(0x1B, 0x1F, 0x24));
-  painter_.drawText(box.adjusted(kPad, kPad, -kPad, -kPad), Qt::AlignLeft, text);
+  const QRectF inside = box.adjusted(kPad, kPad, -kPad, -kPad);
+  painter_.drawText(inside.adjusted(0, above.height(), 1, 1), Qt::AlignLeft, rest);
+  painter_.setFont(bold);
+  painter_.drawText(inside.adjusted(0, 0, 1, 1), Qt::AlignLeft, head);
   painter_.restore();
 }
 

@@ -47,8 +47,11 @@ class MarkPainter {
   /// A thin line of a preview; dotted, or solid as the rubber band is.
   void line(const std::vector<QPointF>& points, bool isClosed, bool isSolid);
   void area(const std::vector<QPointF>& ring);
-  /// Words beside the cursor, inside of the canvas.
-  void words(QPointF cursor, const QString& text);
+  /// A text where it is going to be: its base line begins at `at` and is turned counter-clockwise; `height` of capital
+  /// letters, pixels.
+  void ghostText(QPointF at, double height, double turnRad, const QString& text);
+  /// Words beside the cursor, inside of the canvas; `isHead`: the first line is bold.
+  void words(QPointF cursor, const QString& text, bool isHead = false);
 
  private:
   void squares(const std::vector<SceneRef>& entities, const MarkStyle& style);

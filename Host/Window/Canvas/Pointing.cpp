@@ -210,7 +210,11 @@ std::vector<Slot*> pointAt(const SceneKeeper& keeper, Point at, double aperture,
   for (const Candidate& line : lines) take(line);
   if (fills.empty()) return order;
   if (!outlines.empty()) {
-    if (what == PickFor::Many)
+    const Box &upper = fills.front().entity->box, &around = outlines.front().entity->box;
+    const bool isWithin = upper.minX >= around.minX && upper.minY >= around.minY && upper.maxX <= around.maxX &&
+                          upper.maxY <= around.maxY && !sameBox(upper, around);
+    if (what == PickFor::Rest && isWithin) take(fills.front());
+    if (what != PickFor::One)
       for (const Candidate& fill : fills)
         if (sameBox(fill.entity->box, outlines.front().entity->box)) {
           take(fill);

@@ -10,8 +10,9 @@ namespace host::window {
 
 /// What a click is for.
 enum class PickFor {
-  One,  // a question for one entity: on a fill its outline
-  Many  // selections: on a fill the fill itself, then its outline
+  One,   // a question for one entity: on a fill its outline
+  Many,  // selections: on a fill the fill itself, then its outline
+  Rest   // the same; and of what lies in a larger outline, such as a shadow on a lawn, the fill before that outline
 };
 
 /// Entities at a point (scene coordinates), those first that a click takes first:

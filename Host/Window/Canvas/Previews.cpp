@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "Curves/Bulges.h"
 #include "Hatching/PatternFill.h"
 #include "Picture/EntityPainter.h"
 
@@ -38,6 +39,30 @@ std::vector<Point> pointsOf(const PreviewInput& input) {
   std::vector<Point> points;
   for (const AcGePoint3d& p : input.question.points) points.push_back(flat(p));
   return points;
+}
+
+/// A piece of a polyline as chords that look round.
+std::vector<Point> piece(Point from, Point to, double bulge, const ViewFrame& frame) {
+  constexpr double kDeviationPx = 0.2;
+  std::vector<Point> points{from};
+  if (bulge != 0) {
+    curves::flattenBulge(from, to, bulge, kDeviationPx / frame.scale(), points);
+  } else {
+    points.push_back(to);
+  }
+  return points;
+}
+
+/// The way through the points so far.
+std::vector<Point> wayOf(const PreviewInput& input, const ViewFrame& frame) {
+  const std::vector<Point> points = pointsOf(input);
+  std::vector<Point> way{points.front()};
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const double bulge = i < input.question.bulges.size() ? input.question.bulges[i] : 0;
+    const std::vector<Point> next = piece(points[i - 1], points[i], bulge, frame);
+    way.insert(way.end(), next.begin() + 1, next.end());
+  }
+  return way;
 }
 
 /// The number being typed, a comma taken for a point.
@@ -86,6 +111,20 @@ class Drawing {
     at.reserve(plan.size());
     for (const Point p : plan) at.push_back(pixel(p));
     return at;
+  }
+
+  /// The text as it is typed, of the height and at the angle that were given.
+  void text(MarkPainter& marks, const PreviewInput& input) const {
+    const CanvasQuestion& question = input.question;
+    if (question.points.empty() || question.wanted == Wanted::Point) return;
+    std::vector<double> numbers = question.numbers;
+    if (question.wanted == Wanted::Number)
+      if (const auto typed = typedNumber(input.typed)) numbers.push_back(*typed);
+    if (numbers.empty() || !(numbers[0] > 0)) return;
+    const double turn = numbers.size() > 1 && std::isfinite(numbers[1]) ? numbers[1] * kDegree : 0;
+    const bool isTyped = question.wanted == Wanted::Text && !input.typed.isEmpty();
+    const Point at = flat(question.points.back());
+    marks.ghostText(pixel(at), numbers[0] * frame_.scale(), turn, isTyped ? input.typed : QStringLiteral("Abc"));
   }
 
   void parking(const ParkingRow& row) {
@@ -242,10 +281,16 @@ void Previews::paint(MarkPainter& marks, const ViewFrame& frame, const PreviewIn
       if (turn) marks.ghosts(entities, scene.toScene(base), -*turn * kDegree, {});
       if (!typedNumber(input.typed) && input.cursor) drawing.line({base, *input.cursor}, false, true);
     }
+  } else if (form.name == u"text") {
+    drawing.text(marks, input);
   } else if (form.name == u"next-piece" && question.points.size() > 1) {
-    drawing.line(pointsOf(input), false, false);
+    drawing.line(wayOf(input, frame), false, false);
   }
-  if (isPoint && question.base && input.cursor) drawing.line({flat(*question.base), *input.cursor}, false, true);
+  if (!isPoint || !question.base || !input.cursor) return;
+  const Point base = flat(*question.base);
+  const std::optional<double> bulge =
+      question.direction ? curves::tangentBulge(base, *question.direction, *input.cursor) : std::nullopt;
+  drawing.line(piece(base, *input.cursor, bulge.value_or(0), frame), false, true);
 }
 
 QString Previews::words(const PreviewInput& input) const {

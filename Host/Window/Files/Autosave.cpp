@@ -18,6 +18,7 @@ namespace host::window {
 namespace {
 
 constexpr int kEverySeconds = 5 * 60;
+constexpr qint64 kLongMs = 2000;  // of a command between two questions
 
 /// The time at which a process was started, in the kernel's ticks: with it a number names one process for good.
 QString startOf(qint64 process) {
@@ -38,6 +39,13 @@ Autosave::Autosave(Engine& engine, QObject* parent) : QObject(parent), engine_(e
   timer_.setInterval(std::max(1, QSettings().value("autosave/seconds", kEverySeconds).toInt()) * 1000);
   connect(&timer_, &QTimer::timeout, this, &Autosave::saveNow);
   timer_.start();
+  // A command that has kept its user waiting once will do so again; its drawing still stands still now.
+  connect(&engine_, &Engine::worked, this, [this](const QString& command, qint64 milliseconds) {
+    if (milliseconds >= kLongMs && !long_.contains(command)) long_ += command;
+  });
+  connect(&engine_, &Engine::workBegan, this, [this] {
+    if (long_.contains(engine_.command()) && engine_.result().answers.isEmpty()) keep();
+  });
 }
 
 Autosave::~Autosave() { pool_.waitForDone(); }
@@ -55,7 +63,10 @@ QString Autosave::stem(const database::DrawingDatabase& drawing) {
 }
 
 void Autosave::saveNow() {
-  if (!engine_.isWaiting() || !engine_.input().isAtRest()) return;
+  if (engine_.isWaiting() && engine_.input().isAtRest()) keep();
+}
+
+void Autosave::keep() {
   QDir().mkpath(folder());
   QFile::setPermissions(folder(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   for (const auto& open : engine_.application().drawings()) {

@@ -1,4 +1,5 @@
-// Copies of changed drawings in the user's state folder: written on a worker between commands, gone when the drawing is
+// Copies of changed drawings in the user's state folder: written on a worker between commands and before those that are
+// known to work long, gone when the drawing is
 // saved or closed, offered when a session has not ended by itself.
 #pragma once
 
@@ -45,6 +46,7 @@ class Autosave : public QObject {
   void dropAll();
 
  private:
+  void keep();
   QString stem(const database::DrawingDatabase& drawing);
 
   Engine& engine_;
@@ -52,6 +54,7 @@ class Autosave : public QObject {
   QThreadPool pool_;
   QHash<const void*, QString> stems_;
   QHash<const void*, quint64> savedCounts_;
+  QStringList long_;  // commands that have worked long
   int next_ = 0;
 };
 

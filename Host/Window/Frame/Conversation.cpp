@@ -6,12 +6,14 @@
 #include <QPushButton>
 #include <QTimer>
 #include <algorithm>
+#include <cmath>
 
+#include "Curves/Bulges.h"
 #include "Editor/Answers.h"
-#include "Text/Text.h"
 #include "Window/Commands/Language.h"
 #include "Window/Input/HostPhrases.h"
 #include "Window/Input/Prompt.h"
+#include "Window/Panels/Facts.h"
 
 namespace host::window {
 namespace {
@@ -26,10 +28,6 @@ const QStringList& notRepeated() {
                                     "SAVEAS",     "OPEN",   "NEW",    "QUIT",       "CLOSE", "PICTURE",
                                     "SAVESCRIPT", "SCRIPT", "SELECT", "SCREENSHOT", "HELP"};
   return names;
-}
-
-QString handent(const database::Slot& entity) {
-  return "(handent \"" + toQt(text::formatHandle(entity.handle)) + "\")";
 }
 
 Conversation::State stateOf(Wanted wanted) {
@@ -63,7 +61,10 @@ Conversation::Conversation(Engine& engine, const CommandTables& tables, CanvasVi
     canvas_.setMode(CanvasMode::Working);
     line_.setClosed({});
   });
-  connect(&engine_, &Engine::printed, &history_, [this](std::wstring_view text) { history_.print(text); });
+  connect(&engine_, &Engine::printed, &history_, [this](std::wstring_view text) {
+    history_.print(text);
+    if (text.find(L"on a locked layer") != std::wstring_view::npos) tellLocked();
+  });
   connect(&engine_, &Engine::highlightChanged, this, [this] { canvas_.setSelected(engine_.highlighted()); });
   connect(&engine_, &Engine::drawingSwitched, this, [this] {
     selection_.clear();
@@ -122,6 +123,8 @@ void Conversation::asked() {
   if (question->wanted == Wanted::Command) {
     running_.clear();
     points_.clear();
+    bulges_.clear();
+    numbers_.clear();
     if (whenFree_) {
       const auto then = std::exchange(whenFree_, nullptr);
       // The loop of the question has to run first: what follows may ask the user.
@@ -143,12 +146,12 @@ bool Conversation::answerWithSelection(const editor::Question& question) {
   if (entities.empty()) return false;
   if (question.wanted == Wanted::Entity) {
     if (entities.size() != 1) return false;
-    engine_.input().answer({handent(*entities.front())});
+    engine_.input().answer({handentOf(*entities.front())});
     return true;
   }
   if (question.wanted != Wanted::Entities) return false;
   QStringList lines;
-  for (const database::Slot* const entity : entities) lines += handent(*entity);
+  for (const database::Slot* const entity : entities) lines += handentOf(*entity);
   engine_.input().answer(lines + QStringList(QString()));
   return true;
 }
@@ -162,6 +165,13 @@ bool Conversation::isRefusedAgain(const editor::Question& question) {
 void Conversation::showQuestion(const editor::Question& question) {
   const State state = stateOf(question.wanted);
   base_ = question.base;
+  direction_ = question.direction;
+  // Where a command went back to a point, those behind it are gone.
+  if (base_) {
+    const auto last = std::find(points_.rbegin(), points_.rend(), *base_);
+    if (last != points_.rend()) points_.resize(static_cast<std::size_t>(points_.rend() - last));
+    bulges_.resize(points_.size());
+  }
   QString prompt = hostPhrase(toQt(question.prompt)).text.trimmed();
   // Plug-ins say what they want before the host asks for it; the last such line stays in sight.
   if (state == State::Selection || state == State::Entity) {
@@ -201,7 +211,10 @@ CanvasQuestion Conversation::canvasQuestion(const editor::Question& question) co
   asked.base = question.base;
   if (const MenuRow* const row = tables_.find(engine_.command())) asked.preview = fromQt(row->preview);
   asked.chosen = engine_.result().chosen;
+  asked.direction = question.direction;
   asked.points = points_;
+  asked.bulges = bulges_;
+  asked.numbers = numbers_;
   return asked;
 }
 
@@ -221,10 +234,37 @@ void Conversation::ended(const CommandResult& result) {
 
 // ---- answers --------------------------------------------------------------------------------------------------------
 
-void Conversation::notePoint(const QString& line) {
+/// Points and numbers that the running command has got: previews are drawn of them.
+void Conversation::noteAnswer(const QString& line) {
+  if (state_ == State::Number) {
+    const QString shown = line.trimmed().isEmpty() ? defaultOf(lastPrompt_) : line;
+    const std::optional<double> number = editor::parseNumber(fromQt(shown));
+    if (number || line.trimmed().isEmpty()) numbers_.push_back(number.value_or(std::nan("")));
+  }
   if (state_ != State::Point) return;
   const AcGePoint3d origin = base_.value_or(points_.empty() ? AcGePoint3d() : points_.back());
-  if (const auto point = editor::parsePoint(fromQt(line), origin)) points_.push_back(*point);
+  const auto point = editor::parsePoint(fromQt(line), origin);
+  if (!point) return;
+  const auto bulge = direction_ && base_ ? curves::tangentBulge({base_->x, base_->y}, *direction_, {point->x, point->y})
+                                         : std::nullopt;
+  points_.push_back(*point);
+  bulges_.push_back(bulge.value_or(0));
+}
+
+/// The session leaves out what lies on locked layers when it is asked to, and only counts it.
+void Conversation::noteLocked(const QString& line) {
+  lockedLayers_.clear();
+  const database::DrawingDatabase* const drawing = engine_.drawing();
+  const auto handle = editor::parseHandent(fromQt(line));
+  if (drawing == nullptr || !handle) return;
+  const database::Slot* const entity = drawing->findHandle(*handle);
+  if (entity == nullptr || entity->isErased()) return;
+  const database::Slot* const layer = drawing->layerRecord(entity->layer);
+  if (layer != nullptr && isLockedLayer(*layer)) lockedLayers_ += toQt(drawing->layerName(entity->layer));
+}
+
+void Conversation::tellLocked() {
+  for (const QString& layer : std::exchange(lockedLayers_, {})) emit lockedPicked(layer);
 }
 
 void Conversation::submitted(const QString& typed) {
@@ -241,14 +281,15 @@ void Conversation::submitted(const QString& typed) {
                                             !canvas_.cursorPoint() && canvas_.isOrtho()))
       line = *distance;
   }
-  notePoint(line);
+  noteAnswer(line);
   engine_.input().answer({line});
 }
 
 void Conversation::canvasAnswered(const QStringList& lines) {
   const editor::Question* const question = engine_.input().question();
   if (question == nullptr || question->wanted == Wanted::Command) return;
-  for (const QString& line : lines) notePoint(line);
+  for (const QString& line : lines) noteAnswer(line);
+  if (lines.size() == 1) noteLocked(lines.front());
   line_.clearTyped();
   engine_.input().answer(lines);
 }
@@ -264,6 +305,7 @@ void Conversation::enter() {
   if (question == nullptr) return;
   lastTyped_.clear();
   if (question->wanted != Wanted::Command) {
+    noteAnswer({});
     engine_.input().answer({QString()});
   } else if (!repeated_.isEmpty()) {
     hasPreselection_ = !selection_.empty();

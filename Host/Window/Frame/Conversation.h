@@ -56,6 +56,8 @@ class Conversation : public QObject {
   void selectionChanged();
   void stateChanged();
   void commandEnded(const host::window::CommandResult& result);
+  /// What was picked lies on a locked layer and was not taken.
+  void lockedPicked(const QString& layer);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -71,7 +73,9 @@ class Conversation : public QObject {
   void findDialogs();
   bool isRefusedAgain(const editor::Question& question);
   void ended(const CommandResult& result);
-  void notePoint(const QString& line);
+  void noteAnswer(const QString& line);
+  void noteLocked(const QString& line);
+  void tellLocked();
   CanvasQuestion canvasQuestion(const editor::Question& question) const;
 
   Engine& engine_;
@@ -89,6 +93,10 @@ class Conversation : public QObject {
   QString lastTyped_, lastPrompt_;  // to see an answer refused
   editor::Wanted lastWanted_ = editor::Wanted::Command;
   std::vector<AcGePoint3d> points_;  // that the running command has got
+  std::vector<double> bulges_;       // of the ways to them
+  std::vector<double> numbers_;      // as of CanvasQuestion
+  std::optional<double> direction_;  // of the running question
+  QStringList lockedLayers_;         // of what was picked last
   std::optional<AcGePoint3d> base_;
   AcGePoint3d cursor_;
   std::vector<QPointer<QWidget>> dialogs_;  // of plug-ins, shown or handed back

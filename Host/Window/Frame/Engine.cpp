@@ -52,20 +52,24 @@ void Engine::answering(const QString& line, bool isCommand, bool isCancel) {
   if (isCommand) {
     result_ = {};
     result_.command = line.trimmed().section(' ', 0, 0);
+    result_.problemsBefore = problems_.size();
     space_ = application_->currentSpace();
     entitiesBefore_ = space_ != nullptr ? space_->entities.size() : 0;
   } else if (!result_.command.isEmpty()) {
     result_.wasCancelled = isCancel;
+    if (!isCancel) result_.answers += line;
   }
   if (isWorking_) return;
   isWorking_ = true;
   isInterrupted_ = false;
+  sinceWork_.start();
   emit workBegan();
 }
 
 void Engine::questionAsked() {
   if (isWorking_) {
     isWorking_ = false;
+    if (!result_.command.isEmpty()) emit worked(result_.command, sinceWork_.elapsed());
     emit progressShown({}, -1);
   }
   if (input_.isAtRest() && !result_.command.isEmpty()) {

@@ -18,7 +18,9 @@ namespace host::window {
 
 /// What the last command did, for the line that tells of it.
 struct CommandResult {
-  QString command;  // as it was typed; empty when none has run
+  QString command;                 // as it was typed; empty when none has run
+  QStringList answers;             // the lines behind it, without those of scripts
+  std::size_t problemsBefore = 0;  // that the session had when it began
   bool wasCancelled = false;
   bool isWhole = false;  // an undo or the like: not counted
   std::vector<database::Slot*> made, changed, erased;
@@ -81,6 +83,8 @@ class Engine : public QObject, public editor::Observer {
   void commandEnded(const host::window::CommandResult& result);
   void asked();
   void workBegan();
+  /// It has worked so long between two questions.
+  void worked(const QString& command, qint64 milliseconds);
   void interrupted();
   void closeWanted();  // while a command worked
 
@@ -101,7 +105,7 @@ class Engine : public QObject, public editor::Observer {
   std::size_t entitiesBefore_ = 0;                  // in it
   std::vector<Problem> problems_;
   QPointer<QWidget> canvas_, stop_;
-  QElapsedTimer sincePump_;
+  QElapsedTimer sincePump_, sinceWork_;
   std::vector<std::unique_ptr<QEvent>> typedAhead_;  // while a command worked
   bool isWorking_ = false, isPumping_ = false, isInterrupted_ = false;
 };

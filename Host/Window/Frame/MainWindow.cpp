@@ -19,6 +19,7 @@
 #include "Window/Commands/Icons.h"
 #include "Window/Commands/Language.h"
 #include "Window/Files/Autosave.h"
+#include "Window/Frame/Announce.h"
 #include "Window/Frame/Feedback.h"
 #include "Window/Frame/Theme.h"
 #include "Window/Panels/Facts.h"
@@ -50,6 +51,7 @@ MainWindow::MainWindow(Engine& engine, const DesktopOptions& options) : engine_(
   QStringList modules;
   for (const std::filesystem::path& module : options_.modules) modules += QFile::decodeName(module.c_str());
   tables_.load(windowFolder(), modules);
+  addScreenshot();
   QStringList names;
   for (const std::wstring& name : engine_.application().commandNames()) names += toQt(name).toUpper();
   names.removeDuplicates();
@@ -93,6 +95,7 @@ void MainWindow::buildCentre() {
   tabs_->setAccessibleName(tr("Open drawings"));
   banner_ = new Banner;
   waiting_ = new Banner;
+  first_ = new Banner;
   pages_ = new QStackedWidget;
   canvas_ = new CanvasView;
   canvas_->setAccessibleName(tr("Drawing"));
@@ -100,6 +103,7 @@ void MainWindow::buildCentre() {
   pages_->addWidget(start_);
   pages_->addWidget(canvas_);
   rows->addWidget(tabs_);
+  rows->addWidget(first_);
   rows->addWidget(waiting_);
   rows->addWidget(banner_);
   rows->addWidget(pages_, 1);
@@ -178,7 +182,7 @@ void MainWindow::buildTools() {
 void MainWindow::buildDocks() {
   palette_ = new Palette(tables_, *actions_);
   paletteDock_ = dockOf("paletteDock", tr("Palette"), palette_);
-  side_ = new SidePanel({engine_, tables_, *canvas_, *talk_});
+  side_ = new SidePanel({engine_, tables_, *canvas_, *talk_, options_.ownFacts});
   sideDock_ = dockOf("sideDock", tr("Panels"), side_);
   for (QDockWidget* const dock : {paletteDock_, sideDock_}) {
     dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetClosable);
@@ -208,10 +212,13 @@ void MainWindow::connectParts() {
     const QString name = engine_.command().isEmpty() ? label : tables_.title(engine_.command());
     status_->setProgress(name, fraction);
   });
+  // The drawing stands still until here, and changes from now on.
+  connect(&engine_, &Engine::workBegan, canvas_, &CanvasView::finishLayingOut);
   connect(&engine_, &Engine::interrupted, this,
           [this] { history_->tell(tr("Stopped. The drawing is as it was."), HistoryView::Kind::Note); });
   connect(&engine_, &Engine::closeWanted, this, [this] { QTimer::singleShot(0, files_, &FileDesk::quit); });
   connect(talk_, &Conversation::commandEnded, this, &MainWindow::tellResult);
+  connect(talk_, &Conversation::lockedPicked, this, &MainWindow::tellLocked);
   connect(talk_, &Conversation::selectionChanged, this, [this] { panelTimer_.start(); });
   connect(talk_, &Conversation::hintChanged, this, [this] {
     if (!engine_.isWorking() || talk_->state() == Conversation::State::Dialog) status_->setHint(talk_->hint());
@@ -232,6 +239,10 @@ void MainWindow::connectParts() {
 
   connect(canvas_, &CanvasView::cursorMoved, status_, &StatusLine::setCursorAt);
   connect(canvas_, &CanvasView::viewChanged, this, &MainWindow::tellView);
+  connect(canvas_, &CanvasView::hoverChanged, this, [this](const database::Slot* entity) {
+    if (entity == nullptr) return announce(*canvas_, {});
+    announce(*canvas_, kindOf(*entity) + ", " + toQt(entity->database().layerName(entity->layer)));
+  });
   connect(&engine_, &Engine::viewWanted, this, [this](const curves::Box& box) {
     if (box.isEmpty()) {
       canvas_->zoomToDrawing();
@@ -283,6 +294,12 @@ void MainWindow::connectParts() {
   connect(&status_->snap(), &QToolButton::toggled, canvas_, &CanvasView::setSnapping);
   connect(&status_->ortho(), &QToolButton::toggled, canvas_, &CanvasView::setOrtho);
   connect(&status_->ground(), &QToolButton::toggled, this, &MainWindow::setDarkGround);
+  connect(status_, &StatusLine::snapKindsChanged, this, [this](std::uint32_t kinds) {
+    canvas_->setSnapKinds(kinds);
+    QSettings().setValue("view/snapKinds", kinds);
+  });
+  canvas_->setSnapKinds(QSettings().value("view/snapKinds", canvas_->snapKinds()).toUInt());
+  status_->setSnapKinds(canvas_->snapKinds());
 
   connect(start_, &StartPage::openWanted, files_, &FileDesk::openByDialog);
   connect(start_, &StartPage::newWanted, this, [this] { talk_->runLines({"NEW"}); });
@@ -414,6 +431,13 @@ void MainWindow::setDarkGround(bool dark) {
 
 void MainWindow::showDrawing() {
   database::DrawingDatabase* const drawing = engine_.drawing();
+  std::vector<const database::DrawingDatabase*> open;
+  for (const auto& one : engine_.application().drawings()) open.push_back(one.drawing);
+  canvas_->keepOnly(open);
+  if (drawing != nullptr && !QSettings().value("hints/isBegun").toBool() && !first_->isVisible()) {
+    first_->show(tr("Choose in the palette what to make, then point at a line."),
+                 {{tr("Understood"), [] { QSettings().setValue("hints/isBegun", true); }}});
+  }
   if (drawing != shown_) {
     shown_ = drawing;
     sinceShown_.start();
@@ -433,7 +457,7 @@ void MainWindow::refresh() {
 
 /// The session takes picks and tooltips by what is in sight.
 void MainWindow::tellView() {
-  status_->setScale(canvas_->unitsPerPixel());
+  status_->setScale(engine_.drawing() != nullptr ? canvas_->unitsPerPixel() : 0);
   if (engine_.drawing() != nullptr && engine_.isWaiting())
     engine_.application().setView(canvas_->visibleBox(), canvas_->width());
 }
@@ -477,7 +501,18 @@ void MainWindow::colourIcons() {
 }
 
 void MainWindow::tellResult(const CommandResult& result) {
+  tellFiles(result);
+  tellScript(result);
   const Feedback feedback = feedbackOf(result, tables_);
+  if (feedback.isNothing) {
+    QStringList layers;
+    for (const database::Slot* const entity : feedback.shown) {
+      const database::Slot* const record = entity->database().layerRecord(entity->layer);
+      const QString layer = toQt(entity->database().layerName(entity->layer));
+      if (record != nullptr && isLockedLayer(*record) && !layers.contains(layer)) layers += layer;
+    }
+    for (const QString& layer : layers) tellLocked(layer);
+  }
   if (!result.changed.empty()) canvas_->blink(result.changed);
   colourIcons();
   if (feedback.text.isEmpty() || (feedback.isNothing && talk_->hadDialog())) return;
@@ -485,15 +520,55 @@ void MainWindow::tellResult(const CommandResult& result) {
   constexpr std::size_t kMostShown = 200;
   for (std::size_t i = 0; i < std::min(feedback.shown.size(), kMostShown); ++i)
     handles += QString::number(feedback.shown[i]->handle, 16);
+  announce(*history_, feedback.text);
   history_->tell(feedback.text.toHtmlEscaped() + " <a href=\"show:" + handles.join(',') + "\">" + tr("Show") + "</a>",
                  feedback.isNothing ? HistoryView::Kind::Error : HistoryView::Kind::Done);
+}
+
+/// What a command wrote, with the ways to it.
+void MainWindow::tellFiles(const CommandResult& result) {
+  const QString command = result.command.toUpper();
+  if (result.wasCancelled || result.answers.isEmpty() || (command != "PICTURE" && command != "SAVESCRIPT")) return;
+  if (engine_.problems().size() > result.problemsBefore) return;
+  QString name = result.answers.front();
+  if (command == "PICTURE") name = name.section(" --", 0, 0).trimmed();
+  if (name.size() > 1 && name.startsWith('"') && name.endsWith('"')) name = name.mid(1, name.size() - 2);
+  const QFileInfo file(name);
+  if (!file.exists()) return;
+  const auto link = [](const QString& path, const QString& text) {
+    return " <a href=\"open:" + QString::fromLatin1(QUrl::toPercentEncoding(path)) + "\">" + text + "</a>";
+  };
+  history_->tell(tr("Saved: %1").arg(file.fileName().toHtmlEscaped()) + link(file.absoluteFilePath(), tr("Open")) +
+                     link(file.absolutePath(), tr("Open Folder")),
+                 HistoryView::Kind::Done);
+}
+
+void MainWindow::tellScript(const CommandResult& result) {
+  if (result.command.toUpper() != "SCRIPT" || engine_.problems().size() <= result.problemsBefore) return;
+  const Problem& problem = engine_.problems().back();
+  const QString script = result.answers.isEmpty() ? QString() : QFileInfo(result.answers.front()).completeBaseName();
+  if (problem.line == 0 || script.isEmpty() || !toQt(problem.file).startsWith(script)) return;
+  banner_->show(tr("The script stopped at line %1: %2").arg(problem.line).arg(toQt(problem.text)),
+                {{tr("Undo"), [this] { talk_->runLines({"U"}); }}, {tr("Keep"), {}}});
+}
+
+void MainWindow::tellLocked(const QString& layer) {
+  const QString command = engine_.input().isAtRest() || engine_.command().isEmpty() ? QString() : engine_.command();
+  const QStringList lines{"LAYER", "Unlock", quotedAnswer(patternOf(layer)), QString()};
+  const QByteArray link =
+      QUrl::toPercentEncoding((command.isEmpty() ? lines : lines + QStringList(command)).join('\n'));
+  history_->tell(tr("Layer %1 is locked.").arg(layer.toHtmlEscaped()) +
+                     " <a href=\"lines:" + QString::fromLatin1(link) + "\">" + tr("Unlock") + "</a>",
+                 HistoryView::Kind::Note);
 }
 
 void MainWindow::followLink(const QString& link) {
   if (link.startsWith("run:")) {
     talk_->runLines({link.mid(4)});
+  } else if (link.startsWith("lines:")) {
+    talk_->runLines(QUrl::fromPercentEncoding(link.mid(6).toLatin1()).split('\n'));
   } else if (link.startsWith("open:")) {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(link.mid(5)));
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QUrl::fromPercentEncoding(link.mid(5).toLatin1())));
   } else if (link.startsWith("show:") && engine_.isWaiting() && engine_.drawing() != nullptr) {
     std::vector<database::Slot*> shown;
     for (const QString& handle : link.mid(5).split(',', Qt::SkipEmptyParts)) {

@@ -54,8 +54,6 @@ class MainWindow : public QMainWindow {
   void present(const QString& size);
   /// Does what a click on the row does.
   void trigger(const MenuRow& row);
-  /// A picture of the window, for SCREENSHOT.
-  QPixmap shot() { return grab(); }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -65,6 +63,7 @@ class MainWindow : public QMainWindow {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void addScreenshot();
   void buildTools();
   void buildDocks();
   void buildCentre();
@@ -83,6 +82,9 @@ class MainWindow : public QMainWindow {
   void tellView();
   void colourIcons();
   void tellResult(const CommandResult& result);
+  void tellFiles(const CommandResult& result);
+  void tellScript(const CommandResult& result);
+  void tellLocked(const QString& layer);
   void runOfWindow(const QString& name);
   void choosePanel(int panel);
   void setDrawingOnly(bool only);
@@ -110,6 +112,7 @@ class MainWindow : public QMainWindow {
   SidePanel* side_;
   QTabBar* tabs_;
   Banner* banner_;
+  Banner* first_;    // what to do, until it is shut for good
   Banner* waiting_;  // a dialog waits for an answer from the drawing
   QStackedWidget* pages_;
   CanvasView* canvas_;

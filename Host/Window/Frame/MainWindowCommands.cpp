@@ -11,11 +11,13 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "Editor/Prompter.h"
 #include "Window/Commands/Language.h"
 #include "Window/Frame/MainWindow.h"
 #include "Window/Frame/Theme.h"
 #include "Window/Output/ExportDialog.h"
 #include "Window/Panels/Facts.h"
+#include "accmd.h"
 
 namespace host::window {
 
@@ -46,6 +48,23 @@ void MainWindow::trigger(const MenuRow& row) {
     return;
   }
   talk_->run(row);
+}
+
+/// SCREENSHOT: a picture of the window as it is, for instructions. Nothing of it is recorded.
+void MainWindow::addScreenshot() {
+  engine_.application().addCommand(
+      L"SCREENSHOT", ACRX_CMD_NO_UNDO_MARKER,
+      [this](editor::Prompter& prompter) {
+        const auto file = prompter.text(L"Enter name of picture file: ");
+        if (!file || file.value.empty()) return;
+        const QString name = toQt(file.value);
+        if (!name.endsWith(".png", Qt::CaseInsensitive)) {
+          prompter.refuse(L"The picture's name must end in .png.");
+        } else if (!grab().save(name, "PNG")) {
+          prompter.fail(Code::OutputFailed, L"the picture could not be written");
+        }
+      },
+      L"draws the window into a .png file");
 }
 
 void MainWindow::zoom(const QString& option) {

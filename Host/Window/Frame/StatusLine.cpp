@@ -1,5 +1,6 @@
 #include "Window/Frame/StatusLine.h"
 
+#include <QMenu>
 #include <cmath>
 
 #include "Window/Commands/Icons.h"
@@ -64,6 +65,24 @@ StatusLine::StatusLine(QWidget* parent)
   addPermanentWidget(snap_);
   addPermanentWidget(ortho_);
   addPermanentWidget(ground_);
+  const QString marks[] = {QStringLiteral("□"), QStringLiteral("△"), QStringLiteral("○"),
+                           QStringLiteral("✕"), QStringLiteral("∟"), QStringLiteral("⧗")};
+  const QString names[] = {tr("Ends"),      tr("Middles"),      tr("Centres"),
+                           tr("Crossings"), tr("Right angles"), tr("Nearest")};
+  auto* const kinds = new QMenu(snap_);
+  kinds->setToolTipsVisible(true);
+  for (std::size_t i = 0; i < std::size(names); ++i) {
+    QAction* const kind = kinds->addAction(marks[i] + QStringLiteral("  ") + names[i]);
+    kind->setCheckable(true);
+    kinds_.push_back(kind);
+    connect(kind, &QAction::triggered, this, [this] {
+      std::uint32_t wanted = 0;
+      for (std::size_t k = 0; k < kinds_.size(); ++k) wanted |= kinds_[k]->isChecked() ? 1U << k : 0;
+      emit snapKindsChanged(wanted);
+    });
+  }
+  snap_->setMenu(kinds);
+  snap_->setPopupMode(QToolButton::MenuButtonPopup);
   connect(stop_, &QToolButton::clicked, this, &StatusLine::stopWanted);
   setProgress({}, -1);
 }
@@ -92,6 +111,10 @@ void StatusLine::setScale(double unitsPerPixel) {
   constexpr double kMetresPerInch = 0.0254;
   const double scale = rounded(unitsPerPixel * logicalDpiX() / kMetresPerInch);
   scale_->setText(scale > 0 ? "1:" + QString::number(scale, 'f', scale < 10 ? 1 : 0) : QString());
+}
+
+void StatusLine::setSnapKinds(std::uint32_t kinds) {
+  for (std::size_t i = 0; i < kinds_.size(); ++i) kinds_[i]->setChecked((kinds & 1U << i) != 0);
 }
 
 void StatusLine::setShort(bool isShort) {

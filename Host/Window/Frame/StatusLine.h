@@ -5,6 +5,8 @@
 #include <QProgressBar>
 #include <QStatusBar>
 #include <QToolButton>
+#include <cstdint>
+#include <vector>
 
 #include "gepnt3d.h"
 
@@ -26,12 +28,15 @@ class StatusLine : public QStatusBar {
   void setShort(bool isShort);
   QWidget* stopButton() const { return stop_; }
   QToolButton& snap() { return *snap_; }
+  /// The kinds of points that are snapped to, as bits of geometry::snapBit; a menu at the toggle changes them.
+  void setSnapKinds(std::uint32_t kinds);
   QToolButton& ortho() { return *ortho_; }
   QToolButton& ground() { return *ground_; }
   QString hintText() const { return hint_->text(); }
 
  signals:
   void stopWanted();
+  void snapKindsChanged(std::uint32_t kinds);
 
  private:
   QLabel* hint_;
@@ -41,6 +46,7 @@ class StatusLine : public QStatusBar {
   QLabel* cursor_;
   QLabel* scale_;
   QToolButton* snap_;
+  std::vector<QAction*> kinds_;  // in the order of geometry::SnapKind
   QToolButton* ortho_;
   QToolButton* ground_;
 };

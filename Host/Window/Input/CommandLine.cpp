@@ -10,6 +10,7 @@
 #include <array>
 
 #include "Window/Commands/Language.h"
+#include "Window/Frame/Announce.h"
 #include "Window/Frame/Theme.h"
 #include "Window/Input/Prompt.h"
 
@@ -108,7 +109,7 @@ void CommandLine::ask(const QString& prompt, editor::Wanted wanted, editor::Answ
   form_ = form;
   isClosed_ = false;
   edit_->setReadOnly(false);
-  edit_->setAccessibleDescription(prompt.trimmed());
+  announce(*edit_, prompt.trimmed());
   place_ = history_.size();
   showPrompt();
   complete();

@@ -34,15 +34,6 @@ QIcon swatch(const QColor& colour) {
   return pixmap;
 }
 
-bool isLocked(const database::Slot& record) {
-  database::Tag tag;
-  constexpr std::int64_t kLockedBit = 4;
-  for (database::GeometryTags tags(record.tags()); tags.next(tag);) {
-    if (tag.code == 70) return (tag.integer() & kLockedBit) != 0;
-  }
-  return false;
-}
-
 }  // namespace
 
 LayersPanel::LayersPanel(const PanelContext& context, QWidget* parent)
@@ -124,7 +115,7 @@ void LayersPanel::refresh() {
       modules->setFirstColumnSpanned(false);
     }
     auto* const item = isOfModule ? new QTreeWidgetItem(modules) : new QTreeWidgetItem(tree_);
-    const bool locked = isLocked(*record);
+    const bool locked = isLockedLayer(*record);
     item->setIcon(Shown, hostIcon(state.off ? "states/layer-off" : "states/layer-on", state.off ? muted : text));
     item->setIcon(Thawed,
                   hostIcon(state.frozen ? "states/layer-frozen" : "states/layer-thawed", state.frozen ? text : muted));

@@ -14,6 +14,7 @@ struct PanelContext {
   const CommandTables& tables;
   CanvasView& canvas;
   Conversation& talk;
+  std::function<std::vector<OwnFact>(const database::Slot&)> ownFacts;  // empty: the program knows nothing more
 };
 
 }  // namespace host::window

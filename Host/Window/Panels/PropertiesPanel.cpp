@@ -263,7 +263,16 @@ void PropertiesPanel::showOne(database::Slot& entity) {
         toQt(context_.engine.application().tooltipAt({point->x, point->y, 0})).split('\n', Qt::SkipEmptyParts);
     for (const QString& line : told) row(tr("Says"), line);
   }
+  const std::vector<OwnFact> own = context_.ownFacts ? context_.ownFacts(entity) : std::vector<OwnFact>();
+  const bool isFinnish = language() == Language::Finnish;
+  for (const OwnFact& fact : own) {
+    if (fact.timesArea <= 0) row(toQt(isFinnish ? fact.nameFi : fact.nameEn), toQt(fact.value));
+  }
   if (facts.area) row(tr("Area"), squareMetres(*facts.area));
+  for (const OwnFact& fact : own) {
+    if (fact.timesArea > 0 && facts.area)
+      row(toQt(isFinnish ? fact.nameFi : fact.nameEn), squareMetres(*facts.area * fact.timesArea));
+  }
   if (facts.length) row(facts.isClosed.value_or(false) ? tr("Perimeter") : tr("Length"), metres(*facts.length));
   if (maker != nullptr) {
     row(tr("Layer"), facts.layer);

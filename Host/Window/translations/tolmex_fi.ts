@@ -113,6 +113,10 @@
             <numerusform>Sarkain: %n muuta</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Drawing %1 things…</source>
+        <translation>Piirretään %1 kohdetta…</translation>
+    </message>
 </context>
 <context>
     <name>CommandLine</name>
@@ -1272,6 +1276,46 @@
         <source>Keys</source>
         <translation>Näppäimet</translation>
     </message>
+    <message>
+        <source>Choose in the palette what to make, then point at a line.</source>
+        <translation>Valitse paletista, mitä teet, ja osoita sitten viivaa.</translation>
+    </message>
+    <message>
+        <source>Understood</source>
+        <translation>Selvä</translation>
+    </message>
+    <message>
+        <source>Saved: %1</source>
+        <translation>Tallennettu: %1</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Avaa</translation>
+    </message>
+    <message>
+        <source>Open Folder</source>
+        <translation>Avaa kansio</translation>
+    </message>
+    <message>
+        <source>The script stopped at line %1: %2</source>
+        <translation>Skripti pysähtyi riville %1: %2</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Kumoa</translation>
+    </message>
+    <message>
+        <source>Keep</source>
+        <translation>Jätä</translation>
+    </message>
+    <message>
+        <source>Layer %1 is locked.</source>
+        <translation>Taso %1 on lukittu.</translation>
+    </message>
+    <message>
+        <source>Unlock</source>
+        <translation>Avaa lukitus</translation>
+    </message>
 </context>
 <context>
     <name>Palette</name>
@@ -1602,6 +1646,30 @@
     <message>
         <source>Esc: stop</source>
         <translation>Esc: keskeytä</translation>
+    </message>
+    <message>
+        <source>Ends</source>
+        <translation>Päät</translation>
+    </message>
+    <message>
+        <source>Middles</source>
+        <translation>Keskikohdat</translation>
+    </message>
+    <message>
+        <source>Centres</source>
+        <translation>Keskipisteet</translation>
+    </message>
+    <message>
+        <source>Crossings</source>
+        <translation>Leikkaukset</translation>
+    </message>
+    <message>
+        <source>Right angles</source>
+        <translation>Kohtisuorat</translation>
+    </message>
+    <message>
+        <source>Nearest</source>
+        <translation>Lähin kohta viivalla</translation>
     </message>
 </context>
 </TS>
