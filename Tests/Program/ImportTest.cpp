@@ -71,8 +71,8 @@ TEST_F(Import, MakesAPlanAndTheScriptThatIllustratesIt) {
 
   // The script runs on the plan, and in one go it comes to the same.
   EXPECT_EQ(call({"run", "new.dxf", "--script", "new.scr", "--out", "done.dxf", "--quiet"}).status, 0);
-  const Outcome once =
-      call({"import", "town.geojson", "once.dxf", "--rules", "osm", "--illustrate", "--quiet", "--picture", "once.png"});
+  const Outcome once = call(
+      {"import", "town.geojson", "once.dxf", "--rules", "osm", "--illustrate", "--quiet", "--picture", "once.png"});
   EXPECT_EQ(once.status, 0) << once.err;
   for (const char* const file : {"done.dxf", "once.dxf"}) {
     const std::string info = call({"info", file}).out;
