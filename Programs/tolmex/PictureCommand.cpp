@@ -1,5 +1,6 @@
 #include "PictureCommand.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -90,7 +91,7 @@ void pictureCommand(Application& application, Prompter& prompter) {
     return;
   }
   if (const Result<> written = writePicture(*application.drawing(), options, {name, *format},
-                                            {fs::path(application.drawingFile()).parent_path()});
+                                            {std::filesystem::path(application.drawingFile()).parent_path()});
       !written) {
     complain(written.problem());
     prompter.fail(Code::OutputFailed, L"the picture could not be made");
