@@ -2,7 +2,7 @@
 //   30206 2.8              the text of an edit ("" empties it), the entry of a list
 //   30255                  presses a button, chooses a radio button
 //   30300 on               a check box
-//   OK                     a button by its caption; a check box too: Roof on
+//   OK                     a button by its caption; a check box too: Roof on; an edit or list by the text before it
 //   double-click 30239     a list
 //   PICTURE dialog.png     what the dialog looks like now, for documents and tests
 //   LIST or ?              prints the controls with their contents in the transcript
@@ -11,6 +11,7 @@
 #include <optional>
 #include <utility>
 
+#include "Editor/DecimalComma.h"
 #include "Editor/DialogInput.h"
 #include "Editor/ScriptInput.h"
 #include "Text/Text.h"
@@ -158,6 +159,13 @@ Refusal setCheck(HostWindow& box, std::wstring_view value) {
   return {};
 }
 
+/// Plug-ins read numbers with a point and would take "2,8" for 2.
+std::wstring withoutDecimalComma(const std::wstring& value) {
+  const std::optional<std::wstring> pointed = editor::withDecimalPoint(value);
+  if (pointed) editor::printDialogLine(value + L" is taken as " + *pointed);
+  return pointed.value_or(value);
+}
+
 Refusal actOn(HostWindow& control, std::wstring_view value) {
   if (!canBeWorked(control)) return L"is a text, not a control to be worked";
   if (!control.isVisible()) return L"is hidden";
@@ -173,7 +181,7 @@ Refusal actOn(HostWindow& control, std::wstring_view value) {
   if (isList(control)) return choose(control, unquoted(value));
   if ((control.style & ES_READONLY) != 0) return L"is read-only";
   SetFocus(&control);
-  control.widget->setText(unquoted(value));
+  control.widget->setText(withoutDecimalComma(unquoted(value)));
   return {};
 }
 
@@ -200,6 +208,52 @@ Named buttonByCaption(HostWindow& dialog, std::wstring_view line) {
     if (isCheckBox(*child) && text::equalFolded(caption, front)) return {child.get(), line.substr(blank + 1)};
   }
   return {};
+}
+
+/// "Pituus  m / kerros:" as "Pituus m / kerros".
+std::wstring labelOf(HostWindow& text) {
+  std::wstring label;
+  for (const wchar_t c : captionOf(text)) {
+    const bool isBlank = kBlanks.find(c) != std::wstring_view::npos;
+    if (!isBlank || (!label.empty() && label.back() != L' ')) label += isBlank ? L' ' : c;
+  }
+  while (label.ends_with(L' ') || label.ends_with(L':')) label.pop_back();
+  return label;
+}
+
+/// The line's words in the place of the label, however many blanks stand between them; nothing when it begins
+/// otherwise.
+std::optional<std::wstring_view> behindLabel(std::wstring_view line, std::wstring_view label) {
+  while (!label.empty()) {
+    const auto [wanted, others] = splitWord(label);
+    const auto [word, rest] = splitWord(line);
+    // The last word may carry the colon.
+    const bool isSame = text::equalFolded(word, wanted) || (others.empty() && word.ends_with(L':') &&
+                                                            text::equalFolded(word.substr(0, word.size() - 1), wanted));
+    if (!isSame) return std::nullopt;
+    label = others;
+    line = rest;
+  }
+  return line;
+}
+
+/// An edit or a list by the text in front of it, the longest that fits: labels come before what they name.
+Named fieldByLabel(HostWindow& dialog, std::wstring_view line) {
+  Named found;
+  std::size_t longest = 0;
+  for (std::size_t i = 0; i + 1 < dialog.children.size(); ++i) {
+    HostWindow& text = *dialog.children[i];
+    HostWindow& field = *dialog.children[i + 1];
+    const bool isField = isList(field) || field.kind == WindowKind::Edit;
+    if (text.kind != WindowKind::Static || !isField) continue;
+    const std::wstring label = labelOf(text);
+    if (label.size() <= longest) continue;
+    if (const std::optional<std::wstring_view> value = behindLabel(line, label)) {
+      found = {&field, *value};
+      longest = label.size();
+    }
+  }
+  return found;
 }
 
 /// "30211 edit "3"", one line per control.
@@ -254,9 +308,11 @@ std::wstring refusalOf(HostWindow& dialog, std::wstring_view line) {
   }
   const bool isDouble = text::equalFolded(word, L"double-click");
   const std::optional<int> id = asId(isDouble ? rest : word);
-  const auto [control, value] = id         ? Named{GetDlgItem(&dialog, *id), rest}
-                                : isDouble ? Named{}
-                                           : buttonByCaption(dialog, line);
+  Named named;
+  if (id) named = {GetDlgItem(&dialog, *id), rest};
+  if (!id && !isDouble) named = buttonByCaption(dialog, line);
+  if (!id && !isDouble && named.control == nullptr) named = fieldByLabel(dialog, line);
+  const auto [control, value] = named;
   if (control == nullptr)
     return name + L" has no control " +
            inQuotes(isDouble ? rest

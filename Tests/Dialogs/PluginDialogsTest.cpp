@@ -109,7 +109,7 @@ TEST_F(PluginDialogs, ABuildingNeedsItsFourNumbers) {
   run(building +
       "LIST\nOK\n"
       "30211 3\nOK\n"
-      "30206 2,8\nOK\n"
+      "30206 2;8\nOK\n"
       "30206 2.8\n30207 0.5\n30208 \" \"\nOK\n"
       "30237 77\n30208 -0.4\nOK\n");
   EXPECT_TRUE(said("30211 edit \"\"\n"));
@@ -124,6 +124,18 @@ TEST_F(PluginDialogs, ABuildingNeedsItsFourNumbers) {
   run("TLM_MUOK_RAKENNUS\n" + pick(*polyline(50)) + "\nLIST\nCancel\n");
   expectShown({R"(30211 edit "3")", R"(30206 edit "2.8")", R"(30207 edit "0.5")", R"(30208 edit "-0.4")"});
   EXPECT_TRUE(said("30237 drop-down list \"77\""));
+}
+
+TEST_F(PluginDialogs, FieldsGoByTheTextBeforeThem) {
+  run("TLM_VARJO_OMINAISUUDET\nSuunta asteina 20\nPituus m / kerros: 4,5\nvarjon täyttö Piste\nLIST\nOK\n");
+  EXPECT_TRUE(said("30216 edit \"20\"")) << transcript_;
+  EXPECT_TRUE(said("4,5 is taken as 4.5"));
+  EXPECT_TRUE(said("30217 edit \"4.5\""));
+  EXPECT_TRUE(said("30203 drop-down list \"Piste\""));
+  run("TLM_VARJO_OMINAISUUDET\nLIST\nCancel\n");
+  EXPECT_TRUE(said("30217 edit \"4.5\"")) << transcript_;
+  expectFailure("TLM_VARJO_OMINAISUUDET\nSuunta 20\n", "has no control \"Suunta 20\"");
+  expectFailure("TLM_VARJO_OMINAISUUDET\nSuunta asteina\n", "is an edit: give its text");
 }
 
 TEST_F(PluginDialogs, ARidgeLineIsPicked) {

@@ -342,4 +342,57 @@ TEST_F(Changes, TextsStandBelowOneAnother) {
   expectFailure("TEXT S nowhere\n", "Cannot find text style");
 }
 
+TEST_F(Changes, JoinsOverGapsAndSaysWhereEndsStayOpen) {
+  // A square with two gaps of 0.3, a line that goes on after 0.8, one far off.
+  const char* const lines =
+      "LINE 0,0 10,0\n\nLINE 10.3,0 10.3,10\n\nPLINE 10,10 0,10 0,0\n\n"
+      "LINE 50,0 60,0\n\nLINE 60.8,0 70,0\n\nLINE 90,90 99,90\n\n";
+  expectDone(lines);
+  expectDone("JOIN ALL\n\n");
+  EXPECT_TRUE(said(L"2 objects joined into 1 polyline, 0 closed; 5 open.")) << host::text::toUtf8(transcript);
+  expectDone("JOINGAP ALL\n\n\n");
+  EXPECT_TRUE(said(L"1 closed; 2 gaps bridged; 3 open.")) << host::text::toUtf8(transcript);
+  EXPECT_TRUE(said(L"Open ends at 50,0; 60,0; 60.8,0; 70,0; 90,90; 99,90. Ends meet within 0.5."))
+      << host::text::toUtf8(transcript);
+  expectUndoable("JOINGAP ALL\n\n0,9\n");
+  EXPECT_EQ(entities().size(), 3U);
+  // Pieces keep their points: the gap is a piece of its own.
+  for (const Slot* const slot : entities()) {
+    if (values(*slot, 70) == std::vector<std::string>{"1"}) {
+      EXPECT_EQ(values(*slot, 10).size(), 6U);
+    }
+  }
+}
+
+TEST_F(Changes, OutlinesOfHatches) {
+  open(
+      {"0\nHATCH\n100\nAcDbEntity\n8\n0\n100\nAcDbHatch\n10\n0\n20\n0\n30\n0\n210\n0\n220\n0\n230\n1\n2\nSOLID\n70\n1\n"
+       "71\n0\n"
+       "91\n2\n92\n3\n72\n0\n73\n1\n93\n4\n10\n0\n20\n0\n10\n9\n20\n0\n10\n9\n20\n9\n10\n0\n20\n9\n97\n0\n"
+       "92\n3\n72\n0\n73\n1\n93\n3\n10\n2\n20\n2\n10\n4\n20\n2\n10\n4\n20\n4\n97\n0\n75\n0\n76\n1\n98\n0\n",
+       "0\nLINE\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n0\n20\n0\n11\n5\n21\n5\n"});
+  expectUndoable("OUTLINE ALL\n\n");
+  EXPECT_EQ(entities().size(), 4U);
+  expectDone("OUTLINE ALL\n\n");
+  EXPECT_TRUE(said(L"2 polylines made of 1 hatch; 3 no hatch.")) << host::text::toUtf8(transcript);
+}
+
+TEST_F(Changes, SeamsFollowTheShadows) {
+  expectDone("PLINE 0,0 30,0 30,30 0,30 0,0 10,10 10,20 20,20 20,10 10,10 C\nLINE 0,0 5,5\n\n");
+  const Slot& ring = *entities()[0];
+  expectUndoable("SEAM ALL\n\n90\n");
+  expectDone("SEAM ALL\n\n90\n");
+  EXPECT_TRUE(said(L"1 seam of 1 object cut anew, 1 object has none")) << host::text::toUtf8(transcript);
+  const std::vector<std::string> x = values(ring, 10), y = values(ring, 20);
+  EXPECT_EQ(x.size(), 11U);  // the seam's foot is new
+  EXPECT_EQ(values(ring, 90), std::vector<std::string>{"11"});
+}
+
+TEST_F(Changes, ACommaIsADecimalPointWhereNoPointIsAsked) {
+  expectDone("LINE 0,0 9,0\n\nLINE 9.4,0 20,0\n\nJOINGAP ALL\n\n0,45\n");
+  EXPECT_TRUE(said(L"0,45 is taken as 0.45.")) << host::text::toUtf8(transcript);
+  EXPECT_TRUE(said(L"1 gap bridged"));
+  expectFailure("JOINGAP ALL\n\n1,2,3\n", "Requires numeric value");
+}
+
 }  // namespace

@@ -16,7 +16,7 @@ struct HostCommand {
 
 std::span<const HostCommand> fileCommands();     // OPEN, QSAVE, ARX, SCRIPT ...
 std::span<const HostCommand> editCommands();     // U, ERASE, SELECT, SETVAR ...
-std::span<const HostCommand> changeCommands();   // MOVE, COPY, ROTATE, JOIN, CHPROP
+std::span<const HostCommand> changeCommands();   // MOVE, COPY, ROTATE, JOIN, OUTLINE, SEAM, CHPROP
 std::span<const HostCommand> drawCommands();     // LINE, PLINE
 std::span<const HostCommand> textCommands();     // TEXT
 std::span<const HostCommand> layerCommands();    // LAYER, LINETYPE

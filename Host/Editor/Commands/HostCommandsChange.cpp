@@ -1,4 +1,4 @@
-// MOVE, COPY, ROTATE, JOIN, SEAM, CHPROP.
+// MOVE, COPY, ROTATE, JOIN, JOINGAP, OUTLINE, SEAM, CHPROP.
 #include <cmath>
 #include <numbers>
 
@@ -11,9 +11,12 @@
 #include "Editor/Editing/Moving.h"
 #include "Editor/Editing/PolylineVertices.h"
 #include "Editor/Session/Session.h"
+#include "Geometry/EntityPaths.h"
 #include "Geometry/Seams.h"
 #include "Text/Text.h"
 #include "dbobjptr.h"
+#include "dbpl.h"
+#include "dbsymtb.h"
 
 namespace host::editor {
 namespace {
@@ -232,19 +235,83 @@ void rotate(Prompter& prompter) {
 
 // ---- JOIN -----------------------------------------------------------------------------------------------------------
 
-void join(Prompter& prompter) {
-  const std::vector<Slot*> entities = selectedObjects(prompter, true);
-  if (entities.empty()) return;
-  const JoinCounts counts = joinEntities(drawingOf(prompter), entities);
+std::wstring joined(const JoinCounts& counts) {
   std::wstring text = L"Nothing joined";
   if (counts.joined > 0) {
     text = counted(counts.joined, L"object", L"objects") + L" joined into " +
            counted(counts.polylines, L"polyline", L"polylines") + L", " + std::to_wstring(counts.closed) + L" closed";
   }
+  if (counts.bridged > 0) text += L"; " + counted(counts.bridged, L"gap", L"gaps") + L" bridged";
   if (counts.open > 0) text += L"; " + std::to_wstring(counts.open) + L" open";
   if (counts.branches > 0)
     text += L"; " + counted(counts.branches, L"point", L"points") + L" where more than two ends meet";
   if (counts.unfit > 0) text += L"; " + std::to_wstring(counts.unfit) + L" cannot be joined";
+  return text + L".";
+}
+
+void join(Prompter& prompter) {
+  const std::vector<Slot*> entities = selectedObjects(prompter, true);
+  if (!entities.empty()) prompter.line(joined(joinEntities(entities)));
+}
+
+void joinOverGaps(Prompter& prompter) {
+  const std::vector<Slot*> entities = selectedObjects(prompter, true);
+  if (entities.empty()) return;
+  constexpr double kUsual = 0.5;
+  Limits limits;
+  limits.bits = RSG_NONEG;
+  const auto gap = prompter.real(L"Specify widest gap <0.5>: ", limits);
+  if (gap.outcome == Outcome::Cancel) return;
+  const JoinCounts counts = joinEntities(entities, gap ? gap.value : kUsual);
+  prompter.line(joined(counts));
+  constexpr std::size_t kMostShown = 6;
+  std::wstring where;
+  for (std::size_t i = 0; i < std::min(counts.openEnds.size(), kMostShown); ++i)
+    where += (i > 0 ? L"; " : L"") + shownNumber(counts.openEnds[i].x) + L"," + shownNumber(counts.openEnds[i].y);
+  if (!where.empty())
+    prompter.line(L"Open ends at " + where + (counts.openEnds.size() > kMostShown ? L"; ..." : L"") +
+                  L". Ends meet within " + shownNumber(std::max(gap ? gap.value : kUsual, kMeeting)) + L".");
+}
+
+// ---- OUTLINE --------------------------------------------------------------------------------------------------------
+
+/// Adds a closed polyline on the entity's layer. False when the drawing refuses it.
+bool addRing(Slot& like, const std::vector<curves::Point2>& ring) {
+  const AcDbObjectPointer<AcDbEntity> model(AcDbObjectId(&like), AcDb::kForRead);
+  const AcDbObjectPointer<AcDbBlockTableRecord> space(AcDbObjectId(like.owner), AcDb::kForWrite);
+  if (model.openStatus() != Acad::eOk || space.openStatus() != Acad::eOk) return false;
+  auto polyline = std::make_unique<AcDbPolyline>(static_cast<unsigned>(ring.size()));
+  unsigned index = 0;
+  for (const curves::Point2 point : ring) polyline->addVertexAt(index++, {point.x, point.y});
+  polyline->setClosed(true);
+  polyline->setLayer(model->layerId());
+  AcDbObjectId id;
+  if (space->appendAcDbEntity(id, polyline.get()) != Acad::eOk) return false;
+  polyline.release()->close();
+  return true;
+}
+
+void outline(Prompter& prompter) {
+  constexpr double kDeviation = 1e-3;  // of chords from their arcs, drawing units
+  std::size_t hatches = 0, rings = 0, open = 0, others = 0;
+  for (Slot* const slot : selectedObjects(prompter, true)) {
+    if (slot->type != database::DxfType::Hatch) {
+      ++others;
+      continue;
+    }
+    ++hatches;
+    for (geometry::Path& path : geometry::entityPaths(*slot, kDeviation)) {
+      std::vector<curves::Point2>& ring = path.points;
+      const bool repeats = ring.size() > 1 && curves::distance(ring.front(), ring.back()) <= kMeeting;
+      if (repeats) ring.pop_back();
+      const bool isRing = (path.closed || repeats) && ring.size() > 2 && addRing(*slot, ring);
+      ++(isRing ? rings : open);
+    }
+  }
+  if (hatches + others == 0) return;
+  std::wstring text = counted(rings, L"polyline", L"polylines") + L" made of " + counted(hatches, L"hatch", L"hatches");
+  if (open > 0) text += L"; " + std::to_wstring(open) + L" open";
+  if (others > 0) text += L"; " + std::to_wstring(others) + L" no hatch";
   prompter.line(text + L".");
 }
 
@@ -420,6 +487,8 @@ constexpr HostCommand kCommands[] = {
     {L"COPY", ACRX_CMD_USEPICKSET, copy, L"copies objects to one or more places"},
     {L"ROTATE", ACRX_CMD_USEPICKSET, rotate, L"turns objects about a point; C turns copies"},
     {L"JOIN", ACRX_CMD_USEPICKSET, join, L"joins lines, arcs and polylines that meet, and closes them"},
+    {L"JOINGAP", ACRX_CMD_USEPICKSET, joinOverGaps, L"joins what meets across gaps, and says where ends stay open"},
+    {L"OUTLINE", ACRX_CMD_USEPICKSET, outline, L"makes closed polylines of the boundaries of hatches"},
     {L"SEAM", ACRX_CMD_USEPICKSET, cutSeams, L"cuts the seams to courtyards anew, the way shadows fall"},
     {L"CHPROP", ACRX_CMD_USEPICKSET, changeProperties, L"changes layer, color, linetype and lineweight of objects"},
 };

@@ -31,7 +31,7 @@ using database::DxfType;
 using database::Slot;
 using database::Tag;
 
-constexpr double kTolerance = 1e-4;
+constexpr double kTolerance = kMeeting;
 
 using Vertex = PolylineVertex;
 
@@ -119,6 +119,11 @@ class Nodes {
     return places_.size() - 1;
   }
   std::size_t ends(std::size_t node) const { return places_[node].ends; }
+  /// Two free ends become one place.
+  void unite(std::size_t kept, std::size_t gone) {
+    places_[kept].ends = 2;
+    places_[gone].ends = 0;
+  }
   std::size_t branches() const {
     return static_cast<std::size_t>(
         std::count_if(places_.begin(), places_.end(), [](const Place& place) { return place.ends > 2; }));
@@ -157,7 +162,7 @@ struct Chain {
 
 class Joiner {
  public:
-  Joiner(database::DrawingDatabase& drawing, const std::vector<Slot*>& entities) : drawing_(drawing) {
+  Joiner(const std::vector<Slot*>& entities, double gap) {
     for (Slot* const entity : entities) {
       std::optional<Piece> piece = entity->isErased() ? std::nullopt : pieceOf(*entity);
       if (!piece) {
@@ -173,6 +178,7 @@ class Joiner {
         atNode_[piece.nodes[end]].push_back({&piece, end});
       }
     }
+    if (gap > kTolerance) bridge(gap);
   }
 
   JoinCounts join() {
@@ -181,7 +187,10 @@ class Joiner {
       if (piece.isUsed) continue;
       const Chain chain = chainFrom(piece);
       const bool isMade = (chain.links.size() > 1 || chain.isClosed) && make(chain);
-      if (!isMade || !chain.isClosed) ++counts_.open;
+      if (!isMade || !chain.isClosed) {
+        ++counts_.open;
+        addOpenEnds(chain);
+      }
     }
     return counts_;
   }
@@ -191,6 +200,55 @@ class Joiner {
     Piece* piece = nullptr;
     std::size_t which = 0;
   };
+
+  static const Vertex& vertexAt(const End& end) {
+    return end.which == 0 ? end.piece->vertices.front() : end.piece->vertices.back();
+  }
+
+  void addOpenEnds(const Chain& chain) {
+    const Chain::Link &first = chain.links.front(), &last = chain.links.back();
+    counts_.openEnds.push_back(vertexAt({first.piece, first.isReversed ? 1U : 0U}).point);
+    counts_.openEnds.push_back(vertexAt({last.piece, last.isReversed ? 0U : 1U}).point);
+  }
+
+  /// Free ends that are near one another become one place, the nearest pairs first.
+  void bridge(double gap) {
+    std::vector<End> free;
+    for (Piece& piece : pieces_) {
+      for (const std::size_t end : {0U, 1U}) {
+        if (nodes_.ends(piece.nodes[end]) == 1) free.push_back({&piece, end});
+      }
+    }
+    std::sort(free.begin(), free.end(),
+              [](const End& a, const End& b) { return vertexAt(a).point.x < vertexAt(b).point.x; });
+    struct Pair {
+      double apart = 0;
+      std::size_t a = 0, b = 0;
+    };
+    std::vector<Pair> pairs;
+    for (std::size_t i = 0; i < free.size(); ++i) {
+      const Point2 from = vertexAt(free[i]).point;
+      for (std::size_t k = i + 1; k < free.size() && vertexAt(free[k]).point.x - from.x <= gap; ++k) {
+        const double apart = distance(from, vertexAt(free[k]).point);
+        const bool isLevel = std::abs(free[i].piece->elevation - free[k].piece->elevation) <= kTolerance;
+        // A piece that is itself as short as a gap is no ring.
+        const bool isRing = free[i].piece == free[k].piece;
+        if (apart <= gap && isLevel && !(isRing && free[i].piece->vertices.size() < 3)) pairs.push_back({apart, i, k});
+      }
+    }
+    std::stable_sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) { return a.apart < b.apart; });
+    std::vector<bool> isTaken(free.size());
+    for (const Pair& pair : pairs) {
+      if (isTaken[pair.a] || isTaken[pair.b]) continue;
+      isTaken[pair.a] = isTaken[pair.b] = true;
+      const End &kept = free[pair.a], &gone = free[pair.b];
+      const std::size_t node = kept.piece->nodes[kept.which], other = gone.piece->nodes[gone.which];
+      nodes_.unite(node, other);
+      gone.piece->nodes[gone.which] = node;
+      atNode_[node].push_back(gone);
+      ++counts_.bridged;
+    }
+  }
 
   static bool mayChange(Slot& entity) {
     return AcDbObjectPointer<AcDbEntity>(AcDbObjectId(&entity), AcDb::kForWrite).openStatus() == Acad::eOk;
@@ -247,7 +305,7 @@ class Joiner {
     for (const Chain::Link& link : chain.links) {
       std::vector<Vertex> vertices = link.piece->vertices;
       if (link.isReversed) reverse(vertices);
-      if (!all.empty()) {
+      if (!all.empty() && distance(all.back().point, vertices.front().point) <= kTolerance) {
         // The base keeps its points to the last digit.
         const Point2 meeting = &link == &base ? vertices.front().point : all.back().point;
         all.back() = vertices.front();
@@ -257,7 +315,8 @@ class Joiner {
       all.insert(all.end(), vertices.begin(), vertices.end());
     }
     if (base.isReversed) reverse(all);
-    if (chain.isClosed) all.pop_back();
+    // Over a gap the closing piece is straight.
+    if (chain.isClosed && distance(all.front().point, all.back().point) <= kTolerance) all.pop_back();
     return all;
   }
 
@@ -323,7 +382,6 @@ class Joiner {
     added->close();
   }
 
-  database::DrawingDatabase& drawing_;
   std::vector<Piece> pieces_;  // as they were selected
   Nodes nodes_;
   std::unordered_map<std::size_t, std::vector<End>> atNode_;
@@ -332,8 +390,6 @@ class Joiner {
 
 }  // namespace
 
-JoinCounts joinEntities(database::DrawingDatabase& drawing, const std::vector<Slot*>& entities) {
-  return Joiner(drawing, entities).join();
-}
+JoinCounts joinEntities(const std::vector<Slot*>& entities, double gap) { return Joiner(entities, gap).join(); }
 
 }  // namespace host::editor

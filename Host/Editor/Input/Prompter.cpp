@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "Editor/DecimalComma.h"
 #include "Editor/Session/Session.h"
 #include "Text/Text.h"
 #include "adscodes.h"
@@ -101,9 +102,13 @@ Reply<AcGePoint3d> Prompter::point(std::wstring_view prompt, const Limits& limit
 
 Reply<double> Prompter::real(std::wstring_view prompt, const Limits& limits) {
   return ask<double>(prompt, AnswerForm::Word, Wanted::Number, limits, L"Requires numeric value.",
-                     [&limits](const Answer& answer, std::wstring& why) -> std::optional<double> {
+                     [this, &limits](const Answer& answer, std::wstring& why) -> std::optional<double> {
                        if (answer.kind != Answer::Kind::Text) return std::nullopt;
-                       const std::optional<double> value = parseNumber(answer.text);
+                       std::optional<double> value = parseNumber(answer.text);
+                       if (const auto pointed = withDecimalPoint(answer.text)) {
+                         value = parseNumber(*pointed);
+                         line(answer.text + L" is taken as " + *pointed + L".");
+                       }
                        if (!value) return std::nullopt;
                        std::wstring problem = excluded(*value, limits.bits);
                        if (problem.empty()) return value;
