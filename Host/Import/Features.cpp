@@ -486,7 +486,8 @@ class FeatureReader {
   }
 
   void merge() {
-    for (auto& [key, batch] : batches_) {
+    for (auto& entry : batches_) {
+      Batch& batch = entry.second;
       if (batch.areas.size() > 1 && batch.element->mayMerge) {
         OGRMultiPolygon all;
         for (auto& area : batch.areas) all.addGeometryDirectly(area.release());

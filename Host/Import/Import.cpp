@@ -51,7 +51,7 @@ Result<Imported> importPlan(const ImportCall& call, AcDbDatabase& drawing) {
 }  // namespace
 }  // namespace host::import
 
-extern "C" host::Result<host::import::Imported> tolmexImport(const host::import::ImportCall& call,
-                                                             AcDbDatabase& drawing) {
-  return host::import::importPlan(call, drawing);
+extern "C" void tolmexImport(const host::import::ImportCall& call, AcDbDatabase& drawing,
+                             std::optional<host::Result<host::import::Imported>>& answer) {
+  answer.emplace(host::import::importPlan(call, drawing));
 }

@@ -35,7 +35,7 @@ struct Imported {
 };
 
 /// Fills an empty drawing.
-using ImportFunction = Result<Imported> (*)(const ImportCall& call, AcDbDatabase& drawing);
+using ImportFunction = void (*)(const ImportCall& call, AcDbDatabase& drawing, std::optional<Result<Imported>>& answer);
 /// The function that the library exports.
 inline constexpr const char* kImportFunction = "tolmexImport";
 

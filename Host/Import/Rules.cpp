@@ -94,7 +94,7 @@ Rule ruleOf(const Json& json, const ElementTable& elements) {
   rule.every = json.value("every", 0.0);
   if (!rule.make.empty() && elements.find(rule.make) == nullptr) {
     std::string known;
-    for (const Element& element : elements.elements) known += (known.empty() ? "" : ", ") + element.name;
+    for (const Element& element : elements.elements) known.append(known.empty() ? "" : ", ").append(element.name);
     throw std::invalid_argument("nothing is made by the name \"" + rule.make + "\"; there are " + known);
   }
   return rule;

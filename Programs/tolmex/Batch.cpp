@@ -68,6 +68,8 @@ struct Worker {
   pid_t process = -1;  // -1: not running
   Caught out, err;
   std::optional<int> ended;  // as waitpid tells it
+  std::chrono::steady_clock::time_point begun = std::chrono::steady_clock::now();
+  double seconds = 0;
 };
 
 std::string problem(const BatchTask& task, const std::string& what) {
@@ -165,6 +167,7 @@ class Batch {
       if (worker == nullptr || worker->process < 0 || ::waitpid(worker->process, &status, WNOHANG) != worker->process)
         continue;
       worker->ended = status;
+      worker->seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - worker->begun).count();
       worker->process = -1;
       --running_;
       ++ended_;
@@ -190,6 +193,7 @@ class Batch {
     if (const std::unique_ptr<Worker> worker = std::move(workers_[i])) {
       result.out = worker->out.text();
       result.err = worker->err.text();
+      result.seconds = worker->seconds;
       const int ended = worker->ended.value_or(0);
       if (WIFEXITED(ended)) {
         result.status = WEXITSTATUS(ended);
@@ -246,15 +250,19 @@ const char* statusText(int status) {
                                                                          : "failed";
 }
 
-int forEachDrawing(const CommonOptions& options, RunStatus crashStatus, const std::function<int(std::size_t)>& work) {
-  if (options.drawings.size() == 1) return work(0);
+int forEachDrawing(const CommonOptions& options, RunStatus crashStatus, const std::function<int(std::size_t)>& work,
+                   const TakeResult& take) {
+  if (options.drawings.size() == 1 && !take) return work(0);
   std::vector<BatchTask> tasks;
   for (std::size_t i = 0; i < options.drawings.size(); ++i)
     tasks.push_back({shownName(options.drawings[i]), [&work, i] { return work(i); }});
-  return workThrough(tasks, {options.jobs, crashStatus}, [](const BatchTask& task, const BatchResult& result) {
+  std::size_t taken = 0;
+  return workThrough(tasks, {options.jobs, crashStatus}, [&](const BatchTask& task, const BatchResult& result) {
     std::fwrite(result.out.data(), 1, result.out.size(), stdout);
     std::fflush(stdout);
     std::fwrite(result.err.data(), 1, result.err.size(), stderr);
+    if (take) take(taken, result);
+    ++taken;
     printLine(task.drawing + ": " + statusText(result.status));
     std::fflush(stdout);
   });

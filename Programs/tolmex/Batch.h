@@ -17,6 +17,7 @@ struct BatchTask {
 struct BatchResult {
   int status = 0;
   std::string out, err;  // what the worker printed; a crash adds its sentence
+  double seconds = 0;    // from the start of the work to its end
 };
 
 struct BatchOptions {

@@ -5,7 +5,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <memory>
 #include <sstream>
 
 #include "Commands.h"
@@ -175,12 +177,18 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
   addPictureOptions(*call, options.picture);
   addVariables(*call, options);
   addSupport(*call, options);
+  call->add_flag("--resume", options.resume,
+                 "leave drawings whose outputs are there and newer than drawing and script; with --out-dir or --out");
+  call->add_option("--report", options.report, "a line of JSON for each drawing: result, seconds, outputs, messages")
+      ->type_name("FILE");
   call->add_flag("--strict", options.strict,
                  "fail, with status 3, when a command skips an object or a pick finds nothing");
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kRunExamples));
   call->callback([&] {
     if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
+    if (options.resume && !options.commands.empty())
+      throw CLI::ValidationError("--resume", "lines given with --command have no date; put them into a script");
     // Without a script the drawing is only converted, or drawn.
     const bool hasOutput = options.out || options.folder || !options.pictures.empty();
     if (options.script.empty() && options.commands.empty() && !hasOutput)
@@ -346,6 +354,103 @@ void addImport(CLI::App& app, ImportOptions& options, int& status) {
   });
 }
 
+constexpr const char* kSunExamples =
+    "Examples:\n"
+    "  tolmex sun plan.dxf --date 2026-03-20 --times 9,12,15,18 --out-dir study\n"
+    "  tolmex sun plan.dxf --date 2026-06-21 --times 8:30,16 --crs EPSG:3879 --out-dir study";
+
+std::vector<std::string> partsOf(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+/// A whole number between two; -1 for others.
+int numberIn(const std::string& text, int least, int most) {
+  const auto number = host::editor::parseWhole(host::text::fromUtf8(text));
+  return number && *number >= least && *number <= most ? static_cast<int>(*number) : -1;
+}
+
+std::string readDate(const std::string& text, host::sun::ClockTime& day) {
+  const std::vector<std::string> parts = partsOf(text, '-');
+  if (parts.size() == 3) {
+    day.year = numberIn(parts[0], 1900, 2100);
+    day.month = numberIn(parts[1], 1, 12);
+    day.day = numberIn(parts[2], 1, 31);
+    if (day.year > 0 && day.month > 0 && day.day > 0) return {};
+  }
+  return "\"" + text + "\" is no date; give it as 2026-03-20";
+}
+
+std::string readTimes(const std::string& text, std::vector<host::sun::ClockTime>& times) {
+  for (const std::string& each : partsOf(text, ',')) {
+    const std::vector<std::string> parts = partsOf(each, ':');
+    host::sun::ClockTime time;
+    time.hour = parts.empty() || parts.size() > 2 ? -1 : numberIn(parts[0], 0, 23);
+    time.minute = parts.size() == 2 ? numberIn(parts[1], 0, 59) : 0;
+    if (time.hour < 0 || time.minute < 0) return "\"" + each + "\" is no time; give them as 9,12:30,15";
+    const bool isNew = std::none_of(times.begin(), times.end(), [&time](const host::sun::ClockTime& other) {
+      return other.hour == time.hour && other.minute == time.minute;
+    });
+    if (isNew) times.push_back(time);
+  }
+  return times.empty() ? "there is no time in it" : std::string();
+}
+
+std::string readPlace(const std::string& text, std::optional<std::array<double, 2>>& place) {
+  const std::vector<std::string> parts = partsOf(text, ',');
+  if (parts.size() == 2) {
+    const auto latitude = host::editor::parseNumber(host::text::fromUtf8(parts[0]));
+    const auto longitude = host::editor::parseNumber(host::text::fromUtf8(parts[1]));
+    if (latitude && longitude && std::abs(*latitude) <= 90 && std::abs(*longitude) <= 180) {
+      place = {*latitude, *longitude};
+      return {};
+    }
+  }
+  return "\"" + text + "\" is no place; give latitude and longitude as 60.17,24.94";
+}
+
+void addSun(CLI::App& app, SunOptions& options, int& status) {
+  CLI::App* const call = app.add_subcommand("sun", "a shadow study: how shadows fall at times of a day");
+  addDrawings(*call, options.drawings, "the plan, with buildings; it stays as it is");
+  auto day = std::make_shared<host::sun::ClockTime>();
+  addReadOption(
+      *call, "--date", [day](const std::string& text) { return readDate(text, *day); }, "YYYY-MM-DD", "the day");
+  addReadOption(
+      *call, "--times", [&options](const std::string& text) { return readTimes(text, options.times); }, "H,H:MM,...",
+      "times of that day by the clock");
+  call->get_option("--date")->required();
+  call->get_option("--times")->required();
+  call->add_option("--time-zone", options.timeZone, "whose clock it is [Europe/Helsinki]")->type_name("NAME");
+  call->add_option("--crs", options.system, "coordinate system of the plan, as EPSG:3879 [by its coordinates]")
+      ->type_name("NAME");
+  addReadOption(
+      *call, "--place", [&options](const std::string& text) { return readPlace(text, options.place); }, "LAT,LON",
+      "where the plan lies, if its coordinates do not tell; its north is true north");
+  call->get_option("--place")->excludes("--crs");
+  call->add_option("--out-dir", options.folder, "the folder of the pictures and the sheet of all")
+      ->type_name("DIR")
+      ->required();
+  addPictureOption(*call, "--width", options.picture, host::picture::setWidth, "PX", "width in pixels [1600]");
+  addPictureOption(*call, "--window", options.picture, host::picture::setWindow, "x1,y1,x2,y2",
+                   "the part to draw, drawing units");
+  addVariables(*call, options);
+  addSupport(*call, options);
+  call->add_flag("--quiet", options.quiet, kQuietText);
+  call->footer(footer(kSunExamples));
+  call->callback([&options, &status, day] {
+    if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
+    if (options.drawings.size() > 1) throw CLI::ValidationError("PLAN", "sun works on one drawing");
+    for (host::sun::ClockTime& time : options.times) {
+      time.year = day->year;
+      time.month = day->month;
+      time.day = day->day;
+    }
+    status = studySun(options);
+  });
+}
+
 /// The library would say of a misspelt option only that it was not expected.
 void checkOptions(const CLI::App& call, const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) {
@@ -370,7 +475,8 @@ void checkCall(const CLI::App& app, int argc, char** argv) {
   const auto call =
       std::find_if(calls.begin(), calls.end(), [&](const CLI::App* each) { return each->get_name() == argv[1]; });
   if (call == calls.end())
-    throw CLI::ValidationError(argv[1], "No such call; the calls are run, shell, picture, info, import and desktop");
+    throw CLI::ValidationError(argv[1],
+                               "No such call; the calls are run, shell, picture, info, import, sun and desktop");
   checkOptions(**call, {argv + 2, argv + argc});
 }
 
@@ -393,12 +499,14 @@ int runCommandLine(int argc, char** argv) {
   PictureCallOptions picture;
   InfoOptions info;
   DesktopCallOptions desktop;
-  ImportOptions import;
+  ImportOptions source;
+  SunOptions sun;
   addRun(app, run, status);
   addShell(app, shell, status);
   addPicture(app, picture, status);
   addInfo(app, info, status);
-  addImport(app, import, status);
+  addImport(app, source, status);
+  addSun(app, sun, status);
   addDesktop(app, desktop, status);
   try {
     checkCall(app, argc, argv);

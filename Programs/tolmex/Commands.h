@@ -10,6 +10,7 @@
 
 #include "Picture/Picture.h"
 #include "Problems/Problem.h"
+#include "Sun/Sun.h"
 
 namespace tolmex {
 
@@ -29,9 +30,11 @@ struct OutputOptions {
 };
 
 struct RunOptions : CommonOptions, OutputOptions {
-  std::filesystem::path script;       // empty: only `commands`; "-": standard input
-  std::vector<std::string> commands;  // script lines given inline, after the script
-  bool strict = false;                // what commands skip, or picks do not find, fails the script
+  std::filesystem::path script;                 // empty: only `commands`; "-": standard input
+  std::vector<std::string> commands;            // script lines given inline, after the script
+  bool resume = false;                          // drawings whose outputs are newer than what they are made of are left
+  std::optional<std::filesystem::path> report;  // a line of JSON for each drawing
+  bool strict = false;                          // what commands skip, or picks do not find, fails the script
   std::optional<std::filesystem::path> out;
   std::vector<std::filesystem::path> pictures;
   host::picture::PictureOptions picture;  // of those; Model stands for the layout that is current then
@@ -58,6 +61,15 @@ struct ImportOptions : CommonOptions {  // `drawings` are the sources
   std::vector<std::filesystem::path> pictures;
 };
 
+struct SunOptions : CommonOptions {  // `drawings` is the plan
+  std::vector<host::sun::ClockTime> times;
+  std::string timeZone = "Europe/Helsinki";
+  std::string system;                          // of the plan; empty: by its coordinates
+  std::optional<std::array<double, 2>> place;  // latitude, longitude in degrees, in the place of a system
+  std::filesystem::path folder;
+  host::picture::PictureOptions picture;
+};
+
 /// Each answers the exit status; problems have then been printed to standard error.
 int runDrawings(const RunOptions& options);
 /// Commands typed at a terminal, or read from a pipe; the first drawing only, a new one without any.
@@ -65,6 +77,7 @@ int runShell(const RunOptions& options);
 int pictureDrawings(const PictureCallOptions& options);
 int describeDrawings(const InfoOptions& options);
 int importPlan(const ImportOptions& options);
+int studySun(const SunOptions& options);
 
 /// One picture to be made: "-" is standard output.
 struct PictureFile {
@@ -87,8 +100,12 @@ host::Result<> checkVariables(const std::vector<std::string>& variables);
 host::Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
                             const PictureFile& picture, const std::vector<std::filesystem::path>& folders);
 
-/// A job of its own for every drawing, or the only one right here; results of several end with a line each.
+struct BatchResult;
+/// Hears of a result, with the place of its drawing among all.
+using TakeResult = std::function<void(std::size_t, const BatchResult&)>;
+/// A job of its own for every drawing, or the only one right here when nobody takes results; several end with a line
+/// each.
 int forEachDrawing(const CommonOptions& options, host::RunStatus crashStatus,
-                   const std::function<int(std::size_t)>& work);
+                   const std::function<int(std::size_t)>& work, const TakeResult& take = {});
 
 }  // namespace tolmex

@@ -113,8 +113,9 @@ int importPlan(const ImportOptions& options) {
   call.symbols = options.symbols;
   call.shadowDegrees = options.shadowDegrees;
   AcDbDatabase* const drawing = acdbHostApplicationServices()->workingDatabase();
-  const Result<host::import::Imported> imported =
-      reinterpret_cast<host::import::ImportFunction>(*function)(call, *drawing);
+  std::optional<Result<host::import::Imported>> answer;
+  reinterpret_cast<host::import::ImportFunction> (*function)(call, *drawing, answer);
+  const Result<host::import::Imported>& imported = *answer;
   if (!imported) return complain(imported.problem());
   for (const std::string& line : imported->report) {
     if (!options.quiet) printLine(line);

@@ -2,8 +2,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <nlohmann/json.hpp>
+#include <sstream>
 
+#include "Batch.h"
 #include "Commands.h"
 #include "Console.h"
 #include "Editor/ScriptInput.h"
@@ -100,6 +104,56 @@ RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const P
   return session.write(outputs);
 }
 
+/// Whether all outputs are there and none is older than an input. Outputs appear whole or not at all.
+bool isUpToDate(const std::vector<fs::path>& inputs, const PlanOutputs& outputs) {
+  std::error_code error;
+  std::optional<fs::file_time_type> oldest;
+  for (const fs::path& file : outputs.files()) {
+    const fs::file_time_type time = fs::last_write_time(file, error);
+    if (error) return false;
+    if (!oldest || time < *oldest) oldest = time;
+  }
+  return oldest && std::all_of(inputs.begin(), inputs.end(), [&](const fs::path& input) {
+           const fs::file_time_type time = fs::last_write_time(input, error);
+           return !error && time <= *oldest;
+         });
+}
+
+/// A line of JSON for each drawing, written as soon as it is done.
+class Report {
+ public:
+  Result<> open(const fs::path& file) {
+    file_ = std::fopen(file.c_str(), "w");
+    if (file_ == nullptr)
+      return host::problemOf(host::Code::OutputRefused, file.string(), "the report cannot be written");
+    return {};
+  }
+  ~Report() {
+    if (file_ != nullptr) std::fclose(file_);
+  }
+  Report() = default;
+  Report(const Report&) = delete;
+  Report& operator=(const Report&) = delete;
+  bool isOpen() const { return file_ != nullptr; }
+
+  void add(const fs::path& drawing, const PlanOutputs& outputs, const BatchResult& result, bool isLeft) {
+    nlohmann::ordered_json line;
+    line["drawing"] = shownName(drawing);
+    line["result"] = isLeft ? "up to date" : statusText(result.status);
+    line["status"] = result.status;
+    line["seconds"] = std::round(result.seconds * 1000) / 1000;
+    for (const fs::path& file : outputs.files()) line["outputs"].push_back(file.string());
+    std::istringstream messages(result.err);
+    for (std::string message; std::getline(messages, message);) line["messages"].push_back(message);
+    const std::string text = line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+    std::fwrite(text.data(), 1, text.size(), file_);
+    std::fflush(file_);
+  }
+
+ private:
+  std::FILE* file_ = nullptr;
+};
+
 }  // namespace
 
 int runDrawings(const RunOptions& options) {
@@ -115,6 +169,7 @@ int runDrawings(const RunOptions& options) {
   if (!options.script.empty()) inputs.push_back(options.script);
   if (std::count_if(inputs.begin(), inputs.end(), isStandardStream) > 1)
     return complain(RunStatus::WrongUsage, "-: standard input can be one drawing, or the script");
+  if (options.report) files.push_back(*options.report);
   if (const Result<> made = prepareOutputs(inputs, files, options.folder); !made) return complain(made.problem());
 
   const Result<Script> script = [&options]() -> Result<Script> {
@@ -124,10 +179,41 @@ int runDrawings(const RunOptions& options) {
     return read;
   }();
   if (!script) return complain(script.problem());
-  return forEachDrawing(options, RunStatus::ScriptFailed, [&](std::size_t i) {
-    const Interruption interruption(RunStatus::ScriptFailed);
-    return static_cast<int>(runDrawing(options, options.drawings[i], outputs[i], *script));
-  });
+  Report report;
+  if (options.report) {
+    if (const Result<> opened = report.open(*options.report); !opened) return complain(opened.problem());
+  }
+  RunOptions left = options;
+  std::vector<PlanOutputs> wanted;
+  if (options.resume) {
+    left.drawings.clear();
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+      std::vector<fs::path> made{options.drawings[i]};
+      if (!options.script.empty()) made.push_back(options.script);
+      if (isUpToDate(made, outputs[i])) {
+        if (report.isOpen()) report.add(options.drawings[i], outputs[i], {}, true);
+        continue;
+      }
+      left.drawings.push_back(options.drawings[i]);
+      wanted.push_back(outputs[i]);
+    }
+    const std::size_t count = options.drawings.size() - left.drawings.size();
+    if (count > 0)
+      printLine(std::to_string(count) + " of " + std::to_string(outputs.size()) + " drawings are up to date");
+    if (left.drawings.empty()) return 0;
+  } else {
+    wanted = outputs;
+  }
+  TakeResult take;
+  if (report.isOpen())
+    take = [&](std::size_t i, const BatchResult& result) { report.add(left.drawings[i], wanted[i], result, false); };
+  return forEachDrawing(
+      left, RunStatus::ScriptFailed,
+      [&](std::size_t i) {
+        const Interruption interruption(RunStatus::ScriptFailed);
+        return static_cast<int>(runDrawing(left, left.drawings[i], wanted[i], *script));
+      },
+      take);
 }
 
 }  // namespace tolmex

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "Places.h"
 #include "Support.h"
@@ -179,6 +180,41 @@ TEST_F(ManyDrawings, TheInstalledProgramRunsAnywhere) {
                  {.program = program.c_str()}),
             (Outcome{0, "", ""}));
   EXPECT_TRUE(fs::exists(folder / "elsewhere/share/man/man1/tolmex.1"));
+}
+
+TEST_F(ManyDrawings, WhatIsUpToDateIsLeftAndAllIsReported) {
+  fs::copy_file(plan, folder / "b.dxf");
+  write("bad.dxf", "Dear reader");
+  write("hedge.scr", "TLM_MUOK_PENSAS\n(handent \"290\")\n\n");
+  const Arguments all = {"run", "plan.dxf", "bad.dxf", "b.dxf",   "--script", "hedge.scr", "--out-dir",
+                         "out", "--format", "svg",     "--quiet", "--resume", "--report",  "report.jsonl"};
+  const auto results = [this] {
+    std::vector<std::string> found;
+    std::istringstream lines(read("report.jsonl"));
+    for (std::string line; std::getline(lines, line);) {
+      const Json json = Json::parse(line);
+      found.push_back(json["drawing"].get<std::string>() + ": " + json["result"].get<std::string>());
+      EXPECT_EQ(json["outputs"].size(), 2U);
+      if (json["status"] == 2) {
+        EXPECT_THAT(json["messages"].dump(), HasSubstr("bad.dxf"));
+      }
+    }
+    return found;
+  };
+  using Results = std::vector<std::string>;
+  EXPECT_EQ(call(all).status, 2);
+  EXPECT_EQ(results(), (Results{"plan.dxf: done", "bad.dxf: the drawing could not be read", "b.dxf: done"}));
+  const std::string first = read("out/b.dxf");
+  EXPECT_EQ(call(all).status, 2);
+  EXPECT_EQ(results(),
+            (Results{"plan.dxf: up to date", "b.dxf: up to date", "bad.dxf: the drawing could not be read"}));
+  // A picture that is gone, a drawing that has changed, a script that has.
+  fs::remove(folder / "out/plan.svg");
+  fs::last_write_time(folder / "b.dxf", fs::file_time_type::clock::now() + std::chrono::seconds(2));
+  EXPECT_EQ(call(all).status, 2);
+  EXPECT_EQ(results(), (Results{"plan.dxf: done", "bad.dxf: the drawing could not be read", "b.dxf: done"}));
+  EXPECT_EQ(read("out/b.dxf"), first);
+  EXPECT_EQ(call({"run", "plan.dxf", "--command", "REGEN", "--out", "x.dxf", "--resume"}).status, 1);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@ _tolmex() {
   local words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'run shell picture info desktop --help --version' -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W 'run shell picture info import sun desktop --help --version' -- "$current")
     return
   fi
   case $previous in
@@ -15,19 +15,23 @@ _tolmex() {
     --background) words='white black transparent' ;;
     --lineweights) words='off' ;;
     --language) words='fi en' ;;
+    --rules) words='osm mtk kanta rekisteri' ;;
     --out-dir | --support)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
-    --command | --set | --jobs | --width | --dpi | --scale | --window | --layout | --layers | --field | --geometry) return ;;
+    --command | --set | --jobs | --width | --dpi | --scale | --window | --layout | --layers | --field | --geometry | \
+      --crs | --direction | --date | --times | --time-zone | --place) return ;;
   esac
   if [[ -z $words && $current == -* ]]; then
     case $call in
-      run) words="--script --command --out --out-dir --picture --format --jobs --set --support --strict --quiet --help $pictures" ;;
+      run) words="--script --command --out --out-dir --picture --format --jobs --set --support --strict --resume --report --quiet --help $pictures" ;;
       shell) words='--out --picture --set --support --quiet --help' ;;
       picture) words="--out-dir --format --jobs --set --support --quiet --help $pictures" ;;
       info) words='--json --repair --jobs --quiet --help' ;;
+      import) words='--rules --crs --window --direction --date --symbols --illustrate --script-out --picture --set --support --quiet --help' ;;
+      sun) words='--date --times --time-zone --crs --place --out-dir --width --window --set --support --quiet --help' ;;
       desktop) words='--script --language --geometry --set --support --help' ;;
       *) words='--help' ;;
     esac
