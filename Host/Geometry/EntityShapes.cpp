@@ -100,7 +100,8 @@ void readImage(const Slot& slot, EntityShape& shape) {
   AcGePoint3d origin, u, v, size;
   std::vector<Point> clip;
   bool isClipped = false;
-  int clipKind = 1;
+  int clipKind = 1, fade = 0;
+  std::uint64_t definition = 0;
   GeometryTags tags(slot.tags());
   for (Tag tag; tags.next(tag);) {
     if (takePoint(tag, 10, origin) || takePoint(tag, 11, u) || takePoint(tag, 12, v) || takePoint(tag, 13, size))
@@ -113,6 +114,10 @@ void readImage(const Slot& slot, EntityShape& shape) {
       clipKind = static_cast<int>(tag.integer());
     else if (tag.code == 280)
       isClipped = tag.integer() != 0;
+    else if (tag.code == 283)
+      fade = static_cast<int>(std::clamp<std::int64_t>(tag.integer(), 0, 100));
+    else if (tag.code == 340)
+      definition = tag.handle();
   }
   const bool isWipeout = slot.type == DxfType::Wipeout;
   if (clipKind == 1 && clip.size() == 2) clip = {clip[0], {clip[1].x, clip[0].y}, clip[1], {clip[0].x, clip[1].y}};
@@ -121,6 +126,11 @@ void readImage(const Slot& slot, EntityShape& shape) {
   if (clip.front().x == clip.back().x && clip.front().y == clip.back().y) clip.pop_back();
   ImageFrame frame;
   frame.isWipeout = isWipeout;
+  frame.topLeft = origin + v.asVector() * size.y;
+  frame.across = u.asVector() * size.x;
+  frame.down = -v.asVector() * size.y;
+  frame.definition = definition;
+  frame.fadePercent = fade;
   // Clip points count pixels from the upper left corner, whose pixel has its centre at (0, 0).
   for (const Point& p : clip)
     frame.ring.push_back(origin + u.asVector() * (p.x + 0.5) + v.asVector() * (size.y - 0.5 - p.y));

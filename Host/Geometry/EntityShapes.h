@@ -36,6 +36,11 @@ struct InfiniteLine {
 struct ImageFrame {
   Chain ring;
   bool isWipeout = false;
+  // Of an image: the whole of it, without clip.
+  AcGePoint3d topLeft;
+  AcGeVector3d across, down;     // along its sides
+  std::uint64_t definition = 0;  // handle of what names its file
+  int fadePercent = 0;
 };
 
 struct EntityShape {

@@ -7,12 +7,14 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPdfWriter>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
 #include "Picture/PaperSizes.h"
 #include "Picture/QtPainting.h"
+#include "Picture/RasterImage.h"
 #include "Picture/SvgWriter.h"
 
 namespace host::picture {
@@ -33,6 +35,29 @@ QBrush qBrush(const Gradient& gradient) {
   brush.setTransform(QTransform(gradient.axisX.x, gradient.axisX.y, gradient.axisY.x, gradient.axisY.y,
                                 gradient.origin.x, gradient.origin.y));
   return brush;
+}
+
+/// Draws the image inside the path.
+void paintImage(QPainter& painter, const QPainterPath& path, const Texture& texture, int alpha, bool isRaster) {
+  const double width = std::hypot(texture.across.x, texture.across.y);
+  const double height = std::hypot(texture.down.x, texture.down.y);
+  QImage pixels = texture.image->pixels;
+  if (pixels.isNull() || !(width > 0) || !(height > 0)) return;
+  // Made much smaller by the painter, an image would be a sample of its pixels.
+  const QSize room(std::max(1, static_cast<int>(std::ceil(width))), std::max(1, static_cast<int>(std::ceil(height))));
+  if (isRaster && (room.width() * 2 < pixels.width() || room.height() * 2 < pixels.height()))
+    pixels = pixels.scaled(std::min(room.width(), pixels.width()), std::min(room.height(), pixels.height()),
+                           Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  painter.save();
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  painter.setClipPath(path, Qt::IntersectClip);
+  painter.setOpacity(alpha / 255.0);
+  painter.setTransform(
+      QTransform(texture.across.x / pixels.width(), texture.across.y / pixels.width(), texture.down.x / pixels.height(),
+                 texture.down.y / pixels.height(), texture.origin.x, texture.origin.y),
+      true);
+  painter.drawImage(0, 0, pixels);
+  painter.restore();
 }
 
 bool isDot(const DisplayList& list, const DisplayRing& ring) {
@@ -182,6 +207,10 @@ void paintList(QPainter& painter, const DisplayList& list, bool isRaster) {
       path.setFillRule(item.kind == ItemKind::FillNonzero ? Qt::WindingFill : Qt::OddEvenFill);
     }
     if (path.isEmpty()) continue;
+    if (item.texture != DisplayItem::kPlain) {
+      paintImage(painter, path, list.textures[item.texture], item.color.alpha, isRaster);
+      continue;
+    }
     painter.setPen(Qt::NoPen);
     painter.setBrush(item.gradient == DisplayItem::kPlain ? QBrush(color) : qBrush(list.gradients[item.gradient]));
     painter.drawPath(path);

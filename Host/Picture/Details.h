@@ -87,6 +87,10 @@ class PaintedDetails final : public Details {
   void infinite(Point base, Point direction, bool bothWays, const LineStyle& style) override;
   void pattern(const std::vector<hatching::PatternLine>& families, const std::vector<curves::Polygon>& loops,
                const geometry::Transform& plane, const Pen& pen) override;
+  /// Windows show images' frames; pictures have this instead.
+  void image(const Rings& rings, const Texture& texture, std::uint8_t alpha) {
+    canvas_.fillImage(rings, texture, alpha);
+  }
   void beginClip(const std::vector<Point>& ring) override { canvas_.beginClip(ring); }
   void endClip() override { canvas_.endClip(); }
   void setArea(const Box& area) override;

@@ -123,4 +123,13 @@ void DisplayListCanvas::fillGradient(const std::vector<std::vector<Point>>& ring
   list_.gradients.push_back(gradient);
 }
 
+void DisplayListCanvas::fillImage(const std::vector<std::vector<Point>>& rings, const Texture& texture,
+                                  std::uint8_t alpha) {
+  const std::size_t before = list_.items.size();
+  fill(rings, FillRule::EvenOdd, {255, 255, 255, alpha});
+  if (list_.items.size() == before) return;
+  list_.items.back().texture = static_cast<std::uint32_t>(list_.textures.size());
+  list_.textures.push_back(texture);
+}
+
 }  // namespace host::picture

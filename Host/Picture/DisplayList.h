@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "Geometry/EntityPaths.h"
@@ -47,6 +48,14 @@ struct Gradient {
   std::vector<Stop> stops;
 };
 
+struct RasterImage;  // Picture/RasterImage.h
+
+/// An image placed in the picture: its upper left corner, and its upper and left sides.
+struct Texture {
+  std::shared_ptr<const RasterImage> image;
+  Point origin, across, down;
+};
+
 struct DisplayItem {
   static constexpr std::uint32_t kPlain = 0xFFFFFFFF;
   ItemKind kind = ItemKind::Stroke;
@@ -54,6 +63,7 @@ struct DisplayItem {
   double width = 0;  // strokes
   std::uint32_t firstRing = 0, ringCount = 0;
   std::uint32_t gradient = kPlain;  // of a fill: index into the list's gradients
+  std::uint32_t texture = kPlain;   // of a fill: into its textures; the colour's alpha is the image's
 };
 
 struct DisplayList {
@@ -61,6 +71,7 @@ struct DisplayList {
   std::vector<DisplayRing> rings;
   std::vector<DisplayItem> items;
   std::vector<Gradient> gradients;
+  std::vector<Texture> textures;
 };
 
 struct Pen {
@@ -77,6 +88,8 @@ class Canvas {
   virtual void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) = 0;
   virtual void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) = 0;
   virtual void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient& gradient) = 0;
+  /// An image inside the rings; canvases that have no use for pixels leave it out.
+  virtual void fillImage(const std::vector<std::vector<Point>>&, const Texture&, std::uint8_t /*alpha*/) {}
   /// Cuts what follows to the inside of a ring, until the matching end.
   virtual void beginClip(const std::vector<Point>& ring) = 0;
   virtual void endClip() = 0;
@@ -91,6 +104,9 @@ class BoundsCanvas final : public Canvas {
   void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
   void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient&) override {
     fill(rings, rule, {});
+  }
+  void fillImage(const std::vector<std::vector<Point>>& rings, const Texture&, std::uint8_t) override {
+    fill(rings, FillRule::EvenOdd, {});
   }
   void beginClip(const std::vector<Point>&) override {}
   void endClip() override {}
@@ -111,6 +127,7 @@ class DisplayListCanvas final : public Canvas {
   void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) override;
   void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
   void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient& gradient) override;
+  void fillImage(const std::vector<std::vector<Point>>& rings, const Texture& texture, std::uint8_t alpha) override;
   void beginClip(const std::vector<Point>& ring) override;
   void endClip() override;
   void setClip(const Box& clip) override { clip_ = clip; }

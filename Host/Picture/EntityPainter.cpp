@@ -112,6 +112,7 @@ EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureO
       painted_(std::move(painted)),
       details_(details != nullptr ? *details : *painted_),
       appearances_(db, options, view.keepsRoles),
+      images_(db, options),
       lineweightFactor_(options.lineweights == LineweightMode::Factor ? options.lineweightFactor : 1),
       lineweightsOff_(options.lineweights == LineweightMode::Off),
       dashScale_(view.toPicture.planScale() * appearances_.globalLinetypeScale()),
@@ -347,7 +348,19 @@ void EntityPainter::paintInfinite(const geometry::InfiniteLine& line, const Plac
 void EntityPainter::paintImage(const geometry::ImageFrame& frame, const Place& place, const Style& style) {
   if (frame.isWipeout) return fillChains({frame.ring}, place.toPicture, FillRule::EvenOdd, appearances_.background());
   std::vector<Point> line;
-  if (project(frame.ring, place.toPicture, line)) strokeLine(line, true, style);
+  if (!project(frame.ring, place.toPicture, line)) return;
+  if (painted_ && !view_.boundsOnly)
+    if (auto image = images_.load(frame.definition)) {
+      const Transform& t = place.toPicture;
+      const auto side = [&t](const AcGeVector3d& v) {
+        const AcGeVector3d moved = t.vector(v);
+        return Point{moved.x, moved.y};
+      };
+      const double opacity = style.appearance.alpha * (100 - frame.fadePercent) / 100.0;
+      return painted_->image({line}, {std::move(image), t.plan(frame.topLeft), side(frame.across), side(frame.down)},
+                             static_cast<std::uint8_t>(std::lround(opacity)));
+    }
+  strokeLine(line, true, style);
 }
 
 }  // namespace host::picture

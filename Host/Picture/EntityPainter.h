@@ -16,6 +16,7 @@
 #include "Picture/Details.h"
 #include "Picture/DisplayList.h"
 #include "Picture/Glyphs.h"
+#include "Picture/Images.h"
 #include "Picture/Picture.h"
 
 namespace host::picture {
@@ -83,6 +84,8 @@ class EntityPainter {
   bool hasTextBars() const { return painted_ && painted_->hasTextBars(); }
   /// Visible entities of kinds without a picture, by type name.
   const std::map<std::string_view, std::size_t>& leftOut() const { return leftOut_; }
+  /// Files of images that could not be shown.
+  const std::set<std::string>& missingImages() const { return images_.missing(); }
   /// Entities of the painted space on layers that are not plotted, by layer.
   const std::map<std::uint32_t, std::size_t>& unplotted() const { return unplotted_; }
 
@@ -137,6 +140,7 @@ class EntityPainter {
   std::optional<PaintedDetails> painted_;  // unless somebody else takes the details
   Details& details_;
   Appearances appearances_;
+  ImageFiles images_;
   double lineweightFactor_;
   bool lineweightsOff_;
   double dashScale_;   // pixels for one unit of a linetype, outside of blocks

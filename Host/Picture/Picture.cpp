@@ -173,6 +173,9 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
       options.sheet != nullptr ? paintSheet(options, layout, view, glyphs, canvas, db, painter) : std::string();
   Composition made{{}, canvas.take(), layout.page};
   made.picture.drawn = layout.area;
+  made.picture.unitsPerPixel = 1 / layout.toPicture.x.x;
+  made.picture.upperLeft = {-layout.toPicture.origin.x / layout.toPicture.x.x,
+                            layout.toPicture.origin.y / layout.toPicture.x.x};
   std::string notes;
   const auto note = [&notes](const std::string& text) { notes += (notes.empty() ? "" : " ") + text; };
   if (!layout.note.empty()) note(layout.note);
@@ -193,9 +196,22 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
       kinds += (kinds.empty() ? "" : ", ") + std::to_string(count) + " " + std::string(kind);
     note("Left out, having no picture of their own: " + kinds + ".");
   }
+  if (!painter.missingImages().empty()) {
+    std::string names;
+    for (const std::string& name : painter.missingImages()) names += (names.empty() ? "" : ", ") + name;
+    note("Images that could not be read are shown as frames: " + names + ".");
+  }
   if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
   if (!notes.empty()) made.picture.remark = problemOf(Code::PictureNote, std::move(notes));
   return made;
+}
+
+std::string worldFile(const Picture& picture) {
+  const double step = picture.unitsPerPixel;
+  std::string lines;
+  for (const double value : {step, 0.0, 0.0, -step, picture.upperLeft.x + step / 2, picture.upperLeft.y - step / 2})
+    lines += text::formatReal(value) + "\n";
+  return lines;
 }
 
 double metresPerUnit(const database::DrawingDatabase& db) {

@@ -42,15 +42,20 @@ struct PictureOptions {
   ColorMode colors = ColorMode::AsDrawn;
   std::string layers = "*";      // wildcard pattern, UTF-8; layers that are not plotted are left out in any case
   std::string layout = "Model";  // name of the layout to draw, UTF-8
+  std::string drawingFolder;     // where files lie that the drawing names; empty: the current folder
   const Sheet* sheet = nullptr;  // what the picture is laid on, in place of a paper; made of the next three by callers
   std::string sheetFile;         // a drawing; empty: no sheet
   std::vector<std::pair<std::string, std::string>> fields;  // names of attributes, and what they are filled with
   std::string legendFile;                                   // own texts of the legend
+  bool hasWorldFile = false;                                // a file beside a PNG says where it lies
 };
 
 struct Picture {
-  std::string bytes;              // the file
-  geometry::Box drawn;            // the area shown, drawing units
+  std::string bytes;    // the file
+  geometry::Box drawn;  // the area shown, drawing units
+  /// Drawing units of a picture coordinate (a pixel of a PNG), and the drawing's place of its upper left corner.
+  double unitsPerPixel = 0;
+  geometry::Point upperLeft;
   std::optional<Problem> remark;  // what the user should know: the paper is too small, text is shown as bars ...
 };
 
@@ -60,6 +65,9 @@ Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOp
 
 /// Metres in one unit of the drawing by $INSUNITS. Unitless counts as metres.
 double metresPerUnit(const database::DrawingDatabase& db);
+
+/// Lines of a world file: where the pixels of a PNG lie, the middle of the upper left one last.
+std::string worldFile(const Picture& picture);
 
 /// By the ending of a file name, without regard to case.
 std::optional<PictureFormat> formatOfFile(std::string_view fileName);

@@ -57,6 +57,10 @@ Result<> setLegend(PictureOptions& options, std::string_view text) {
   options.legendFile = text;
   return {};
 }
+Result<> setWorldFile(PictureOptions& options, std::string_view) {
+  options.hasWorldFile = true;
+  return {};
+}
 Result<> setColors(PictureOptions& options, ColorMode mode) {
   if (options.colors != ColorMode::AsDrawn && options.colors != mode)
     return refusal("--grayscale excludes --monochrome");
@@ -81,6 +85,7 @@ constexpr std::array kRows = {
     OptionRow{"--sheet", "FILE", "lay the picture on this sheet, for instance A3-kaava", setSheet},
     OptionRow{"--field", "NAME=TEXT", "fill an attribute of the sheet; may be given more than once", addField, true},
     OptionRow{"--legend", "FILE", "own texts of the sheet's legend", setLegend},
+    OptionRow{"--worldfile", "", "beside a PNG a .pgw file that says where it lies", setWorldFile},
     OptionRow{"--grayscale", "", "shades of grey", setGrayscale},
     OptionRow{"--monochrome", "", "one colour", setMonochrome},
 };

@@ -117,8 +117,9 @@ class Furniture {
     };
     const std::size_t shown = std::min(rows.size(), perColumn * columns);
     for (std::size_t at = 0; at < shown; ++at) {
-      const double x = box.minX + static_cast<double>(at / perColumn) * (columnWidth + kGap);
-      const double y = box.maxY - static_cast<double>(at % perColumn + 1) * text * kPitch + text * 0.6;
+      const std::size_t column = at / perColumn, line = at % perColumn;
+      const double x = box.minX + static_cast<double>(column) * (columnWidth + kGap);
+      const double y = box.maxY - static_cast<double>(line + 1) * text * kPitch + text * 0.6;
       const double swatch = text * 4;
       Box place;
       place.add(pixel(x, y - text * 0.4));

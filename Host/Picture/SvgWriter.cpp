@@ -1,10 +1,14 @@
 #include "Picture/SvgWriter.h"
 
+#include <QBuffer>
+#include <QByteArray>
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <string>
+
+#include "Picture/RasterImage.h"
 
 namespace host::picture {
 namespace {
@@ -125,6 +129,34 @@ void defineGradient(Writer& writer, const Gradient& gradient, std::size_t index)
   writer.text("</" + kind + ">\n");
 }
 
+/// The image as it is in its file, or as a PNG; cut by the clip of the same number.
+void writeImage(Writer& writer, const Texture& texture, int alpha, std::size_t index) {
+  const RasterImage& image = *texture.image;
+  QByteArray bytes(image.file.data(), static_cast<qsizetype>(image.file.size()));
+  if (bytes.isEmpty()) {
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.pixels.save(&buffer, "PNG");
+  }
+  const int width = std::max(1, image.pixels.width()), height = std::max(1, image.pixels.height());
+  writer.text("<g clip-path=\"url(#i" + std::to_string(index) + ")\"><image width=\"" + std::to_string(width) +
+              "\" height=\"" + std::to_string(height) + "\" preserveAspectRatio=\"none\"");
+  if (alpha != 255) {
+    writer.text(" opacity=\"");
+    writer.number(alpha / 255.0);
+    writer.text("\"");
+  }
+  char matrix[256];
+  std::snprintf(matrix, sizeof matrix, " transform=\"matrix(%.9g %.9g %.9g %.9g %.9g %.9g)\"", texture.across.x / width,
+                texture.across.y / width, texture.down.x / height, texture.down.y / height, texture.origin.x,
+                texture.origin.y);
+  writer.text(matrix);
+  writer.text(std::string(" xlink:href=\"data:image/") + (image.isJpeg ? "jpeg" : "png") + ";base64,");
+  const QByteArray encoded = bytes.toBase64();
+  writer.text({encoded.constData(), static_cast<std::size_t>(encoded.size())});
+  writer.text("\"/></g>\n");
+}
+
 void openGroup(Writer& writer, const DisplayItem& item) {
   writer.text("<g");
   if (!isStroke(item)) {
@@ -148,7 +180,10 @@ void openGroup(Writer& writer, const DisplayItem& item) {
 
 std::string writeSvg(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
   Writer writer;
-  writer.text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"");
+  writer.text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
+  // Older readers know an image's address by the name of another standard only.
+  if (!list.textures.empty()) writer.text(" xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
+  writer.text(" width=\"");
   writer.number(page.widthMm);
   writer.text("mm\" height=\"");
   writer.number(page.heightMm);
@@ -175,11 +210,16 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
   // Before everything else: readers that know no clips would draw their outlines.
   const auto isClip = [](const DisplayItem& item) { return item.kind == ItemKind::BeginClip; };
   const bool hasClips = std::ranges::any_of(list.items, isClip);
-  if (!list.gradients.empty() || hasClips) {
+  if (!list.gradients.empty() || !list.textures.empty() || hasClips) {
     writer.text("<defs>\n");
     for (std::size_t i = 0; i < list.gradients.size(); ++i) defineGradient(writer, list.gradients[i], i);
     std::size_t defined = 0;
     for (const DisplayItem& item : list.items) {
+      if (item.texture != DisplayItem::kPlain) {
+        writer.text("<clipPath id=\"i" + std::to_string(item.texture) + "\">");
+        path(item);
+        writer.text("</clipPath>\n");
+      }
       if (!isClip(item)) continue;
       writer.text("<clipPath id=\"c" + std::to_string(defined++) + "\">");
       path(item);
@@ -202,6 +242,11 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
     if (item.kind == ItemKind::EndClip) {
       closeGroup();
       writer.text("</g>\n");
+      continue;
+    }
+    if (item.texture != DisplayItem::kPlain) {
+      closeGroup();
+      writeImage(writer, list.textures[item.texture], item.color.alpha, item.texture);
       continue;
     }
     if (last == nullptr || !sameLook(*last, item)) {

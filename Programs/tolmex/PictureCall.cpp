@@ -44,10 +44,12 @@ Result<std::vector<PictureFile>> picturesOf(const PictureCallOptions& options, c
 }
 
 RunStatus writeAll(const host::database::DrawingDatabase& drawing, const PictureCallOptions& options,
-                   const std::vector<PictureFile>& pictures) {
+                   const fs::path& name, const std::vector<PictureFile>& pictures) {
   RunStatus status = RunStatus::Done;
+  host::picture::PictureOptions wanted = options.picture;
+  wanted.drawingFolder = name.parent_path().string();
   for (const PictureFile& picture : pictures) {
-    const Result<> written = writePicture(drawing, options.picture, picture, options.supportFolders);
+    const Result<> written = writePicture(drawing, wanted, picture, options.supportFolders);
     if (!written) complain(written.problem());
     status = std::max(status, written.status());
   }
@@ -65,14 +67,14 @@ int pictureDrawing(const PictureCallOptions& options, const fs::path& name, cons
     settings.observer = &printer;
     host::editor::Application application(settings);
     const Result<> opened = openDrawing(application, *file, options.variables);
-    return opened ? static_cast<int>(writeAll(*application.drawing(), options, pictures))
+    return opened ? static_cast<int>(writeAll(*application.drawing(), options, name, pictures))
                   : sayUnopened(opened.problem());
   }
   AcDbDatabase database(false);
   host::database::DrawingDatabase& drawing = host::database::databaseOf(&database);
   if (const Result<> read = host::dxf::readDrawing(drawing, *file); !read) return sayUnopened(read.problem());
   printProblems(shownName(name), drawing.problems());
-  return static_cast<int>(writeAll(drawing, options, pictures));
+  return static_cast<int>(writeAll(drawing, options, name, pictures));
 }
 
 }  // namespace
@@ -116,7 +118,9 @@ Result<> writePicture(const host::database::DrawingDatabase& drawing, host::pict
     const Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
     if (!made) return inFile(made.problem());
     if (made->remark) complain(inFile(*made->remark));
-    return writeOutput(picture.file, made->bytes);
+    if (Result<> written = writeOutput(picture.file, made->bytes); !written) return written;
+    if (!options.hasWorldFile || picture.format != PictureFormat::Png || isStandardStream(picture.file)) return {};
+    return writeOutput(fs::path(picture.file).replace_extension(".pgw"), host::picture::worldFile(*made));
   } catch (const std::bad_alloc&) {
     return problemOf(Code::OutputFailed, name, "there is not enough memory for this picture");
   }

@@ -1,6 +1,5 @@
 #include "PictureCommand.h"
 
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -80,6 +79,7 @@ void pictureCommand(Application& application, Prompter& prompter) {
   }
   PictureOptions options;
   options.layout = host::text::toUtf8(application.currentLayoutName());
+  options.drawingFolder = application.drawingFile().parent_path().string();
   if (behind != std::string::npos) {
     if (const Result<> read = readOptions(options, line.substr(behind + 1)); !read) {
       prompter.refuse(host::text::fromUtf8(read.message()));
@@ -90,8 +90,8 @@ void pictureCommand(Application& application, Prompter& prompter) {
     prompter.fail(fit.problem());
     return;
   }
-  if (const Result<> written = writePicture(*application.drawing(), options, {name, *format},
-                                            {std::filesystem::path(application.drawingFile()).parent_path()});
+  if (const Result<> written =
+          writePicture(*application.drawing(), options, {name, *format}, {application.drawingFile().parent_path()});
       !written) {
     complain(written.problem());
     prompter.fail(Code::OutputFailed, L"the picture could not be made");

@@ -1,7 +1,7 @@
 # Completion of tolmex in bash.
 _tolmex() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} call=${COMP_WORDS[1]:-}
-  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --sheet --field --legend --lineweights --grayscale --monochrome'
+  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --sheet --field --legend --worldfile --lineweights --grayscale --monochrome'
   local words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then

@@ -43,6 +43,7 @@ for call in run picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l sheet -x -a 'A4-kaava A3-kaava A2-kaava A1-kaava A0-kaava' -d 'Sheet around the picture'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l field -x -d 'Text of a field of the sheet'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l legend -r -d 'Own texts of the legend'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l worldfile -d 'A .pgw file beside a PNG'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l grayscale -d 'Shades of grey'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l monochrome -d 'One colour'
 end
