@@ -17,7 +17,7 @@ HOST = pathlib.Path("Host/Editor/Commands")
 PROGRAM = pathlib.Path("Programs/tolmex")
 COLUMNS = ["group", "command", "name_fi", "name_en", "tip_fi", "tip_en", "key", "typed", "icon", "colour", "layers",
            "double_click", "preview", "emptied"]
-PREVIEWS = {PLUGIN: r"parking-row( \d+(\.\d+)?){3}|roof-face [34]|block", WINDOW: r"next-piece|ghosts"}
+PREVIEWS = {PLUGIN: r"parking-row( \d+(\.\d+)?){3}|roof-face [34]|block", WINDOW: r"next-piece|ghosts|text"}
 KEY = re.compile(r"((Ctrl|Shift|Alt)\+)*(F\d\d?|[A-Z0-9]|Up|Down|Left|Right|Home|End|Delete)")
 PAINTS = {"none", "currentColor"}
 SVG = "{http://www.w3.org/2000/svg}"

@@ -73,11 +73,7 @@ int runDesktop(const DesktopCallOptions& options) {
   wanted.failureCaptions = kFailureCaptions;
   wanted.version = TOLMEX_VERSION;
   for (const char* const example : {"docs/guide/tontti.dxf", "examples/kortteli.dxf"}) {
-    if (fs::path file = findShared(folder, example); !file.empty()) {
-      // What the examples need (colours, symbols) lies beside them.
-      wanted.supportFolders.push_back(file.parent_path());
-      wanted.examples.push_back(std::move(file));
-    }
+    if (fs::path file = findShared(folder, example); !file.empty()) wanted.examples.push_back(std::move(file));
   }
   wanted.guide = findShared(folder, "docs/kayttoohje.md");
   wanted.ownFacts = ownFacts;

@@ -68,7 +68,7 @@ class WindowTest : public testing::Test {
     const std::filesystem::path module = std::filesystem::path(kBinDir) / "tolmex.arx";
     options.modules = {module};
     options.failureCaptions = {L"Error", L"Out of memory"};
-    options.supportFolders = {std::filesystem::path(kSourceDir) / "examples"};
+    options.supportFolders = {supportFolder};
     options.extend = extend;
     options.ownFacts = ownFacts;
     engine = std::make_unique<Engine>(options);
@@ -212,6 +212,7 @@ class WindowTest : public testing::Test {
   Slot* entity(std::uint64_t handle) { return engine->drawing()->findHandle(handle); }
 
   OwnFolder folder;
+  std::filesystem::path supportFolder = std::filesystem::path(kSourceDir) / "examples";
   std::function<void(host::editor::Application&)> extend;
   std::function<std::vector<host::window::OwnFact>(const Slot&)> ownFacts;
   std::unique_ptr<Engine> engine;

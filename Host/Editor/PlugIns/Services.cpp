@@ -138,6 +138,7 @@ std::vector<std::filesystem::path> searchedFolders(const AcDbDatabase* db) {
   const auto* document = static_cast<const Document*>(session.documents().document(db));
   if (document == nullptr) document = session.documents().current();
   if (document != nullptr && !document->file().empty()) folders.push_back(document->file().parent_path());
+  if (document != nullptr) folders.push_back(document->contentFolder);
   folders.insert(folders.end(), session.options().supportFolders.begin(), session.options().supportFolders.end());
   folders.push_back(ownSupportFolder());
   std::erase_if(folders, [](const std::filesystem::path& folder) { return folder.empty(); });

@@ -55,6 +55,9 @@ class Document final : public AcApDocument {
   void setUntitled(int number);
   void setUntitled(const std::filesystem::path& name);
 
+  /// Where the content of a new drawing was read from: what belongs to it lies there. Empty when there was none.
+  std::filesystem::path contentFolder;
+
   int locks = 0;
   std::vector<HINSTANCE> resources;
   AcGePoint3d lastPoint;

@@ -116,6 +116,7 @@ Result<> Session::openFurther(const std::filesystem::path& file, const Origin* o
     document->setFile(fullPath(origin->file));
   } else {
     document->setUntitled(origin->name);
+    document->contentFolder = fullPath(file).parent_path();
   }
   if (origin != nullptr) document->drawing().setModified();
   if (document->drawing().headerInteger("$TILEMODE", 70).value_or(1) == 0) {

@@ -387,6 +387,16 @@ geometry::Box CanvasView::visibleBox() const {
   return scene == nullptr ? geometry::Box{} : scene->toPlan(state_->frame.visible());
 }
 
+QRectF CanvasView::placeOf(const std::vector<database::Slot*>& entities) const {
+  Box box;
+  for (const SceneRef entity : state_->refs(entities))
+    if (entity) box.add(entity->box);
+  if (box.isEmpty()) return {};
+  const QPointF corner = state_->frame.toPixel({box.minX, box.minY}),
+                other = state_->frame.toPixel({box.maxX, box.maxY});
+  return QRectF(corner, other).normalized();
+}
+
 double CanvasView::unitsPerPixel() const { return 1 / state_->frame.scale(); }
 
 void CanvasView::zoomToDrawing() {

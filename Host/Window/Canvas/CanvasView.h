@@ -69,6 +69,8 @@ class CanvasView : public QWidget {
 
   geometry::Box visibleBox() const;  // plan coordinates
   double unitsPerPixel() const;
+  /// Where entities lie on the screen, pixels of the canvas; empty for none.
+  QRectF placeOf(const std::vector<database::Slot*>& entities) const;
   void zoomToDrawing();  // leaves far strays out; says so by `strayNoticed`
   void zoomToAll();
   void zoomTo(const geometry::Box& box);

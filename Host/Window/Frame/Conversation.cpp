@@ -391,12 +391,17 @@ bool Conversation::eventFilter(QObject* watched, QEvent* event) {
     auto* const dialog = qobject_cast<QDialog*>(watched);
     // Those of the window itself come while a question waits.
     if (dialog != nullptr && dialog->isWindow() && event->type() == QEvent::Show && !engine_.isWaiting()) {
-      if (std::ranges::find(dialogs_, dialog) == dialogs_.end()) dialogs_.emplace_back(dialog);
+      if (std::ranges::find(dialogs_, dialog) == dialogs_.end()) {
+        dialogs_.emplace_back(dialog);
+        if (qobject_cast<QMessageBox*>(dialog) == nullptr) place(*dialog);
+      }
       hadDialog_ = true;
       setState(State::Dialog);
       canvas_.setMode(CanvasMode::Closed);
       line_.setClosed(tr("%1 is open").arg(dialog->windowTitle()));
     }
+    if (dialog != nullptr && event->type() == QEvent::Hide && std::ranges::find(dialogs_, dialog) != dialogs_.end())
+      places_[dialog->windowTitle()] = dialog->pos();
     if (dialog != nullptr && event->type() == QEvent::Hide && state_ == State::Dialog && !engine_.isWaiting()) {
       setState(State::Working);
       canvas_.setMode(CanvasMode::Working);
@@ -405,6 +410,21 @@ bool Conversation::eventFilter(QObject* watched, QEvent* event) {
       QTimer::singleShot(0, dialog, &QWidget::close);
   }
   return QObject::eventFilter(watched, event);
+}
+
+/// Where it was left, or at the canvas's edge away from what the command has got, which stays in sight.
+void Conversation::place(QDialog& dialog) {
+  constexpr int kAway = 24;
+  if (const auto left = places_.constFind(dialog.windowTitle()); left != places_.constEnd()) {
+    dialog.move(*left);
+    return;
+  }
+  const QRectF chosen = canvas_.placeOf(engine_.result().chosen);
+  if (chosen.isEmpty() || dialog.width() + 2 * kAway > canvas_.width()) return;
+  const bool isAtRight = chosen.center().x() < canvas_.width() / 2.0;
+  const int x = isAtRight ? canvas_.width() - dialog.width() - kAway : kAway;
+  const int y = std::max(kAway, (canvas_.height() - dialog.height()) / 3);
+  dialog.move(canvas_.mapToGlobal(QPoint(x, y)));
 }
 
 QString Conversation::waitingDialog() const {

@@ -2,7 +2,9 @@
 // the status bar says; what is clicked or typed becomes lines of answers.
 #pragma once
 
+#include <QHash>
 #include <QObject>
+#include <QPoint>
 #include <QPointer>
 #include <memory>
 #include <optional>
@@ -70,7 +72,7 @@ class Conversation : public QObject {
   void canvasAnswered(const QStringList& lines);
   void paste(const QStringList& lines);
   void setState(State state);
-  void findDialogs();
+  void place(QDialog& dialog);
   bool isRefusedAgain(const editor::Question& question);
   void ended(const CommandResult& result);
   void noteAnswer(const QString& line);
@@ -99,6 +101,7 @@ class Conversation : public QObject {
   QStringList lockedLayers_;         // of what was picked last
   std::optional<AcGePoint3d> base_;
   AcGePoint3d cursor_;
+  QHash<QString, QPoint> places_;           // where dialogs were left, by their titles
   std::vector<QPointer<QWidget>> dialogs_;  // of plug-ins, shown or handed back
   std::function<void()> whenFree_;
 };
