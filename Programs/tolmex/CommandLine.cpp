@@ -132,9 +132,10 @@ void addRunOutputs(CLI::App& call, RunOptions& options) {
       ->allow_extra_args(false);
 }
 
-/// The options of the picture module; its sentences become usage errors.
-void addPictureOptions(CLI::App& call, PictureOptions& options) {
+/// The options of the picture module, or only some; its sentences become usage errors.
+void addPictureOptions(CLI::App& call, PictureOptions& options, std::initializer_list<std::string_view> only = {}) {
   for (const host::picture::OptionRow& row : host::picture::optionRows()) {
+    if (only.size() > 0 && std::ranges::find(only, row.name) == only.end()) continue;
     const std::string name(row.name);
     const auto read = [&options, &row, name](const std::string& value) {
       if (const host::Result<> set = row.read(options, value); !set) throw CLI::ValidationError(name, set.message());
@@ -432,9 +433,7 @@ void addSun(CLI::App& app, SunOptions& options, int& status) {
   call->add_option("--out-dir", options.folder, "the folder of the pictures and the sheet of all")
       ->type_name("DIR")
       ->required();
-  addPictureOption(*call, "--width", options.picture, host::picture::setWidth, "PX", "width in pixels [1600]");
-  addPictureOption(*call, "--window", options.picture, host::picture::setWindow, "x1,y1,x2,y2",
-                   "the part to draw, drawing units");
+  addPictureOptions(*call, options.picture, {"--width", "--window"});
   addVariables(*call, options);
   addSupport(*call, options);
   call->add_flag("--quiet", options.quiet, kQuietText);
