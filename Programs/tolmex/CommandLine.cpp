@@ -132,25 +132,34 @@ void addRunOutputs(CLI::App& call, RunOptions& options) {
       ->allow_extra_args(false);
 }
 
-/// The options of the picture module; its sentences become usage errors.
+/// An option of the picture module; its sentences become usage errors.
+void addPictureOption(CLI::App& call, PictureOptions& options, const host::picture::OptionRow& row) {
+  const std::string name(row.name);
+  const auto read = [&options, &row, name](const std::string& value) {
+    if (const host::Result<> set = row.read(options, value); !set) throw CLI::ValidationError(name, set.message());
+  };
+  if (row.form.empty()) {
+    call.add_flag_callback(
+        name, [read] { read({}); }, std::string(row.description));
+  } else if (row.mayRepeat) {
+    call.add_option_function<std::vector<std::string>>(
+            name, [read](const std::vector<std::string>& values) { std::ranges::for_each(values, read); },
+            std::string(row.description))
+        ->type_name(std::string(row.form))
+        ->allow_extra_args(false);
+  } else {
+    call.add_option_function<std::string>(name, read, std::string(row.description))->type_name(std::string(row.form));
+  }
+}
+
 void addPictureOptions(CLI::App& call, PictureOptions& options) {
+  for (const host::picture::OptionRow& row : host::picture::optionRows()) addPictureOption(call, options, row);
+}
+
+/// Only some of them.
+void addPictureOptions(CLI::App& call, PictureOptions& options, const std::vector<std::string_view>& names) {
   for (const host::picture::OptionRow& row : host::picture::optionRows()) {
-    const std::string name(row.name);
-    const auto read = [&options, &row, name](const std::string& value) {
-      if (const host::Result<> set = row.read(options, value); !set) throw CLI::ValidationError(name, set.message());
-    };
-    if (row.form.empty()) {
-      call.add_flag_callback(
-          name, [read] { read({}); }, std::string(row.description));
-    } else if (row.mayRepeat) {
-      call.add_option_function<std::vector<std::string>>(
-              name, [read](const std::vector<std::string>& values) { std::ranges::for_each(values, read); },
-              std::string(row.description))
-          ->type_name(std::string(row.form))
-          ->allow_extra_args(false);
-    } else {
-      call.add_option_function<std::string>(name, read, std::string(row.description))->type_name(std::string(row.form));
-    }
+    if (std::find(names.begin(), names.end(), row.name) != names.end()) addPictureOption(call, options, row);
   }
 }
 
@@ -342,12 +351,14 @@ void addImport(CLI::App& app, ImportOptions& options, int& status) {
   call->add_option("--picture", options.pictures, "a picture of the plan; may be given more than once")
       ->type_name("FILE")
       ->allow_extra_args(false);
+  addPictureOptions(*call, options.picture, {"--sheet", "--field", "--legend", "--scale"});
   addVariables(*call, options);
   addSupport(*call, options);
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kImportExamples));
   call->callback([&] {
     if (options.drawings.size() < 2) throw CLI::RequiredError("SOURCE and PLAN.dxf");
+    checkPictureOptions(options.picture);
     options.plan = options.drawings.back();
     options.drawings.pop_back();
     status = importPlan(options);
@@ -432,9 +443,7 @@ void addSun(CLI::App& app, SunOptions& options, int& status) {
   call->add_option("--out-dir", options.folder, "the folder of the pictures and the sheet of all")
       ->type_name("DIR")
       ->required();
-  addPictureOption(*call, "--width", options.picture, host::picture::setWidth, "PX", "width in pixels [1600]");
-  addPictureOption(*call, "--window", options.picture, host::picture::setWindow, "x1,y1,x2,y2",
-                   "the part to draw, drawing units");
+  addPictureOptions(*call, options.picture, {"--width", "--window"});
   addVariables(*call, options);
   addSupport(*call, options);
   call->add_flag("--quiet", options.quiet, kQuietText);

@@ -254,8 +254,8 @@ class Study {
       window.minX -= margin, window.maxX += margin, window.minY -= margin, window.maxY += margin;
       picture.window = window;
     }
-    const Result<> written =
-        writePicture(*session.application().drawing(), picture, {file, host::picture::PictureFormat::Png});
+    const Result<> written = writePicture(*session.application().drawing(), picture,
+                                          {file, host::picture::PictureFormat::Png}, options_.supportFolders);
     return written ? RunStatus::Done : static_cast<RunStatus>(complain(written.problem()));
   }
 
