@@ -37,6 +37,7 @@ Result<Imported> importPlan(const ImportCall& call, AcDbDatabase& drawing) {
   const curves::Box box = drawFeatures(*features, values.shadowDegrees, drawing);
   imported.extents = {box.minX, box.minY, box.maxX, box.maxY};
   imported.script = scriptOf(*features, *table, values);
+  imported.system = features->system;
   imported.report = std::move(features->report);
   std::string made = "made:";
   for (const Batch& batch : features->batches) {

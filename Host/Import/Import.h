@@ -30,6 +30,7 @@ struct Imported {
   std::string script;
   std::vector<std::string> report;
   std::vector<std::string> warnings;
+  std::string system;               // "EPSG:3879 ETRS89 / GK25FIN"
   std::string credit;               // lines divided by "\n"
   std::array<double, 4> extents{};  // of all that was made
 };

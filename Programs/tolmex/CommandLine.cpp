@@ -343,12 +343,14 @@ void addImport(CLI::App& app, ImportOptions& options, int& status) {
   call->add_option("--picture", options.pictures, "a picture of the plan; may be given more than once")
       ->type_name("FILE")
       ->allow_extra_args(false);
+  addPictureOptions(*call, options.picture, {"--sheet", "--field", "--legend", "--scale"});
   addVariables(*call, options);
   addSupport(*call, options);
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kImportExamples));
   call->callback([&] {
     if (options.drawings.size() < 2) throw CLI::RequiredError("SOURCE and PLAN.dxf");
+    checkPictureOptions(options.picture);
     options.plan = options.drawings.back();
     options.drawings.pop_back();
     status = importPlan(options);

@@ -59,6 +59,7 @@ struct ImportOptions : CommonOptions {  // `drawings` are the sources
   bool illustrate = false;
   std::optional<std::filesystem::path> scriptOut;
   std::vector<std::filesystem::path> pictures;
+  host::picture::PictureOptions picture;  // of those; a sheet gets the credits and the coordinate system
 };
 
 struct SunOptions : CommonOptions {  // `drawings` is the plan

@@ -86,6 +86,7 @@ int importPlan(const ImportOptions& options) {
   static_cast<CommonOptions&>(outputs) = options;
   outputs.out = options.plan;
   outputs.pictures = options.pictures;
+  outputs.picture = options.picture;
   if (const Result<> fit = checkRunOptions(outputs); !fit) return complain(fit.problem());
   const Result<PlanOutputs> written = outputsOf(outputs, options.plan);
   if (!written) return complain(written.problem());
@@ -122,6 +123,12 @@ int importPlan(const ImportOptions& options) {
   }
   for (const std::string& warning : imported->warnings) complain(RunStatus::Done, warning);
   drawing->hostDatabase().releaseObjects();
+  // The program's own sheets have these fields; what the caller gives comes behind and counts.
+  const bool isOwnSheet = !outputs.picture.sheetFile.empty() && fs::path(outputs.picture.sheetFile).extension().empty();
+  if (isOwnSheet) {
+    auto& fields = outputs.picture.fields;
+    fields.insert(fields.begin(), {{"LAHTEET", imported->credit}, {"KOORDINAATISTO", imported->system}});
+  }
   if (!imported->credit.empty()) {
     if (const Result<> told = runScript(session.application(), creditScript(*imported), "credit"); !told)
       return complain(told.problem());

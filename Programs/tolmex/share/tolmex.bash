@@ -30,7 +30,7 @@ _tolmex() {
       shell) words='--out --picture --set --support --quiet --help' ;;
       picture) words="--out-dir --format --jobs --set --support --quiet --help $pictures" ;;
       info) words='--json --repair --jobs --quiet --help' ;;
-      import) words='--rules --crs --window --direction --date --symbols --illustrate --script-out --picture --set --support --quiet --help' ;;
+      import) words='--rules --crs --window --direction --date --symbols --illustrate --script-out --picture --sheet --field --legend --scale --set --support --quiet --help' ;;
       sun) words='--date --times --time-zone --crs --place --out-dir --width --window --set --support --quiet --help' ;;
       desktop) words='--script --language --geometry --set --support --help' ;;
       *) words='--help' ;;

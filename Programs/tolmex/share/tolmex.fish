@@ -67,3 +67,7 @@ complete -c tolmex -n '__fish_seen_subcommand_from sun' -l place -x -d 'Latitude
 complete -c tolmex -n '__fish_seen_subcommand_from sun' -l out-dir -r -d 'Folder of the study'
 complete -c tolmex -n '__fish_seen_subcommand_from sun' -l width -x -d 'Width in pixels'
 complete -c tolmex -n '__fish_seen_subcommand_from sun' -l window -x -d 'Part to draw, x1,y1,x2,y2'
+complete -c tolmex -n '__fish_seen_subcommand_from import' -l sheet -r -d 'A sheet for the picture'
+complete -c tolmex -n '__fish_seen_subcommand_from import' -l field -x -d 'Field of the title block'
+complete -c tolmex -n '__fish_seen_subcommand_from import' -l legend -r -d 'Own texts of the legend'
+complete -c tolmex -n '__fish_seen_subcommand_from import' -l scale -x -d 'Scale on the sheet, 1:N'
