@@ -134,7 +134,8 @@ class Window:
 
     def in_dialog(self, title: str, x: float, y: float) -> None:
         """A click on a place of a dialog of the plug-in, in its units."""
-        window = self.do("search", "--onlyvisible", "--name", title).split()[-1]
+        window = self.do("getactivewindow")
+        expect(self.do("getwindowname", window) == title, f'"{title}" is in front')
         place = dict(each.split("=") for each in self.do("getwindowgeometry", "--shell", window).split())
         self.press(int(place["X"]) + round(x * DIALOG_UNIT[0]), int(place["Y"]) + round(y * DIALOG_UNIT[1]))
 
@@ -277,17 +278,19 @@ class Scenarios:
             w.key("ctrl+a")
             w.type(value)
             w.key("Tab")
-        w.in_dialog(title, 40, 165)
+        w.key("Tab", "Tab", "space")
         w.wait_gone(title)
+        bar = 17  # the bar on top moves the middle of the canvas
+        w.top += bar
         w.click(-10, 30)
         w.shot("2-waits-for-the-ridge")
         w.click(9, 17.5)
+        w.top -= bar
         w.right()
         w.right()
         w.wait_for(title)
-        w.key("Tab", "Tab")
         w.shot("2-ridge-given")
-        w.in_dialog(title, 44, 193)
+        w.key("Return")
         w.wait_gone(title)
         w.key("F5", pause=0.6)
         w.at(13, 22)

@@ -355,6 +355,27 @@ TEST_F(Session, LockedLayersFilesAndStoppedScriptsHaveTheirLinks) {
   });
 }
 
+TEST_F(Session, ExamplesHaveTheColoursThatLieBesideThem) {
+  const std::filesystem::path example = std::filesystem::path(kSourceDir) / "docs/guide/tontti.dxf";
+  const auto script = folder.path / "steps.scr", out = folder.path / "out.dxf";
+  supportFolder = folder.path;
+  std::string made;
+  work({}, [&] {
+    ui([&] { window->files().openCopy(QString::fromStdString(example.string())); });
+    until([this] { return engine->drawing() != nullptr && engine->isWaiting(); }, "the example");
+    EXPECT_FALSE(isModified());
+    menu("TLM_MUOK_METSA");
+    type("(handent \"108\")");
+    rightClick();
+    made = drawingText();
+  });
+  std::ofstream(script) << "TLM_MUOK_METSA\n(handent \"108\")\n\n";
+  const std::string call = std::string(kBinDir) + "/tolmex run '" + example.string() + "' --script '" +
+                           script.string() + "' --quiet --out '" + out.string() + "'";
+  ASSERT_EQ(std::system(call.c_str()), 0);
+  EXPECT_TRUE(contentOf(out) == made);
+}
+
 TEST_F(Session, FirstUseSaysWhatToDoUntilItIsUnderstood) {
   const auto plan = copy("docs/guide/tontti.dxf");
   QSettings().remove("hints/isBegun");

@@ -39,7 +39,7 @@ Autosave::Autosave(Engine& engine, QObject* parent) : QObject(parent), engine_(e
   timer_.setInterval(std::max(1, QSettings().value("autosave/seconds", kEverySeconds).toInt()) * 1000);
   connect(&timer_, &QTimer::timeout, this, &Autosave::saveNow);
   timer_.start();
-  // A command that has kept its user waiting once will do so again; its drawing still stands still now.
+  // A command that has worked long once will do so again; its drawing still stands still now.
   connect(&engine_, &Engine::worked, this, [this](const QString& command, qint64 milliseconds) {
     if (milliseconds >= kLongMs && !long_.contains(command)) long_ += command;
   });

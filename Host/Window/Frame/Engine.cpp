@@ -21,6 +21,9 @@ editor::ApplicationOptions applicationOptions(const DesktopOptions& options, edi
   return wanted;
 }
 
+/// Of the processor: dialogs of the command may wait for their user as long as they like.
+qint64 workedMs(std::clock_t since) { return static_cast<qint64>(std::clock() - since) * 1000 / CLOCKS_PER_SEC; }
+
 }  // namespace
 
 Engine::Engine(const DesktopOptions& options)
@@ -62,14 +65,14 @@ void Engine::answering(const QString& line, bool isCommand, bool isCancel) {
   if (isWorking_) return;
   isWorking_ = true;
   isInterrupted_ = false;
-  sinceWork_.start();
+  workBegan_ = std::clock();
   emit workBegan();
 }
 
 void Engine::questionAsked() {
   if (isWorking_) {
     isWorking_ = false;
-    if (!result_.command.isEmpty()) emit worked(result_.command, sinceWork_.elapsed());
+    if (!result_.command.isEmpty()) emit worked(result_.command, workedMs(workBegan_));
     emit progressShown({}, -1);
   }
   if (input_.isAtRest() && !result_.command.isEmpty()) {

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QWidget>
+#include <ctime>
 #include <memory>
 #include <vector>
 
@@ -83,7 +84,7 @@ class Engine : public QObject, public editor::Observer {
   void commandEnded(const host::window::CommandResult& result);
   void asked();
   void workBegan();
-  /// It has worked so long between two questions.
+  /// It has kept the processor so long between two questions.
   void worked(const QString& command, qint64 milliseconds);
   void interrupted();
   void closeWanted();  // while a command worked
@@ -105,7 +106,8 @@ class Engine : public QObject, public editor::Observer {
   std::size_t entitiesBefore_ = 0;                  // in it
   std::vector<Problem> problems_;
   QPointer<QWidget> canvas_, stop_;
-  QElapsedTimer sincePump_, sinceWork_;
+  QElapsedTimer sincePump_;
+  std::clock_t workBegan_ = 0;
   std::vector<std::unique_ptr<QEvent>> typedAhead_;  // while a command worked
   bool isWorking_ = false, isPumping_ = false, isInterrupted_ = false;
 };

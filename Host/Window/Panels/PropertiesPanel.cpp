@@ -1,6 +1,7 @@
 #include "Window/Panels/PropertiesPanel.h"
 
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -194,7 +195,11 @@ void PropertiesPanel::showDrawing() {
   const QFileInfo info(QFile::decodeName(file.c_str()));
   begin(tr("Drawing"));
   row(tr("File"), file.empty() ? tr("not saved yet") : info.fileName());
-  if (!file.empty()) row(tr("Folder"), info.path());
+  if (!file.empty()) {
+    const QString home = QDir::homePath(), folder = info.path();
+    const bool isAtHome = folder == home || folder.startsWith(home + '/');
+    row(tr("Folder"), isAtHome ? "~" + folder.mid(home.size()) : folder);
+  }
   row(tr("Version"), versionName(drawing.version()));
   const database::BlockContents* const space = context_.engine.application().currentSpace();
   if (space != nullptr) {
