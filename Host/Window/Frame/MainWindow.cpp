@@ -48,7 +48,7 @@ MainWindow::MainWindow(Engine& engine, const DesktopOptions& options) : engine_(
   setAcceptDrops(true);
   setMinimumSize(kLeastWidth, kLeastHeight);
   QStringList modules;
-  for (const std::filesystem::path& module : options_.modules) modules += QFile::decodeName(module.c_str());
+  for (const std::filesystem::path& module : options_.modules) modules += QString::fromStdString(module.string());
   tables_.load(windowFolder(), modules);
   QStringList names;
   for (const std::wstring& name : engine_.application().commandNames()) names += toQt(name).toUpper();
