@@ -95,7 +95,7 @@ fi
 
 out=$here/build/windows
 [[ $window == ON ]] || out=$here/build/windows-plain
-options=(-DTOLMEX_QT=$window -DTOLMEX_BUILD_BENCHMARKS=OFF "-DCMAKE_PREFIX_PATH=$libraries"
+options=(-DTOLMEX_QT=$window -DTOLMEX_BUILD_TESTS=ON -DTOLMEX_BUILD_BENCHMARKS=OFF "-DCMAKE_PREFIX_PATH=$libraries"
   "-DCMAKE_FIND_ROOT_PATH=/usr/x86_64-w64-mingw32;$libraries;$qt")
 [[ $window == OFF ]] || options+=(-DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake)
 cmake -S . -B "$out" "${cross[@]}" "${options[@]}" > "$out.log" || { cat "$out.log" >&2; exit 1; }

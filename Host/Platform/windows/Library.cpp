@@ -8,6 +8,7 @@ namespace {
 
 HMODULE moduleOf(const void* address) {
   HMODULE module = nullptr;
+  if (address == nullptr) return nullptr;  // would be the program
   constexpr DWORD kFlags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
   if (::GetModuleHandleExW(kFlags, static_cast<LPCWSTR>(address), &module) == 0) return nullptr;
   return module;

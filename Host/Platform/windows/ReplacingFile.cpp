@@ -33,6 +33,9 @@ bool replace(const std::wstring& target, const std::wstring& replacement) {
 }  // namespace
 
 std::string whyUnwritable(const std::filesystem::path& file) {
+  const DWORD attributes = ::GetFileAttributesW(systemPath(file).c_str());
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
+    return reasonOf(ERROR_ACCESS_DENIED);
   const HANDLE open =
       ::CreateFileW(systemPath(file).c_str(), GENERIC_WRITE | DELETE, kShared, nullptr, OPEN_EXISTING, 0, nullptr);
   if (open != INVALID_HANDLE_VALUE) {

@@ -10,13 +10,16 @@ std::wstring systemPath(const std::filesystem::path& path) {
   std::wstring text = native.wstring();
   constexpr std::size_t kSafe = 240;  // folders have to leave room for a file's name
   if (text.size() < kSafe && path.is_absolute()) return text;
+  if (text.starts_with(L"\\\\?\\")) return text;
+  // The standard library does not take the name of a server for a root.
+  if (text.starts_with(L"\\\\")) return text.size() < kSafe ? text : L"\\\\?\\UNC" + text.substr(1);
   std::error_code error;
   std::filesystem::path full = std::filesystem::absolute(native, error);
-  if (error || full.wstring().size() < kSafe || text.starts_with(L"\\\\?\\")) return text;
+  if (error || full.wstring().size() < kSafe) return text;
   full = full.lexically_normal();  // the long form takes no "." and ".."
   full.make_preferred();
   text = full.wstring();
-  return text.starts_with(L"\\\\") ? L"\\\\?\\UNC" + text.substr(1) : L"\\\\?\\" + text;
+  return L"\\\\?\\" + text;
 }
 
 std::string reasonOf(unsigned long error) {
