@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -19,9 +20,10 @@ inline std::string fileText(const std::filesystem::path& file) {
 class OwnFolder {
  public:
   OwnFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "tolmex-test-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder can be made: " + name);
-    path = name;
+    std::random_device random;
+    do {
+      path = std::filesystem::temp_directory_path() / ("tolmex-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path));
   }
   ~OwnFolder() {
     std::error_code ignored;

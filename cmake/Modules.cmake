@@ -1,6 +1,12 @@
 # Modules whose includes are held to the arrows of the architecture: a module's folder is reachable only through a link
 # in a folder of its own, so `#include "Database/Slot.h"` compiles only where host_database is linked.
 
+# The folder of sources for this system, where a module has several.
+set(TOLMEX_SYSTEM posix)
+if(WIN32)
+  set(TOLMEX_SYSTEM windows)
+endif()
+
 # tolmex_module_folder(<target> <folder> <name>): lets <target>'s users include "<name>/..." from <folder>, or the one
 # header "<name>".
 function(tolmex_module_folder target folder name)
@@ -45,15 +51,19 @@ function(tolmex_module_headers target folder name)
   target_include_directories(${target} PUBLIC ${root})
 endfunction()
 
-# tolmex_host_module(<name> [ROOMS] [DEPENDS modules...] [LINK libraries...]): the folder Host/<name> as target
+# tolmex_host_module(<name> [ROOMS|SYSTEM] [DEPENDS modules...] [LINK libraries...]): the folder Host/<name> as target
 # host_<name>. Of a module with ROOMS others can include the headers that stand in the folder itself; those in its
-# sub-folders only with host_<name>_rooms.
+# sub-folders only with host_<name>_rooms. Of a module with SYSTEM one sub-folder is built: "windows" or "posix".
 function(tolmex_host_module name)
-  cmake_parse_arguments(arg "ROOMS" "" "DEPENDS;LINK" ${ARGN})
+  cmake_parse_arguments(arg "ROOMS;SYSTEM" "" "DEPENDS;LINK" ${ARGN})
   string(TOLOWER ${name} lower)
   set(target host_${lower})
   set(folder ${CMAKE_CURRENT_SOURCE_DIR}/${name})
   file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+  if(arg_SYSTEM)
+    file(GLOB system_sources CONFIGURE_DEPENDS ${folder}/${TOLMEX_SYSTEM}/*.cpp)
+    list(APPEND sources ${system_sources})
+  endif()
   if(arg_ROOMS)
     file(GLOB room_sources CONFIGURE_DEPENDS ${folder}/*/*.cpp)
     add_library(${target} OBJECT ${sources} ${room_sources})
@@ -76,6 +86,19 @@ function(tolmex_host_module name)
   endforeach()
   target_link_libraries(${target} PRIVATE tolmex_options ${arg_LINK})
   target_compile_definitions(${target} PRIVATE NOMINMAX)  # Windows' headers define min and max
+endfunction()
+
+# tolmex_replace_sources(<target> <folder> ALL|sources...): takes the sources of a folder in the place of those named.
+function(tolmex_replace_sources target folder)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(GET source FILENAME name)
+    if("ALL" IN_LIST ARGN OR name IN_LIST ARGN)
+      list(REMOVE_ITEM sources ${source})
+    endif()
+  endforeach()
+  file(GLOB others CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp)
+  set_target_properties(${target} PROPERTIES SOURCES "${sources};${others}")
 endfunction()
 
 # tolmex_uses_host(<target> modules...): lets a program or test include the named modules of the host and links the

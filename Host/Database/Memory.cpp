@@ -4,9 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#ifdef __linux__
-#include <sys/mman.h>
-#endif
+#include "Platform/Memory.h"
 
 namespace host::database {
 
@@ -35,9 +33,7 @@ void* MemorySource::do_allocate(std::size_t bytes, std::size_t alignment) {
     slabs_.push_back({static_cast<char*>(slab), std::align_val_t{size}});
     next_ = static_cast<char*>(slab);
     left_ = slabBytes_ = size;
-#ifdef __linux__
-    if (size == kLargestSlab) ::madvise(next_, size, MADV_HUGEPAGE);
-#endif
+    if (size == kLargestSlab) platform::preferHugePages(next_, size);
   }
   const std::size_t skipped = gap();
   char* const begin = next_ + skipped;

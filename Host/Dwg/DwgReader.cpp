@@ -1,12 +1,13 @@
 #include "Dwg/DwgReader.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <mutex>
 #include <sstream>
+
+#include "Platform/Library.h"
+#include "Platform/Paths.h"
 
 namespace host::dwg {
 
@@ -17,11 +18,9 @@ constexpr std::string_view kWhatToInstall =
     "DWG drawings need Node.js and a package for it; run tools/install-dwg-reader.sh, or save the drawing as DXF";
 
 std::filesystem::path readerFolder() {
-  if (const char* const given = std::getenv("TOLMEX_DWG_READER"); given != nullptr && *given != '\0') return given;
-  Dl_info info{};
-  const void* const here = reinterpret_cast<const void*>(&readerFolder);
-  if (dladdr(here, &info) == 0 || info.dli_fname == nullptr) return {};
-  return std::filesystem::path(info.dli_fname).parent_path() / "dwg-reader";
+  if (const char* const given = std::getenv("TOLMEX_DWG_READER"); given != nullptr && *given != '\0')
+    return platform::pathOf(given);
+  return platform::fileOf(reinterpret_cast<const void*>(&readerFolder)).parent_path() / "dwg-reader";
 }
 
 /// Drawings of version AC1014 differ from AC1015 in what they lack, and readers get along without that.

@@ -1,14 +1,15 @@
 // The helper process that reads DWG drawings.
 #pragma once
 
-#include <sys/types.h>
-
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "Platform/ChildProcess.h"
 
 namespace host::dwg {
 
@@ -25,29 +26,19 @@ struct ReaderSettings {
 class ReaderProcess {
  public:
   explicit ReaderProcess(ReaderSettings settings) : settings_(std::move(settings)) {}
-  ~ReaderProcess() { stop(); }
-  ReaderProcess(const ReaderProcess&) = delete;
-  ReaderProcess& operator=(const ReaderProcess&) = delete;
 
   enum class Outcome { Ok, Damaged, ReaderMissing, ProgramMissing, TooSlow, Crashed };
   /// `answer` becomes the DXF text, or for Damaged a clause saying why.
   Outcome convert(std::string_view dwg, std::string& answer);
-  pid_t process() const { return process_; }
+  /// The number of the process that runs; -1 without one.
+  int process() const { return process_.number(); }
 
  private:
-  using Clock = std::chrono::steady_clock;
-  enum class Transfer { Done, Closed, TimedOut };
-
   bool start();
-  void stop();
-  Transfer send(std::string_view bytes, Clock::time_point deadline) const;
-  /// Adds what has come to `buffer`.
-  Transfer receive(std::string& buffer, Clock::time_point deadline) const;
-  Transfer exchange(std::string_view dwg, std::string& status, std::string& answer) const;
+  platform::ChildProcess::Transfer exchange(std::string_view dwg, std::string& status, std::string& answer) const;
 
   ReaderSettings settings_;
-  pid_t process_ = -1;
-  int socket_ = -1;
+  platform::ChildProcess process_;
 };
 
 }  // namespace host::dwg

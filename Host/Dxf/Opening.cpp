@@ -1,8 +1,6 @@
 // Opening a drawing of any form: DWG and binary drawings are brought to text; text that is not well-formed, or of a
 // version before 2000, is rebuilt.
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <fstream>
 
 #include "Database/DefaultDrawing.h"
@@ -14,6 +12,7 @@
 #include "Dxf/Outline.h"
 #include "Dxf/Reader.h"
 #include "Dxf/Rebuild.h"
+#include "Platform/Files.h"
 
 namespace host::dxf {
 
@@ -125,7 +124,7 @@ Result<std::string> bytesOf(const std::filesystem::path& file) {
   std::error_code error;
   if (std::filesystem::is_directory(file, error)) return unreadable(name, "this is a folder, not a drawing");
   std::ifstream in(file, std::ios::binary | std::ios::ate);
-  if (!in) return unreadable(name, std::string("cannot be opened: ") + std::strerror(errno));
+  if (!in) return unreadable(name, "cannot be opened: " + platform::openingFault());
   std::string bytes;
   bytes.resize(static_cast<std::size_t>(std::max<std::streamoff>(in.tellg(), 0)));
   in.seekg(0);

@@ -217,6 +217,14 @@ void paintList(QPainter& painter, const DisplayList& list, bool isRaster) {
   }
 }
 
+std::string_view whyNot(PictureFormat) { return {}; }
+
+std::optional<std::uint32_t> colorOf(const std::string& name) {
+  const QString asked = QString::fromStdString(name);
+  if (!QColor::isValidColor(asked)) return std::nullopt;
+  return QColor(asked).rgb() & 0xFFFFFF;
+}
+
 std::string renderPicture(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background,
                           PictureFormat format) {
   switch (format) {

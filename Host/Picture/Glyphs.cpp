@@ -4,15 +4,16 @@
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
 
-#include <QFileInfo>
-#include <QStandardPaths>
-#include <QString>
-#include <QStringList>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <numbers>
 
 #include "Geometry/TextLayout.h"
+#include "Platform/Library.h"
+#include "Platform/System.h"
 
 namespace host::picture {
 
@@ -24,14 +25,16 @@ constexpr double kCapitalHeight = 1493.0 / 2048;  // of the em, in DejaVu Sans
 /// The faces drawings name are narrower; texts keep about the room their makers gave them.
 constexpr double kNarrowing = 0.88;
 
-QString fontFile(const char* name) {
+/// Beside the program, then where this system keeps fonts.
+std::filesystem::path fontFile(const char* name) {
   static const char* const kFolders[] = {"truetype/dejavu", "dejavu", "TTF", "dejavu-sans-fonts", "truetype", ""};
-  QStringList roots = QStandardPaths::standardLocations(QStandardPaths::FontsLocation);
-  roots << QStringLiteral("/usr/share/fonts") << QStringLiteral("/usr/local/share/fonts");
-  for (const QString& root : roots)
+  std::vector<std::filesystem::path> roots = platform::fontFolders();
+  roots.insert(roots.begin(), platform::fileOf(reinterpret_cast<const void*>(&fontFile)).parent_path() / "fonts");
+  std::error_code error;
+  for (const std::filesystem::path& root : roots)
     for (const char* folder : kFolders) {
-      QString path = root + u'/' + QString::fromLatin1(folder) + u'/' + QString::fromLatin1(name);
-      if (QFileInfo::exists(path)) return path;
+      std::filesystem::path path = root / folder / name;
+      if (std::filesystem::exists(path, error)) return path;
     }
   return {};
 }
@@ -80,11 +83,15 @@ struct Decomposer {
 struct GlyphSource::Face {
   FT_Library library = nullptr;
   FT_Face face = nullptr;
+  std::string bytes;
 
   explicit Face(const char* fileName) {
-    const QString path = fontFile(fileName);
-    if (path.isEmpty() || FT_Init_FreeType(&library) != 0) return;
-    if (FT_New_Face(library, path.toLocal8Bit().constData(), 0, &face) != 0) face = nullptr;
+    // Read here: the font library would take the file's name in the system's own encoding.
+    std::ifstream in(fontFile(fileName), std::ios::binary);
+    bytes.assign(std::istreambuf_iterator<char>(in), {});
+    if (bytes.empty() || FT_Init_FreeType(&library) != 0) return;
+    const auto* const data = reinterpret_cast<const FT_Byte*>(bytes.data());
+    if (FT_New_Memory_Face(library, data, static_cast<FT_Long>(bytes.size()), 0, &face) != 0) face = nullptr;
   }
   ~Face() {
     if (face != nullptr) FT_Done_Face(face);

@@ -46,7 +46,7 @@ std::shared_ptr<const RasterImage> ImageFiles::read(const std::string& name) con
   std::error_code error;
   for (const fs::path& place : placesOf(name, options_.drawingFolder)) {
     if (!fs::is_regular_file(place, error)) continue;
-    QFile file(QFile::decodeName(place.c_str()));
+    QFile file(QString::fromStdString(place.string()));
     if (!file.open(QIODevice::ReadOnly)) continue;
     QByteArray bytes = file.readAll();
     QBuffer buffer(&bytes);

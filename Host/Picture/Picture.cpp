@@ -232,6 +232,7 @@ double metresPerUnit(const database::DrawingDatabase& db) {
 }
 
 Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
+  if (const std::string_view why = whyNot(format); !why.empty()) return problemOf(Code::OutputFailed, std::string(why));
   Result<Composition> made = composePicture(db, options, format);
   if (!made) return made;
   made->picture.bytes = renderPicture(made->list, made->page, options.background, format);

@@ -1,9 +1,9 @@
-#include <QColor>
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cmath>
 
+#include "Picture/BackEnd.h"
 #include "Picture/PaperSizes.h"
 #include "Picture/Picture.h"
 #include "Text/Text.h"
@@ -226,12 +226,12 @@ Result<> setBackground(PictureOptions& options, std::string_view text) {
     options.background.reset();
     return {};
   }
-  const QString name = QString::fromUtf8(low.data(), static_cast<qsizetype>(low.size()));
+  const std::optional<std::uint32_t> color = colorOf(low);
   const bool isFigure = low.starts_with("#");
-  if ((isFigure && low.size() != 4 && low.size() != 7) || !QColor::isValidColor(name))
+  if ((isFigure && low.size() != 4 && low.size() != 7) || !color)
     return refusal("Background " + quoted(text) +
                    " is not a colour; use a name such as white, #rrggbb, or transparent.");
-  options.background = QColor(name).rgb() & 0xFFFFFF;
+  options.background = color;
   return {};
 }
 

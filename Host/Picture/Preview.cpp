@@ -6,6 +6,7 @@
 
 #include "Picture/Picture.h"
 #include "Preview/Pixels.h"
+#include "adesk.h"
 
 namespace host::picture {
 namespace {
@@ -62,14 +63,12 @@ bool draw(const database::DrawingDatabase& drawing, const Canvas& canvas, Pixels
 }  // namespace
 }  // namespace host::picture
 
-extern "C" __attribute__((visibility("default"))) bool tolmexDrawPreview(const host::database::DrawingDatabase& drawing,
-                                                                         const host::preview::Canvas& canvas,
-                                                                         host::preview::Pixels& pixels) {
+extern "C" ADESK_EXPORT bool tolmexDrawPreview(const host::database::DrawingDatabase& drawing,
+                                               const host::preview::Canvas& canvas, host::preview::Pixels& pixels) {
   return host::picture::draw(drawing, canvas, pixels);
 }
 
-extern "C" __attribute__((visibility("default"))) bool tolmexDecodePreview(std::string_view file,
-                                                                           const host::preview::Canvas& canvas,
-                                                                           host::preview::Pixels& pixels) {
+extern "C" ADESK_EXPORT bool tolmexDecodePreview(std::string_view file, const host::preview::Canvas& canvas,
+                                                 host::preview::Pixels& pixels) {
   return host::picture::decode(file, canvas, pixels);
 }

@@ -1,11 +1,10 @@
 #include "Preview/FilePreview.h"
 
-#include <dlfcn.h>
-
 #include <fstream>
 #include <iterator>
 #include <list>
 
+#include "Platform/Library.h"
 #include "Preview/Thumbnail.h"
 #include "Text/Text.h"
 #include "dbmain.h"
@@ -13,7 +12,6 @@
 namespace host::preview {
 namespace {
 
-constexpr const char* kLibrary = "libtolmexpicture.so";
 constexpr std::size_t kKept = 32;
 /// Files beyond this are not searched for a picture of their own.
 constexpr std::uintmax_t kLargestSearched = std::uintmax_t{256} << 20;
@@ -25,20 +23,16 @@ struct Painter {
 };
 
 Painter loadPainter() {
-  Dl_info info{};
-  const void* const here = reinterpret_cast<const void*>(&previewOf);
-  std::filesystem::path file = kLibrary;
-  if (dladdr(here, &info) != 0 && info.dli_fname != nullptr)
-    file = std::filesystem::path(info.dli_fname).parent_path() / kLibrary;
+  std::filesystem::path file;
+  std::string reason = "it lacks them";
   Painter painter;
-  if (void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    painter.draw = reinterpret_cast<DrawPreview>(dlsym(library, kDrawPreview));
-    painter.decode = reinterpret_cast<DecodePreview>(dlsym(library, kDecodePreview));
+  if (void* const library =
+          platform::openBeside(reinterpret_cast<const void*>(&previewOf), "tolmexpicture", file, reason)) {
+    painter.draw = reinterpret_cast<DrawPreview>(platform::symbolOf(library, kDrawPreview));
+    painter.decode = reinterpret_cast<DecodePreview>(platform::symbolOf(library, kDecodePreview));
   }
-  if (painter.draw == nullptr || painter.decode == nullptr) {
-    const char* const reason = dlerror();
-    painter.problem = file.string() + ": previews cannot be drawn: " + (reason != nullptr ? reason : "it lacks them");
-  }
+  if (painter.draw == nullptr || painter.decode == nullptr)
+    painter.problem = file.string() + ": previews cannot be drawn: " + reason;
   return painter;
 }
 

@@ -1,103 +1,96 @@
 #include "CodePage.h"
 
-#include <iconv.h>
-
+#include <algorithm>
+#include <cstring>
 #include <map>
 #include <mutex>
 
 #include "Characters.h"
 
+// The tables that tools/make-code-pages.py has made, whose first lines describe them, behind their length.
+extern "C" const unsigned char tolmexCodePages[];
+
 namespace host::text {
 namespace {
 
-/// An iconv descriptor that closes itself.
-class Iconv {
+constexpr std::size_t kNameSize = 16;
+constexpr std::uint16_t kSequence = 0x8000;
+
+/// Reads the tables; they are part of the program, so nothing in them is doubted.
+class TableReader {
  public:
-  Iconv(const char* to, const char* from) : descriptor_(iconv_open(to, from)) {}
-  ~Iconv() {
-    if (isOpen()) iconv_close(descriptor_);
+  TableReader() : at_(tolmexCodePages + sizeof(std::uint64_t)) {
+    std::uint64_t size = 0;
+    std::memcpy(&size, tolmexCodePages, sizeof size);
+    end_ = at_ + size;
   }
-  Iconv(const Iconv&) = delete;
-  Iconv& operator=(const Iconv&) = delete;
-
-  // iconv_open answers an invalid pointer by definition.
-  bool isOpen() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }  // NOLINT
-
-  /// Converts all of `input` on its own; the number of bytes written, 0 when any of it has no meaning.
-  std::size_t convert(char* input, std::size_t inputSize, char* output, std::size_t outputSize) const {
-    const std::size_t room = outputSize;
-    iconv(descriptor_, nullptr, nullptr, nullptr, nullptr);
-    if (iconv(descriptor_, &input, &inputSize, &output, &outputSize) == static_cast<std::size_t>(-1)) return 0;
-    // Vietnamese and Hebrew pages hold a letter back in case an accent follows.
-    if (iconv(descriptor_, nullptr, nullptr, &output, &outputSize) == static_cast<std::size_t>(-1)) return 0;
-    return room - outputSize;
+  bool hasMore() const { return at_ < end_; }
+  std::string name() {
+    const auto* const begin = at_;
+    at_ += kNameSize;
+    return {begin, std::find(begin, at_, '\0')};
+  }
+  std::uint16_t number() {
+    const auto low = at_[0], high = at_[1];
+    at_ += 2;
+    return static_cast<std::uint16_t>(low | high << 8);
+  }
+  /// Calls `take(code, character)` for all of a segment; false for the one that parts codes from customary ones.
+  template <class Take>
+  bool segment(Take take) {
+    const std::uint16_t first = number(), count = number();
+    std::uint16_t character = 0;
+    for (unsigned i = 0; i < (count & ~unsigned{kSequence}); ++i) {
+      character = (count & kSequence) != 0 && i > 0 ? static_cast<std::uint16_t>(character + 1) : number();
+      take(static_cast<std::uint16_t>(first + i), static_cast<char16_t>(character));
+    }
+    return count != 0;
   }
 
  private:
-  iconv_t descriptor_;
+  const unsigned char* at_;
+  const unsigned char* end_;
 };
-
-/// The one BMP character that these bytes stand for, 0 when there is none.
-char16_t decodeOne(const Iconv& decoder, char* bytes, std::size_t size) {
-  unsigned char out[16];
-  const std::size_t written = decoder.convert(bytes, size, reinterpret_cast<char*>(out), sizeof out);
-  return written == 2 ? static_cast<char16_t>(out[0] << 8 | out[1]) : u'\0';
-}
 
 }  // namespace
 
-std::shared_ptr<const CodePage> CodePage::get(const std::string& iconvName) {
+std::shared_ptr<const CodePage> CodePage::get(const std::string& name) {
   static std::mutex mutex;
   static std::map<std::string, std::shared_ptr<const CodePage>> pages;
   const std::lock_guard lock(mutex);
-  std::shared_ptr<const CodePage>& page = pages[iconvName];
-  if (!page) page = std::make_shared<const CodePage>(iconvName);
+  std::shared_ptr<const CodePage>& page = pages[name];
+  if (!page) page = std::make_shared<const CodePage>(name);
   return page;
 }
 
-CodePage::CodePage(const std::string& iconvName) : codes_(0x10000) {
-  const Iconv decoder("UTF-16BE", iconvName.c_str());
-  const Iconv encoder(iconvName.c_str(), "UTF-16BE");
-  // ASCII is ASCII in every page: drawings' own syntax needs the backslash that some tables show as a currency sign.
-  for (unsigned byte = 1; byte < 0x80; ++byte) singles_[byte] = static_cast<char16_t>(byte);
-  if (!decoder.isOpen() || !encoder.isOpen()) {
-    for (unsigned byte = 0x80; byte < 0x100; ++byte) singles_[byte] = static_cast<char16_t>(byte);
-  }
-
-  for (unsigned lead = 0x80; lead < 0x100 && decoder.isOpen(); ++lead) {
-    char bytes[2] = {static_cast<char>(lead), 0};
-    singles_[lead] = decodeOne(decoder, bytes, 1);
-    if (singles_[lead] != 0) continue;
-    for (unsigned trail = 0x30; trail < 0x100; ++trail) {
-      bytes[1] = static_cast<char>(trail);
-      const char16_t character = decodeOne(decoder, bytes, 2);
-      if (character == 0) continue;
-      if (pairs_.empty()) pairs_.resize(0x8000);
-      pairs_[(lead - 0x80) * 0x100 + trail] = character;
+CodePage::CodePage(const std::string& name) : codes_(0x10000) {
+  bool isKnown = false;
+  for (TableReader table; table.hasMore() && !isKnown;) {
+    isKnown = table.name() == name;
+    bool isCustomary = false;
+    for (unsigned left = table.number(); left > 0; --left) {
+      const bool isSegment = table.segment([&](std::uint16_t code, char16_t character) {
+        if (!isKnown) return;
+        if (isCustomary) {
+          codes_[character] = code;
+        } else {
+          add(code, character);
+        }
+      });
+      isCustomary = isCustomary || !isSegment;
     }
   }
-  // Bytes 80..9F without a meaning are kept as control characters, as Windows does, so that they survive.
-  for (unsigned byte = 0x80; byte < 0xA0 && pairs_.empty(); ++byte)
-    if (singles_[byte] == 0) singles_[byte] = static_cast<char16_t>(byte);
-
-  for (unsigned byte = 1; byte < 0x100; ++byte)
-    if (singles_[byte] != 0) addReverse(singles_[byte], static_cast<std::uint16_t>(byte));
-  for (std::size_t i = 0; i < pairs_.size(); ++i) {
-    const char16_t character = pairs_[i];
-    if (character == 0) continue;
-    if (codes_[character] == 0) {
-      addReverse(character, static_cast<std::uint16_t>(0x8000 + i));
-      continue;
-    }
-    // Some characters stand twice in a page; the encoder knows which place is the customary one.
-    char wide[2] = {static_cast<char>(character >> 8), static_cast<char>(character & 0xFF)};
-    unsigned char out[16];
-    if (encoder.convert(wide, 2, reinterpret_cast<char*>(out), sizeof out) == 2 && out[0] >= 0x80)
-      codes_[character] = static_cast<std::uint16_t>(out[0] << 8 | out[1]);
-  }
+  for (unsigned byte = 1; byte < 0x100 && !isKnown; ++byte)
+    add(static_cast<std::uint16_t>(byte), static_cast<char16_t>(byte));
 }
 
-void CodePage::addReverse(char16_t character, std::uint16_t code) {
+void CodePage::add(std::uint16_t code, char16_t character) {
+  if (code < 0x100) {
+    singles_[code] = character;
+  } else {
+    if (pairs_.empty()) pairs_.resize(0x8000);
+    pairs_[code - 0x8000U] = character;
+  }
   if (codes_[character] == 0) codes_[character] = code;
 }
 

@@ -13,10 +13,10 @@ namespace host::text {
 /// One code page; immutable once made, so any number of threads may share it. All its characters are in the BMP.
 class CodePage {
  public:
-  /// The code page of this Windows or DOS number or iconv name ("CP1252", "MACINTOSH"), made on first use and kept.
-  /// A name that iconv does not know gives Latin-1.
-  static std::shared_ptr<const CodePage> get(const std::string& iconvName);
-  explicit CodePage(const std::string& iconvName);
+  /// The code page of this name ("CP1252", "MACINTOSH", "ISO-8859-2"), made on first use and kept; every system has
+  /// the same. A name that has no table gives Latin-1.
+  static std::shared_ptr<const CodePage> get(const std::string& name);
+  explicit CodePage(const std::string& name);
 
   /// Decodes one character at `position` and moves past it. U+FFFD for a byte or pair without meaning; an ASCII byte
   /// after a broken lead byte is left for the next call.
@@ -26,7 +26,7 @@ class CodePage {
 
  private:
   bool isLead(unsigned char byte) const { return singles_[byte] == 0 && byte != 0; }
-  void addReverse(char16_t character, std::uint16_t code);
+  void add(std::uint16_t code, char16_t character);
 
   std::array<char16_t, 256> singles_{};  // 0: not a character of its own
   std::vector<char16_t> pairs_;          // by 256 * (lead - 0x80) + trail; empty in one-byte pages

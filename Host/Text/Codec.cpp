@@ -23,7 +23,7 @@ namespace {
 
 struct PageName {
   std::string_view drawing;
-  const char* iconv;
+  const char* page;
 };
 constexpr const char* kDefaultPage = "CP1252";
 constexpr std::array kNamedPages = {
@@ -38,12 +38,12 @@ constexpr std::array kNumberedPages = {437, 850, 852, 855, 857,  860,  861,  862
 // Page of \M+n, by n - 1.
 constexpr std::array kDoubleBytePages = {"CP932", "CP950", "CP949", "CP1361", "CP936"};
 
-std::string iconvNameOf(std::string_view name) {
+std::string pageNameOf(std::string_view name) {
   std::string upper(name);
   for (char& c : upper)
     if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
   for (const PageName& page : kNamedPages)
-    if (page.drawing == upper) return page.iconv;
+    if (page.drawing == upper) return page.page;
   for (const std::string_view prefix : {"ANSI_", "DOS"}) {
     if (upper.compare(0, prefix.size(), prefix) != 0) continue;
     const std::string digits = upper.substr(prefix.size());
@@ -139,7 +139,7 @@ Codec Codec::forCodePage(std::string_view name) {
   const std::size_t first = name.find_first_not_of(" \t");
   if (first != std::string_view::npos) name = name.substr(first, name.find_last_not_of(" \t\r") - first + 1);
   Codec codec;
-  codec.converter_ = std::make_shared<Converter>(CodePage::get(iconvNameOf(name)));
+  codec.converter_ = std::make_shared<Converter>(CodePage::get(pageNameOf(name)));
   return codec;
 }
 

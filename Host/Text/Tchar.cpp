@@ -1,5 +1,4 @@
 #include <tchar.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -7,6 +6,8 @@
 #include <string>
 
 #include "Characters.h"
+#include "Platform/Files.h"
+#include "Platform/Paths.h"
 #include "Text.h"
 #include "WideFormat.h"
 
@@ -69,14 +70,10 @@ std::FILE* _wfsopen(const ACHAR* name, const ACHAR* mode, int) {
   for (; *mode != 0 && *mode != L','; ++mode)
     if (std::wstring_view(L"rwa+b").find(*mode) != std::wstring_view::npos) narrowMode += static_cast<char>(*mode);
   if (narrowMode.empty()) return nullptr;
-  narrowMode += 'e';  // not for the programs that this one starts
-  return std::fopen(host::text::toUtf8(name).c_str(), narrowMode.c_str());
+  return host::platform::openShared(host::platform::pathOf(host::text::toUtf8(name)), narrowMode);
 }
 
 int _waccess(const ACHAR* name, int mode) {
   if (name == nullptr) return -1;
-  int wanted = F_OK;
-  if ((mode & 2) != 0) wanted |= W_OK;
-  if ((mode & 4) != 0) wanted |= R_OK;
-  return access(host::text::toUtf8(name).c_str(), wanted);
+  return host::platform::access(host::platform::pathOf(host::text::toUtf8(name)), mode);
 }

@@ -1,10 +1,10 @@
 #include "WideFormat.h"
 
-#include <clocale>
 #include <cstdint>
 #include <cstdio>
 #include <cwchar>
 
+#include "Platform/PlainNumbers.h"
 #include "Text.h"
 
 namespace host::text {
@@ -24,22 +24,6 @@ struct Field {
   int width = 0;
   int precision = -1;  // none given
   Size size = Size::Default;
-};
-
-/// Makes the calling thread use "." as decimal mark for its lifetime.
-class PlainNumbers {
- public:
-  PlainNumbers() : previous_(uselocale(plainLocale())) {}
-  ~PlainNumbers() { uselocale(previous_); }
-  PlainNumbers(const PlainNumbers&) = delete;
-  PlainNumbers& operator=(const PlainNumbers&) = delete;
-
- private:
-  static locale_t plainLocale() {
-    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
-    return plain;
-  }
-  locale_t previous_;
 };
 
 class Formatter {
@@ -231,7 +215,7 @@ class Formatter {
     if (field.zeros) narrow += '0';
     narrow += "*.*";
     for (const wchar_t* c = conversion; *c != 0; ++c) narrow += static_cast<char>(*c);
-    const PlainNumbers plain;
+    const platform::PlainNumbers plain;
     char shortText[128];
     const int length = std::snprintf(shortText, sizeof shortText, narrow.c_str(), field.width, field.precision, value);
     if (length < 0) return;

@@ -9,6 +9,7 @@
 
 #include "Widgets/QtText.h"
 #include "Widgets/QtWidgets.h"
+#include "adesk.h"
 
 namespace host::widgets {
 
@@ -139,7 +140,7 @@ bool startToolkit(Shown shown) {
 }  // namespace
 }  // namespace host::widgets
 
-extern "C" __attribute__((visibility("default"))) host::win32::WidgetSystem* tolmexMakeWidgetSystem(bool onScreen) {
+extern "C" ADESK_EXPORT host::win32::WidgetSystem* tolmexMakeWidgetSystem(bool onScreen) {
   using namespace host::widgets;
   const Shown shown = onScreen ? Shown::OnScreen : Shown::OffScreen;
   if (!startToolkit(shown)) return nullptr;

@@ -14,6 +14,7 @@
 #include "Editor/DecimalComma.h"
 #include "Editor/DialogInput.h"
 #include "Editor/ScriptInput.h"
+#include "Platform/Paths.h"
 #include "Text/Text.h"
 #include "Win32/WindowObject.h"
 
@@ -290,7 +291,7 @@ void listControls(HostWindow& dialog) {
 /// PICTURE file.png. False when the script has failed and the dialog must be cancelled.
 bool savePicture(HostWindow& dialog, const std::wstring& shown) {
   const std::wstring name = L"dialog " + inQuotes(textOf(dialog)) + L": ";
-  const std::filesystem::path file = text::toUtf8(shown);
+  const std::filesystem::path file = platform::pathOf(text::toUtf8(shown));
   if (file.extension() != ".png") return editor::refuseDialogLine(name + L"a dialog's picture is a .png file");
   const std::string picture = dialog.widget->picture();
   if (picture.empty()) return editor::refuseDialogLine(name + L"no picture can be made of it");

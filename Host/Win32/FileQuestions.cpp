@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "Editor/DialogInput.h"
+#include "Platform/Paths.h"
 #include "Text/Text.h"
 #include "Win32/WindowObject.h"
 #include "commdlg.h"
@@ -30,7 +31,7 @@ std::wstring askLine(const FileQuestion& question) {
     if (answer.kind != editor::Answer::Kind::Text) return {};
     std::wstring path = unquoted(answer.text);
     std::error_code error;
-    if (!path.empty() && !std::filesystem::is_directory(text::toUtf8(path), error)) return path;
+    if (!path.empty() && !std::filesystem::is_directory(platform::pathOf(text::toUtf8(path)), error)) return path;
     std::wstring sentence = name;
     sentence.append(L": \"").append(path).append(L"\" is no name of a file");
     if (!editor::refuseDialogLine(sentence)) return {};

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Editor/DialogInput.h"
+#include "Platform/Files.h"
 #include "Text/FilePath.h"
 #include "Text/Text.h"
 #include "fileapi.h"
@@ -45,7 +46,7 @@ std::wstring quoted(std::wstring_view pattern) {
 std::vector<Entry> matching(const std::filesystem::path& folder, std::wstring_view pattern, std::error_code& error) {
   std::vector<Entry> entries;
   const std::wstring wanted = quoted(pattern);
-  for (const std::filesystem::path& entry : host::text::namesIn(folder, error)) {
+  for (const std::filesystem::path& entry : host::platform::namesIn(folder, error)) {
     std::wstring name = host::text::fromUtf8(entry.string());
     if (name.size() >= MAX_PATH || !host::text::matchesWildcard(name, wanted)) continue;
     std::error_code ignored;

@@ -1,12 +1,11 @@
 #include "Win32/Resources.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cstring>
 #include <set>
 #include <utility>
 
+#include "Platform/Library.h"
 #include "Text/Text.h"
 
 namespace host::win32 {
@@ -82,15 +81,8 @@ std::optional<std::wstring> findString(Bytes file, std::uint32_t id) {
 }
 
 Bytes resourcesOf(HMODULE module) {
-  Dl_info info{};
-  if (module == nullptr || dladdr(module, &info) == 0 || info.dli_fbase != module) return {};
-  void* const library = dlopen(info.dli_fname, RTLD_NOW | RTLD_NOLOAD);
-  if (library == nullptr) return {};
-  const auto* const table = static_cast<const std::uint8_t*>(dlsym(library, kResourceSymbol));
-  Dl_info owner{};
-  const bool isOwn = table != nullptr && dladdr(table, &owner) != 0 && owner.dli_fbase == module;
-  dlclose(library);
-  if (!isOwn) return {};
+  const auto* const table = static_cast<const std::uint8_t*>(platform::symbolInModule(module, kResourceSymbol));
+  if (table == nullptr) return {};
   std::uint64_t size = 0;
   std::memcpy(&size, table, sizeof(size));
   return {table + sizeof(size), static_cast<std::size_t>(size)};
@@ -112,13 +104,11 @@ DWORD GetLastError() { return lastError(); }
 void SetLastError(DWORD error) { lastError() = error; }
 
 BOOL GetModuleHandleExW(DWORD flags, LPCWSTR address, HMODULE* module) {
-  Dl_info info{};
   if (module == nullptr) return FALSE;
-  *module = nullptr;
-  const bool isKnown = (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) != 0 && dladdr(address, &info) != 0;
-  if (isKnown) *module = info.dli_fbase;
-  if (!isKnown) SetLastError(ERROR_MOD_NOT_FOUND);
-  return isKnown ? TRUE : FALSE;
+  const bool isAsked = (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) != 0;
+  *module = const_cast<void*>(isAsked ? host::platform::baseOf(address) : nullptr);
+  if (*module == nullptr) SetLastError(ERROR_MOD_NOT_FOUND);
+  return *module != nullptr ? TRUE : FALSE;
 }
 
 HRSRC FindResourceW(HMODULE module, LPCWSTR name, LPCWSTR type) {

@@ -14,11 +14,12 @@
 #include "Window/Frame/Engine.h"
 #include "Window/Frame/MainWindow.h"
 #include "Window/Frame/Theme.h"
+#include "adesk.h"
 
 namespace host::window {
 namespace {
 
-QString pathOf(const std::filesystem::path& path) { return QFile::decodeName(path.c_str()); }
+QString pathOf(const std::filesystem::path& path) { return QString::fromStdString(path.string()); }
 
 /// The application object; it stays to the end of the process.
 QApplication& application() {
@@ -80,6 +81,6 @@ int runDesktop(const DesktopOptions& options) {
 
 }  // namespace host::window
 
-extern "C" __attribute__((visibility("default"))) int tolmexRunDesktop(const host::window::DesktopOptions& options) {
+extern "C" ADESK_EXPORT int tolmexRunDesktop(const host::window::DesktopOptions& options) {
   return host::window::runDesktop(options);
 }

@@ -1,8 +1,5 @@
 #include "CommandLine.h"
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
@@ -14,6 +11,8 @@
 #include "Console.h"
 #include "Desktop.h"
 #include "Editor/Answers.h"
+#include "Platform/Paths.h"
+#include "Platform/Streams.h"
 #include "Text/Text.h"
 
 namespace tolmex {
@@ -67,10 +66,30 @@ constexpr const char* kInfoExamples =
     "  tolmex info damaged.dxf --repair mended.dxf\n"
     "  tolmex info plans/*.dxf --json --jobs 4 > plans.json";
 
+/// Options that name files: their texts are UTF-8 on every system.
+CLI::Option* addFile(CLI::App& call, const std::string& name, std::filesystem::path& file, const char* description) {
+  return call.add_option_function<std::string>(
+      name, [&file](const std::string& text) { file = host::platform::pathOf(text); }, description);
+}
+CLI::Option* addFile(CLI::App& call, const std::string& name, std::optional<std::filesystem::path>& file,
+                     const char* description) {
+  return call.add_option_function<std::string>(
+      name, [&file](const std::string& text) { file = host::platform::pathOf(text); }, description);
+}
+CLI::Option* addFiles(CLI::App& call, const std::string& name, std::vector<std::filesystem::path>& files,
+                      const char* description) {
+  return call.add_option_function<std::vector<std::string>>(
+      name,
+      [&files](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) files.push_back(host::platform::pathOf(text));
+      },
+      description);
+}
+
 std::string footer(const char* text) { return std::string(text) + "\n\n" + kExitStatus; }
 
 void addDrawings(CLI::App& call, std::vector<std::filesystem::path>& drawings, const char* description) {
-  call.add_option("PLAN", drawings, description)->type_name("FILE")->check([](const std::string& name) {
+  addFiles(call, "PLAN", drawings, description)->type_name("FILE")->check([](const std::string& name) {
     return name.empty() ? std::string("a file name is empty") : std::string();
   });
 }
@@ -107,13 +126,16 @@ void addJobs(CLI::App& call, CommonOptions& options) {
 }
 
 void addSupport(CLI::App& call, CommonOptions& options) {
-  CLI::Validator isFolder = CLI::ExistingDirectory;
-  isFolder.description({});  // help would name the type twice
-  call.add_option("--support", options.supportFolders,
-                  "a folder with tolm.ini, orvpath.cfg, linetype and pattern files; may be given more than once")
+  addFiles(call, "--support", options.supportFolders,
+           "a folder with tolm.ini, orvpath.cfg, linetype and pattern files; may be given more than once")
       ->type_name("DIR")
       ->allow_extra_args(false)
-      ->check(isFolder);
+      ->check([](const std::string& name) {
+        std::error_code error;
+        const auto status = std::filesystem::status(host::platform::pathOf(name), error);
+        if (!std::filesystem::exists(status)) return "Directory does not exist: " + name;
+        return std::filesystem::is_directory(status) ? std::string() : "Directory is actually a file: " + name;
+      });
 }
 
 void addVariables(CLI::App& call, CommonOptions& options) {
@@ -123,11 +145,10 @@ void addVariables(CLI::App& call, CommonOptions& options) {
 }
 
 void addRunOutputs(CLI::App& call, RunOptions& options) {
-  call.add_option("--out", options.out,
-                  "where the drawing is saved, - for standard output; without it nothing is saved")
+  addFile(call, "--out", options.out, "where the drawing is saved, - for standard output; without it nothing is saved")
       ->type_name("FILE");
-  call.add_option("--picture", options.pictures,
-                  "a picture of the result, .png, .svg or .pdf; may be given more than once")
+  addFiles(call, "--picture", options.pictures,
+           "a picture of the result, .png, .svg or .pdf; may be given more than once")
       ->type_name("FILE")
       ->allow_extra_args(false);
 }
@@ -164,13 +185,13 @@ constexpr const char* kQuietText = "do not print what the command line would sho
 void addRun(CLI::App& app, RunOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("run", "run a script on drawings, save them, draw pictures of them");
   addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
-  call->add_option("--script", options.script, "the script: commands and answers, as typed; - for standard input")
+  addFile(*call, "--script", options.script, "the script: commands and answers, as typed; - for standard input")
       ->type_name("FILE");
   call->add_option("--command", options.commands, "a line of script; may be given more than once, after --script")
       ->type_name("LINE")
       ->allow_extra_args(false);
   addRunOutputs(*call, options);
-  call->add_option("--out-dir", options.folder, "the folder where drawings are saved under their own names")
+  addFile(*call, "--out-dir", options.folder, "the folder where drawings are saved under their own names")
       ->type_name("DIR")
       ->excludes("--out");
   addFormats(*call, options);
@@ -218,8 +239,7 @@ void addPicture(CLI::App& app, PictureCallOptions& options, int& status) {
   addDrawings(*call, options.drawings,
               "the drawing, then OUT, the picture: .png, .svg or .pdf (- for standard input and output); with "
               "--out-dir drawings only");
-  call->add_option("--out-dir", options.folder, "the folder where pictures get their drawings' names")
-      ->type_name("DIR");
+  addFile(*call, "--out-dir", options.folder, "the folder where pictures get their drawings' names")->type_name("DIR");
   addFormats(*call, options);
   addJobs(*call, options);
   addPictureOptions(*call, options.picture);
@@ -244,7 +264,7 @@ void addInfo(CLI::App& app, InfoOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("info", "say which elements drawings have and what is wrong with them");
   addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
   call->add_flag("--json", options.json, "one JSON document for all drawings, described in docs/info-json.md");
-  call->add_option("--repair", options.repaired, "write a repaired copy of the drawing there; never over the drawing")
+  addFile(*call, "--repair", options.repaired, "write a repaired copy of the drawing there; never over the drawing")
       ->type_name("OUT.dxf");
   addJobs(*call, options);
   call->add_flag("--quiet", options.quiet, kQuietText);
@@ -264,7 +284,7 @@ constexpr const char* kDesktopExamples =
 void addDesktop(CLI::App& app, DesktopCallOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("desktop", "open the window");
   addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; without one the start page");
-  call->add_option("--script", options.script, "a script that runs in the window's sight first")->type_name("FILE");
+  addFile(*call, "--script", options.script, "a script that runs in the window's sight first")->type_name("FILE");
   call->add_option("--language", options.language, "language of the window [by the locale]")
       ->type_name("fi|en")
       ->check([](const std::string& name) {
@@ -470,28 +490,23 @@ void checkOptions(const CLI::App& call, const std::vector<std::string>& argument
 }
 
 /// The library would say of a misspelt call that it is missing.
-void checkCall(const CLI::App& app, int argc, char** argv) {
-  if (argc < 2 || argv[1][0] == '-') return;
+void checkCall(const CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.size() < 2 || arguments[1].starts_with('-')) return;
   const auto calls = app.get_subcommands(nullptr);
   const auto call =
-      std::find_if(calls.begin(), calls.end(), [&](const CLI::App* each) { return each->get_name() == argv[1]; });
+      std::find_if(calls.begin(), calls.end(), [&](const CLI::App* each) { return each->get_name() == arguments[1]; });
   if (call == calls.end())
-    throw CLI::ValidationError(argv[1],
+    throw CLI::ValidationError(arguments[1],
                                "No such call; the calls are run, shell, picture, info, import, sun and desktop");
-  checkOptions(**call, {argv + 2, argv + argc});
-}
-
-/// The reader of standard output has closed the pipe.
-bool readerLeft() {
-  pollfd out{STDOUT_FILENO, 0, 0};
-  return ::poll(&out, 1, 0) == 1 && (out.revents & POLLERR) != 0;
+  checkOptions(**call, {arguments.begin() + 2, arguments.end()});
 }
 
 }  // namespace
 
-int runCommandLine(int argc, char** argv) {
+int runCommandLine(const std::vector<std::string>& arguments) {
   CLI::App app("Illustrates land-use plans: hatched areas, hedges, fences, parking rows, without a CAD program.",
                "tolmex");
+  app.allow_windows_style_options(false);  // "/plans/yard.dxf" is a file on every system
   app.set_version_flag("--version", "tolmex " TOLMEX_VERSION);
   app.footer(footer(kExamples));
   app.require_subcommand(1);
@@ -510,8 +525,11 @@ int runCommandLine(int argc, char** argv) {
   addSun(app, sun, status);
   addDesktop(app, desktop, status);
   try {
-    checkCall(app, argc, argv);
-    app.parse(argc, argv);
+    checkCall(app, arguments);
+    // The library takes them from the last to the first.
+    std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+    if (!reversed.empty()) reversed.pop_back();
+    app.parse(std::move(reversed));
   } catch (const CLI::ParseError& error) {
     // Messages show arguments as they were given, and a shell's pattern gives names of files. Help and version are no
     // errors; everything else is wrong usage, whatever number the library gives it.
@@ -524,7 +542,7 @@ int runCommandLine(int argc, char** argv) {
     print(err, stderr);
     return number == 0 ? 0 : static_cast<int>(RunStatus::WrongUsage);
   }
-  if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && !readerLeft())
+  if ((std::fflush(stdout) != 0 || std::ferror(stdout) != 0) && !host::platform::readerLeft())
     return std::max(status, complain(RunStatus::OutputFailed, "standard output cannot be written"));
   return status;
 }

@@ -1,20 +1,17 @@
 #include "Console.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 
+#include "Platform/Streams.h"
 #include "Text/Text.h"
 
 namespace tolmex {
 
 using host::text::LineFeeds;
 using host::text::printable;
+namespace platform = host::platform;
+using platform::Stream;
 
 namespace {
 
@@ -26,14 +23,13 @@ struct {
   std::string drawing;         // of several: named in every problem
   std::string file, name;      // what a file of ours is called
   FILE* transcript = nullptr;  // null: standard output
-  int data = -1;               // where standard output led, once it carries a file
   bool barStandsThere = false;
   bool lineIsOpen = false;  // the transcript's last line has no end yet
 } console;
 
 std::size_t terminalColumns() {
-  winsize size{};
-  return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+  const std::size_t columns = platform::terminalColumns(Stream::Err);
+  return columns > 0 ? columns : 80;
 }
 
 }  // namespace
@@ -41,7 +37,7 @@ std::size_t terminalColumns() {
 int complain(host::RunStatus status, const std::string& sentence) {
   ProgressBar::clear();
   // On a terminal a sentence behind a prompt would be read as its answer.
-  if (console.lineIsOpen && ::isatty(STDOUT_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1) {
+  if (console.lineIsOpen && platform::isTerminal(Stream::Out) && platform::isTerminal(Stream::Err)) {
     std::fputc('\n', stdout);
     console.lineIsOpen = false;
   }
@@ -55,7 +51,8 @@ int complain(host::RunStatus status, const std::string& sentence) {
   if (!drawing.empty() &&
       !(shown.starts_with(drawing) && shown.size() > drawing.size() && shown[drawing.size()] == ':'))
     shown.insert(0, drawing + ": ");
-  std::fprintf(stderr, "tolmex: %s\n", printable(shown, LineFeeds::Spelled).c_str());
+  const std::string line = "tolmex: " + printable(shown, LineFeeds::Spelled) + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
   return static_cast<int>(status);
 }
 
@@ -75,35 +72,19 @@ void printTranscript(std::wstring_view text) {
   const std::string bytes = host::text::toUtf8(text);
   std::fwrite(bytes.data(), 1, bytes.size(), console.transcript != nullptr ? console.transcript : stdout);
   if (!bytes.empty()) console.lineIsOpen = bytes.back() != '\n';
+  static const bool isSeen = platform::isTerminal(Stream::Out);
+  if (isSeen) std::fflush(stdout);
 }
 
 bool keepStandardOutputForData() {
-  std::fflush(stdout);
-  console.data = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-  if (console.data < 0 || ::dup2(STDERR_FILENO, STDOUT_FILENO) < 0) return false;
+  if (!platform::redirectOutput()) return false;
   console.transcript = stderr;
   return true;
 }
 
-bool writeStandardOutput(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(console.data, bytes.data(), bytes.size());
-    if (written > 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno == EAGAIN) {  // the parent process may have made it so
-      pollfd ready{console.data, POLLOUT, 0};
-      ::poll(&ready, 1, -1);
-    } else if (errno != EINTR) {
-      return false;
-    }
-  }
-  return true;
-}
+bool writeStandardOutput(std::string_view bytes) { return platform::writeRedirected(bytes); }
 
-ProgressBar::ProgressBar(bool isWanted) {
-  const char* const terminal = std::getenv("TERM");
-  isShown_ = isWanted && ::isatty(STDERR_FILENO) == 1 && terminal != nullptr && std::string_view(terminal) != "dumb";
-}
+ProgressBar::ProgressBar(bool isWanted) { isShown_ = isWanted && platform::isErasable(Stream::Err); }
 
 void ProgressBar::show(std::string_view label, double fraction) {
   const auto now = Clock::now();

@@ -1,15 +1,13 @@
 #include "Desktop.h"
 
-#include <dlfcn.h>
-
-#include <cstdlib>
-
 #include "Console.h"
 #include "Inputs.h"
 #include "Outputs.h"
 #include "OwnFacts.h"
 #include "PictureCommand.h"
 #include "PlanSession.h"
+#include "Platform/Library.h"
+#include "Platform/System.h"
 #include "Window/Desktop.h"
 
 namespace tolmex {
@@ -20,44 +18,32 @@ using host::RunStatus;
 
 namespace {
 
-constexpr const char* kLibrary = "libtolmexwindow.so";
-
 /// Where documents and examples lie: beside the sources' build, or where the program is installed.
 fs::path findShared(const fs::path& program, const fs::path& name) {
   std::error_code error;
-  for (const char* const folder : {TOLMEX_DOCUMENTS, "../../share/doc/tolmex", "../../../share/doc/tolmex"}) {
+  for (const char* const folder : {".", TOLMEX_DOCUMENTS, "../../share/doc/tolmex", "../../../share/doc/tolmex"}) {
     const fs::path place = fs::path(folder).is_absolute() ? fs::path(folder) : program / folder;
     if (fs::exists(place / name, error)) return fs::weakly_canonical(place / name, error);
   }
   return {};
 }
 
-/// The toolkit would end the process without a word of ours.
-bool hasDisplay() {
-  const auto isSet = [](const char* name) {
-    const char* const value = std::getenv(name);
-    return value != nullptr && *value != '\0';
-  };
-  return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM");
-}
-
 }  // namespace
 
 int runDesktop(const DesktopCallOptions& options) {
   if (const Result<> fit = checkVariables(options.variables); !fit) return complain(fit.problem());
-  if (!hasDisplay())
+  // The toolkit would end the process without a word of ours.
+  if (!host::platform::hasDisplay())
     return complain(RunStatus::WrongUsage, "desktop: there is no display; run, shell and picture need none");
   const fs::path plugIn = plugInFile();
   const fs::path folder = plugIn.parent_path();
-  void* const library = ::dlopen((folder / kLibrary).c_str(), RTLD_NOW | RTLD_LOCAL);
-  const auto run = library != nullptr
-                       ? reinterpret_cast<host::window::RunDesktop>(::dlsym(library, host::window::kRunDesktop))
-                       : nullptr;
-  if (run == nullptr) {
-    const char* const reason = ::dlerror();
-    return complain(RunStatus::WrongUsage,
-                    std::string("desktop: the window cannot be loaded: ") + (reason != nullptr ? reason : kLibrary));
-  }
+  std::string reason = "it is no window";
+  void* const library = host::platform::openLibrary(folder / host::platform::libraryName("tolmexwindow"), reason);
+  const auto run =
+      library != nullptr
+          ? reinterpret_cast<host::window::RunDesktop>(host::platform::symbolOf(library, host::window::kRunDesktop))
+          : nullptr;
+  if (run == nullptr) return complain(RunStatus::WrongUsage, "desktop: the window cannot be loaded: " + reason);
   host::window::DesktopOptions wanted;
   for (const fs::path& drawing : options.drawings) {
     if (isStandardStream(drawing))

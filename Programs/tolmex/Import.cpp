@@ -23,7 +23,7 @@ using host::RunStatus;
 
 namespace {
 
-constexpr const char* kLibrary = "libtolmeximport.so";
+constexpr const char* kLibrary = "tolmeximport";
 
 /// Where the plug-in's rules lie.
 fs::path rulesFolder() { return plugInFile().parent_path() / "tolmex.menu" / "import"; }

@@ -1,20 +1,15 @@
 #include "Inputs.h"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
 #include <functional>
+#include <optional>
 
 #include "Console.h"
 #include "Editor/ScriptText.h"
 #include "Outputs.h"
+#include "Platform/Memory.h"
+#include "Platform/Streams.h"
 
 namespace tolmex {
 
@@ -26,78 +21,56 @@ using host::Result;
 
 namespace {
 
-std::string cannotBeRead(int fault) { return std::string("cannot be read: ") + std::strerror(fault); }
+std::string cannotBeRead(const std::string& fault) { return "cannot be read: " + fault; }
 
 /// A file that is read from its beginning to its end.
 class Stream {
  public:
   /// Problems are of this kind; `whose` begins their texts ("the script ").
   Stream(const fs::path& name, Code code, std::string whose)
-      : file_(isStandardStream(name) ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)),
+      : file_(isStandardStream(name) ? std::nullopt : std::optional(name)),
         name_(shownName(name)),
         code_(code),
-        whose_(std::move(whose)) {
-    isKnown_ = file_ >= 0 && ::fstat(file_, &status_) == 0;
-    fault_ = errno;
-  }
-  ~Stream() {
-    if (file_ > STDIN_FILENO) ::close(file_);
-  }
-  Stream(const Stream&) = delete;
-  Stream& operator=(const Stream&) = delete;
+        whose_(std::move(whose)) {}
 
   Problem problem(std::string why) const { return problemOf(code_, name_, std::move(why)); }
 
   /// Whether it could be opened and can be what is wanted ("a drawing"): devices never end.
   Result<> check(const std::string& wanted) const {
-    if (!isKnown_) return problem(whose_ + cannotBeRead(fault_));
-    if (S_ISDIR(status_.st_mode)) return problem("this is a folder, not " + wanted);
-    const bool isNull = S_ISCHR(status_.st_mode) && status_.st_rdev == makedev(1, 3);
-    const bool isDevice = (S_ISCHR(status_.st_mode) && !isNull && ::isatty(file_) == 0) || S_ISBLK(status_.st_mode);
-    if (isDevice) return problem("this is a device, not " + wanted);
+    using Kind = host::platform::InputFile::Kind;
+    if (file_.kind() == Kind::Unknown) return problem(whose_ + cannotBeRead(file_.fault()));
+    if (file_.kind() == Kind::Folder) return problem("this is a folder, not " + wanted);
+    if (file_.kind() == Kind::Device) return problem("this is a device, not " + wanted);
     return {};
   }
 
-  /// `take` is given the bytes piece by piece and may refuse them.
-  Result<> read(std::size_t most, const std::function<bool(std::string_view)>& take) const {
+  /// `take` is given the bytes piece by piece and answers why it refuses them, or nothing.
+  Result<> read(std::size_t most, const std::function<std::string(std::string_view)>& take) {
     std::array<char, 1 << 16> buffer{};
     std::size_t size = 0;
     for (;;) {
-      const ssize_t count = ::read(file_, buffer.data(), buffer.size());
-      if (count < 0 && errno == EINTR) continue;
-      if (count == 0) return {};
-      const bool isTaken = count > 0 && take({buffer.data(), static_cast<std::size_t>(count)});
-      if (!isTaken) return problem(whose_ + cannotBeRead(errno));
-      size += static_cast<std::size_t>(count);
+      const std::optional<std::size_t> count = file_.read(buffer.data(), buffer.size());
+      if (!count) return problem(whose_ + cannotBeRead(file_.fault()));
+      if (*count == 0) return {};
+      if (const std::string refusal = take({buffer.data(), *count}); !refusal.empty())
+        return problem(whose_ + cannotBeRead(refusal));
+      size += *count;
       if (size > most) return problem(whose_ + "is longer than " + std::to_string(most >> 20) + " MB");
     }
   }
 
  private:
-  int file_;
+  host::platform::InputFile file_;
   std::string name_;
   Code code_;
   std::string whose_;
-  bool isKnown_ = false;
-  int fault_ = 0;
-  struct stat status_ {};
 };
 
 /// What a pipe may bring: it has to stay in memory, beside what is made of it.
 std::size_t mostOfPipe() {
   constexpr std::size_t kMost = std::size_t{4} << 30;
-  const long pages = ::sysconf(_SC_PHYS_PAGES), pageSize = ::sysconf(_SC_PAGESIZE);
-  if (pages <= 0 || pageSize <= 0) return kMost;
-  return std::min(kMost, static_cast<std::size_t>(pages) * static_cast<std::size_t>(pageSize) / 2);
-}
-
-bool writeAll(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file, bytes.data(), bytes.size());
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
+  const std::uint64_t memory = host::platform::memoryFacts().total;
+  return memory == 0 ? kMost : std::min(kMost, static_cast<std::size_t>(memory / 2));
 }
 
 }  // namespace
@@ -109,28 +82,28 @@ Result<fs::path> readableFile(const fs::path& name) {
     const fs::file_status status = fs::status(name, error);
     if (!fs::is_fifo(status) && !fs::is_character_file(status) && !fs::is_block_file(status)) return name;
   }
-  const Stream stream(name, Code::DrawingUnreadable, "");
+  Stream stream(name, Code::DrawingUnreadable, "");
   if (const Result<> fit = stream.check("a drawing"); !fit) return fit;
-  // Kept open until the program ends, so that a path leads to it.
-  const int copy = ::memfd_create("drawing", MFD_CLOEXEC);
-  if (copy < 0) return stream.problem(cannotBeRead(errno));
-  const Result<> read = stream.read(mostOfPipe(), [copy](std::string_view bytes) { return writeAll(copy, bytes); });
+  // Kept until the program ends, so that a path leads to it.
+  host::platform::KeptFile copy;
+  if (!copy.isOpen()) return stream.problem(cannotBeRead(copy.fault()));
+  const Result<> read = stream.read(
+      mostOfPipe(), [&copy](std::string_view bytes) { return copy.write(bytes) ? std::string() : copy.fault(); });
   if (!read) {
-    ::close(copy);
+    copy.drop();
     return read;
   }
-  std::string path = "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(copy);
-  showFileAs(path, shownName(name));
-  return fs::path(path);
+  showFileAs(copy.path().string(), shownName(name));
+  return copy.path();
 }
 
 Result<std::string> readScript(const fs::path& name) {
-  const Stream stream(name, Code::ScriptUnreadable, "the script ");
+  Stream stream(name, Code::ScriptUnreadable, "the script ");
   if (const Result<> fit = stream.check("a script"); !fit) return fit;
   std::string bytes;
   const Result<> read = stream.read(host::editor::kLargestScript, [&bytes](std::string_view piece) {
     bytes += piece;
-    return true;
+    return std::string();
   });
   if (!read) return read;
   Result<host::editor::ScriptText> script = host::editor::scriptText(std::move(bytes), shownName(name));

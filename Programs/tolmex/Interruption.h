@@ -1,25 +1,15 @@
 // Ctrl+C: work ends soon, and no file is left half written.
 #pragma once
 
-#include <array>
-#include <csignal>
-#include <string_view>
-
 #include "Problems/Problem.h"
 
 namespace tolmex {
-
-/// Prints a short sentence to standard error from a signal handler; nothing where nobody reads what is printed there.
-void sayFromHandler(std::string_view sentence);
 
 /// While one lives, the signals that end programs ask the running script to stop. Work that does not notice is ended
 /// with one sentence after `kPatienceMs`. One at a time.
 class Interruption {
  public:
   static constexpr long kPatienceMs = 600;
-  /// Ctrl+C, `kill`, and the terminal that goes away. One that was ignored when the program was started stays so.
-  static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
-
   /// `status` is the exit status of work that has to be ended.
   explicit Interruption(host::RunStatus status);
   ~Interruption();

@@ -1,14 +1,13 @@
 #include "Outputs.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <map>
 
 #include "Console.h"
 #include "Dxf/DxfFile.h"
 #include "Interruption.h"
+#include "Platform/Files.h"
+#include "Platform/Streams.h"
 
 namespace tolmex {
 
@@ -31,21 +30,21 @@ class FileSet {
   /// The name under which the same file was added before; null when it was not.
   const fs::path* find(const fs::path& file) const {
     if (const auto known = byName_.find(trueName(file)); known != byName_.end()) return &known->second;
-    struct stat status {};
-    if (::stat(file.c_str(), &status) != 0) return nullptr;
-    const auto known = byNode_.find({status.st_dev, status.st_ino});
+    const host::platform::FileFacts facts = host::platform::factsOf(file);
+    if (!facts.isThere) return nullptr;
+    const auto known = byNode_.find({facts.device, facts.node});
     return known != byNode_.end() ? &known->second : nullptr;
   }
   void add(const fs::path& file) { add(file, file); }
   void add(const fs::path& file, const fs::path& shown) {
     byName_.emplace(trueName(file), shown);
-    struct stat status {};
-    if (::stat(file.c_str(), &status) == 0) byNode_.emplace(std::pair(status.st_dev, status.st_ino), shown);
+    const host::platform::FileFacts facts = host::platform::factsOf(file);
+    if (facts.isThere) byNode_.emplace(std::pair(facts.device, facts.node), shown);
   }
 
  private:
   std::map<fs::path, fs::path> byName_;
-  std::map<std::pair<dev_t, ino_t>, fs::path> byNode_;
+  std::map<std::pair<std::uint64_t, std::uint64_t>, fs::path> byNode_;
 };
 
 }  // namespace
@@ -55,7 +54,8 @@ std::string shownName(const fs::path& name) { return isStandardStream(name) ? "s
 Result<> checkOutputs(const std::vector<fs::path>& inputs, const std::vector<fs::path>& outputs,
                       const fs::path& folderToCome) {
   FileSet sources, results;
-  for (const fs::path& input : inputs) sources.add(isStandardStream(input) ? "/dev/stdin" : input, shownName(input));
+  for (const fs::path& input : inputs)
+    sources.add(isStandardStream(input) ? host::platform::standardInputName() : input, shownName(input));
   std::error_code error;
   bool takesStandardOutput = false;
   for (const fs::path& output : outputs) {
@@ -92,7 +92,7 @@ Result<> prepareOutputs(const std::vector<fs::path>& inputs, const std::vector<f
     return refused(*folder, "this is no folder");
   if (Result<> checked = checkOutputs(inputs, outputs, folder.value_or(fs::path())); !checked) return checked;
   if (std::any_of(outputs.begin(), outputs.end(), isStandardStream)) {
-    if (::isatty(STDOUT_FILENO) == 1)
+    if (host::platform::isTerminal(host::platform::Stream::Out))
       return refused("-", "standard output is a terminal; name a file or send it elsewhere");
     if (!keepStandardOutputForData()) return refused("-", "standard output cannot be written");
   }

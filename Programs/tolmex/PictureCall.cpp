@@ -85,7 +85,7 @@ std::string_view endingOf(PictureFormat format) {
 }
 
 fs::path outputIn(const fs::path& folder, const fs::path& drawing, std::string_view ending) {
-  return folder / (drawing.stem().string() + std::string(ending));
+  return folder / drawing.stem().concat(ending);
 }
 
 Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureFormat>& formats) {

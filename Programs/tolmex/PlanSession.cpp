@@ -7,6 +7,7 @@
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PictureCommand.h"
+#include "Platform/Library.h"
 #include "Text/Text.h"
 
 namespace tolmex {
@@ -20,9 +21,8 @@ using host::RunStatus;
 using host::editor::Application;
 
 fs::path plugInFile() {
-  std::error_code error;
-  const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  return error ? fs::path() : program.parent_path() / "tolmex.arx";
+  const fs::path program = host::platform::programFile();
+  return program.empty() ? fs::path() : program.parent_path() / "tolmex.arx";
 }
 
 std::vector<fs::path> PlanOutputs::files() const {

@@ -1,6 +1,4 @@
 // `tolmex run`: a script on every drawing.
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -15,6 +13,7 @@
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "Platform/Streams.h"
 
 namespace tolmex {
 
@@ -65,7 +64,8 @@ class WatchedScript final : public host::editor::InputSource {
 class RunScreen final : public ProblemPrinter {
  public:
   // A transcript on the screen shows how far the work has come.
-  explicit RunScreen(bool isQuiet) : isQuiet_(isQuiet), bar_(isQuiet || ::isatty(STDOUT_FILENO) == 0) {}
+  explicit RunScreen(bool isQuiet)
+      : isQuiet_(isQuiet), bar_(isQuiet || !host::platform::isTerminal(host::platform::Stream::Out)) {}
   ProgressBar& bar() { return bar_; }
   void print(std::wstring_view text) override {
     if (!isQuiet_) printTranscript(text);

@@ -1,7 +1,4 @@
 // `tolmex shell`: commands typed at a terminal, or read from a pipe as they come.
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +12,7 @@
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "Platform/Streams.h"
 #include "Terminal.h"
 #include "Text/Text.h"
 
@@ -54,9 +52,8 @@ class Screen final : public host::editor::Observer {
   /// Takes the unfinished line off the screen: the line editor shows it again as its prompt.
   std::string takePrompt() {
     if (tail_.empty()) return {};
-    winsize size{};
-    const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    if (tail_.size() + 1 >= (isKnown ? size.ws_col : 80U)) {
+    const std::size_t columns = host::platform::terminalColumns(host::platform::Stream::Out);
+    if (tail_.size() + 1 >= (columns > 0 ? columns : 80U)) {
       std::printf("\n");
       return {};
     }
@@ -129,13 +126,14 @@ class ShellInterruption {
 
  private:
   static void ask(int) {
+    std::signal(SIGINT, &ShellInterruption::ask);  // some systems forget it
     if (asked_ != 0) {
-      sayFromHandler("\ntolmex: interrupted; nothing was saved\n");
-      ::_exit(static_cast<int>(RunStatus::ScriptFailed));
+      host::platform::sayFromHandler("\ntolmex: interrupted; nothing was saved\n");
+      std::_Exit(static_cast<int>(RunStatus::ScriptFailed));
     }
     asked_ = 1;
     Application::interrupt();
-    sayFromHandler("\nCtrl+C again ends tolmex without saving\n");
+    host::platform::sayFromHandler("\nCtrl+C again ends tolmex without saving\n");
   }
 
   static inline volatile std::sig_atomic_t asked_ = 0;
@@ -183,10 +181,6 @@ class TerminalInput final : public host::editor::LineInput {
 /// Lines of a pipe. Failures do not end it, as they do not end the work of a user who types.
 class PipeInput final : public host::editor::LineInput {
  public:
-  PipeInput() = default;
-  PipeInput(const PipeInput&) = delete;
-  PipeInput& operator=(const PipeInput&) = delete;
-  ~PipeInput() override { std::free(buffer_); }
   /// Whether a line could not be taken as text.
   bool hasRefused() const { return hasRefused_; }
   bool isInteractive() const override { return true; }
@@ -196,12 +190,10 @@ class PipeInput final : public host::editor::LineInput {
   std::optional<std::wstring> readLine(const Question& question) override {
     if (greeting_.isDue(question)) return L"LIST";
     if (Interruption::isAsked()) return std::nullopt;
-    const ssize_t count = ::getline(&buffer_, &size_, stdin);
-    if (count < 0) return std::nullopt;
+    const std::optional<std::string> line = host::platform::readLine(stdin);
+    if (!line) return std::nullopt;
     ++lines_;
-    std::string_view line(buffer_, static_cast<std::size_t>(count));
-    if (line.ends_with('\n')) line.remove_suffix(1);
-    host::Result<host::editor::ScriptText> text = host::editor::scriptText(std::string(line), kName);
+    host::Result<host::editor::ScriptText> text = host::editor::scriptText(*line, kName);
     if (!text) {
       hasRefused_ = true;
       text.problem().line = lines_;
@@ -216,8 +208,6 @@ class PipeInput final : public host::editor::LineInput {
   }
 
  private:
-  char* buffer_ = nullptr;
-  std::size_t size_ = 0;
   static constexpr const char* kName = "standard input";
   std::size_t lines_ = 0;
   bool isRemarked_ = false;  // on the encoding

@@ -32,7 +32,7 @@ using host::sun::SunPosition;
 
 namespace {
 
-constexpr const char* kLibrary = "libtolmexsun.so";
+constexpr const char* kLibrary = "tolmexsun";
 constexpr double kLeastElevation = 3;  // degrees: lower suns make shadows longer than plans
 constexpr double kUsualFloorHeight = 3.0;
 constexpr double kMargin = 0.05;  // of the pictures, of the plan's size

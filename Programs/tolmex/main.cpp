@@ -1,8 +1,4 @@
 // The program `tolmex`: illustrates plans, draws pictures of drawings, says what is in them.
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -10,28 +6,14 @@
 
 #include "CommandLine.h"
 #include "Console.h"
+#include "Platform/Streams.h"
 
 using host::RunStatus;
 
-namespace {
-
-/// Closed standard streams: the next files opened would take their numbers, and what is printed would go into them. The
-/// device in their place is opened so that using it fails as the closed stream did.
-void keepStandardStreamsApart() {
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-  }
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
-  keepStandardStreamsApart();
-  // Writing then fails with a reason that can be told: a file beyond the limit, a reader of standard output that left.
-  std::signal(SIGXFSZ, SIG_IGN);
-  std::signal(SIGPIPE, SIG_IGN);
+  host::platform::prepareStreams();
   try {
-    return tolmex::runCommandLine(argc, argv);
+    return tolmex::runCommandLine(host::platform::programArguments(argc, argv));
   } catch (const std::bad_alloc&) {
     std::fprintf(stderr, "tolmex: there is not enough memory\n");
     return static_cast<int>(RunStatus::ScriptFailed);

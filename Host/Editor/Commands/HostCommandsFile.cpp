@@ -4,6 +4,7 @@
 #include "Editor/ScriptInput.h"
 #include "Editor/Selection/Spaces.h"
 #include "Editor/Session/Session.h"
+#include "Platform/Paths.h"
 #include "Text/Text.h"
 
 namespace host::editor {
@@ -115,7 +116,8 @@ bool maySaveAndLeave(Prompter& prompter, Document& document) {
   if (!document.drawing().isModified()) return true;
   Limits limits;
   limits.keywords = Keywords(L"Yes No Cancel");
-  const std::filesystem::path name = document.fileName() != nullptr ? text::toUtf8(document.fileName()) : "";
+  const std::filesystem::path name =
+      platform::pathOf(document.fileName() != nullptr ? text::toUtf8(document.fileName()) : "");
   const auto reply = prompter.keyword(L"Save changes to " + wide(name.filename()) + L"? [Yes/No/Cancel] <Y>: ", limits);
   const bool isYes = reply.outcome == Outcome::Enter || reply.keyword == L"Yes";
   if (isYes) quickSave(prompter);
@@ -223,7 +225,7 @@ void saveScript(Prompter& prompter) {
   std::filesystem::path file = *typed;
   if (file.extension().empty()) file += ".scr";
   const Document& document = *session.documents().current();
-  const std::string name = std::filesystem::path(text::toUtf8(document.fileName())).filename().string();
+  const std::string name = platform::pathOf(text::toUtf8(document.fileName())).filename().string();
   for (const auto& open : session.documents().all()) {
     if (!open->isOf(file)) continue;
     prompter.fail(problemOf(Code::OutputRefused, file.string(), "this drawing is open"));

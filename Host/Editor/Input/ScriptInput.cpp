@@ -1,11 +1,10 @@
 #include "Editor/ScriptInput.h"
 
-#include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 
 #include "Editor/ScriptText.h"
+#include "Platform/Files.h"
 #include "Text/Text.h"
 
 namespace host::editor {
@@ -164,7 +163,7 @@ Result<std::unique_ptr<ScriptInput>> ScriptInput::fromFile(const std::filesystem
     return refused("is longer than " + std::to_string(kLargestScript >> 20) + " MB");
   std::ifstream stream(file, std::ios::binary);
   std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  if (!stream) return refused(std::string("cannot be read: ") + std::strerror(errno));
+  if (!stream) return refused("cannot be read: " + platform::openingFault());
   Result<ScriptText> script = scriptText(std::move(bytes), name);
   if (!script) return script;
   remark = std::move(script->remark);

@@ -1,12 +1,11 @@
 #include "Editor/PlugIns/Modules.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <exception>
 #include <fstream>
 
 #include "Editor/Session/Session.h"
+#include "Platform/Library.h"
 #include "Text/Text.h"
 
 ACRX_NO_CONS_DEFINE_MEMBERS(AcRxDynamicLinker, AcRxObject)
@@ -16,7 +15,7 @@ namespace {
 
 template <class Function>
 Function symbol(void* library, const char* name) {
-  return reinterpret_cast<Function>(dlsym(library, name));
+  return reinterpret_cast<Function>(platform::symbolOf(library, name));
 }
 
 std::vector<std::wstring> split(std::wstring_view text, wchar_t separator) {
@@ -45,16 +44,9 @@ std::vector<ObjectKind> readKinds(const std::filesystem::path& module) {
 
 }  // namespace
 
-std::filesystem::path libraryFile() {
-  Dl_info info{};
-  const void* const here = reinterpret_cast<const void*>(&libraryFile);
-  return dladdr(here, &info) != 0 && info.dli_fname != nullptr ? info.dli_fname : std::filesystem::path();
-}
+std::filesystem::path libraryFile() { return platform::fileOf(reinterpret_cast<const void*>(&libraryFile)); }
 
-const void* moduleBase(const void* address) {
-  Dl_info info{};
-  return address != nullptr && dladdr(address, &info) != 0 ? info.dli_fbase : nullptr;
-}
+const void* moduleBase(const void* address) { return address != nullptr ? platform::baseOf(address) : nullptr; }
 
 const void* moduleOfObject(const void* object) {
   // An object with virtual functions begins with the address of its class's table, which lies in its module.
@@ -146,13 +138,11 @@ Result<> ModuleList::load(const std::filesystem::path& file) {
   Module& module = *owned;
   module.file = path;
   module.name = text::fromUtf8(path.filename().string());
-  module.library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (module.library == nullptr) {
-    const char* const reason = dlerror();
-    return refusal(std::string("cannot be loaded: ") + (reason != nullptr ? reason : "no reason given"));
-  }
+  std::string reason;
+  module.library = platform::openLibrary(path, reason);
+  if (module.library == nullptr) return refusal("cannot be loaded: " + reason);
   const auto refuse = [&](const std::string& why) {
-    dlclose(module.library);
+    platform::closeLibrary(module.library);
     return refusal(why);
   };
   module.entry = symbol<decltype(module.entry)>(module.library, "acrxEntryPoint");
@@ -227,12 +217,10 @@ void ModuleList::drop(Module& module) {
   const std::filesystem::path file = module.file;
   void* const library = module.library;
   std::erase_if(modules_, [&module](const auto& other) { return other.get() == &module; });
-  dlclose(library);
+  platform::closeLibrary(library);
 
   // A library that the loader keeps in memory does not run its globals' constructors again: they stay registered.
-  if (void* const kept = dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD)) {
-    dlclose(kept);
-  } else {
+  if (!platform::isLoaded(file)) {
     for (AcEditorReactor* reactor : editorReactors) {
       if (session_.editor().has(reactor)) ++left;
       session_.editor().removeReactor(reactor);

@@ -9,6 +9,7 @@
 
 #include "Editor/PlugIns/Modules.h"
 #include "Editor/Session/Session.h"
+#include "Platform/Paths.h"
 #include "Text/FilePath.h"
 #include "Text/Text.h"
 #include "acdbads.h"
@@ -39,7 +40,7 @@ std::filesystem::path inFolder(const std::filesystem::path& folder, const std::f
   if (passedOver != nullptr && isThere && !std::filesystem::is_directory(exact, error)) passedOver->push_back(exact);
   const std::filesystem::path parent = exact.parent_path();
   const std::wstring wanted = text::fromUtf8(exact.filename().string());
-  for (const std::filesystem::path& entry : text::namesIn(parent, error)) {
+  for (const std::filesystem::path& entry : platform::namesIn(parent, error)) {
     if (!text::equalFolded(text::fromUtf8(entry.string()), wanted)) continue;
     std::filesystem::path found = parent / entry;
     if (std::filesystem::is_regular_file(found, error)) return found;
@@ -177,7 +178,7 @@ std::string faultOf(const std::filesystem::path& file) {
   errno = 0;
   std::ifstream in(file, std::ios::binary);
   const bool isRead = in && (in.get() != std::ifstream::traits_type::eof() || !in.bad());
-  if (!isRead) return std::string("cannot be read") + (errno != 0 ? std::string(": ") + std::strerror(errno) : "");
+  if (!isRead) return std::string("cannot be read") + (errno != 0 ? ": " + platform::openingFault() : "");
   const std::wstring ending = text::folded(text::fromUtf8(file.extension().string()));
   const bool isSettings =
       std::find(std::begin(kSettingsEndings), std::end(kSettingsEndings), ending) != std::end(kSettingsEndings);
@@ -197,7 +198,7 @@ Acad::ErrorStatus HostServices::findFile(ACHAR* pathOut, int bufferLength, const
                                          FindFileHint) {
   if (pathOut == nullptr || fileName == nullptr || bufferLength <= 0) return Acad::eInvalidInput;
   std::vector<std::filesystem::path> passedOver;
-  const std::filesystem::path found = find(text::toUtf8(fileName), db, &passedOver);
+  const std::filesystem::path found = find(platform::pathOf(text::toUtf8(fileName)), db, &passedOver);
   for (const std::filesystem::path& file : passedOver) tellOnce(file, "is passed over: it is no file");
   if (found.empty()) return Acad::eFileNotFound;
   if (const std::string fault = faultOf(found); !fault.empty()) tellOnce(found, fault);

@@ -6,6 +6,7 @@
 #include "Dxf/DxfFile.h"
 #include "Editor/DialogInput.h"
 #include "Editor/Session/Session.h"
+#include "Platform/Paths.h"
 #include "Text/Text.h"
 
 namespace host::editor {
@@ -70,7 +71,7 @@ Document* idleDocument(const database::DrawingDatabase& drawing) {
 std::vector<Application::OpenDrawing> Application::drawings() const {
   std::vector<OpenDrawing> all;
   for (const auto& document : host().documents().all()) {
-    const std::filesystem::path name = text::toUtf8(document->fileName());
+    const std::filesystem::path name = platform::pathOf(text::toUtf8(document->fileName()));
     all.push_back({&document->drawing(), document->file(), text::fromUtf8(name.filename().string()),
                    document->drawing().isModified(), document.get() == host().documents().current()});
   }

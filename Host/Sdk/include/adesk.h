@@ -11,7 +11,11 @@ using ACHAR = wchar_t;  // 16 bits on Windows, 32 on Linux: never assume its siz
 #endif
 
 /// Marks what the embedded host gives to plug-ins; everything else stays hidden.
+#ifdef _WIN32  // a library without marks gives all its names
+#define ADESK_EXPORT
+#else
 #define ADESK_EXPORT __attribute__((visibility("default")))
+#endif
 
 struct Adesk {
   using Int8 = std::int8_t;

@@ -5,7 +5,9 @@
 
 // Microsoft's x64 headers qualify pointers to these lists; a pointer type that drops the qualifier does not compile
 // there. Another qualifier stands for it, which is as strict.
+#ifndef __unaligned
 #define __unaligned volatile  // NOLINT(bugprone-reserved-identifier)
+#endif
 
 /// Names a place of the file system; freed with CoTaskMemFree.
 struct ITEMIDLIST;

@@ -7,6 +7,20 @@
 
 #include "adesk.h"
 
+#ifdef _WIN32
+// Our own host takes none of the system's: what is formatted and read is the same everywhere. The system's headers have
+// declared them already.
+#include <cstdlib>
+#define _wtof tolmexhost_wtof
+#define _wtoi tolmexhost_wtoi
+#define _wcsicmp tolmexhost_wcsicmp
+#define _wcsnicmp tolmexhost_wcsnicmp
+#define _snwprintf tolmexhost_snwprintf
+#define _vsnwprintf tolmexhost_vsnwprintf
+#define _wfsopen tolmexhost_wfsopen
+#define _waccess tolmexhost_waccess
+#endif
+
 // The names are Microsoft's. NOLINTBEGIN(bugprone-reserved-identifier)
 /// Leading number with "." as decimal mark whatever the locale; 0 without one.
 ADESK_EXPORT double _wtof(const ACHAR* text);

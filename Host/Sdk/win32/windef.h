@@ -4,6 +4,12 @@
 
 #include <cstdint>
 
+#ifdef _WIN32  // toolkits declare handles as the system does
+#define HostWindow HWND__
+#define HostDeviceContext HDC__
+#define HostBrush HBRUSH__
+#endif
+
 // ---- types ----------------------------------------------------------------------------------------------------------
 struct HostWindow;
 struct HostDeviceContext;

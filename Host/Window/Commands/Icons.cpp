@@ -1,7 +1,5 @@
 #include "Window/Commands/Icons.h"
 
-#include <dlfcn.h>
-
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -9,6 +7,8 @@
 #include <QPixmap>
 #include <QRegularExpression>
 #include <QSvgRenderer>
+
+#include "Platform/Library.h"
 
 namespace host::window {
 namespace {
@@ -58,10 +58,8 @@ QIcon iconOf(const QString& file, const QColor& text, const QColor& live) {
 }
 
 QString windowFolder() {
-  Dl_info info{};
-  const void* const here = reinterpret_cast<const void*>(&windowFolder);
-  if (dladdr(here, &info) == 0 || info.dli_fname == nullptr) return "window";
-  return QFileInfo(QFile::decodeName(info.dli_fname)).absolutePath() + "/window";
+  const std::filesystem::path library = platform::fileOf(reinterpret_cast<const void*>(&windowFolder));
+  return QFileInfo(QString::fromStdString(library.string())).absolutePath() + "/window";
 }
 
 QIcon hostIcon(const QString& name, const QColor& text) {

@@ -1,8 +1,5 @@
 #include "Window/Files/Autosave.h"
 
-#include <signal.h>
-#include <unistd.h>
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -12,6 +9,8 @@
 #include <algorithm>
 
 #include "Dxf/DxfFile.h"
+#include "Platform/Paths.h"
+#include "Platform/System.h"
 #include "Window/Commands/Language.h"
 
 namespace host::window {
@@ -20,17 +19,11 @@ namespace {
 constexpr int kEverySeconds = 5 * 60;
 constexpr qint64 kLongMs = 2000;  // of a command between two questions
 
-/// The time at which a process was started, in the kernel's ticks: with it a number names one process for good.
-QString startOf(qint64 process) {
-  QFile file(QString("/proc/%1/stat").arg(process));
-  if (!file.open(QIODevice::ReadOnly)) return {};
-  const QByteArray text = file.readAll();
-  constexpr int kStart = 19;  // behind the name in brackets, which may hold blanks
-  return QString::fromLatin1(text.mid(text.lastIndexOf(')') + 2).split(' ').value(kStart));
-}
+/// The time at which a process was started: with it a number names one process for good.
+QString startOf(qint64 process) { return QString::fromStdString(platform::processStart(process)); }
 
-QString pathOf(const std::filesystem::path& path) { return QFile::decodeName(path.c_str()); }
-std::filesystem::path pathOf(const QString& path) { return QFile::encodeName(path).toStdString(); }
+QString pathOf(const std::filesystem::path& path) { return QString::fromStdString(path.string()); }
+std::filesystem::path pathOf(const QString& path) { return platform::pathOf(path.toStdString()); }
 
 }  // namespace
 
@@ -50,15 +43,11 @@ Autosave::Autosave(Engine& engine, QObject* parent) : QObject(parent), engine_(e
 
 Autosave::~Autosave() { pool_.waitForDone(); }
 
-QString Autosave::folder() {
-  QString state = qEnvironmentVariable("XDG_STATE_HOME");
-  if (state.isEmpty() || !QDir::isAbsolutePath(state)) state = QDir::homePath() + "/.local/state";
-  return state + "/tolmex/recovery";
-}
+QString Autosave::folder() { return pathOf(platform::stateFolder() / "recovery"); }
 
 QString Autosave::stem(const database::DrawingDatabase& drawing) {
   QString& stem = stems_[&drawing];
-  if (stem.isEmpty()) stem = QString("%1/%2-%3").arg(folder()).arg(::getpid()).arg(++next_);
+  if (stem.isEmpty()) stem = QString("%1/%2-%3").arg(folder()).arg(platform::processId()).arg(++next_);
   return stem;
 }
 
@@ -84,8 +73,8 @@ void Autosave::keep() {
     savedCounts_[open.drawing] = open.drawing->changeCount();
     QJsonObject record{{"file", pathOf(open.file)},
                        {"name", QFileInfo(toQt(open.name)).fileName()},
-                       {"process", qint64{::getpid()}},
-                       {"start", startOf(::getpid())},
+                       {"process", qint64{platform::processId()}},
+                       {"start", startOf(platform::processId())},
                        {"at", QDateTime::currentDateTime().toString(Qt::ISODate)}};
     const QFileInfo info(pathOf(open.file));
     if (!open.file.empty() && info.exists()) record["savedAt"] = info.lastModified().toString(Qt::ISODate);

@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include "Dxf/DxfFile.h"
+#include "Platform/Paths.h"
 #include "Window/Commands/Language.h"
 #include "Window/Files/Autosave.h"
 #include "Window/Files/Questions.h"
@@ -21,8 +22,8 @@ namespace {
 constexpr int kMostRecent = 12;
 constexpr int kWatchMs = 2000;
 
-QString pathOf(const std::filesystem::path& path) { return QFile::decodeName(path.c_str()); }
-std::filesystem::path pathOf(const QString& path) { return QFile::encodeName(path).toStdString(); }
+QString pathOf(const std::filesystem::path& path) { return QString::fromStdString(path.string()); }
+std::filesystem::path pathOf(const QString& path) { return platform::pathOf(path.toStdString()); }
 QString nameOf(const editor::Application::OpenDrawing& drawing) { return QFileInfo(toQt(drawing.name)).fileName(); }
 
 /// "12: 2F: the reason" without the file in front.

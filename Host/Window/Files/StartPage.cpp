@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPushButton>
 
+#include "Platform/Paths.h"
 #include "Preview/FilePreview.h"
 #include "Window/Commands/Icons.h"
 #include "Window/Commands/Language.h"
@@ -37,7 +38,7 @@ QPixmap blank(bool isThere) {
 
 QPixmap pictureOf(const QString& file) {
   const preview::FilePreview& made =
-      preview::previewOf(QFile::encodeName(file).toStdString(), {kPictureWidth - 12, kPictureHeight - 12, 0xFFFFFF});
+      preview::previewOf(platform::pathOf(file.toStdString()), {kPictureWidth - 12, kPictureHeight - 12, 0xFFFFFF});
   QPixmap pixmap = blank(true);
   if (!made.pixels) return pixmap;
   const QImage image(reinterpret_cast<const uchar*>(made.pixels->argb.data()), made.pixels->width, made.pixels->height,
@@ -85,7 +86,7 @@ StartPage::StartPage(const std::vector<std::filesystem::path>& examples, QWidget
   connect(open, &QPushButton::clicked, this, &StartPage::openWanted);
   connect(fresh, &QPushButton::clicked, this, &StartPage::newWanted);
   for (const std::filesystem::path& example : examples) {
-    const QString file = QFile::decodeName(example.c_str());
+    const QString file = QString::fromStdString(example.string());
     QPushButton* const copy = button(tr("Example: %1").arg(QFileInfo(file).completeBaseName()), "picture");
     left->addWidget(copy);
     connect(copy, &QPushButton::clicked, this, [this, file] { emit exampleWanted(file); });

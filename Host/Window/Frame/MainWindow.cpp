@@ -49,7 +49,7 @@ MainWindow::MainWindow(Engine& engine, const DesktopOptions& options) : engine_(
   setAcceptDrops(true);
   setMinimumSize(kLeastWidth, kLeastHeight);
   QStringList modules;
-  for (const std::filesystem::path& module : options_.modules) modules += QFile::decodeName(module.c_str());
+  for (const std::filesystem::path& module : options_.modules) modules += QString::fromStdString(module.string());
   tables_.load(windowFolder(), modules);
   addScreenshot();
   QStringList names;

@@ -126,7 +126,7 @@ void MainWindow::openLayoutMenu() {
 }
 
 void MainWindow::showGuide() {
-  const QString guide = QFile::decodeName(options_.guide.c_str());
+  const QString guide = QString::fromStdString(options_.guide.string());
   if (!guide.isEmpty() && QFile::exists(guide)) {
     auto* const dialog = new QDialog(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);

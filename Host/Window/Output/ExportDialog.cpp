@@ -338,7 +338,7 @@ void exportPicture(QWidget& window, Engine& engine, Conversation& talk, CanvasVi
     const PictureFormat format = dialog->format();
     const QString ending = format == PictureFormat::Pdf ? ".pdf" : format == PictureFormat::Png ? ".png" : ".svg";
     const std::filesystem::path own = engine.application().drawingFile();
-    const QFileInfo info(QFile::decodeName(own.c_str()));
+    const QFileInfo info(QString::fromStdString(own.string()));
     const QString folder =
         own.empty() ? QSettings().value("files/folder", QDir::homePath()).toString() : info.absolutePath();
     const QString name = own.empty() ? QStringLiteral("tolmex") : info.completeBaseName();

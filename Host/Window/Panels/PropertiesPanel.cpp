@@ -192,7 +192,7 @@ void PropertiesPanel::end() {
 void PropertiesPanel::showDrawing() {
   const database::DrawingDatabase& drawing = *context_.engine.drawing();
   const std::filesystem::path file = context_.engine.application().drawingFile();
-  const QFileInfo info(QFile::decodeName(file.c_str()));
+  const QFileInfo info(QString::fromStdString(file.string()));
   begin(tr("Drawing"));
   row(tr("File"), file.empty() ? tr("not saved yet") : info.fileName());
   if (!file.empty()) {

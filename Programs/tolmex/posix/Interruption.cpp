@@ -1,12 +1,13 @@
 #include "Interruption.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <ctime>
 
 #include "Editor/Application.h"
+#include "Platform/Streams.h"
+#include "posix/Signals.h"
 
 namespace tolmex {
 
@@ -36,7 +37,7 @@ extern "C" void endWork(int) {
     startTimer();
     return;
   }
-  sayFromHandler("tolmex: interrupted; unfinished outputs were not written\n");
+  host::platform::sayFromHandler("tolmex: interrupted; unfinished outputs were not written\n");
   ::_exit(exitStatus);
 }
 
@@ -51,12 +52,6 @@ struct sigaction handle(int signal, void (*handler)(int)) {
 
 }  // namespace
 
-void sayFromHandler(std::string_view sentence) {
-  pollfd ready{STDERR_FILENO, POLLOUT, 0};
-  if (::poll(&ready, 1, 0) != 1 || (ready.revents & POLLOUT) == 0) return;
-  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, sentence.data(), sentence.size());
-}
-
 Interruption::Interruption(host::RunStatus status) {
   asked = false;
   exitStatus = static_cast<int>(status);
@@ -66,14 +61,14 @@ Interruption::Interruption(host::RunStatus status) {
   handle(SIGALRM, endWork);
   // Without a timer the default stays: a signal ends the program at once.
   if (::timer_create(CLOCK_MONOTONIC, &event, &patience) != 0) return;
-  for (const int signal : kSignals) {
+  for (const int signal : kEndingSignals) {
     // A job in the background was started with the signal ignored, and stays so.
     if (handle(signal, ask).sa_handler == SIG_IGN) handle(signal, SIG_IGN);
   }
 }
 
 Interruption::~Interruption() {
-  for (const int signal : kSignals) {
+  for (const int signal : kEndingSignals) {
     if (handle(signal, SIG_DFL).sa_handler == SIG_IGN) handle(signal, SIG_IGN);
   }
   ::timer_delete(patience);

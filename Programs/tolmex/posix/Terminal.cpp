@@ -11,11 +11,11 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
-#include <cwctype>
 #include <memory>
 #include <string_view>
 #include <tuple>
 
+#include "Completion.h"
 #include "Dxf/DxfFile.h"
 #include "Text/Text.h"
 
@@ -30,7 +30,6 @@ constexpr wchar_t kEscape = 0x1B;
 constexpr wchar_t kControlC = 0x03;
 // Keys that send more than Esc send the rest at once.
 constexpr int kEscapePatienceMs = 50;
-constexpr std::size_t kListedColumns = 78;
 
 bool moreIsThere() {
   pollfd in{STDIN_FILENO, POLLIN, 0};
@@ -39,47 +38,6 @@ bool moreIsThere() {
 
 /// Bytes behind the first of a character in UTF-8.
 int bytesToCome(unsigned char first) { return first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : 0; }
-
-std::string capitals(std::string_view text) {
-  std::wstring wide = host::text::fromUtf8(text);
-  for (wchar_t& c : wide) c = static_cast<wchar_t>(std::towupper(static_cast<wint_t>(c)));
-  return host::text::toUtf8(wide);
-}
-
-std::string_view commonBeginning(const std::vector<std::string>& names) {
-  std::string_view common = names.front();
-  for (const std::string& name : names) {
-    const auto end = std::mismatch(common.begin(), common.end(), name.begin(), name.end()).first;
-    common = common.substr(0, static_cast<std::size_t>(end - common.begin()));
-  }
-  // Never half of a character.
-  std::size_t size = common.size();
-  while (size > 0 && size < names.front().size() && (static_cast<unsigned char>(names.front()[size]) & 0xC0U) == 0x80)
-    --size;
-  return common.substr(0, size);
-}
-
-/// Names that begin with what was typed; when none does, those that have it anywhere.
-std::vector<std::string> completions(const std::string& typed, const std::vector<std::string>& names) {
-  std::vector<std::string> beginning, having;
-  for (const std::string& name : names) {
-    const std::size_t at = name.find(typed);
-    if (at == 0) beginning.push_back(name);
-    if (at != std::string::npos) having.push_back(name);
-  }
-  return beginning.empty() ? having : beginning;
-}
-
-void printColumns(const std::vector<std::string>& names) {
-  std::size_t width = 0;
-  for (const std::string& name : names) width = std::max(width, name.size() + 2);
-  const std::size_t perLine = std::max<std::size_t>(1, kListedColumns / width);
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    std::printf("%s%-*s", i % perLine == 0 ? "\n" : "", static_cast<int>(width), names[i].c_str());
-  }
-  std::printf("\n");
-  std::fflush(stdout);
-}
 
 }  // namespace
 
@@ -154,20 +112,15 @@ struct Terminal::Editor {
     Editor& self = of(line);
     const LineInfo* const info = el_line(line);
     const std::string typed(info->buffer, info->cursor);
-    if (!self.completes || typed.find(' ') != std::string::npos) return CC_ERROR;
-    const std::size_t begin = std::min(typed.find_first_not_of("'_-."), typed.size());
-    const std::string wanted = capitals(typed.substr(begin));
-    const std::vector<std::string> found = completions(wanted, self.names());
-    if (found.empty()) return CC_ERROR;
-    const std::string common(commonBeginning(found));
-    // Of names that share no more than their beginning, what was typed may stand farther behind: it stays then.
-    if (common.find(wanted) != std::string::npos && (common.size() > wanted.size() || typed.substr(begin) != common)) {
-      el_deletestr(line, static_cast<int>(host::text::fromUtf8(typed.substr(begin)).size()));
-      el_insertstr(line, common.c_str());
-      if (common.size() > wanted.size()) return CC_REFRESH;
+    if (!self.completes) return CC_ERROR;
+    const Completion found = completed(typed, self.names());
+    if (found.line.empty()) return CC_ERROR;
+    if (found.line != typed) {
+      el_deletestr(line, static_cast<int>(host::text::fromUtf8(typed).size()));
+      el_insertstr(line, found.line.c_str());
     }
-    if (found.size() == 1) return CC_REFRESH;
-    printColumns(found);
+    if (found.choices.empty()) return CC_REFRESH;
+    printColumns(found.choices);
     return CC_REDISPLAY;
   }
 };

@@ -1,0 +1,194 @@
+#!/usr/bin/env python3
+"""Runs the program for Windows under wine beside the one for Linux and compares what they write and say.
+
+Usage: compare-windows.py LINUX_PROGRAM WINDOWS_PROGRAM OUT [--drawings DIR] [--buildings N] [--pictures]
+Drawings and SVG have to be the same bytes, PNG pictures (--pictures) may differ in a few pixels.
+"""
+import argparse
+import os
+import pathlib
+import re
+import shutil
+import struct
+import subprocess
+import sys
+import time
+import zlib
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+ELEMENTS = "ASFALTTI NURMIKKO SORA METSA PENSAS PIHALAATTA POLKU AITA_LAUTA AITA_KIVI".split()
+MOST_PIXELS = 20
+
+faults: list[str] = []
+
+
+def fault(case: str, text: str) -> None:
+    faults.append(f"{case}: {text}")
+    print(f"  {case}: {text}")
+
+
+class System:
+    def __init__(self, name: str, command: list[str], out: pathlib.Path):
+        self.name, self.command, self.out = name, command, out
+        self.seconds = 0.0
+
+    def run(self, folder: str, arguments: list, **options) -> subprocess.CompletedProcess:
+        place = self.out / self.name / folder
+        place.mkdir(parents=True, exist_ok=True)
+        begin = time.monotonic()
+        done = subprocess.run([*self.command, *map(str, arguments)], cwd=place, capture_output=True, timeout=300,
+                              stdin=None if "input" in options else subprocess.DEVNULL, **options)
+        self.seconds += time.monotonic() - begin
+        return done
+
+    def file(self, folder: str, name: str) -> bytes | None:
+        path = self.out / self.name / folder / name
+        return path.read_bytes() if path.exists() else None
+
+
+def spoken(text: bytes) -> str:
+    """What was printed, with folders as Linux writes them."""
+    said = text.decode("utf-8", "backslashreplace").replace("\\", "/")
+    return re.sub(r"^wine: .*\n|\b[Zz]:(?=/)", "", said, flags=re.MULTILINE)
+
+
+def pixels_of(png: bytes) -> tuple[int, list[bytes]]:
+    """Bytes of a pixel, and the rows."""
+    at, data, head = 8, b"", b""
+    while at < len(png):
+        size, kind = struct.unpack(">I4s", png[at:at + 8])
+        chunk = png[at + 8:at + 8 + size]
+        head = chunk if kind == b"IHDR" else head
+        data += chunk if kind == b"IDAT" else b""
+        at += size + 12
+    width, height, depth, colour = struct.unpack(">IIBB", head[:10])
+    step = max(1, {0: 1, 2: 3, 3: 1, 4: 2, 6: 4}[colour] * depth // 8)
+    line = (width * {0: 1, 2: 3, 3: 1, 4: 2, 6: 4}[colour] * depth + 7) // 8
+    raw, rows, last = zlib.decompress(data), [], bytearray(line)
+    for y in range(height):
+        kind, row = raw[y * (line + 1)], bytearray(raw[y * (line + 1) + 1:(y + 1) * (line + 1)])
+        for x in range(line):
+            a = row[x - step] if x >= step else 0
+            b, c = last[x], last[x - step] if x >= step else 0
+            if kind == 4:
+                p = a + b - c
+                near = min((abs(p - a), 0, a), (abs(p - b), 1, b), (abs(p - c), 2, c))[2]
+            row[x] = (row[x] + [0, a, b, (a + b) // 2, near if kind == 4 else 0][kind]) & 255
+        rows.append(bytes(row))
+        last = row
+    return step, rows
+
+
+def differing_pixels(one: bytes, two: bytes) -> int:
+    (step, a), (other, b) = pixels_of(one), pixels_of(two)
+    if step != other or len(a) != len(b) or len(a[0]) != len(b[0]):
+        return 10 ** 9
+    return sum(x[i:i + step] != y[i:i + step] for x, y in zip(a, b) if x != y for i in range(0, len(x), step))
+
+
+def compare(systems: list[System], case: str, arguments: list, files: list[str], says: bool = True, **options) -> None:
+    linux, windows = (system.run(case, arguments, **options) for system in systems)
+    if linux.returncode != windows.returncode:
+        fault(case, f"exit status {windows.returncode}, on Linux {linux.returncode}: {windows.stderr[-300:]!r}")
+    for kind, one, two in (("output", linux.stdout, windows.stdout), ("errors", linux.stderr, windows.stderr)):
+        if says and spoken(one) != spoken(two):
+            lines = [(a, b) for a, b in zip(spoken(one).split("\n"), spoken(two).split("\n")) if a != b]
+            fault(case, f"{kind} differs: {lines[0] if lines else (len(one), len(two))}")
+    for name in files:
+        one, two = (system.file(case, name) for system in systems)
+        if one is None or two is None:
+            if one is not two:
+                fault(case, f"{name} is there on one system only")
+        elif name.endswith(".png"):
+            if (count := differing_pixels(one, two)) > MOST_PIXELS:
+                fault(case, f"{name}: {count} pixels differ")
+            elif count:
+                print(f"  {case}: {name}: {count} pixels differ")
+        elif one != two:
+            lines = [i for i, (a, b) in enumerate(zip(one.split(b"\n"), two.split(b"\n")), 1) if a != b]
+            fault(case, f"{name} differs in {len(lines)} lines, the first is {lines[0] if lines else 'behind the end'}")
+
+
+def windows_path(path: pathlib.Path) -> str:
+    return "Z:" + str(path)
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("linux", type=pathlib.Path)
+    parser.add_argument("windows", type=pathlib.Path)
+    parser.add_argument("out", type=pathlib.Path)
+    parser.add_argument("--drawings", type=pathlib.Path, action="append", default=[])
+    parser.add_argument("--buildings", type=int, default=1000)
+    parser.add_argument("--pictures", action="store_true")
+    asked = parser.parse_args()
+    out = asked.out.resolve()
+    shutil.rmtree(out, ignore_errors=True)
+    out.mkdir(parents=True)
+    wine = shutil.which("wine64") or shutil.which("wine") or "/usr/lib/wine/wine64"
+    systems = [System("linux", [str(asked.linux.resolve())], out),
+               System("windows", [wine, str(asked.windows.resolve())], out)]
+    windows = systems[1]
+    examples, guide = ROOT / "examples", ROOT / "docs/guide"
+    made = ["out.dxf", "out.svg"] + (["out.png"] if asked.pictures else [])
+    outputs = ["--out", "out.dxf", "--picture", "out.svg"] + (["--picture", "out.png"] if asked.pictures else [])
+
+    for folder, name in ((examples, "kortteli"), (guide, "tontti")):
+        compare(systems, name, ["run", folder / f"{name}.dxf", "--script", folder / f"{name}.scr", "--support", folder,
+                                *outputs], made)
+    drawings = [examples / "kortteli.dxf", guide / "tontti.dxf"]
+    for more in asked.drawings:
+        drawings += sorted(more.glob("*.dxf"))
+    nine = [word for name in ELEMENTS for word in ("--command", f"TLM_MUOK_{name}", "--command", "ALL", "--command", "")]
+    for drawing in drawings:
+        compare(systems, f"nine {drawing.name}", ["run", drawing, *nine, *outputs], made)
+        compare(systems, f"picture {drawing.name}", ["picture", drawing, "out.svg"], ["out.svg"])
+    compare(systems, "info", ["info", "--json", "--jobs", "2", *drawings], [])
+
+    plan = out / "plan.dxf"
+    subprocess.run([sys.executable, ROOT / "Benchmarks/generate/make_plan.py", str(asked.buildings), plan], check=True)
+    compare(systems, "shadows", ["run", plan, "--command", "TLM_VARJO_PAIVITA", "--out", "out.dxf"], ["out.dxf"])
+
+    # ---- streams, jobs, names, line ends: what the systems do differently underneath ----
+    example = examples / "kortteli.dxf"
+    content, script = example.read_bytes(), "TLM_MUOK_SORA\nALL\n\nTLM_VARJO_PAIVITA\n"
+    piped = ["run", "-", "--command", "TLM_MUOK_SORA", "--command", "ALL", "--command", "", "--quiet"]
+    compare(systems, "piped", [*piped, "--out", "-"], [], input=content)
+    compare(systems, "piped to a file", [*piped, "--out", "out.dxf"], ["out.dxf"], input=content)
+    compare(systems, "script by a pipe", ["run", example, "--script", "-", "--out", "out.dxf"], ["out.dxf"],
+            input=script.encode())
+    several = ["run", example, guide / "tontti.dxf", "--out-dir", "made", "--jobs", "2"]
+    jobs = ["made/kortteli.dxf", "made/tontti.dxf"]
+    compare(systems, "jobs", [*several, "--command", "TLM_MUOK_SORA", "--command", "ALL", "--command", ""], jobs)
+    compare(systems, "jobs with a script by a pipe", [*several, "--script", "-"], jobs, input=script.encode())
+    compare(systems, "jobs that fail", [*several, "--command", "NO_SUCH_COMMAND"], jobs)
+    compare(systems, "shell", ["shell", example, "--out", "out.dxf"], ["out.dxf"],
+            input=b"TLM_MUOK_SORA\r\nALL\r\n\r\nNO_SUCH\r\nU\r\n")
+    for name, end in (("unix.scr", "\n"), ("dos.scr", "\r\n"), ("mac.scr", "\r")):
+        for system in systems:
+            (out / system.name / "line ends").mkdir(exist_ok=True)
+            (out / system.name / "line ends" / name).write_bytes(script.replace("\n", end).encode())
+        compare(systems, "line ends", ["run", example, "--script", name, "--out", f"{name}.dxf"], [f"{name}.dxf"])
+    for name in ("Ääkköset ja välit/öylätti 10 % & 'a'.dxf", "/".join("pitkä polku " * 3 + str(i) for i in range(8)) + "/o.dxf"):
+        for system in systems:
+            folder = out / system.name / "names" / pathlib.PurePath(name).parent
+            folder.mkdir(parents=True, exist_ok=True)
+            (folder / "in.dxf").write_bytes(content)
+        compare(systems, "names", ["run", pathlib.PurePath(name).with_name("in.dxf"), "--command", "TLM_MUOK_SORA",
+                                   "--command", "ALL", "--command", "", "--out", name], [name])
+    for arguments in (["--version"], ["--help"], ["run", "no.dxf"], ["picture", example, "x.txt"], ["nonsense"],
+                      ["run", example, "--out", "no folder/x.dxf"], ["run", example, "--script", "no.scr"],
+                      ["run", examples, "--out", "x.dxf"]):
+        compare(systems, "sentences", arguments, [])
+    # The forms in which only Windows names files.
+    for name in ("\\\\?\\" + windows_path(example).replace("/", "\\"), windows_path(example).replace("/", "\\")):
+        done = windows.run("forms", ["run", name, "--command", "REGEN", "--out", "out.dxf"])
+        if done.returncode or windows.file("forms", "out.dxf") is None:
+            fault("forms", f"{name}: {done.stderr!r}")
+
+    print(f"{len(faults)} differences; seconds on Linux {systems[0].seconds:.0f}, under wine {windows.seconds:.0f}")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

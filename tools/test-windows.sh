@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Builds the program for Windows and compares it under wine with the program for Linux, which must have been built
+# (build/release or build/debug). With the window only where tools/windows.sh has built Qt before: that takes an hour.
+# Arguments: --linux PROGRAM; the rest goes to tools/compare-windows.py (--drawings DIR, --buildings N).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+linux=
+if [[ ${1:-} == --linux ]]; then
+  linux=$2
+  shift 2
+fi
+for build in release debug; do
+  [[ -n $linux || ! -x build/$build/bin/tolmex ]] || linux=build/$build/bin/tolmex
+done
+[[ -n $linux ]] || { echo "test-windows: build the program for Linux first: tools/test.sh" >&2; exit 2; }
+
+tools/install-deps.sh g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev xz-utils
+out=build/windows-plain
+options=(--no-window)
+compare=()
+if [[ -e build/windows-qt/root/.built ]]; then
+  out=build/windows
+  options=()
+  compare=(--pictures)
+fi
+tools/windows.sh "${options[@]}" --no-package all windows_tests
+
+# A prefix of our own, without boxes about what wine would like to install.
+export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8
+unset DISPLAY WAYLAND_DISPLAY
+wine=$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)
+[[ -e $WINEPREFIX/system.reg ]] || "$wine" wineboot --init > /dev/null 2>&1 || true
+# One server for all runs: each start of it takes a second.
+server=$(command -v wineserver || ls /usr/lib/wine/wineserver64 /usr/lib/wine/wineserver 2> /dev/null | head -1)
+"$server" -p60 || true
+trap '"$server" -k || true' EXIT
+
+status=0
+for test in "$out"/bin/test_*.exe; do
+  echo "$(basename "$test" .exe):"
+  "$wine" "$test" --gtest_brief=1 || status=1
+done
+python3 tools/compare-windows.py "$linux" "$out/bin/tolmex.exe" build/windows-compared "${compare[@]}" "$@" || status=1
+exit "$status"

@@ -1,0 +1,133 @@
+#!/usr/bin/env bash
+# Builds the program for 64-bit Windows on a Debian machine: build/tolmex-windows.zip and an installer.
+# Usage: tools/windows.sh [--no-window] [--no-package] [--jobs N] [TARGET...]
+# --no-window    without the window, dialogs to be seen, and pictures in PNG and PDF: Qt is not built then
+# --no-package   the program only, in build/windows*/bin
+# Libraries that Debian has not built for Windows come from its source packages and are kept under build/: FreeType takes
+# half a minute, Qt the better part of an hour, once. docs/windows.md tells more.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+here=$PWD
+
+window=ON
+package=yes
+jobs=$(nproc)
+targets=()
+while (($#)); do
+  case $1 in
+    --no-window) window=OFF ;;
+    --no-package) package=no ;;
+    --jobs) jobs=$2; shift ;;
+    --help) sed -n '2,7s/^# //p' "$0"; exit ;;
+    -*) echo "tools/windows.sh: no such option: $1" >&2; exit 2 ;;
+    *) targets+=("$1") ;;
+  esac
+  shift
+done
+
+packages=(g++-mingw-w64-x86-64-posix googletest dpkg-dev xz-utils)
+[[ $package == no ]] || packages+=(nsis zip)
+[[ $window == OFF ]] || packages+=(qt6-base-dev qt6-base-dev-tools qt6-l10n-tools qt6-tools-dev-tools librsvg2-bin)
+tools/install-deps.sh "${packages[@]}"
+
+# The upstream versions that all this was tried with; Debian's own changes to them may come and go.
+freetype_version=2.12.1
+qt_version=6.4.2
+
+# fetch <package> <upstream version> <folder>: unpacks Debian's source package. Its places are the machine's own, read
+# from a copy, so nothing of the machine changes; apt checks the signatures.
+fetch() {
+  local package=$1 wanted=$2 folder=$3 sources=$here/build/sources
+  [[ -e $folder/.unpacked ]] && return
+  mkdir -p "$sources"/{parts,lists/partial,files}
+  cp /etc/apt/sources.list.d/*.sources "$sources/parts/" 2> /dev/null || true
+  sed -i 's/^Types:.*/Types: deb-src/' "$sources"/parts/*.sources 2> /dev/null || true
+  cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2> /dev/null | sed -n 's/^deb /deb-src /p' > "$sources/parts/all.list"
+  local apt=(-o Dir::Etc::SourceList=/dev/null -o "Dir::Etc::SourceParts=$sources/parts" -o "Dir::State::Lists=$sources/lists")
+  local fetched=no
+  apt-get "${apt[@]}" -qq update > /dev/null 2>&1 || true
+  local version
+  version=$(apt-cache "${apt[@]}" showsrc "$package" 2> /dev/null | sed -n 's/^Version: //p' | grep -F "$wanted" | sort -V | tail -1)
+  if [[ -n $version ]]; then
+    (cd "$sources/files" && apt-get "${apt[@]}" -qq source --download-only "$package=$version" > ../log 2>&1) && fetched=yes
+  fi
+  if [[ $fetched == no ]]; then
+    echo "tools/windows.sh: the source package $package $wanted cannot be had from this machine's Debian mirror" >&2
+    exit 3
+  fi
+  rm -rf "$folder"
+  mkdir -p "$(dirname "$folder")"
+  (cd "$sources/files" && dpkg-source --no-check -x "$package"_*.dsc "$folder" > ../log 2>&1)
+  touch "$folder/.unpacked"
+}
+
+cross=(-G Ninja -DCMAKE_BUILD_TYPE=Release "-DCMAKE_TOOLCHAIN_FILE=$here/cmake/mingw.cmake"
+  -DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+libraries=$here/build/windows-libraries
+
+if [[ ! -e $libraries/lib/libfreetype.a ]]; then
+  fetch freetype "$freetype_version" "$here/build/sources/freetype"
+  cmake -S build/sources/freetype -B build/sources/freetype-build "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$libraries" \
+    -DFT_DISABLE_ZLIB=ON -DFT_DISABLE_BZIP2=ON -DFT_DISABLE_PNG=ON -DFT_DISABLE_HARFBUZZ=ON -DFT_DISABLE_BROTLI=ON > build/sources/log
+  cmake --build build/sources/freetype-build --target install -j "$jobs" > build/sources/log
+fi
+
+qt=$here/build/windows-qt/root
+if [[ $window == ON && ! -e $qt/.built ]]; then
+  fetch qt6-base "$qt_version" "$here/build/windows-qt/source"
+  fetch qt6-svg "$qt_version" "$here/build/windows-qt/svg"  # before the long work: mirrors lack it now and then
+  # Of what may be left out, what the program does not use; never anything of the screen.
+  off=(network sql dbus testlib xml concurrent vulkan icu glib zstd direct2d tuiotouch undocommand wizard mdiarea
+    calendarwidget lcdnumber dial graphicsview tableview columnview vnc gif jpeg opengl
+    system_zlib system_png system_jpeg system_pcre2 system_freetype system_harfbuzz)
+  cmake -S build/windows-qt/source -B build/windows-qt/build "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$qt" \
+    -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake -DINPUT_opengl=no \
+    -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DQT_BUILD_TOOLS_WHEN_CROSSCOMPILING=OFF -DBUILD_WITH_PCH=OFF \
+    "${off[@]/#/-DFEATURE_}" > build/windows-qt/log 2>&1
+  nice -n 10 cmake --build build/windows-qt/build -j "$jobs"
+  cmake --install build/windows-qt/build --strip > build/windows-qt/log
+  cmake -S build/windows-qt/svg -B build/windows-qt/svg-build "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$qt" \
+    "-DCMAKE_PREFIX_PATH=$qt" "-DCMAKE_FIND_ROOT_PATH=/usr/x86_64-w64-mingw32;$qt" \
+    -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake > build/windows-qt/log
+  nice -n 10 cmake --build build/windows-qt/svg-build --target install -j "$jobs"
+  touch "$qt/.built"
+fi
+
+out=$here/build/windows
+[[ $window == ON ]] || out=$here/build/windows-plain
+options=(-DTOLMEX_QT=$window -DTOLMEX_BUILD_TESTS=ON -DTOLMEX_BUILD_BENCHMARKS=OFF "-DCMAKE_PREFIX_PATH=$libraries"
+  "-DCMAKE_FIND_ROOT_PATH=/usr/x86_64-w64-mingw32;$libraries;$qt")
+[[ $window == OFF ]] || options+=(-DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake)
+cmake -S . -B "$out" "${cross[@]}" "${options[@]}" > "$out.log" || { cat "$out.log" >&2; exit 1; }
+cmake --build "$out" -j "$jobs" ${targets[@]:+--target "${targets[@]}"}
+
+# What the compiler's own code needs lies beside the program.
+compiler=$(x86_64-w64-mingw32-g++-posix -print-file-name=libstdc++-6.dll)
+cp -u "$(dirname "$compiler")"/{libstdc++-6,libgcc_s_seh-1}.dll /usr/x86_64-w64-mingw32/lib/libwinpthread-1.dll "$out/bin/"
+mkdir -p "$out/bin/fonts"
+cp -u /usr/share/fonts/truetype/dejavu/DejaVuSans{,-Bold}.ttf "$out/bin/fonts/"
+if [[ $window == ON ]]; then
+  cp -u "$qt"/bin/Qt6{Core,Gui,Widgets,Svg,PrintSupport}.dll "$out/bin/"
+  mkdir -p "$out/bin/plugins"
+  cp -ru "$qt"/plugins/{platforms,styles,imageformats} "$out/bin/plugins/"
+  printf '[Paths]\nPlugins = plugins\n' > "$out/bin/qt.conf"
+fi
+[[ $package == yes ]] || exit 0
+
+# ---- the folder that users get ----
+name=Tolmex
+made=$here/build/package/$name
+rm -rf "$here/build/package"
+mkdir -p "$made"
+cp -r "$out"/bin/*.dll "$out"/bin/tolmex.exe "$out"/bin/tolmex.arx "$out"/bin/{support,fonts,tolmex.menu} "$made/"
+x86_64-w64-mingw32-strip --strip-unneeded "$made"/*.dll "$made"/*.exe "$made"/*.arx
+if [[ $window == ON ]]; then
+  cp -r "$out"/bin/{window,plugins,qt.conf} "$made/"
+fi
+cp -rL Host/Dwg/reader "$made/dwg-reader"
+cp -r examples docs README.md "$made/"
+find "$made" -name '.stamp' -delete
+find "$made/examples" "$made/docs" -name '*.py' -delete
+(cd "$here/build/package" && zip -qr9 ../tolmex-windows.zip.part "$name" && mv ../tolmex-windows.zip.part ../tolmex-windows.zip)
+makensis -V2 -NOCD "-DSOURCE=$made" "-DOUTPUT=$here/build/tolmex-setup.exe" "-DWINDOW=$window" Programs/tolmex/share/tolmex.nsi
+ls -l "$here"/build/tolmex-windows.zip "$here"/build/tolmex-setup.exe
