@@ -19,8 +19,7 @@ TEST_F(Sun, MakesAPictureForEachHourAndASheetOfAll) {
         "PLINE\n25496000,6672000\n25496030,6672000\n25496030,6672020\n25496000,6672020\nC\n"
         "TLM_MUOK_RAKENNUS\nL\n\n30211 2\n30206 3.2\n30207 0.5\n30208 0.4\nOK\n"
         "PLINE\n25496040,6672000\n25496040,6672020\n\nTLM_MUOK_AITA_LAUTA\nL\n\nTLM_ASETA_KORKEUS\nP\n\n1.5\n");
-  write("empty.dxf", "  0\nSECTION\n  2\nENTITIES\n  0\nENDSEC\n  0\nEOF\n");
-  ASSERT_EQ(call({"run", "empty.dxf", "--script", "lines.scr", "--out", "house.dxf", "--quiet"}).status, 0);
+  ASSERT_EQ(call({"run", "plan.dxf", "--script", "lines.scr", "--out", "house.dxf", "--quiet"}).status, 0);
   const std::string before = read("house.dxf");
   const Outcome made =
       call({"sun", "house.dxf", "--date", "2026-03-20", "--times", "12,15:30,18:30", "--out-dir", "study"});
