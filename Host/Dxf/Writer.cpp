@@ -65,7 +65,7 @@ class Writer {
         if (!give(all[next++].bytes)) return false;
         continue;
       }
-      Batch batch = ahead.valid() ? ahead.get() : spelledBatch(all, next, std::move(idle));
+      Batch batch = ahead.valid() ? ahead.get() : spelledBatch(all, next, db_.tagWriter());
       next = batch.end;
       if (next < all.size() && all[next].entity != nullptr) {
         // Where the system has no thread to spare, the batch is spelled when it is asked for.

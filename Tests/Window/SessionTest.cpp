@@ -343,9 +343,17 @@ TEST_F(Session, LockedLayersFilesAndStoppedScriptsHaveTheirLinks) {
     EXPECT_NE(told().indexOf("Tallennettu: a b.svg Avaa Avaa kansio"), -1) << told().toStdString();
 
     const std::string before = drawingText();
+    const auto canvasPlace = [this] {
+      return get<QRect>([this] {
+        QWidget& canvas = window->canvas();
+        return QRect(canvas.mapTo(window.get(), QPoint()), canvas.size());
+      });
+    };
+    const QRect placeBefore = canvasPlace();
     ui([&] { window->talk().runLines({"SCRIPT", QString::fromStdString(script.string())}); });
     settle();
     until([this] { return window->banner().isVisible(); }, "the banner");
+    EXPECT_TRUE(canvasPlace() == placeBefore) << "a message must not move the drawing under the cursor";
     EXPECT_NE(get<QString>([this] { return window->banner().text(); }).indexOf("Skripti pysähtyi riville 4"), -1)
         << get<QString>([this] { return window->banner().text(); }).toStdString();
     EXPECT_FALSE(drawingText() == before);

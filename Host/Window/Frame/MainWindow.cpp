@@ -6,6 +6,7 @@
 #include <QDockWidget>
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QGridLayout>
 #include <QLabel>
 #include <QMimeData>
 #include <QScreen>
@@ -103,10 +104,17 @@ void MainWindow::buildCentre() {
   pages_->addWidget(start_);
   pages_->addWidget(canvas_);
   rows->addWidget(tabs_);
-  rows->addWidget(first_);
-  rows->addWidget(waiting_);
-  rows->addWidget(banner_);
-  rows->addWidget(pages_, 1);
+  // Messages lie over the page: one that comes or goes must not move the drawing under the cursor.
+  auto* const messages = new QWidget;
+  auto* const lines = new QVBoxLayout(messages);
+  lines->setContentsMargins(0, 0, 0, 0);
+  lines->setSpacing(0);
+  for (Banner* const each : {first_, waiting_, banner_}) lines->addWidget(each);
+  auto* const layers = new QGridLayout;
+  layers->addWidget(pages_, 0, 0);
+  layers->addWidget(messages, 0, 0, Qt::AlignTop);
+  messages->raise();
+  rows->addLayout(layers, 1);
   desk_->setCentralWidget(middle);
 
   auto* const whole = new QWidget;
