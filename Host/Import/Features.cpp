@@ -405,6 +405,7 @@ class FeatureReader {
       const Geometry thin(line.Simplify(kThin));
       const OGRSimpleCurve& kept = thin != nullptr && thin->IsEmpty() == FALSE ? *thin->toSimpleCurve() : line;
       std::vector<curves::Point2> points;
+      points.reserve(static_cast<std::size_t>(std::max(kept.getNumPoints(), 0)));
       for (int i = 0; i < kept.getNumPoints(); ++i) points.push_back({kept.getX(i), kept.getY(i)});
       if (points.size() > 1) batchOf(element, values).lines.push_back(std::move(points));
     });

@@ -34,8 +34,9 @@ Result<T> readJson(const std::filesystem::path& file, const Fill& fill) {
 /// Refuses names that nothing is read by: a misspelt one would be passed over.
 void checkKeys(const Json& object, const std::vector<std::string>& known, const std::string& what) {
   for (const auto& [key, value] : object.items()) {
-    if (std::find(known.begin(), known.end(), key) == known.end())
-      throw std::invalid_argument(what + " has no \"" + key + "\"");
+    if (std::find(known.begin(), known.end(), key) != known.end()) continue;
+    std::string why = what;
+    throw std::invalid_argument(why.append(" has no \"").append(key).append("\""));
   }
 }
 

@@ -36,7 +36,7 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
   };
   const Cases hinted = {
       {"", "A subcommand is required"},
-      {"ruin plan.dxf", "ruin: No such call; the calls are run, shell, picture, info and desktop"},
+      {"ruin plan.dxf", "ruin: No such call; the calls are run, shell, picture, info, import, sun and desktop"},
       {"run", "PLAN is required"},
       {"run plan.dxf '' --command REGEN", "PLAN: a file name is empty"},
       {"run plan.dxf", "--script, --command or an output (--out, --out-dir, --picture) is required"},

@@ -53,6 +53,7 @@ bool ChildProcess::start(const std::filesystem::path& program, const std::vector
   std::vector<std::string> words{program.string()};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (std::string& word : words) pointers.push_back(word.data());
   pointers.push_back(nullptr);
   const int error = ::posix_spawnp(&process_->number, program.c_str(), &actions, nullptr, pointers.data(), environ);
