@@ -22,11 +22,6 @@ constexpr double kLeastWidth = 0.3;                    // metres: area over half
 constexpr double kLowestFloor = 2, kHighestFloor = 8;  // metres a floor: outside them data are doubtful
 constexpr int kArcSegments = 4;                        // of a quarter of a buffer's round end
 
-std::string shown(double value) {
-  std::string text = text::formatReal(std::round(value * 100) / 100);
-  return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
-}
-
 /// Calls `take` with every polygon in a geometry.
 template <class Take>
 void forEachPolygon(const OGRGeometry& geometry, const Take& take) {
@@ -57,19 +52,12 @@ double lengthOfOutline(const OGRPolygon& polygon) {
   return sum;
 }
 
+/// To the second decimal: measures of map data are no better.
+std::string rounded(double value) { return shown(std::round(value * 100) / 100); }
+
 bool isSliver(const OGRPolygon& polygon) {
   const double area = polygon.get_Area();
   return area < kLeastArea || area / (lengthOfOutline(polygon) / 2) < kLeastWidth;
-}
-
-/// `{name}` by its value; names without one stay.
-std::string filled(std::string text, const std::map<std::string, std::string>& values) {
-  for (const auto& [name, value] : values) {
-    const std::string mark = "{" + name + "}";
-    for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += value.size())
-      text.replace(at, mark.size(), value);
-  }
-  return text;
 }
 
 /// "a"=>"b","c"=>"d": the tags that the reader of OpenStreetMap files keeps together.
@@ -342,7 +330,7 @@ class FeatureReader {
       ++made;
     });
     if (made == 0)
-      leftOut_.add("smaller than " + shown(kLeastArea) + " m2 or narrower than " + shown(kLeastWidth) + " m");
+      leftOut_.add("smaller than " + rounded(kLeastArea) + " m2 or narrower than " + rounded(kLeastWidth) + " m");
   }
 
   std::string floorsOf(const Rule& rule, const OGRPolygon& polygon, const Attributes& attributes) {
@@ -356,7 +344,7 @@ class FeatureReader {
     }
     std::optional<double> height = valueOf(rule.height, attributes);
     const Attributes withArea = [&](std::string_view name) {
-      return name == "area" ? shown(polygon.get_Area()) : attributes(name);
+      return name == "area" ? rounded(polygon.get_Area()) : attributes(name);
     };
     if (!height) height = valueOf(rules_.height, withArea);
     if (floors && height && *floors > 0 && (*height / *floors < kLowestFloor || *height / *floors > kHighestFloor))
@@ -377,7 +365,7 @@ class FeatureReader {
       if (!floors && (by.below == 0 || polygon.get_Area() < by.below)) floors = by.floors;
     }
     constexpr double kMost = 200;
-    return shown(std::clamp(std::round(floors.value_or(1)), 1.0, kMost));
+    return rounded(std::clamp(std::round(floors.value_or(1)), 1.0, kMost));
   }
 
   /// The first of the attributes that tell what buildings are for.
@@ -397,7 +385,7 @@ class FeatureReader {
       std::optional<double> height = valueOf(rule.height, attributes);
       if (height && (*height <= 0 || *height > kHighestFence)) height = valueOf({rule.height.back()}, attributes);
       if (!height) return leftOut_.add("fences without a height");
-      values["height"] = shown(*height);
+      values["height"] = rounded(*height);
     }
     geometry = clipped(std::move(geometry));
     if (geometry == nullptr) return leftOut_.add("that could not be clipped");
@@ -413,7 +401,7 @@ class FeatureReader {
 
   void makePoints(const Rule& rule, const Element& element, const OGRGeometry& geometry, const Attributes& attributes) {
     std::map<std::string, std::string> values;
-    if (const std::optional<double> size = valueOf(rule.size, attributes)) values["size"] = shown(*size);
+    if (const std::optional<double> size = valueOf(rule.size, attributes)) values["size"] = rounded(*size);
     Batch& batch = batchOf(element, sizeClass(element, values));
     const auto add = [&](double x, double y) {
       OGRPoint point(x, y);

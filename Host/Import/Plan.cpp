@@ -5,6 +5,7 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Geometry/Seams.h"
+#include "Import/Values.h"
 #include "Text/Text.h"
 #include "dbents.h"
 #include "dbhatch.h"
@@ -91,20 +92,6 @@ class PlanDrawing {
   std::wstring layer_;
   curves::Box box_;
 };
-
-std::string shown(double value) {
-  const std::string text = text::formatReal(value);
-  return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
-}
-
-std::string filled(std::string text, const std::map<std::string, std::string>& values) {
-  for (const auto& [name, value] : values) {
-    const std::string mark = "{" + name + "}";
-    for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += value.size())
-      text.replace(at, mark.size(), value);
-  }
-  return text;
-}
 
 using Values = std::map<std::string, std::string>;
 

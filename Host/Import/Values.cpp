@@ -145,4 +145,18 @@ bool holds(std::string_view condition, const Attributes& attributes) {
   return true;
 }
 
+std::string shown(double value) {
+  const std::string text = text::formatReal(value);
+  return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
+}
+
+std::string filled(std::string text, const std::map<std::string, std::string>& values) {
+  for (const auto& [name, value] : values) {
+    const std::string mark = "{" + name + "}";
+    for (std::size_t at = 0; (at = text.find(mark, at)) != std::string::npos; at += value.size())
+      text.replace(at, mark.size(), value);
+  }
+  return text;
+}
+
 }  // namespace host::import

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,5 +27,10 @@ std::optional<double> valueOf(const std::vector<std::string>& ways, const Attrib
 /// Terms that must all hold, divided by blanks: "building=*", "highway=primary,secondary", "location!=underground",
 /// "width>3". A value matches patterns with * and ?, without regard to case.
 bool holds(std::string_view condition, const Attributes& attributes);
+
+/// As a user would write it: "12", "0.5".
+std::string shown(double value);
+/// The text with the values in place of their names: "{height}". Names without a value stay.
+std::string filled(std::string text, const std::map<std::string, std::string>& values);
 
 }  // namespace host::import
