@@ -19,7 +19,7 @@ tools/install-deps.sh g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev
 out=build/windows-plain
 options=(--no-window)
 compare=()
-if [[ -e build/windows-qt/root/.built ]]; then
+if [[ -e build/windows-qt/installed/.built ]]; then
   out=build/windows
   options=()
   compare=(--pictures)

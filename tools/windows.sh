@@ -72,7 +72,7 @@ if [[ ! -e $libraries/lib/libfreetype.a ]]; then
   cmake --build build/sources/freetype-build --target install -j "$jobs" > build/sources/log
 fi
 
-qt=$here/build/windows-qt/root
+qt=$here/build/windows-qt/installed
 if [[ $window == ON && ! -e $qt/.built ]]; then
   fetch qt6-base "$qt_version" "$here/build/windows-qt/source"
   fetch qt6-svg "$qt_version" "$here/build/windows-qt/svg"  # before the long work: mirrors lack it now and then
