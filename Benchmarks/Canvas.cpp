@@ -43,8 +43,14 @@ class Stage {
       QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
     } while (!canvas.isSharp());
   }
+  /// Until a frame shows the plan: large plans are laid out on a worker, and frames are empty meanwhile.
+  void paintUntilShown() {
+    while (canvas.isLayingOut()) QApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    paint();
+  }
   /// Shows the middle of the plan, `share` of its width.
   void showMiddle(double share) {
+    paintUntilShown();
     canvas.zoomToAll();
     const host::geometry::Box all = canvas.visibleBox();
     const double x = (all.minX + all.maxX) / 2, y = (all.minY + all.maxY) / 2;
@@ -89,7 +95,7 @@ void firstFrame(Clock& clock, const fs::path& plan) {
   clock.time([&] {
     readPlan(stage.drawing(), plan);
     stage.show();
-    stage.paint();
+    stage.paintUntilShown();
   });
 }
 
