@@ -136,8 +136,9 @@ class Window:
         """A click on a place of a dialog of the plug-in, in its units."""
         window = self.do("getactivewindow")
         expect(self.do("getwindowname", window) == title, f'"{title}" is in front')
-        place = dict(each.split("=") for each in self.do("getwindowgeometry", "--shell", window).split())
-        self.press(int(place["X"]) + round(x * DIALOG_UNIT[0]), int(place["Y"]) + round(y * DIALOG_UNIT[1]))
+        # By the window itself: the place that getwindowgeometry tells is off by the title bar.
+        self.do("mousemove", "--window", window, round(x * DIALOG_UNIT[0]), round(y * DIALOG_UNIT[1]), "click", 1)
+        time.sleep(0.3)
 
     def press(self, x: int, y: int) -> None:
         """A click on a place of the window."""

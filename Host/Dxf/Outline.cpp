@@ -175,6 +175,7 @@ class Outliner {
     table_.reset();
     otherTable_ = nullptr;
     block_ = closed_ = nullptr;
+    outside_ = Outside::Nothing;
   }
 
   void endSection(const RawRecord& record) {

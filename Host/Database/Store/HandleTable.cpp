@@ -32,7 +32,7 @@ void HandleTable::index(const Slots& slots) {
   handles.reserve(byHandle_.size());
   for (const Slot* slot : byHandle_) handles.push_back(slot->handle);
   free_ = findFreeHandles(handles, byHandle_.empty() ? 0 : byHandle_.back()->handle, next_);
-  next_ = free_.begin;
+  next_ = seed_ = free_.begin;
 }
 
 const Slot* HandleTable::repeated() const {
@@ -44,9 +44,14 @@ const Slot* HandleTable::repeated() const {
 void HandleTable::enter(Slot& slot) {
   makeRoom();
   slot.handle = next_++;
+  seed_ = next_;
   byHandle_.push_back(&slot);  // the newest handle is the highest of its part: the order holds
 }
 
-std::uint64_t HandleTable::take(std::uint64_t count) { return std::exchange(next_, next_ + count); }
+std::uint64_t HandleTable::take(std::uint64_t count) {
+  const std::uint64_t first = std::exchange(next_, next_ + count);
+  seed_ = next_;
+  return first;
+}
 
 }  // namespace host::database

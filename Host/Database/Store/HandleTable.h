@@ -29,6 +29,8 @@ class HandleTable {
   /// Takes the next handles from those that are left, without a slot; the first of them.
   std::uint64_t take(std::uint64_t count);
   std::uint64_t next() const { return next_; }
+  /// Above the handles of all new objects but those whose making was undone.
+  std::uint64_t& seed() { return seed_; }
   const FreeHandles& freeHandles() const { return free_; }
 
  private:
@@ -37,6 +39,7 @@ class HandleTable {
   std::size_t ofFile_ = 0;
   FreeHandles free_;
   std::uint64_t next_ = 1;
+  std::uint64_t seed_ = 1;
 };
 
 }  // namespace host::database

@@ -38,6 +38,7 @@ void Journal::begin(std::wstring name, UndoGroup group) {
   current_.group = std::move(group);
   current_.madeBegin = db_.parts().slots.count();
   firstHandle_ = db_.parts().handles.next();
+  current_.seed = db_.parts().handles.seed();
   changesBefore_ = changes_;
   isRecording_ = true;
   ++number_;
@@ -153,6 +154,7 @@ void Journal::swapStep(UndoStep& step) {
     step.states.push_back({&slot, static_cast<std::uint16_t>(slot.flags | kErased), 0, {}});
   }
   step.madeBegin = step.madeEnd = 0;
+  std::swap(step.seed, parts.handles.seed());
   for (SlotState& state : step.states) {
     swapState(parts, state);
     log(*state.slot);

@@ -41,6 +41,7 @@ struct UndoStep {
     std::uint64_t state = 0;
   };
   std::vector<OrderState> orderStates;  // of the sort tables that it changed
+  std::uint64_t seed = 0;               // of handles, before the step (for undo) or after it (for redo)
   bool isEmpty() const { return states.empty() && orderStates.empty() && madeBegin == madeEnd; }
 };
 

@@ -114,7 +114,7 @@ class Settling {
     if (parts_.header.slot() == nullptr) return;
     if (text::parseHandle(text::toUtf8(db_.headerText("$HANDSEED", 5).value_or(L""))) > highest) return;
     TagWriter seed = db_.tagWriter();
-    seed.handle(5, leastSeed(highest, parts_.handles.next()));
+    seed.handle(5, leastSeed(highest, parts_.handles.seed()));
     setVariableIn(recordOf(*parts_.header.slot()), "$HANDSEED", 5, seed, memory_);
   }
 
