@@ -129,6 +129,7 @@ TEST_F(Scenarios, SymbolsComeAndGoTogether) {
     click(10, 36);
     escape();
     EXPECT_EQ(state(), State::Rest);
+    EXPECT_NE(told().indexOf("Symbolit: syntyi 4 "), -1) << told().toStdString();  // of the blocks' contents no word
     EXPECT_EQ(stepCount(), 1U);
     const std::string with = drawingText();
     menu("U");

@@ -140,6 +140,7 @@ void Engine::drawingChanged(const editor::DrawingChange& change) {
   result_.isWhole = result_.isWhole || change.isWhole;
   for (database::Slot* const object : change.objects) {
     if (!object->isEntity() || object->isSubEntity()) continue;
+    if (space_ != nullptr && object->owner != space_->record) continue;  // the contents of a block
     (object->isErased() ? result_.erased : result_.changed).push_back(object);
   }
   emit changed(change);
