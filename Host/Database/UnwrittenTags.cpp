@@ -5,11 +5,14 @@
 namespace host::database {
 
 const std::string_view& UnwrittenTags::text() {
+  if (isWritten()) return text_;
+  DrawingDatabase& db = slot_->database();
+  const std::lock_guard lock(db.parts().spelling);
   if (!isWritten()) {
-    DrawingDatabase& db = slot_->database();
     TagWriter out = db.tagWriter();
     write(out);
     text_ = db.keep(out.str());
+    isWritten_.store(true, std::memory_order_release);
   }
   return text_;
 }

@@ -5,6 +5,7 @@
 // spell.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string_view>
 
@@ -38,8 +39,8 @@ class UnwrittenTags {
   UnwrittenTags(const Slot& slot, const SharedTags& common, const OwnTags& own)
       : slot_(&slot), common_(&common), own_(&own) {}
 
-  bool isWritten() const { return text_.data() != nullptr; }
-  /// The tags as text, which is kept from then on.
+  bool isWritten() const { return isWritten_.load(std::memory_order_acquire); }
+  /// The tags as text, which is kept from then on. Threads that only read a drawing may ask for it at the same time.
   const std::string_view& text();
   /// The same without keeping them.
   void write(TagWriter& out) const;
@@ -53,7 +54,8 @@ class UnwrittenTags {
   const SharedTags* common_;
   const OwnTags* own_;
   std::uint64_t reactor_ = 0;
-  std::string_view text_;
+  std::string_view text_;  // once it is written
+  std::atomic<bool> isWritten_ = false;
 };
 
 /// The vertices of a new polyline as values, before they become slots. Their handles follow the polyline's, that

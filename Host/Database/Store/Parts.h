@@ -1,6 +1,8 @@
 // The parts of a drawing database. Whoever works inside it takes the ones it needs: `db.parts().layers`.
 #pragma once
 
+#include <mutex>
+
 #include "Database/Attachments.h"
 #include "Database/DrawingDatabase.h"
 #include "Database/Memory.h"
@@ -56,6 +58,7 @@ struct DrawingDatabase::Parts {
   RecordEditor editor;
   OpenObjects objects;
   Watchers watchers;
+  std::mutex spelling;  // held by the thread that writes unwritten tags out into `memory`
 
   /// To be called when a layer or a header variable has changed: what was looked up in them is looked up anew.
   void forgetDefaults() {

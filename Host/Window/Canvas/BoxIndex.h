@@ -22,6 +22,13 @@ class BoxIndex {
   /// `finest`: boxes smaller than this share a grid, drawing units.
   explicit BoxIndex(double finest = 1e-3) : finestLevel_(levelOf(finest)) {}
 
+  /// An empty one with the same grids.
+  BoxIndex withoutBoxes() const {
+    BoxIndex other;
+    other.finestLevel_ = finestLevel_;
+    return other;
+  }
+
   void insert(const Box& box, const Value& value) {
     if (!isUsable(box)) return;
     const int level = levelOf(box);

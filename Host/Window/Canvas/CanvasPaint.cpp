@@ -18,15 +18,20 @@ void CanvasView::paintEvent(QPaintEvent*) {
 
 void CanvasView::State::paint(QPainter& painter) {
   painter.fillRect(view.rect(), qColor(groundColors(isDark).ground));
-  if (layingOut != nullptr) {
-    painter.setPen(isDark ? QColor(0xA3, 0xAB, 0xB5) : QColor(0x57, 0x60, 0x6A));
-    painter.drawText(view.rect(), Qt::AlignCenter,
-                     CanvasView::tr("Drawing %1 things…").arg(layingOut->space->space->entities.size()));
+  if (shown != nullptr) {
+    isSharp = tiles.paint(painter, frame);
+    requestTiles();
+    paintMarks(painter);
   }
-  if (shown == nullptr) return;
-  isSharp = tiles.paint(painter, frame);
-  requestTiles();
-  paintMarks(painter);
+  if (layingOut == nullptr) return;
+  const auto& space = layingOut->space != nullptr ? *layingOut->space : *shown;
+  const QString words = CanvasView::tr("Drawing %1 things…").arg(space.space->entities.size());
+  constexpr int kMargin = 6;
+  QRect label = painter.fontMetrics().boundingRect(words).adjusted(-kMargin, -kMargin, kMargin, kMargin);
+  label.moveCenter(view.rect().center());
+  painter.fillRect(label, qColor(groundColors(isDark).ground));
+  painter.setPen(isDark ? QColor(0xA3, 0xAB, 0xB5) : QColor(0x57, 0x60, 0x6A));
+  painter.drawText(label, Qt::AlignCenter, words);
 }
 
 std::vector<SceneRef> CanvasView::State::refs(const std::vector<database::Slot*>& entities) const {

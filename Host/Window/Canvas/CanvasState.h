@@ -50,21 +50,29 @@ struct CanvasView::State {
   /// What the next clicks are for instead of answers.
   enum class Task { None, ZoomWindow, Rectangle, Place };
 
-  /// A space that a worker lays out.
+  /// A space that a worker lays out: one that is not shown yet, or the one shown, after much of it has changed.
   struct LayingOut {
     std::unique_ptr<SpaceView> space;
+    const SceneKeeper* former = nullptr;  // of the space shown; its scene stays in sight meanwhile
     std::unique_ptr<SceneKeeper> made;
     bool hasBegun = false;
+    std::atomic<bool> isUnwanted = false;
     std::binary_semaphore done{0};
   };
   void layOut(std::unique_ptr<SpaceView> space);
+  void layOutAnew();
+  void beginLayingOutSoon();
   void beginLayingOut();
   void endLayingOut();
+  /// Gives up laying out anew; it is to be done again.
+  void leaveLayingOut();
+  /// Shows what has changed since the last time.
+  void followChanges();
 
   // view
   const Scene* scene() const { return shown != nullptr ? shown->keeper->scene().get() : nullptr; }
   void show(SpaceView* space);
-  void sceneChanged(const std::vector<Box>* parts);
+  void sceneChanged(const std::vector<Box>& parts);
   void viewMoved();
   void remember();  // the present view, for going back
   void zoomAbout(QPointF pixel, double factor);
@@ -77,7 +85,9 @@ struct CanvasView::State {
   void select(std::vector<database::Slot*> entities);
 
   // pointing
-  bool mayPoint() const { return shown != nullptr && (mode == CanvasMode::Rest || mode == CanvasMode::Asking); }
+  bool mayPoint() const {
+    return shown != nullptr && layingOut == nullptr && (mode == CanvasMode::Rest || mode == CanvasMode::Asking);
+  }
   bool picksOne() const { return mode == CanvasMode::Asking && question.wanted == editor::Wanted::Entity; }
   bool picksMany() const {
     return mode == CanvasMode::Rest || (mode == CanvasMode::Asking && question.wanted == editor::Wanted::Entities);
@@ -120,6 +130,8 @@ struct CanvasView::State {
   CanvasView& view;
   std::vector<std::unique_ptr<SpaceView>> spaces;
   std::shared_ptr<LayingOut> layingOut;
+  editor::DrawingChange pending;  // of the space shown
+  bool isOutOfDate = false;       // as a whole: its keeper is of use for painting alone
   SpaceView* shown = nullptr;
   ViewFrame frame;  // centre in scene coordinates
   TileStore tiles;

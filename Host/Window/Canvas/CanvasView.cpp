@@ -21,6 +21,7 @@ constexpr double kCoarsestCurvePx = 0.12;
 
 /// Entities that are laid out before the first frame; more would keep the window waiting.
 constexpr std::size_t kMostAtOnce = 10'000;
+constexpr Box kEverywhere{-1e16, -1e16, 1e16, 1e16};
 constexpr std::size_t kMostPointsAFrame = 4000;  // of selected entities drawn with each frame
 
 std::size_t pointsOf(const std::vector<SceneRef>& entities) {
@@ -105,6 +106,8 @@ void CanvasView::State::show(SpaceView* space) {
     shown->centre = scene()->toPlan(frame.centre);
   }
   shown = space;
+  pending = {};
+  isOutOfDate = false;
   order.clear();
   snaps.clear();
   snapLines.clear();
@@ -129,10 +132,10 @@ void CanvasView::State::show(SpaceView* space) {
 }
 
 /// The drawing has changed; the picture follows part by part.
-void CanvasView::State::sceneChanged(const std::vector<Box>* parts) {
+void CanvasView::State::sceneChanged(const std::vector<Box>& parts) {
   shown->changeCount = shown->drawing->changeCount();
   snapLines.clear();
-  tiles.setScene(shown->keeper->scene(), parts);
+  tiles.setScene(shown->keeper->scene(), &parts);
   isSharp = false;
   const auto isGone = [this](const database::Slot* slot) { return !shown->keeper->find(slot); };
   if (std::ranges::any_of(selected, isGone)) {
@@ -197,7 +200,7 @@ void CanvasView::State::showBox(const Box& plan, double margin) {
 
 /// Lays what is seen from near out anew where its curves would show corners.
 void CanvasView::State::refineCurves() {
-  if (shown == nullptr) return;
+  if (shown == nullptr || layingOut != nullptr || isOutOfDate) return;
   const std::vector<Box> changed = shown->keeper->refine(frame.visible(), kCoarsestCurvePx / frame.scale());
   if (changed.empty()) return;
   isSharp = false;
@@ -235,7 +238,8 @@ void CanvasView::setDrawing(database::DrawingDatabase* drawing, const database::
   s.highlighted.clear();
   s.blinking.clear();
   if (s.layingOut != nullptr) {
-    if (s.layingOut->space->drawing == drawing && s.layingOut->space->space == space) return;
+    const State::SpaceView& worked = s.layingOut->space != nullptr ? *s.layingOut->space : *s.shown;
+    if (worked.drawing == drawing && worked.space == space) return;
     finishLayingOut();
   }
   if (drawing == nullptr || space == nullptr) return s.show(nullptr);
@@ -252,10 +256,10 @@ void CanvasView::setDrawing(database::DrawingDatabase* drawing, const database::
     found = made.get();
     s.spaces.push_back(std::move(made));
   } else if (found->changeCount != drawing->changeCount()) {
-    editor::DrawingChange change;
-    change.isWhole = true;
-    found->keeper->update(change);
-    found->changeCount = drawing->changeCount();
+    s.show(found);
+    s.pending.isWhole = true;
+    s.followChanges();
+    return;
   }
   s.show(found);
 }
@@ -266,19 +270,56 @@ void CanvasView::State::layOut(std::unique_ptr<SpaceView> space) {
   show(nullptr);
   layingOut = std::make_shared<LayingOut>();
   layingOut->space = std::move(space);
+  beginLayingOutSoon();
+}
+
+/// The picture stays as it was until the worker has done, and can be moved; nothing is pointed at meanwhile.
+void CanvasView::State::layOutAnew() {
+  pending = {};
+  isOutOfDate = true;
+  order.clear();
+  place = 0;
+  layingOut = std::make_shared<LayingOut>();
+  layingOut->former = shown->keeper.get();
+  beginLayingOutSoon();
+  view.update();
+}
+
+void CanvasView::State::beginLayingOutSoon() {
   QTimer::singleShot(0, &view, [this] {
     if (mode != CanvasMode::Working) beginLayingOut();
   });
+}
+
+void CanvasView::State::followChanges() {
+  const bool hasChanges = pending.isWhole || !pending.objects.empty();
+  if (shown == nullptr || (!hasChanges && (!isOutOfDate || layingOut != nullptr))) return;
+  if (layingOut != nullptr) leaveLayingOut();
+  // Who answers a question wants to point, so that the window waits.
+  if (mode == CanvasMode::Rest && isOutOfDate) return layOutAnew();
+  const editor::DrawingChange change = std::exchange(pending, {});
+  if (isOutOfDate) {
+    const std::atomic<bool> isUnwanted = false;
+    shown->keeper = std::make_unique<SceneKeeper>(*shown->keeper, isUnwanted);
+    isOutOfDate = false;
+    return sceneChanged({kEverywhere});
+  }
+  const std::size_t most = mode == CanvasMode::Rest ? kMostAtOnce : std::numeric_limits<std::size_t>::max();
+  if (const std::optional<std::vector<Box>> parts = shown->keeper->update(change, most))
+    sceneChanged(*parts);
+  else
+    layOutAnew();
 }
 
 void CanvasView::State::beginLayingOut() {
   if (layingOut == nullptr || layingOut->hasBegun) return;
   layingOut->hasBegun = true;
   // What the drawing looks up when it is first asked for is looked up here.
-  (void)layingOut->space->drawing->layouts();
+  (void)(layingOut->former != nullptr ? *shown : *layingOut->space).drawing->layouts();
   QThreadPool::globalInstance()->start([job = layingOut, target = &view] {
     try {
-      job->made = std::make_unique<SceneKeeper>(*job->space->drawing, *job->space->space);
+      job->made = job->former != nullptr ? std::make_unique<SceneKeeper>(*job->former, job->isUnwanted)
+                                         : std::make_unique<SceneKeeper>(*job->space->drawing, *job->space->space);
     } catch (const std::bad_alloc&) {
       job->made = nullptr;
     }
@@ -297,14 +338,32 @@ void CanvasView::State::endLayingOut() {
   beginLayingOut();
   layingOut->done.acquire();
   const std::shared_ptr<LayingOut> job = std::exchange(layingOut, nullptr);
-  if (job->made == nullptr) return;  // memory has ended: nothing is shown
+  if (job->made == nullptr) return;  // memory has ended: nothing is shown, or the former picture
+  if (job->former != nullptr) {
+    shown->keeper = std::move(job->made);
+    isOutOfDate = false;
+    return sceneChanged({kEverywhere});
+  }
   job->space->keeper = std::move(job->made);
   job->space->changeCount = job->space->drawing->changeCount();
   spaces.push_back(std::move(job->space));
   show(spaces.back().get());
 }
 
-void CanvasView::finishLayingOut() { state_->endLayingOut(); }
+void CanvasView::State::leaveLayingOut() {
+  const std::shared_ptr<LayingOut> job = std::exchange(layingOut, nullptr);
+  job->isUnwanted = true;
+  if (job->hasBegun) job->done.acquire();
+}
+
+void CanvasView::finishLayingOut() {
+  State& s = *state_;
+  if (s.layingOut == nullptr) return;
+  if (s.layingOut->former != nullptr)
+    s.leaveLayingOut();
+  else
+    s.endLayingOut();
+}
 bool CanvasView::isLayingOut() const { return state_->layingOut != nullptr; }
 
 void CanvasView::keepOnly(const std::vector<const database::DrawingDatabase*>& drawings) {
@@ -324,8 +383,9 @@ void CanvasView::forget(const database::DrawingDatabase* drawing) {
 void CanvasView::drawingChanged(const editor::DrawingChange& change) {
   State& s = *state_;
   if (s.shown == nullptr) return;
-  const std::vector<Box> parts = s.shown->keeper->update(change);
-  s.sceneChanged(&parts);
+  s.pending.isWhole = s.pending.isWhole || change.isWhole;
+  s.pending.objects.insert(s.pending.objects.end(), change.objects.begin(), change.objects.end());
+  if (s.mode != CanvasMode::Working) s.followChanges();
 }
 
 void CanvasView::setMode(CanvasMode mode, const CanvasQuestion& question) {
@@ -340,6 +400,7 @@ void CanvasView::setMode(CanvasMode mode, const CanvasQuestion& question) {
   if (mode == CanvasMode::Working) {
     s.workingTimer.start(kWaitCursorMs);
   } else {
+    s.followChanges();
     s.beginLayingOut();
     s.workingTimer.stop();
     if (!s.refineTimer.isActive()) s.refineTimer.start(kRefineMs);
@@ -369,6 +430,8 @@ void CanvasView::setHighlighted(const std::vector<database::Slot*>& entities) {
 
 void CanvasView::blink(const std::vector<database::Slot*>& entities) {
   if (style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this) <= 0) return;  // less motion is wished
+  constexpr std::size_t kMostBlinking = 2000;  // more keep frames waiting, and nobody looks for them
+  if (entities.size() > kMostBlinking) return;
   state_->blinking = entities;
   state_->blinkStrength = 1;
   state_->blinkTimer.start(kBlinkMs / 10);
@@ -496,7 +559,7 @@ bool CanvasView::isKeyboardPointing() const { return state_->isKeyboardPointing;
 bool CanvasView::isDarkGround() const { return state_->isDark; }
 database::Slot* CanvasView::hovered() const { return state_->hovered(); }
 bool CanvasView::isSharp() const {
-  return state_->isSharp && !state_->refineTimer.isActive() && state_->layingOut == nullptr;
+  return state_->isSharp && !state_->refineTimer.isActive() && state_->layingOut == nullptr && !state_->isOutOfDate;
 }
 std::uint32_t CanvasView::snapKinds() const { return state_->snapKinds; }
 

@@ -160,9 +160,24 @@ void copyEntity(const SceneChunk& from, std::uint32_t index, SceneChunk& to) {
 SceneKeeper::SceneKeeper(database::DrawingDatabase& drawing, const database::BlockContents& space)
     : drawing_(drawing), space_(space) {
   chooseOriginAndDeviation();
+  begin();
+}
+
+SceneKeeper::SceneKeeper(const SceneKeeper& former, const std::atomic<bool>& isUnwanted)
+    : drawing_(former.drawing_),
+      space_(former.space_),
+      index_(former.index_.withoutBoxes()),
+      origin_(former.origin_),
+      deviation_(former.deviation_),
+      isUnwanted_(&isUnwanted) {
+  begin();
+  isUnwanted_ = nullptr;
+}
+
+void SceneKeeper::begin() {
   styles_ = readStyles();
   blocks_ = blockRecords();
-  const std::vector<Slot*> order = drawing.drawOrder(space);
+  const std::vector<Slot*> order = drawing_.drawOrder(space_);
   places_.reserve(order.size());
   rebuild(order, {});
 }
@@ -255,7 +270,7 @@ void SceneKeeper::addOlder(const Styles& now, Anew& anew) const {
         anew.emplace(entity.slot, std::min<double>(deviation_, entity.deviation > 0 ? entity.deviation : deviation_));
 }
 
-std::vector<Box> SceneKeeper::update(const editor::DrawingChange& change) {
+std::optional<std::vector<Box>> SceneKeeper::update(const editor::DrawingChange& change, std::size_t most) {
   Anew anew;
   // As finely as it was laid out before.
   const auto add = [&](const Slot* slot, SceneRef before) {
@@ -298,6 +313,7 @@ std::vector<Box> SceneKeeper::update(const editor::DrawingChange& change) {
   styles_ = std::move(now);
   if (isElsewhere && !isStyle) styles_.elsewhere = readStyles().elsewhere;
   blocks_ = blockRecords();
+  if (anew.size() > most) return std::nullopt;
   return rebuild(order, anew);
 }
 
@@ -362,6 +378,7 @@ std::vector<Box> SceneKeeper::rebuild(const std::vector<Slot*>& order, const Ane
   for (std::size_t i = 0; i < order.size();) {
     Slot* const slot = order[i];
     const auto place = places_.find(slot);
+    if (isUnwanted_ != nullptr && isUnwanted_->load(std::memory_order_relaxed)) return {};
     if (place == places_.end()) {
       compose(slot, deviation_, nullptr);
       ++i;

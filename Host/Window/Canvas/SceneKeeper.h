@@ -2,6 +2,8 @@
 // still; the scenes that it gives out may be read by any thread.
 #pragma once
 
+#include <atomic>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -26,10 +28,15 @@ struct SceneRef {
 class SceneKeeper {
  public:
   SceneKeeper(database::DrawingDatabase& drawing, const database::BlockContents& space);
+  /// Of the same space as `former`, laid out anew with its coordinates. Gives up when `isUnwanted` says so meanwhile:
+  /// there is no scene then.
+  SceneKeeper(const SceneKeeper& former, const std::atomic<bool>& isUnwanted);
   ~SceneKeeper();
 
-  /// What looks different now, scene coordinates; many parts are given as one.
-  std::vector<Box> update(const editor::DrawingChange& change);
+  /// What looks different now, scene coordinates; many parts are given as one. Nothing, and the keeper is not to be
+  /// asked any more, when more than `most` entities had to be laid out.
+  std::optional<std::vector<Box>> update(const editor::DrawingChange& change,
+                                         std::size_t most = std::numeric_limits<std::size_t>::max());
   /// Lays the curves that can be seen out anew when they are coarser than `deviation` (drawing units).
   std::vector<Box> refine(const Box& visible, double deviation);
 
@@ -68,6 +75,7 @@ class SceneKeeper {
   Styles readStyles() const;
   bool dependsOnOthers(const database::Slot& entity) const;
   std::unordered_set<const database::Slot*> blockRecords() const;
+  void begin();
   void chooseOriginAndDeviation();
   void addOlder(const Styles& now, Anew& anew) const;
   std::vector<Box> rebuild(const std::vector<database::Slot*>& order, const Anew& anew);
@@ -84,6 +92,7 @@ class SceneKeeper {
   picture::GlyphSource glyphs_;
   Point origin_;
   double deviation_ = 0;  // of curves, until they are looked at closely
+  const std::atomic<bool>* isUnwanted_ = nullptr;
 };
 
 }  // namespace host::window

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <algorithm>
+#include <unordered_set>
 
 #include "Window/Commands/Language.h"
 
@@ -93,12 +94,20 @@ void Engine::questionAsked() {
 /// New entities stand behind those that the space had before.
 void Engine::countMade() {
   if (space_ == nullptr || space_ != application_->currentSpace() || result_.isWhole) return;
+  std::unordered_set<const database::Slot*> isNew;
   for (std::size_t i = entitiesBefore_; i < space_->entities.size(); ++i) {
     database::Slot* const entity = space_->entities[i];
-    std::erase(result_.changed, entity);
-    std::erase(result_.erased, entity);  // made and erased by one command: nobody has seen it
+    isNew.insert(entity);
     if (!entity->isErased() && !entity->isSubEntity()) result_.made.push_back(entity);
   }
+  // Made and erased by one command: nobody has seen it. A command that regenerates tells of an entity more than once.
+  const auto keepOthersOnce = [&](std::vector<database::Slot*>& entities) {
+    std::unordered_set<const database::Slot*> seen;
+    std::erase_if(entities,
+                  [&](const database::Slot* entity) { return isNew.contains(entity) || !seen.insert(entity).second; });
+  };
+  keepOthersOnce(result_.changed);
+  keepOthersOnce(result_.erased);
 }
 
 void Engine::stop() {

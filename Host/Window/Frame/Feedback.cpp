@@ -5,6 +5,7 @@
 #include <QSet>
 #include <algorithm>
 #include <array>
+#include <unordered_set>
 
 #include "Database/DrawingDatabase.h"
 #include "Window/Commands/Language.h"
@@ -78,10 +79,11 @@ Feedback feedbackOf(const CommandResult& result, const CommandTables& tables) {
   while (!command.isEmpty() && QStringLiteral("'_-.").contains(command.front())) command.remove(0, 1);
   if (result.isWhole || silentCommands().contains(command)) return feedback;
   std::vector<database::Slot*> unchanged;
-  for (database::Slot* const entity : result.chosen) {
-    const auto isIn = [entity](const auto& list) { return std::ranges::find(list, entity) != list.end(); };
-    if (!isIn(result.changed) && !isIn(result.made) && !isIn(result.erased)) unchanged.push_back(entity);
-  }
+  std::unordered_set<const database::Slot*> touched;
+  for (const auto* const list : {&result.changed, &result.made, &result.erased})
+    touched.insert(list->begin(), list->end());
+  for (database::Slot* const entity : result.chosen)
+    if (!touched.contains(entity)) unchanged.push_back(entity);
   const auto say = [](const char* text) { return translated(text); };
   QStringList parts;
   if (!result.changed.empty()) parts += say(QT_TRANSLATE_NOOP("Feedback", "changed %1")).arg(result.changed.size());
