@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -182,6 +183,19 @@ void checkPictureOptions(const PictureOptions& options) {
 
 constexpr const char* kQuietText = "do not print what the command line would show";
 
+/// The options that were given, without those that only say how the work is done.
+std::string optionsAsGiven(const CLI::App& call) {
+  std::string all = TOLMEX_VERSION;
+  for (const CLI::Option* option : call.get_options()) {
+    const std::string name = option->get_name();
+    constexpr std::array kOfTheWork = {"PLAN", "--jobs", "--report", "--resume", "--quiet"};
+    if (option->count() == 0 || std::find(kOfTheWork.begin(), kOfTheWork.end(), name) != kOfTheWork.end()) continue;
+    all += "\n" + name;
+    for (const std::string& value : option->results()) all += "\t" + value;
+  }
+  return all;
+}
+
 void addRun(CLI::App& app, RunOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("run", "run a script on drawings, save them, draw pictures of them");
   addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
@@ -199,23 +213,24 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
   addPictureOptions(*call, options.picture);
   addVariables(*call, options);
   addSupport(*call, options);
-  call->add_flag("--resume", options.resume,
-                 "leave drawings whose outputs are there and newer than drawing and script; with --out-dir or --out");
+  call->add_flag(
+      "--resume", options.resume,
+      "leave drawings whose outputs are there, made by the same script and options from a drawing that has not "
+      "changed since");
   call->add_option("--report", options.report, "a line of JSON for each drawing: result, seconds, outputs, messages")
       ->type_name("FILE");
   call->add_flag("--strict", options.strict,
                  "fail, with status 3, when a command skips an object or a pick finds nothing");
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kRunExamples));
-  call->callback([&] {
+  call->callback([&options, &status, call] {
     if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
-    if (options.resume && !options.commands.empty())
-      throw CLI::ValidationError("--resume", "lines given with --command have no date; put them into a script");
     // Without a script the drawing is only converted, or drawn.
     const bool hasOutput = options.out || options.folder || !options.pictures.empty();
     if (options.script.empty() && options.commands.empty() && !hasOutput)
       throw CLI::RequiredError("--script, --command or an output (--out, --out-dir, --picture)");
     checkPictureOptions(options.picture);
+    options.asGiven = optionsAsGiven(*call);
     status = runDrawings(options);
   });
 }

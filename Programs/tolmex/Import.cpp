@@ -12,6 +12,7 @@
 #include "LateLibrary.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "RunSum.h"
 #include "Text/Text.h"
 #include "dbapserv.h"
 
@@ -139,6 +140,7 @@ int importPlan(const ImportOptions& options) {
   if (options.illustrate) {
     screen.showTranscript(true);
     const Result<> done = runScript(session.application(), imported->script, script.filename().string());
+    tellSummary(session.application().summary(), done.ok(), options.quiet);
     std::fflush(stdout);
     if (!done) return complain(done.problem());
   }
