@@ -124,6 +124,8 @@ int importPlan(const ImportOptions& options) {
   }
   for (const std::string& warning : imported->warnings) complain(RunStatus::Done, warning);
   drawing->hostDatabase().releaseObjects();
+  if (imported->system.starts_with("EPSG:"))
+    outputs.picture.system = imported->system.substr(0, imported->system.find(' '));
   // The program's own sheets have these fields; what the caller gives comes behind and counts.
   const bool isOwnSheet = !outputs.picture.sheetFile.empty() && fs::path(outputs.picture.sheetFile).extension().empty();
   if (isOwnSheet) {
