@@ -16,6 +16,7 @@
 #include "Editor/InputSource.h"
 #include "Editor/Observer.h"
 #include "Editor/Prompter.h"
+#include "Editor/RunSummary.h"
 #include "Problems/Problem.h"
 
 namespace host::editor {
@@ -94,6 +95,8 @@ class Application {
   bool quitRequested() const;
   /// An answer or command of interactive input has failed, which did not end it.
   bool hasFailed() const;
+  /// What was done since the application was made.
+  RunSummary summary() const;
   /// Makes the running command's next question end in Esc and stops the script; a command at work is left, and the
   /// drawing is as it was before it. Safe from signal handlers and threads.
   static void interrupt();

@@ -1,7 +1,8 @@
 // Answers from lines of text.
 //
 // A line end ends an answer, and so does a blank where the prompt takes no blanks; an empty line is Enter. A line that
-// begins with ";" is a comment, "^C" is Esc, text in quotes ("" for a quote inside) is one answer.
+// begins with ";" is a comment, "^C" is Esc, text in quotes ("" for a quote inside) is one answer. In a script a "("
+// where a word is wanted goes on until it is closed, over several lines if need be; an empty line ends it in any case.
 #pragma once
 
 #include <filesystem>
@@ -31,9 +32,9 @@ class LineInput : public InputSource {
  private:
   bool fetchLine(const Question& question);
   Answer takeRest(AnswerForm form);
-  Answer takeWord();
+  Answer takeWord(const Question& question);
   std::wstring takeQuoted();
-  std::wstring takeParenthesized();
+  std::wstring takeParenthesized(const Question& question);
   void endWord();
 
   std::wstring line_;

@@ -1,12 +1,17 @@
 #include "Import/Features.h"
 
 #include <cpl_conv.h>
+#include <cpl_vsi.h>
 #include <gdal_priv.h>
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
+#include <iterator>
 #include <set>
 
+#include "Import/BaseMap.h"
+#include "Import/Buildings.h"
 #include "Import/Systems.h"
 #include "Import/Values.h"
 #include "Text/Text.h"
@@ -17,23 +22,10 @@ namespace {
 using Geometry = std::unique_ptr<OGRGeometry>;
 
 constexpr double kThin = 0.02;                         // metres: corners nearer to a line than that go
-constexpr double kLeastArea = 2;                       // square metres; less is a sliver
-constexpr double kLeastWidth = 0.3;                    // metres: area over half the outline
 constexpr double kLowestFloor = 2, kHighestFloor = 8;  // metres a floor: outside them data are doubtful
 constexpr int kArcSegments = 4;                        // of a quarter of a buffer's round end
 
-/// Calls `take` with every polygon in a geometry.
-template <class Take>
-void forEachPolygon(const OGRGeometry& geometry, const Take& take) {
-  const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
-  if (type == wkbPolygon) {
-    take(*geometry.toPolygon());
-  } else if (OGR_GT_IsSubClassOf(type, wkbGeometryCollection) != FALSE) {
-    for (const OGRGeometry* part : *geometry.toGeometryCollection()) forEachPolygon(*part, take);
-  }
-}
-
-/// The same with every line; rings of polygons are lines too.
+/// Calls `take` with every line in a geometry; rings of polygons are lines too.
 template <class Take>
 void forEachLine(const OGRGeometry& geometry, const Take& take) {
   const OGRwkbGeometryType type = wkbFlatten(geometry.getGeometryType());
@@ -46,19 +38,8 @@ void forEachLine(const OGRGeometry& geometry, const Take& take) {
   }
 }
 
-double lengthOfOutline(const OGRPolygon& polygon) {
-  double sum = 0;
-  for (const OGRLinearRing* ring : polygon) sum += ring->get_Length();
-  return sum;
-}
-
 /// To the second decimal: measures of map data are no better.
 std::string rounded(double value) { return shown(std::round(value * 100) / 100); }
-
-bool isSliver(const OGRPolygon& polygon) {
-  const double area = polygon.get_Area();
-  return area < kLeastArea || area / (lengthOfOutline(polygon) / 2) < kLeastWidth;
-}
 
 /// "a"=>"b","c"=>"d": the tags that the reader of OpenStreetMap files keeps together.
 std::string tagOf(std::string_view all, std::string_view name) {
@@ -73,21 +54,32 @@ std::string tagOf(std::string_view all, std::string_view name) {
   return value;
 }
 
-/// How many features met with what, in the order of its first meeting.
-class Tally {
+/// A source as GDAL's readers can take it: base maps from memory, with one place for each thing; others as they are.
+class BaseMapFile {
  public:
-  void add(const std::string& what, std::size_t count = 1) {
-    const auto same = std::find_if(all_.begin(), all_.end(), [&what](const auto& each) { return each.first == what; });
-    if (same != all_.end()) {
-      same->second += count;
-    } else if (count > 0) {
-      all_.emplace_back(what, count);
-    }
+  explicit BaseMapFile(const std::filesystem::path& source) : name_(source.string()) {
+    std::ifstream stream(source, std::ios::binary);
+    constexpr std::size_t kBeginning = 4096;
+    text_.resize(kBeginning);
+    stream.read(text_.data(), kBeginning);
+    text_.resize(static_cast<std::size_t>(stream.gcount()));
+    if (!isBaseMap(text_)) return;
+    text_.append(std::istreambuf_iterator<char>(stream), {});
+    text_ = withOnePlaceEach(text_);
+    isInMemory_ = true;
+    name_ = "/vsimem/tolmex/" + source.stem().string() + ".gml";
+    VSIFCloseL(VSIFileFromMemBuffer(name_.c_str(), reinterpret_cast<GByte*>(text_.data()), text_.size(), FALSE));
   }
-  const std::vector<std::pair<std::string, std::size_t>>& all() const { return all_; }
+  ~BaseMapFile() {
+    if (isInMemory_) VSIUnlink(name_.c_str());
+  }
+  BaseMapFile(const BaseMapFile&) = delete;
+  BaseMapFile& operator=(const BaseMapFile&) = delete;
+  const char* name() const { return name_.c_str(); }
 
  private:
-  std::vector<std::pair<std::string, std::size_t>> all_;
+  std::string name_, text_;
+  bool isInMemory_ = false;
 };
 
 class FeatureReader {
@@ -100,6 +92,7 @@ class FeatureReader {
     CPLSetErrorHandler([](CPLErr, CPLErrorNum, const char*) {});  // what fails is told by the calls that fail
     CPLSetConfigOption("OGR_GEOMETRY_ACCEPT_UNCLOSED_RING", "NO");
     CPLSetConfigOption("OGR_ARC_STEPSIZE", "11.25");
+    CPLSetConfigOption("GML_FIELDTYPES", "ALWAYS_STRING");  // codes such as 011 are no numbers
     const std::filesystem::path osm = call_.rules.parent_path() / "osmconf.ini";
     if (std::filesystem::exists(osm)) CPLSetConfigOption("OSM_CONFIG_FILE", osm.c_str());
     if (!call_.system.empty()) {
@@ -110,7 +103,11 @@ class FeatureReader {
     for (const std::filesystem::path& source : call_.sources) {
       if (Result<> taken = readSource(source); !taken) return taken;
     }
-    dropInner();
+    sortOut(buildings_, leftOut_, done_);
+    for (Building& building : buildings_) {
+      batchOf(*building.element, {{"floors", rounded(building.floors)}})
+          .areas.push_back({std::move(building.shape), building.roof});
+    }
     merge();
     return finished();
   }
@@ -122,8 +119,10 @@ class FeatureReader {
 
   Result<> readSource(const std::filesystem::path& source) {
     CPLErrorReset();
+    const BaseMapFile baseMap(source);
+    const char* const kOpenOptions[] = {"WRITE_GFS=NO", nullptr};  // nothing is left beside the source
     const std::unique_ptr<GDALDataset, void (*)(GDALDataset*)> data(
-        GDALDataset::Open(source.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY),
+        GDALDataset::Open(baseMap.name(), GDAL_OF_VECTOR | GDAL_OF_READONLY, nullptr, kOpenOptions),
         [](GDALDataset* each) { GDALClose(each); });
     if (data == nullptr) {
       const std::string why = CPLGetLastErrorMsg();
@@ -323,17 +322,26 @@ class FeatureReader {
         ++slivers;
         return;
       }
-      const auto values = element.layer.find("{floors}") != std::string::npos
-                              ? std::map<std::string, std::string>{{"floors", floorsOf(rule, polygon, attributes)}}
-                              : std::map<std::string, std::string>();
-      batchOf(element, values).areas.emplace_back(polygon.clone());
+      if (element.keepsWhole) {
+        buildings_.push_back(buildingOf(rule, element, polygon, attributes));
+      } else {
+        batchOf(element, {}).areas.push_back({std::unique_ptr<OGRPolygon>(polygon.clone()), {}});
+      }
       ++made;
     });
     if (made == 0)
       leftOut_.add("smaller than " + rounded(kLeastArea) + " m2 or narrower than " + rounded(kLeastWidth) + " m");
   }
 
-  std::string floorsOf(const Rule& rule, const OGRPolygon& polygon, const Attributes& attributes) {
+  Building buildingOf(const Rule& rule, const Element& element, const OGRPolygon& polygon,
+                      const Attributes& attributes) {
+    Building building;
+    building.element = &element;
+    building.shape.reset(polygon.clone());
+    building.isPart = rule.isPart;
+    building.roof = roofOf(rules_.roof, attributes);
+    if (valueOf(rule.bottom, attributes).value_or(0) > 0)
+      doubtful_.add("parts of buildings that begin above the ground; their shadows reach down to it");
     std::optional<double> floors;
     for (const auto* ways : {&rule.floors, &rules_.floors}) {
       for (const std::string& way : *ways) {
@@ -355,6 +363,7 @@ class FeatureReader {
       floors = std::round(*height / rules_.floorHeight);
       known_.add("heights");
     }
+    building.hasFloors = floors.has_value();
     if (!floors) {
       const std::wstring use = text::fromUtf8(useOf(attributes));
       for (const auto& [pattern, by] : rules_.floorsByUse) {
@@ -365,7 +374,8 @@ class FeatureReader {
       if (!floors && (by.below == 0 || polygon.get_Area() < by.below)) floors = by.floors;
     }
     constexpr double kMost = 200;
-    return rounded(std::clamp(std::round(floors.value_or(1)), 1.0, kMost));
+    building.floors = std::clamp(std::round(floors.value_or(1)), 1.0, kMost);
+    return building;
   }
 
   /// The first of the attributes that tell what buildings are for.
@@ -443,50 +453,22 @@ class FeatureReader {
 
   // ---- all together -------------------------------------------------------------------------------------------------
 
-  /// Of buildings that lie in others, the outer ones stay: two would cast two shadows.
-  void dropInner() {
-    struct Entry {
-      OGREnvelope box;
-      std::unique_ptr<OGRPolygon>* polygon;
-    };
-    std::vector<Entry> all;
-    for (auto& [key, batch] : batches_) {
-      if (!batch.element->keepsWhole) continue;
-      for (auto& polygon : batch.areas) {
-        all.push_back({{}, &polygon});
-        polygon->getEnvelope(&all.back().box);
-      }
-    }
-    std::sort(all.begin(), all.end(), [](const Entry& a, const Entry& b) { return a.box.MinX < b.box.MinX; });
-    std::vector<std::size_t> active;
-    for (std::size_t i = 0; i < all.size(); ++i) {
-      std::erase_if(active, [&](std::size_t k) { return all[k].box.MaxX < all[i].box.MinX; });
-      for (const std::size_t k : active) {
-        const std::size_t outer = all[k].box.Contains(all[i].box) != FALSE ? k : i, inner = outer == k ? i : k;
-        if (*all[i].polygon == nullptr || *all[k].polygon == nullptr) continue;
-        if (all[outer].box.Contains(all[inner].box) == FALSE) continue;
-        if ((*all[outer].polygon)->Contains(all[inner].polygon->get()) == FALSE) continue;
-        all[inner].polygon->reset();
-        leftOut_.add("buildings that lie in another");
-      }
-      active.push_back(i);
-    }
-    for (auto& [key, batch] : batches_) std::erase(batch.areas, nullptr);
-  }
-
   void merge() {
     for (auto& entry : batches_) {
       Batch& batch = entry.second;
       if (batch.areas.size() > 1 && batch.element->mayMerge) {
         OGRMultiPolygon all;
-        for (auto& area : batch.areas) all.addGeometryDirectly(area.release());
+        for (Area& area : batch.areas) all.addGeometryDirectly(area.shape.release());
         const Geometry whole(all.UnionCascaded());
         batch.areas.clear();
-        if (whole != nullptr)
-          forEachPolygon(*whole, [&batch](const OGRPolygon& part) { batch.areas.emplace_back(part.clone()); });
+        if (whole != nullptr) {
+          forEachPolygon(*whole, [&batch](const OGRPolygon& part) {
+            batch.areas.push_back({std::unique_ptr<OGRPolygon>(part.clone()), {}});
+          });
+        }
       }
-      for (auto& area : batch.areas) thin(area);
-      std::erase_if(batch.areas, [](const auto& area) { return area == nullptr || isSliver(*area); });
+      for (Area& area : batch.areas) thin(area.shape);
+      std::erase_if(batch.areas, [](const Area& area) { return area.shape == nullptr || isSliver(*area.shape); });
     }
   }
 
@@ -520,6 +502,7 @@ class FeatureReader {
     }
     for (const auto& [what, count] : mended_.all())
       features.report.push_back(std::to_string(count) + " mended: " + what);
+    for (const auto& [what, count] : done_.all()) features.report.push_back(std::to_string(count) + " " + what);
     if (!leftOut_.all().empty()) features.report.push_back("left out" + because());
     for (const auto& [what, count] : doubtful_.all()) features.warnings.push_back(std::to_string(count) + " " + what);
     features.warnings.insert(features.warnings.end(), warnings_.begin(), warnings_.end());
@@ -544,9 +527,10 @@ class FeatureReader {
   const OGRLayer* layer_ = nullptr;
   std::optional<Problem> problem_;
   std::map<std::pair<std::ptrdiff_t, std::string>, Batch> batches_;
+  std::vector<Building> buildings_;  // until they are sorted out
   std::size_t count_ = 0;
   std::vector<std::string> sources_;
-  Tally leftOut_, mended_, known_, doubtful_;
+  Tally leftOut_, mended_, known_, doubtful_, done_;
   std::set<std::string> warnings_;
 };
 

@@ -5,21 +5,28 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Curves/Plane.h"
 #include "Import/Import.h"
+#include "Import/Ridges.h"
 #include "Import/Rules.h"
 
 namespace host::import {
+
+struct Area {
+  std::unique_ptr<OGRPolygon> shape;
+  std::optional<Roof> roof;  // of buildings
+};
 
 /// What is made in one go: one layer of the plan, one part of the script.
 struct Batch {
   const Element* element = nullptr;
   std::map<std::string, std::string> values;  // by name, as in {floors}
   std::string layer;
-  std::vector<std::unique_ptr<OGRPolygon>> areas;
+  std::vector<Area> areas;
   std::vector<std::vector<curves::Point2>> lines;
   std::vector<curves::Point2> points;
 };

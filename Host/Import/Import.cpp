@@ -34,8 +34,11 @@ Result<Imported> importPlan(const ImportCall& call, AcDbDatabase& drawing) {
   values.shadowLength = rules->shadowLength;
   values.symbols = call.symbols;
   values.head = "; " + rules->name + ", " + features->system + "\n; " + imported.credit + "\n";
-  const curves::Box box = drawFeatures(*features, values.shadowDegrees, drawing);
+  DrawnPlan drawn = drawFeatures(*features, values.shadowDegrees, table->find(kRidgeElement), drawing);
+  const curves::Box& box = drawn.box;
   imported.extents = {box.minX, box.minY, box.maxX, box.maxY};
+  values.ridges = std::move(drawn.ridges);
+  const std::size_t ridges = values.ridges.size();
   imported.script = scriptOf(*features, *table, values);
   imported.system = features->system;
   imported.report = std::move(features->report);
@@ -44,6 +47,7 @@ Result<Imported> importPlan(const ImportCall& call, AcDbDatabase& drawing) {
     made += (made.ends_with(':') ? " " : ", ") + batch.layer + " " +
             std::to_string(batch.areas.size() + batch.lines.size() + batch.points.size());
   }
+  if (ridges > 0) made += ", " + std::to_string(ridges) + " ridges";
   imported.report.push_back(made);
   imported.warnings = std::move(features->warnings);
   return imported;

@@ -52,12 +52,13 @@ class PlanDrawing {
     if (table->add(record.get()) == Acad::eOk) record.release()->close();
   }
 
-  void addPolyline(const Polygon& points, bool isClosed) {
+  /// Answers its handle.
+  std::uint64_t addPolyline(const Polygon& points, bool isClosed) {
     auto line = std::make_unique<AcDbPolyline>();
     for (unsigned i = 0; i < points.size(); ++i) line->addVertexAt(i, AcGePoint2d(points[i].x, points[i].y));
     line->setClosed(isClosed);
-    add(std::move(line));
     for (const Point2 point : points) box_.add(point);
+    return add(std::move(line));
   }
 
   void addFill(const OGRPolygon& polygon) {
@@ -81,10 +82,12 @@ class PlanDrawing {
 
  private:
   template <class Entity>
-  void add(std::unique_ptr<Entity> entity) {
+  std::uint64_t add(std::unique_ptr<Entity> entity) {
     entity->setLayer(layer_.c_str());
     AcDbObjectId id;
-    if (space_->appendAcDbEntity(id, entity.get()) == Acad::eOk) entity.release()->close();
+    if (space_->appendAcDbEntity(id, entity.get()) != Acad::eOk) return 0;
+    entity.release()->close();
+    return id.handle();
   }
 
   AcDbDatabase& drawing_;
@@ -110,19 +113,40 @@ Values valuesOf(const Batch& batch, Values values) {
   return values;
 }
 
+/// Ridges become elements together, then each building gets its own.
+void addRidges(std::string& script, const ElementTable& table, const std::vector<DrawnRidge>& ridges,
+               const Values& values) {
+  const Element* const element = table.find(kRidgeElement);
+  if (element == nullptr || ridges.empty()) return;
+  Values own = values;
+  own["layer"] = element->layer;
+  script += "; " + filled(element->title, own) + " (" + std::to_string(ridges.size()) + ")\n";
+  addLines(script, element->lines, own);
+  for (const DrawnRidge& ridge : ridges) {
+    own["ridge"] = text::formatHandle(ridge.line);
+    own["building"] = text::formatHandle(ridge.building);
+    own["height"] = shown(ridge.height);
+    addLines(script, element->each, own);
+  }
+}
+
 }  // namespace
 
-curves::Box drawFeatures(const Features& features, double shadowDegrees, AcDbDatabase& drawing) {
+DrawnPlan drawFeatures(const Features& features, double shadowDegrees, const Element* ridge, AcDbDatabase& drawing) {
   const double angle = shadowDegrees * std::numbers::pi / 180;
   const Point2 sunward{-std::cos(angle), -std::sin(angle)};
   PlanDrawing plan(drawing);
+  std::vector<std::pair<Ridge, std::uint64_t>> ridges;
   for (const Batch& batch : features.batches) {
     plan.addLayer(batch.layer, batch.element->color);
-    for (const auto& area : batch.areas) {
-      if (batch.element->fill > 0) plan.addFill(*area);
-      const geometry::HoledArea rings = areaOf(*area);
+    for (const Area& area : batch.areas) {
+      if (batch.element->fill > 0) plan.addFill(*area.shape);
+      const geometry::HoledArea rings = areaOf(*area.shape);
       if (batch.element->fill == 0) {
-        plan.addPolyline(geometry::joinHoles(rings, sunward), true);
+        const std::uint64_t outline = plan.addPolyline(geometry::joinHoles(rings, sunward), true);
+        // Over a courtyard there is no one ridge.
+        if (!area.roof || !rings.holes.empty() || ridge == nullptr) continue;
+        if (const auto over = ridgeOver(rings.outer, *area.roof)) ridges.emplace_back(*over, outline);
         continue;
       }
       plan.addPolyline(rings.outer, true);
@@ -134,7 +158,12 @@ curves::Box drawFeatures(const Features& features, double shadowDegrees, AcDbDat
     }
     for (const Point2 point : batch.points) plan.addPoint(point);
   }
-  return plan.box();
+  DrawnPlan drawn;
+  if (!ridges.empty()) plan.addLayer(ridge->layer, ridge->color);
+  for (const auto& [over, outline] : ridges)
+    drawn.ridges.push_back({plan.addPolyline({over.begin, over.end}, false), outline, over.height});
+  drawn.box = plan.box();
+  return drawn;
 }
 
 std::string scriptOf(Features& features, const ElementTable& table, const ScriptValues& given) {
@@ -150,6 +179,7 @@ std::string scriptOf(Features& features, const ElementTable& table, const Script
     script += "; " + titleOf(batch, values, batch.areas.size() + batch.lines.size()) + "\n";
     addLines(script, batch.element->lines, values);
   }
+  addRidges(script, table, given.ridges, all);
   std::size_t left = 0;
   bool isFirst = true;
   for (const Batch& batch : features.batches) {

@@ -67,13 +67,14 @@ Shape shapeOf(const std::string& name) {
 }
 
 Element elementOf(const std::string& name, const Json& json) {
-  checkKeys(json, {"shape", "layer", "title", "lines", "fill", "color", "whole", "merge"}, "element " + name);
+  checkKeys(json, {"shape", "layer", "title", "lines", "each", "fill", "color", "whole", "merge"}, "element " + name);
   Element element;
   element.name = name;
   element.shape = shapeOf(json.value("shape", "area"));
   element.layer = json.value("layer", "");
   element.title = json.value("title", name);
   element.lines = linesOf(json, "lines");
+  element.each = linesOf(json, "each");
   element.fill = json.value("fill", 0);
   element.color = json.value("color", 0);
   element.keepsWhole = json.value("whole", false);
@@ -82,7 +83,9 @@ Element elementOf(const std::string& name, const Json& json) {
 }
 
 Rule ruleOf(const Json& json, const ElementTable& elements) {
-  checkKeys(json, {"where", "layer", "make", "width", "floors", "height", "size", "direction", "every"}, "a rule");
+  checkKeys(json,
+            {"where", "layer", "make", "width", "floors", "height", "size", "direction", "every", "part", "bottom"},
+            "a rule");
   Rule rule;
   rule.where = json.value("where", "");
   rule.layer = json.value("layer", "");
@@ -92,6 +95,8 @@ Rule ruleOf(const Json& json, const ElementTable& elements) {
   rule.height = waysOf(json, "height");
   rule.size = waysOf(json, "size");
   rule.direction = waysOf(json, "direction");
+  rule.isPart = json.value("part", false);
+  rule.bottom = waysOf(json, "bottom");
   rule.every = json.value("every", 0.0);
   if (!rule.make.empty() && elements.find(rule.make) == nullptr) {
     std::string known;
@@ -99,6 +104,19 @@ Rule ruleOf(const Json& json, const ElementTable& elements) {
     throw std::invalid_argument("nothing is made by the name \"" + rule.make + "\"; there are " + known);
   }
   return rule;
+}
+
+RoofRules roofRulesOf(const Json& json) {
+  checkKeys(json, {"shape", "gabled", "hipped", "height", "angle", "direction", "across"}, "\"roof\"");
+  RoofRules rules;
+  rules.shape = json.at("shape");
+  rules.gabled = json.value("gabled", "gabled");
+  rules.hipped = json.value("hipped", "hipped");
+  rules.height = waysOf(json, "height");
+  rules.angle = waysOf(json, "angle");
+  rules.direction = json.value("direction", "");
+  rules.across = json.value("across", "");
+  return rules;
 }
 
 }  // namespace
@@ -127,7 +145,7 @@ Result<Rules> readRules(const std::filesystem::path& file, const ElementTable& e
   return readJson<Rules>(file, [&elements](const Json& json, Rules& rules) {
     checkKeys(json,
               {"name", "credit", "system", "tags", "floorHeight", "shadow", "floors", "height", "floorsByUse",
-               "floorsByArea", "rules"},
+               "floorsByArea", "roof", "rules"},
               "the file");
     rules.name = json.value("name", "");
     rules.credit = json.value("credit", "");
@@ -164,6 +182,7 @@ Result<Rules> readRules(const std::filesystem::path& file, const ElementTable& e
         }
       }
     }
+    if (json.contains("roof")) rules.roof = roofRulesOf(json["roof"]);
     for (const Json& each : json.at("rules")) rules.rules.push_back(ruleOf(each, elements));
   });
 }

@@ -20,11 +20,15 @@ struct Element {
   std::string layer;               // may hold {floors}, {height}, {size}
   std::string title;               // of its part of the script; may hold them too
   std::vector<std::string> lines;  // of the script; may hold {layer} and the values of the layer's name, {points}
+  std::vector<std::string> each;   // the same for every ridge: {ridge} and {building} are handles, {height} metres
   int fill = 0;                    // colour of a plain hatch that is drawn at once; 0: none
   int color = 0;                   // colour of the layer; 0: as the host makes it
   bool keepsWhole = false;         // is not clipped at the window's border
   bool mayMerge = true;            // areas of one layer that touch become one
 };
+
+/// The element of ridge lines over buildings; a table without it has none.
+inline constexpr const char* kRidgeElement = "ridge";
 
 /// The elements in the order of the script: what comes first lies below.
 struct ElementTable {
@@ -47,12 +51,23 @@ struct Rule {
   std::string layer;  // of the source: a pattern; empty: any
   std::string make;   // an element's name; empty: features are left out without a word
   std::vector<std::string> width, floors, height, size, direction;  // ways to values
+  bool isPart = false;                                              // of a building whose outline is a feature, too
+  std::vector<std::string> bottom;                                  // ways to how far it begins above the ground
   double every = 0;  // of lines that become points: metres from one to the next
 };
 
 struct AreaFloors {
   double below = 0;  // square metres; 0: no limit
   double floors = 1;
+};
+
+/// Which attributes tell of roofs with ridges. Without `shape` nothing is asked.
+struct RoofRules {
+  std::string shape;                       // an attribute
+  std::string gabled, hipped;              // patterns of its values
+  std::vector<std::string> height, angle;  // ways to values: metres over the eaves, degrees
+  std::string direction;                   // an attribute: where a slope looks, as "NE" or degrees
+  std::string across;                      // a condition: the ridge runs along the shorter side
 };
 
 struct Rules {
@@ -66,6 +81,7 @@ struct Rules {
   std::string use;                                          // attributes of `floorsByUse`, divided by |
   std::vector<std::pair<std::string, double>> floorsByUse;  // pattern, floors
   std::vector<AreaFloors> floorsByArea;
+  RoofRules roof;
   std::vector<Rule> rules;  // the first that fits is taken
 };
 Result<Rules> readRules(const std::filesystem::path& file, const ElementTable& elements);

@@ -229,6 +229,7 @@ std::string renderPicture(const DisplayList& list, const Page& page, std::option
                           PictureFormat format) {
   switch (format) {
     case PictureFormat::Png:
+    case PictureFormat::Tiff:
       return renderPng(list, page, background);
     case PictureFormat::Svg:
       return writeSvg(list, page, background);

@@ -87,7 +87,7 @@ std::string boxText(const Box& box) {
 
 Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options, PictureFormat format) {
   PageLayout layout;
-  const bool isRaster = format == PictureFormat::Png;
+  const bool isRaster = picture::isRaster(format);
   double widthPx = options.widthPx;
   double penScale = 1;
   Box area = options.window.value_or(withSize(extents));

@@ -135,7 +135,7 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
     return laidOut;
   }
   const PageLayout& layout = *laidOut;
-  const bool isRaster = format == PictureFormat::Png;
+  const bool isRaster = picture::isRaster(format);
   View view;
   view.toPicture = layout.toPicture;
   view.pixelsPerMm = layout.pixelsPerMm;

@@ -14,7 +14,9 @@
 
 namespace host::picture {
 
-enum class PictureFormat { Png, Svg, Pdf };
+/// A TIFF is drawn as a PNG, of which the caller makes it.
+enum class PictureFormat { Png, Svg, Pdf, Tiff };
+inline bool isRaster(PictureFormat format) { return format == PictureFormat::Png || format == PictureFormat::Tiff; }
 
 struct PaperSize {
   double widthMm = 0, heightMm = 0;
@@ -48,6 +50,7 @@ struct PictureOptions {
   std::vector<std::pair<std::string, std::string>> fields;  // names of attributes, and what they are filled with
   std::string legendFile;                                   // own texts of the legend
   bool hasWorldFile = false;                                // a file beside a PNG says where it lies
+  std::string system;  // of the drawing's coordinates, "EPSG:3879": TIFF and PDF tell their places; empty: its own
 };
 
 struct Picture {

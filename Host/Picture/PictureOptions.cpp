@@ -61,6 +61,11 @@ Result<> setWorldFile(PictureOptions& options, std::string_view) {
   options.hasWorldFile = true;
   return {};
 }
+Result<> setSystem(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("The name of the coordinate system is empty.");
+  options.system = text;
+  return {};
+}
 Result<> setColors(PictureOptions& options, ColorMode mode) {
   if (options.colors != ColorMode::AsDrawn && options.colors != mode)
     return refusal("--grayscale excludes --monochrome");
@@ -86,6 +91,8 @@ constexpr std::array kRows = {
     OptionRow{"--field", "NAME=TEXT", "fill an attribute of the sheet; may be given more than once", addField, true},
     OptionRow{"--legend", "FILE", "own texts of the sheet's legend", setLegend},
     OptionRow{"--worldfile", "", "beside a PNG a .pgw file that says where it lies", setWorldFile},
+    OptionRow{"--crs", "NAME",
+              "coordinate system of the drawing for TIFF and PDF, as EPSG:3879 [what the drawing tells]", setSystem},
     OptionRow{"--grayscale", "", "shades of grey", setGrayscale},
     OptionRow{"--monochrome", "", "one colour", setMonochrome},
 };
@@ -126,6 +133,7 @@ std::optional<PictureFormat> formatOfFile(std::string_view fileName) {
   if (low.ends_with(".png")) return PictureFormat::Png;
   if (low.ends_with(".svg")) return PictureFormat::Svg;
   if (low.ends_with(".pdf")) return PictureFormat::Pdf;
+  if (low.ends_with(".tif") || low.ends_with(".tiff")) return PictureFormat::Tiff;
   return {};
 }
 

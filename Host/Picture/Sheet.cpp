@@ -185,7 +185,7 @@ Result<PageLayout> layOutSheet(const Box& extents, const PictureOptions& options
     layout.note = "At 1:" + figure(1 / scale, 3) + " the drawing is " + figure(needWidth, 1) + " x " +
                   figure(needHeight, 1) + " mm and does not fit in the sheet's frame of " + figure(frameWidth, 1) +
                   " x " + figure(frameHeight, 1) + " mm; 1:" + figure(1 / usual, 3) + " would do.";
-  if (format != PictureFormat::Png)
+  if (!isRaster(format))
     layout.pixelsPerMm = kPixelsPerInch / kMmPerInch;
   else if (options.dpi)
     layout.pixelsPerMm = *options.dpi / kMmPerInch;
@@ -195,7 +195,7 @@ Result<PageLayout> layOutSheet(const Box& extents, const PictureOptions& options
   Page& page = layout.page;
   page.widthPx = page.widthMm * k;
   page.heightPx = page.heightMm * k;
-  if (format == PictureFormat::Png) {
+  if (isRaster(format)) {
     page.widthPx = std::round(page.widthPx);
     page.heightPx = std::round(page.heightPx);
     if (std::max(page.widthPx, page.heightPx) > kLargestSidePx || page.widthPx * page.heightPx > kMostPixels)

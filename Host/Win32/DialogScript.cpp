@@ -16,14 +16,13 @@
 #include "Editor/ScriptInput.h"
 #include "Platform/Paths.h"
 #include "Text/Text.h"
+#include "Win32/DialogValues.h"
 #include "Win32/WindowObject.h"
 
 namespace host::win32 {
 namespace {
 
 constexpr std::wstring_view kBlanks = L" \t";
-
-std::wstring inQuotes(std::wstring_view text) { return L"\"" + std::wstring(text) + L"\""; }
 
 std::wstring_view trimmed(std::wstring_view text) {
   const std::size_t begin = text.find_first_not_of(kBlanks);
@@ -58,26 +57,8 @@ std::wstring unquoted(std::wstring_view value) {
   return inside;
 }
 
-/// A caption without the mark of its shortcut letter.
-std::wstring captionOf(HostWindow& button) {
-  std::wstring caption = textOf(button);
-  for (std::size_t i = 0; i < caption.size(); ++i) {
-    if (caption[i] == L'&') caption.erase(i, 1);
-  }
-  return caption;
-}
-
-bool isCheckBox(const HostWindow& control) {
-  return control.kind == WindowKind::Button &&
-         (control.buttonType() == BS_AUTOCHECKBOX || control.buttonType() == BS_CHECKBOX);
-}
-
 bool isPressed(const HostWindow& control) {
   return control.kind == WindowKind::Button && control.buttonType() != BS_GROUPBOX && !isCheckBox(control);
-}
-
-bool isList(const HostWindow& control) {
-  return control.kind == WindowKind::ComboBox || control.kind == WindowKind::ListBox;
 }
 
 bool canBeWorked(const HostWindow& control) {
@@ -209,17 +190,6 @@ Named buttonByCaption(HostWindow& dialog, std::wstring_view line) {
     if (isCheckBox(*child) && text::equalFolded(caption, front)) return {child.get(), line.substr(blank + 1)};
   }
   return {};
-}
-
-/// "Pituus  m / kerros:" as "Pituus m / kerros".
-std::wstring labelOf(HostWindow& text) {
-  std::wstring label;
-  for (const wchar_t c : captionOf(text)) {
-    const bool isBlank = kBlanks.find(c) != std::wstring_view::npos;
-    if (!isBlank || (!label.empty() && label.back() != L' ')) label += isBlank ? L' ' : c;
-  }
-  while (label.ends_with(L' ') || label.ends_with(L':')) label.pop_back();
-  return label;
 }
 
 /// The line's words in the place of the label, however many blanks stand between them; nothing when it begins

@@ -6,6 +6,7 @@
 
 #include "Editor/DialogInput.h"
 #include "Text/Text.h"
+#include "Win32/DialogValues.h"
 #include "Win32/Resources.h"
 #include "Win32/WindowObject.h"
 
@@ -159,6 +160,12 @@ bool tellNotice(HostWindow& dialog) {
   return true;
 }
 
+/// Says in the transcript what has changed in a dialog.
+void tellChanges(HostWindow& dialog, const DialogValues& before) {
+  const std::wstring changes = before.changes(dialog);
+  if (!changes.empty()) editor::printDialogLine(L"dialog " + inQuotes(textOf(dialog)) + L": " + changes);
+}
+
 /// Modeless dialogs, as scripts find them.
 class ModelessDialogs final : public editor::OpenDialogs {
  public:
@@ -174,8 +181,10 @@ class ModelessDialogs final : public editor::OpenDialogs {
   bool act(std::wstring_view title) override {
     for (HostWindow* const each : open()) {
       if (!text::equalFolded(textOf(*each), title)) continue;
+      const DialogValues before(*each);
       actOnLine(*each);
       deliverPosted();
+      if (IsWindow(each) != FALSE) tellChanges(*each, before);
       return true;
     }
     return false;
@@ -206,9 +215,11 @@ INT_PTR runModal(Bytes bytes, HWND parent, DLGPROC procedure, LPARAM parameter) 
   dialog->dialog->isNotice = onlyButton(*dialog) != nullptr;
   if (!editor::dialogsAreWorkedByHand() && !dialog->dialog->hasEnded) tellNotice(*dialog);
   if (!dialog->dialog->hasEnded) editor::dialogOpened();
+  const DialogValues before(*dialog);
   runDialog(*dialog);
   if (IsWindow(dialog) == FALSE) return -1;
   const INT_PTR result = dialog->dialog->result;
+  if (result != IDCANCEL) tellChanges(*dialog, before);
   editor::dialogClosed(result == IDCANCEL);
   DestroyWindow(dialog);
   return result;

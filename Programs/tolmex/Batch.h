@@ -18,6 +18,7 @@ struct BatchResult {
   int status = 0;
   std::string out, err;  // what the worker printed; a crash adds its sentence
   double seconds = 0;    // from the start of the work to its end
+  std::string note;      // what the worker has left for its parent
 };
 
 struct BatchOptions {
@@ -30,6 +31,9 @@ struct BatchOptions {
 /// workers; drawings that were not begun then are results too.
 int workThrough(const std::vector<BatchTask>& tasks, const BatchOptions& options,
                 const std::function<void(const BatchTask&, const BatchResult&)>& take);
+
+/// In a worker: a line that its parent gets beside what is printed. False where there is no parent.
+bool leaveNote(const std::string& note);
 
 /// "done", "the script failed": what an exit status says.
 const char* statusText(int status);

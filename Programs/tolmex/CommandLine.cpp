@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -101,13 +102,14 @@ void addFormats(CLI::App& call, OutputOptions& options) {
             for (const std::string& name : names) {
               const auto format = host::picture::formatOfFile("." + name);
               if (!format)
-                throw CLI::ValidationError("--format", "\"" + name + "\" is no picture format; use png, svg or pdf");
+                throw CLI::ValidationError("--format",
+                                           "\"" + name + "\" is no picture format; use png, svg, pdf or tif");
               if (std::find(options.formats.begin(), options.formats.end(), *format) == options.formats.end())
                 options.formats.push_back(*format);
             }
           },
           "format of the pictures in the folder or on standard output; may be given more than once")
-      ->type_name("png|svg|pdf")
+      ->type_name("png|svg|pdf|tif")
       ->allow_extra_args(false);
 }
 
@@ -148,7 +150,7 @@ void addRunOutputs(CLI::App& call, RunOptions& options) {
   addFile(call, "--out", options.out, "where the drawing is saved, - for standard output; without it nothing is saved")
       ->type_name("FILE");
   addFiles(call, "--picture", options.pictures,
-           "a picture of the result, .png, .svg or .pdf; may be given more than once")
+           "a picture of the result, .png, .svg, .pdf or .tif; may be given more than once")
       ->type_name("FILE")
       ->allow_extra_args(false);
 }
@@ -182,6 +184,19 @@ void checkPictureOptions(const PictureOptions& options) {
 
 constexpr const char* kQuietText = "do not print what the command line would show";
 
+/// The options that were given, without those that only say how the work is done.
+std::string optionsAsGiven(const CLI::App& call) {
+  std::string all = TOLMEX_VERSION;
+  for (const CLI::Option* option : call.get_options()) {
+    const std::string name = option->get_name();
+    constexpr std::array kOfTheWork = {"PLAN", "--jobs", "--report", "--resume", "--quiet"};
+    if (option->count() == 0 || std::find(kOfTheWork.begin(), kOfTheWork.end(), name) != kOfTheWork.end()) continue;
+    all += "\n" + name;
+    for (const std::string& value : option->results()) all += "\t" + value;
+  }
+  return all;
+}
+
 void addRun(CLI::App& app, RunOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("run", "run a script on drawings, save them, draw pictures of them");
   addDrawings(*call, options.drawings, "the drawings, DXF or DWG files; - for standard input");
@@ -199,23 +214,24 @@ void addRun(CLI::App& app, RunOptions& options, int& status) {
   addPictureOptions(*call, options.picture);
   addVariables(*call, options);
   addSupport(*call, options);
-  call->add_flag("--resume", options.resume,
-                 "leave drawings whose outputs are there and newer than drawing and script; with --out-dir or --out");
+  call->add_flag(
+      "--resume", options.resume,
+      "leave drawings whose outputs are there, made by the same script and options from a drawing that has not "
+      "changed since");
   call->add_option("--report", options.report, "a line of JSON for each drawing: result, seconds, outputs, messages")
       ->type_name("FILE");
   call->add_flag("--strict", options.strict,
                  "fail, with status 3, when a command skips an object or a pick finds nothing");
   call->add_flag("--quiet", options.quiet, kQuietText);
   call->footer(footer(kRunExamples));
-  call->callback([&] {
+  call->callback([&options, &status, call] {
     if (options.drawings.empty()) throw CLI::RequiredError("PLAN");
-    if (options.resume && !options.commands.empty())
-      throw CLI::ValidationError("--resume", "lines given with --command have no date; put them into a script");
     // Without a script the drawing is only converted, or drawn.
     const bool hasOutput = options.out || options.folder || !options.pictures.empty();
     if (options.script.empty() && options.commands.empty() && !hasOutput)
       throw CLI::RequiredError("--script, --command or an output (--out, --out-dir, --picture)");
     checkPictureOptions(options.picture);
+    options.asGiven = optionsAsGiven(*call);
     status = runDrawings(options);
   });
 }
@@ -237,7 +253,7 @@ void addShell(CLI::App& app, RunOptions& options, int& status) {
 void addPicture(CLI::App& app, PictureCallOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("picture", "draw pictures of drawings as they are");
   addDrawings(*call, options.drawings,
-              "the drawing, then OUT, the picture: .png, .svg or .pdf (- for standard input and output); with "
+              "the drawing, then OUT, the picture: .png, .svg, .pdf or .tif (- for standard input and output); with "
               "--out-dir drawings only");
   addFile(*call, "--out-dir", options.folder, "the folder where pictures get their drawings' names")->type_name("DIR");
   addFormats(*call, options);

@@ -30,9 +30,10 @@ struct OutputOptions {
 };
 
 struct RunOptions : CommonOptions, OutputOptions {
-  std::filesystem::path script;                 // empty: only `commands`; "-": standard input
-  std::vector<std::string> commands;            // script lines given inline, after the script
-  bool resume = false;                          // drawings whose outputs are newer than what they are made of are left
+  std::filesystem::path script;       // empty: only `commands`; "-": standard input
+  std::vector<std::string> commands;  // script lines given inline, after the script
+  bool resume = false;                // drawings whose outputs are there as this call would make them are left
+  std::string asGiven;                // the options that change outputs, as the command line has them
   std::optional<std::filesystem::path> report;  // a line of JSON for each drawing
   bool strict = false;                          // what commands skip, or picks do not find, fails the script
   std::optional<std::filesystem::path> out;
@@ -102,11 +103,11 @@ host::Result<> writePicture(const host::database::DrawingDatabase& drawing, host
                             const PictureFile& picture, const std::vector<std::filesystem::path>& folders);
 
 struct BatchResult;
-/// Hears of a result, with the place of its drawing among all.
-using TakeResult = std::function<void(std::size_t, const BatchResult&)>;
-/// A job of its own for every drawing, or the only one right here when nobody takes results; several end with a line
-/// each.
+/// Hears of a result, with the place of its drawing among all; answers what its line says besides.
+using TakeResult = std::function<std::string(std::size_t, const BatchResult&)>;
+/// A job of its own for every drawing; several end with a line each. One drawing is worked on right here unless it
+/// `wantsWorker`.
 int forEachDrawing(const CommonOptions& options, host::RunStatus crashStatus,
-                   const std::function<int(std::size_t)>& work, const TakeResult& take = {});
+                   const std::function<int(std::size_t)>& work, const TakeResult& take = {}, bool wantsWorker = false);
 
 }  // namespace tolmex

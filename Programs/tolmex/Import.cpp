@@ -12,6 +12,7 @@
 #include "LateLibrary.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "RunSum.h"
 #include "Text/Text.h"
 #include "dbapserv.h"
 
@@ -123,6 +124,8 @@ int importPlan(const ImportOptions& options) {
   }
   for (const std::string& warning : imported->warnings) complain(RunStatus::Done, warning);
   drawing->hostDatabase().releaseObjects();
+  if (imported->system.starts_with("EPSG:"))
+    outputs.picture.system = imported->system.substr(0, imported->system.find(' '));
   // The program's own sheets have these fields; what the caller gives comes behind and counts.
   const bool isOwnSheet = !outputs.picture.sheetFile.empty() && fs::path(outputs.picture.sheetFile).extension().empty();
   if (isOwnSheet) {
@@ -139,6 +142,7 @@ int importPlan(const ImportOptions& options) {
   if (options.illustrate) {
     screen.showTranscript(true);
     const Result<> done = runScript(session.application(), imported->script, script.filename().string());
+    tellSummary(session.application().summary(), done.ok(), options.quiet);
     std::fflush(stdout);
     if (!done) return complain(done.problem());
   }

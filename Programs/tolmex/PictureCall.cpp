@@ -8,6 +8,7 @@
 #include "Console.h"
 #include "Dxf/DxfFile.h"
 #include "Editor/Application.h"
+#include "GeoReference.h"
 #include "Inputs.h"
 #include "Interruption.h"
 #include "Outputs.h"
@@ -80,7 +81,7 @@ int pictureDrawing(const PictureCallOptions& options, const fs::path& name, cons
 }  // namespace
 
 std::string_view endingOf(PictureFormat format) {
-  constexpr std::array<std::string_view, 3> kEndings = {".png", ".svg", ".pdf"};
+  constexpr std::array<std::string_view, 4> kEndings = {".png", ".svg", ".pdf", ".tif"};
   return kEndings[static_cast<std::size_t>(format)];
 }
 
@@ -93,7 +94,7 @@ Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureF
   if (isStandardStream(file)) return PictureFile{file, formats.empty() ? PictureFormat::Png : formats.front()};
   const std::string name = file.empty() ? "\"\"" : file.string();
   const auto format = host::picture::formatOfFile(file.string());
-  if (!format) return problemOf(Code::WrongUsage, name, "a picture's name must end in .png, .svg or .pdf");
+  if (!format) return problemOf(Code::WrongUsage, name, "a picture's name must end in .png, .svg, .pdf or .tif");
   if (!formats.empty() && formats.front() != *format)
     return problemOf(Code::WrongUsage, name, "the name and --format ask for different formats");
   return PictureFile{file, *format};
@@ -115,8 +116,10 @@ Result<> writePicture(const host::database::DrawingDatabase& drawing, host::pict
       sheet = std::move(prepared.value());
       options.sheet = &sheet->sheet;
     }
-    const Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
+    Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
     if (!made) return inFile(made.problem());
+    if (const Result<> placed = giveItsPlace(*made, picture.format, options, drawing); !placed)
+      return inFile(placed.problem());
     if (made->remark) complain(inFile(*made->remark));
     if (Result<> written = writeOutput(picture.file, made->bytes); !written) return written;
     if (!options.hasWorldFile || picture.format != PictureFormat::Png || isStandardStream(picture.file)) return {};

@@ -74,7 +74,7 @@ void pictureCommand(Application& application, Prompter& prompter) {
   if (name.size() > 1 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
   const auto format = host::picture::formatOfFile(name);
   if (!format) {
-    prompter.refuse(L"The picture's name must end in .png, .svg or .pdf.");
+    prompter.refuse(L"The picture's name must end in .png, .svg, .pdf or .tif.");
     return;
   }
   PictureOptions options;
@@ -103,7 +103,7 @@ void pictureCommand(Application& application, Prompter& prompter) {
 void addPictureCommand(Application& application) {
   application.addCommand(
       L"PICTURE", 0, [&application](Prompter& prompter) { pictureCommand(application, prompter); },
-      L"draws the drawing into a .png, .svg or .pdf file");
+      L"draws the drawing into a .png, .svg, .pdf or .tif file");
 }
 
 }  // namespace tolmex

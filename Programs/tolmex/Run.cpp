@@ -14,6 +14,8 @@
 #include "Outputs.h"
 #include "PlanSession.h"
 #include "Platform/Streams.h"
+#include "Resume.h"
+#include "RunSum.h"
 
 namespace tolmex {
 
@@ -89,8 +91,13 @@ RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const P
 
   WatchedScript input(script, screen.bar());
   // A call without a script only converts or draws.
-  const Result<> result = script.text.empty() ? Result<>() : session.application().run(input);
+  Result<> result = script.text.empty() ? Result<>() : session.application().run(input);
   ProgressBar::clear();
+  if (!script.text.empty()) {
+    const host::editor::RunSummary summary = session.application().summary();
+    if (result && options.strict) result = checkStrictly(summary, script.name);
+    tellSummary(summary, result.ok(), options.quiet);
+  }
   std::fflush(stdout);
   if (!result) {
     complain(result.status(), result.message() + (outputs.isEmpty() ? "" : "; nothing was written"));
@@ -102,21 +109,6 @@ RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const P
     return RunStatus::ScriptFailed;
   }
   return session.write(outputs);
-}
-
-/// Whether all outputs are there and none is older than an input. Outputs appear whole or not at all.
-bool isUpToDate(const std::vector<fs::path>& inputs, const PlanOutputs& outputs) {
-  std::error_code error;
-  std::optional<fs::file_time_type> oldest;
-  for (const fs::path& file : outputs.files()) {
-    const fs::file_time_type time = fs::last_write_time(file, error);
-    if (error) return false;
-    if (!oldest || time < *oldest) oldest = time;
-  }
-  return oldest && std::all_of(inputs.begin(), inputs.end(), [&](const fs::path& input) {
-           const fs::file_time_type time = fs::last_write_time(input, error);
-           return !error && time <= *oldest;
-         });
 }
 
 /// A line of JSON for each drawing, written as soon as it is done.
@@ -143,6 +135,7 @@ class Report {
     line["status"] = result.status;
     line["seconds"] = std::round(result.seconds * 1000) / 1000;
     for (const fs::path& file : outputs.files()) line["outputs"].push_back(file.string());
+    if (!result.note.empty()) line["sum"] = summaryJson(summaryOfNote(result.note));
     std::istringstream messages(result.err);
     for (std::string message; std::getline(messages, message);) line["messages"].push_back(message);
     const std::string text = line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
@@ -183,14 +176,14 @@ int runDrawings(const RunOptions& options) {
   if (options.report) {
     if (const Result<> opened = report.open(*options.report); !opened) return complain(opened.problem());
   }
+  std::optional<ResumeLog> log;
+  if (options.resume) log.emplace(options, script->text);
   RunOptions left = options;
   std::vector<PlanOutputs> wanted;
-  if (options.resume) {
+  if (log) {
     left.drawings.clear();
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-      std::vector<fs::path> made{options.drawings[i]};
-      if (!options.script.empty()) made.push_back(options.script);
-      if (isUpToDate(made, outputs[i])) {
+      if (log->isUpToDate(options.drawings[i], outputs[i].files())) {
         if (report.isOpen()) report.add(options.drawings[i], outputs[i], {}, true);
         continue;
       }
@@ -204,16 +197,26 @@ int runDrawings(const RunOptions& options) {
   } else {
     wanted = outputs;
   }
-  TakeResult take;
-  if (report.isOpen())
-    take = [&](std::size_t i, const BatchResult& result) { report.add(left.drawings[i], wanted[i], result, false); };
-  return forEachDrawing(
+  host::editor::RunSummary all;
+  std::size_t summed = 0;
+  const TakeResult take = [&](std::size_t i, const BatchResult& result) -> std::string {
+    if (report.isOpen()) report.add(left.drawings[i], wanted[i], result, false);
+    if (log && result.status == 0) log->add(left.drawings[i], wanted[i].files());
+    if (result.note.empty() || result.status != 0) return {};
+    const host::editor::RunSummary summary = summaryOfNote(result.note);
+    all.add(summary);
+    ++summed;
+    return summary.sentence();
+  };
+  const int status = forEachDrawing(
       left, RunStatus::ScriptFailed,
       [&](std::size_t i) {
         const Interruption interruption(RunStatus::ScriptFailed);
         return static_cast<int>(runDrawing(left, left.drawings[i], wanted[i], *script));
       },
-      take);
+      take, report.isOpen() || log.has_value());
+  if (summed > 1) printLine(std::to_string(summed) + " drawings: " + all.sentence());
+  return status;
 }
 
 }  // namespace tolmex

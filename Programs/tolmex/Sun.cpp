@@ -12,6 +12,7 @@
 #include "ContactSheet.h"
 #include "DrawingInfo.h"
 #include "Editor/ScriptInput.h"
+#include "GeoReference.h"
 #include "Geometry/EntityPaths.h"
 #include "Inputs.h"
 #include "Interruption.h"
@@ -57,6 +58,7 @@ std::string clockText(const host::sun::ClockTime& time) {
 /// What the study needs to know of the plan.
 struct Plan {
   Box extents;
+  std::string system;  // as the drawing tells it
   double floorHeight = kUsualFloorHeight;
   std::size_t otherFloorHeights = 0;  // buildings whose floors are not so high
   bool hasBuildings = false;
@@ -67,6 +69,7 @@ Plan lookAt(AcDbDatabase& database) {
   const DrawingInfo info = lookThrough(database, false);
   Plan plan;
   plan.extents = host::geometry::blockExtents(database.hostDatabase(), database.hostDatabase().modelSpace());
+  plan.system = systemOfDrawing(database.hostDatabase());
   plan.hasBuildings = !info.buildings.empty();
   std::map<double, std::size_t> heights;
   for (const BuildingValues& building : info.buildings) {
@@ -84,16 +87,6 @@ Plan lookAt(AcDbDatabase& database) {
     }
   }
   return plan;
-}
-
-/// ETRS-GKn by the millions of eastings, TM35FIN by their six digits.
-std::string systemOf(const Box& extents) {
-  const double east = (extents.minX + extents.maxX) / 2, north = (extents.minY + extents.maxY) / 2;
-  if (north < 6.5e6 || north > 7.9e6) return {};
-  constexpr int kZoneCode = 3854;
-  const int zone = static_cast<int>(std::floor(east / 1e6));
-  if (zone >= 19 && zone <= 31) return "EPSG:" + std::to_string(kZoneCode + zone);
-  return east > 5e4 && east < 8e5 ? "EPSG:3067" : std::string();
 }
 
 /// What users would type: courtyards' seams, fences, the dialog, whose OK draws all shadows anew.
@@ -197,7 +190,7 @@ class Study {
       call.y = options_.place->at(0);
       call.x = options_.place->at(1);
     } else if (call.system.empty()) {
-      call.system = systemOf(plan.extents);
+      call.system = !plan.system.empty() ? plan.system : systemByCoordinates(plan.extents);
       if (call.system.empty())
         return host::problemOf(
             host::Code::WrongUsage,

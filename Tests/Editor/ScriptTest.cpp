@@ -51,6 +51,11 @@ TEST(ScriptWords, QuotesListsCommentsAndEsc) {
   EXPECT_EQ(answersOf("N \"my layer\" X\n", "w"), "N|my layer|X");
   EXPECT_EQ(answersOf("\"say \"\"so\"\"\"\n", "w"), "say \"so\"");
   EXPECT_EQ(answersOf("(handent \"2F\") Y\n", "w"), "(handent \"2F\")|Y");
+  EXPECT_EQ(answersOf("(ssget \"X\"\n; a comment\n  '((8 . \"A)\")\r\n  )) Y\nB\n", "w"),
+            "(ssget \"X\"   '((8 . \"A)\")   ))|Y|B");
+  // What is not closed ends at the next empty line, with it.
+  EXPECT_EQ(answersOf("(ssget \"X\"\n'((8 . \"A\")\n\nB\n", "w"), "(ssget \"X\" '((8 . \"A\")|B");
+  EXPECT_EQ(answersOf("(handent \"2F\nB\n", "w"), "(handent \"2F|B");
   EXPECT_EQ(answersOf("A\n; a comment\nB ;no\n", "w"), "A|B|;no");
   EXPECT_EQ(answersOf("^C\nLINE\n", "w"), "<esc>|LINE");
   EXPECT_EQ(answersOf("^C^C_LINE\n", "w"), "<esc>|<esc>|_LINE");

@@ -93,6 +93,22 @@ TEST_F(Skips, AreCountedByReasonInOneLineAtTheEnd) {
   EXPECT_EQ(told().find(L"locked"), std::wstring::npos) << "what was not selected is not skipped";
 }
 
+TEST_F(Skips, TheSumHasEachObjectOnce) {
+  EXPECT_EQ(app.summary().sentence(), "9 commands; 6 objects made");
+  expectDone("PAINT C -1,-1 99,99\n\nPAINT C -1,-1 99,99\n\nERASE " + handent(*all[4]) + "\n\nSELECT 500,500\n\n");
+  const host::editor::RunSummary sum = app.summary();
+  EXPECT_EQ(sum.sentence(),
+            "13 commands; 6 objects made; 3 skipped: 1 of a kind that the command does not take, 2 on a locked layer; "
+            "2 not hatched: 1 crossing itself, 1 not closed; 1 pick found nothing");
+  // What is undone was not done; what was left out was, also of a drawing that has been closed.
+  expectDone("ERASE " + handent(*all[0]) + "\n\n");
+  EXPECT_EQ(app.summary().made, 5U);
+  expectDone("U\nCLOSE\nYes\n");
+  EXPECT_EQ(app.summary().made, 6U);
+  EXPECT_EQ(app.summary().skipped, sum.skipped);
+  EXPECT_EQ(app.summary().commands, 16U);
+}
+
 TEST_F(Skips, ManyObjectsAreNotAllNamed) {
   expectDone("LAYER U shut\n\nLINE 0,50 1,50 2,50 3,50 4,50\n\nPAINT C -1,49 99,51\n\n");
   EXPECT_NE(told().find(L"4 skipped: nothing was selected that PAINT takes (LINE "), std::wstring::npos)

@@ -153,4 +153,86 @@ TEST_F(Import, RegistersTellFloorsInManyWays) {
           "TUONTI_RAKENNUS_1 1, TUONTI_RAKENNUS_2 1, TUONTI_RAKENNUS_3 1, TUONTI_RAKENNUS_5 1, TUONTI_RAKENNUS_6 1"));
 }
 
+TEST_F(Import, PartsTakeThePlacesOfTheirOutlines) {
+  const std::string three = R"("building":"yes","building:levels":"3")";
+  write("town.geojson",
+        collection({area(three, box(0, 0, 40, 20)),  // half of it has parts
+                    area(R"("building:part":"yes","building:levels":"8")", box(0, 0, 10, 20)),
+                    area(R"("building:part":"yes","building:levels":"2","building:min_level":"1")", box(10, 0, 10, 20)),
+                    area(R"("building:part":"yes")", box(20, 0, 20, 20)),  // says nothing
+                    area(three, box(100, 0, 40, 20)),                      // all of it is a part
+                    area(R"("building:part":"yes","building:levels":"2")", box(100, 0, 40, 20)),
+                    area(R"("building:part":"yes","building:levels":"6")", box(110, 5, 10, 10)),   // above the other
+                    area(R"("building:part":"yes","building:levels":"4")", box(200, 0, 9, 9))}));  // without outline
+  const Outcome made = call({"import", "town.geojson", "new.dxf", "--rules", "osm"});
+  EXPECT_EQ(made.status, 0) << made.err;
+  EXPECT_THAT(made.out, HasSubstr("2 buildings drawn by their parts"));
+  EXPECT_THAT(made.out, HasSubstr("left out: 1 parts of buildings without floors of their own"));
+  EXPECT_THAT(made.out, HasSubstr("TUONTI_RAKENNUS_2 2, TUONTI_RAKENNUS_3 1, TUONTI_RAKENNUS_4 1, TUONTI_RAKENNUS_6 1, "
+                                  "TUONTI_RAKENNUS_8 1\n"));
+  EXPECT_THAT(made.err, HasSubstr("1 parts of buildings that begin above the ground"));
+}
+
+TEST_F(Import, RoofsGetRidgesAlongTheLongerAxis) {
+  const std::string house = R"("building":"house","roof:shape":)";
+  write("town.geojson",
+        collection({area(house + R"("gabled","roof:height":"2")", box(0, 0, 10, 16)),
+                    area(house + R"("hipped")", box(30, 0, 16, 10)),
+                    area(house + R"("gabled","roof:orientation":"across")", box(60, 0, 16, 10)),
+                    area(house + R"("gabled","roof:direction":"N")", box(90, 0, 10, 16)),
+                    area(house + R"("gabled")", box(120, 0, 30, 30), box(130, 10, 10, 10)),  // around a courtyard
+                    area(house + R"("flat")", box(160, 0, 10, 16))}));
+  const Outcome made = call(
+      {"import", "town.geojson", "new.dxf", "--rules", "osm", "--illustrate", "--quiet", "--script-out", "new.scr"});
+  EXPECT_EQ(made.status, 0) << made.err;
+  const std::string info = call({"info", "new.dxf"}).out;
+  EXPECT_THAT(info, HasSubstr("Harjaviiva        4\nbuildings 6\n"));
+  EXPECT_THAT(info, HasSubstr("at 2,"));    // as told
+  EXPECT_THAT(info, HasSubstr("at 2.5,"));  // 5 m * tan 27 degrees
+  EXPECT_THAT(info, HasSubstr("at 4.1,"));  // across: 8 m
+  // Ends of the ridges, each point of which the file has on lines of its own.
+  const std::string drawing = read("new.dxf");
+  const auto point = [](double x, double y) {
+    const auto text = [](double value) {
+      std::string all = std::to_string(value);
+      while (all.ends_with('0')) all.pop_back();
+      return all + (all.ends_with('.') ? "0" : "");
+    };
+    return " 10\n" + text(25496000 + x) + "\n 20\n" + text(6672000 + y) + "\n";
+  };
+  EXPECT_THAT(drawing, HasSubstr(point(5, 0) + point(5, 16)));
+  EXPECT_THAT(drawing, HasSubstr(point(35, 5) + point(41, 5)));
+  EXPECT_THAT(drawing, HasSubstr(point(68, 0) + point(68, 10)));
+  EXPECT_THAT(drawing, HasSubstr(point(100, 8) + point(90, 8)));
+}
+
+TEST_F(Import, ReadsTheTopographicDatabaseAndBaseMaps) {
+  ASSERT_EQ(std::system(("/usr/bin/python3 \"" + (fs::path(kSourceDir) / "Tests/Program/make_map_data.py").string() +
+                         "\" \"" + folder.string() + "\"")
+                            .c_str()),
+            0);
+  const Outcome mtk = call({"import", "mtk.gpkg", "mtk.dxf", "--rules", "mtk", "--date", "11/2026", "--illustrate"});
+  EXPECT_EQ(mtk.status, 0) << mtk.err;
+  EXPECT_THAT(mtk.out, HasSubstr("left out: 2 that the rules leave out, 1 that no rule names\n"));
+  EXPECT_THAT(mtk.out,
+              HasSubstr("made: TUONTI_VESI 2, TUONTI_PELTO 1, TUONTI_NURMI 1, TUONTI_SORA 1, TUONTI_ASFALTTI 1, "
+                        "TUONTI_POLKU 1, TUONTI_PENSAS 1, TUONTI_OJA 1, TUONTI_LAUTA_AITA_1.2 1, TUONTI_RAKENNUS_1 1, "
+                        "TUONTI_RAKENNUS_2 2, TUONTI_RAKENNUS_3 1, TUONTI_RAKENNUS_4 1, "
+                        "TUONTI_LEHTIPUU_keskikokoiset 1\n"));
+  EXPECT_THAT(mtk.out, Not(HasSubstr(" skipped: ")));
+  EXPECT_THAT(mtk.out, Not(HasSubstr(" not hatched: ")));
+  EXPECT_THAT(read("mtk.dxf"), HasSubstr("Maastotietokannan 11/2026"));
+  // Whichever place of a thing comes last, its area is what counts; "039" is no number; a height of 23 m is one over
+  // the sea.
+  const Outcome base = call({"import", "kanta.gml", "kanta.dxf", "--rules", "kanta", "--illustrate"});
+  EXPECT_EQ(base.status, 0) << base.err;
+  EXPECT_THAT(base.out, HasSubstr("EPSG:3879"));
+  EXPECT_THAT(base.out, HasSubstr("made: TUONTI_METSA 1, TUONTI_NURMI 1, TUONTI_SORA 2, TUONTI_ASFALTTI 1, "
+                                  "TUONTI_LAUTA_AITA_1.2 1, TUONTI_KIVIAITA_0.8 1, TUONTI_RAKENNUS_1 1, "
+                                  "TUONTI_RAKENNUS_2 2, TUONTI_RAKENNUS_5 1, TUONTI_LEHTIPUU_keskikokoiset 1, "
+                                  "TUONTI_HAVUPUU_keskikokoiset 6\n"));
+  EXPECT_THAT(base.out, Not(HasSubstr(" not hatched: ")));
+  EXPECT_FALSE(fs::exists(folder / "kanta.gfs")) << "nothing is left beside the source";
+}
+
 }  // namespace

@@ -58,8 +58,10 @@ TEST_F(ManyDrawings, EveryOneIsWorkedOnAndTold) {
   const std::string transcript =
       "Command: TLM_MUOK_PENSAS\nValitse muokattava pensasviiva:\nSelect objects: (handent \"290\")\n1 found\n"
       "Select objects: \nCommand: \n";
-  EXPECT_EQ(outcome.out, "bad.dxf: the drawing could not be read\n" + transcript + "plan.dxf: done\n" + transcript +
-                             "sub/other.dxf: done\n");
+  EXPECT_EQ(outcome.out, "bad.dxf: the drawing could not be read\n" + transcript +
+                             "plan.dxf: done; 1 command; 1 object made, 1 changed\n" + transcript +
+                             "sub/other.dxf: done; 1 command; 1 object made, 1 changed\n"
+                             "2 drawings: 2 commands; 2 objects made, 2 changed\n");
   EXPECT_THAT(outcome.err, StartsWith("tolmex: bad.dxf:1: "));
   EXPECT_TRUE(read("new/er/plan.svg") == read("one.svg"));
   EXPECT_TRUE(read("new/er/other.dxf") == read("one.dxf"));
@@ -94,7 +96,7 @@ TEST_F(ManyDrawings, ACrashCostsOneDrawingOnly) {
   const pid_t worker = workerOf(program);
   ASSERT_GT(worker, 0);
   ::kill(worker, SIGKILL);
-  EXPECT_EQ(finish(program), (Outcome{3, "wait.dxf: the script failed\nplan.dxf: done\n",
+  EXPECT_EQ(finish(program), (Outcome{3, "wait.dxf: the script failed\nplan.dxf: done; 1 command; no object changed\n",
                                       "tolmex: wait.dxf: the work crashed: Killed\n"}));
   EXPECT_TRUE(read("new/plan.dxf") == read("plan.dxf"));
 }
@@ -119,7 +121,7 @@ TEST_F(ManyDrawings, StandardInputAndOutput) {
   Outcome outcome = call({"run", "-", "--command", "REGEN", "--out", "-"}, fromPlan);
   EXPECT_EQ(outcome.status, 0);
   EXPECT_TRUE(outcome.out == drawing) << "only the drawing is on standard output";
-  EXPECT_EQ(outcome.err, "Command: REGEN\nRegenerating model.\nCommand: \n");
+  EXPECT_EQ(outcome.err, "Command: REGEN\nRegenerating model.\nCommand: \nDone: 1 command; no object changed\n");
   ASSERT_EQ(call({"picture", "plan.dxf", "a.svg"}).status, 0);
   outcome = call({"picture", "-", "-", "--format", "svg"}, fromPlan);
   EXPECT_EQ(outcome.err, "");
@@ -198,6 +200,11 @@ TEST_F(ManyDrawings, WhatIsUpToDateIsLeftAndAllIsReported) {
       if (json["status"] == 2) {
         EXPECT_THAT(json["messages"].dump(), HasSubstr("bad.dxf"));
       }
+      if (json["result"] == "done") {
+        EXPECT_EQ(json["sum"].dump(),
+                  R"({"changed":1,"commands":1,"erased":0,"foundNothing":0,"made":1,"notHatched":{},)"
+                  R"("skipped":{}})");
+      }
     }
     return found;
   };
@@ -214,7 +221,25 @@ TEST_F(ManyDrawings, WhatIsUpToDateIsLeftAndAllIsReported) {
   EXPECT_EQ(call(all).status, 2);
   EXPECT_EQ(results(), (Results{"plan.dxf: done", "bad.dxf: the drawing could not be read", "b.dxf: done"}));
   EXPECT_EQ(read("out/b.dxf"), first);
-  EXPECT_EQ(call({"run", "plan.dxf", "--command", "REGEN", "--out", "x.dxf", "--resume"}).status, 1);
+  // Other options, another script, an output that somebody else has made.
+  const Results again = {"plan.dxf: done", "bad.dxf: the drawing could not be read", "b.dxf: done"};
+  fs::last_write_time(folder / "b.dxf", fs::last_write_time(folder / "plan.dxf"));
+  const auto made = [&](const Arguments& more) {
+    Arguments arguments = all;
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    call(arguments);
+    return results();
+  };
+  const Results left = {"plan.dxf: up to date", "b.dxf: up to date", "bad.dxf: the drawing could not be read"};
+  EXPECT_EQ(made({"--set", "LTSCALE=2"}), again);
+  EXPECT_EQ(made({"--set", "LTSCALE=2", "--jobs", "2"}), left);
+  EXPECT_EQ(made({}), again);
+  EXPECT_EQ(made({"--width", "500"}), again);
+  write("hedge.scr", "TLM_MUOK_PENSAS\n(handent \"290\")\n\n; more\n");
+  EXPECT_EQ(made({"--width", "500"}), again);
+  write("out/plan.svg", read("out/plan.svg") + " ");
+  EXPECT_EQ(made({"--width", "500"}),
+            (Results{"b.dxf: up to date", "plan.dxf: done", "bad.dxf: the drawing could not be read"}));
 }
 
 }  // namespace

@@ -32,7 +32,8 @@ TEST_F(Scripts, TranscriptIsWhatTheCommandLineShows) {
                                        "Select objects: (handent \"290\")\n"
                                        "1 found\n"
                                        "Select objects: \n"
-                                       "Command: \n",
+                                       "Command: \n"
+                                       "Done: 1 command; 1 object made, 1 changed\n",
                                        ""}));
   EXPECT_EQ(runLines(kHedge, {"--quiet"}), (Outcome{0, "", ""}));
   EXPECT_EQ(read("plan.dxf"), read(kPlan)) << "without --out nothing is written";
@@ -48,7 +49,12 @@ TEST_F(Scripts, TellWhatTheyLeftOut) {
   EXPECT_THAT(told.out,
               HasSubstr("\n2 skipped: 1 on a locked layer (LWPOLYLINE 250), 1 that TLM_MUOK_ASFALTTI does not "
                         "take (TEXT 375); 1 not hatched: not closed (LWPOLYLINE 298)\nCommand: "));
-  EXPECT_THAT(told.out, HasSubstr("\ndialog \"Rakennuksen ominaisuudet\": Cancel\nCommand: \n"));
+  EXPECT_THAT(told.out, HasSubstr("\ndialog \"Rakennuksen ominaisuudet\": Cancel\nCommand: \nDone: 4 commands; "));
+  EXPECT_THAT(told.out,
+              testing::EndsWith("; 2 skipped: 1 of a kind that the command does not take, 1 on a locked layer; "
+                                "1 not hatched: not closed; 1 pick found nothing\n"));
+  EXPECT_THAT(runLines({"TLM_MUOK_ASFALTTI", "(handent \"298\")", ""}, {"--strict"}).out,
+              testing::EndsWith("\nStopped: 1 command; 1 object changed; 1 not hatched: not closed\n"));
   EXPECT_EQ(told.err, "tolmex: more.scr:10: TLM_MUOK_SORA: nothing found at 1,1\n");
   EXPECT_EQ(call({"run", "plan.dxf", "--script", "more.scr", "--quiet", "--strict", "--out", "b.dxf"}),
             (Outcome{3, "",
@@ -60,6 +66,37 @@ TEST_F(Scripts, TellWhatTheyLeftOut) {
   const Outcome shadows = runLines({"TLM_MUOK_RAKENNUS", "(handent \"2C0\")", "", "30211 2", "30206 3", "30207 0",
                                     "30208 0", "OK", "LAYER", "LO", "tmv_rak", "", "TLM_VARJO_PAIVITA"});
   EXPECT_THAT(shadows.out, HasSubstr("\n1 skipped: on a locked layer (LWPOLYLINE 2C0)\n"));
+}
+
+TEST_F(Scripts, TellWhatChangedInDialogs) {
+  const Outcome told = runLines({"TLM_MUOK_RAKENNUS",
+                                 "(handent \"2C0\")",
+                                 "",
+                                 "Kerrosmäärä 2",
+                                 "Kerroskorkeus 2,8",
+                                 "30207 0.5",
+                                 "30208 0.4",
+                                 "OK",
+                                 "TLM_MUOK_RAKENNUS",
+                                 "(handent \"2C0\")",
+                                 "",
+                                 "30211 5",
+                                 "30211 3",
+                                 "30206 2.8",
+                                 "OK",
+                                 "TLM_MUOK_RAKENNUS",
+                                 "(handent \"2C0\")",
+                                 "",
+                                 "30211 9",
+                                 "Cancel"});
+  EXPECT_EQ(told.status, 0) << told.err;
+  EXPECT_THAT(told.out, HasSubstr("\n2,8 is taken as 2.8\n"));
+  const std::string dialog = "\ndialog \"Rakennuksen ominaisuudet\": ";
+  EXPECT_THAT(told.out, HasSubstr(dialog + "OK" + dialog +
+                                  "Kerrosmäärä \"\" -> 2, Kerroskorkeus \"\" -> 2.8, Räystäsleveys \"\" -> 0.5, "
+                                  "Sokkelikorkeus \"\" -> 0.4\n"));
+  EXPECT_THAT(told.out, HasSubstr(dialog + "OK" + dialog + "Kerrosmäärä 2 -> 3\n"));
+  EXPECT_THAT(told.out, HasSubstr(dialog + "Cancel\nCommand: \n"));
 }
 
 TEST_F(Scripts, ACommandLeftAtOnceLeavesTheFileAsItWas) {

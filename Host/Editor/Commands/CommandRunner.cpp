@@ -55,6 +55,7 @@ bool worksDialogs(std::wstring_view name) {
 void CommandRunner::reset() {
   lastCommand_.clear();
   lastSkips_.clear();
+  count_ = {};
 }
 
 std::wstring CommandRunner::names() const {
@@ -346,6 +347,7 @@ void CommandRunner::execute(const std::shared_ptr<Command>& command, bool transp
   session_.setNextLimits({});
   state_ = {};
   if (isOutermost) {
+    count_.commandBegins();
     changesWhenAsked_.reset();
     skips_.begin();
     lastSkips_.clear();
@@ -396,8 +398,10 @@ void CommandRunner::reportNewProblems(const Document& document, std::size_t know
 }
 
 void CommandRunner::reportSkips(const Command& command, bool isWhole) {
-  const std::wstring sentence = skips_.sentence(command.global, isWhole);
-  if (sentence.empty()) return;
+  const std::vector<SkipReport::Skip> skips = skips_.skips(isWhole);
+  if (skips.empty()) return;
+  count_.leftOut(skips);
+  const std::wstring sentence = skips_.sentence(command.global, skips);
   session_.transcript().line(sentence);
   lastSkips_ = command.global + L": " + sentence;
   if (session_.options().isStrict && !session_.isInteractive())

@@ -11,6 +11,7 @@
 
 #include "Editor/Commands/CommandStack.h"
 #include "Editor/Commands/CommandWatch.h"
+#include "Editor/Commands/RunCount.h"
 #include "Editor/Input/InputStack.h"
 #include "Editor/Selection/SkipReport.h"
 #include "Problems/Problem.h"
@@ -49,6 +50,8 @@ class CommandRunner {
   const std::wstring& namedVariable() const { return namedVariable_; }
   /// What the running command leaves out.
   SkipReport& skips() { return skips_; }
+  /// What was done since the program's beginning.
+  RunCount& count() { return count_; }
 
   // ---- how the innermost command's questions go -------------------------------------------------------------------
   /// A question is about to be asked: what the command did before was preparation.
@@ -101,6 +104,7 @@ class CommandRunner {
   State state_;
   std::optional<std::uint64_t> changesWhenAsked_;  // drawing's counter when the outermost command first asked something
   SkipReport skips_;
+  RunCount count_;
   CommandWatch watch_{skips_, [this] { atWork(); }};
   std::wstring lastSkips_;  // of the last command, with its name
   std::wstring lastCommand_;

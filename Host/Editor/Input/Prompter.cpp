@@ -1,5 +1,6 @@
 #include "Editor/Prompter.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "Editor/DecimalComma.h"
@@ -92,6 +93,8 @@ Reply<AcGePoint3d> Prompter::point(std::wstring_view prompt, const Limits& limit
                            why.clear();
                            return std::nullopt;
                          }
+                         if (std::count(answer.text.begin(), answer.text.end(), L',') > 2)
+                           why = L"Invalid point: x,y with decimal points is wanted, as in 12.5,30.";
                          return parsePoint(answer.text, origin);
                        });
   if (reply) session_.recording().wasPoint(reply.value);

@@ -64,7 +64,7 @@ Answer LineInput::next(const Question& question) {
     }
     return cancelAnswer();
   }
-  return question.form == AnswerForm::Word ? takeWord() : takeRest(question.form);
+  return question.form == AnswerForm::Word ? takeWord(question) : takeRest(question.form);
 }
 
 Answer LineInput::takeRest(AnswerForm form) {
@@ -79,7 +79,7 @@ Answer LineInput::takeRest(AnswerForm form) {
   return textAnswer(std::move(rest));
 }
 
-Answer LineInput::takeWord() {
+Answer LineInput::takeWord(const Question& question) {
   if (position_ >= line_.size() || isBlank(line_[position_])) {
     endWord();
     return textAnswer({});
@@ -91,7 +91,7 @@ Answer LineInput::takeWord() {
   }
   std::wstring word;
   if (line_[position_] == L'(') {
-    word = takeParenthesized();
+    word = takeParenthesized(question);
   } else {
     while (position_ < line_.size() && !isBlank(line_[position_])) word += line_[position_++];
   }
@@ -123,19 +123,29 @@ std::wstring LineInput::takeQuoted() {
   return inside;
 }
 
-std::wstring LineInput::takeParenthesized() {
+std::wstring LineInput::takeParenthesized(const Question& question) {
   std::wstring text;
   int depth = 0;
   bool inQuotes = false;
-  while (position_ < line_.size()) {
-    const wchar_t c = line_[position_++];
-    text += c;
-    if (c == L'"') inQuotes = !inQuotes;
-    if (inQuotes) continue;
-    if (c == L'(') ++depth;
-    if (c == L')' && --depth == 0) break;
+  for (;;) {
+    while (position_ < line_.size()) {
+      const wchar_t c = line_[position_++];
+      text += c;
+      if (c == L'"') inQuotes = !inQuotes;
+      if (inQuotes) continue;
+      if (c == L'(') ++depth;
+      if (c == L')' && --depth == 0) return text;
+    }
+    // A missing parenthesis takes no more than the lines up to the next empty one. Who types is told of it at once.
+    if (inQuotes || isInteractive()) return text;
+    hasLine_ = false;
+    if (!fetchLine(question)) return text;
+    if (line_.find_first_not_of(L" \t") == std::wstring::npos) {
+      position_ = line_.size();
+      return text;
+    }
+    text += L' ';
   }
-  return text;
 }
 
 /// Takes the blank that ended an answer; at the end of the line that was the line end.

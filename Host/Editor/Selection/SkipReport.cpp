@@ -100,24 +100,37 @@ std::vector<const Slot*> SkipReport::notTaken() const {
   return left;
 }
 
-std::wstring SkipReport::sentence(std::wstring_view command, bool isWhole) const {
-  Heaps skipped, unhatched;
+std::vector<SkipReport::Skip> SkipReport::skips(bool isWhole) const {
+  std::vector<Skip> all;
   for (const Slot* object : refused_) {
     const Reasons& reasons = reasons_.at(object);
     // An object that cannot be changed at all is reported once.
     if (!reasons.change.empty()) {
-      skipped.add(text::fromUtf8(reasons.change), object);
+      all.push_back({object, What::Skipped, reasons.change});
     } else {
-      unhatched.add(text::fromUtf8(reasons.hatch), object);
+      all.push_back({object, What::NotHatched, reasons.hatch});
     }
   }
-  std::vector<const Slot*> left = isWhole ? notTaken() : std::vector<const Slot*>();
-  const bool tookNothing = left.size() == selected_.size() && filtered_.empty() && skipped.isEmpty();
-  left.insert(left.end(), filtered_.begin(), filtered_.end());
+  if (isWhole) {
+    for (const Slot* object : notTaken()) all.push_back({object, What::Skipped, {}});
+  }
+  for (const Slot* object : filtered_) all.push_back({object, What::Skipped, {}});
+  return all;
+}
+
+std::wstring SkipReport::sentence(std::wstring_view command, const std::vector<Skip>& skips) const {
+  const auto isNotTaken = [](const Skip& skip) { return skip.what == What::Skipped && skip.reason.empty(); };
+  const bool onlyNotTaken = std::none_of(
+      skips.begin(), skips.end(), [&](const Skip& skip) { return skip.what == What::Skipped && !isNotTaken(skip); });
+  const auto notTakenCount = static_cast<std::size_t>(std::count_if(skips.begin(), skips.end(), isNotTaken));
+  const bool tookNothing = onlyNotTaken && filtered_.empty() && notTakenCount == selected_.size();
   const std::wstring name(command);
-  const std::wstring reason =
+  const std::wstring unfit =
       tookNothing ? L"nothing was selected that " + name + L" takes" : L"that " + name + L" does not take";
-  for (const Slot* object : left) skipped.add(reason, object);
+  Heaps skipped, unhatched;
+  for (const Skip& skip : skips)
+    (skip.what == What::Skipped ? skipped : unhatched)
+        .add(isNotTaken(skip) ? unfit : text::fromUtf8(skip.reason), skip.object);
   const std::wstring first = skipped.sentence(L"skipped");
   const std::wstring second = unhatched.sentence(L"not hatched");
   return first.empty() || second.empty() ? first + second : first + L"; " + second;

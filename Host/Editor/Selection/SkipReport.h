@@ -30,10 +30,18 @@ class SkipReport {
   void used(const Slot& object);
   void refused(const Slot& object, Refusal what, std::string_view why);
 
+  enum class What { Skipped, NotHatched };
+  struct Skip {
+    const Slot* object;
+    What what;
+    std::string_view reason;  // empty: of a kind that the command does not take
+  };
+  /// After a command that was cancelled or has failed, `isWhole` is false: what it did not use is then nothing that it
+  /// does not take. Reads the drawing: to be asked before that goes.
+  std::vector<Skip> skips(bool isWhole) const;
   /// "3 skipped: 2 on a locked layer (LINE 2F, LINE 30), 1 that HATCHER does not take (TEXT 31)"; empty when nothing
-  /// was left out. After a command that was cancelled or has failed, `isWhole` is false: what it did not use is then
-  /// nothing that it does not take. Reads the drawing: to be asked before that goes.
-  std::wstring sentence(std::wstring_view command, bool isWhole) const;
+  /// was left out.
+  std::wstring sentence(std::wstring_view command, const std::vector<Skip>& skips) const;
 
  private:
   struct Reasons {

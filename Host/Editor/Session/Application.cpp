@@ -155,6 +155,11 @@ Result<> Application::setVariable(std::wstring_view name, std::wstring_view valu
 Result<> Application::run(InputSource& input) { return host().runner().run(input); }
 bool Application::quitRequested() const { return host().isQuitting(); }
 bool Application::hasFailed() const { return host().hasFailed(); }
+RunSummary Application::summary() const {
+  std::vector<const database::DrawingDatabase*> open;
+  for (const auto& document : host().documents().all()) open.push_back(&document->drawing());
+  return host().runner().count().summary(open);
+}
 void Application::interrupt() { Session::interrupt(); }
 
 void Application::addCommand(std::wstring name, std::int32_t flags, std::function<void(Prompter&)> handler,

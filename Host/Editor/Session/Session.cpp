@@ -147,6 +147,7 @@ Result<> Session::newDrawing() {
 
 void Session::closeDocument(Document& document) {
   modules_.tellAll(AcRx::kUnloadDwgMsg, &document);
+  runner_.count().drawingCloses(document.drawing());
   sets_.forget(document.drawing());
   finder_.forget();
   documents_.close(document);
@@ -297,6 +298,7 @@ void Session::failForMemory(const Command* command) noexcept {
 
 void Session::foundNothing(const std::wstring& where) {
   if (isInteractive() || input_.isFromCode()) return;
+  runner_.count().foundNothing();
   Problem problem =
       problemOf(Code::NothingFound, text::toUtf8(runner_.names()) + ": nothing found " + text::toUtf8(where));
   if (options_.isStrict) {

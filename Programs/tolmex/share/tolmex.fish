@@ -17,7 +17,7 @@ for call in run shell
 end
 for call in run picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l out-dir -r -d 'Folder of the results'
-    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l format -x -a 'png svg pdf' -d 'Format of pictures'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l format -x -a 'png svg pdf tif' -d 'Format of pictures'
 end
 for call in run picture info
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l jobs -x -d 'Drawings worked on at once'
@@ -44,6 +44,7 @@ for call in run picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l field -x -d 'Text of a field of the sheet'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l legend -r -d 'Own texts of the legend'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l worldfile -d 'A .pgw file beside a PNG'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l crs -x -a 'TM35FIN GK25 EPSG:3879' -d 'Coordinate system of the drawing'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l grayscale -d 'Shades of grey'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l monochrome -d 'One colour'
 end
