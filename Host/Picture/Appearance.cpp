@@ -6,6 +6,7 @@
 
 #include "Database/Palette.h"
 #include "Hatching/Linetypes.h"
+#include "Picture/PlotStyles.h"
 #include "Text/Text.h"
 
 namespace host::picture {
@@ -23,6 +24,12 @@ bool isName(std::string_view text, std::string_view upper) {
 std::optional<std::uint8_t> givenAlpha(std::int64_t transparency) {
   if ((transparency >> 24 & 0xFF) != 2) return {};
   return static_cast<std::uint8_t>(transparency & 0xFF);
+}
+
+/// By the usual video weights, in thousandths.
+std::uint8_t lumaOf(std::uint32_t rgb) {
+  return static_cast<std::uint8_t>((299 * (rgb >> 16 & 0xFF) + 587 * (rgb >> 8 & 0xFF) + 114 * (rgb & 0xFF) + 500) /
+                                   1000);
 }
 
 }  // namespace
@@ -92,6 +99,7 @@ double Appearances::fixedHeight(std::uint64_t style) const {
 
 void Appearances::setIndexColor(Appearance& appearance, int index) {
   appearance.isInk = index == kInk || index <= 0 || index > 255;
+  appearance.index = appearance.isInk ? static_cast<int>(kInk) : index;
   if (!appearance.isInk) appearance.rgb = database::paletteColor(index);
 }
 
@@ -102,12 +110,14 @@ Appearance Appearances::resolve(const database::EntityProperties& own, std::uint
   Appearance result;
   const auto setTrueColor = [&](std::int64_t rgb) {
     result.isInk = false;
+    result.index = 0;
     result.rgb = static_cast<std::uint32_t>(rgb);
   };
   if (own.trueColor >= 0)
     setTrueColor(own.trueColor);
   else if (own.color == kByBlock) {
     result.isInk = block.isInk;
+    result.index = block.index;
     result.rgb = block.rgb;
   } else if (own.color != kByLayer)
     setIndexColor(result, own.color);
@@ -149,26 +159,60 @@ Color Appearances::background() const {
 Color Appearances::ofMode(std::uint32_t rgb, std::uint8_t alpha) const {
   Color c{static_cast<std::uint8_t>(rgb >> 16), static_cast<std::uint8_t>(rgb >> 8), static_cast<std::uint8_t>(rgb),
           alpha};
-  if (options_.colors == ColorMode::Grayscale) {
-    // Luma of the usual video weights, in thousandths.
-    const auto grey = static_cast<std::uint8_t>((299 * c.red + 587 * c.green + 114 * c.blue + 500) / 1000);
-    c.red = c.green = c.blue = grey;
-  }
+  if (options_.colors == ColorMode::Grayscale) c.red = c.green = c.blue = lumaOf(rgb);
   return c;
 }
 
-Color Appearances::color(const Appearance& appearance) const {
+bool Appearances::isOnDark() const {
+  const Color b = background();
+  return 299 * b.red + 587 * b.green + 114 * b.blue < 128 * 1000;
+}
+
+Appearance Appearances::plotted(const Appearance& appearance) const {
+  if (options_.plotStyles == nullptr || keepsRoles_ || appearance.index < 1 || appearance.index > 255)
+    return appearance;
+  const PlotPen& pen = options_.plotStyles->pen(appearance.index);
+  Appearance result = appearance;
+  if (pen.lineweightMm > 0) result.lineweightMm = pen.lineweightMm;
+  if (pen.dashes) {
+    result.dashes = pen.dashes->dashes.empty() ? nullptr : &*pen.dashes;
+    result.hasPlotDashes = true;
+  }
+  if (pen.rgb) {
+    result.isInk = *pen.rgb == 0;  // black shows on dark backgrounds, too
+    result.rgb = *pen.rgb;
+  }
+  if (pen.screenPercent == 100 && !(pen.isGrey && !result.isInk)) return result;
+  std::uint32_t rgb = result.isInk ? 0U : result.rgb;
+  if (pen.isGrey) rgb = lumaOf(rgb) * 0x010101U;
+  const unsigned screen = static_cast<unsigned>(pen.screenPercent);
+  const auto screened = [screen](unsigned c) { return 255 - ((255 - c) * screen + 50) / 100; };
+  result.isInk = false;
+  result.rgb = screened(rgb >> 16 & 0xFF) << 16 | screened(rgb >> 8 & 0xFF) << 8 | screened(rgb & 0xFF);
+  return result;
+}
+
+Color Appearances::fillColor(const Appearance& appearance) const {
+  const Appearance seen = plotted(appearance);
+  if (options_.colors != ColorMode::Monochrome || keepsRoles_ || seen.isInk || seen.rgb == 0) return color(appearance);
+  // A third of the way from the ground to ink at most, so that lines stand out.
+  const int grey = lumaOf(seen.rgb);
+  const auto tone = static_cast<std::uint8_t>(isOnDark() ? grey / 3 : 255 - (255 - grey) / 3);
+  return {tone, tone, tone, appearance.alpha};
+}
+
+Color Appearances::color(const Appearance& given) const {
+  const Appearance appearance = plotted(given);
   if (!appearance.isInk && options_.colors != ColorMode::Monochrome) return ofMode(appearance.rgb, appearance.alpha);
   if (keepsRoles_) return {0, 0, 0, appearance.alpha, ColorRole::Ink};
-  const Color b = background();
-  const bool isDark = 299 * b.red + 587 * b.green + 114 * b.blue < 128 * 1000;
-  return isDark ? Color{255, 255, 255, appearance.alpha} : Color{0, 0, 0, appearance.alpha};
+  return isOnDark() ? Color{255, 255, 255, appearance.alpha} : Color{0, 0, 0, appearance.alpha};
 }
 
 Appearance Appearances::withColor(int index, std::int64_t trueColor, const Appearance& otherwise) {
   Appearance own = otherwise;
   if (trueColor >= 0) {
     own.isInk = false;
+    own.index = 0;
     own.rgb = static_cast<std::uint32_t>(trueColor & 0xFFFFFF);
   } else if (index > 0 && index < kByLayer) {
     setIndexColor(own, index);

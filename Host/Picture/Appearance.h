@@ -32,7 +32,9 @@ struct Appearance {
   std::uint32_t rgb = 0;  // when not
   std::uint8_t alpha = 255;
   double lineweightMm = 0.25;
+  int index = 7;                        // of the palette; 0: a colour of its own, which no pen changes
   const LinePattern* dashes = nullptr;  // null: unbroken; lengths before linetype scales
+  bool hasPlotDashes = false;           // the lengths are millimetres of the paper
   double linetypeScale = 1;
 };
 
@@ -60,8 +62,12 @@ class Appearances {
   /// Layers hidden in the viewport that is being drawn, as layer indices.
   void setViewportFrozen(std::vector<std::uint32_t> layers) { viewportFrozen_ = std::move(layers); }
 
-  /// The colour after the picture's colour mode.
+  /// As the pen of its colour says it, when the picture is plotted with plot styles.
+  Appearance plotted(const Appearance& appearance) const;
+  /// The colour after pen and the picture's colour mode.
   Color color(const Appearance& appearance) const;
+  /// The same of an area: in a picture of one colour a light tone, unless the area itself is ink.
+  Color fillColor(const Appearance& appearance) const;
   Color color(int index, std::int64_t trueColor, const Appearance& otherwise) const;
   /// `otherwise` in another colour, when one of them is given.
   static Appearance withColor(int index, std::int64_t trueColor, const Appearance& otherwise);
@@ -78,6 +84,7 @@ class Appearances {
   double fixedHeight(std::uint64_t style) const;
   static void setIndexColor(Appearance& appearance, int index);
   Color ofMode(std::uint32_t rgb, std::uint8_t alpha) const;
+  bool isOnDark() const;
 
   const database::DrawingDatabase& db_;
   const PictureOptions& options_;

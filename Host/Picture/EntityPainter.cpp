@@ -6,6 +6,7 @@
 
 #include "Database/ObjectAccess.h"
 #include "Database/TagValues.h"
+#include "Geometry/BlockClips.h"
 #include "Picture/Bounds.h"
 
 namespace host::picture {
@@ -165,16 +166,21 @@ geometry::CharacterWidth EntityPainter::characterWidth() {
 }
 
 EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const Place& place) const {
+  const Appearance plotted = appearances_.plotted(appearance);
   Style style;
   style.appearance = appearance;
-  style.line.pen.color = appearances_.color(appearance);
-  const double width = lineweightsOff_ ? 0 : appearance.lineweightMm * lineweightFactor_ * view_.pixelsPerMm;
+  style.line.pen.color = style.fill = appearances_.color(appearance);
+  const double width = lineweightsOff_ ? 0 : plotted.lineweightMm * lineweightFactor_ * view_.pixelsPerMm;
   style.line.pen.width = std::max(width, view_.thinnestLine);
-  if (appearance.dashes == nullptr || view_.boundsOnly) return style;
+  if (plotted.dashes == nullptr || view_.boundsOnly) return style;
+  style.line.pattern = plotted.dashes;
+  if (plotted.hasPlotDashes) {
+    style.line.dashUnit = view_.pixelsPerMm;
+    return style;
+  }
   // Dashes grow with the blocks they stand in: by the mean of the scales of a block drawn out of shape.
   const Transform& t = place.toPicture;
   const double blockScale = std::sqrt(t.x.length() * t.y.length()) / outerScale_;
-  style.line.pattern = appearance.dashes;
   style.line.dashUnit = dashScale_ * blockScale * appearance.linetypeScale;
   return style;
 }
@@ -193,7 +199,10 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   const Appearance appearance = appearances_.resolve(own, layer, place.surroundings);
   const bool isReference = geometry::isReference(entity);
   if (isReference && paintReference(entity, place, layer, appearance)) return;
-  const Style style = styleOf(appearance, place);
+  Style style = styleOf(appearance, place);
+  const bool isArea = entity.type == DxfType::Hatch || entity.type == DxfType::Solid || entity.type == DxfType::Trace;
+  // Arrowheads go with their lines.
+  if (isArea && !isInDimension_) style.fill = appearances_.fillColor(appearance);
   if (entity.type == DxfType::Hatch) return paintHatch(entity, place, style);
   if (entity.type == DxfType::Viewport) paintViewport(entity);
 
@@ -222,22 +231,86 @@ bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::
   const auto reference = geometry::readReference(entity);
   if (!reference && entity.type != DxfType::Insert) return false;
   if (reference && chain_.enter(reference->block)) {
-    // The corner cells bound an array.
-    const std::int64_t rowStep = view_.boundsOnly ? std::max<std::int64_t>(reference->rows - 1, 1) : 1;
-    const std::int64_t columnStep = view_.boundsOnly ? std::max<std::int64_t>(reference->columns - 1, 1) : 1;
-    for (std::int64_t row = 0; row < reference->rows && !cutShort_; row += rowStep)
-      for (std::int64_t column = 0; column < reference->columns && !cutShort_; column += columnStep) {
-        if (!spendRepeats(1)) break;  // empty cells count, too
-        const Place cell{place.toPicture.after(reference->cell(column, row)), inside};
-        for (const Slot* inner : drawOrder(*reference->block))
-          if (geometry::isDrawnInReference(*inner)) paintEntity(*inner, cell);
-      }
+    const bool wasInDimension = isInDimension_;
+    isInDimension_ = isInDimension_ || geometry::isDimension(entity);
+    const auto clip = entity.type == DxfType::Insert ? geometry::readBlockClip(entity) : std::nullopt;
+    std::vector<Point> ring;
+    const bool isCut = clip && !clip->isDamaged && project(clip->ring, place.toPicture.after(reference->first), ring);
+    if (clip && !isCut) damagedClips_.insert(&entity);
+    Box outerArea;
+    if (!isCut) {
+      paintContent(*reference, place, inside);
+    } else if (beginClip(ring, clip->isInverted, outerArea)) {
+      paintContent(*reference, place, inside);
+      endClip(outerArea);
+      constexpr std::int64_t kPlotted = 1;
+      if (db_.headerInteger("$XCLIPFRAME", 280).value_or(2) == kPlotted) strokeLine(ring, true, styleOf(own, place));
+    }
+    isInDimension_ = wasInDimension;
     chain_.leave();
   }
   for (const Slot* sub = entity.firstSub(); sub != nullptr; sub = sub->nextSub)
     if (sub->type == DxfType::Attrib && !sub->isErased() && !geometry::isInvisibleAttribute(*sub))
       paintEntity(*sub, {place.toPicture, inside});
   return true;
+}
+
+void EntityPainter::paintContent(const geometry::BlockReference& reference, const Place& place,
+                                 const Surroundings& inside) {
+  // The corner cells bound an array.
+  const std::int64_t rowStep = view_.boundsOnly ? std::max<std::int64_t>(reference.rows - 1, 1) : 1;
+  const std::int64_t columnStep = view_.boundsOnly ? std::max<std::int64_t>(reference.columns - 1, 1) : 1;
+  for (std::int64_t row = 0; row < reference.rows && !cutShort_; row += rowStep)
+    for (std::int64_t column = 0; column < reference.columns && !cutShort_; column += columnStep) {
+      if (!spendRepeats(1)) break;  // empty cells count, too
+      const Place cell{place.toPicture.after(reference.cell(column, row)), inside};
+      for (const Slot* inner : drawOrder(*reference.block))
+        if (geometry::isDrawnInReference(*inner)) paintEntity(*inner, cell);
+    }
+}
+
+bool EntityPainter::beginClip(std::vector<Point> ring, bool isInverted, Box& outerArea) {
+  Box area;
+  for (const Point p : ring) area.add(p);
+  if (isInverted) {
+    // A frame around all there may be, joined to the ring, which runs the other way round in it: both fill rules leave
+    // the inside out.
+    constexpr double kBeyond = 1e6;
+    Box frame = area;
+    if (!view_.area.isEmpty()) {
+      frame.add(Point{view_.area.minX, view_.area.minY});
+      frame.add(Point{view_.area.maxX, view_.area.maxY});
+    }
+    const double border = view_.area.isEmpty() ? kBeyond * (1 + frame.maxX - frame.minX + frame.maxY - frame.minY) : 10;
+    frame = {frame.minX - border, frame.minY - border, frame.maxX + border, frame.maxY + border};
+    double twice = 0;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+      const Point &a = ring[i], &b = ring[(i + 1) % ring.size()];
+      twice += (a.x - ring[0].x) * (b.y - ring[0].y) - (b.x - ring[0].x) * (a.y - ring[0].y);
+    }
+    if (twice > 0) std::ranges::reverse(ring);
+    ring.push_back(ring.front());
+    const Point corner{frame.minX, frame.minY};
+    ring.insert(ring.end(),
+                {corner, {frame.maxX, frame.minY}, {frame.maxX, frame.maxY}, {frame.minX, frame.maxY}, corner});
+    area = view_.area;
+  } else if (!view_.area.isEmpty()) {
+    const Box& a = view_.area;
+    area = {std::max(a.minX, area.minX), std::max(a.minY, area.minY), std::min(a.maxX, area.maxX),
+            std::min(a.maxY, area.maxY)};
+    if (area.isEmpty() || area.minY > area.maxY) return false;
+  }
+  outerArea = view_.area;
+  view_.area = area;
+  details_.setArea(area);
+  details_.beginClip(ring);
+  return true;
+}
+
+void EntityPainter::endClip(const Box& outerArea) {
+  view_.area = outerArea;
+  details_.endClip();
+  details_.setArea(outerArea);
 }
 
 void EntityPainter::paintViewport(const Slot& entity) {
@@ -255,13 +328,8 @@ void EntityPainter::paintViewport(const Slot& entity) {
   }
   std::vector<Point> ring;
   if (!project(corners, view_.toPicture, ring)) return;
-  Box clip;
-  for (const Point p : ring) clip.add(p);
-  const auto intersected = [](const Box& a, const Box& b) {
-    return Box{std::max(a.minX, b.minX), std::max(a.minY, b.minY), std::min(a.maxX, b.maxX), std::min(a.maxY, b.maxY)};
-  };
-  if (!view_.area.isEmpty()) clip = intersected(clip, view_.area);
-  if (clip.isEmpty() || clip.minY > clip.maxY) return;
+  Box paperArea;
+  if (!beginClip(std::move(ring), false, paperArea)) return;
   std::vector<std::uint32_t> frozen;
   for (const std::uint64_t handle : view.frozen)
     if (const Slot* layer = db_.findHandle(handle); layer != nullptr && layer->type == DxfType::Layer)
@@ -271,10 +339,6 @@ void EntityPainter::paintViewport(const Slot& entity) {
   const double paperDashScale = dashScale_, paperScale = outerScale_;
   outerScale_ = view_.toPicture.after(toPaper).planScale();
   if (db_.headerInteger("$PSLTSCALE", 70).value_or(1) == 0) dashScale_ *= toPaper.planScale();
-  const Box paperArea = view_.area;
-  view_.area = clip;
-  details_.setArea(clip);
-  details_.beginClip(ring);
   appearances_.setViewportFrozen(std::move(frozen));
   isInViewport_ = true;
   const Place place{view_.toPicture.after(toPaper), {}};
@@ -284,9 +348,7 @@ void EntityPainter::paintViewport(const Slot& entity) {
   }
   isInViewport_ = false;
   appearances_.setViewportFrozen({});
-  view_.area = paperArea;
-  details_.endClip();
-  details_.setArea(paperArea);
+  endClip(paperArea);
   dashScale_ = paperDashScale;
   outerScale_ = paperScale;
 }
@@ -317,8 +379,7 @@ void EntityPainter::strokeLine(const std::vector<Point>& line, bool closed, cons
 }
 
 void EntityPainter::paintWire(const geometry::Wire& wire, const Place& place, const Style& style) {
-  const Color color = style.line.pen.color;
-  if (wire.filled) return fillChains({wire.points}, place.toPicture, FillRule::EvenOdd, color);
+  if (wire.filled) return fillChains({wire.points}, place.toPicture, FillRule::EvenOdd, style.fill);
   if (isRepeating() && !spendRepeats(wire.points.size() / kPointsPerRepeat)) return;
   if (!project(wire.points, place.toPicture, wire_.line)) return;
   wire_.closed = wire.closed;
@@ -345,10 +406,28 @@ void EntityPainter::paintInfinite(const geometry::InfiniteLine& line, const Plac
   details_.infinite(base, {d.x, d.y}, line.bothWays, style.line);
 }
 
+bool EntityPainter::hasWipeoutFrames() {
+  if (!hasWipeoutFrames_) {
+    constexpr std::int64_t kPlotted = 1;  // 0: not shown, 2: shown, but not plotted
+    hasWipeoutFrames_ = false;
+    db_.forEachSlot([this](const Slot& slot) {
+      if (slot.type < DxfType::FirstOther || slot.isErased() || db_.typeName(slot) != "WIPEOUTVARIABLES") return;
+      database::TagCursor tags = slot.tags();
+      for (database::Tag tag; tags.next(tag);)
+        if (tag.code == 70) hasWipeoutFrames_ = tag.integer() == kPlotted;
+    });
+  }
+  return *hasWipeoutFrames_;
+}
+
 void EntityPainter::paintImage(const geometry::ImageFrame& frame, const Place& place, const Style& style) {
-  if (frame.isWipeout) return fillChains({frame.ring}, place.toPicture, FillRule::EvenOdd, appearances_.background());
   std::vector<Point> line;
   if (!project(frame.ring, place.toPicture, line)) return;
+  if (frame.isWipeout) {
+    details_.fill({line}, FillRule::EvenOdd, appearances_.background());
+    if (hasWipeoutFrames()) strokeLine(line, true, style);
+    return;
+  }
   if (painted_ && !view_.boundsOnly)
     if (auto image = images_.load(frame.definition)) {
       const Transform& t = place.toPicture;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -86,6 +87,8 @@ class EntityPainter {
   const std::map<std::string_view, std::size_t>& leftOut() const { return leftOut_; }
   /// Files of images that could not be shown.
   const std::set<std::string>& missingImages() const { return images_.missing(); }
+  /// References whose boundaries could not be used: they are shown whole.
+  std::size_t damagedClips() const { return damagedClips_.size(); }
   /// Entities of the painted space on layers that are not plotted, by layer.
   const std::map<std::uint32_t, std::size_t>& unplotted() const { return unplotted_; }
 
@@ -98,6 +101,7 @@ class EntityPainter {
   /// An entity's look in pixels.
   struct Style {
     LineStyle line;
+    Color fill;  // of what is filled: the line's, but for areas of a picture in one colour
     Appearance appearance;
   };
 
@@ -106,6 +110,11 @@ class EntityPainter {
   void paintEntity(const database::Slot& entity, const Place& place);
   /// False for a dimension or table without a block.
   bool paintReference(const database::Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own);
+  void paintContent(const geometry::BlockReference& reference, const Place& place, const Surroundings& inside);
+  /// Cuts what follows to a ring in picture coordinates, or to what lies outside of it; false, and nothing is begun,
+  /// when nothing can show. Answers the area to go back to.
+  bool beginClip(std::vector<Point> ring, bool isInverted, Box& outerArea);
+  void endClip(const Box& outerArea);
   /// Inside of a reference or a viewport.
   bool isRepeating() const { return chain_.depth() > 1; }
   /// False, from then on, when the picture has no room for so much more.
@@ -115,6 +124,8 @@ class EntityPainter {
   void paintPoint(const AcGePoint3d& p, const Place& place, const Style& style);
   void paintInfinite(const geometry::InfiniteLine& line, const Place& place, const Style& style);
   void paintImage(const geometry::ImageFrame& frame, const Place& place, const Style& style);
+  /// Whether frames of wipeouts are plotted.
+  bool hasWipeoutFrames();
   void paintText(const geometry::TextBlock& text, const Place& place, const Style& style);
   /// With `loopsOf`, the hatch's look in other loops of its plane.
   using LoopsOf = std::function<std::vector<curves::Polygon>(const geometry::Transform& plane)>;
@@ -152,6 +163,9 @@ class EntityPainter {
   std::size_t repeatsLeft_ = 0;
   bool cutShort_ = false;
   bool isInViewport_ = false;
+  bool isInDimension_ = false;
+  std::set<const database::Slot*> damagedClips_;
+  std::optional<bool> hasWipeoutFrames_;
   AttributeText attributeText_;
   PointMark pointMark_;  // its size in units of the drawing
   DetailWire wire_;

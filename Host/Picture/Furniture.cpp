@@ -42,7 +42,8 @@ void EntityPainter::paintSwatch(const Slot& entity, const Box& box) {
   const Transform t = view_.toPicture;  // upright: pixels are units, scaled and moved
   const Place place{t, {}};
   const std::uint32_t layer = appearances_.effectiveLayer(entity, {});
-  const Style style = styleOf(appearances_.resolve(database::entityProperties(entity), layer, {}), place);
+  Style style = styleOf(appearances_.resolve(database::entityProperties(entity), layer, {}), place);
+  style.fill = appearances_.fillColor(style.appearance);
   const std::vector<Point> corners = {
       {box.minX, box.minY}, {box.maxX, box.minY}, {box.maxX, box.maxY}, {box.minX, box.maxY}};
   if (entity.type == DxfType::Hatch) {

@@ -98,7 +98,9 @@ void EntityPainter::paintHatch(const database::Slot& entity, const Place& place,
     const std::uint32_t from = hatch.gradientColors.front();
     const std::uint32_t to =
         hatch.gradientColors.size() > 1 ? hatch.gradientColors.back() : tinted(from, hatch.gradientForm.tint);
-    const auto color = [&](std::uint32_t rgb) { return appearances_.color(-1, rgb, style.appearance); };
+    const auto color = [&](std::uint32_t rgb) {
+      return appearances_.fillColor(Appearances::withColor(-1, rgb, style.appearance));
+    };
     Gradient gradient = gradientOf(hatch, loops, color(from), color(to));
     const auto placed = [&](Point p, bool isVector) {
       const AcGeVector3d moved = plane.vector({p.x, p.y, 0});
@@ -115,7 +117,7 @@ void EntityPainter::paintHatch(const database::Slot& entity, const Place& place,
       if (!project(ring, plane, projected.emplace_back())) projected.back().clear();
     return details_.fillGradient(projected, gradient);
   }
-  if (hatch.solid || view_.boundsOnly) return fill(style.line.pen.color);
+  if (hatch.solid || view_.boundsOnly) return fill(style.fill);
   if (hatch.pattern.empty()) return;
   details_.pattern(hatch.pattern, loops, plane, style.line.pen);
 }

@@ -13,7 +13,7 @@ bool EntityPainter::paintProxy(const Slot& entity, const Place& place, const Sty
   const auto pieces = geometry::readProxyGraphics(entity, deviation, characterWidth());
   for (const geometry::ProxyPiece& piece : pieces) {
     Style own = style;
-    own.line.pen.color = appearances_.color(piece.color, piece.trueColor, style.appearance);
+    own.line.pen.color = own.fill = appearances_.color(piece.color, piece.trueColor, style.appearance);
     if (piece.lineweight) {
       Appearance weighed = style.appearance;
       weighed.lineweightMm = *piece.lineweight / 100.0;

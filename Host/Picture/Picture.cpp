@@ -6,6 +6,7 @@
 #include "Picture/Composition.h"
 #include "Picture/EntityPainter.h"
 #include "Picture/PageLayout.h"
+#include "Picture/PlotStyles.h"
 #include "Picture/Sheet.h"
 #include "Picture/Strays.h"
 #include "Text/Text.h"
@@ -70,26 +71,6 @@ std::string unplottedNote(const database::DrawingDatabase& db, const std::map<st
          (count == 1 ? " entity." : " entities.");
 }
 
-/// Paper spaces measure the paper itself: the unit of a layout's plot settings (tag 72: 0 inches, 1 millimetres).
-double metresPerPaperUnit(const database::DrawingDatabase& db, const std::string& layout) {
-  constexpr double kInch = 0.0254, kMillimetre = 0.001;
-  const std::wstring wanted = text::fromUtf8(layout);
-  double metres = kMillimetre;
-  db.forEachSlot([&](const database::Slot& slot) {
-    if (slot.type != database::DxfType::Layout || slot.isErased()) return;
-    bool isLayoutPart = false, isInches = false;
-    std::wstring name;
-    database::TagCursor tags = slot.tags();
-    for (database::Tag tag; tags.next(tag);) {
-      if (tag.code == 100) isLayoutPart = tag.trimmed() == "AcDbLayout";
-      if (tag.code == 72 && !isLayoutPart) isInches = tag.integer() == 0;
-      if (tag.code == 1 && isLayoutPart) name = db.codec().decode(tag.value);
-    }
-    if (text::equalFolded(name, wanted)) metres = isInches ? kInch : kMillimetre;
-  });
-  return metres;
-}
-
 }  // namespace
 
 Result<Composition> composePicture(const database::DrawingDatabase& db, const PictureOptions& given,
@@ -101,7 +82,13 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
     return problemOf(Code::OutputFailed,
                      "There is no layout \"" + options.layout + "\"; the drawing has " + known + ".");
 
-  if (block != &db.modelSpace()) options.metresPerUnit = metresPerPaperUnit(db, options.layout);
+  // Paper spaces measure the paper itself.
+  constexpr double kInch = 0.0254, kMillimetre = 0.001;
+  const PlotSettings plotting = plotSettings(db, options.layout);
+  if (block != &db.modelSpace()) options.metresPerUnit = plotting.isInches ? kInch : kMillimetre;
+  std::string styleNote;
+  const std::optional<PlotStyles> styles = findPlotStyles(plotting, options, styleNote);
+  options.plotStyles = styles ? &*styles : nullptr;
 
   GlyphSource glyphs;
   const std::string chosen = options.layers == "*" ? "" : " on layers \"" + options.layers + "\"";
@@ -201,6 +188,9 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
     for (const std::string& name : painter.missingImages()) names += (names.empty() ? "" : ", ") + name;
     note("Images that could not be read are shown as frames: " + names + ".");
   }
+  if (painter.damagedClips() > 0)
+    note("Blocks whose boundaries cannot be used are shown whole: " + std::to_string(painter.damagedClips()) + ".");
+  if (!styleNote.empty()) note(styleNote);
   if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
   if (!notes.empty()) made.picture.remark = problemOf(Code::PictureNote, std::move(notes));
   return made;

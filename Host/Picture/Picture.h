@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
@@ -24,7 +25,8 @@ struct PaperSize {
   bool mayTurn = true;  // no orientation was asked for: the one that suits the drawing
 };
 
-struct Sheet;  // Picture/Sheet.h
+struct Sheet;      // Picture/Sheet.h
+class PlotStyles;  // Picture/PlotStyles.h
 
 enum class LineweightMode { AsDrawn, Off, Factor };
 enum class ColorMode { AsDrawn, Grayscale, Monochrome };
@@ -45,6 +47,8 @@ struct PictureOptions {
   std::string layers = "*";      // wildcard pattern, UTF-8; layers that are not plotted are left out in any case
   std::string layout = "Model";  // name of the layout to draw, UTF-8
   std::string drawingFolder;     // where files lie that the drawing names; empty: the current folder
+  std::vector<std::filesystem::path> supportFolders;  // where plot styles are looked for after that
+  const PlotStyles* plotStyles = nullptr;             // of the layout; found by drawPicture itself
   const Sheet* sheet = nullptr;  // what the picture is laid on, in place of a paper; made of the next three by callers
   std::string sheetFile;         // a drawing; empty: no sheet
   std::vector<std::pair<std::string, std::string>> fields;  // names of attributes, and what they are filled with

@@ -202,10 +202,12 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
                           static_cast<std::uint8_t>(*background), 255});
     writer.text("/>\n");
   }
-  const auto path = [&](const DisplayItem& item) {
+  const auto path = [&](const DisplayItem& item, const char* attribute = "") {
     writer.text("<path d=\"");
     for (std::uint32_t i = 0; i < item.ringCount; ++i) writer.ring(list, list.rings[item.firstRing + i]);
-    writer.text("\"/>");
+    writer.text("\"");
+    writer.text(attribute);
+    writer.text("/>");
   };
   // Before everything else: readers that know no clips would draw their outlines.
   const auto isClip = [](const DisplayItem& item) { return item.kind == ItemKind::BeginClip; };
@@ -222,7 +224,9 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
       }
       if (!isClip(item)) continue;
       writer.text("<clipPath id=\"c" + std::to_string(defined++) + "\">");
-      path(item);
+      // Of a ring with corners to spare parts may lie on each other.
+      constexpr std::uint32_t kCorners = 4;
+      path(item, list.rings[item.firstRing].count > kCorners ? " clip-rule=\"evenodd\"" : "");
       writer.text("</clipPath>\n");
     }
     writer.text("</defs>\n");

@@ -21,8 +21,10 @@ void EntityPainter::paintText(const geometry::TextBlock& text, const Place& plac
   };
   if (text.masked) {
     const bool isBackground = text.maskColor < 0 && text.maskTrueColor < 0;
-    const Color color = isBackground ? appearances_.background()
-                                     : appearances_.color(text.maskColor, text.maskTrueColor, style.appearance);
+    const Color color =
+        isBackground
+            ? appearances_.background()
+            : appearances_.fillColor(Appearances::withColor(text.maskColor, text.maskTrueColor, style.appearance));
     details_.fill({box(text.mask)}, FillRule::EvenOdd, color);
   }
   if (view_.boundsOnly || !glyphs_.hasFont()) {

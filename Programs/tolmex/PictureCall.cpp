@@ -103,6 +103,7 @@ Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureF
 Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
                       const PictureFile& picture, const std::vector<fs::path>& folders) {
   options.metresPerUnit = host::picture::metresPerUnit(drawing);
+  options.supportFolders = folders;
   const std::string name = isStandardStream(picture.file) ? "standard output" : picture.file.string();
   const auto inFile = [&name](Problem problem) {
     problem.file = name;

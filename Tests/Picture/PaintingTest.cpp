@@ -94,7 +94,7 @@ TEST(Painting, LayersAndBlocksGiveTheirColours) {
   expectPixels(drawing, "1 1 4c4c4c|3 13 969696", grey);
   PictureOptions mono = twentyByTwenty();
   mono.colors = host::picture::ColorMode::Monochrome;
-  expectPixels(drawing, "1 1 000000|5 1 000000|19 19 ffffff", mono);
+  expectPixels(drawing, "1 1 c4c4c4|5 1 cdcdcd|1 17 000000|19 19 ffffff", mono);
 }
 
 TEST(Painting, ReferencesTurnMirrorAndRepeat) {
