@@ -3,11 +3,15 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QListWidget>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QRadioButton>
 #include <QTest>
 #include <QToolTip>
+#include <cstdio>
 
 #include "Support.h"
 
@@ -217,6 +221,35 @@ TEST_F(Scenarios, ShadowSettingsByDoubleClickOnAShadow) {
     saveScript();
   });
   expectSameBytes(plan);
+}
+
+/// The printer's dialog begins with the paper of the country; the page that was chosen counts.
+TEST_F(Scenarios, PrintsOnThePaperThatWasChosen) {
+  const auto plan = copy("examples/kortteli.dxf");
+  const std::filesystem::path page = folder.path / "printed.pdf";
+  work({plan}, [&] {
+    ui([this] { window->actions().of("window:print")->trigger(); });
+    until([] { return QApplication::activeModalWidget() != nullptr; }, "the dialog");
+    ui([] { QApplication::activeModalWidget()->findChild<QDialogButtonBox*>()->buttons().front()->click(); });
+    until([] { return qobject_cast<QPrintDialog*>(QApplication::activeModalWidget()) != nullptr; }, "the printers");
+    ui([&page] {
+      auto& dialog = *qobject_cast<QPrintDialog*>(QApplication::activeModalWidget());
+      dialog.printer()->setOutputFormat(QPrinter::PdfFormat);
+      dialog.printer()->setOutputFileName(QString::fromStdString(page.string()));
+      dialog.printer()->setPageSize(QPageSize(QPageSize::Letter));
+      QMetaObject::invokeMethod(
+          &dialog, [&dialog] { static_cast<QDialog&>(dialog).done(QDialog::Accepted); }, Qt::QueuedConnection);
+    });
+    until([] { return QApplication::activeModalWidget() == nullptr; }, "the page");
+    settle();
+  });
+  const std::string bytes = contentOf(page);
+  const std::size_t box = bytes.find("/MediaBox");
+  ASSERT_NE(box, std::string::npos);
+  double left = 1, bottom = 1, right = 0, top = 0;
+  ASSERT_EQ(std::sscanf(bytes.c_str() + box, "/MediaBox [%lf %lf %lf %lf]", &left, &bottom, &right, &top), 4);
+  EXPECT_NEAR((right - left) / 72 * 25.4, 420, 1);  // A3 lying
+  EXPECT_NEAR((top - bottom) / 72 * 25.4, 297, 1);
 }
 
 TEST_F(Scenarios, PageOfAScaleAndTheSameFileWithoutAWindow) {

@@ -34,6 +34,7 @@ void HeaderVariables::setSlot(Slot* slot) {
 
 std::optional<Tag> HeaderVariables::find(std::string_view name, int code) {
   if (slot_ == nullptr) return std::nullopt;
+  const std::lock_guard lock(asking_);
   const auto [entry, isNew] = known_.try_emplace({std::string(name), code});
   if (isNew) {
     Tag tag;

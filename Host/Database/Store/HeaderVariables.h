@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,13 +18,15 @@ class HeaderVariables {
   Slot* slot() const { return slot_; }  // null when the file has no header
   void setSlot(Slot* slot);
 
-  /// The value under the code as it was looked up since `forget`: every new entity asks for some of them.
+  /// The value under the code as it was looked up since `forget`: every new entity asks for some of them. Threads that
+  /// only read a drawing may ask at the same time.
   std::optional<Tag> find(std::string_view name, int code);
   /// To be called when the record has changed.
   void forget() { known_.clear(); }
 
  private:
   Slot* slot_ = nullptr;
+  std::mutex asking_;
   std::map<std::pair<std::string, int>, std::optional<Tag>> known_;
 };
 

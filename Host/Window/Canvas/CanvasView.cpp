@@ -318,8 +318,10 @@ void CanvasView::State::beginLayingOut() {
   (void)(layingOut->former != nullptr ? *shown : *layingOut->space).drawing->layouts();
   QThreadPool::globalInstance()->start([job = layingOut, target = &view] {
     try {
-      job->made = job->former != nullptr ? std::make_unique<SceneKeeper>(*job->former, job->isUnwanted)
-                                         : std::make_unique<SceneKeeper>(*job->space->drawing, *job->space->space);
+      if (job->former == nullptr)
+        job->made = std::make_unique<SceneKeeper>(*job->space->drawing, *job->space->space);
+      else if (!job->isUnwanted)
+        job->made = std::make_unique<SceneKeeper>(*job->former, job->isUnwanted);
     } catch (const std::bad_alloc&) {
       job->made = nullptr;
     }

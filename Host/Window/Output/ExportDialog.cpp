@@ -26,6 +26,7 @@
 #include <QThreadPool>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <cmath>
 
 #include "Picture/PaperSizes.h"
 #include "Window/Commands/Language.h"
@@ -311,12 +312,25 @@ void print(QWidget& window, const Engine& engine, const ExportChoice& choice) {
   // Drawn at 96 to the inch.
   constexpr double kMmPerPixel = 25.4 / 96;
   const QSizeF size = QSizeF(renderer.defaultSize()) * kMmPerPixel;
-  const bool isWide = size.width() > size.height();
-  printer.setPageSize(QPageSize(isWide ? size.transposed() : size, QPageSize::Millimeter, {}, QPageSize::FuzzyMatch));
-  printer.setPageOrientation(isWide ? QPageLayout::Landscape : QPageLayout::Portrait);
-  printer.setFullPage(true);
+  const auto chooseOurPaper = [&printer, &size] {
+    const bool isWide = size.width() > size.height();
+    printer.setPageSize(QPageSize(isWide ? size.transposed() : size, QPageSize::Millimeter, {}, QPageSize::FuzzyMatch));
+    printer.setPageOrientation(isWide ? QPageLayout::Landscape : QPageLayout::Portrait);
+    printer.setFullPage(true);
+    const QSizeF paper = printer.pageLayout().fullRect(QPageLayout::Millimeter).size();
+    constexpr double kSame = 1;  // millimetre
+    return std::abs(paper.width() - size.width()) < kSame && std::abs(paper.height() - size.height()) < kSame;
+  };
+  chooseOurPaper();
   QPrintDialog dialog(&printer, &window);
   if (dialog.exec() != QDialog::Accepted) return;
+  // The dialog begins with the printer's own paper, which would cut the page off.
+  if (!chooseOurPaper()) {
+    showSentence(&window, ExportDialog::tr("The printer has no paper of %1 × %2 mm: nothing was printed.")
+                              .arg(size.width(), 0, 'f', 0)
+                              .arg(size.height(), 0, 'f', 0));
+    return;
+  }
   QPainter painter(&printer);
   const double dots = printer.resolution() / 25.4;
   renderer.render(&painter, QRectF(0, 0, size.width() * dots, size.height() * dots));

@@ -262,6 +262,10 @@
         <translation>Tulosta</translation>
     </message>
     <message>
+        <source>The printer has no paper of %1 × %2 mm: nothing was printed.</source>
+        <translation>Tulostimessa ei ole paperia %1 × %2 mm: mitään ei tulostettu.</translation>
+    </message>
+    <message>
         <source>Whole drawing</source>
         <translation>Koko piirustus</translation>
     </message>

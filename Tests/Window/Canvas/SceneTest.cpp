@@ -118,7 +118,7 @@ TEST_F(Following, ChunksOfLargeDrawingsAreShared) {
   const auto before = scene.scene();
   host::editor::DrawingChange change;
   change.objects = {db->modelSpace().entities[1000]};
-  const std::vector<Box> parts = scene.update(change);
+  const std::vector<Box> parts = scene.update(change).value();
   std::size_t shared = 0;
   for (const auto& chunk : scene.scene()->chunks)
     shared += static_cast<std::size_t>(std::ranges::count(before->chunks, chunk));
@@ -307,6 +307,53 @@ TEST_F(Tiles, StretchedUntilSharpAndSharpAfterChanges) {
   change.isWhole = true;
   canvas->drawingChanged(change);
   EXPECT_NE(sharp(), whole);
+}
+
+/// So many entities that a worker lays them out; a third of them is erased at once.
+TEST_F(Tiles, MuchThatChangesIsLaidOutBehindTheFormerPicture) {
+  constexpr int kLines = 12'000;
+  SmallDrawing drawing;
+  for (int i = 0; i < kLines; ++i) {
+    const std::string x = std::to_string(i % 200), y = std::to_string(i / 200);
+    drawing.entity("LINE", "10 " + x + "|20 " + y + "|11 " + x + ".5|21 " + y);
+  }
+  open(drawing);
+  EXPECT_TRUE(canvas->isLayingOut());
+  const QImage whole = sharp();
+  for (int i = 0; i < kLines / 3; ++i) entity(static_cast<std::size_t>(i))->flags |= host::database::kErased;
+  db->setHeaderReal("$LTSCALE", 40, 3);
+  host::editor::DrawingChange change;
+  change.isWhole = true;
+  // While a command works nothing is read; what it changed is seen when it has ended.
+  canvas->setMode(CanvasMode::Working);
+  canvas->drawingChanged(change);
+  EXPECT_FALSE(canvas->isLayingOut());
+  canvas->setMode(CanvasMode::Rest);
+  EXPECT_TRUE(canvas->isLayingOut());
+  const QImage meanwhile = canvas->grab().toImage();
+  EXPECT_EQ(meanwhile.copy(0, 0, 400, 120), whole.copy(0, 0, 400, 120)) << "the former picture stays";
+  click(100, 10);
+  EXPECT_TRUE(selection.empty()) << "nothing can be pointed at";
+  // The next command stops the worker at once; afterwards all of it is done again.
+  canvas->finishLayingOut();
+  EXPECT_FALSE(canvas->isLayingOut());
+  canvas->setMode(CanvasMode::Working);
+  canvas->setMode(CanvasMode::Rest);
+  EXPECT_TRUE(canvas->isLayingOut());
+  const QImage done = sharp();
+  EXPECT_NE(done, whole);
+  click(100.25, 10);
+  EXPECT_TRUE(selection.empty()) << "erased";
+  click(100.25, 40);
+  EXPECT_EQ(selection.size(), 1U);
+  // A command that asks waits for it.
+  db->setHeaderReal("$LTSCALE", 40, 4);
+  canvas->setMode(CanvasMode::Working);
+  canvas->drawingChanged(change);
+  ask(host::editor::Wanted::Entity);
+  EXPECT_FALSE(canvas->isLayingOut());
+  click(100.25, 40);
+  EXPECT_EQ(answers.size(), 1);
 }
 
 }  // namespace
