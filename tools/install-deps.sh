@@ -6,10 +6,11 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build ccache
   qt6-base-dev qt6-l10n-tools qt6-translations-l10n qt6-svg-dev qt6-image-formats-plugins libfreetype-dev libcli11-dev
+  libharfbuzz-dev libfribidi-dev libfontconfig-dev
   libedit-dev nlohmann-json3-dev libjemalloc-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format-14 clang-tidy-14
-  binutils-mingw-w64-x86-64 fonts-dejavu-core
+  binutils-mingw-w64-x86-64 fonts-dejavu-core fonts-liberation
   python3 python3-ezdxf librecad-data
   "$@"
 )

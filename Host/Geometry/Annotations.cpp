@@ -29,6 +29,18 @@ struct StyleSizes {
   }
 };
 
+Face faceOfDimensionStyle(const database::DrawingDatabase& db, std::string_view style) {
+  const Slot* record = style.empty() ? nullptr : db.findRecord(database::DxfType::DimStyle, db.codec().decode(style));
+  if (record == nullptr) return {};
+  GeometryTags tags(record->tags());
+  for (Tag tag; tags.next(tag);) {
+    if (tag.code != 340) continue;
+    const Slot* const text = db.findHandle(tag.handle());
+    return text != nullptr && text->type == database::DxfType::TextStyle ? faceOfStyle(*text) : Face{};
+  }
+  return {};
+}
+
 std::vector<std::wstring> split(const std::wstring& text, const std::wstring& separator) {
   std::vector<std::wstring> parts;
   for (std::size_t at = 0;;) {
@@ -198,7 +210,7 @@ std::wstring measuredText(const DimensionTags& tags, double value) {
 
 }  // namespace
 
-AnnotationShape readTolerance(const Slot& entity, const CharacterWidth& width) {
+AnnotationShape readTolerance(const Slot& entity, const TextWidth& width) {
   AnnotationShape shape;
   AcGePoint3d position, direction{1, 0, 0}, normal{0, 0, 1};
   std::string_view style, contents;
@@ -210,6 +222,7 @@ AnnotationShape readTolerance(const Slot& entity, const CharacterWidth& width) {
   }
   const auto& db = entity.database();
   const double height = StyleSizes(db, style).text;
+  const Face face = faceOfDimensionStyle(db, style);
   if (!isUsable(position) || !isUsable(direction) || !(direction.asVector().length() > 0) || !(height > 0))
     return shape;
   const AcGeVector3d along = direction.asVector().normal();
@@ -229,6 +242,7 @@ AnnotationShape readTolerance(const Slot& entity, const CharacterWidth& width) {
       parts.normal = normal.asVector();
       parts.height = height;
       parts.attachment = 4;
+      parts.face = face;
       auto text = layoutMText(parts, width);
       const double inner = text && !text->box.isEmpty() ? text->box.maxX - text->box.minX : 0;
       if (inner == 0) continue;
@@ -246,7 +260,7 @@ AnnotationShape readTolerance(const Slot& entity, const CharacterWidth& width) {
   return shape;
 }
 
-AnnotationShape readDimension(const Slot& entity, double deviation, const CharacterWidth& width) {
+AnnotationShape readDimension(const Slot& entity, double deviation, const TextWidth& width) {
   AnnotationShape shape;
   const DimensionTags tags(entity);
   for (const AcGePoint3d& p : {tags.line, tags.textMiddle, tags.first, tags.second, tags.third, tags.arc})
@@ -264,6 +278,7 @@ AnnotationShape readDimension(const Slot& entity, double deviation, const Charac
   parts.position = tags.hasText ? tags.textMiddle : drawer.middle();
   parts.height = sizes.text;
   parts.attachment = 5;
+  parts.face = faceOfDimensionStyle(db, tags.style);
   if (auto block = layoutMText(parts, width)) shape.texts.push_back(std::move(*block));
   std::erase_if(shape.wires, [](const Wire& w) { return !std::ranges::all_of(w.points, isUsable); });
   return shape;

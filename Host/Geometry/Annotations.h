@@ -14,10 +14,10 @@ struct AnnotationShape {
 };
 
 /// The frame of a TOLERANCE: one row of cells for each line of its text.
-AnnotationShape readTolerance(const database::Slot& entity, const CharacterWidth& width);
+AnnotationShape readTolerance(const database::Slot& entity, const TextWidth& width);
 
 /// What a dimension measures, for one without a block: extension lines, dimension line or arc with its arrowheads,
 /// text.
-AnnotationShape readDimension(const database::Slot& entity, double deviation, const CharacterWidth& width);
+AnnotationShape readDimension(const database::Slot& entity, double deviation, const TextWidth& width);
 
 }  // namespace host::geometry

@@ -40,10 +40,10 @@ class PathCollector {
     } else if (entity.type == DxfType::Hatch) {
       collectHatch(entity, placement, deviation);
     } else if (entity.type == DxfType::MultiLeader) {
-      const MultiLeaderShape leader = readMultiLeader(entity, deviation, meanCharacterWidth);
+      const MultiLeaderShape leader = readMultiLeader(entity, deviation, meanTextWidth);
       for (const Wire& wire : leader.wires) addWire(wire, placement);
       if (leader.text) addText(*leader.text, placement);
-    } else if (const auto text = layoutText(entity, meanCharacterWidth)) {
+    } else if (const auto text = layoutText(entity, meanTextWidth)) {
       addText(*text, placement);
     } else {
       const EntityShape shape = readShape(entity, deviation);

@@ -26,7 +26,8 @@ struct Format {
   double obliqueRad = 0;
   double tracking = 1;
   bool gdt = false;  // letters stand for signs of geometric tolerances
-  bool bold = false, underline = false, overline = false, strike = false;
+  Face face;
+  bool underline = false, overline = false, strike = false;
   int color = -1;
   std::int64_t trueColor = -1;
 
@@ -68,12 +69,12 @@ bool isIdeograph(wchar_t c) { return static_cast<unsigned long>(c) >= 0x2E80; }
 
 class Parser {
  public:
-  Parser(const MTextParts& parts, const CharacterWidth& width)
+  Parser(const MTextParts& parts, const TextWidth& width)
       : text_(parts.contents), height_(parts.height), width_(width) {
     format_.height = parts.height;
     format_.widthFactor = parts.widthFactor;
     format_.obliqueRad = parts.obliqueRad;
-    format_.bold = parts.bold;
+    format_.face = parts.face;
   }
 
   std::vector<Atom> parse() {
@@ -195,7 +196,10 @@ class Parser {
       case L'f':
       case L'F': {
         const std::wstring_view font = argument();
-        format_.bold = font.find(L"|b1") != std::wstring_view::npos;
+        const std::wstring_view name = font.substr(0, font.find_first_of(L"|,"));
+        format_.face.font = letter == L'f' ? fontNumber(name) : fontFileNumber(name);
+        format_.face.isBold = font.find(L"|b1") != std::wstring_view::npos;
+        format_.face.isItalic = font.find(L"|i1") != std::wstring_view::npos;
         format_.gdt = font.size() >= 3 && text::equalFolded(font.substr(0, 3), L"gdt");
         break;
       }
@@ -305,9 +309,7 @@ class Parser {
   }
 
   double widthOf(std::wstring_view text, const Format& f) const {
-    double total = 0;
-    for (const wchar_t c : text) total += width_(c, f.bold) * f.height * f.widthFactor * f.tracking;
-    return total;
+    return width_(text, f.face) * f.height * f.widthFactor * f.tracking;
   }
 
   void character(wchar_t c) {
@@ -315,7 +317,6 @@ class Parser {
     if (isIdeograph(c)) endWord();
     if (word_.pieces.empty() || !(word_.pieces.back().second == format_)) word_.pieces.emplace_back(L"", format_);
     word_.pieces.back().first += c;
-    word_.width += widthOf({&c, 1}, format_);
     word_.height = std::max(word_.height, format_.height);
     if (isIdeograph(c)) endWord();
   }
@@ -335,13 +336,14 @@ class Parser {
   }
   void endWord() {
     word_.paragraph = paragraph_;
+    for (const auto& [text, format] : word_.pieces) word_.width += widthOf(text, format);
     if (!word_.pieces.empty()) atoms_.push_back(std::move(word_));
     word_ = {};
   }
 
   std::wstring_view text_;
   double height_;
-  const CharacterWidth& width_;
+  const TextWidth& width_;
   std::size_t at_ = 0;
   Format format_;
   std::vector<Format> stack_;
@@ -417,7 +419,7 @@ std::vector<Line> wrapped(const std::vector<Atom>& atoms, double referenceWidth)
 
 class Setter {
  public:
-  Setter(TextBlock& block, const CharacterWidth& width) : block_(block), width_(width) {}
+  Setter(TextBlock& block, const TextWidth& width) : block_(block), width_(width) {}
 
   /// x: of the line's first atom.
   void set(const Line& line, double first, double y) {
@@ -439,16 +441,14 @@ class Setter {
 
  private:
   double run(const std::wstring& text, const Format& format, double x, double y, bool mayJoin) {
-    double advance = 0;
-    for (const wchar_t c : text)
-      advance += width_(c, format.bold) * format.height * format.widthFactor * format.tracking;
+    const double advance = width_(text, format.face) * format.height * format.widthFactor * format.tracking;
     if (mayJoin && !block_.runs.empty() && last_ == format && block_.runs.back().y == y) {
       TextRun& before = block_.runs.back();
       before.text += text;
       before.width += advance;
     } else {
       block_.runs.push_back({text, x, y, advance, format.height, format.widthFactor, format.obliqueRad, format.tracking,
-                             format.bold, format.color, format.trueColor});
+                             format.face, format.color, format.trueColor});
     }
     last_ = format;
     const auto rule = [&](bool wanted, double part) {
@@ -464,10 +464,7 @@ class Setter {
     const Format& format = atom.pieces[0].second;
     const double full = atom.height;
     const auto widthOf = [&](std::size_t part) {
-      double total = 0;
-      for (const wchar_t c : atom.pieces[part].first)
-        total += width_(c, format.bold) * format.height * format.widthFactor * format.tracking;
-      return total;
+      return width_(atom.pieces[part].first, format.face) * format.height * format.widthFactor * format.tracking;
     };
     const double upper = widthOf(0), lower = widthOf(1);
     if (atom.stackSign == L'#') {
@@ -491,7 +488,7 @@ class Setter {
   }
 
   TextBlock& block_;
-  const CharacterWidth& width_;
+  const TextWidth& width_;
   Format last_;
   double end_ = 0;  // of the atom before
   bool mayJoin_ = false;
@@ -499,7 +496,7 @@ class Setter {
 
 }  // namespace
 
-std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWidth& width) {
+std::optional<TextBlock> layoutMText(const MTextParts& parts, const TextWidth& width) {
   if (!isUsable(parts.position) || !(parts.height > 0) || parts.contents.empty()) return {};
   const std::vector<Atom> atoms = Parser(parts, width).parse();
   const std::vector<Line> lines = wrapped(atoms, parts.referenceWidth);

@@ -25,6 +25,8 @@ class Reader {
   explicit Reader(const database::Slot& entity) {
     GeometryTags tags(entity.tags());
     for (Tag tag; tags.next(tag);) take(tag, entity.database().codec());
+    const database::Slot* const style = style_ == 0 ? nullptr : entity.database().findHandle(style_);
+    if (style != nullptr && style->type == database::DxfType::TextStyle) text.face = faceOfStyle(*style);
   }
 
   MTextParts text;
@@ -110,6 +112,9 @@ class Reader {
       case 290:
         hasText = tag.integer() != 0;
         break;
+      case 340:
+        style_ = tag.handle();
+        break;
       case 304:
         text.contents = codec.decode(tag.value);
         break;
@@ -119,6 +124,7 @@ class Reader {
   }
 
   Part part_ = Part::Entity;
+  std::uint64_t style_ = 0;
   AcGePoint3d normal_{0, 0, 1}, direction_{1, 0, 0};
 };
 
@@ -126,7 +132,7 @@ bool isUsableDirection(const AcGeVector3d& v) { return std::isfinite(v.x + v.y +
 
 }  // namespace
 
-MultiLeaderShape readMultiLeader(const database::Slot& entity, double deviation, const CharacterWidth& width) {
+MultiLeaderShape readMultiLeader(const database::Slot& entity, double deviation, const TextWidth& width) {
   Reader reader(entity);
   MultiLeaderShape shape;
   for (const LeaderPart& leader : reader.leaders) {

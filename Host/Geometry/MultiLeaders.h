@@ -13,6 +13,6 @@ struct MultiLeaderShape {
   std::vector<Wire> wires;
   std::optional<TextBlock> text;
 };
-MultiLeaderShape readMultiLeader(const database::Slot& entity, double deviation, const CharacterWidth& width);
+MultiLeaderShape readMultiLeader(const database::Slot& entity, double deviation, const TextWidth& width);
 
 }  // namespace host::geometry

@@ -231,7 +231,7 @@ bool isUsable(const AcGeVector3d& v) { return std::isfinite(v.x + v.y + v.z); }
 
 class Player {
  public:
-  Player(const Slot& entity, double deviation, const CharacterWidth& width)
+  Player(const Slot& entity, double deviation, const TextWidth& width)
       : codec_(entity.database().codec()),
         isAfter2010_(entity.database().version() >= database::DrawingVersion::V2010),
         deviation_(deviation),
@@ -508,7 +508,7 @@ class Player {
     }
     if (kind == kUnicodeTextWithFont) {
       bytes.whole();  // overlined
-      parts.isBold = bytes.whole() != 0;
+      parts.face.isBold = bytes.whole() != 0;
     }
     auto block = layoutLine(parts, width_);
     if (!block) return;
@@ -528,7 +528,7 @@ class Player {
   const text::Codec& codec_;
   bool isAfter2010_;
   double deviation_;
-  const CharacterWidth& width_;
+  const TextWidth& width_;
   std::vector<Transform> matrices_;
   bool isFilled_ = false;
   ProxyPiece look_;  // of what comes next, without content
@@ -537,7 +537,7 @@ class Player {
 
 }  // namespace
 
-std::vector<ProxyPiece> readProxyGraphics(const Slot& entity, double deviation, const CharacterWidth& width) {
+std::vector<ProxyPiece> readProxyGraphics(const Slot& entity, double deviation, const TextWidth& width) {
   const std::string file = metafile(entity);
   if (file.size() <= kHeadBytes) return {};
   return Player(entity, deviation, width).play(file);

@@ -21,6 +21,6 @@ struct ProxyPiece {
 
 /// Lines, polylines, circles, arcs, polygons, meshes, shells and texts of the metafile in tags 310 of `entity`, in the
 /// coordinates of the block it stands in. Empty without one. What is cut off, damaged or of another kind is left out.
-std::vector<ProxyPiece> readProxyGraphics(const database::Slot& entity, double deviation, const CharacterWidth& width);
+std::vector<ProxyPiece> readProxyGraphics(const database::Slot& entity, double deviation, const TextWidth& width);
 
 }  // namespace host::geometry

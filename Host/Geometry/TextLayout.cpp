@@ -32,20 +32,20 @@ struct SingleLine {
 
 /// What a text style tells beyond what every text repeats.
 struct StyleTags {
-  bool isVertical = false, isBold = false;
+  bool isVertical = false;
+  Face face;
   double widthFactor = 1, obliqueRad = 0;
 
   StyleTags(const database::DrawingDatabase& db, std::string_view name) {
     constexpr int kVertical = 4;
-    constexpr std::int64_t kBoldFace = 0x2000000;
     const Slot* record = name.empty() ? nullptr : db.findRecord(DxfType::TextStyle, db.codec().decode(name));
     if (record == nullptr) return;
+    face = faceOfStyle(*record);
     database::TagCursor tags = record->tags();
     for (Tag tag; tags.next(tag);) {
       if (tag.code == 70) isVertical = (tag.integer() & kVertical) != 0;
       if (tag.code == 41) widthFactor = usable(coordinate(tag), 1);
       if (tag.code == 50) obliqueRad = tag.real() * kRadiansPerDegree;
-      if (tag.code == 1071) isBold = (tag.integer() & kBoldFace) != 0;
     }
   }
 };
@@ -151,8 +151,20 @@ PlainText withoutPercentCodes(std::wstring_view coded) {
   return plain;
 }
 
+/// Where characters of a text begin, as shares of its width; for the lines below and above some of them.
+std::vector<double> characterStarts(const PlainText& plain, Face face, const TextWidth& width) {
+  std::vector<double> starts{0};
+  if (plain.rules.empty()) return starts;
+  for (const wchar_t c : plain.text) starts.push_back(starts.back() + width({&c, 1}, face));
+  const double whole = starts.back();
+  if (whole > 0)
+    for (double& start : starts) start /= whole;
+  return starts;
+}
+
 /// One letter below the other, each centred on the line down from the place of the text.
-void setVertically(TextBlock& block, const std::wstring& text, const SingleLine& line, const CharacterWidth& width) {
+void setVertically(TextBlock& block, const std::wstring& text, const SingleLine& line, Face face,
+                   const TextWidth& width) {
   constexpr double kPitch = 1.5;  // of the height
   double share = 0;               // of the column above the place
   if (line.vertical == 1 || line.horizontal == 2) share = 1;
@@ -162,7 +174,8 @@ void setVertically(TextBlock& block, const std::wstring& text, const SingleLine&
   for (const wchar_t c : text) {
     TextRun run;
     run.text = c;
-    run.width = width(c, false) * line.height * line.widthFactor;
+    run.face = face;
+    run.width = width(run.text, face) * line.height * line.widthFactor;
     run.x = -run.width / 2;
     run.y = y;
     run.height = line.height;
@@ -175,16 +188,14 @@ void setVertically(TextBlock& block, const std::wstring& text, const SingleLine&
   }
 }
 
-std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth& width, const std::wstring* contents) {
+std::optional<TextBlock> layoutSingleLine(const Slot& slot, const TextWidth& width, const std::wstring* contents) {
   SingleLine line = readSingleLine(slot);
   const PlainText plain = contents != nullptr ? PlainText{*contents, {}} : withoutPercentCodes(line.text);
   const StyleTags style(slot.database(), line.style);
   line.height = usable(line.height, 0);
   if (plain.text.find_first_not_of(L' ') == std::wstring::npos || line.height == 0 || !isUsable(line.first)) return {};
   line.widthFactor = usable(line.widthFactor, 1);
-  std::vector<double> starts{0};  // of each character, and the end
-  for (const wchar_t c : plain.text)
-    starts.push_back(starts.back() + width(c, style.isBold) * line.height * line.widthFactor);
+  const double unspread = width(plain.text, style.face) * line.height * line.widthFactor;
 
   const bool isJustified = line.horizontal != 0 || line.vertical != 0;
   const bool isSpread = (line.horizontal == 3 || line.horizontal == 5) && isUsable(line.second);
@@ -194,14 +205,14 @@ std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth
   if (isSpread) {
     const AcGeVector3d span = line.second - line.first;
     const double length = std::hypot(span.x, span.y);
-    if (length > 0 && starts.back() > 0) {
+    if (length > 0 && unspread > 0) {
       line.rotationRad = std::atan2(span.y, span.x);
-      alongFactor = length / starts.back();
+      alongFactor = length / unspread;
       if (contents != nullptr) alongFactor = std::min(alongFactor, 1.0);
       heightFactor = line.horizontal == 3 ? alongFactor : 1;  // "aligned" keeps the form, "fit" the height
     }
   }
-  const double total = starts.back() * alongFactor;
+  const double total = unspread * alongFactor;
   const double height = line.height * heightFactor;
   double left = 0, base = 0;
   if (line.horizontal == 1 || line.horizontal == 4) left = -total / 2;
@@ -224,7 +235,7 @@ std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth
   if ((line.generation & 4) != 0) block.frame.y = -block.frame.y;
 
   if (style.isVertical) {
-    setVertically(block, plain.text, line, width);
+    setVertically(block, plain.text, line, style.face, width);
     return block;
   }
   TextRun run;
@@ -233,12 +244,13 @@ std::optional<TextBlock> layoutSingleLine(const Slot& slot, const CharacterWidth
   run.y = base;
   run.width = total;
   run.height = height;
-  run.bold = style.isBold;
+  run.face = style.face;
   run.widthFactor = line.widthFactor * alongFactor / heightFactor;
   run.obliqueRad = std::clamp(line.obliqueRad, -kSteepestOblique, kSteepestOblique);
+  const std::vector<double> starts = characterStarts(plain, style.face, width);
   for (const PlainText::Range& rule : plain.rules)
-    block.rules.push_back({{left + starts[rule.begin] * alongFactor, base + rule.y * height},
-                           {left + starts[rule.end] * alongFactor, base + rule.y * height}});
+    block.rules.push_back({{left + starts[rule.begin] * total, base + rule.y * height},
+                           {left + starts[rule.end] * total, base + rule.y * height}});
   block.box.add(Point{left, base});
   block.box.add(Point{left + total, base + height});
   block.runs.push_back(std::move(run));
@@ -290,7 +302,7 @@ void readColumns(const Slot& slot, MTextParts& parts) {
   parts.columnHeights = std::move(heights);
 }
 
-std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidth& width) {
+std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const TextWidth& width) {
   MTextParts parts;
   AcGePoint3d direction, normal{0, 0, 1};
   std::string contents, last;
@@ -354,7 +366,7 @@ std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidt
   const StyleTags styleTags(slot.database(), style);
   parts.widthFactor = styleTags.widthFactor;
   parts.obliqueRad = styleTags.obliqueRad;
-  parts.bold = styleTags.isBold;
+  parts.face = styleTags.face;
   readColumns(slot, parts);
   auto block = layoutMText(parts, width);
   if (block && (maskFlags & 3) != 0) {
@@ -373,7 +385,7 @@ std::optional<TextBlock> layoutMTextEntity(const Slot& slot, const CharacterWidt
 
 }  // namespace
 
-std::optional<TextBlock> layoutLine(const LineParts& parts, const CharacterWidth& width) {
+std::optional<TextBlock> layoutLine(const LineParts& parts, const TextWidth& width) {
   const PlainText plain = parts.isRaw ? PlainText{parts.text, {}} : withoutPercentCodes(parts.text);
   const double height = usable(parts.height, 0);
   if (plain.text.find_first_not_of(L' ') == std::wstring::npos || height == 0 || !isUsable(parts.position)) return {};
@@ -383,13 +395,10 @@ std::optional<TextBlock> layoutLine(const LineParts& parts, const CharacterWidth
   run.height = height;
   run.widthFactor = usable(parts.widthFactor, 1);
   run.tracking = usable(parts.tracking, 1);
-  run.bold = parts.isBold;
+  run.face = parts.face;
   if (std::isfinite(parts.obliqueRad))
     run.obliqueRad = std::clamp(parts.obliqueRad, -kSteepestOblique, kSteepestOblique);
-  std::vector<double> starts{0};
-  for (const wchar_t c : run.text)
-    starts.push_back(starts.back() + width(c, run.bold) * height * run.widthFactor * run.tracking);
-  run.width = starts.back();
+  run.width = width(run.text, run.face) * height * run.widthFactor * run.tracking;
 
   TextBlock block;
   const database::ObjectAxes axes(isGiven(parts.normal) ? parts.normal : AcGeVector3d::kZAxis);
@@ -400,7 +409,9 @@ std::optional<TextBlock> layoutLine(const LineParts& parts, const CharacterWidth
   const auto rule = [&](double from, double to, double y) {
     block.rules.push_back({{from, y * height}, {to, y * height}});
   };
-  for (const PlainText::Range& range : plain.rules) rule(starts[range.begin], starts[range.end], range.y);
+  const std::vector<double> starts = characterStarts(plain, parts.face, width);
+  for (const PlainText::Range& range : plain.rules)
+    rule(starts[range.begin] * run.width, starts[range.end] * run.width, range.y);
   if (parts.isUnderlined) rule(0, run.width, -0.2);
   block.box.add(Point{0, 0});
   block.box.add(Point{run.width, height});
@@ -408,15 +419,21 @@ std::optional<TextBlock> layoutLine(const LineParts& parts, const CharacterWidth
   return block;
 }
 
-double meanCharacterWidth(wchar_t character, bool bold) {
-  constexpr double kMean = 0.78, kNarrow = 0.4, kFullWidth = 1.35;
-  if (character == L' ' || character == L'i' || character == L'l' || character == L'.' || character == L',')
-    return kNarrow;
-  if (static_cast<unsigned long>(character) >= 0x1100) return kFullWidth;
-  return bold ? kMean * 1.1 : kMean;
+double meanTextWidth(std::wstring_view text, Face face) {
+  constexpr double kMean = 0.78, kNarrow = 0.4, kFullWidth = 1.35, kBold = 1.1;
+  double width = 0;
+  for (const wchar_t c : text) {
+    if (c == L' ' || c == L'i' || c == L'l' || c == L'.' || c == L',')
+      width += kNarrow;
+    else if (static_cast<unsigned long>(c) >= 0x1100)
+      width += kFullWidth;
+    else
+      width += face.isBold ? kMean * kBold : kMean;
+  }
+  return width;
 }
 
-std::optional<TextBlock> layoutText(const Slot& entity, const CharacterWidth& width, const std::wstring* contents) {
+std::optional<TextBlock> layoutText(const Slot& entity, const TextWidth& width, const std::wstring* contents) {
   switch (entity.type) {
     case DxfType::Text:
     case DxfType::Attrib:

@@ -4,17 +4,19 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Database/DrawingDatabase.h"
 #include "Geometry/Transform.h"
+#include "Geometry/Typefaces.h"
 
 namespace host::geometry {
 
-/// Advance of a character for text of height 1 (height of capitals) and width factor 1.
-using CharacterWidth = std::function<double(wchar_t character, bool bold)>;
+/// Advance of a text of height 1 (height of capitals) and width factor 1.
+using TextWidth = std::function<double(std::wstring_view text, Face face)>;
 /// A mean width, for boxes where no font is at hand.
-double meanCharacterWidth(wchar_t character, bool bold);
+double meanTextWidth(std::wstring_view text, Face face);
 
 /// Characters of one form in a row. Text coordinates: x along the line, y up, capitals `height` tall above y.
 struct TextRun {
@@ -25,7 +27,7 @@ struct TextRun {
   double widthFactor = 1;
   double obliqueRad = 0;
   double tracking = 1;  // factor of the advance
-  bool bold = false;
+  Face face;
   int color = -1;               // colour index, -1 the entity's
   std::int64_t trueColor = -1;  // 0xRRGGBB, or -1
 };
@@ -52,7 +54,7 @@ struct TextBlock {
 /// a usable place or height.
 /// `contents`: shown in place of an attribute's own text, as it is; in a fitted one it is made narrower where it is too
 /// long, but never wider.
-std::optional<TextBlock> layoutText(const database::Slot& entity, const CharacterWidth& width,
+std::optional<TextBlock> layoutText(const database::Slot& entity, const TextWidth& width,
                                     const std::wstring* contents = nullptr);
 
 /// One line from its base point, for what carries a text inside.
@@ -62,9 +64,10 @@ struct LineParts {
   AcGeVector3d direction{1, 0, 0}, normal{0, 0, 1};
   double height = 0, widthFactor = 1, obliqueRad = 0, tracking = 1;
   bool isRaw = false;  // %% stands for itself
-  bool isBackwards = false, isUpsideDown = false, isUnderlined = false, isBold = false;
+  bool isBackwards = false, isUpsideDown = false, isUnderlined = false;
+  Face face;
 };
-std::optional<TextBlock> layoutLine(const LineParts& parts, const CharacterWidth& width);
+std::optional<TextBlock> layoutLine(const LineParts& parts, const TextWidth& width);
 
 /// Multi-line text from its parts, for entities that carry one inside.
 struct MTextParts {
@@ -78,12 +81,12 @@ struct MTextParts {
   bool exactSpacing = false;
   double widthFactor = 1;
   double obliqueRad = 0;
-  bool bold = false;
+  Face face;
   /// Columns side by side: lines go on in the next one where a column's height is used up. Of one height the last
   /// counts for all that follow; empty: no columns.
   std::vector<double> columnHeights;
   double columnGutter = 0;
 };
-std::optional<TextBlock> layoutMText(const MTextParts& parts, const CharacterWidth& width);
+std::optional<TextBlock> layoutMText(const MTextParts& parts, const TextWidth& width);
 
 }  // namespace host::geometry

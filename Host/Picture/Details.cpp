@@ -222,8 +222,8 @@ void PaintedDetails::paintMark(const LinePattern::Mark& mark, Point at, Point al
     geometry::TextRun run;
     run.text = mark.contents;
     run.height = mark.height;
-    for (const wchar_t character : run.text) run.width += glyphs_.glyph(character, false).advance * run.height;
-    return text(run, frame, pen.color);
+    run.width = glyphs_.width(run.text, run.face) * run.height;
+    return text(run, frame, pen);
   }
   // Shapes live in files of their own. The common ones have numbers of their own, too: a tick, a peak, a box, a circle,
   // an arch.
@@ -250,12 +250,13 @@ void PaintedDetails::paintMark(const LinePattern::Mark& mark, Point at, Point al
   }
 }
 
-void PaintedDetails::text(const geometry::TextRun& run, const Transform& frame, Color color) {
+void PaintedDetails::text(const geometry::TextRun& run, const Transform& frame, const Pen& pen) {
   const double heightPx = run.height * frame.planScale();
   const double slant = std::tan(run.obliqueRad);
   const bool isTooMuch = run.text.size() > kMostGlyphs - glyphsDrawn_;
   hasTextBars_ = hasTextBars_ || (isTooMuch && heightPx >= view_.barsBelow);
   if (isTooMuch || heightPx < view_.barsBelow) {
+    Color color = pen.color;
     color.alpha = static_cast<std::uint8_t>(color.alpha / 2);
     const double top = run.y + 0.8 * run.height;
     canvas_.fill({{frame.plan({run.x, run.y, 0}), frame.plan({run.x + run.width, run.y, 0}),
@@ -268,12 +269,18 @@ void PaintedDetails::text(const geometry::TextRun& run, const Transform& frame, 
   std::vector<std::vector<Point>> rings;
   double x = run.x;
   const double along = run.height * run.widthFactor;
-  for (const wchar_t character : run.text) {
-    const Glyph& glyph = glyphs_.glyph(character, run.bold);
+  glyphs_.layOut(run.text, run.face, letters_);
+  for (const PlacedGlyph& letter : letters_) {
+    const Glyph& glyph = *letter.glyph;
     const auto place = [&](Point p) {
-      const double y = p.y * run.height;
-      return frame.plan({x + p.x * along + y * slant, run.y + y, 0});
+      const double y = (p.y + letter.dy) * run.height;
+      return frame.plan({x + (p.x + letter.dx) * along + y * slant, run.y + y, 0});
     };
+    for (const std::vector<Point>& stroke : glyph.strokes) {
+      scratch_.clear();
+      for (const Point p : stroke) scratch_.push_back(place(p));
+      canvas_.stroke(scratch_, false, pen);
+    }
     for (const Glyph::Contour& contour : glyph.contours) {
       std::vector<Point>& ring = rings.emplace_back();
       ring.push_back(place(contour.from));
@@ -289,9 +296,9 @@ void PaintedDetails::text(const geometry::TextRun& run, const Transform& frame, 
         from = piece.to;
       }
     }
-    x += glyph.advance * along * run.tracking;
+    x += letter.advance * along * run.tracking;
   }
-  canvas_.fill(rings, FillRule::Nonzero, color);
+  canvas_.fill(rings, FillRule::Nonzero, pen.color);
 }
 
 void PaintedDetails::pattern(const std::vector<hatching::PatternLine>& families, const std::vector<Polygon>& loops,

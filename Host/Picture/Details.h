@@ -59,7 +59,8 @@ class Details {
   virtual void fill(const Rings& rings, FillRule rule, Color color) = 0;
   virtual void fillGradient(const Rings& rings, const Gradient& gradient) = 0;
   /// `frame` leads from text coordinates to the picture.
-  virtual void text(const geometry::TextRun& run, const geometry::Transform& frame, Color color) = 0;
+  /// The pen is that of letters made of strokes.
+  virtual void text(const geometry::TextRun& run, const geometry::Transform& frame, const Pen& pen) = 0;
   virtual void point(Point at, const PointMark& mark, const Pen& pen) = 0;
   /// The direction is that of the picture and has a length.
   virtual void infinite(Point base, Point direction, bool bothWays, const LineStyle& style) = 0;
@@ -82,7 +83,7 @@ class PaintedDetails final : public Details {
   void fillGradient(const Rings& rings, const Gradient& gradient) override {
     canvas_.fillGradient(rings, FillRule::EvenOdd, gradient);
   }
-  void text(const geometry::TextRun& run, const geometry::Transform& frame, Color color) override;
+  void text(const geometry::TextRun& run, const geometry::Transform& frame, const Pen& pen) override;
   void point(Point at, const PointMark& mark, const Pen& pen) override;
   void infinite(Point base, Point direction, bool bothWays, const LineStyle& style) override;
   void pattern(const std::vector<hatching::PatternLine>& families, const std::vector<curves::Polygon>& loops,
@@ -118,6 +119,7 @@ class PaintedDetails final : public Details {
   double height_ = 0;
   std::vector<double> dashes_;
   std::vector<Point> scratch_;
+  std::vector<PlacedGlyph> letters_;
   std::size_t glyphsDrawn_ = 0;
   std::size_t patternPieces_ = 0;
   std::size_t dashPieces_ = 0;

@@ -161,8 +161,8 @@ const std::vector<Slot*>& EntityPainter::drawOrder(const BlockContents& block) {
   return entry->second;
 }
 
-geometry::CharacterWidth EntityPainter::characterWidth() {
-  return [this](wchar_t character, bool bold) { return advance(character, bold); };
+geometry::TextWidth EntityPainter::textWidth() {
+  return [this](std::wstring_view text, geometry::Face face) { return glyphs_.width(text, face); };
 }
 
 EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const Place& place) const {
@@ -212,7 +212,7 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   if (entity.type == DxfType::MultiLeader) return paintLeader(entity, place, style, deviation);
   const bool isAttribute = entity.type == DxfType::Attrib || entity.type == DxfType::AttDef;
   const std::wstring* const contents = isAttribute && attributeText_ ? attributeText_(entity) : nullptr;
-  if (const auto text = geometry::layoutText(entity, characterWidth(), contents)) return paintText(*text, place, style);
+  if (const auto text = geometry::layoutText(entity, textWidth(), contents)) return paintText(*text, place, style);
   const geometry::EntityShape shape = geometry::readShape(entity, deviation);
   for (const geometry::Wire& wire : shape.wires) paintWire(wire, place, style);
   for (const AcGePoint3d& p : shape.points) paintPoint(p, place, style);

@@ -141,9 +141,8 @@ class EntityPainter {
   void fillChains(const std::vector<geometry::Chain>& rings, const geometry::Transform& toPicture, FillRule rule,
                   Color color);
   bool project(const geometry::Chain& chain, const geometry::Transform& toPicture, std::vector<Point>& out) const;
-  double advance(wchar_t character, bool bold) { return glyphs_.glyph(character, bold).advance; }
   const std::vector<database::Slot*>& drawOrder(const database::BlockContents& block);
-  geometry::CharacterWidth characterWidth();
+  geometry::TextWidth textWidth();
 
   const database::DrawingDatabase& db_;
   GlyphSource& glyphs_;

@@ -17,7 +17,7 @@ void EntityPainter::setArea(const Box& area) {
 
 void EntityPainter::paintLabel(const geometry::LineParts& label) {
   const Place place{view_.toPicture, {}};
-  if (const auto text = geometry::layoutLine(label, characterWidth())) paintText(*text, place, styleOf({}, place));
+  if (const auto text = geometry::layoutLine(label, textWidth())) paintText(*text, place, styleOf({}, place));
 }
 
 void EntityPainter::paintLine(const geometry::Chain& line, double lineweightMm) {
@@ -32,11 +32,7 @@ void EntityPainter::paintArea(const geometry::Chain& ring) {
   fillChains({ring}, view_.toPicture, FillRule::EvenOdd, appearances_.color(Appearance{}));
 }
 
-double EntityPainter::labelWidth(const std::wstring& text, double height) {
-  double width = 0;
-  for (const wchar_t character : text) width += advance(character, false) * height;
-  return width;
-}
+double EntityPainter::labelWidth(const std::wstring& text, double height) { return glyphs_.width(text, {}) * height; }
 
 void EntityPainter::paintSwatch(const Slot& entity, const Box& box) {
   const Transform t = view_.toPicture;  // upright: pixels are units, scaled and moved

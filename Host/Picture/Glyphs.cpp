@@ -1,22 +1,26 @@
 #include "Picture/Glyphs.h"
 
-#include <ft2build.h>
-#include FT_FREETYPE_H
-#include FT_OUTLINE_H
-
 #include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <numbers>
+#include <tuple>
 
 #include "Geometry/TextLayout.h"
+#include "Picture/FontSearch.h"
+#include "Picture/FontTable.h"
+#include "Picture/OutlineFont.h"
+#include "Picture/Shaping.h"
+#include "Picture/StrokeFont.h"
 #include "Platform/Library.h"
 #include "Platform/System.h"
+#include "Text/Text.h"
 
 namespace host::picture {
 
+using geometry::Face;
 using geometry::Point;
 
 namespace {
@@ -39,89 +43,68 @@ std::filesystem::path fontFile(const char* name) {
   return {};
 }
 
-/// Turns the outline calls of the font library into contours.
-struct Decomposer {
-  Glyph* glyph;
-  double scaleX, scaleY;
-  Point at;
+std::uint64_t keyOf(Face face) {
+  return static_cast<std::uint64_t>(face.font) << 2U | (face.isBold ? 2U : 0U) | (face.isItalic ? 1U : 0U);
+}
 
-  Point point(const FT_Vector* v) const {
-    return {static_cast<double>(v->x) * scaleX, static_cast<double>(v->y) * scaleY};
-  }
-  static int moveTo(const FT_Vector* to, void* self) {
-    auto& d = *static_cast<Decomposer*>(self);
-    d.at = d.point(to);
-    d.glyph->contours.push_back({d.at, {}});
-    return 0;
-  }
-  static int lineTo(const FT_Vector* to, void* self) {
-    auto& d = *static_cast<Decomposer*>(self);
-    d.add({}, d.point(to), true);
-    return 0;
-  }
-  static int conicTo(const FT_Vector* control, const FT_Vector* to, void* self) {
-    auto& d = *static_cast<Decomposer*>(self);
-    d.add(d.point(control), d.point(to), false);
-    return 0;
-  }
-  static int cubicTo(const FT_Vector* c1, const FT_Vector* c2, const FT_Vector* to, void* self) {
-    // TrueType has none; the mean control point comes close.
-    auto& d = *static_cast<Decomposer*>(self);
-    const Point a = d.point(c1), b = d.point(c2), end = d.point(to);
-    d.add({(3 * (a.x + b.x) - d.at.x - end.x) / 4, (3 * (a.y + b.y) - d.at.y - end.y) / 4}, end, false);
-    return 0;
-  }
-  void add(Point control, Point to, bool straight) {
-    if (glyph->contours.empty()) return;
-    glyph->contours.back().pieces.push_back({control, to, straight});
-    at = to;
-  }
-};
+/// Signs that steer how text is set and show nothing.
+bool isInvisible(wchar_t c) {
+  return c == 0xAD || (c >= 0x200B && c <= 0x200F) || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2060 && c <= 0x206F) ||
+         (c >= 0xFE00 && c <= 0xFE0F) || c == 0xFEFF;
+}
 
 }  // namespace
 
-struct GlyphSource::Face {
-  FT_Library library = nullptr;
-  FT_Face face = nullptr;
-  std::string bytes;
-
-  explicit Face(const char* fileName) {
-    // Read here: the font library would take the file's name in the system's own encoding.
-    std::ifstream in(fontFile(fileName), std::ios::binary);
-    bytes.assign(std::istreambuf_iterator<char>(in), {});
-    if (bytes.empty() || FT_Init_FreeType(&library) != 0) return;
-    const auto* const data = reinterpret_cast<const FT_Byte*>(bytes.data());
-    if (FT_New_Memory_Face(library, data, static_cast<FT_Long>(bytes.size()), 0, &face) != 0) face = nullptr;
-  }
-  ~Face() {
-    if (face != nullptr) FT_Done_Face(face);
-    if (library != nullptr) FT_Done_FreeType(library);
-  }
-  Face(const Face&) = delete;
-  Face& operator=(const Face&) = delete;
-
-  bool has(wchar_t character) const {
-    return face != nullptr && FT_Get_Char_Index(face, static_cast<FT_ULong>(character)) != 0;
-  }
-  bool load(wchar_t character, Glyph& glyph) {
-    if (face == nullptr || face->units_per_EM == 0) return false;
-    const FT_UInt index = FT_Get_Char_Index(face, static_cast<FT_ULong>(character));
-    if (FT_Load_Glyph(face, index, FT_LOAD_NO_SCALE | FT_LOAD_NO_BITMAP) != 0) return false;
-    const double scale = 1.0 / face->units_per_EM / kCapitalHeight;
-    glyph.advance = static_cast<double>(face->glyph->metrics.horiAdvance) * scale * kNarrowing;
-    if (face->glyph->format != FT_GLYPH_FORMAT_OUTLINE) return true;
-    Decomposer decomposer{&glyph, scale * kNarrowing, scale, {}};
-    const FT_Outline_Funcs calls{
-        Decomposer::moveTo, Decomposer::lineTo, Decomposer::conicTo, Decomposer::cubicTo, 0, 0};
-    FT_Outline_Decompose(&face->glyph->outline, &calls, &decomposer);
-    return true;
-  }
-};
-
 /// The open fonts, which all pictures of the program share: opening them takes longer than a small picture.
-struct GlyphSource::Faces {
-  std::mutex mutex;  // while a letter is loaded: pictures may be made by several threads
-  Face regular{"DejaVuSans.ttf"}, bold{"DejaVuSans-Bold.ttf"};
+struct GlyphSource::Fonts {
+  std::mutex mutex;  // while one is used: pictures may be made by several threads
+  OutlineFont regular{fontFile("DejaVuSans.ttf"), 0, kCapitalHeight, kNarrowing},
+      bold{fontFile("DejaVuSans-Bold.ttf"), 0, kCapitalHeight, kNarrowing};
+  std::map<std::uint64_t, Choice> choices;
+  std::map<std::tuple<std::string, int, double>, std::unique_ptr<OutlineFont>> outlines;
+  std::map<std::string, std::unique_ptr<StrokeFont>> strokes;
+  std::map<std::pair<char32_t, bool>, OutlineFont*> others;  // that have a letter; null for none
+
+  OutlineFont* outline(const FontFile& file, double capitalHeight) {
+    auto& font = outlines[{file.path, file.index, capitalHeight}];
+    constexpr std::size_t kMostFonts = 64;  // each is in memory as a whole
+    if (font == nullptr && outlines.size() <= kMostFonts)
+      font = std::make_unique<OutlineFont>(file.path, file.index, capitalHeight);
+    return font != nullptr && font->isOpen() ? font.get() : nullptr;
+  }
+  const StrokeFont* stroke(const std::string& name) {
+    const auto [entry, isNew] = strokes.try_emplace(name);
+    if (isNew) entry->second = StrokeFont::find(name);
+    return entry->second.get();
+  }
+  OutlineFont* other(char32_t letter, bool isBold) {
+    const auto [entry, isNew] = others.try_emplace({letter, isBold}, nullptr);
+    if (!isNew) return entry->second;
+    const auto file = findFontWith(letter, isBold);
+    OutlineFont* const font = file ? outline(*file, 0) : nullptr;
+    return entry->second = font != nullptr && font->has(letter) ? font : nullptr;
+  }
+
+  Choice choose(Face face) {
+    Choice own;
+    own.isSlanted = face.isItalic;
+    own.name = "DejaVu Sans";
+    if (face.font == 0) return own;
+    const StandIns standIns = standInsFor(text::toUtf8(geometry::fontName(face.font)));
+    const bool isBold = face.isBold || standIns.isBold, isItalic = face.isItalic || standIns.isItalic;
+    own.isSlanted = isItalic;
+    for (const std::string& family : standIns.families)
+      if (const auto file = findFont(family, isBold, isItalic))
+        if (OutlineFont* const font = outline(*file, standIns.capitalHeight))
+          return {font, {}, isItalic && !file->isItalic, file->family};
+    for (std::size_t i = 0; i < standIns.strokes.size(); ++i) {
+      if (stroke(standIns.strokes[i]) == nullptr) continue;
+      own.strokes.assign(standIns.strokes.begin() + static_cast<std::ptrdiff_t>(i), standIns.strokes.end());
+      own.name = standIns.strokes[i] + ".lff";
+      break;
+    }
+    return own;
+  }
 };
 
 namespace {
@@ -146,25 +129,26 @@ void addBox(Glyph& glyph, double x1, double y1, double x2, double y2) {
 
 }  // namespace
 
-bool GlyphSource::compose(wchar_t character, Glyph& glyph) {
+bool GlyphSource::compose(wchar_t letter, Glyph& glyph) {
   constexpr wchar_t kPosition = 0x2316, kCircledA = 0x24B6, kCircledZ = 0x24CF;
   constexpr double kPen = 0.09;
   const Point center{0.6, 0.5};
-  if (character != kPosition && (character < kCircledA || character > kCircledZ)) return false;
-  const bool isPosition = character == kPosition;
+  if (letter != kPosition && (letter < kCircledA || letter > kCircledZ)) return false;
+  const bool isPosition = letter == kPosition;
   const double radius = isPosition ? 0.33 : 0.55;
   glyph = {};
   if (isPosition) {
     addBox(glyph, center.x - 0.5, center.y - kPen / 2, center.x + 0.5, center.y + kPen / 2);
     addBox(glyph, center.x - kPen / 2, center.y - 0.5, center.x + kPen / 2, center.y + 0.5);
   } else {
-    Glyph letter;
-    faces_.regular.load(static_cast<wchar_t>(L'A' + (character - kCircledA)), letter);
+    Glyph inner;
+    const OutlineFont& font = fonts_.regular;
+    font.load(font.indexOf(static_cast<char32_t>(L'A' + (letter - kCircledA))), false, inner);
     constexpr double kSize = 0.6;
     const auto moved = [&](Point p) {
-      return Point{center.x + (p.x - letter.advance / 2) * kSize, center.y + (p.y - 0.5) * kSize};
+      return Point{center.x + (p.x - inner.advance / 2) * kSize, center.y + (p.y - 0.5) * kSize};
     };
-    for (Glyph::Contour& contour : letter.contours) {
+    for (Glyph::Contour& contour : inner.contours) {
       contour.from = moved(contour.from);
       for (Glyph::Piece& piece : contour.pieces) piece = {moved(piece.control), moved(piece.to), piece.straight};
       glyph.contours.push_back(std::move(contour));
@@ -176,25 +160,146 @@ bool GlyphSource::compose(wchar_t character, Glyph& glyph) {
   return true;
 }
 
-GlyphSource::Faces& GlyphSource::faces() {
-  static Faces faces;
-  return faces;
+GlyphSource::Fonts& GlyphSource::fonts() {
+  static Fonts fonts;
+  return fonts;
 }
 
-GlyphSource::GlyphSource() : faces_(faces()) {}
+GlyphSource::GlyphSource() : fonts_(fonts()) {}
 
-bool GlyphSource::hasFont() const { return faces_.regular.face != nullptr; }
+bool GlyphSource::hasFont() const { return fonts_.regular.isOpen(); }
 
-const Glyph& GlyphSource::glyph(wchar_t character, bool bold) {
-  const auto key = static_cast<std::uint64_t>(character) << 1 | (bold ? 1 : 0);
-  const auto [entry, isNew] = glyphs_.try_emplace(key);
+const GlyphSource::Choice& GlyphSource::choice(Face face) {
+  const Choice*& known = choices_[keyOf(face)];
+  if (known != nullptr) return *known;
+  const std::lock_guard lock(fonts_.mutex);
+  const auto [entry, isNew] = fonts_.choices.try_emplace(keyOf(face));
+  if (isNew) entry->second = fonts_.choose(face);
+  return *(known = &entry->second);
+}
+
+const Glyph* GlyphSource::strokedLetter(wchar_t letter, const Choice& chosen) {
+  for (const std::string& name : chosen.strokes)
+    if (const StrokeFont* const font = fonts_.stroke(name))
+      if (const Glyph* const glyph = font->glyph(letter)) return glyph;
+  return nullptr;
+}
+
+OutlineFont* GlyphSource::fontOf(wchar_t letter, Face face, bool& isSlanted) {
+  const Choice& chosen = *choices_.at(keyOf(face));
+  isSlanted = chosen.isSlanted;
+  const auto c = static_cast<char32_t>(letter);
+  if (strokedLetter(letter, chosen) != nullptr) return nullptr;
+  if (chosen.outline != nullptr && chosen.outline->has(c)) return chosen.outline;
+  isSlanted = face.isItalic;
+  if (face.isBold && fonts_.bold.has(c)) return &fonts_.bold;
+  if (fonts_.regular.has(c)) return &fonts_.regular;
+  Glyph composed;
+  return compose(letter, composed) ? nullptr : fonts_.other(c, face.isBold);
+}
+
+const Glyph& GlyphSource::loadGlyph(const OutlineFont& font, std::uint32_t index, bool isSlanted) {
+  const auto [entry, isNew] =
+      glyphs_.try_emplace({&font, static_cast<std::uint64_t>(index) << 1U | (isSlanted ? 1U : 0U)});
+  if (isNew) font.load(index, isSlanted, entry->second);
+  return entry->second;
+}
+
+const Glyph& GlyphSource::loadCharacter(wchar_t letter, Face face) {
+  bool isSlanted = false;
+  if (const OutlineFont* const font = fontOf(letter, face, isSlanted))
+    return loadGlyph(*font, font->indexOf(static_cast<char32_t>(letter)), isSlanted);
+  const Choice& chosen = *choices_.at(keyOf(face));
+  const Glyph* const stroked = strokedLetter(letter, chosen);
+  if (stroked != nullptr && !chosen.isSlanted) return *stroked;
+  // Those that are made here belong to no font.
+  const std::uint64_t key = keyOf(face) << 32U | static_cast<std::uint32_t>(letter);
+  const auto [entry, isNew] = glyphs_.try_emplace({this, key});
   Glyph& glyph = entry->second;
   if (!isNew) return glyph;
-  const std::lock_guard lock(faces_.mutex);
-  if (hasFont() && !faces_.regular.has(character) && compose(character, glyph)) return glyph;
-  if (!(bold && faces_.bold.load(character, glyph)) && !faces_.regular.load(character, glyph))
-    glyph.advance = geometry::meanCharacterWidth(character, bold);
+  if (stroked != nullptr) {
+    constexpr double kSlantRad = 12 * std::numbers::pi / 180;
+    glyph = *stroked;
+    for (auto& line : glyph.strokes)
+      for (Point& p : line) p.x += p.y * std::tan(kSlantRad);
+  } else if (isInvisible(letter) || (hasFont() && compose(letter, glyph))) {
+    return glyph;
+  } else {
+    if (hasFont()) missing_.insert(letter);
+    const OutlineFont& own = face.isBold && fonts_.bold.isOpen() ? fonts_.bold : fonts_.regular;
+    if (!own.load(0, false, glyph)) glyph.advance = geometry::meanTextWidth({&letter, 1}, face);
+  }
   return glyph;
+}
+
+const Glyph& GlyphSource::character(wchar_t letter, Face face) {
+  const Glyph*& known = characters_[keyOf(face) << 32U | static_cast<std::uint32_t>(letter)];
+  if (known != nullptr) return *known;
+  choice(face);
+  const std::lock_guard lock(fonts_.mutex);
+  return *(known = &loadCharacter(letter, face));
+}
+
+void GlyphSource::shape(std::wstring_view text, Face face, std::vector<PlacedGlyph>& out) {
+  choice(face);
+  const std::lock_guard lock(fonts_.mutex);
+  struct Part {
+    DirectedRun run;
+    OutlineFont* font = nullptr;
+    bool isSlanted = false;
+  };
+  std::vector<Part> parts;
+  for (const DirectedRun& run : visualRuns(text)) {
+    parts.clear();
+    for (std::size_t i = run.begin; i < run.end; ++i) {
+      Part part{{i, i + 1, run.isRightToLeft}};
+      part.font = fontOf(text[i], face, part.isSlanted);
+      // Blanks, marks and signs go with the letters before them where their font has them.
+      Part* const before = parts.empty() ? nullptr : &parts.back();
+      const bool mayStay = before != nullptr && before->font != nullptr &&
+                           (before->font == part.font || needsShaping(text.substr(i, 1)) || text[i] == L' ');
+      if (mayStay && (before->font == part.font || before->font->has(static_cast<char32_t>(text[i]))))
+        before->run.end = i + 1;
+      else
+        parts.push_back(part);
+    }
+    if (run.isRightToLeft) std::reverse(parts.begin(), parts.end());
+    for (const Part& part : parts) {
+      if (part.font == nullptr) {
+        const Glyph& glyph = loadCharacter(text[part.run.begin], face);
+        out.push_back({&glyph, glyph.advance, 0, 0});
+        continue;
+      }
+      for (const ShapedGlyph& shaped : part.font->shape(text, part.run)) {
+        const bool isInvisibleGlyph = shaped.index == 0 && isInvisible(text[shaped.letter]);
+        if (isInvisibleGlyph) continue;
+        out.push_back({&loadGlyph(*part.font, shaped.index, part.isSlanted), shaped.advance, shaped.dx, shaped.dy});
+      }
+    }
+  }
+}
+
+void GlyphSource::layOut(std::wstring_view text, Face face, std::vector<PlacedGlyph>& out) {
+  out.clear();
+  if (hasFont() && needsShaping(text)) {
+    if (canShape()) return shape(text, face, out);
+    leftUnshaped_ = true;
+  }
+  for (const wchar_t letter : text) {
+    const Glyph& glyph = character(letter, face);
+    out.push_back({&glyph, glyph.advance, 0, 0});
+  }
+}
+
+double GlyphSource::width(std::wstring_view text, Face face) {
+  double width = 0;
+  if (text.size() > 1 && hasFont() && needsShaping(text)) {
+    layOut(text, face, measured_);
+    for (const PlacedGlyph& placed : measured_) width += placed.advance;
+    return width;
+  }
+  for (const wchar_t letter : text) width += character(letter, face).advance;
+  return width;
 }
 
 }  // namespace host::picture

@@ -10,7 +10,7 @@ using database::DxfType;
 using database::Slot;
 
 bool EntityPainter::paintProxy(const Slot& entity, const Place& place, const Style& style, double deviation) {
-  const auto pieces = geometry::readProxyGraphics(entity, deviation, characterWidth());
+  const auto pieces = geometry::readProxyGraphics(entity, deviation, textWidth());
   for (const geometry::ProxyPiece& piece : pieces) {
     Style own = style;
     own.line.pen.color = own.fill = appearances_.color(piece.color, piece.trueColor, style.appearance);
@@ -31,7 +31,7 @@ bool EntityPainter::paintProxy(const Slot& entity, const Place& place, const Sty
 void EntityPainter::paintLeader(const Slot& entity, const Place& place, const Style& style, double deviation) {
   // The graphics that came along show frames, block contents and landings, too.
   if (paintProxy(entity, place, style, deviation)) return;
-  const auto leader = geometry::readMultiLeader(entity, deviation, characterWidth());
+  const auto leader = geometry::readMultiLeader(entity, deviation, textWidth());
   for (const geometry::Wire& wire : leader.wires) paintWire(wire, place, style);
   if (leader.text) paintText(*leader.text, place, style);
 }
@@ -40,8 +40,8 @@ void EntityPainter::paintOther(const Slot& entity, const Place& place, const Sty
   if (paintProxy(entity, place, style, deviation)) return;
   const bool isDimension = geometry::isDimension(entity);
   if (isDimension || entity.type == DxfType::Tolerance) {
-    const auto shape = isDimension ? geometry::readDimension(entity, deviation, characterWidth())
-                                   : geometry::readTolerance(entity, characterWidth());
+    const auto shape = isDimension ? geometry::readDimension(entity, deviation, textWidth())
+                                   : geometry::readTolerance(entity, textWidth());
     for (const geometry::Wire& wire : shape.wires) paintWire(wire, place, style);
     for (const geometry::TextBlock& text : shape.texts) paintText(text, place, style);
     if (!shape.wires.empty()) return;

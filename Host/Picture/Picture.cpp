@@ -191,6 +191,20 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   if (painter.damagedClips() > 0)
     note("Blocks whose boundaries cannot be used are shown whole: " + std::to_string(painter.damagedClips()) + ".");
   if (!styleNote.empty()) note(styleNote);
+  if (!glyphs.missing().empty()) {
+    constexpr std::size_t kMostNamed = 8;
+    std::string letters;
+    std::size_t named = 0;
+    for (const wchar_t letter : glyphs.missing()) {
+      char code[16];
+      std::snprintf(code, sizeof code, "U+%04lX", static_cast<unsigned long>(letter));
+      if (named++ < kMostNamed) letters += (letters.empty() ? "" : ", ") + std::string(code);
+    }
+    if (named > kMostNamed) letters += " and " + std::to_string(named - kMostNamed) + " more";
+    note("Letters that no font here has are shown as boxes: " + letters + ".");
+  }
+  if (glyphs.leftUnshaped())
+    note("This program was built without HarfBuzz and FriBidi: letters that join, or run from the right, stand apart.");
   if (!glyphs.hasFont()) note("The font DejaVu Sans was not found, so texts are shown as boxes.");
   if (!notes.empty()) made.picture.remark = problemOf(Code::PictureNote, std::move(notes));
   return made;

@@ -137,7 +137,7 @@ void Player::play(const Recording& recording, std::size_t first, std::size_t cou
       }
       case Kind::Text: {
         const Recording::Text& text = recording.texts[item.more];
-        to_.text(text.run, placed(text.frame), pen.color);
+        to_.text(text.run, placed(text.frame), pen);
         break;
       }
       case Kind::Mark: {
@@ -237,8 +237,8 @@ void Recorder::fillGradient(const Rings& rings, const Gradient& gradient) {
     if (!ring.empty()) addRing(ring, true);
 }
 
-void Recorder::text(const geometry::TextRun& run, const Transform& frame, Color color) {
-  add(Recording::Kind::Text, color).more = indexOf(to_->texts.size());
+void Recorder::text(const geometry::TextRun& run, const Transform& frame, const Pen& pen) {
+  add(Recording::Kind::Text, pen.color, pen.width).more = indexOf(to_->texts.size());
   to_->texts.push_back({run, frame});
   if (clips_ > 0) return;
   const Box box = runBox(run);

@@ -109,7 +109,7 @@ class Recorder final : public Details {
   void wire(const DetailWire& wire, const LineStyle& style) override;
   void fill(const Rings& rings, FillRule rule, Color color) override;
   void fillGradient(const Rings& rings, const Gradient& gradient) override;
-  void text(const geometry::TextRun& run, const geometry::Transform& frame, Color color) override;
+  void text(const geometry::TextRun& run, const geometry::Transform& frame, const Pen& pen) override;
   void point(Point at, const PointMark& mark, const Pen& pen) override;
   void infinite(Point base, Point direction, bool bothWays, const LineStyle& style) override;
   void pattern(const std::vector<hatching::PatternLine>& families, const std::vector<curves::Polygon>& loops,

@@ -39,8 +39,11 @@ void EntityPainter::paintText(const geometry::TextBlock& text, const Place& plac
       bounds.add(p);
     if (!bounds.intersects(view_.area)) return;
   }
-  for (const geometry::TextRun& run : text.runs)
-    details_.text(run, frame, appearances_.color(run.color, run.trueColor, style.appearance));
+  Pen pen = style.line.pen;
+  for (const geometry::TextRun& run : text.runs) {
+    pen.color = appearances_.color(run.color, run.trueColor, style.appearance);
+    details_.text(run, frame, pen);
+  }
   for (const geometry::TextRule& rule : text.rules) {
     Style own = style;
     own.line.pen.color = appearances_.color(rule.color, rule.trueColor, style.appearance);

@@ -36,6 +36,8 @@ bool hasDisplay();
 
 /// The folders where this system and this user keep fonts, the user's first.
 std::vector<std::filesystem::path> fontFolders();
+/// Where fonts of strokes may be.
+std::vector<std::filesystem::path> strokeFontFolders();
 
 /// The folder of this user for what programs remember; empty without one.
 std::filesystem::path stateFolder();

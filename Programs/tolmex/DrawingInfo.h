@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "BuildingInfo.h"
+#include "Picture/FontsUsed.h"
 #include "Tolmex/Model/Catalogue.h"
 
 namespace tolmex {
@@ -32,6 +33,7 @@ struct DrawingInfo {
   std::vector<BuildingValues> buildings;
   std::optional<ShadowValues> shadows;
   std::vector<LayerColor> colors;                     // of fill layers that are there
+  std::vector<host::picture::FontUse> fonts;          // of texts, when asked for
   std::vector<host::database::Problem> fileProblems;  // met while reading
   std::vector<host::database::Problem> problems;      // in what the elements say; the texts name the handles too
 };

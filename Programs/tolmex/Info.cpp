@@ -98,6 +98,11 @@ void print(const std::string& file, const DrawingInfo& info) {
     printLine("  " + color.layer + std::string(17 - std::min<std::size_t>(color.layer.size(), 16), ' ') +
               std::string(4 - std::min<std::size_t>(number.size(), 4), ' ') + number + (color.isOff ? "  off" : ""));
   }
+  if (!info.fonts.empty()) printLine("fonts");
+  for (const host::picture::FontUse& font : info.fonts) {
+    printLine("  " + (font.name.empty() ? "no font named" : font.name) + ": " + std::to_string(font.texts) +
+              (font.texts == 1 ? " text" : " texts") + ", drawn with " + font.drawnWith);
+  }
   const std::size_t fileProblems = printProblems(file, info.fileProblems);
   for (const Problem& problem : info.problems) complain(RunStatus::Done, file + ": " + problem.text);
   printLine("problems " + std::to_string(info.problems.size() + fileProblems));
@@ -111,6 +116,7 @@ Result<> describe(const std::string& file, const fs::path& path, const InfoOptio
   DrawingInfo info = lookThrough(database, options.json);
   host::dxf::RepairedDrawing repaired = lookThroughFile(path, drawing);
   info.fileProblems = std::move(repaired.problems);
+  info.fonts = host::picture::fontsUsed(drawing);
   if (options.json) {
     std::fputs(drawingJson(file, info).c_str(), stdout);
   } else {

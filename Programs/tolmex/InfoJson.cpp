@@ -105,6 +105,15 @@ Json shadowsOf(const DrawingInfo& info) {
           {"pattern", shadows.isDots ? "dots" : "lines"}};
 }
 
+Json fontsOf(const DrawingInfo& info) {
+  Json fonts = Json::array();
+  for (const host::picture::FontUse& font : info.fonts)
+    fonts.push_back({{"name", font.name.empty() ? Json(nullptr) : Json(font.name)},
+                     {"texts", font.texts},
+                     {"drawnWith", font.drawnWith}});
+  return fonts;
+}
+
 Json problemsOf(const DrawingInfo& info) {
   Json problems = Json::array();
   for (const auto* list : {&info.fileProblems, &info.problems}) {
@@ -159,6 +168,7 @@ std::string drawingJson(const std::string& file, const DrawingInfo& info) {
                   {"parkingRows", info.parkingRows},
                   {"shadows", shadowsOf(info)},
                   {"colours", std::move(colors)},
+                  {"fonts", fontsOf(info)},
                   {"problems", problemsOf(info)}});
 }
 

@@ -9,7 +9,7 @@
 namespace host::geometry {
 namespace {
 
-double unitWidth(wchar_t, bool) { return 1; }
+double unitWidth(std::wstring_view text, Face) { return static_cast<double>(text.size()); }
 
 TextBlock layout(const std::string& tags) {
   tests::SmallDatabase db(tests::SmallDrawing().entity("MTEXT", "40 1|10 0|20 0|" + tags));

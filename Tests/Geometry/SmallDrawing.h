@@ -30,6 +30,11 @@ class SmallDrawing {
                   "\n70\n0\n" + lines(tags);
     return *this;
   }
+  SmallDrawing& style(const std::string& name, const std::string& tags) {
+    styles_ += "0\nSTYLE\n5\n" + next() + "\n100\nAcDbSymbolTableRecord\n100\nAcDbTextStyleTableRecord\n2\n" + name +
+               "\n" + lines(tags);
+    return *this;
+  }
   /// Entities from here on belong to the block; `base` is its base point.
   SmallDrawing& block(const std::string& name, const std::string& base = "10 0|20 0") {
     current_ = name;
@@ -59,7 +64,8 @@ class SmallDrawing {
 
   std::string text() const {
     std::string t = "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1021\n9\n$HANDSEED\n5\nFFFFF\n" + header_ + "0\nENDSEC\n";
-    t += "0\nSECTION\n2\nTABLES\n" + table("LTYPE", "5", linetypes_) + table("LAYER", "2", layers_);
+    t += "0\nSECTION\n2\nTABLES\n" + table("LTYPE", "5", linetypes_) + table("LAYER", "2", layers_) +
+         (styles_.empty() ? "" : table("STYLE", "3", styles_));
     std::string records = record("*Model_Space", "1F", modelRecord_);
     std::string sections = blockText("*Model_Space", "1F", "20", "21", "10 0|20 0", "");
     int handle = 0x40000;  // far above those of entities
@@ -120,7 +126,7 @@ class SmallDrawing {
            "\n100\nAcDbEntity\n8\n0\n100\nAcDbBlockEnd\n";
   }
 
-  std::string header_, layers_, linetypes_, model_, objects_, modelRecord_, current_;
+  std::string header_, layers_, linetypes_, styles_, model_, objects_, modelRecord_, current_;
   std::map<std::string, Content> blocks_;
   int handle_ = 0x100;
 };

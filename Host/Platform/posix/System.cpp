@@ -135,6 +135,13 @@ std::vector<std::filesystem::path> fontFolders() {
   return folders;
 }
 
+std::vector<std::filesystem::path> strokeFontFolders() {
+  std::vector<std::filesystem::path> folders;
+  for (const std::filesystem::path& folder : fontFolders())
+    if (folder.filename() == "fonts") folders.push_back(folder.parent_path() / "librecad/fonts");
+  return folders;
+}
+
 bool Console::open() {
   handle_ = ::open("/dev/tty", O_WRONLY | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
   return isOpen();

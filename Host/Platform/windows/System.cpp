@@ -65,6 +65,8 @@ std::vector<std::filesystem::path> fontFolders() {
   return folders;
 }
 
+std::vector<std::filesystem::path> strokeFontFolders() { return {}; }
+
 bool Console::open() {
   // A program of windows has none of its own.
   if (::GetConsoleWindow() == nullptr && ::AllocConsole() == 0) return false;

@@ -32,7 +32,7 @@ class OutlineDetails final : public picture::Details {
   void fillGradient(const picture::Rings& rings, const picture::Gradient&) override {
     fill(rings, picture::FillRule::EvenOdd, {});
   }
-  void text(const geometry::TextRun& run, const geometry::Transform& frame, picture::Color) override {
+  void text(const geometry::TextRun& run, const geometry::Transform& frame, const picture::Pen&) override {
     const Box b = picture::runBox(run);
     stroke({frame.plan({b.minX, b.minY, 0}), frame.plan({b.maxX, b.minY, 0}), frame.plan({b.maxX, b.maxY, 0}),
             frame.plan({b.minX, b.maxY, 0})},
