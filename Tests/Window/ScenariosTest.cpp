@@ -230,7 +230,10 @@ TEST_F(Scenarios, PrintsOnThePaperThatWasChosen) {
   work({plan}, [&] {
     ui([this] { window->actions().of("window:print")->trigger(); });
     until([] { return QApplication::activeModalWidget() != nullptr; }, "the dialog");
-    ui([] { QApplication::activeModalWidget()->findChild<QDialogButtonBox*>()->buttons().front()->click(); });
+    ui([] {  // the printer's dialog runs a loop of its own, so that the click is waited for by nobody
+      auto* const print = QApplication::activeModalWidget()->findChild<QDialogButtonBox*>()->buttons().front();
+      QMetaObject::invokeMethod(print, &QAbstractButton::click, Qt::QueuedConnection);
+    });
     until([] { return qobject_cast<QPrintDialog*>(QApplication::activeModalWidget()) != nullptr; }, "the printers");
     ui([&page] {
       auto& dialog = *qobject_cast<QPrintDialog*>(QApplication::activeModalWidget());
