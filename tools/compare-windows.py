@@ -2,9 +2,11 @@
 """Runs the program for Windows under wine beside the one for Linux and compares what they write and say.
 
 Usage: compare-windows.py LINUX_PROGRAM WINDOWS_PROGRAM OUT [--drawings DIR] [--buildings N] [--pictures]
+DIR is the folder of real drawings beside the checkout when it is not given, or TOLMEX_DRAWINGS.
 Drawings and SVG have to be the same bytes, PNG pictures (--pictures) may differ in a few pixels.
 """
 import argparse
+import json
 import os
 import pathlib
 import re
@@ -110,7 +112,68 @@ def compare(systems: list[System], case: str, arguments: list, files: list[str],
 
 
 def windows_path(path: pathlib.Path) -> str:
-    return "Z:" + str(path)
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def real_drawings(asked: list[pathlib.Path]) -> list[pathlib.Path]:
+    given = os.environ.get("TOLMEX_DRAWINGS", ROOT / "../shared/drawings")
+    folders = asked or [pathlib.Path(given)] * bool(given)
+    return [drawing for folder in folders for drawing in sorted(folder.glob("*.dxf"))]
+
+
+def make_image_drawing(folder: pathlib.Path) -> None:
+    """A drawing that shows pictures: one beside it, one by the path of another machine."""
+    import ezdxf
+
+    drawing = ezdxf.new("R2010")
+    for number, (name, kept) in enumerate((("kartta ä.png", "kartta ä.png"), ("C:\\Kartat\\pohja.png", "pohja.png"))):
+        shutil.copyfile(ROOT / "docs/pictures/kortteli.png", folder / kept)
+        width, height = struct.unpack(">II", (folder / kept).read_bytes()[16:24])
+        image = drawing.add_image_def(name, size_in_pixel=(width, height))
+        drawing.modelspace().add_image(image, insert=(number * 120, 0), size_in_units=(100, 100 * height / width),
+                                       rotation=10 * number)
+    drawing.saveas(folder / "images.dxf")
+
+
+def compare_forms(windows: "System", example: pathlib.Path) -> None:
+    """The forms in which only Windows names files; \\\\SERVER\\SHARE lies in a folder of wine's."""
+    share = pathlib.Path(os.environ["WINEPREFIX"]) / "dosdevices/unc/palvelin/jako"
+    share.parent.mkdir(parents=True, exist_ok=True)
+    share.unlink(missing_ok=True)
+    place = windows.out / windows.name / "forms"
+    place.mkdir(parents=True)
+    share.symlink_to(place)
+    shutil.copyfile(example, place / "in.dxf")
+    drive = windows_path(place)
+    for root in ("\\\\?\\" + drive, drive, "\\\\palvelin\\jako", "\\\\?\\UNC\\palvelin\\jako", "//palvelin/jako"):
+        slash = "/" if "/" in root else "\\"
+        (place / "out.dxf").unlink(missing_ok=True)
+        done = windows.run("forms", ["run", f"{root}{slash}in.dxf", "--command", "REGEN", "--out", f"{root}{slash}out.dxf"])
+        if done.returncode or not (place / "out.dxf").exists():
+            fault("forms", f"{root}: {done.stderr!r}")
+
+
+def compare_held(windows: "System", wine: str, example: pathlib.Path) -> None:
+    """A file that another program has open without sharing stays, and the sentence says so."""
+    place = windows.out / windows.name / "held"
+    place.mkdir(parents=True)
+    shutil.copyfile(example, place / "in.dxf")
+    (place / "out.dxf").write_bytes(b"old")
+    # The command processor shares files that it writes for reading only.
+    with subprocess.Popen([wine, "cmd", "/c", "pause >> out.dxf"], cwd=place, stdin=subprocess.PIPE,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as holder:
+        before = b""
+        for _ in range(100):
+            time.sleep(0.1)
+            if len(before := (place / "out.dxf").read_bytes()) > 3:
+                break
+        done = windows.run("held", ["run", "in.dxf", "--command", "REGEN", "--out", "out.dxf"])
+        after = (place / "out.dxf").read_bytes()
+        holder.communicate(b"\n")
+    if done.returncode == 0 or b"another program has it open" not in done.stderr or before != after:
+        fault("held", f"status {done.returncode}, {done.stderr!r}, {len(after)} bytes")
+    if left := [path.name for path in place.iterdir() if path.name not in ("in.dxf", "out.dxf")]:
+        fault("held", f"left behind: {left}")
 
 
 def main() -> int:
@@ -119,13 +182,13 @@ def main() -> int:
     parser.add_argument("windows", type=pathlib.Path)
     parser.add_argument("out", type=pathlib.Path)
     parser.add_argument("--drawings", type=pathlib.Path, action="append", default=[])
-    parser.add_argument("--buildings", type=int, default=1000)
+    parser.add_argument("--buildings", type=int, default=10000)
     parser.add_argument("--pictures", action="store_true")
     asked = parser.parse_args()
     out = asked.out.resolve()
     shutil.rmtree(out, ignore_errors=True)
     out.mkdir(parents=True)
-    wine = shutil.which("wine64") or shutil.which("wine") or "/usr/lib/wine/wine64"
+    wine = os.environ.get("WINELOADER") or shutil.which("wine64") or shutil.which("wine")
     systems = [System("linux", [str(asked.linux.resolve())], out),
                System("windows", [wine, str(asked.windows.resolve())], out)]
     windows = systems[1]
@@ -136,9 +199,7 @@ def main() -> int:
     for folder, name in ((examples, "kortteli"), (guide, "tontti")):
         compare(systems, name, ["run", folder / f"{name}.dxf", "--script", folder / f"{name}.scr", "--support", folder,
                                 *outputs], made)
-    drawings = [examples / "kortteli.dxf", guide / "tontti.dxf"]
-    for more in asked.drawings:
-        drawings += sorted(more.glob("*.dxf"))
+    drawings = [examples / "kortteli.dxf", guide / "tontti.dxf", *real_drawings(asked.drawings)]
     nine = [word for name in ELEMENTS for word in ("--command", f"TLM_MUOK_{name}", "--command", "ALL", "--command", "")]
     for drawing in drawings:
         compare(systems, f"nine {drawing.name}", ["run", drawing, *nine, *outputs], made)
@@ -146,8 +207,17 @@ def main() -> int:
     compare(systems, "info", ["info", "--json", "--jobs", "2", *drawings], [])
 
     plan = out / "plan.dxf"
-    subprocess.run([sys.executable, ROOT / "Benchmarks/generate/make_plan.py", str(asked.buildings), plan], check=True)
+    subprocess.run([sys.executable, ROOT / "Benchmarks/generate/make_plan.py", "--records", str(asked.buildings), plan], check=True)
     compare(systems, "shadows", ["run", plan, "--command", "TLM_VARJO_PAIVITA", "--out", "out.dxf"], ["out.dxf"])
+
+    sheet = ["--sheet", "A3-kaava", "--field", "OTSIKKO=Äyräspuisto"]
+    compare(systems, "sheet", ["picture", examples / "kortteli.dxf", "out.svg", *sheet], ["out.svg"])
+    shutil.copyfile(ROOT / "Programs/tolmex/sheets/A3-kaava.dxf", out / "pieni sivu ä.dxf")
+    compare(systems, "sheet by name", ["picture", examples / "kortteli.dxf", "out.svg", "--sheet", out / "pieni sivu ä",
+                                       *sheet[2:]], ["out.svg"])
+    make_image_drawing(out)
+    for picture in ["out.svg"] + ["out.png"] * asked.pictures:
+        compare(systems, "images", ["picture", out / "images.dxf", picture], [picture])
 
     # ---- streams, jobs, names, line ends: what the systems do differently underneath ----
     example = examples / "kortteli.dxf"
@@ -161,6 +231,15 @@ def main() -> int:
     jobs = ["made/kortteli.dxf", "made/tontti.dxf"]
     compare(systems, "jobs", [*several, "--command", "TLM_MUOK_SORA", "--command", "ALL", "--command", ""], jobs)
     compare(systems, "jobs with a script by a pipe", [*several, "--script", "-"], jobs, input=script.encode())
+    (out / "regen.scr").write_text("REGEN\n")
+    report = ["--report", "report.jsonl", "--script", out / "regen.scr"]
+    for results in (["done", "done"], ["up to date", "done"]):
+        compare(systems, "resumed", [*several, *report, "--resume"], jobs)
+        for system in systems:
+            lines = (system.file("resumed", "report.jsonl") or b"").splitlines()
+            if [json.loads(line)["result"] for line in lines] != results:
+                fault("resumed", f"{system.name}: {lines}")
+            (out / system.name / "resumed/made/tontti.dxf").unlink(missing_ok=True)
     compare(systems, "jobs that fail", [*several, "--command", "NO_SUCH_COMMAND"], jobs)
     compare(systems, "shell", ["shell", example, "--out", "out.dxf"], ["out.dxf"],
             input=b"TLM_MUOK_SORA\r\nALL\r\n\r\nNO_SUCH\r\nU\r\n")
@@ -180,11 +259,8 @@ def main() -> int:
                       ["run", example, "--out", "no folder/x.dxf"], ["run", example, "--script", "no.scr"],
                       ["run", examples, "--out", "x.dxf"]):
         compare(systems, "sentences", arguments, [])
-    # The forms in which only Windows names files.
-    for name in ("\\\\?\\" + windows_path(example).replace("/", "\\"), windows_path(example).replace("/", "\\")):
-        done = windows.run("forms", ["run", name, "--command", "REGEN", "--out", "out.dxf"])
-        if done.returncode or windows.file("forms", "out.dxf") is None:
-            fault("forms", f"{name}: {done.stderr!r}")
+    compare_forms(windows, example)
+    compare_held(windows, wine, example)
 
     print(f"{len(faults)} differences; seconds on Linux {systems[0].seconds:.0f}, under wine {windows.seconds:.0f}")
     return 1 if faults else 0

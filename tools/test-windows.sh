@@ -29,8 +29,12 @@ tools/windows.sh "${options[@]}" --no-package all windows_tests
 # A prefix of our own, without boxes about what wine would like to install.
 export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8
 unset DISPLAY WAYLAND_DISPLAY
-wine=$(command -v wine64 || command -v wine || echo /usr/lib/wine/wine64)
-[[ -e $WINEPREFIX/system.reg ]] || "$wine" wineboot --init > /dev/null 2>&1 || true
+wine=$(command -v wine64 || ls /usr/lib/wine/wine64)
+export WINELOADER=$wine
+if [[ ! -e $WINEPREFIX/system.reg ]]; then
+  "$wine" wineboot --init > /dev/null 2>&1 || true
+  "$wine" reg add 'HKCU\Software\Wine' /v Version /d win10 /f > /dev/null 2>&1
+fi
 # One server for all runs: each start of it takes a second.
 server=$(command -v wineserver || ls /usr/lib/wine/wineserver64 /usr/lib/wine/wineserver 2> /dev/null | head -1)
 "$server" -p60 || true
@@ -41,5 +45,5 @@ for test in "$out"/bin/test_*.exe; do
   echo "$(basename "$test" .exe):"
   "$wine" "$test" --gtest_brief=1 || status=1
 done
-python3 tools/compare-windows.py "$linux" "$out/bin/tolmex.exe" build/windows-compared "${compare[@]}" "$@" || status=1
+/usr/bin/python3 tools/compare-windows.py "$linux" "$out/bin/tolmex.exe" build/windows-compared "${compare[@]}" "$@" || status=1
 exit "$status"

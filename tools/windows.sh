@@ -42,12 +42,13 @@ fetch() {
   mkdir -p "$sources"/{parts,lists/partial,files}
   cp /etc/apt/sources.list.d/*.sources "$sources/parts/" 2> /dev/null || true
   sed -i 's/^Types:.*/Types: deb-src/' "$sources"/parts/*.sources 2> /dev/null || true
-  cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2> /dev/null | sed -n 's/^deb /deb-src /p' > "$sources/parts/all.list"
+  { cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2> /dev/null || true; } |
+    sed -n 's/^deb /deb-src /p' > "$sources/parts/all.list"
   local apt=(-o Dir::Etc::SourceList=/dev/null -o "Dir::Etc::SourceParts=$sources/parts" -o "Dir::State::Lists=$sources/lists")
   local fetched=no
   apt-get "${apt[@]}" -qq update > /dev/null 2>&1 || true
   local version
-  version=$(apt-cache "${apt[@]}" showsrc "$package" 2> /dev/null | sed -n 's/^Version: //p' | grep -F "$wanted" | sort -V | tail -1)
+  version=$(apt-cache "${apt[@]}" showsrc "$package" 2> /dev/null | sed -n 's/^Version: //p' | grep -F "$wanted" | sort -V | tail -1) || true
   if [[ -n $version ]]; then
     (cd "$sources/files" && apt-get "${apt[@]}" -qq source --download-only "$package=$version" > ../log 2>&1) && fetched=yes
   fi
@@ -75,21 +76,17 @@ fi
 qt=$here/build/windows-qt/installed
 if [[ $window == ON && ! -e $qt/.built ]]; then
   fetch qt6-base "$qt_version" "$here/build/windows-qt/source"
-  fetch qt6-svg "$qt_version" "$here/build/windows-qt/svg"  # before the long work: mirrors lack it now and then
   # Of what may be left out, what the program does not use; never anything of the screen.
-  off=(network sql dbus testlib xml concurrent vulkan icu glib zstd direct2d tuiotouch undocommand wizard mdiarea
-    calendarwidget lcdnumber dial graphicsview tableview columnview vnc gif jpeg opengl
+  off=(network sql dbus testlib xml concurrent vulkan icu glib zstd brotli direct2d tuiotouch tabletevent undocommand wizard
+    mdiarea calendarwidget lcdnumber dial graphicsview tableview columnview vnc gif opengl
     system_zlib system_png system_jpeg system_pcre2 system_freetype system_harfbuzz)
+  off=("${off[@]/#/-DFEATURE_}")
   cmake -S build/windows-qt/source -B build/windows-qt/build "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$qt" \
     -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake -DINPUT_opengl=no \
     -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DQT_BUILD_TOOLS_WHEN_CROSSCOMPILING=OFF -DBUILD_WITH_PCH=OFF \
-    "${off[@]/#/-DFEATURE_}" > build/windows-qt/log 2>&1
-  nice -n 10 cmake --build build/windows-qt/build -j "$jobs"
+    "${off[@]/%/=OFF}" > build/windows-qt/log 2>&1
+  nice -n 5 cmake --build build/windows-qt/build -j "$jobs"
   cmake --install build/windows-qt/build --strip > build/windows-qt/log
-  cmake -S build/windows-qt/svg -B build/windows-qt/svg-build "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$qt" \
-    "-DCMAKE_PREFIX_PATH=$qt" "-DCMAKE_FIND_ROOT_PATH=/usr/x86_64-w64-mingw32;$qt" \
-    -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake > build/windows-qt/log
-  nice -n 10 cmake --build build/windows-qt/svg-build --target install -j "$jobs"
   touch "$qt/.built"
 fi
 
@@ -97,7 +94,17 @@ out=$here/build/windows
 [[ $window == ON ]] || out=$here/build/windows-plain
 options=(-DTOLMEX_QT=$window -DTOLMEX_BUILD_TESTS=ON -DTOLMEX_BUILD_BENCHMARKS=OFF "-DCMAKE_PREFIX_PATH=$libraries"
   "-DCMAKE_FIND_ROOT_PATH=/usr/x86_64-w64-mingw32;$libraries;$qt")
-[[ $window == OFF ]] || options+=(-DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake)
+if [[ $window == ON ]]; then
+  icon=$here/build/tolmex.ico
+  if [[ ! $icon -nt Host/Window/tolmex.svg ]]; then
+    for size in 16 24 32 48 256; do
+      rsvg-convert -w $size -h $size Host/Window/tolmex.svg -o "$here/build/tolmex-$size.png"
+    done
+    tools/make-icon.py "$icon" "$here"/build/tolmex-{16,24,32,48,256}.png
+    rm "$here"/build/tolmex-{16,24,32,48,256}.png
+  fi
+  options+=(-DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake "-DTOLMEX_ICON=$icon")
+fi
 cmake -S . -B "$out" "${cross[@]}" "${options[@]}" > "$out.log" || { cat "$out.log" >&2; exit 1; }
 cmake --build "$out" -j "$jobs" ${targets[@]:+--target "${targets[@]}"}
 
@@ -107,7 +114,7 @@ cp -u "$(dirname "$compiler")"/{libstdc++-6,libgcc_s_seh-1}.dll /usr/x86_64-w64-
 mkdir -p "$out/bin/fonts"
 cp -u /usr/share/fonts/truetype/dejavu/DejaVuSans{,-Bold}.ttf "$out/bin/fonts/"
 if [[ $window == ON ]]; then
-  cp -u "$qt"/bin/Qt6{Core,Gui,Widgets,Svg,PrintSupport}.dll "$out/bin/"
+  cp -u "$qt"/bin/Qt6{Core,Gui,Widgets,PrintSupport}.dll "$out/bin/"
   mkdir -p "$out/bin/plugins"
   cp -ru "$qt"/plugins/{platforms,styles,imageformats} "$out/bin/plugins/"
   printf '[Paths]\nPlugins = plugins\n' > "$out/bin/qt.conf"
@@ -119,15 +126,15 @@ name=Tolmex
 made=$here/build/package/$name
 rm -rf "$here/build/package"
 mkdir -p "$made"
-cp -r "$out"/bin/*.dll "$out"/bin/tolmex.exe "$out"/bin/tolmex.arx "$out"/bin/{support,fonts,tolmex.menu} "$made/"
-x86_64-w64-mingw32-strip --strip-unneeded "$made"/*.dll "$made"/*.exe "$made"/*.arx
+cp -r "$out"/bin/*.dll "$out"/bin/tolmex.exe "$out"/bin/tolmex.arx "$out"/bin/{support,sheets,fonts,tolmex.menu} "$made/"
 if [[ $window == ON ]]; then
-  cp -r "$out"/bin/{window,plugins,qt.conf} "$made/"
+  cp -r "$out"/bin/{tolmex-desktop.exe,window,plugins,qt.conf} "$made/"
 fi
+find "$made" -name '*.dll' -o -name '*.exe' -o -name '*.arx' | xargs x86_64-w64-mingw32-strip --strip-unneeded
 cp -rL Host/Dwg/reader "$made/dwg-reader"
 cp -r examples docs README.md "$made/"
 find "$made" -name '.stamp' -delete
 find "$made/examples" "$made/docs" -name '*.py' -delete
 (cd "$here/build/package" && zip -qr9 ../tolmex-windows.zip.part "$name" && mv ../tolmex-windows.zip.part ../tolmex-windows.zip)
-makensis -V2 -NOCD "-DSOURCE=$made" "-DOUTPUT=$here/build/tolmex-setup.exe" "-DWINDOW=$window" Programs/tolmex/share/tolmex.nsi
+makensis -V2 -NOCD "-DSOURCE=$made" "-DOUTPUT=$here/build/tolmex-setup.exe" ${icon:+"-DICON=$icon"} Programs/tolmex/share/tolmex.nsi
 ls -l "$here"/build/tolmex-windows.zip "$here"/build/tolmex-setup.exe

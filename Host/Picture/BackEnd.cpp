@@ -41,7 +41,7 @@ QBrush qBrush(const Gradient& gradient) {
 void paintImage(QPainter& painter, const QPainterPath& path, const Texture& texture, int alpha, bool isRaster) {
   const double width = std::hypot(texture.across.x, texture.across.y);
   const double height = std::hypot(texture.down.x, texture.down.y);
-  QImage pixels = texture.image->pixels;
+  QImage pixels = *texture.image->pixels;
   if (pixels.isNull() || !(width > 0) || !(height > 0)) return;
   // Made much smaller by the painter, an image would be a sample of its pixels.
   const QSize room(std::max(1, static_cast<int>(std::ceil(width))), std::max(1, static_cast<int>(std::ceil(height))));

@@ -1,10 +1,9 @@
 #include "Picture/SvgWriter.h"
 
-#include <QBuffer>
-#include <QByteArray>
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
@@ -30,6 +29,16 @@ class Writer {
     while (s.ends_with('0')) s.remove_suffix(1);
     if (s.ends_with('.')) s.remove_suffix(1);
     out_ += s == "-0" ? "0" : s;
+  }
+
+  void base64(std::string_view bytes) {
+    constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+      std::uint32_t group = 0;
+      for (std::size_t i = at; i < at + 3; ++i)
+        group = group << 8 | (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
+      for (std::size_t i = 0; i < 4; ++i) out_ += at + i > bytes.size() ? '=' : kDigits[group >> (18 - 6 * i) & 63];
+    }
   }
 
   void color(const char* property, Color c) {
@@ -132,13 +141,7 @@ void defineGradient(Writer& writer, const Gradient& gradient, std::size_t index)
 /// The image as it is in its file, or as a PNG; cut by the clip of the same number.
 void writeImage(Writer& writer, const Texture& texture, int alpha, std::size_t index) {
   const RasterImage& image = *texture.image;
-  QByteArray bytes(image.file.data(), static_cast<qsizetype>(image.file.size()));
-  if (bytes.isEmpty()) {
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.pixels.save(&buffer, "PNG");
-  }
-  const int width = std::max(1, image.pixels.width()), height = std::max(1, image.pixels.height());
+  const int width = std::max(1, image.width), height = std::max(1, image.height);
   writer.text("<g clip-path=\"url(#i" + std::to_string(index) + ")\"><image width=\"" + std::to_string(width) +
               "\" height=\"" + std::to_string(height) + "\" preserveAspectRatio=\"none\"");
   if (alpha != 255) {
@@ -152,8 +155,7 @@ void writeImage(Writer& writer, const Texture& texture, int alpha, std::size_t i
                 texture.origin.y);
   writer.text(matrix);
   writer.text(std::string(" xlink:href=\"data:image/") + (image.isJpeg ? "jpeg" : "png") + ";base64,");
-  const QByteArray encoded = bytes.toBase64();
-  writer.text({encoded.constData(), static_cast<std::size_t>(encoded.size())});
+  writer.base64(fileOf(image));
   writer.text("\"/></g>\n");
 }
 

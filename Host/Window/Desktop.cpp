@@ -32,7 +32,7 @@ QApplication& application() {
   QCoreApplication::setApplicationName("Tolmex");
   QGuiApplication::setDesktopFileName("tolmex");
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setWindowIcon(QIcon(windowFolder() + "/tolmex.svg"));
+  QApplication::setWindowIcon(iconOf(windowFolder() + "/tolmex.svg", Qt::black));
   return made;
 }
 

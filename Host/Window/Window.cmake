@@ -1,12 +1,12 @@
 # The window: a module, and the library of it.
 tolmex_host_module(Window ROOMS DEPENDS Platform Picture Preview Win32 Editor Dxf Geometry Hatching Curves Database
-  LINK Qt6::Core Qt6::Gui Qt6::Widgets Qt6::Svg Qt6::PrintSupport)
+  LINK Qt6::Core Qt6::Gui Qt6::Widgets Qt6::PrintSupport)
 set_target_properties(host_window PROPERTIES AUTOMOC ON)
 
 # The window; `tolmex desktop` loads it.
 add_library(tolmexwindow SHARED)
 target_link_libraries(tolmexwindow PRIVATE host_window tolmexpicture tolmexhost tolmex_options Qt6::Core Qt6::Gui Qt6::Widgets
-  Qt6::Svg Qt6::PrintSupport)
+  Qt6::PrintSupport)
 
 # Its Finnish texts, inside the library.
 find_program(LRELEASE lrelease HINTS /usr/lib/qt6/bin REQUIRED)

@@ -27,6 +27,10 @@ struct BatchOptions {
   bool showsProgress = true;
 };
 
+/// True in a process that was started for one of the tasks and comes through main to it, as on Windows. A task is known
+/// by its drawing's name there.
+bool isWorker();
+
 /// Hands the results out in the order of the tasks and answers the highest status. Signals that end programs end the
 /// workers; drawings that were not begun then are results too.
 int workThrough(const std::vector<BatchTask>& tasks, const BatchOptions& options,

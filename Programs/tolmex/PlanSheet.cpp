@@ -12,6 +12,7 @@
 #include "Geometry/References.h"
 #include "Inputs.h"
 #include "PlanSession.h"
+#include "Platform/Paths.h"
 #include "Text/Text.h"
 #include "Tolmex/Model/Names.h"
 
@@ -26,6 +27,7 @@ using host::database::DxfType;
 using host::database::Slot;
 using host::geometry::Box;
 using host::picture::LegendRow;
+using host::platform::pathOf;
 
 namespace {
 
@@ -47,14 +49,14 @@ fs::path sheetFolder() { return plugInFile().parent_path() / "sheets"; }
 
 Result<fs::path> findSheet(const std::string& name, const std::vector<fs::path>& folders) {
   std::vector<fs::path> places{{}};
-  if (!fs::path(name).has_parent_path()) {
+  if (!pathOf(name).has_parent_path()) {
     places.insert(places.end(), folders.begin(), folders.end());
     places.push_back(sheetFolder());
   }
   std::error_code error;
   for (const fs::path& place : places)
     for (const char* const ending : {"", ".dxf"})
-      if (const fs::path file = place / (name + ending); fs::is_regular_file(file, error)) return file;
+      if (const fs::path file = place / pathOf(name + ending); fs::is_regular_file(file, error)) return file;
   std::vector<std::string> known;
   for (const auto& entry : fs::directory_iterator(sheetFolder(), error))
     if (entry.path().extension() == ".dxf") known.push_back(entry.path().stem().string());
@@ -250,7 +252,7 @@ Result<std::unique_ptr<PlanSheet>> prepareSheet(const DrawingDatabase& plan,
   sheet.scaleField = kScaleField;
   sheet.northLetter = L"P";
   if (sheet.legend) {
-    const fs::path own = inFolders(options.legendFile, folders);
+    const fs::path own = inFolders(pathOf(options.legendFile), folders);
     Result<std::vector<LegendRow>> rows = legendOf(kindsOf(plan, options.metresPerUnit), own);
     if (!rows) return rows.problem();
     sheet.rows = std::move(rows.value());

@@ -13,6 +13,7 @@
 #include "Interruption.h"
 #include "Outputs.h"
 #include "PlanSession.h"
+#include "Platform/Files.h"
 #include "Platform/Streams.h"
 #include "Resume.h"
 #include "RunSum.h"
@@ -115,7 +116,7 @@ RunStatus runDrawing(const RunOptions& options, const fs::path& drawing, const P
 class Report {
  public:
   Result<> open(const fs::path& file) {
-    file_ = std::fopen(file.c_str(), "w");
+    file_ = host::platform::openShared(file, "w");
     if (file_ == nullptr)
       return host::problemOf(host::Code::OutputRefused, file.string(), "the report cannot be written");
     return {};
@@ -173,14 +174,15 @@ int runDrawings(const RunOptions& options) {
   }();
   if (!script) return complain(script.problem());
   Report report;
-  if (options.report) {
+  // A worker that came through here on its way to its task leaves both to the process that started it.
+  if (options.report && !isWorker()) {
     if (const Result<> opened = report.open(*options.report); !opened) return complain(opened.problem());
   }
   std::optional<ResumeLog> log;
   if (options.resume) log.emplace(options, script->text);
   RunOptions left = options;
   std::vector<PlanOutputs> wanted;
-  if (log) {
+  if (log && !isWorker()) {
     left.drawings.clear();
     for (std::size_t i = 0; i < outputs.size(); ++i) {
       if (log->isUpToDate(options.drawings[i], outputs[i].files())) {

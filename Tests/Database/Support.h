@@ -1,10 +1,6 @@
 // Drawings for tests.
 #pragma once
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>

@@ -11,6 +11,21 @@
 
 namespace host::platform {
 
+namespace {
+
+/// At the end of the process the system has ended all threads but this one, wherever they were.
+bool areThreadsGone() {
+  using Ask = BOOLEAN(WINAPI*)();
+  const HMODULE library = ::GetModuleHandleW(L"ntdll.dll");
+  const auto ask =
+      library != nullptr
+          ? reinterpret_cast<Ask>(reinterpret_cast<void*>(::GetProcAddress(library, "RtlDllShutdownInProgress")))
+          : nullptr;
+  return ask != nullptr && ask() != 0;
+}
+
+}  // namespace
+
 struct ChildProcess::Process {
   StartedProcess started;
   Handle input, output;  // our ends
@@ -83,6 +98,10 @@ bool ChildProcess::start(const std::filesystem::path& program, const std::vector
 void ChildProcess::stop() {
   if (process_ == nullptr) return;
   ::TerminateProcess(process_->started.process.get(), 1);
+  if (areThreadsGone()) {  // nobody to wait for
+    static_cast<void>(process_.release());
+    return;
+  }
   ::WaitForSingleObject(process_->started.process.get(), INFINITE);
   {
     const std::lock_guard lock(process_->mutex);

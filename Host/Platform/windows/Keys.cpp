@@ -10,11 +10,29 @@ namespace host::platform {
 namespace {
 
 std::atomic<void (*)(bool)> asked = nullptr;
+std::atomic<bool> isReading = false;
+
+/// Ends the reading of a line as Ctrl+C among its characters does.
+void cancelLine() {
+  INPUT_RECORD key{};
+  key.EventType = KEY_EVENT;
+  key.Event.KeyEvent.bKeyDown = TRUE;
+  key.Event.KeyEvent.wRepeatCount = 1;
+  key.Event.KeyEvent.wVirtualKeyCode = 'C';
+  key.Event.KeyEvent.uChar.UnicodeChar = L'\x03';
+  key.Event.KeyEvent.dwControlKeyState = LEFT_CTRL_PRESSED;
+  DWORD written = 0;
+  ::WriteConsoleInputW(::GetStdHandle(STD_INPUT_HANDLE), &key, 1, &written);
+}
 
 BOOL WINAPI handleKey(DWORD event) {
   const auto ask = asked.load();
   if (ask == nullptr) return FALSE;
   const bool waits = event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT;
+  if (!waits && isReading) {  // Ctrl+Break comes here, and Ctrl+C where the console does not hand it on
+    cancelLine();
+    return TRUE;
+  }
   ask(waits);
   if (waits) ::Sleep(INFINITE);  // the process is ended while this thread waits, or by itself before
   return TRUE;
@@ -44,7 +62,9 @@ LineEnd readConsoleLine(std::string& line, bool endsAtTab) {
   control.nInitialChars = static_cast<ULONG>(begun.size());
   control.dwCtrlWakeupMask = kCancelMask | kEndMask | (endsAtTab ? kTabMask : 0);
   DWORD count = 0;
+  isReading = true;
   const BOOL isRead = ::ReadConsoleW(in, buffer.data(), static_cast<DWORD>(buffer.size()), &count, &control);
+  isReading = false;
   ::SetConsoleMode(in, former);
   if (isRead == 0) return LineEnd::Gone;
   std::wstring text(buffer.data(), count);

@@ -1,6 +1,5 @@
 #include "Platform/windows/Worker.h"
 
-#include <charconv>
 #include <cstdlib>
 
 #include "Platform/Library.h"
@@ -34,7 +33,7 @@ struct Worker::Process {
   StartedProcess started;
 };
 
-Worker::Worker(std::size_t task) : process_(std::make_unique<Process>()) {
+Worker::Worker(const std::string& task) : process_(std::make_unique<Process>()) {
   Process& p = *process_;
   const std::string& read = inputSoFar();
   if (!p.in.isOpen() || !p.out.isOpen() || !p.err.isOpen() || !p.in.write(read)) return;
@@ -45,9 +44,9 @@ Worker::Worker(std::size_t task) : process_(std::make_unique<Process>()) {
   const Handle err = openInherited(p.err.path(), true);
   std::vector<std::string> arguments = programArguments(0, nullptr);
   if (!arguments.empty()) arguments.erase(arguments.begin());
-  ::SetEnvironmentVariableA(kTask, std::to_string(task).c_str());
+  ::SetEnvironmentVariableW(toWide(kTask).c_str(), toWide(task).c_str());
   p.started = startProcess(programFile(), arguments, in, out.get(), err.get(), 0);
-  ::SetEnvironmentVariableA(kTask, nullptr);
+  ::SetEnvironmentVariableW(toWide(kTask).c_str(), nullptr);
 }
 
 Worker::~Worker() {
@@ -75,13 +74,7 @@ void Worker::end() const { ::TerminateProcess(process_->started.process.get(), k
 std::string Worker::out() const { return contentOf(process_->out.path()); }
 std::string Worker::err() const { return contentOf(process_->err.path()); }
 
-std::optional<std::size_t> Worker::ownTask() {
-  const auto value = environment(kTask);
-  std::size_t task = 0;
-  if (!value || std::from_chars(value->data(), value->data() + value->size(), task).ec != std::errc())
-    return std::nullopt;
-  return task;
-}
+std::optional<std::string> Worker::ownTask() { return environment(kTask); }
 
 void Worker::leave(int status) {
   std::fflush(stdout);

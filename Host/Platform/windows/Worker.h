@@ -14,7 +14,7 @@ class Worker {
  public:
   /// Starts this program with its own command line, and with what it has read of its standard input so far, or with
   /// that itself.
-  explicit Worker(std::size_t task);
+  explicit Worker(const std::string& task);
   ~Worker();
   Worker(const Worker&) = delete;
   Worker& operator=(const Worker&) = delete;
@@ -28,7 +28,7 @@ class Worker {
   std::string err() const;
 
   /// The task of this process; nothing in the first one.
-  static std::optional<std::size_t> ownTask();
+  static std::optional<std::string> ownTask();
   /// In a worker: ends the process with nothing left behind.
   [[noreturn]] static void leave(int status);
 

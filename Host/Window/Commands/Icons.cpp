@@ -6,9 +6,9 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QRegularExpression>
-#include <QSvgRenderer>
 
 #include "Platform/Library.h"
+#include "Window/Commands/SvgDrawing.h"
 
 namespace host::window {
 namespace {
@@ -24,12 +24,12 @@ QByteArray coloured(const QString& file, const QColor& text, const QColor& live)
   return svg.replace("currentColor", text.name()).toUtf8();
 }
 
-QPixmap drawn(QSvgRenderer& renderer, int size, qreal scale, qreal opacity) {
+QPixmap drawn(const SvgDrawing& drawing, int size, qreal scale, qreal opacity) {
   QPixmap pixmap(static_cast<int>(size * scale), static_cast<int>(size * scale));
   pixmap.fill(Qt::transparent);
   QPainter painter(&pixmap);
   painter.setOpacity(opacity);
-  renderer.render(&painter);
+  drawing.paint(painter, pixmap.rect());
   painter.end();
   pixmap.setDevicePixelRatio(scale);
   return pixmap;
@@ -43,13 +43,12 @@ QIcon iconOf(const QString& file, const QColor& text, const QColor& live) {
   const QString key = file + '|' + text.name() + '|' + (live.isValid() ? live.name() : QString());
   if (const auto found = kept.constFind(key); found != kept.constEnd()) return *found;
   QIcon icon;
-  QSvgRenderer renderer(coloured(file, text, live));
-  if (renderer.isValid()) {
+  if (const SvgDrawing drawing(coloured(file, text, live)); !drawing.isEmpty()) {
     constexpr qreal kPale = 0.38;
     for (const int size : {16, 24, 48}) {
       for (const qreal scale : {1.0, 2.0}) {
-        icon.addPixmap(drawn(renderer, size, scale, 1));
-        icon.addPixmap(drawn(renderer, size, scale, kPale), QIcon::Disabled);
+        icon.addPixmap(drawn(drawing, size, scale, 1));
+        icon.addPixmap(drawn(drawing, size, scale, kPale), QIcon::Disabled);
       }
     }
   }

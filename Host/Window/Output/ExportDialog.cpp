@@ -22,13 +22,14 @@
 #include <QScrollArea>
 #include <QSettings>
 #include <QSpinBox>
-#include <QSvgRenderer>
 #include <QThreadPool>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <cmath>
 
+#include "Picture/Composition.h"
 #include "Picture/PaperSizes.h"
+#include "Picture/QtPainting.h"
 #include "Window/Commands/Language.h"
 #include "Window/Files/Questions.h"
 #include "Window/Frame/Theme.h"
@@ -302,16 +303,14 @@ void ExportDialog::showPicture(const QImage& image, const QString& problem) {
 }
 
 void print(QWidget& window, const Engine& engine, const ExportChoice& choice) {
-  const auto made = picture::drawPicture(*engine.drawing(), choice.picture, PictureFormat::Svg);
+  const auto made = picture::composePicture(*engine.drawing(), choice.picture, PictureFormat::Pdf);
   if (!made) {
     showSentence(&window, toQt(made.message()));
     return;
   }
-  QSvgRenderer renderer(QByteArray(made->bytes.data(), static_cast<int>(made->bytes.size())));
   QPrinter printer(QPrinter::HighResolution);
-  // Drawn at 96 to the inch.
-  constexpr double kMmPerPixel = 25.4 / 96;
-  const QSizeF size = QSizeF(renderer.defaultSize()) * kMmPerPixel;
+  const picture::Page& page = made->page;
+  const QSizeF size(page.widthMm, page.heightMm);
   const auto chooseOurPaper = [&printer, &size] {
     const bool isWide = size.width() > size.height();
     printer.setPageSize(QPageSize(isWide ? size.transposed() : size, QPageSize::Millimeter, {}, QPageSize::FuzzyMatch));
@@ -332,8 +331,11 @@ void print(QWidget& window, const Engine& engine, const ExportChoice& choice) {
     return;
   }
   QPainter painter(&printer);
-  const double dots = printer.resolution() / 25.4;
-  renderer.render(&painter, QRectF(0, 0, size.width() * dots, size.height() * dots));
+  const double scale = printer.resolution() / picture::kMmPerInch * page.widthMm / page.widthPx;
+  painter.scale(scale, scale);
+  if (choice.picture.background)
+    painter.fillRect(QRectF(0, 0, page.widthPx, page.heightPx), QColor::fromRgb(*choice.picture.background));
+  picture::paintList(painter, made->list, false);
 }
 
 }  // namespace

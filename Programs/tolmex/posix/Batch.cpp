@@ -239,6 +239,8 @@ class Batch {
 
 }  // namespace
 
+bool isWorker() { return false; }  // it is forked in the middle of the work
+
 int workThrough(const std::vector<BatchTask>& tasks, const BatchOptions& options,
                 const std::function<void(const BatchTask&, const BatchResult&)>& take) {
   return Batch(tasks, options).run(take);

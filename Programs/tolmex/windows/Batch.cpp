@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 #include <sstream>
+#include <string>
 
 #include "Console.h"
 #include "Interruption.h"
@@ -87,7 +88,7 @@ class Batch {
     for (std::size_t i = taken; i < begun_; ++i) running += isRunning(i) ? 1 : 0;
     for (; !Interruption::isAsked() && begun_ < tasks_.size() && running < options_.jobs && begun_ < taken + kMostAhead;
          ++begun_) {
-      workers_[begun_] = std::make_unique<Worker>(begun_);
+      workers_[begun_] = std::make_unique<Worker>(tasks_[begun_].drawing);
       begunAt_[begun_] = std::chrono::steady_clock::now();
       running += workers_[begun_]->isStarted() ? 1 : 0;
     }
@@ -146,10 +147,15 @@ class Batch {
 
 }  // namespace
 
+bool isWorker() { return Worker::ownTask().has_value(); }
+
 int workThrough(const std::vector<BatchTask>& tasks, const BatchOptions& options,
                 const std::function<void(const BatchTask&, const BatchResult&)>& take) {
-  if (const auto own = Worker::ownTask(); own && *own < tasks.size())
-    Worker::leave(workAlone(tasks[*own], options.crashStatus));
+  if (const auto own = Worker::ownTask()) {
+    const auto found =
+        std::find_if(tasks.begin(), tasks.end(), [&](const BatchTask& task) { return task.drawing == *own; });
+    if (found != tasks.end()) Worker::leave(workAlone(*found, options.crashStatus));
+  }
   return Batch(tasks, options).run(take);
 }
 
