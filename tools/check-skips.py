@@ -10,6 +10,7 @@ from __future__ import annotations
 
 import os
 import pathlib
+import shutil
 import sys
 import xml.etree.ElementTree
 
@@ -22,6 +23,8 @@ def is_there(thing: str) -> bool:
         return (pathlib.Path(given) if given else ROOT.parent / "shared" / "drawings").is_dir()
     if thing == "dwg-reader":
         return (ROOT / "Host/Dwg/reader/node_modules/@mlightcad").is_dir()
+    if thing == "chromium":
+        return shutil.which("chromium") is not None
     raise SystemExit(f"check-skips: Tests/skips.txt: {thing} is no known thing")
 
 

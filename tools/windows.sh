@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the program for 64-bit Windows on a Debian machine: build/tolmex-windows.zip and an installer.
 # Usage: tools/windows.sh [--no-window] [--no-package] [--jobs N] [TARGET...]
-# --no-window    without the window, dialogs to be seen, and pictures in PNG and PDF: Qt is not built then
+# --no-window    without the window, dialogs to be seen, and pictures in PNG: Qt is not built then
 # --no-package   the program only, in build/windows*/bin
 # Libraries that Debian has not built for Windows come from its source packages and are kept under build/: FreeType takes
 # half a minute, Qt the better part of an hour, once. docs/windows.md tells more.

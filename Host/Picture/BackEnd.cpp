@@ -6,13 +6,13 @@
 #include <QImageWriter>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPdfWriter>
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 
-#include "Picture/PaperSizes.h"
+#include "Picture/HtmlWriter.h"
+#include "Picture/PdfWriter.h"
+#include "Picture/PixelRows.h"
 #include "Picture/QtPainting.h"
 #include "Picture/RasterImage.h"
 #include "Picture/SvgWriter.h"
@@ -97,73 +97,52 @@ std::string renderPng(const DisplayList& list, const Page& page, std::optional<s
   return toString(bytes);
 }
 
-/// Puts other bytes in the place of `count` bytes of a PDF, and moves the offsets of its table of objects with them.
-std::string withChange(std::string pdf, std::size_t begin, std::size_t count, const std::string& replacement) {
-  const std::size_t table = pdf.rfind("\nxref\n");
-  const std::size_t pointer = pdf.rfind("startxref\n");
-  if (table == std::string::npos || pointer == std::string::npos) return pdf;
-  const auto moved = [&](std::size_t offset) { return offset > begin ? offset - count + replacement.size() : offset; };
-  const std::size_t trailer = pdf.find("trailer", table);
-  std::size_t at = pdf.find('\n', table + 6) + 1;  // after "xref" and "0 count"
-  constexpr std::size_t kEntryBytes = 20, kDigits = 10;
-  for (; at + kEntryBytes <= trailer; at += kEntryBytes) {
-    const std::size_t offset = std::strtoull(pdf.substr(at, kDigits).c_str(), nullptr, 10);
-    char text[kDigits + 1];
-    std::snprintf(text, sizeof text, "%010llu", static_cast<unsigned long long>(moved(offset)));
-    pdf.replace(at, kDigits, text);
+/// Colours that each pixel of a JPEG has (its frame header, ITU T.81 B.2.2); 0 for what is none.
+int jpegComponents(std::string_view file) {
+  const auto byte = [&file](std::size_t at) { return static_cast<unsigned char>(file[at]); };
+  constexpr std::size_t kFrameHeader = 10;
+  for (std::size_t at = 2; at + kFrameHeader <= file.size() && byte(at) == 0xFF;) {
+    const int marker = byte(at + 1);
+    if (marker == 0xFF) {
+      ++at;
+      continue;
+    }
+    const bool isFrame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+    if (isFrame) return byte(at + 9);
+    at += 2 + (byte(at + 2) << 8 | byte(at + 3));
   }
-  const std::size_t digits = pointer + 10;
-  const std::size_t last = pdf.find('\n', digits);
-  pdf.replace(digits, last - digits, std::to_string(moved(std::strtoull(pdf.c_str() + digits, nullptr, 10))));
-  pdf.replace(begin, count, replacement);
-  return pdf;
-}
-
-/// Without the date of making, which would differ from one time to the next.
-std::string withoutDate(std::string pdf) {
-  const std::size_t begin = pdf.find("/CreationDate");
-  const std::size_t end = begin == std::string::npos ? begin : pdf.find('\n', begin);
-  if (end == std::string::npos) return pdf;
-  return withChange(std::move(pdf), begin, end + 1 - begin, {});
-}
-
-/// The writer rounds pages to whole points and draws from their upper edge down; the page gets its true size there.
-std::string withTruePage(std::string pdf, const Page& page) {
-  constexpr double kPointsPerMm = 72 / kMmPerInch;
-  const std::size_t begin = pdf.find("/MediaBox [");
-  const std::size_t end = begin == std::string::npos ? begin : pdf.find(']', begin);
-  if (end == std::string::npos) return pdf;
-  double left = 0, bottom = 0, right = 0, top = 0;
-  if (std::sscanf(pdf.c_str() + begin, "/MediaBox [%lf %lf %lf %lf", &left, &bottom, &right, &top) != 4) return pdf;
-  char box[128];
-  std::snprintf(box, sizeof box, "/MediaBox [0 %.4f %.4f %.4f", top - page.heightMm * kPointsPerMm,
-                page.widthMm * kPointsPerMm, top);
-  return withChange(std::move(pdf), begin, end - begin, box);
-}
-
-std::string renderPdf(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
-  constexpr int kDotsPerInch = 2400;  // of the writer's whole-number coordinates
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  {
-    QPdfWriter writer(&buffer);
-    writer.setTitle(QStringLiteral("Drawing"));
-    writer.setPageSize(
-        QPageSize(QSizeF(page.widthMm, page.heightMm), QPageSize::Millimeter, QString(), QPageSize::ExactMatch));
-    writer.setPageMargins(QMarginsF(0, 0, 0, 0));
-    writer.setResolution(kDotsPerInch);
-    QPainter painter;
-    if (!painter.begin(&writer)) return {};
-    const double scale = kDotsPerInch / kMmPerInch * page.widthMm / page.widthPx;
-    painter.scale(scale, scale);
-    if (background) painter.fillRect(QRectF(0, 0, page.widthPx, page.heightPx), qColor(*background));
-    paintList(painter, list, false);
-  }
-  return withTruePage(withoutDate(toString(bytes)), page);
+  return 0;
 }
 
 }  // namespace
+
+PixelRows pixelRows(const RasterImage& image) {
+  PixelRows rows;
+  rows.width = image.width;
+  rows.height = image.height;
+  const int components = image.isJpeg ? jpegComponents(image.file) : 0;
+  if (components == 1 || components == 3) {
+    rows.jpeg = image.file;
+    rows.isJpegGrey = components == 1;
+    return rows;
+  }
+  const QImage pixels = image.pixels->convertToFormat(QImage::Format_ARGB32);
+  const bool hasAlpha = image.pixels->hasAlphaChannel();
+  for (int y = 0; y < pixels.height(); ++y) {
+    const auto* const line = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
+    for (int x = 0; x < pixels.width(); ++x) {
+      for (const int channel : {qRed(line[x]), qGreen(line[x]), qBlue(line[x])}) rows.rgb += static_cast<char>(channel);
+      if (hasAlpha) rows.alpha += static_cast<char>(qAlpha(line[x]));
+    }
+  }
+  return rows;
+}
+
+std::string compressed(const std::string& bytes) {
+  constexpr qsizetype kLengthBytes = 4;  // before the stream itself
+  const QByteArray made = qCompress(reinterpret_cast<const uchar*>(bytes.data()), static_cast<qsizetype>(bytes.size()));
+  return toString(made.mid(kLengthBytes));
+}
 
 void paintList(QPainter& painter, const DisplayList& list, bool isRaster) {
   painter.setRenderHint(QPainter::Antialiasing);
@@ -234,7 +213,9 @@ std::string renderPicture(const DisplayList& list, const Page& page, std::option
     case PictureFormat::Svg:
       return writeSvg(list, page, background);
     case PictureFormat::Pdf:
-      return renderPdf(list, page, background);
+      return writePdf(std::array{PdfPage{&list, page, list.notes.page}}, background);
+    case PictureFormat::Html:
+      return writeHtml(list, page, background);
   }
   return {};
 }

@@ -20,6 +20,12 @@ void BoundsCanvas::fill(const std::vector<std::vector<Point>>& rings, FillRule, 
 }
 void BoundsCanvas::setClip(const Box& clip) { clip_ = clip; }
 
+void DisplayListCanvas::addItem(const DisplayItem& item) {
+  if (origin_ != lastOrigin_) list_.notes.runs.push_back({list_.items.size(), origin_});
+  lastOrigin_ = origin_;
+  list_.items.push_back(item);
+}
+
 void DisplayListCanvas::addRing(const std::vector<Point>& points, bool closed) {
   list_.rings.push_back(
       {static_cast<std::uint32_t>(list_.points.size()), static_cast<std::uint32_t>(points.size()), closed});
@@ -30,11 +36,11 @@ void DisplayListCanvas::addRing(const std::vector<Point>& points, bool closed) {
 void DisplayListCanvas::beginStroke(const Pen& pen) {
   const ItemKind kind = pen.flatEnds ? ItemKind::FlatStroke : ItemKind::Stroke;
   // Lines of one pen in a row become one item; not when overlaps of a transparent pen would show.
-  if (!list_.items.empty()) {
+  if (!list_.items.empty() && origin_ == lastOrigin_) {
     const DisplayItem& last = list_.items.back();
     if (last.kind == kind && last.color == pen.color && last.width == pen.width && pen.color.alpha == 255) return;
   }
-  list_.items.push_back({kind, pen.color, pen.width, static_cast<std::uint32_t>(list_.rings.size()), 0});
+  addItem({kind, pen.color, pen.width, static_cast<std::uint32_t>(list_.rings.size()), 0});
 }
 
 void DisplayListCanvas::stroke(const std::vector<Point>& line, bool closed, const Pen& pen) {
@@ -94,7 +100,7 @@ void DisplayListCanvas::fill(const std::vector<std::vector<Point>>& rings, FillR
     }
     if (!isBegun) {
       const ItemKind kind = rule == FillRule::EvenOdd ? ItemKind::FillEvenOdd : ItemKind::FillNonzero;
-      list_.items.push_back({kind, color, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
+      addItem({kind, color, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
       isBegun = true;
     }
     addRing(*points, true);
@@ -102,7 +108,7 @@ void DisplayListCanvas::fill(const std::vector<std::vector<Point>>& rings, FillR
 }
 
 void DisplayListCanvas::beginClip(const std::vector<Point>& ring) {
-  list_.items.push_back({ItemKind::BeginClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
+  addItem({ItemKind::BeginClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
   addRing(ring, true);
 }
 
@@ -111,7 +117,7 @@ void DisplayListCanvas::endClip() {
     list_.items.pop_back();  // nothing shows inside
     return;
   }
-  list_.items.push_back({ItemKind::EndClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
+  addItem({ItemKind::EndClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
 }
 
 void DisplayListCanvas::fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule,

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "Geometry/EntityPaths.h"
@@ -66,12 +68,51 @@ struct DisplayItem {
   std::uint32_t texture = kPlain;   // of a fill: into its textures; the colour's alpha is the image's
 };
 
+/// What items belong to; zeros: to nothing.
+struct Origin {
+  std::uint32_t layer = 0;
+  std::uint64_t handle = 0;  // of an entity that is told of
+  bool operator==(const Origin&) const = default;
+};
+
+/// What is told of an entity, UTF-8.
+struct EntityNote {
+  std::string title;    // what the cursor's tooltip says
+  std::string detail;   // more of it; may be empty
+  bool isLine = false;  // a thing along its line, which fills no area
+};
+
+struct DisplayList;
+
+/// What a picture's readers may want to know beside what they see, for formats that can tell it. UTF-8.
+struct DisplayNotes {
+  /// A row of the legend.
+  struct Swatch {
+    std::string name, amount;
+    std::shared_ptr<const DisplayList> list;  // kSwatchWidthPx by kSwatchHeightPx
+  };
+  /// From the item of that number on.
+  struct Run {
+    std::size_t firstItem = 0;
+    Origin origin;
+  };
+  std::vector<Run> runs;
+  std::map<std::uint32_t, std::string> layers;   // names of those in the runs
+  std::map<std::uint64_t, EntityNote> entities;  // by their handles
+  std::vector<Swatch> swatches;
+  std::string title;          // of the drawing
+  std::string page;           // name of the page, for its bookmark
+  double metresPerPixel = 0;  // on the ground; 0: not known
+};
+constexpr double kSwatchWidthPx = 40, kSwatchHeightPx = 16;
+
 struct DisplayList {
   std::vector<Point> points;
   std::vector<DisplayRing> rings;
   std::vector<DisplayItem> items;
   std::vector<Gradient> gradients;
   std::vector<Texture> textures;
+  DisplayNotes notes;
 };
 
 struct Pen {
@@ -131,14 +172,18 @@ class DisplayListCanvas final : public Canvas {
   void beginClip(const std::vector<Point>& ring) override;
   void endClip() override;
   void setClip(const Box& clip) override { clip_ = clip; }
+  /// What the items that follow belong to. Those of different origins are never joined.
+  void setOrigin(const Origin& origin) { origin_ = origin; }
   const DisplayList& list() const { return list_; }
   DisplayList take() { return std::move(list_); }
 
  private:
+  void addItem(const DisplayItem& item);
   void addRing(const std::vector<Point>& points, bool closed);
   void beginStroke(const Pen& pen);
 
   DisplayList list_;
+  Origin origin_, lastOrigin_;  // the latter: of the last item
   Box clip_;
   std::vector<Point> scratch_, scratch2_;
 };

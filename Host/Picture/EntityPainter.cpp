@@ -74,7 +74,8 @@ ViewportTags readViewport(const Slot& viewport) {
     }
   }
   if ((flags & geometry::kClippedViewport) == 0) view.boundary = 0;
-  view.isOn = status != 0;
+  constexpr std::int64_t kSwitchedOff = 0x20000;
+  view.isOn = status != 0 && (flags & kSwitchedOff) == 0;
   if (!(width > 0) || !(height > 0) || !(viewHeight > 0) || !isUsable(center) || !isUsable(viewCenter) ||
       !isUsable(direction) || !isUsable(target)) {
     view.isOn = false;
@@ -187,6 +188,7 @@ EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const 
 
 void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   if (isRepeating() && !spendRepeats(1)) return;
+  if (chain_.depth() <= (isInViewport_ ? 2U : 1U)) outermost_ = entity.handle;
   const std::uint32_t layer = appearances_.effectiveLayer(entity, place.surroundings);
   if (!appearances_.isShown(entity, layer)) {
     if (!isRepeating() && appearances_.isUnplotted(layer)) ++unplotted_[layer];
@@ -203,8 +205,9 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   const bool isArea = entity.type == DxfType::Hatch || entity.type == DxfType::Solid || entity.type == DxfType::Trace;
   // Arrowheads go with their lines.
   if (isArea && !isInDimension_) style.fill = appearances_.fillColor(appearance);
-  if (entity.type == DxfType::Hatch) return paintHatch(entity, place, style);
   if (entity.type == DxfType::Viewport) paintViewport(entity);
+  if (enter_) enter_(layer, outermost_);
+  if (entity.type == DxfType::Hatch) return paintHatch(entity, place, style);
 
   const double scale = place.toPicture.planScale();
   const double deviation = view_.deviation > 0 && scale > 0 ? view_.deviation / scale : 0;

@@ -62,10 +62,17 @@ class EntityPainter {
   using AttributeText = std::function<const std::wstring*(const database::Slot& attribute)>;
   void setAttributeText(AttributeText text) { attributeText_ = std::move(text); }
 
+  /// Called before what an entity consists of is drawn: with the layer that shows or hides it, and the handle of the
+  /// entity of the drawn space (in a viewport: of the model) to which it belongs.
+  using Enter = std::function<void(std::uint32_t layer, std::uint64_t handle)>;
+  void setEnter(Enter enter) { enter_ = std::move(enter); }
+
   // What no entity tells, in the coordinates of the painted space, in the colour of ink.
   void paintLabel(const geometry::LineParts& label);
   void paintLine(const geometry::Chain& line, double lineweightMm);
   void paintArea(const geometry::Chain& ring);
+  /// The same in the colour of the background.
+  void paintGround(const geometry::Chain& ring);
   /// Of a label along its line.
   double labelWidth(const std::wstring& text, double height);
 
@@ -166,7 +173,9 @@ class EntityPainter {
   std::set<const database::Slot*> damagedClips_;
   std::optional<bool> hasWipeoutFrames_;
   AttributeText attributeText_;
-  PointMark pointMark_;  // its size in units of the drawing
+  Enter enter_;
+  std::uint64_t outermost_ = 0;  // handle of the entity that references lead from
+  PointMark pointMark_;          // its size in units of the drawing
   DetailWire wire_;
 };
 

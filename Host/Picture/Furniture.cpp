@@ -32,6 +32,10 @@ void EntityPainter::paintArea(const geometry::Chain& ring) {
   fillChains({ring}, view_.toPicture, FillRule::EvenOdd, appearances_.color(Appearance{}));
 }
 
+void EntityPainter::paintGround(const geometry::Chain& ring) {
+  fillChains({ring}, view_.toPicture, FillRule::EvenOdd, appearances_.background());
+}
+
 double EntityPainter::labelWidth(const std::wstring& text, double height) { return glyphs_.width(text, {}) * height; }
 
 void EntityPainter::paintSwatch(const Slot& entity, const Box& box) {

@@ -1,33 +1,19 @@
 #include "Picture/Images.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
+#include "Picture/ImagePlaces.h"
 #include "Picture/RasterImage.h"
-#include "Platform/Paths.h"
 #include "Text/Text.h"
 
 namespace host::picture {
-namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<fs::path> placesOf(std::string name, const std::string& folder) {
-  std::ranges::replace(name, '\\', '/');
-  const bool hasDrive = name.size() > 2 && name[1] == ':';
-  std::vector<fs::path> places;
-  const fs::path root = platform::pathOf(folder), file = platform::pathOf(name);
-  if (!hasDrive || file.is_absolute()) places.push_back(root / file);
-  places.push_back(root / file.filename());
-  return places;
-}
-
-}  // namespace
-
 std::shared_ptr<const RasterImage> ImageFiles::read(const std::string& name) const {
   std::error_code error;
-  for (const fs::path& place : placesOf(name, options_.drawingFolder)) {
+  for (const fs::path& place : imagePlaces(name, options_.drawingFolder)) {
     if (!fs::is_regular_file(place, error)) continue;
     std::string bytes(fs::file_size(place, error), '\0');
     if (!std::ifstream(place, std::ios::binary).read(bytes.data(), static_cast<std::streamsize>(bytes.size())))

@@ -17,6 +17,7 @@ constexpr double kMarginShare = 0.03;             // of the larger side, around 
 constexpr double kPaperMarginMm = 10;             // when the area is fitted to a paper
 constexpr double kFlattest = 0.1, kSteepest = 4;  // height to width of pictures that follow the extents
 constexpr double kFitSlackMm = 0.05;
+constexpr double kLeastPageMm = 0.1;
 
 double width(const Box& b) { return b.maxX - b.minX; }
 double height(const Box& b) { return b.maxY - b.minY; }
@@ -57,6 +58,22 @@ std::string misfitNote(double needWidth, double needHeight, const PaperSize& pap
   const double across = std::min(largest.heightMm / needWidth, largest.widthMm / needHeight);
   const double best = std::max(upright, across) * scale;
   return note + "; no paper up to A0 would do at this scale, A0 would at 1:" + figure(std::ceil(1 / best), 0) + ".";
+}
+
+/// Why a page cannot be so large.
+std::optional<Problem> sizeProblem(const Page& page, PictureFormat format) {
+  if (isRaster(format)) {
+    if (page.widthPx <= kLargestSidePx && page.heightPx <= kLargestSidePx &&
+        page.widthPx * page.heightPx <= kMostPixels)
+      return std::nullopt;
+    return problemOf(Code::OutputFailed, "A picture of " + figure(page.widthPx, 0) + " x " + figure(page.heightPx, 0) +
+                                             " pixels is too large; use a smaller width or --dpi.");
+  }
+  constexpr double kLargestPageMm = 5000;
+  if (page.widthMm <= kLargestPageMm && page.heightMm <= kLargestPageMm) return std::nullopt;
+  return problemOf(Code::OutputFailed, "A page of " + figure(page.widthMm, 1) + " x " + figure(page.heightMm, 1) +
+                                           " mm is too large; pages may be up to " + figure(kLargestPageMm, 0) +
+                                           " mm, so use a smaller scale.");
 }
 
 }  // namespace
@@ -145,17 +162,10 @@ Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options,
   if (isRaster) {
     page.widthPx = widthPx;
     page.heightPx = std::max(1.0, std::round(page.heightPx));
-    if (page.widthPx > kLargestSidePx || page.heightPx > kLargestSidePx || page.widthPx * page.heightPx > kMostPixels) {
-      return problemOf(Code::OutputFailed, "A picture of " + figure(page.widthPx, 0) + " x " +
-                                               figure(page.heightPx, 0) +
-                                               " pixels is too large; use a smaller width or --dpi.");
-    }
-  } else if (constexpr double kLargestPageMm = 5000; page.widthMm > kLargestPageMm || page.heightMm > kLargestPageMm) {
-    return problemOf(Code::OutputFailed, "A page of " + figure(page.widthMm, 1) + " x " + figure(page.heightMm, 1) +
-                                             " mm is too large; pages may be up to " + figure(kLargestPageMm, 0) +
-                                             " mm, so use a smaller scale.");
   }
-  if (!std::isfinite(pixelsPerUnit) || !(pixelsPerUnit > 0) || page.widthMm < 0.1 || page.heightMm < 0.1) {
+  if (std::optional<Problem> problem = sizeProblem(page, format)) return *std::move(problem);
+  if (!std::isfinite(pixelsPerUnit) || !(pixelsPerUnit > 0) || page.widthMm < kLeastPageMm ||
+      page.heightMm < kLeastPageMm) {
     return problemOf(Code::OutputFailed, "The area " + boxText(area) + " cannot be laid out on a page.");
   }
   const double s = pixelsPerUnit;
@@ -163,6 +173,37 @@ Result<PageLayout> layOutPage(const Box& extents, const PictureOptions& options,
   layout.toPicture.y = {0, -s, 0};
   layout.toPicture.z = {0, 0, s};
   layout.toPicture.origin = {-layout.area.minX * s, layout.area.maxY * s, 0};
+  return layout;
+}
+
+Result<PageLayout> layOutPaper(const PaperPlace& place, const PictureOptions& options, PictureFormat format) {
+  PageLayout layout;
+  layout.area = place.paper;
+  Page& page = layout.page;
+  page.widthMm = width(place.paper) * place.mmPerUnit;
+  page.heightMm = height(place.paper) * place.mmPerUnit;
+  layout.pixelsPerMm = kPixelsPerInch / kMmPerInch;
+  if (isRaster(format)) layout.pixelsPerMm = options.dpi ? *options.dpi / kMmPerInch : options.widthPx / page.widthMm;
+  page.widthPx = page.widthMm * layout.pixelsPerMm;
+  page.heightPx = page.heightMm * layout.pixelsPerMm;
+  if (isRaster(format)) {
+    page.widthPx = std::max(1.0, std::round(page.widthPx));
+    page.heightPx = std::max(1.0, std::round(page.heightPx));
+  }
+  if (std::optional<Problem> problem = sizeProblem(page, format)) return *std::move(problem);
+  const double s = place.mmPerUnit * layout.pixelsPerMm;
+  if (!std::isfinite(s) || !(s > 0) || page.widthMm < kLeastPageMm || page.heightMm < kLeastPageMm)
+    return problemOf(Code::OutputFailed,
+                     "The layout's paper " + boxText(place.paper) + " cannot be laid out on a page.");
+  layout.toPicture.x = {s, 0, 0};
+  layout.toPicture.y = {0, -s, 0};
+  layout.toPicture.z = {0, 0, s};
+  layout.toPicture.origin = {-place.paper.minX * s, place.paper.maxY * s, 0};
+  if (place.window) {
+    layout.frame.emplace();
+    layout.frame->add(layout.toPicture.plan({place.window->minX, place.window->minY, 0}));
+    layout.frame->add(layout.toPicture.plan({place.window->maxX, place.window->maxY, 0}));
+  }
   return layout;
 }
 

@@ -7,6 +7,7 @@
 #include "Geometry/Transform.h"
 #include "Picture/BackEnd.h"
 #include "Picture/Picture.h"
+#include "Picture/PlotSettings.h"
 
 namespace host::picture {
 
@@ -29,6 +30,9 @@ std::string figure(double value, int decimals);
 /// `extents`: box of what is visible, not empty. Without paper and scale the page follows the area's form; with paper
 /// the area is centred on it.
 Result<PageLayout> layOutPage(const geometry::Box& extents, const PictureOptions& options, PictureFormat format);
+
+/// A layout on its own paper, at the scale of its plot settings.
+Result<PageLayout> layOutPaper(const PaperPlace& place, const PictureOptions& options, PictureFormat format);
 
 /// "(0, 0) - (10, 20.5)".
 std::string boxText(const geometry::Box& box);

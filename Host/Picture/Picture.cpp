@@ -5,7 +5,9 @@
 #include "Picture/BackEnd.h"
 #include "Picture/Composition.h"
 #include "Picture/EntityPainter.h"
+#include "Picture/HandleLabels.h"
 #include "Picture/PageLayout.h"
+#include "Picture/PdfWriter.h"
 #include "Picture/PlotStyles.h"
 #include "Picture/Sheet.h"
 #include "Picture/Strays.h"
@@ -23,9 +25,10 @@ const database::BlockContents* findLayout(const database::DrawingDatabase& db, c
                                           std::string& known) {
   const std::wstring wanted = text::fromUtf8(name);
   if (text::equalFolded(wanted, L"Model")) return &db.modelSpace();
+  known = "Model";
   for (const auto& [layoutName, block] : db.layouts()) {
     if (text::equalFolded(layoutName, wanted)) return block;
-    known += (known.empty() ? "" : ", ") + text::toUtf8(layoutName);
+    if (block != &db.modelSpace()) known += ", " + text::toUtf8(layoutName);
   }
   return nullptr;
 }
@@ -71,6 +74,31 @@ std::string unplottedNote(const database::DrawingDatabase& db, const std::map<st
          (count == 1 ? " entity." : " entities.");
 }
 
+/// Names of layers, and what is known of the plan.
+void addNotes(Composition& made, const database::DrawingDatabase& db, const PictureOptions& options,
+              const PageLayout& layout, View view, GlyphSource& glyphs) {
+  DisplayNotes& notes = made.list.notes;
+  for (const DisplayNotes::Run& run : notes.runs)
+    if (run.origin.layer != 0) notes.layers.try_emplace(run.origin.layer, text::toUtf8(db.layerName(run.origin.layer)));
+  notes.title = text::toUtf8(db.headerText("$TITLE", 1).value_or(L""));
+  if (notes.title.empty()) notes.title = options.title.empty() ? "Drawing" : options.title;
+  notes.page = options.layout == "Model" ? notes.title : options.layout;
+  if (options.facts == nullptr) return;
+  if (options.layout == "Model") notes.metresPerPixel = options.metresPerUnit / layout.toPicture.x.x;
+  notes.entities = options.facts->entities;
+  view.area = {0, 0, kSwatchWidthPx, kSwatchHeightPx};
+  for (const LegendRow& row : options.facts->legend) {
+    const database::Slot* const sample = db.findHandle(row.sample);
+    DisplayListCanvas canvas;
+    EntityPainter painter(db, options, glyphs, view, canvas);
+    if (sample == nullptr || !painter.isShown(*sample)) continue;
+    painter.begin(db.modelSpace(), db.modelSpace().entities.size());
+    painter.paintSwatch(*sample, {1, 1, kSwatchWidthPx - 1, kSwatchHeightPx - 1});
+    notes.swatches.push_back(
+        {text::toUtf8(row.name), text::toUtf8(row.amount), std::make_shared<const DisplayList>(canvas.take())});
+  }
+}
+
 }  // namespace
 
 Result<Composition> composePicture(const database::DrawingDatabase& db, const PictureOptions& given,
@@ -79,29 +107,31 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   std::string known;
   const database::BlockContents* block = findLayout(db, options.layout, known);
   if (block == nullptr)
-    return problemOf(Code::OutputFailed,
-                     "There is no layout \"" + options.layout + "\"; the drawing has " + known + ".");
+    return problemOf(Code::WrongUsage, "There is no layout \"" + options.layout + "\"; the drawing has " + known + ".");
 
+  const bool isModel = block == &db.modelSpace();
+  options.layout = isModel ? PictureOptions().layout : options.layout;
+  const std::optional<PlotSettings> plot = plotSettings(db, text::fromUtf8(options.layout));
   // Paper spaces measure the paper itself.
-  constexpr double kInch = 0.0254, kMillimetre = 0.001;
-  const PlotSettings plotting = plotSettings(db, options.layout);
-  if (block != &db.modelSpace()) options.metresPerUnit = plotting.isInches ? kInch : kMillimetre;
+  if (!isModel) options.metresPerUnit = (plot ? plot->millimetres : 1) / 1000;
+  const bool wantsOwnPaper =
+      !isModel && plot && !options.paper && !options.scale && !options.window && options.sheet == nullptr;
   std::string styleNote;
-  const std::optional<PlotStyles> styles = findPlotStyles(plotting, options, styleNote);
+  const std::optional<PlotStyles> styles =
+      plot ? findPlotStyles(plot->styleSheet, options, styleNote) : std::optional<PlotStyles>();
   options.plotStyles = styles ? &*styles : nullptr;
 
   GlyphSource glyphs;
   const std::string chosen = options.layers == "*" ? "" : " on layers \"" + options.layers + "\"";
   Box extents;  // of everything visible
   Strays shown;
-  std::size_t visible = 0;
+  std::vector<Box> boxes;
   const auto findExtents = [&]() -> std::optional<Problem> {
-    const std::vector<Box> boxes = visibleBoxes(db, *block, options, glyphs);
+    boxes = visibleBoxes(db, *block, options, glyphs);
     extents = {};
     for (const Box& box : boxes) extents.add(box);
-    visible = boxes.size();
     // A sheet is as large as its maker drew it.
-    shown = options.showsAll || block != &db.modelSpace() ? Strays{extents, 0} : withoutStrays(boxes);
+    shown = options.showsAll || !isModel ? Strays{extents, 0} : withoutStrays(boxes);
     if (extents.isEmpty())
       return failure("Layout \"" + options.layout + "\" has nothing visible" + chosen + " to draw.");
     if (options.window && !options.window->intersects(extents))
@@ -114,8 +144,13 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
     if (auto problem = findExtents()) return *problem;
 
   const Box wanted = options.window.value_or(shown.extents);
-  const Result<PageLayout> laidOut =
-      options.sheet != nullptr ? layOutSheet(wanted, options, format) : layOutPage(wanted, options, format);
+  const std::optional<PaperPlace> place = wantsOwnPaper ? paperPlace(*plot, shown.extents) : std::nullopt;
+  if (options.dpi && !place && !options.paper && !options.scale && options.sheet == nullptr)
+    return problemOf(Code::WrongUsage, "Layout \"" + options.layout +
+                                           "\" has no paper of its own; --dpi goes with --paper or --scale here.");
+  const Result<PageLayout> laidOut = place                      ? layOutPaper(*place, options, format)
+                                     : options.sheet != nullptr ? layOutSheet(wanted, options, format)
+                                                                : layOutPage(wanted, options, format);
   if (!laidOut) {
     if (options.window)
       if (auto problem = findExtents()) return *problem;
@@ -140,6 +175,12 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   }
   DisplayListCanvas canvas;
   EntityPainter painter(db, options, glyphs, view, canvas);
+  const bool hasNotes = !isRaster;
+  if (hasNotes)
+    painter.setEnter([&](std::uint32_t layer, std::uint64_t handle) {
+      const bool isTold = options.facts != nullptr && options.facts->entities.contains(handle);
+      canvas.setOrigin({layer, isTold ? handle : 0});
+    });
   if (layout.frame) {
     const Box& f = *layout.frame;
     canvas.beginClip({{f.minX, f.minY}, {f.maxX, f.minY}, {f.maxX, f.maxY}, {f.minX, f.maxY}});
@@ -148,6 +189,9 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
     painter.paintInArea(*block);
   else
     painter.paint(*block);
+  painter.setEnter({});
+  canvas.setOrigin({});
+  if (!options.handles.empty()) labelHandles(db, *block, options.handles, layout, painter);
   if (layout.frame) canvas.endClip();
   if (options.window && !hasPointIn(canvas.list(), view.area))
     if (auto problem = findExtents()) return *problem;
@@ -159,6 +203,7 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   const std::string sheetNote =
       options.sheet != nullptr ? paintSheet(options, layout, view, glyphs, canvas, db, painter) : std::string();
   Composition made{{}, canvas.take(), layout.page};
+  if (hasNotes) addNotes(made, db, options, layout, view, glyphs);
   made.picture.drawn = layout.area;
   made.picture.unitsPerPixel = 1 / layout.toPicture.x.x;
   made.picture.upperLeft = {-layout.toPicture.origin.x / layout.toPicture.x.x,
@@ -167,10 +212,14 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   const auto note = [&notes](const std::string& text) { notes += (notes.empty() ? "" : " ") + text; };
   if (!layout.note.empty()) note(layout.note);
   if (!sheetNote.empty()) note(sheetNote);
+  const std::string visible = " of " + std::to_string(boxes.size()) + " entities.";
+  if (place)
+    if (const auto off = std::ranges::count_if(boxes, [&](const Box& box) { return !box.intersects(place->paper); });
+        off > 0)
+      note("Off the layout's paper and left out: " + std::to_string(off) + visible);
   if (!options.window && shown.left > 0)
-    note("Far from the rest and left out: " + std::to_string(shown.left) + " of " + std::to_string(visible) +
-         " entities. The picture shows " + boxText(shown.extents) + ", everything covers " + boxText(extents) +
-         "; --all takes them in.");
+    note("Far from the rest and left out: " + std::to_string(shown.left) + visible + " The picture shows " +
+         boxText(shown.extents) + ", everything covers " + boxText(extents) + "; --all takes them in.");
   if (!painter.unplotted().empty()) note(unplottedNote(db, painter.unplotted()));
   if (painter.isCutShort()) note("The drawing repeats blocks so often that part of it was left out.");
   if (painter.isTooDeep()) {
@@ -210,6 +259,11 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
   return made;
 }
 
+void setDrawingFile(PictureOptions& options, const std::filesystem::path& file) {
+  options.drawingFolder = file.parent_path().string();
+  options.title = file.stem().string();
+}
+
 std::string worldFile(const Picture& picture) {
   const double step = picture.unitsPerPixel;
   std::string lines;
@@ -235,8 +289,49 @@ double metresPerUnit(const database::DrawingDatabase& db) {
   }
 }
 
+namespace {
+
+/// A page for each layout in which something is visible.
+Result<Picture> drawAllLayouts(const database::DrawingDatabase& db, const PictureOptions& options) {
+  std::vector<Composition> made;
+  std::string remarks;
+  std::optional<Problem> failed;
+  PictureOptions own = options;
+  for (const auto& [name, block] : db.layouts()) {
+    if (block == &db.modelSpace()) continue;
+    own.layout = text::toUtf8(name);
+    Result<Composition> page = composePicture(db, own, PictureFormat::Pdf);
+    const auto remark = [&](const std::string& sentence) {
+      remarks += (remarks.empty() ? "" : " ") + own.layout + ": " + sentence;
+    };
+    if (!page && page.problem().code != Code::PictureEmpty) return page;
+    if (!page) {
+      failed = page.problem();
+      remark(failed->text);
+      continue;
+    }
+    if (page->picture.remark) remark(page->picture.remark->text);
+    made.push_back(std::move(page.value()));
+  }
+  if (made.empty()) return failed.value_or(problemOf(Code::PictureEmpty, "The drawing has no layout but Model."));
+  std::vector<PdfPage> pages;
+  pages.reserve(made.size());
+  for (const Composition& each : made) pages.push_back({&each.list, each.page, each.list.notes.page});
+  Picture picture = std::move(made.front().picture);
+  picture.bytes = writePdf(pages, options.background);
+  picture.remark.reset();
+  if (!remarks.empty()) picture.remark = problemOf(Code::PictureNote, std::move(remarks));
+  return picture;
+}
+
+}  // namespace
+
 Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
   if (const std::string_view why = whyNot(format); !why.empty()) return problemOf(Code::OutputFailed, std::string(why));
+  if (options.layout == kAllLayouts) {
+    if (format == PictureFormat::Pdf) return drawAllLayouts(db, options);
+    return problemOf(Code::WrongUsage, "--layout * makes a page of each layout, so it goes with PDF only.");
+  }
   Result<Composition> made = composePicture(db, options, format);
   if (!made) return made;
   made->picture.bytes = renderPicture(made->list, made->page, options.background, format);

@@ -1,8 +1,9 @@
-// Pictures of drawings: PNG, SVG and PDF from one display list.
+// Pictures of drawings: PNG, SVG, PDF and web pages from one display list.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,11 +13,12 @@
 
 #include "Database/DrawingDatabase.h"
 #include "Geometry/EntityPaths.h"
+#include "Picture/DisplayList.h"
 
 namespace host::picture {
 
 /// A TIFF is drawn as a PNG, of which the caller makes it.
-enum class PictureFormat { Png, Svg, Pdf, Tiff };
+enum class PictureFormat { Png, Svg, Pdf, Tiff, Html };
 inline bool isRaster(PictureFormat format) { return format == PictureFormat::Png || format == PictureFormat::Tiff; }
 
 struct PaperSize {
@@ -28,8 +30,23 @@ struct PaperSize {
 struct Sheet;      // Picture/Sheet.h
 class PlotStyles;  // Picture/PlotStyles.h
 
+/// A kind of thing that the plan shows.
+struct LegendRow {
+  std::wstring name, amount;
+  std::uint64_t sample = 0;  // handle of an entity of the plan, whose look the row shows
+};
+
+/// What is known of a plan beyond its entities, for SVG and web pages.
+struct PlanFacts {
+  std::map<std::uint64_t, EntityNote> entities;  // by their handles
+  std::vector<LegendRow> legend;
+};
+
 enum class LineweightMode { AsDrawn, Off, Factor };
 enum class ColorMode { AsDrawn, Grayscale, Monochrome };
+
+/// Stands for the name of a layout: each of them on a page of its own.
+constexpr std::string_view kAllLayouts = "*";
 
 struct PictureOptions {
   static constexpr int kDefaultWidthPx = 1600;
@@ -44,11 +61,14 @@ struct PictureOptions {
   LineweightMode lineweights = LineweightMode::AsDrawn;
   double lineweightFactor = 1;
   ColorMode colors = ColorMode::AsDrawn;
-  std::string layers = "*";      // wildcard pattern, UTF-8; layers that are not plotted are left out in any case
-  std::string layout = "Model";  // name of the layout to draw, UTF-8
-  std::string drawingFolder;     // where files lie that the drawing names; empty: the current folder
+  std::string layers = "*";          // wildcard pattern, UTF-8; layers that are not plotted are left out in any case
+  std::string handles;               // wildcard pattern of layers at whose outlines handles are written; empty: none
+  std::string layout = "Model";      // name of the layout to draw, UTF-8
+  const PlanFacts* facts = nullptr;  // for SVG and web pages
+  std::string drawingFolder;         // where files lie that the drawing names; empty: the current folder
   std::vector<std::filesystem::path> supportFolders;  // where plot styles are looked for after that
   const PlotStyles* plotStyles = nullptr;             // of the layout; found by drawPicture itself
+  std::string title;             // in formats that tell one, of a drawing that has none of its own; UTF-8
   const Sheet* sheet = nullptr;  // what the picture is laid on, in place of a paper; made of the next three by callers
   std::string sheetFile;         // a drawing; empty: no sheet
   std::vector<std::pair<std::string, std::string>> fields;  // names of attributes, and what they are filled with
@@ -66,8 +86,11 @@ struct Picture {
   std::optional<Problem> remark;  // what the user should know: the paper is too small, text is shown as bars ...
 };
 
-/// Draws one layout of a drawing. The same drawing and options give the same bytes. Fails when nothing visible lies in
-/// the area.
+/// Takes folder and title from the drawing's file.
+void setDrawingFile(PictureOptions& options, const std::filesystem::path& file);
+
+/// Draws one layout of a drawing: those of paper on their own paper, true to size, unless another is asked for. The
+/// same drawing and options give the same bytes. Fails when nothing visible lies in the area.
 Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format);
 
 /// Metres in one unit of the drawing by $INSUNITS. Unitless counts as metres.

@@ -40,7 +40,13 @@ Problem refusal(std::string sentence) { return problemOf(Code::WrongUsage, std::
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 Result<> setLayout(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("The name of the layout is empty.");
   options.layout = text;
+  return {};
+}
+Result<> addHandles(PictureOptions& options, std::string_view text) {
+  if (text.empty()) return refusal("A pattern of layers is empty.");
+  options.handles += (options.handles.empty() ? "" : ",") + std::string(text);
   return {};
 }
 Result<> setAll(PictureOptions& options, std::string_view) {
@@ -77,16 +83,19 @@ Result<> setMonochrome(PictureOptions& options, std::string_view) { return setCo
 
 constexpr std::array kRows = {
     OptionRow{"--width", "PX", "width in pixels, 1 to 30000 [1600]", setWidth},
-    OptionRow{"--dpi", "N", "pixels per inch of a PNG with --paper, --scale or --sheet, in place of --width", setDpi},
+    OptionRow{"--dpi", "N", "pixels per inch of a PNG with --paper, --scale, --sheet or --layout, in place of --width",
+              setDpi},
     OptionRow{"--paper", "SIZE", "paper: A0 to A5, A3-landscape, or 594x420 in millimetres", setPaper},
     OptionRow{"--scale", "1:N", "scale on the paper", setScale},
     OptionRow{"--window", "x1,y1,x2,y2", "the part to draw, drawing units", setWindow},
     OptionRow{"--all", "", "everything, also strays far away from the rest", setAll},
     OptionRow{"--background", "COLOUR", "a name, #rrggbb or transparent [white]", setBackground},
     OptionRow{"--lineweights", "off|FACTOR", "draw lines thin, or their widths times a factor", setLineweights},
-    OptionRow{"--layout", "NAME", "the layout to draw [Model]", setLayout},
+    OptionRow{"--layout", "NAME", "the layout to draw, on its own paper; * for a PDF page of each [Model]", setLayout},
     OptionRow{"--layers", "PATTERN", "only layers whose names match, for instance tm?_*; may be given more than once",
               addLayers, true},
+    OptionRow{"--handles", "PATTERN",
+              "write handles at outlines on layers whose names match; may be given more than once", addHandles, true},
     OptionRow{"--sheet", "FILE", "lay the picture on this sheet, for instance A3-kaava", setSheet},
     OptionRow{"--field", "NAME=TEXT", "fill an attribute of the sheet; may be given more than once", addField, true},
     OptionRow{"--legend", "FILE", "own texts of the sheet's legend", setLegend},
@@ -109,8 +118,8 @@ Result<> checkOptions(const PictureOptions& options) {
     return refusal("--sheet excludes --paper: the sheet is the paper");
   }
   if (!options.dpi) return {};
-  if (!options.paper && !options.scale && options.sheetFile.empty())
-    return refusal("--dpi goes with --paper, --scale or --sheet");
+  if (!options.paper && !options.scale && options.sheetFile.empty() && options.layout == PictureOptions{}.layout)
+    return refusal("--dpi goes with --paper, --scale, --sheet or --layout");
   if (options.widthPx != PictureOptions::kDefaultWidthPx) return refusal("--dpi excludes --width");
   if (!options.paper) return {};
   const double width = options.paper->widthMm * *options.dpi / kMmPerInch;
@@ -134,6 +143,7 @@ std::optional<PictureFormat> formatOfFile(std::string_view fileName) {
   if (low.ends_with(".svg")) return PictureFormat::Svg;
   if (low.ends_with(".pdf")) return PictureFormat::Pdf;
   if (low.ends_with(".tif") || low.ends_with(".tiff")) return PictureFormat::Tiff;
+  if (low.ends_with(".html")) return PictureFormat::Html;
   return {};
 }
 

@@ -164,34 +164,9 @@ void PlotStyles::parse(std::string_view text) {
       pens_[i].lineweightMm = lineweights[static_cast<std::size_t>(weights[i] - 1)];
 }
 
-PlotSettings plotSettings(const database::DrawingDatabase& db, const std::string& layout) {
-  const std::wstring wanted = text::fromUtf8(layout);
-  PlotSettings settings;
-  db.forEachSlot([&](const database::Slot& slot) {
-    if (slot.type != database::DxfType::Layout || slot.isErased()) return;
-    constexpr std::int64_t kUsesStyles = 32;
-    bool isLayoutPart = false, usesStyles = false;
-    std::wstring name, sheet;
-    PlotSettings own;
-    database::TagCursor tags = slot.tags();
-    for (database::Tag tag; tags.next(tag);) {
-      if (tag.code == 100) isLayoutPart = tag.trimmed() == "AcDbLayout";
-      if (tag.code == 1 && isLayoutPart) name = db.codec().decode(tag.value);
-      if (isLayoutPart) continue;
-      if (tag.code == 72) own.isInches = tag.integer() == 0;
-      if (tag.code == 70) usesStyles = (tag.integer() & kUsesStyles) != 0;
-      if (tag.code == 7) sheet = db.codec().decode(tag.value);
-    }
-    if (!text::equalFolded(name, wanted)) return;
-    if (usesStyles) own.styleSheet = text::toUtf8(sheet);
-    settings = own;
-  });
-  return settings;
-}
-
-std::optional<PlotStyles> findPlotStyles(const PlotSettings& settings, const PictureOptions& options,
+std::optional<PlotStyles> findPlotStyles(const std::string& styleSheet, const PictureOptions& options,
                                          std::string& note) {
-  std::string name = settings.styleSheet;
+  std::string name = styleSheet;
   std::ranges::replace(name, '\\', '/');
   name = fs::path(name).filename().string();
   const std::wstring folded = text::fromUtf8(name);

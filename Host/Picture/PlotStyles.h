@@ -35,17 +35,10 @@ class PlotStyles {
   std::array<PlotPen, kPens> pens_;
 };
 
-/// What a layout says about plotting.
-struct PlotSettings {
-  bool isInches = false;   // the unit of its paper; else millimetres
-  std::string styleSheet;  // UTF-8; empty: none, or not to be used
-};
-PlotSettings plotSettings(const database::DrawingDatabase& db, const std::string& layout);
-
 /// The styles of the layout's style sheet, from the drawing's folder or the support folders, whatever the case of the
 /// file's name; nothing when it names none. `note` tells of one that is not there or cannot be read; of the usual table
 /// without any changes it says nothing.
-std::optional<PlotStyles> findPlotStyles(const PlotSettings& settings, const PictureOptions& options,
+std::optional<PlotStyles> findPlotStyles(const std::string& styleSheet, const PictureOptions& options,
                                          std::string& note);
 
 }  // namespace host::picture

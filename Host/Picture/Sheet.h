@@ -12,12 +12,6 @@
 
 namespace host::picture {
 
-/// A kind of thing that the plan shows.
-struct LegendRow {
-  std::wstring name, amount;
-  std::uint64_t sample = 0;  // handle of an entity of the plan, whose look the row shows
-};
-
 /// A template made ready. Its coordinates are millimetres on the paper.
 struct Sheet {
   const database::DrawingDatabase* drawing = nullptr;

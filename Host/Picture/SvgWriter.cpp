@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Picture/RasterImage.h"
+#include "Text/Text.h"
 
 namespace host::picture {
 namespace {
@@ -115,9 +116,9 @@ bool sameLook(const DisplayItem& a, const DisplayItem& b) {
   return a.kind == b.kind && a.color == b.color && a.width == b.width && a.gradient == b.gradient;
 }
 
-void defineGradient(Writer& writer, const Gradient& gradient, std::size_t index) {
+void defineGradient(Writer& writer, const Gradient& gradient, const std::string& id) {
   const std::string kind = gradient.isRadial ? "radialGradient" : "linearGradient";
-  writer.text("<" + kind + " id=\"g" + std::to_string(index) + "\" gradientUnits=\"userSpaceOnUse\"" +
+  writer.text("<" + kind + " id=\"" + id + "\" gradientUnits=\"userSpaceOnUse\"" +
               (gradient.isRadial ? R"( cx="0" cy="0" r="1")" : R"( x1="0" y1="0" x2="1" y2="0")") +
               " gradientTransform=\"matrix(");
   const char* separator = "";
@@ -139,11 +140,11 @@ void defineGradient(Writer& writer, const Gradient& gradient, std::size_t index)
 }
 
 /// The image as it is in its file, or as a PNG; cut by the clip of the same number.
-void writeImage(Writer& writer, const Texture& texture, int alpha, std::size_t index) {
+void writeImage(Writer& writer, const Texture& texture, int alpha, const std::string& clip) {
   const RasterImage& image = *texture.image;
   const int width = std::max(1, image.width), height = std::max(1, image.height);
-  writer.text("<g clip-path=\"url(#i" + std::to_string(index) + ")\"><image width=\"" + std::to_string(width) +
-              "\" height=\"" + std::to_string(height) + "\" preserveAspectRatio=\"none\"");
+  writer.text("<g clip-path=\"url(#" + clip + ")\"><image width=\"" + std::to_string(width) + "\" height=\"" +
+              std::to_string(height) + "\" preserveAspectRatio=\"none\"");
   if (alpha != 255) {
     writer.text(" opacity=\"");
     writer.number(alpha / 255.0);
@@ -159,13 +160,13 @@ void writeImage(Writer& writer, const Texture& texture, int alpha, std::size_t i
   writer.text("\"/></g>\n");
 }
 
-void openGroup(Writer& writer, const DisplayItem& item) {
+void openGroup(Writer& writer, const DisplayItem& item, const std::string& gradient) {
   writer.text("<g");
   if (!isStroke(item)) {
     if (item.gradient == DisplayItem::kPlain)
       writer.color("fill", item.color);
     else
-      writer.text(" fill=\"url(#g" + std::to_string(item.gradient) + ")\"");
+      writer.text(" fill=\"url(#" + gradient + ")\"");
     if (item.kind == ItemKind::FillEvenOdd) writer.text(" fill-rule=\"evenodd\"");
   } else {
     writer.text(" fill=\"none\"");
@@ -178,11 +179,98 @@ void openGroup(Writer& writer, const DisplayItem& item) {
   writer.text(">\n");
 }
 
+/// Keeps the groups of layers and entities: of several clips each begins them anew.
+class OriginGroups {
+ public:
+  OriginGroups(Writer& writer, const DisplayNotes& notes, bool isInPage)
+      : writer_(writer), notes_(notes), isInPage_(isInPage) {}
+
+  /// Whether the item begins another group.
+  bool changesAt(std::size_t item) {
+    bool changes = false;
+    for (; next_ < notes_.runs.size() && notes_.runs[next_].firstItem <= item; ++next_) {
+      wanted_ = notes_.runs[next_].origin;
+      changes = true;
+    }
+    return changes || wanted_ != open_;
+  }
+  void open() {
+    if (wanted_.layer != open_.layer) close();
+    closeEntity();
+    if (open_.layer != wanted_.layer) {
+      const auto layer = notes_.layers.find(wanted_.layer);
+      const std::string name = layer == notes_.layers.end() ? std::string() : markupText(layer->second);
+      writer_.text(isInPage_ ? "<g data-layer=\"" + name + "\">\n"
+                             : "<g inkscape:groupmode=\"layer\" inkscape:label=\"" + name + "\">\n");
+    }
+    open_ = wanted_;
+    const auto entity = notes_.entities.find(open_.handle);
+    if (open_.handle == 0 || entity == notes_.entities.end()) return;
+    const EntityNote& note = entity->second;
+    writer_.text(isInPage_ && note.isLine ? "<g class=\"line\">" : "<g>");
+    writer_.text("<title>" + markupText(note.title) + "</title>");
+    if (!note.detail.empty()) writer_.text("<desc>" + markupText(note.detail) + "</desc>");
+    writer_.text("\n");
+    isEntityOpen_ = true;
+  }
+  void close() {
+    closeEntity();
+    if (open_.layer != 0) writer_.text("</g>\n");
+    open_ = {};
+  }
+
+ private:
+  void closeEntity() {
+    if (isEntityOpen_) writer_.text("</g>\n");
+    isEntityOpen_ = false;
+    open_.handle = 0;
+  }
+
+  Writer& writer_;
+  const DisplayNotes& notes_;
+  bool isInPage_;
+  std::size_t next_ = 0;
+  Origin wanted_, open_;
+  bool isEntityOpen_ = false;
+};
+
 }  // namespace
 
-std::string writeSvg(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background) {
+std::string markupText(std::string_view utf8) {
+  std::wstring out;
+  for (const wchar_t c : text::fromUtf8(utf8)) {
+    switch (c) {
+      case L'<':
+        out += L"&lt;";
+        break;
+      case L'>':
+        out += L"&gt;";
+        break;
+      case L'&':
+        out += L"&amp;";
+        break;
+      case L'"':
+        out += L"&quot;";
+        break;
+      default:
+        // Neither control characters, of which only the first are no XML, nor U+FFFE and U+FFFF.
+        if (c >= 0x20 && (c < 0x7F || c >= 0xA0) && c != 0xFFFE && c != 0xFFFF) out += c;
+    }
+  }
+  return text::toUtf8(out);
+}
+
+std::string writeSvg(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background,
+                     const SvgPlace& place) {
   Writer writer;
-  writer.text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\"");
+  if (!place.isInPage) writer.text("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n");
+  writer.text("<svg xmlns=\"http://www.w3.org/2000/svg\"");
+  // Drawing programs know layers by the attributes of one of them.
+  if (!place.isInPage && !list.notes.runs.empty())
+    writer.text(" xmlns:inkscape=\"http://www.inkscape.org/namespaces/inkscape\"");
+  const auto id = [&place](char kind, std::size_t number) {
+    return std::string(place.ids) + kind + std::to_string(number);
+  };
   // Older readers know an image's address by the name of another standard only.
   if (!list.textures.empty()) writer.text(" xmlns:xlink=\"http://www.w3.org/1999/xlink\"");
   writer.text(" width=\"");
@@ -216,16 +304,16 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
   const bool hasClips = std::ranges::any_of(list.items, isClip);
   if (!list.gradients.empty() || !list.textures.empty() || hasClips) {
     writer.text("<defs>\n");
-    for (std::size_t i = 0; i < list.gradients.size(); ++i) defineGradient(writer, list.gradients[i], i);
+    for (std::size_t i = 0; i < list.gradients.size(); ++i) defineGradient(writer, list.gradients[i], id('g', i));
     std::size_t defined = 0;
     for (const DisplayItem& item : list.items) {
       if (item.texture != DisplayItem::kPlain) {
-        writer.text("<clipPath id=\"i" + std::to_string(item.texture) + "\">");
+        writer.text("<clipPath id=\"" + id('i', item.texture) + "\">");
         path(item);
         writer.text("</clipPath>\n");
       }
       if (!isClip(item)) continue;
-      writer.text("<clipPath id=\"c" + std::to_string(defined++) + "\">");
+      writer.text("<clipPath id=\"" + id('c', defined++) + "\">");
       // Of a ring with corners to spare parts may lie on each other.
       constexpr std::uint32_t kCorners = 4;
       path(item, list.rings[item.firstRing].count > kCorners ? " clip-rule=\"evenodd\"" : "");
@@ -238,32 +326,40 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
     if (last != nullptr) writer.text("</g>\n");
     last = nullptr;
   };
+  OriginGroups origins(writer, list.notes, place.isInPage);
   std::size_t clips = 0;
   for (const DisplayItem& item : list.items) {
+    const bool isChange = origins.changesAt(static_cast<std::size_t>(&item - list.items.data()));
+    const bool isEdge = item.kind == ItemKind::BeginClip || item.kind == ItemKind::EndClip;
+    if (isChange || isEdge) closeGroup();
+    if (isEdge) {
+      origins.close();
+    } else if (isChange) {
+      origins.open();
+    }
     if (item.kind == ItemKind::BeginClip) {
-      closeGroup();
-      writer.text("<g clip-path=\"url(#c" + std::to_string(clips++) + ")\">\n");
+      writer.text("<g clip-path=\"url(#" + id('c', clips++) + ")\">\n");
       continue;
     }
     if (item.kind == ItemKind::EndClip) {
-      closeGroup();
       writer.text("</g>\n");
       continue;
     }
     if (item.texture != DisplayItem::kPlain) {
       closeGroup();
-      writeImage(writer, list.textures[item.texture], item.color.alpha, item.texture);
+      writeImage(writer, list.textures[item.texture], item.color.alpha, id('i', item.texture));
       continue;
     }
     if (last == nullptr || !sameLook(*last, item)) {
       closeGroup();
-      openGroup(writer, item);
+      openGroup(writer, item, id('g', item.gradient));
       last = &item;
     }
     path(item);
     writer.text("\n");
   }
   closeGroup();
+  origins.close();
   writer.text("</svg>\n");
   return writer.take();
 }

@@ -103,13 +103,13 @@ void addFormats(CLI::App& call, OutputOptions& options) {
               const auto format = host::picture::formatOfFile("." + name);
               if (!format)
                 throw CLI::ValidationError("--format",
-                                           "\"" + name + "\" is no picture format; use png, svg, pdf or tif");
+                                           "\"" + name + "\" is no picture format; use png, svg, pdf, tif or html");
               if (std::find(options.formats.begin(), options.formats.end(), *format) == options.formats.end())
                 options.formats.push_back(*format);
             }
           },
           "format of the pictures in the folder or on standard output; may be given more than once")
-      ->type_name("png|svg|pdf|tif")
+      ->type_name("png|svg|pdf|tif|html")
       ->allow_extra_args(false);
 }
 
@@ -150,7 +150,7 @@ void addRunOutputs(CLI::App& call, RunOptions& options) {
   addFile(call, "--out", options.out, "where the drawing is saved, - for standard output; without it nothing is saved")
       ->type_name("FILE");
   addFiles(call, "--picture", options.pictures,
-           "a picture of the result, .png, .svg, .pdf or .tif; may be given more than once")
+           "a picture of the result, .png, .svg, .pdf, .tif or .html; may be given more than once")
       ->type_name("FILE")
       ->allow_extra_args(false);
 }
@@ -252,9 +252,10 @@ void addShell(CLI::App& app, RunOptions& options, int& status) {
 
 void addPicture(CLI::App& app, PictureCallOptions& options, int& status) {
   CLI::App* const call = app.add_subcommand("picture", "draw pictures of drawings as they are");
-  addDrawings(*call, options.drawings,
-              "the drawing, then OUT, the picture: .png, .svg, .pdf or .tif (- for standard input and output); with "
-              "--out-dir drawings only");
+  addDrawings(
+      *call, options.drawings,
+      "the drawing, then OUT, the picture: .png, .svg, .pdf, .tif or .html (- for standard input and output); with "
+      "--out-dir drawings only");
   addFile(*call, "--out-dir", options.folder, "the folder where pictures get their drawings' names")->type_name("DIR");
   addFormats(*call, options);
   addJobs(*call, options);

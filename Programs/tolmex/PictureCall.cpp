@@ -12,6 +12,7 @@
 #include "Inputs.h"
 #include "Interruption.h"
 #include "Outputs.h"
+#include "PlanFacts.h"
 #include "PlanSession.h"
 #include "PlanSheet.h"
 #include "Repair.h"
@@ -48,7 +49,7 @@ RunStatus writeAll(const host::database::DrawingDatabase& drawing, const Picture
                    const fs::path& name, const std::vector<PictureFile>& pictures) {
   RunStatus status = RunStatus::Done;
   host::picture::PictureOptions wanted = options.picture;
-  wanted.drawingFolder = name.parent_path().string();
+  host::picture::setDrawingFile(wanted, isStandardStream(name) ? "tolmex" : name);
   for (const PictureFile& picture : pictures) {
     const Result<> written = writePicture(drawing, wanted, picture, options.supportFolders);
     if (!written) complain(written.problem());
@@ -81,7 +82,7 @@ int pictureDrawing(const PictureCallOptions& options, const fs::path& name, cons
 }  // namespace
 
 std::string_view endingOf(PictureFormat format) {
-  constexpr std::array<std::string_view, 4> kEndings = {".png", ".svg", ".pdf", ".tif"};
+  constexpr std::array<std::string_view, 5> kEndings = {".png", ".svg", ".pdf", ".tif", ".html"};
   return kEndings[static_cast<std::size_t>(format)];
 }
 
@@ -94,7 +95,7 @@ Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureF
   if (isStandardStream(file)) return PictureFile{file, formats.empty() ? PictureFormat::Png : formats.front()};
   const std::string name = file.empty() ? "\"\"" : file.string();
   const auto format = host::picture::formatOfFile(file.string());
-  if (!format) return problemOf(Code::WrongUsage, name, "a picture's name must end in .png, .svg, .pdf or .tif");
+  if (!format) return problemOf(Code::WrongUsage, name, "a picture's name must end in .png, .svg, .pdf, .tif or .html");
   if (!formats.empty() && formats.front() != *format)
     return problemOf(Code::WrongUsage, name, "the name and --format ask for different formats");
   return PictureFile{file, *format};
@@ -116,6 +117,11 @@ Result<> writePicture(const host::database::DrawingDatabase& drawing, host::pict
       if (!prepared) return prepared.problem();
       sheet = std::move(prepared.value());
       options.sheet = &sheet->sheet;
+    }
+    host::picture::PlanFacts facts;
+    if (picture.format == PictureFormat::Svg || picture.format == PictureFormat::Html) {
+      facts = factsOf(drawing, options.metresPerUnit);
+      options.facts = &facts;
     }
     Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
     if (!made) return inFile(made.problem());

@@ -74,12 +74,12 @@ void pictureCommand(Application& application, Prompter& prompter) {
   if (name.size() > 1 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
   const auto format = host::picture::formatOfFile(name);
   if (!format) {
-    prompter.refuse(L"The picture's name must end in .png, .svg, .pdf or .tif.");
+    prompter.refuse(L"The picture's name must end in .png, .svg, .pdf, .tif or .html.");
     return;
   }
   PictureOptions options;
   options.layout = host::text::toUtf8(application.currentLayoutName());
-  options.drawingFolder = application.drawingFile().parent_path().string();
+  host::picture::setDrawingFile(options, application.drawingFile());
   if (behind != std::string::npos) {
     if (const Result<> read = readOptions(options, line.substr(behind + 1)); !read) {
       prompter.refuse(host::text::fromUtf8(read.message()));
@@ -103,7 +103,7 @@ void pictureCommand(Application& application, Prompter& prompter) {
 void addPictureCommand(Application& application) {
   application.addCommand(
       L"PICTURE", 0, [&application](Prompter& prompter) { pictureCommand(application, prompter); },
-      L"draws the drawing into a .png, .svg, .pdf or .tif file");
+      L"draws the drawing into a .png, .svg, .pdf, .tif or .html file");
 }
 
 }  // namespace tolmex

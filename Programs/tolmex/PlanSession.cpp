@@ -164,7 +164,7 @@ RunStatus PlanSession::write(const PlanOutputs& outputs) {
     host::picture::PictureOptions options = options_.picture;
     if (options.layout == host::picture::PictureOptions{}.layout)
       options.layout = host::text::toUtf8(application_.currentLayoutName());
-    options.drawingFolder = application_.drawingFile().parent_path().string();
+    host::picture::setDrawingFile(options, application_.drawingFile());
     count(writePicture(*application_.drawing(), options, picture, options_.supportFolders));
   }
   return status;

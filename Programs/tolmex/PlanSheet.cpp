@@ -1,20 +1,17 @@
 #include "PlanSheet.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cwctype>
 #include <functional>
-#include <map>
+#include <iterator>
 
-#include "DrawingInfo.h"
 #include "Dxf/DxfFile.h"
 #include "Geometry/EntityPaths.h"
-#include "Geometry/References.h"
 #include "Inputs.h"
+#include "PlanFacts.h"
 #include "PlanSession.h"
 #include "Platform/Paths.h"
 #include "Text/Text.h"
-#include "Tolmex/Model/Names.h"
 
 namespace tolmex {
 
@@ -23,7 +20,6 @@ using host::Code;
 using host::problemOf;
 using host::Result;
 using host::database::DrawingDatabase;
-using host::database::DxfType;
 using host::database::Slot;
 using host::geometry::Box;
 using host::picture::LegendRow;
@@ -77,102 +73,9 @@ Box placeOf(const DrawingDatabase& drawing, const wchar_t* layer, std::vector<st
   return box;
 }
 
-/// "12 345": whole, with spaces that do not break.
-std::wstring grouped(double value) {
-  std::wstring figures = std::to_wstring(static_cast<long long>(std::llround(value)));
-  for (std::size_t at = figures.size(); at > 3; at -= 3) figures.insert(at - 3, 1, L'\u00A0');
-  return figures;
-}
-
-struct Kind {
-  std::wstring name;  // which own texts replace
-  std::wstring amount;
-  std::uint64_t sample = 0;
-};
-
-std::uint64_t firstOn(const DrawingDatabase& plan, const wchar_t* layer, DxfType type) {
-  const std::uint32_t index = plan.findLayer(layer);
-  for (const Slot* slot : plan.modelSpace().entities)
-    if (index != 0 && slot->layer == index && slot->type == type && !slot->isErased()) return slot->handle;
-  return 0;
-}
-
-/// Symbols by their names without size, variant and ending: "lehtipuu_2vt.dwg" is a "Lehtipuu".
-void addSymbols(const DrawingDatabase& plan, std::vector<Kind>& kinds) {
-  struct Symbol {
-    std::size_t count = 0;
-    std::uint64_t sample = 0;
-  };
-  std::map<std::wstring, Symbol> symbols;
-  for (const Slot* slot : plan.modelSpace().entities) {
-    if (slot->isErased() || slot->type != DxfType::Insert) continue;
-    // The layer of a symbol is its name with its size.
-    const std::wstring layer = plan.layerName(slot->layer);
-    const std::size_t line = layer.rfind(L'_');
-    if (line == std::wstring::npos || line == 0 || line + 2 != layer.size() || std::iswdigit(layer.back()) == 0)
-      continue;
-    const auto reference = host::geometry::readReference(*slot);
-    if (!reference || !plan.recordName(*reference->block->record).starts_with(layer)) continue;
-    Symbol& symbol = symbols[layer.substr(0, line)];
-    ++symbol.count;
-    symbol.sample = slot->handle;
-  }
-  for (const auto& [name, symbol] : symbols) {
-    std::wstring shown = name;
-    shown.front() = static_cast<wchar_t>(std::towupper(shown.front()));
-    std::ranges::replace(shown, L'_', L' ');
-    kinds.push_back({shown, grouped(static_cast<double>(symbol.count)) + L"\u00A0kpl", symbol.sample});
-  }
-}
-
-/// What the plan shows, in the order of the legend.
-std::vector<Kind> kindsOf(const DrawingDatabase& plan, double metresPerUnit) {
-  using OrvLib::Category;
-  const DrawingInfo info = lookThrough(*plan.facade(), true);
-  std::vector<Kind> kinds;
-  for (std::size_t i = 0; i < OrvLib::kCategoryCount; ++i) {
-    const auto category = static_cast<Category>(i);
-    const std::vector<ElementInfo>& elements = info.elements[i];
-    // Roofs and ridges are parts of buildings, which have records of their own.
-    if (elements.empty() || category == Category::Roof || category == Category::RidgeLine ||
-        category == Category::Building)
-      continue;
-    const bool isLine =
-        category == Category::Hedge || category == Category::BoardFence || category == Category::StoneFence;
-    Kind kind{OrvLib::row(category).tag, {}, 0};
-    double amount = 0;
-    for (const ElementInfo& element : elements) {
-      amount += isLine ? element.length * metresPerUnit : element.area.value_or(0) * metresPerUnit * metresPerUnit;
-      if (kind.sample == 0 || (element.fill && plan.findHandle(kind.sample)->type != DxfType::Hatch))
-        kind.sample = element.fill.value_or(element.handle);
-    }
-    kind.amount = grouped(amount) + (isLine ? L"\u00A0m" : L"\u00A0m\u00B2");
-    kinds.push_back(std::move(kind));
-  }
-  if (!info.buildings.empty()) {
-    std::uint64_t sample = 0;
-    for (const wchar_t* const layer : {OrvLib::layers::kRoofFill, OrvLib::layers::kRoofFillSun})
-      if (sample == 0) sample = firstOn(plan, layer, DxfType::Hatch);
-    if (sample == 0) sample = firstOn(plan, OrvLib::layers::kBuilding, DxfType::LwPolyline);
-    kinds.push_back({OrvLib::row(Category::Building).tag,
-                     grouped(static_cast<double>(info.buildings.size())) + L"\u00A0kpl", sample});
-  }
-  for (const auto& [name, layer] :
-       {std::pair(L"Varjo", OrvLib::layers::kShadow), std::pair(L"Varjo", OrvLib::layers::kShadowFill)}) {
-    const std::uint64_t sample = firstOn(plan, layer, DxfType::Hatch);
-    if (sample == 0) continue;
-    kinds.push_back({name, {}, sample});
-    break;
-  }
-  if (const std::uint64_t sample = firstOn(plan, OrvLib::layers::kParking, DxfType::Line); sample != 0)
-    kinds.push_back({L"Pysäköinti", {}, sample});
-  addSymbols(plan, kinds);
-  return kinds;
-}
-
 /// Lines "name = text": the rows in this order, with these texts; a row without a text is left out. What the file does
 /// not name follows.
-Result<std::vector<LegendRow>> legendOf(std::vector<Kind> kinds, const fs::path& file) {
+Result<std::vector<LegendRow>> legendOf(std::vector<LegendRow> kinds, const fs::path& file) {
   std::vector<LegendRow> rows;
   if (!file.empty()) {
     const Result<std::string> read = readScript(file);
@@ -197,15 +100,15 @@ Result<std::vector<LegendRow>> legendOf(std::vector<Kind> kinds, const fs::path&
         return problem;
       }
       const std::wstring name = trimmed(std::wstring_view(whole).substr(0, equals));
-      const auto kind =
-          std::ranges::find_if(kinds, [&name](const Kind& each) { return host::text::equalFolded(each.name, name); });
+      const auto kind = std::ranges::find_if(
+          kinds, [&name](const LegendRow& each) { return host::text::equalFolded(each.name, name); });
       if (kind == kinds.end()) continue;  // the plan has none of them
       const std::wstring own = trimmed(std::wstring_view(whole).substr(equals + 1));
       if (!own.empty()) rows.push_back({own, kind->amount, kind->sample});
       kinds.erase(kind);
     }
   }
-  for (Kind& kind : kinds) rows.push_back({std::move(kind.name), std::move(kind.amount), kind.sample});
+  rows.insert(rows.end(), std::make_move_iterator(kinds.begin()), std::make_move_iterator(kinds.end()));
   return rows;
 }
 
@@ -253,7 +156,7 @@ Result<std::unique_ptr<PlanSheet>> prepareSheet(const DrawingDatabase& plan,
   sheet.northLetter = L"P";
   if (sheet.legend) {
     const fs::path own = inFolders(pathOf(options.legendFile), folders);
-    Result<std::vector<LegendRow>> rows = legendOf(kindsOf(plan, options.metresPerUnit), own);
+    Result<std::vector<LegendRow>> rows = legendOf(legendRows(plan, options.metresPerUnit), own);
     if (!rows) return rows.problem();
     sheet.rows = std::move(rows.value());
   }

@@ -147,7 +147,7 @@ TEST(PictureFiles, ResolutionOnPaperIsThatOfItsPixels) {
   SmallDatabase db(oneOfMuch());
   PictureOptions options;
   ASSERT_TRUE(setDpi(options, "200"));
-  EXPECT_EQ(checkOptions(options).message(), "--dpi goes with --paper, --scale or --sheet");
+  EXPECT_EQ(checkOptions(options).message(), "--dpi goes with --paper, --scale, --sheet or --layout");
   ASSERT_TRUE(setPaper(options, "A4-landscape"));
   EXPECT_TRUE(checkOptions(options));
   QImage image = Rendered(db, options, PictureFormat::Png).image();

@@ -46,7 +46,7 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {"run plan.dxf --command REGEN --jobs 0", "--jobs: \"0\" is not a whole number from 1 to 256"},
       {"picture plan.dxf", "OUT, the name of the picture, or --out-dir DIR is required"},
       {"picture plan.dxf other.dxf a.png", "PLAN: several drawings need --out-dir DIR"},
-      {"picture plan.dxf - --format gif", "--format: \"gif\" is no picture format; use png, svg, pdf or tif"},
+      {"picture plan.dxf - --format gif", "--format: \"gif\" is no picture format; use png, svg, pdf, tif or html"},
       {"run plan.dxf --command REGEN --support nowhere", "--support: Directory does not exist: nowhere"},
       {"picture plan.dxf a.png --width 0",
        "--width: Picture width \"0\" is not a whole number of pixels from 1 to 30000."},
@@ -61,7 +61,7 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {"picture plan.dxf a.png --lineweights -1",
        "--lineweights: Lineweights \"-1\" are not on, off or a factor from above 0 to 100."},
       {"picture plan.dxf a.png --grayscale --monochrome", "--monochrome: --grayscale excludes --monochrome"},
-      {"picture plan.dxf a.png --dpi 300", "--dpi goes with --paper, --scale or --sheet"},
+      {"picture plan.dxf a.png --dpi 300", "--dpi goes with --paper, --scale, --sheet or --layout"},
   };
   expectRefused(hinted, "", "\nRun with --help for more information.\n");
   const Cases told = {
@@ -78,12 +78,13 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {"desktop", "desktop: there is no display; run, shell and picture need none"},
       {"run plan.dxf --command REGEN --out a.dwg", "a.dwg: drawings are saved as DXF; the name must end in .dxf"},
       {"run plan.dxf --command REGEN --out ''", "\"\": drawings are saved as DXF; the name must end in .dxf"},
-      {"run plan.dxf --command REGEN --picture a.gif", "a.gif: a picture's name must end in .png, .svg, .pdf or .tif"},
+      {"run plan.dxf --command REGEN --picture a.gif",
+       "a.gif: a picture's name must end in .png, .svg, .pdf, .tif or .html"},
       {"run plan.dxf --command REGEN --set LTSCALE", "--set LTSCALE: give it as NAME=VALUE"},
       {"run plan.dxf --command REGEN --set LTSCALEE=1",
        "--set LTSCALEE=1: unknown system variable \"LTSCALEE\"; nearest: LTSCALE"},
       {"run plan.dxf --command REGEN --set LTSCALE=wide", "--set LTSCALE=wide: LTSCALE: needs a number"},
-      {"picture plan.dxf a.gif", "a.gif: a picture's name must end in .png, .svg, .pdf or .tif"},
+      {"picture plan.dxf a.gif", "a.gif: a picture's name must end in .png, .svg, .pdf, .tif or .html"},
   };
   expectRefused(told, "tolmex: ", "\n");
   EXPECT_EQ(names(), std::vector<std::string>{"plan.dxf"});

@@ -1,8 +1,12 @@
-// A picture library without a toolkit: SVG only, and no previews.
+// A picture library without a toolkit: no PNG, no images in PDF, and no previews.
 #include "Picture/BackEnd.h"
 
+#include <array>
 #include <charconv>
 
+#include "Picture/HtmlWriter.h"
+#include "Picture/PdfWriter.h"
+#include "Picture/PixelRows.h"
 #include "Picture/SvgWriter.h"
 #include "Preview/FilePreview.h"
 #include "adesk.h"
@@ -10,14 +14,20 @@
 namespace host::picture {
 
 std::string_view whyNot(PictureFormat format) {
-  return format == PictureFormat::Svg ? std::string_view()
-                                      : "This program was built without a painter; it makes SVG pictures only.";
+  return isRaster(format) ? "This program was built without a painter; it makes SVG, PDF and web pages only."
+                          : std::string_view();
 }
 
 std::string renderPicture(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background,
                           PictureFormat format) {
+  if (format == PictureFormat::Html) return writeHtml(list, page, background);
+  if (format == PictureFormat::Pdf) return writePdf(std::array{PdfPage{&list, page, list.notes.page}}, background);
   return format == PictureFormat::Svg ? writeSvg(list, page, background) : std::string();
 }
+
+PixelRows pixelRows(const RasterImage&) { return {}; }
+
+std::string compressed(const std::string&) { return {}; }
 
 std::optional<std::uint32_t> colorOf(const std::string& name) {
   if (name == "white") return 0xFFFFFFU;

@@ -196,7 +196,7 @@ ExportChoice ExportDialog::choice() const {
                               ? "Model"
                               : toQt(engine_.application().currentLayoutName()).toStdString();
   choice.picture.metresPerUnit = picture::metresPerUnit(*engine_.drawing());
-  choice.picture.drawingFolder = engine_.application().drawingFile().parent_path().string();
+  picture::setDrawingFile(choice.picture, engine_.application().drawingFile());
   if (area_->currentData() == "view") choice.picture.window = canvas_.visibleBox();
   if (area_->currentData() == "pick" && picked_) choice.picture.window = *picked_;
   if (choice.picture.paper) choice.picture.dpi = dpi_->value();

@@ -1,7 +1,7 @@
 # Completion of tolmex in bash.
 _tolmex() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} call=${COMP_WORDS[1]:-}
-  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --sheet --field --legend --worldfile --crs --lineweights --grayscale --monochrome'
+  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --handles --sheet --field --legend --worldfile --crs --lineweights --grayscale --monochrome'
   local words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
@@ -9,7 +9,7 @@ _tolmex() {
     return
   fi
   case $previous in
-    --format) words='png svg pdf tif' ;;
+    --format) words='png svg pdf tif html' ;;
     --paper) words='A0 A1 A2 A3 A4 A5 A0-landscape A1-landscape A2-landscape A3-landscape A4-landscape A5-landscape' ;;
     --sheet) words='A4-kaava A3-kaava A2-kaava A1-kaava A0-kaava' ;;
     --background) words='white black transparent' ;;
@@ -21,7 +21,7 @@ _tolmex() {
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return
       ;;
-    --command | --set | --jobs | --width | --dpi | --scale | --window | --layout | --layers | --field | --geometry | \
+    --command | --set | --jobs | --width | --dpi | --scale | --window | --layout | --layers | --handles | --field | --geometry | \
       --crs | --direction | --date | --times | --time-zone | --place) return ;;
   esac
   if [[ -z $words && $current == -* ]]; then

@@ -17,7 +17,7 @@ for call in run shell
 end
 for call in run picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l out-dir -r -d 'Folder of the results'
-    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l format -x -a 'png svg pdf tif' -d 'Format of pictures'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l format -x -a 'png svg pdf tif html' -d 'Format of pictures'
 end
 for call in run picture info
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l jobs -x -d 'Drawings worked on at once'
@@ -39,6 +39,7 @@ for call in run picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l background -x -a 'white black transparent' -d 'Colour'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l layout -x -d 'Layout to draw'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l layers -x -d 'Layers to draw'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l handles -x -d 'Layers whose handles are written'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l lineweights -x -a 'off' -d 'Off, or a factor'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l sheet -x -a 'A4-kaava A3-kaava A2-kaava A1-kaava A0-kaava' -d 'Sheet around the picture'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l field -x -d 'Text of a field of the sheet'

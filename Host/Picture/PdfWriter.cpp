@@ -1,0 +1,429 @@
+#include "Picture/PdfWriter.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <initializer_list>
+#include <map>
+#include <string_view>
+#include <vector>
+
+#include "Picture/PaperSizes.h"
+#include "Picture/PixelRows.h"
+#include "Text/Text.h"
+
+// References: ISO 32000-1, 7.5 (file structure), 8.4 and 8.5 (graphics state, paths), 8.7.4 (shadings), 8.9.5 (images),
+// 8.11 (optional content), 12.3.3 (outlines).
+namespace host::picture {
+namespace {
+
+constexpr double kPointsPerMm = 72 / kMmPerInch;
+
+/// At most so many decimals, no zeros at the end.
+void addNumber(std::string& out, double value, int decimals = 3) {
+  std::array<char, 64> text{};
+  int length = std::snprintf(text.data(), text.size(), "%.*f", decimals, value);
+  while (text[static_cast<std::size_t>(length - 1)] == '0') --length;
+  if (text[static_cast<std::size_t>(length - 1)] == '.') --length;
+  std::string_view figures(text.data(), static_cast<std::size_t>(length));
+  if (figures == "-0") figures = "0";
+  out += figures;
+}
+
+std::string numbers(std::initializer_list<double> values, int decimals = 3) {
+  std::string out;
+  for (const double value : values) {
+    if (!out.empty()) out += ' ';
+    addNumber(out, value, decimals);
+  }
+  return out;
+}
+
+/// Text as a string of UTF-16 with its mark, in hexadecimal.
+std::string pdfText(std::string_view utf8) {
+  std::string out = "<FEFF";
+  std::array<char, 8> digits{};
+  const auto unit = [&](char32_t value) {
+    std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(value));
+    out += digits.data();
+  };
+  for (const wchar_t c : text::fromUtf8(utf8)) {
+    const auto code = static_cast<char32_t>(c);
+    if (code < 0x10000) {
+      unit(code);
+    } else {
+      unit(0xD800 + ((code - 0x10000) >> 10));
+      unit(0xDC00 + ((code - 0x10000) & 0x3FF));
+    }
+  }
+  return out + ">";
+}
+
+std::string reference(std::size_t object) { return std::to_string(object) + " 0 R"; }
+
+/// The numbered objects of a file, and the file made of them.
+class Objects {
+ public:
+  /// A number for an object that is given later.
+  std::size_t reserve() {
+    bodies_.emplace_back();
+    return bodies_.size();
+  }
+  void set(std::size_t object, std::string body) { bodies_[object - 1] = std::move(body); }
+  std::size_t add(std::string body) {
+    const std::size_t object = reserve();
+    set(object, std::move(body));
+    return object;
+  }
+  /// `entries`: of the stream's dictionary, without length and filter.
+  std::size_t addStream(const std::string& entries, const std::string& bytes) {
+    const std::string small = compressed(bytes);
+    const bool isSmaller = !small.empty() && small.size() < bytes.size();
+    return addRaw(entries + (isSmaller ? " /Filter /FlateDecode" : ""), isSmaller ? small : bytes);
+  }
+  std::size_t addRaw(const std::string& entries, const std::string& bytes) {
+    return add("<<" + entries + " /Length " + std::to_string(bytes.size()) + ">>\nstream\n" + bytes + "\nendstream");
+  }
+
+  std::string file(std::size_t catalogue, std::size_t information) const {
+    // The bytes of the second line tell programs that move files that this is no text.
+    std::string out = "%PDF-1.5\n%\xE2\xE3\xCF\xD3\n";
+    std::vector<std::size_t> places;
+    for (const std::string& body : bodies_) {
+      places.push_back(out.size());
+      out += std::to_string(places.size()) + " 0 obj\n" + body + "\nendobj\n";
+    }
+    const std::size_t table = out.size();
+    const std::string count = std::to_string(bodies_.size() + 1);
+    out += "xref\n0 " + count + "\n0000000000 65535 f \n";
+    std::array<char, 32> entry{};
+    for (const std::size_t place : places) {
+      std::snprintf(entry.data(), entry.size(), "%010zu 00000 n \n", place);
+      out += entry.data();
+    }
+    return out + "trailer\n<</Size " + count + " /Root " + reference(catalogue) + " /Info " + reference(information) +
+           ">>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";
+  }
+
+ private:
+  std::vector<std::string> bodies_;
+};
+
+/// Layers by their names, over all pages.
+class Layers {
+ public:
+  explicit Layers(Objects& objects) : objects_(objects) {}
+
+  std::size_t group(const std::string& name) {
+    const auto [entry, isNew] = groups_.try_emplace(name, 0);
+    if (isNew) entry->second = objects_.add("<</Type /OCG /Name " + pdfText(name) + ">>");
+    return entry->second;
+  }
+  /// Entry of the catalogue; empty without layers.
+  std::string properties() const {
+    if (groups_.empty()) return {};
+    std::string all;
+    for (const auto& [name, object] : groups_) all += (all.empty() ? "" : " ") + reference(object);
+    return " /OCProperties <</OCGs [" + all + "] /D <</BaseState /ON /Order [" + all + "]>>>>";
+  }
+
+ private:
+  Objects& objects_;
+  std::map<std::string, std::size_t> groups_;  // by name, as readers list them
+};
+
+/// The content of one page and the resources it names.
+class PageContent {
+ public:
+  PageContent(Objects& objects, Layers& layers, const PdfPage& page)
+      : objects_(objects), layers_(layers), page_(page), list_(*page.list) {}
+
+  std::string write(std::optional<std::uint32_t> background) {
+    const double scale = kPointsPerMm * page_.page.widthMm / page_.page.widthPx;
+    out_ = numbers({scale, 0, 0, -scale, 0, page_.page.heightMm * kPointsPerMm}, 9) + " cm\n";
+    if (background) {
+      setColor({static_cast<std::uint8_t>(*background >> 16), static_cast<std::uint8_t>(*background >> 8),
+                static_cast<std::uint8_t>(*background), 255},
+               fill_, "rg");
+      out_ += "0 0 " + numbers({page_.page.widthPx, page_.page.heightPx}) + " re f\n";
+    }
+    std::size_t run = 0;
+    std::uint32_t layer = 0;
+    for (std::size_t i = 0; i < list_.items.size(); ++i) {
+      for (; run < list_.notes.runs.size() && list_.notes.runs[run].firstItem <= i; ++run)
+        layer = list_.notes.runs[run].origin.layer;
+      const DisplayItem& item = list_.items[i];
+      const bool isEdge = item.kind == ItemKind::BeginClip || item.kind == ItemKind::EndClip;
+      // Layers are told within clips, never across their edges.
+      enterLayer(isEdge ? 0 : layer);
+      paint(item);
+    }
+    enterLayer(0);
+    return std::move(out_);
+  }
+
+  std::string resources() const {
+    std::string out = "<<";
+    for (const auto& [kind, names] : resources_) {
+      out += "/" + kind + " <<";
+      for (const auto& [name, object] : names) out += "/" + name + " " + reference(object) + " ";
+      out += ">> ";
+    }
+    return out + ">>";
+  }
+
+ private:
+  struct Paint {
+    Color color;
+    bool isSet = false;
+  };
+  struct State {
+    Paint fill, stroke;
+    double width = -1;
+    int alpha = 255;
+    int isFlat = -1;
+  };
+
+  void enterLayer(std::uint32_t layer) {
+    if (layer == layer_) return;
+    if (layer_ != 0) out_ += "EMC\n";
+    layer_ = layer;
+    if (layer == 0) return;
+    const auto name = list_.notes.layers.find(layer);
+    const std::size_t group = layers_.group(name != list_.notes.layers.end() ? name->second : std::string());
+    out_ += "/OC /" + resource("Properties", "L", group) + " BDC\n";
+  }
+
+  /// The name by which the page calls an object.
+  std::string resource(const std::string& kind, const std::string& prefix, std::size_t object) {
+    std::string name = prefix + std::to_string(object);
+    resources_[kind][name] = object;
+    return name;
+  }
+
+  void setColor(const Color& color, Paint& paint, const char* operation) {
+    setAlpha(color.alpha);
+    Color opaque = color;
+    opaque.alpha = 255;
+    if (paint.isSet && paint.color == opaque) return;
+    paint = {opaque, true};
+    out_ += numbers({color.red / 255.0, color.green / 255.0, color.blue / 255.0}, 4) + " " + operation + "\n";
+  }
+  void setAlpha(int alpha) {
+    if (alpha == alpha_) return;
+    alpha_ = alpha;
+    const auto [entry, isNew] = alphas_.try_emplace(alpha, 0);
+    if (isNew) {
+      const std::string value = numbers({alpha / 255.0}, 4);
+      entry->second = objects_.add("<</ca " + value + " /CA " + value + ">>");
+    }
+    out_ += "/" + resource("ExtGState", "A", entry->second) + " gs\n";
+  }
+  void setPen(const DisplayItem& item) {
+    setColor(item.color, stroke_, "RG");
+    if (item.width != width_) out_ += numbers({width_ = item.width}, 4) + " w\n";
+    const int isFlat = item.kind == ItemKind::FlatStroke ? 1 : 0;
+    if (isFlat == isFlat_) return;
+    isFlat_ = isFlat;
+    out_ += isFlat != 0 ? "0 J 0 j\n" : "1 J 1 j\n";
+  }
+
+  void point(Point p, const char* operation) {
+    addNumber(out_, p.x);
+    out_ += ' ';
+    addNumber(out_, p.y);
+    out_ += operation;
+  }
+  void ring(const DisplayRing& ring) {
+    const Point* const points = list_.points.data() + ring.first;
+    point(points[0], " m\n");
+    for (std::uint32_t i = 1; i < ring.count; ++i) point(points[i], " l\n");
+    if (ring.closed) out_ += "h\n";
+  }
+  void rings(const DisplayItem& item) {
+    for (std::uint32_t i = 0; i < item.ringCount; ++i) ring(list_.rings[item.firstRing + i]);
+  }
+  /// Four curves; the length of their handles is the usual one.
+  void circle(Point c, double radius) {
+    constexpr double kHandle = 0.5522847498;
+    const double h = radius * kHandle;
+    point({c.x + radius, c.y}, " m\n");
+    const auto quarter = [&](double x, double y) {  // from the direction (x, y) to the left
+      point({c.x + x * radius - y * h, c.y + y * radius + x * h}, " ");
+      point({c.x - y * radius + x * h, c.y + x * radius + y * h}, " ");
+      point({c.x - y * radius, c.y + x * radius}, " c\n");
+    };
+    quarter(1, 0);
+    quarter(0, 1);
+    quarter(-1, 0);
+    quarter(0, -1);
+    out_ += "h\n";
+  }
+  bool isDot(const DisplayRing& ring) const {
+    const Point* const points = list_.points.data() + ring.first;
+    return ring.count == 1 || (ring.count == 2 && points[0].x == points[1].x && points[0].y == points[1].y);
+  }
+
+  void save() {
+    saved_.push_back({fill_, stroke_, width_, alpha_, isFlat_});
+    out_ += "q\n";
+  }
+  void restore() {
+    out_ += "Q\n";
+    const State& state = saved_.back();
+    fill_ = state.fill;
+    stroke_ = state.stroke;
+    width_ = state.width;
+    alpha_ = state.alpha;
+    isFlat_ = state.isFlat;
+    saved_.pop_back();
+  }
+
+  void paint(const DisplayItem& item) {
+    if (item.kind == ItemKind::EndClip) return restore();
+    if (item.kind == ItemKind::BeginClip) {
+      save();
+      rings(item);
+      out_ += "W* n\n";
+      return;
+    }
+    if (item.kind == ItemKind::Stroke || item.kind == ItemKind::FlatStroke) return paintStrokes(item);
+    const bool isEvenOdd = item.kind == ItemKind::FillEvenOdd;
+    if (item.texture != DisplayItem::kPlain || item.gradient != DisplayItem::kPlain) {
+      save();
+      rings(item);
+      out_ += isEvenOdd ? "W* n\n" : "W n\n";
+      if (item.texture != DisplayItem::kPlain)
+        paintImage(list_.textures[item.texture], item.color.alpha);
+      else
+        paintGradient(list_.gradients[item.gradient]);
+      return restore();
+    }
+    setColor(item.color, fill_, "rg");
+    rings(item);
+    out_ += isEvenOdd ? "f*\n" : "f\n";
+  }
+
+  /// Readers differ in what they show of lines without length: those are dots here.
+  void paintStrokes(const DisplayItem& item) {
+    bool hasLine = false, hasDot = false;
+    for (std::uint32_t i = 0; i < item.ringCount; ++i) {
+      const DisplayRing& each = list_.rings[item.firstRing + i];
+      if (isDot(each)) {
+        hasDot = true;
+        continue;
+      }
+      if (!hasLine) setPen(item);
+      hasLine = true;
+      ring(each);
+    }
+    if (hasLine) out_ += "S\n";
+    if (!hasDot) return;
+    setColor(item.color, fill_, "rg");
+    for (std::uint32_t i = 0; i < item.ringCount; ++i)
+      if (const DisplayRing& each = list_.rings[item.firstRing + i]; isDot(each))
+        circle(list_.points[each.first], item.width / 2);
+    out_ += "f\n";
+  }
+
+  void paintGradient(const Gradient& gradient) {
+    const auto colors = [](const Color& c) { return numbers({c.red / 255.0, c.green / 255.0, c.blue / 255.0}, 4); };
+    std::string functions, bounds, encode;
+    const std::vector<Gradient::Stop>& stops = gradient.stops;
+    for (std::size_t i = 0; i + 1 < stops.size(); ++i) {
+      functions += "<</FunctionType 2 /Domain [0 1] /N 1 /C0 [" + colors(stops[i].color) + "] /C1 [" +
+                   colors(stops[i + 1].color) + "]>> ";
+      if (i > 0) bounds += numbers({stops[i].offset}, 6) + " ";
+      encode += "0 1 ";
+    }
+    const std::size_t shading = objects_.add(
+        std::string("<</ShadingType ") + (gradient.isRadial ? "3" : "2") + " /ColorSpace /DeviceRGB /Coords [" +
+        (gradient.isRadial ? "0 0 0 0 0 1" : "0 0 1 0") + "] /Extend [true true] /Function <</FunctionType 3 " +
+        "/Domain [0 1] /Functions [" + functions + "] /Bounds [" + bounds + "] /Encode [" + encode + "]>>>>");
+    setAlpha(stops.front().color.alpha);
+    out_ += numbers({gradient.axisX.x, gradient.axisX.y, gradient.axisY.x, gradient.axisY.y, gradient.origin.x,
+                     gradient.origin.y},
+                    6) +
+            " cm\n/" + resource("Shading", "S", shading) + " sh\n";
+  }
+
+  void paintImage(const Texture& texture, int alpha) {
+    const auto [entry, isNew] = images_.try_emplace(texture.image.get(), 0);
+    if (isNew) entry->second = addImage(*texture.image);
+    if (entry->second == 0) return;
+    setAlpha(alpha);
+    // The unit square with its upper edge at 1.
+    out_ += numbers({texture.across.x, texture.across.y, -texture.down.x, -texture.down.y,
+                     texture.origin.x + texture.down.x, texture.origin.y + texture.down.y},
+                    6) +
+            " cm\n/" + resource("XObject", "I", entry->second) + " Do\n";
+  }
+
+  /// 0 for an image without pixels.
+  std::size_t addImage(const RasterImage& image) {
+    const PixelRows rows = pixelRows(image);
+    if (rows.width <= 0 || rows.height <= 0) return 0;
+    const std::string size = " /Type /XObject /Subtype /Image /Width " + std::to_string(rows.width) + " /Height " +
+                             std::to_string(rows.height) + " /BitsPerComponent 8 /Interpolate true /ColorSpace ";
+    if (!rows.jpeg.empty())
+      return objects_.addRaw(size + (rows.isJpegGrey ? "/DeviceGray" : "/DeviceRGB") + " /Filter /DCTDecode",
+                             rows.jpeg);
+    std::string mask;
+    if (!rows.alpha.empty()) mask = " /SMask " + reference(objects_.addStream(size + "/DeviceGray", rows.alpha));
+    return objects_.addStream(size + "/DeviceRGB" + mask, rows.rgb);
+  }
+
+  Objects& objects_;
+  Layers& layers_;
+  const PdfPage& page_;
+  const DisplayList& list_;
+  std::string out_;
+  std::map<std::string, std::map<std::string, std::size_t>> resources_;
+  std::map<int, std::size_t> alphas_;
+  std::map<const RasterImage*, std::size_t> images_;
+  std::uint32_t layer_ = 0;
+  Paint fill_, stroke_;
+  double width_ = -1;
+  int alpha_ = 255;
+  int isFlat_ = -1;  // not told yet
+  std::vector<State> saved_;
+};
+
+}  // namespace
+
+std::string writePdf(std::span<const PdfPage> pages, std::optional<std::uint32_t> background) {
+  Objects objects;
+  Layers layers(objects);
+  const std::size_t catalogue = objects.reserve(), information = objects.reserve(), tree = objects.reserve();
+  const std::size_t outlines = objects.reserve();
+  std::string kids;
+  std::vector<std::size_t> leaves;
+  for (const PdfPage& page : pages) {
+    PageContent content(objects, layers, page);
+    const std::size_t stream = objects.addStream("", content.write(background));
+    leaves.push_back(objects.add("<</Type /Page /Parent " + reference(tree) + " /MediaBox [0 0 " +
+                                 numbers({page.page.widthMm * kPointsPerMm, page.page.heightMm * kPointsPerMm}, 4) +
+                                 "] /Resources " + content.resources() + " /Contents " + reference(stream) + ">>"));
+    kids += (kids.empty() ? "" : " ") + reference(leaves.back());
+  }
+  // Bookmarks stand one behind the other.
+  std::vector<std::size_t> marks;
+  for (std::size_t i = 0; i < pages.size(); ++i) marks.push_back(objects.reserve());
+  for (std::size_t i = 0; i < pages.size(); ++i)
+    objects.set(marks[i], "<</Title " + pdfText(pages[i].name) + " /Parent " + reference(outlines) +
+                              (i > 0 ? " /Prev " + reference(marks[i - 1]) : "") +
+                              (i + 1 < pages.size() ? " /Next " + reference(marks[i + 1]) : "") + " /Dest [" +
+                              reference(leaves[i]) + " /Fit]>>");
+  objects.set(outlines, "<</Type /Outlines /First " + reference(marks.front()) + " /Last " + reference(marks.back()) +
+                            " /Count " + std::to_string(marks.size()) + ">>");
+  objects.set(tree, "<</Type /Pages /Kids [" + kids + "] /Count " + std::to_string(pages.size()) + ">>");
+  objects.set(information,
+              "<</Title " + pdfText(pages.front().list->notes.title) + " /Producer " + pdfText("tolmex") + ">>");
+  objects.set(catalogue, "<</Type /Catalog /Pages " + reference(tree) + " /Outlines " + reference(outlines) +
+                             (pages.size() > 1 ? " /PageMode /UseOutlines" : "") +
+                             " /ViewerPreferences <</DisplayDocTitle true /PrintScaling /None>>" + layers.properties() +
+                             ">>");
+  return objects.file(catalogue, information);
+}
+
+}  // namespace host::picture
