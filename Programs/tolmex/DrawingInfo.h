@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "BuildingInfo.h"
+#include "DrawingFacts.h"
 #include "Picture/FontsUsed.h"
 #include "Tolmex/Model/Catalogue.h"
 
@@ -42,7 +43,7 @@ struct DrawingInfo {
 DrawingInfo lookThrough(AcDbDatabase& database, bool measures);
 
 /// A drawing as one JSON object, as docs/info-json.md describes it.
-std::string drawingJson(const std::string& file, const DrawingInfo& info);
+std::string drawingJson(const std::string& file, const DrawingInfo& info, const DrawingFacts& facts);
 std::string failedDrawingJson(const std::string& file, int status, const std::string& error, std::string_view code);
 /// The document around the drawings' objects.
 std::string documentJson(const std::vector<std::string>& drawings);

@@ -1,6 +1,7 @@
 // `tolmex info`: what the illustration picture of a drawing is made of.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 #include "Batch.h"
@@ -83,7 +84,75 @@ void printFences(const DrawingInfo& info) {
   }
 }
 
-void print(const std::string& file, const DrawingInfo& info) {
+std::string shownFigure(double value) {
+  constexpr double kSteps = 1000;
+  std::array<char, 64> figures{};
+  std::snprintf(figures.data(), figures.size(), "%.15g", std::round(value * kSteps) / kSteps);
+  return figures.data();
+}
+
+void printLayers(const DrawingFacts& facts) {
+  printLine("layers");
+  std::size_t empty = 0;
+  for (const LayerFacts& layer : facts.layers) {
+    if (layer.kinds.empty()) {
+      ++empty;
+      continue;
+    }
+    std::string line = "  " + layer.name + ":";
+    const char* separator = " ";
+    for (const auto& [kind, counted] : layer.kinds) {
+      line += separator + std::to_string(counted.count) + " " + kind;
+      if (counted.closed) line += " (" + std::to_string(*counted.closed) + " closed)";
+      separator = ", ";
+    }
+    for (const auto& [holds, word] : {std::pair(layer.isOff, "off"), std::pair(layer.isFrozen, "frozen"),
+                                      std::pair(layer.isLocked, "locked"), std::pair(!layer.isPlotted, "not plotted")})
+      if (holds) line += std::string("; ") + word;
+    printLine(line);
+  }
+  if (empty > 0) printLine("  without entities: " + std::to_string(empty));
+}
+
+/// The head with the number of them, and a line each; of very many the first ones.
+template <class Each, class Line>
+void printList(const std::string& head, const std::vector<Each>& list, const Line& line) {
+  constexpr std::size_t kMost = 25;
+  if (list.empty()) return;
+  printLine(head + " " + std::to_string(list.size()));
+  for (std::size_t i = 0; i < std::min(list.size(), kMost); ++i) printLine("  " + line(list[i]));
+  if (list.size() > kMost) printLine("  and " + std::to_string(list.size() - kMost) + " more; --json lists all");
+}
+
+void print(const DrawingFacts& facts) {
+  const host::geometry::Box& box = facts.extents;
+  printLine("extents " + (box.isEmpty() ? std::string("none")
+                                        : "(" + shownFigure(box.minX) + ", " + shownFigure(box.minY) + ") - (" +
+                                              shownFigure(box.maxX) + ", " + shownFigure(box.maxY) + ")"));
+  printLine("units " + (facts.unit.empty() ? std::string("not told, taken as metres") : facts.unit));
+  printLine("coordinate system " + (facts.system.empty() ? std::string("not known") : facts.system) +
+            (facts.isSystemGuessed ? ", by the coordinates" : ""));
+  printLayers(facts);
+  printList("texts", facts.texts, [](const TextFacts& each) {
+    std::string text = each.text;
+    std::ranges::replace(text, '\n', ' ');
+    return host::text::formatHandle(each.handle) + ": " + each.type + " on " + each.layer + ": " + text;
+  });
+  printList("images", facts.images, [](const ImageFacts& each) {
+    return host::text::formatHandle(each.handle) + ": " + each.file + (each.isThere ? "" : " (not there)");
+  });
+  printList("blocks", facts.blocks, [](const BlockFacts& each) {
+    return each.name + ": " + std::to_string(each.entities) + " entities, used " + std::to_string(each.uses) +
+           (each.uses == 1 ? " time" : " times") + (each.file.empty() ? "" : ", of " + each.file);
+  });
+  printList("layouts", facts.layouts, [](const LayoutFacts& each) {
+    return each.name + ": " + std::to_string(each.entities) + " entities" +
+           (each.widthMm > 0 ? ", paper " + shownFigure(each.widthMm) + " x " + shownFigure(each.heightMm) + " mm"
+                             : "");
+  });
+}
+
+void print(const std::string& file, const DrawingInfo& info, const DrawingFacts& facts) {
   printLine(file + ": AC" + std::to_string(info.version) + ", " + std::to_string(info.entities) +
             " entities in model space, " + std::to_string(info.layers) + " layers");
   printElements(info);
@@ -98,6 +167,7 @@ void print(const std::string& file, const DrawingInfo& info) {
     printLine("  " + color.layer + std::string(17 - std::min<std::size_t>(color.layer.size(), 16), ' ') +
               std::string(4 - std::min<std::size_t>(number.size(), 4), ' ') + number + (color.isOff ? "  off" : ""));
   }
+  print(facts);
   if (!info.fonts.empty()) printLine("fonts");
   for (const host::picture::FontUse& font : info.fonts) {
     printLine("  " + (font.name.empty() ? "no font named" : font.name) + ": " + std::to_string(font.texts) +
@@ -117,10 +187,11 @@ Result<> describe(const std::string& file, const fs::path& path, const InfoOptio
   host::dxf::RepairedDrawing repaired = lookThroughFile(path, drawing);
   info.fileProblems = std::move(repaired.problems);
   info.fonts = host::picture::fontsUsed(drawing);
+  const DrawingFacts facts = factsAbout(drawing, path.parent_path().string());
   if (options.json) {
-    std::fputs(drawingJson(file, info).c_str(), stdout);
+    std::fputs(drawingJson(file, info, facts).c_str(), stdout);
   } else {
-    print(file, info);
+    print(file, info, facts);
   }
   if (options.repaired.empty()) return {};
   if (Result<> written = writeRepaired(file, options.repaired, repaired.bytes); !written) return written;

@@ -127,6 +127,59 @@ Json problemsOf(const DrawingInfo& info) {
   return problems;
 }
 
+Json layersOf(const DrawingFacts& facts) {
+  Json layers = Json::array();
+  for (const LayerFacts& layer : facts.layers) {
+    Json kinds = Json::array();
+    for (const auto& [kind, counted] : layer.kinds)
+      kinds.push_back({{"kind", kind},
+                       {"count", counted.count},
+                       {"closed", counted.closed ? Json(*counted.closed) : Json(nullptr)}});
+    layers.push_back({{"name", layer.name},
+                      {"colour", layer.color},
+                      {"on", !layer.isOff},
+                      {"frozen", layer.isFrozen},
+                      {"locked", layer.isLocked},
+                      {"plotted", layer.isPlotted},
+                      {"kinds", std::move(kinds)}});
+  }
+  return layers;
+}
+
+/// What is in the drawing whatever it shows.
+void addFacts(Json& object, const DrawingFacts& facts) {
+  const auto place = [](double x, double y) { return Json::array({figure(x), figure(y)}); };
+  const host::geometry::Box& box = facts.extents;
+  object["extents"] = nullptr;
+  if (!box.isEmpty()) object["extents"] = {{"min", place(box.minX, box.minY)}, {"max", place(box.maxX, box.maxY)}};
+  object["drawingUnits"] = {{"name", facts.unit.empty() ? Json(nullptr) : Json(facts.unit)},
+                            {"metres", facts.metresPerUnit}};
+  object["coordinateSystem"] = nullptr;
+  if (!facts.system.empty()) object["coordinateSystem"] = {{"name", facts.system}, {"guessed", facts.isSystemGuessed}};
+  object["layerList"] = layersOf(facts);
+  Json texts = Json::array(), images = Json::array(), blocks = Json::array();
+  for (const TextFacts& each : facts.texts)
+    texts.push_back(
+        {{"handle", formatHandle(each.handle)}, {"type", each.type}, {"layer", each.layer}, {"text", each.text}});
+  for (const ImageFacts& each : facts.images)
+    images.push_back({{"handle", formatHandle(each.handle)}, {"file", each.file}, {"found", each.isThere}});
+  for (const BlockFacts& each : facts.blocks)
+    blocks.push_back({{"name", each.name},
+                      {"entities", each.entities},
+                      {"uses", each.uses},
+                      {"file", each.file.empty() ? Json(nullptr) : Json(each.file)}});
+  object["texts"] = std::move(texts);
+  object["images"] = std::move(images);
+  object["blocks"] = std::move(blocks);
+  Json layouts = Json::array();
+  for (const LayoutFacts& each : facts.layouts) {
+    Json paper = nullptr;
+    if (each.widthMm > 0) paper = {{"width", figure(each.widthMm)}, {"height", figure(each.heightMm)}};
+    layouts.push_back({{"name", each.name}, {"entities", each.entities}, {"paper", std::move(paper)}});
+  }
+  object["layouts"] = std::move(layouts);
+}
+
 /// Names of files and layers may hold bytes that are no UTF-8, and control characters: terminals obey those beyond
 /// ASCII too, which the library leaves as they are.
 std::string spelled(const Json& json, int indent = -1) {
@@ -152,24 +205,26 @@ std::string spelled(const Json& json, int indent = -1) {
 
 }  // namespace
 
-std::string drawingJson(const std::string& file, const DrawingInfo& info) {
+std::string drawingJson(const std::string& file, const DrawingInfo& info, const DrawingFacts& facts) {
   Json colors = Json::array();
   for (const LayerColor& color : info.colors)
     colors.push_back({{"layer", color.layer}, {"colour", color.color}, {"on", !color.isOff}});
-  return spelled({{"file", file},
-                  {"status", 0},
-                  {"error", nullptr},
-                  {"version", "AC" + std::to_string(info.version)},
-                  {"entities", info.entities},
-                  {"layers", info.layers},
-                  {"elements", elementsOf(info)},
-                  {"fences", fencesOf(info)},
-                  {"buildings", buildingsOf(info)},
-                  {"parkingRows", info.parkingRows},
-                  {"shadows", shadowsOf(info)},
-                  {"colours", std::move(colors)},
-                  {"fonts", fontsOf(info)},
-                  {"problems", problemsOf(info)}});
+  Json object = {{"file", file},
+                 {"status", 0},
+                 {"error", nullptr},
+                 {"version", "AC" + std::to_string(info.version)},
+                 {"entities", info.entities},
+                 {"layers", info.layers},
+                 {"elements", elementsOf(info)},
+                 {"fences", fencesOf(info)},
+                 {"buildings", buildingsOf(info)},
+                 {"parkingRows", info.parkingRows},
+                 {"shadows", shadowsOf(info)},
+                 {"colours", std::move(colors)},
+                 {"fonts", fontsOf(info)},
+                 {"problems", problemsOf(info)}};
+  addFacts(object, facts);
+  return spelled(object);
 }
 
 std::string failedDrawingJson(const std::string& file, int status, const std::string& error, std::string_view code) {

@@ -1,10 +1,13 @@
 // LIST, LAYOUT, ZOOM, HOVER.
+#include <algorithm>
 #include <cmath>
 
 #include "Curves/Bulges.h"
+#include "Database/TagValues.h"
 #include "Editor/Commands/HostCommands.h"
 #include "Editor/Selection/Spaces.h"
 #include "Editor/Session/Session.h"
+#include "Geometry/PlainText.h"
 #include "Text/Text.h"
 #include "dbents.h"
 #include "dbobjptr.h"
@@ -48,11 +51,75 @@ void listPolyline(Prompter& prompter, const AcDbPolyline& polyline) {
   prompter.line(summary);
 }
 
+std::wstring handleOf(const Slot& slot) { return L"  Handle = " + text::fromUtf8(text::formatHandle(slot.handle)); }
+
+/// The lines of a text, one beneath the other.
+void listText(Prompter& prompter, const Slot& slot) {
+  const std::wstring all = geometry::plainText(slot);
+  for (std::size_t begin = 0; begin < all.size();) {
+    const std::size_t end = std::min(all.find(L'\n', begin), all.size());
+    prompter.line(L"    text \"" + all.substr(begin, end - begin) + L"\"");
+    begin = end + 1;
+  }
+}
+
+/// Block, place, size and turn; attributes with their handles.
+void listReference(Prompter& prompter, const Slot& slot) {
+  const text::Codec& codec = slot.database().codec();
+  std::wstring block;
+  AcGePoint3d at;
+  double scale = 1, degrees = 0;
+  database::GeometryTags tags(slot.tags());
+  for (database::Tag tag; tags.next(tag);) {
+    if (database::takePoint(tag, 10, at)) continue;
+    if (tag.code == 2) block = codec.decode(tag.value);
+    if (tag.code == 41) scale = tag.real();
+    if (tag.code == 50) degrees = tag.real();
+  }
+  prompter.line(L"    block \"" + block + L"\" at " + shownPoint(at) + L"  scale " + shownNumber(scale) +
+                L"  rotation " + shownNumber(degrees));
+  for (const Slot* sub = slot.firstSub(); sub != nullptr; sub = sub->nextSub) {
+    if (sub->type != database::DxfType::Attrib || sub->isErased()) continue;
+    std::wstring name;
+    database::TagCursor own = sub->tags();
+    for (database::Tag tag; own.next(tag);)
+      if (tag.code == 2) name = codec.decode(tag.value);
+    prompter.line(L"    attribute " + name + L" \"" + geometry::plainText(*sub) + L"\"" + handleOf(*sub));
+  }
+}
+
+/// The pattern, and the lines that it follows (the handles behind the count of group 97).
+void listHatch(Prompter& prompter, const Slot& slot) {
+  std::wstring pattern, boundary;
+  bool isInSources = false;
+  database::TagCursor tags = slot.tags();
+  for (database::Tag tag; tags.next(tag);) {
+    if (tag.code == 2 && pattern.empty()) pattern = slot.database().codec().decode(tag.value);
+    if (tag.code == 97 || (isInSources && tag.code == 330)) {
+      if (tag.code == 330) boundary += L" " + text::fromUtf8(text::formatHandle(tag.handle()));
+      isInSources = true;
+    } else {
+      isInSources = false;
+    }
+  }
+  prompter.line(L"    pattern " + pattern + (boundary.empty() ? L"" : L"  boundary" + boundary));
+}
+
+/// What the extended data names: fills of outlines, ridges of buildings.
+void listReferences(Prompter& prompter, const Slot& slot) {
+  constexpr int kHandle = 1005;
+  std::wstring handles;
+  database::TagCursor tags = slot.tags();
+  for (database::Tag tag; tags.next(tag);)
+    if (tag.code == kHandle && tag.handle() != 0) handles += L" " + text::fromUtf8(text::formatHandle(tag.handle()));
+  if (!handles.empty()) prompter.line(L"    refers to" + handles);
+}
+
 void listEntity(Prompter& prompter, Slot& slot) {
   const database::DrawingDatabase& drawing = slot.database();
   std::wstring line = L"  " + text::fromUtf8(drawing.typeName(slot)) + L"  Layer: \"" + drawing.layerName(slot.layer) +
                       L"\"  Space: " + (slot.owner == drawing.modelSpace().record ? L"Model" : L"Paper") +
-                      L"  Handle = " + text::fromUtf8(text::formatHandle(slot.handle));
+                      handleOf(slot);
   const database::EntityProperties properties = database::entityProperties(slot);
   if (properties.color == 0) {
     line += L"  Color: BYBLOCK";
@@ -61,10 +128,14 @@ void listEntity(Prompter& prompter, Slot& slot) {
   }
   if (!properties.linetype.empty()) line += L"  Linetype: \"" + drawing.codec().decode(properties.linetype) + L"\"";
   prompter.line(line);
+  listText(prompter, slot);
+  if (slot.type == database::DxfType::Insert) listReference(prompter, slot);
+  if (slot.type == database::DxfType::Hatch) listHatch(prompter, slot);
   const AcDbObjectPointer<AcDbEntity> entity(AcDbObjectId(&slot), AcDb::kForRead);
   if (entity.openStatus() != Acad::eOk) return;
   if (const auto* asLine = AcDbLine::cast(entity.object())) listLine(prompter, *asLine);
   if (const auto* asPolyline = AcDbPolyline::cast(entity.object())) listPolyline(prompter, *asPolyline);
+  listReferences(prompter, slot);
 }
 
 void list(Prompter& prompter) {
@@ -248,7 +319,8 @@ void hover(Prompter& prompter) {
 }
 
 constexpr HostCommand kCommands[] = {
-    {L"LIST", ACRX_CMD_USEPICKSET | ACRX_CMD_NO_UNDO_MARKER, list, L"prints layer, handle, points and area of objects"},
+    {L"LIST", ACRX_CMD_USEPICKSET | ACRX_CMD_NO_UNDO_MARKER, list,
+     L"prints layer, handle, points, area and texts of objects"},
     {L"LAYOUT", ACRX_CMD_MODAL, layout, L"shows the layouts and makes one the current"},
     {L"ZOOM", ACRX_CMD_TRANSPARENT | ACRX_CMD_NO_UNDO_MARKER, zoom,
      L"sets the view, which decides how finely picks are meant"},
