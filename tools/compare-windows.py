@@ -192,6 +192,10 @@ def main() -> int:
     systems = [System("linux", [str(asked.linux.resolve())], out),
                System("windows", [wine, str(asked.windows.resolve())], out)]
     windows = systems[1]
+    # Fonts that drawings name are found on Linux only; there it shall have no others than the program for Windows brings.
+    fonts = out / "fonts.conf"
+    fonts.write_text("<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir></fontconfig>\n")
+    os.environ["FONTCONFIG_FILE"] = str(fonts)
     examples, guide = ROOT / "examples", ROOT / "docs/guide"
     made = ["out.dxf", "out.svg"] + (["out.png"] if asked.pictures else [])
     outputs = ["--out", "out.dxf", "--picture", "out.svg"] + (["--picture", "out.png"] if asked.pictures else [])

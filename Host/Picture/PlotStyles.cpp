@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "Platform/Paths.h"
 #include "Text/Text.h"
 
 namespace host::picture {
@@ -168,7 +169,7 @@ std::optional<PlotStyles> findPlotStyles(const std::string& styleSheet, const Pi
                                          std::string& note) {
   std::string name = styleSheet;
   std::ranges::replace(name, '\\', '/');
-  name = fs::path(name).filename().string();
+  name.erase(0, name.rfind('/') + 1);
   const std::wstring folded = text::fromUtf8(name);
   const auto endsIn = [&folded](std::wstring_view end) {
     return folded.size() > end.size() &&
@@ -178,7 +179,7 @@ std::optional<PlotStyles> findPlotStyles(const std::string& styleSheet, const Pi
     if (endsIn(L".stb")) note = "Named plot styles are not used: " + name + ".";
     return std::nullopt;
   }
-  std::vector<fs::path> folders = {options.drawingFolder.empty() ? fs::path(".") : fs::path(options.drawingFolder)};
+  std::vector<fs::path> folders = {options.drawingFolder.empty() ? "." : platform::pathOf(options.drawingFolder)};
   folders.insert(folders.end(), options.supportFolders.begin(), options.supportFolders.end());
   for (const fs::path& folder : folders) {
     const auto file = fileIn(folder, name);

@@ -45,7 +45,7 @@ bool leaveNote(const std::string& note) {
 
 int forEachDrawing(const CommonOptions& options, RunStatus crashStatus, const std::function<int(std::size_t)>& work,
                    const TakeResult& take, bool wantsWorker) {
-  if (options.drawings.size() == 1 && !wantsWorker) return work(0);
+  if (options.drawings.size() == 1 && !wantsWorker && !isWorker()) return work(0);
   std::vector<BatchTask> tasks;
   for (std::size_t i = 0; i < options.drawings.size(); ++i)
     tasks.push_back({shownName(options.drawings[i]), [&work, i] {

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "Outputs.h"
+#include "Platform/Paths.h"
 
 namespace tolmex {
 
@@ -50,8 +51,8 @@ constexpr std::array kSettings = {"tolm.ini", "orvpath.cfg"};
 }  // namespace
 
 ResumeLog::ResumeLog(const RunOptions& options, const std::string& script) : call_(options.asGiven + "\n" + script) {
-  addFile(call_, options.picture.sheetFile);
-  addFile(call_, options.picture.legendFile);
+  addFile(call_, host::platform::pathOf(options.picture.sheetFile));
+  addFile(call_, host::platform::pathOf(options.picture.legendFile));
   for (const fs::path& folder : options.supportFolders) {
     std::error_code error;
     std::vector<fs::path> files;
