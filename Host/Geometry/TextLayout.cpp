@@ -38,7 +38,8 @@ struct StyleTags {
 
   StyleTags(const database::DrawingDatabase& db, std::string_view name) {
     constexpr int kVertical = 4;
-    const Slot* record = name.empty() ? nullptr : db.findRecord(DxfType::TextStyle, db.codec().decode(name));
+    // Texts leave out the name of the usual style.
+    const Slot* record = db.findRecord(DxfType::TextStyle, name.empty() ? L"Standard" : db.codec().decode(name));
     if (record == nullptr) return;
     face = faceOfStyle(*record);
     database::TagCursor tags = record->tags();

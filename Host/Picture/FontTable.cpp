@@ -29,7 +29,7 @@ constexpr std::string_view kSans = "Arial|Liberation Sans|Arimo|Nimbus Sans",
 /// its own format; the first ones in their rows come from the same drawings of letters as those they stand for.
 constexpr std::array kRows = {
     Row{"arial|arial.ttf|arial unicode ms|arialuni.ttf|helvetica|helvetica.ttf|swiss 721|swiss.ttf|microsoft sans serif"
-        "|micross.ttf|ms sans serif|segoe ui|segoeui.ttf",
+        "|micross.ttf|ms sans serif|segoe ui|segoeui.ttf|ms shell dlg|ms shell dlg 2",
         kSans, ""},
     Row{"arialbd.ttf|arial black|ariblk.ttf|segoeuib.ttf", kSans, "", true, false},
     Row{"ariali.ttf", kSans, "", false, true},

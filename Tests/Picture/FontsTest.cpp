@@ -57,6 +57,8 @@ TEST(Fonts, StandInsHaveTheFormOfThoseThatAreNamed) {
   EXPECT_EQ(drawnWith("unheard-of.shx"), "standard.lff");
   for (const char* const odd : {"", "no such face.ttf", "../../etc/passwd.ttf", "a\"b'c.ttf", "<x>", "\x01\x02"})
     EXPECT_EQ(drawnWith(odd[0] == 0 ? "" : std::string(odd) + ".ttf"), "DejaVu Sans") << odd;
+  SmallDatabase usual(SmallDrawing().style("STANDARD", "70 0|3 txt").entity("TEXT", "10 1|20 8|40 4|1 a"));
+  EXPECT_EQ(host::picture::fontsUsed(*usual).at(0).drawnWith, "standard.lff") << "texts need not name it";
   // Widths of the stand-in are those of the font: an H of Arial is 1479 units wide, its capitals 1466 tall.
   GlyphSource glyphs;
   EXPECT_NEAR(glyphs.width(L"HH", {fontNumber(L"Arial")}), 2 * 1479.0 / 1466, 0.01);
