@@ -73,6 +73,7 @@ Result<std::string> geoTiff(const std::string& png, const GeoPlace& place) {
   if (isOpaque(*picture) && picture->GetRasterCount() == 4)
     words.insert(words.end(), {"-b", "1", "-b", "2", "-b", "3"});
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   const std::unique_ptr<GDALTranslateOptions, void (*)(GDALTranslateOptions*)> options(
@@ -193,7 +194,7 @@ Result<std::string> geoPdf(const std::string& pdf, const GeoPlace& place) {
   prepareLibrary();
   const std::optional<PdfPage> page = firstPage(pdf);
   if (!page) return failed("its page was not found");
-  const Result<std::string> measure = viewport(place, *page);
+  Result<std::string> measure = viewport(place, *page);
   if (!measure) return measure;
   std::string bytes = pdf;
   if (bytes.back() != '\n') bytes += '\n';

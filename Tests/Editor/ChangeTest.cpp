@@ -44,8 +44,6 @@ class Changes : public test::Host {
   }
   Slot& entity(std::uint64_t handle) const { return *app.drawing()->findHandle(handle); }
 
-  static constexpr double kEast = 25496000, kNorth = 6672000;
-
  private:
   tests::OwnFolder folder_;
 };
@@ -265,14 +263,15 @@ TEST_F(Changes, EveryKindGoesWhereItsPointsGo) {
 TEST_F(Changes, JoinsWhatMeetsAndClosesRings) {
   // A ring of two lines, an arc and a polyline; one of the lines runs the other way.
   expectDone("LINE 25496000,6672000 25496010,6672000\n\nLINE 25496010,6672004 25496000,6672004\n\n");
-  open({"0\nLINE\n5\n100\n100\nAcDbEntity\n8\nkerb\n100\nAcDbLine\n10\n0\n20\n0\n30\n0\n11\n10\n21\n0\n31\n0\n",
-        "0\nARC\n5\n101\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n10\n20\n2\n30\n0\n40\n2\n100\nAcDbArc\n50\n270\n51"
-        "\n90\n",
-        "0\nLINE\n5\n102\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n0\n20\n4\n30\n0\n11\n10\n21\n4\n31\n0\n",
-        "0\nLWPOLYLINE\n5\n103\n100\nAcDbEntity\n8\nwall\n62\n3\n100\nAcDbPolyline\n90\n3\n70\n0\n10\n0\n20\n4\n10\n-"
-        "2\n20\n2\n10\n0\n20\n0.00005\n",
-        "0\nLINE\n5\n104\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n50\n20\n0\n30\n0\n11\n60\n21\n0\n31\n0\n",
-        "0\nTEXT\n5\n105\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n0\n20\n0\n30\n0\n40\n1\n1\nx\n100\nAcDbText\n"});
+  open(
+      {"0\nLINE\n5\n100\n100\nAcDbEntity\n8\nkerb\n100\nAcDbLine\n10\n0\n20\n0\n30\n0\n11\n10\n21\n0\n31\n0\n",
+       ("0\nARC\n5\n101\n100\nAcDbEntity\n8\n0\n100\nAcDbCircle\n10\n10\n20\n2\n30\n0\n40\n2\n100\nAcDbArc\n50\n270\n51"
+        "\n90\n"),
+       "0\nLINE\n5\n102\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n0\n20\n4\n30\n0\n11\n10\n21\n4\n31\n0\n",
+       ("0\nLWPOLYLINE\n5\n103\n100\nAcDbEntity\n8\nwall\n62\n3\n100\nAcDbPolyline\n90\n3\n70\n0\n10\n0\n20\n4\n10\n-"
+        "2\n20\n2\n10\n0\n20\n0.00005\n"),
+       "0\nLINE\n5\n104\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n50\n20\n0\n30\n0\n11\n60\n21\n0\n31\n0\n",
+       "0\nTEXT\n5\n105\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n0\n20\n0\n30\n0\n40\n1\n1\nx\n100\nAcDbText\n"});
   expectUndoable("JOIN ALL\n\n");
   ASSERT_EQ(entities().size(), 3U);
   const Slot& ring = entity(0x103);
