@@ -12,7 +12,6 @@
 namespace tests {
 namespace {
 
-using host::geometry::Face;
 using host::geometry::fontFileNumber;
 using host::geometry::fontName;
 using host::geometry::fontNumber;

@@ -13,7 +13,6 @@ namespace {
 
 using host::picture::PlanFacts;
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr double kPixelsPerMm = 96 / 25.4;
 

@@ -30,8 +30,10 @@ TEST(Painting, IslandStyles) {
     std::string tags = "10 0|20 0|30 0|210 0|220 0|230 1|2 SOLID|70 1|71 0|91 3";
     for (const auto& [a, b] : {std::pair{0, 20}, std::pair{4, 16}, std::pair{8, 12}}) {
       const std::string s = std::to_string(a), t = std::to_string(b);
-      tags += "|92 3|72 0|73 1|93 4|10 " + s + "|20 " + s + "|10 " + t + "|20 " + s + "|10 " + t + "|20 " + t + "|10 " +
-              s + "|20 " + t + "|97 0";
+      tags += "|92 3|72 0|73 1|93 4";
+      for (const auto& [x, y] : {std::pair{&s, &s}, {&t, &s}, {&t, &t}, {&s, &t}})
+        tags.append("|10 ").append(*x).append("|20 ").append(*y);
+      tags += "|97 0";
     }
     return SmallDrawing().entity("HATCH", tags + "|75 " + style + "|76 1|98 0", "8 0|62 1");
   };

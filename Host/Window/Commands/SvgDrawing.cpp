@@ -222,7 +222,7 @@ SvgDrawing::SvgDrawing(const QByteArray& svg) {
     QPainterPath outline = outlineOf(reader.name(), attributes);
     if (outline.isEmpty()) continue;
     outline.setFillRule(style.rule == "evenodd" ? Qt::OddEvenFill : Qt::WindingFill);
-    shapes_.append({std::move(outline), style.brush(), style.pen()});
+    shapes_.append({outline, style.brush(), style.pen()});
   }
   if (reader.hasError() || viewBox_.isEmpty()) shapes_.clear();
 }

@@ -315,7 +315,9 @@ TEST_F(Tiles, MuchThatChangesIsLaidOutBehindTheFormerPicture) {
   SmallDrawing drawing;
   for (int i = 0; i < kLines; ++i) {
     const std::string x = std::to_string(i % 200), y = std::to_string(i / 200);
-    drawing.entity("LINE", "10 " + x + "|20 " + y + "|11 " + x + ".5|21 " + y);
+    std::string tags = "10 ";
+    tags.append(x).append("|20 ").append(y).append("|11 ").append(x).append(".5|21 ").append(y);
+    drawing.entity("LINE", tags);
   }
   open(drawing);
   EXPECT_TRUE(canvas->isLayingOut());
