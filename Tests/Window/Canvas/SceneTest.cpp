@@ -79,7 +79,7 @@ TEST_F(Following, CommandsUndoAndRedo) {
   watch();
   for (int i = 0; i < 30; ++i) {
     const std::string y = std::to_string(20 + i);
-    run("LINE\n0," + y + "\n10," + y + "\n\n");
+    run(std::string("LINE\n0,").append(y).append("\n10,").append(y).append("\n\n"));
   }
   run("ERASE\nW\n-1,19\n11,25.5\n\n");
   run("LAYER\nC\n1\nroads\n\n");
