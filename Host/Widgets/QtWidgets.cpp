@@ -86,6 +86,10 @@ class Typed : public QtWidget {
 class DialogWindow : public QDialog {
  public:
   DialogWindow(HostWindow& window, QWidget* parent) : QDialog(parent), window_(window) {}
+  /// Whoever sends the dialog away, the module hears of it: a dialog only hidden would wait for ever.
+  void reject() override {
+    if (isVisible()) win32::widgetEscaped(window_);
+  }
 
  protected:
   void keyPressEvent(QKeyEvent* event) override {

@@ -2,12 +2,14 @@
 // saves soundly, and the script of it gives the same bytes.
 #include <QColorDialog>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QSemaphore>
 #include <QTest>
+#include <QThread>
 #include <QWheelEvent>
 #include <cstdlib>
 #include <random>
@@ -289,7 +291,10 @@ class Monkey : public WindowTest, public testing::WithParamInterface<int> {
 
   /// Leaves dialogs and commands.
   bool rest() {
-    for (int i = 0; i < 300; ++i) {
+    // A command may work for a while yet; events that come meanwhile are answered at once.
+    constexpr qint64 kLongMs = 30'000;
+    QElapsedTimer waited;
+    for (waited.start(); waited.elapsed() < kLongMs; QThread::msleep(2)) {
       if (!isBlocked() && get<bool>([this] { return engine->input().isAtRest(); })) return true;
       act([] {
         if (QWidget* const popup = QApplication::activePopupWidget()) {
