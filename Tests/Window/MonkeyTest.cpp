@@ -36,10 +36,12 @@ std::string firstDifference(const std::string& a, const std::string& b) {
   std::string one, other, before;
   for (int line = 1; std::getline(left, one); ++line) {
     if (std::getline(right, other) && one == other) {
-      before = before.size() > 300 ? before.substr(150) + one + '/' : before + one + '/';
+      if (before.size() > 300) before.erase(0, 150);
+      before.append(one).append("/");
       continue;
     }
-    return "line " + std::to_string(line) + " behind " + before + ": " + one + " by hand, " + other + " by script\n";
+    std::string words = "line " + std::to_string(line) + " behind ";
+    return words.append(before).append(": ").append(one).append(" by hand, ").append(other).append(" by script\n");
   }
   return {};
 }
@@ -319,7 +321,7 @@ TEST_P(Monkey, WhatIsLeftSavesSoundly) {
   const auto script = folder.path / "done.scr", out = folder.path / "out.dxf";
   // Colours can be saved: of each run its own.
   const auto supportOf = [this](const char* name) {
-    const std::filesystem::path own = folder.path / name;
+    std::filesystem::path own = folder.path / name;
     std::filesystem::create_directory(own);
     std::filesystem::copy_file(supportFolder / "tolm.ini", own / "tolm.ini");
     return own;

@@ -73,7 +73,7 @@ TEST_F(View, StraysAreLeftOutAndCounted) {
   SmallDrawing halves;
   for (int i = 0; i < 40; ++i) {
     const std::string x = std::to_string((i % 2) * 5000 + i);
-    halves.entity("LINE", "10 " + x + "|20 0|11 " + x + "|21 30");
+    halves.entity("LINE", std::string("10 ").append(x).append("|20 0|11 ").append(x).append("|21 30"));
   }
   open(halves);
   EXPECT_LE(canvas->visibleBox().minX, 0);
