@@ -3,11 +3,11 @@
 #include <thread>
 
 #include "Geometry/TextLayout.h"
-#include "Picture/FontTable.h"
+#include "Picture/Fonts/FontTable.h"
+#include "Picture/Fonts/StrokeFont.h"
 #include "Picture/FontsUsed.h"
 #include "Picture/Glyphs.h"
 #include "Picture/Rendered.h"
-#include "Picture/StrokeFont.h"
 
 namespace tests {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Picture/Dashes.h"
+#include "Picture/Painting/Dashes.h"
 #include "Picture/Rendered.h"
 
 namespace tests {

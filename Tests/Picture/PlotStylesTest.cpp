@@ -1,8 +1,8 @@
 #include <fstream>
 
 #include "OwnFolder.h"
-#include "Picture/PlotStyles.h"
 #include "Picture/Rendered.h"
+#include "Picture/Sheets/PlotStyles.h"
 
 namespace tests {
 namespace {

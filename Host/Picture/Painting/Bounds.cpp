@@ -1,4 +1,4 @@
-#include "Picture/Bounds.h"
+#include "Picture/Painting/Bounds.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // A picture library without HarfBuzz and FriBidi: every letter stands for itself, one behind the other.
-#include "Picture/Shaping.h"
+#include "Picture/Fonts/Shaping.h"
 
 #include <algorithm>
 

@@ -9,11 +9,11 @@
 #include <tuple>
 
 #include "Geometry/TextLayout.h"
-#include "Picture/FontSearch.h"
-#include "Picture/FontTable.h"
-#include "Picture/OutlineFont.h"
-#include "Picture/Shaping.h"
-#include "Picture/StrokeFont.h"
+#include "Picture/Fonts/FontSearch.h"
+#include "Picture/Fonts/FontTable.h"
+#include "Picture/Fonts/OutlineFont.h"
+#include "Picture/Fonts/Shaping.h"
+#include "Picture/Fonts/StrokeFont.h"
 #include "Platform/Library.h"
 #include "Platform/System.h"
 #include "Text/Text.h"

@@ -1,4 +1,4 @@
-#include "Picture/PdfWriter.h"
+#include "Picture/Formats/PdfWriter.h"
 
 #include <array>
 #include <cstdint>
@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Picture/Formats/PixelRows.h"
 #include "Picture/PaperSizes.h"
-#include "Picture/PixelRows.h"
 #include "Text/Text.h"
 
 // References: ISO 32000-1, 7.5 (file structure), 8.4 and 8.5 (graphics state, paths), 8.7.4 (shadings), 8.9.5 (images),

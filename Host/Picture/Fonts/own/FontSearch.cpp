@@ -1,5 +1,5 @@
 // A picture library without fontconfig: it has its own font and those of strokes.
-#include "Picture/FontSearch.h"
+#include "Picture/Fonts/FontSearch.h"
 
 namespace host::picture {
 

@@ -7,7 +7,7 @@
 #include "Database/ObjectAccess.h"
 #include "Database/TagValues.h"
 #include "Geometry/BlockClips.h"
-#include "Picture/Bounds.h"
+#include "Picture/Painting/Bounds.h"
 
 namespace host::picture {
 namespace {

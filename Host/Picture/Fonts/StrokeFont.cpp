@@ -1,4 +1,4 @@
-#include "Picture/StrokeFont.h"
+#include "Picture/Fonts/StrokeFont.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "Picture/ImagePlaces.h"
-#include "Picture/RasterImage.h"
+#include "Picture/Images/RasterImage.h"
 #include "Text/Text.h"
 
 namespace host::picture {

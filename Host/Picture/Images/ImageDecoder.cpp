@@ -3,7 +3,7 @@
 #include <QImage>
 #include <QImageReader>
 
-#include "Picture/RasterImage.h"
+#include "Picture/Images/RasterImage.h"
 
 namespace host::picture {
 namespace {

@@ -10,12 +10,12 @@
 #include <array>
 #include <cmath>
 
-#include "Picture/HtmlWriter.h"
-#include "Picture/PdfWriter.h"
-#include "Picture/PixelRows.h"
+#include "Picture/Formats/HtmlWriter.h"
+#include "Picture/Formats/PdfWriter.h"
+#include "Picture/Formats/PixelRows.h"
+#include "Picture/Formats/SvgWriter.h"
+#include "Picture/Images/RasterImage.h"
 #include "Picture/QtPainting.h"
-#include "Picture/RasterImage.h"
-#include "Picture/SvgWriter.h"
 
 namespace host::picture {
 namespace {

@@ -1,4 +1,4 @@
-#include "Picture/FontTable.h"
+#include "Picture/Fonts/FontTable.h"
 
 #include <algorithm>
 #include <array>

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Picture/Clipping.h"
+#include "Picture/Painting/Clipping.h"
 
 namespace host::picture {
 

@@ -1,10 +1,10 @@
-#include "Picture/HtmlWriter.h"
+#include "Picture/Formats/HtmlWriter.h"
 
 #include <cstdio>
 #include <cstring>
 #include <string_view>
 
-#include "Picture/SvgWriter.h"
+#include "Picture/Formats/SvgWriter.h"
 
 // The page around a picture (page.html), behind its length.
 extern "C" const unsigned char tolmexWebPage[];

@@ -1,4 +1,4 @@
-#include "Picture/OutlineFont.h"
+#include "Picture/Fonts/OutlineFont.h"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H

@@ -1,4 +1,4 @@
-#include "Picture/Dashes.h"
+#include "Picture/Painting/Dashes.h"
 
 #include <cmath>
 #include <numeric>

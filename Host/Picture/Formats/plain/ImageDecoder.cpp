@@ -1,7 +1,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "Picture/RasterImage.h"
+#include "Picture/Images/RasterImage.h"
 
 namespace host::picture {
 namespace {

@@ -1,4 +1,4 @@
-#include "Picture/Clipping.h"
+#include "Picture/Painting/Clipping.h"
 
 namespace host::picture {
 

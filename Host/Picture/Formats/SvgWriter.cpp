@@ -1,4 +1,4 @@
-#include "Picture/SvgWriter.h"
+#include "Picture/Formats/SvgWriter.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Picture/RasterImage.h"
+#include "Picture/Images/RasterImage.h"
 #include "Text/Text.h"
 
 namespace host::picture {

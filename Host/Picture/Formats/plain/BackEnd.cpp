@@ -4,10 +4,10 @@
 #include <array>
 #include <charconv>
 
-#include "Picture/HtmlWriter.h"
-#include "Picture/PdfWriter.h"
-#include "Picture/PixelRows.h"
-#include "Picture/SvgWriter.h"
+#include "Picture/Formats/HtmlWriter.h"
+#include "Picture/Formats/PdfWriter.h"
+#include "Picture/Formats/PixelRows.h"
+#include "Picture/Formats/SvgWriter.h"
 #include "Preview/FilePreview.h"
 #include "adesk.h"
 

@@ -1,4 +1,4 @@
-#include "Picture/FontSearch.h"
+#include "Picture/Fonts/FontSearch.h"
 
 #include <fontconfig/fontconfig.h>
 

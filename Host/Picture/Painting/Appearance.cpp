@@ -6,7 +6,7 @@
 
 #include "Database/Palette.h"
 #include "Hatching/Linetypes.h"
-#include "Picture/PlotStyles.h"
+#include "Picture/Sheets/PlotStyles.h"
 #include "Text/Text.h"
 
 namespace host::picture {

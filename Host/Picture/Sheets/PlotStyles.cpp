@@ -1,4 +1,4 @@
-#include "Picture/PlotStyles.h"
+#include "Picture/Sheets/PlotStyles.h"
 
 #include <ft2build.h>
 #include FT_GZIP_H

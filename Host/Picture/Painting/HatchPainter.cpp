@@ -7,8 +7,8 @@
 #include "Database/ObjectAccess.h"
 #include "Geometry/HatchArea.h"
 #include "Hatching/HatchRecord.h"
-#include "Picture/Clipping.h"
 #include "Picture/EntityPainter.h"
+#include "Picture/Painting/Clipping.h"
 
 namespace host::picture {
 namespace {

@@ -5,8 +5,8 @@
 #include <numbers>
 
 #include "Database/TagValues.h"
-#include "Picture/Clipping.h"
-#include "Picture/Dashes.h"
+#include "Picture/Painting/Clipping.h"
+#include "Picture/Painting/Dashes.h"
 
 namespace host::picture {
 namespace {

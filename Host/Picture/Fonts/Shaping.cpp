@@ -1,4 +1,4 @@
-#include "Picture/Shaping.h"
+#include "Picture/Fonts/Shaping.h"
 
 #include <fribidi/fribidi.h>
 #include <harfbuzz/hb-ot.h>

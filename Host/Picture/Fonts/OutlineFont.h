@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "Picture/Fonts/Shaping.h"
 #include "Picture/Glyphs.h"
-#include "Picture/Shaping.h"
 
 namespace host::picture {
 

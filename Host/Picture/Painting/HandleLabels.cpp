@@ -1,4 +1,4 @@
-#include "Picture/HandleLabels.h"
+#include "Picture/Painting/HandleLabels.h"
 
 #include <algorithm>
 #include <cmath>
