@@ -159,7 +159,7 @@ class Gatherer {
 
 }  // namespace
 
-DrawingFacts factsAbout(const DrawingDatabase& drawing, const std::string& folder) {
+DrawingFacts drawingFacts(const DrawingDatabase& drawing, const std::string& folder) {
   DrawingFacts facts;
   facts.extents = host::geometry::blockExtents(drawing, drawing.modelSpace());
   facts.unit = unitName(drawing.headerInteger("$INSUNITS", 70).value_or(0));

@@ -63,6 +63,6 @@ struct DrawingFacts {
 };
 
 /// `folder`: that of the drawing's file, where its images are looked for.
-DrawingFacts factsAbout(const host::database::DrawingDatabase& drawing, const std::string& folder);
+DrawingFacts drawingFacts(const host::database::DrawingDatabase& drawing, const std::string& folder);
 
 }  // namespace tolmex

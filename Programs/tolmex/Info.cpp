@@ -187,7 +187,7 @@ Result<> describe(const std::string& file, const fs::path& path, const InfoOptio
   host::dxf::RepairedDrawing repaired = lookThroughFile(path, drawing);
   info.fileProblems = std::move(repaired.problems);
   info.fonts = host::picture::fontsUsed(drawing);
-  const DrawingFacts facts = factsAbout(drawing, path.parent_path().string());
+  const DrawingFacts facts = drawingFacts(drawing, path.parent_path().string());
   if (options.json) {
     std::fputs(drawingJson(file, info, facts).c_str(), stdout);
   } else {

@@ -120,7 +120,7 @@ Result<> writePicture(const host::database::DrawingDatabase& drawing, host::pict
     }
     host::picture::PlanFacts facts;
     if (picture.format == PictureFormat::Svg || picture.format == PictureFormat::Html) {
-      facts = factsOf(drawing, options.metresPerUnit);
+      facts = planFacts(drawing, options.metresPerUnit);
       options.facts = &facts;
     }
     Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);

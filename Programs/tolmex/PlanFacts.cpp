@@ -144,7 +144,7 @@ std::vector<LegendRow> legendRows(const DrawingDatabase& plan, double metresPerU
   return rowsOf(plan, lookThrough(*plan.facade(), true), metresPerUnit);
 }
 
-host::picture::PlanFacts factsOf(const DrawingDatabase& plan, double metresPerUnit) {
+host::picture::PlanFacts planFacts(const DrawingDatabase& plan, double metresPerUnit) {
   host::picture::PlanFacts facts;
   const DrawingInfo info = lookThrough(*plan.facade(), true);
   facts.legend = rowsOf(plan, info, metresPerUnit);

@@ -12,6 +12,6 @@ std::vector<host::picture::LegendRow> legendRows(const host::database::DrawingDa
 
 /// The rows, and of each element, its fill, building and symbol what the cursor's tooltip says and its measures; no
 /// title.
-host::picture::PlanFacts factsOf(const host::database::DrawingDatabase& plan, double metresPerUnit);
+host::picture::PlanFacts planFacts(const host::database::DrawingDatabase& plan, double metresPerUnit);
 
 }  // namespace tolmex
