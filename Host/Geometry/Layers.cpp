@@ -32,6 +32,7 @@ LayerState LayerStates::read(std::uint32_t layerIndex) const {
       }
       case 70:
         state.frozen = (tag.integer() & 1) != 0;
+        state.locked = (tag.integer() & 4) != 0;
         break;
       case 290:
         state.plottable = tag.integer() != 0;

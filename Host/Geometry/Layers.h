@@ -18,7 +18,7 @@ struct LayerState {
   std::int64_t trueColor = -1;    // 0xRRGGBB, or -1
   int lineweight = -3;            // hundredths of a millimetre, -3 default
   std::int64_t transparency = 0;  // as tag 440
-  bool off = false, frozen = false, plottable = true;
+  bool off = false, frozen = false, locked = false, plottable = true;
   bool isDrawn() const { return !off && !frozen; }
 };
 

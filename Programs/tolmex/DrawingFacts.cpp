@@ -83,13 +83,8 @@ class Gatherer {
     made.color = state.color;
     made.isOff = state.off;
     made.isFrozen = state.frozen;
+    made.isLocked = state.locked;
     made.isPlotted = state.plottable;
-    if (const Slot* record = drawing_.layerRecord(index)) {
-      constexpr std::int64_t kLocked = 4;
-      TagCursor tags = record->tags();
-      for (Tag tag; tags.next(tag);)
-        if (tag.code == 70) made.isLocked = (tag.integer() & kLocked) != 0;
-    }
     facts_.layers.push_back(std::move(made));
     return facts_.layers.back();
   }

@@ -75,23 +75,6 @@ bool isHidden(const Slot& entity) {
   return false;
 }
 
-LayerState readLayerState(const Slot* record) {
-  LayerState state;
-  if (record == nullptr) return state;
-  database::Tag tag;
-  for (database::TagCursor tags = record->tags(); tags.next(tag);) {
-    if (tag.code == 70) {
-      state.frozen = (tag.integer() & 1) != 0;
-      state.locked = (tag.integer() & 4) != 0;
-    } else if (tag.code == 62) {
-      state.off = tag.integer() < 0;
-    } else if (tag.code == 1001) {
-      break;
-    }
-  }
-  return state;
-}
-
 }  // namespace
 
 void EntityFinder::forget() { *this = EntityFinder(); }
@@ -118,7 +101,7 @@ void EntityFinder::follow(const Drawing& drawing, const std::vector<const Slot*>
   bool othersStay = true;
   for (const Slot* slot : changed) {
     if (isUnseen(*slot)) continue;
-    if (slot->type == DxfType::Layer) layers_.clear();
+    if (slot->type == DxfType::Layer) layers_.reset();
     const Slot* entity = slot;
     while (entity != nullptr && entity->isSubEntity()) entity = entity->owner;
     if (entity != nullptr && entity->isEntity() && spaces.contains(entity->owner)) {
@@ -131,18 +114,15 @@ void EntityFinder::follow(const Drawing& drawing, const std::vector<const Slot*>
   if (!othersStay) dependentBoxes_.clear();
 }
 
-LayerState EntityFinder::layerState(const Slot& entity) {
+const geometry::LayerState& EntityFinder::layerState(const Slot& entity) {
   refresh(entity.database());
-  if (entity.layer >= layers_.size()) layers_.resize(entity.layer + 1);
-  std::optional<LayerState>& known = layers_[entity.layer];
-  if (!known) known = readLayerState(entity.database().layerRecord(entity.layer));
-  return *known;
+  if (layers_ == nullptr) layers_ = std::make_unique<geometry::LayerStates>(entity.database());
+  return layers_->at(entity.layer);
 }
 
 bool EntityFinder::isVisible(const Slot& entity) {
   if (entity.isErased()) return false;
-  const LayerState state = layerState(entity);
-  return !state.off && !state.frozen && !isHidden(entity);
+  return layerState(entity).isDrawn() && !isHidden(entity);
 }
 
 std::vector<Slot*> EntityFinder::visibleNewestFirst(const Space& space) {

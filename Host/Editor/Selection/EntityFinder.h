@@ -5,18 +5,15 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <unordered_map>
 #include <vector>
 
 #include "Database/DrawingDatabase.h"
 #include "Geometry/EntityPaths.h"
+#include "Geometry/Layers.h"
 
 namespace host::editor {
-
-struct LayerState {
-  bool off = false, frozen = false, locked = false;
-};
 
 /// Answers about one drawing at a time. What it knows is kept over commands; of what they change it forgets what the
 /// change may have moved.
@@ -31,7 +28,7 @@ class EntityFinder {
   /// Drops what is known, when a drawing is closed.
   void forget();
 
-  LayerState layerState(const Slot& entity);
+  const geometry::LayerState& layerState(const Slot& entity);
   /// On a layer that is on and thawed, and not hidden by itself.
   bool isVisible(const Slot& entity);
   /// Living entities of the space that are visible, newest first.
@@ -62,7 +59,7 @@ class EntityFinder {
 
   const Drawing* drawing_ = nullptr;
   std::uint64_t changeCount_ = 0;
-  std::vector<std::optional<LayerState>> layers_;                  // by layer number
+  std::unique_ptr<geometry::LayerStates> layers_;
   std::unordered_map<const Slot*, Order> orders_;                  // by block record
   std::unordered_map<const Slot*, geometry::Box> ownBoxes_;        // of entities that are drawn by their own tags alone
   std::unordered_map<const Slot*, geometry::Box> dependentBoxes_;  // of the others

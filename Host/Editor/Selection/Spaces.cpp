@@ -46,7 +46,7 @@ std::vector<Slot*> selectAll(Session& session, std::size_t* locked) {
   const database::BlockContents& space = session.currentSpace();
   for (auto it = space.entities.rbegin(); it != space.entities.rend(); ++it) {
     if ((*it)->isErased() || (*it)->isSubEntity()) continue;
-    const LayerState state = session.finder().layerState(**it);
+    const geometry::LayerState& state = session.finder().layerState(**it);
     if (state.frozen) continue;
     if (!state.locked) {
       found.push_back(*it);

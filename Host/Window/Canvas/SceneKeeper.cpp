@@ -61,17 +61,6 @@ bool isStraight(const Slot& entity) {
   }
 }
 
-std::uint32_t layerBits(const database::DrawingDatabase& drawing, std::uint32_t layer) {
-  const Slot* record = drawing.layerRecord(layer);
-  if (record == nullptr) return 0;
-  database::TagCursor tags = record->tags();
-  for (database::Tag tag; tags.next(tag);) {
-    if (tag.code == 70) return static_cast<std::uint32_t>(tag.integer());
-    if (tag.code >= 1000) break;
-  }
-  return 0;
-}
-
 }  // namespace
 
 std::size_t Scene::entityCount() const {
@@ -115,25 +104,18 @@ struct SceneKeeper::Composer {
     if (entity.itemCount > 0) {
       const geometry::LayerState& layer = layers_.at(slot->layer);
       entity.isPickable = layer.isDrawn() && !database::entityProperties(*slot).invisible;
-      entity.isLocked = isLocked(slot->layer);
+      entity.isLocked = layer.locked;
     }
     chunk.entities.push_back(entity);
   }
 
  private:
-  bool isLocked(std::uint32_t layer) {
-    const auto [entry, isNew] = locked_.try_emplace(layer);
-    if (isNew) entry->second = (layerBits(keeper_.drawing_, layer) & 4) != 0;
-    return entry->second;
-  }
-
   SceneKeeper& keeper_;
   picture::PictureOptions options_;
   geometry::LayerStates layers_;
   double deviation_;
   picture::Recorder recorder_;
   picture::EntityPainter painter_;
-  std::unordered_map<std::uint32_t, bool> locked_;
 };
 
 namespace {

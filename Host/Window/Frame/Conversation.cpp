@@ -10,6 +10,7 @@
 
 #include "Curves/Bulges.h"
 #include "Editor/Answers.h"
+#include "Geometry/Layers.h"
 #include "Window/Commands/Language.h"
 #include "Window/Input/HostPhrases.h"
 #include "Window/Input/Prompt.h"
@@ -259,8 +260,8 @@ void Conversation::noteLocked(const QString& line) {
   if (drawing == nullptr || !handle) return;
   const database::Slot* const entity = drawing->findHandle(*handle);
   if (entity == nullptr || entity->isErased()) return;
-  const database::Slot* const layer = drawing->layerRecord(entity->layer);
-  if (layer != nullptr && isLockedLayer(*layer)) lockedLayers_ += toQt(drawing->layerName(entity->layer));
+  if (geometry::LayerStates(*drawing).at(entity->layer).locked)
+    lockedLayers_ += toQt(drawing->layerName(entity->layer));
 }
 
 void Conversation::tellLocked() {

@@ -4,6 +4,7 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "Geometry/Layers.h"
 #include "Window/Commands/Language.h"
 #include "Window/Frame/Announce.h"
 #include "Window/Frame/Feedback.h"
@@ -19,9 +20,10 @@ void MainWindow::tellResult(const CommandResult& result) {
   if (feedback.isNothing) {
     QStringList layers;
     for (const database::Slot* const entity : feedback.shown) {
-      const database::Slot* const record = entity->database().layerRecord(entity->layer);
-      const QString layer = toQt(entity->database().layerName(entity->layer));
-      if (record != nullptr && isLockedLayer(*record) && !layers.contains(layer)) layers += layer;
+      geometry::LayerStates states(entity->database());
+      const geometry::LayerState& state = states.at(entity->layer);
+      const QString layer = toQt(state.name);
+      if (state.locked && !layers.contains(layer)) layers += layer;
     }
     for (const QString& layer : layers) tellLocked(layer);
   }

@@ -143,15 +143,6 @@ QColor colourOfLayer(const database::DrawingDatabase& drawing, const QString& la
   return QColor::fromRgb(rgb);
 }
 
-bool isLockedLayer(const database::Slot& record) {
-  database::Tag tag;
-  constexpr std::int64_t kLockedBit = 4;
-  for (database::GeometryTags tags(record.tags()); tags.next(tag);) {
-    if (tag.code == 70) return (tag.integer() & kLockedBit) != 0;
-  }
-  return false;
-}
-
 QString metres(double value) { return QString::number(value, 'f', 2) + " m"; }
 QString squareMetres(double value) { return QString::number(value, 'f', 2) + QStringLiteral(" m²"); }
 

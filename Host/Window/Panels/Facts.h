@@ -27,8 +27,6 @@ std::optional<geometry::Point> pointOn(const database::Slot& entity);
 std::vector<database::Slot*> livingEntities(const database::BlockContents& space);
 /// Colour in which a layer is drawn.
 QColor colourOfLayer(const database::DrawingDatabase& drawing, const QString& layer);
-/// Of a layer's record.
-bool isLockedLayer(const database::Slot& record);
 /// "12.50 m", "1408.00 m²".
 QString metres(double value);
 QString squareMetres(double value);

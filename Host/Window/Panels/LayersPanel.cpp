@@ -115,22 +115,22 @@ void LayersPanel::refresh() {
       modules->setFirstColumnSpanned(false);
     }
     auto* const item = isOfModule ? new QTreeWidgetItem(modules) : new QTreeWidgetItem(tree_);
-    const bool locked = isLockedLayer(*record);
     item->setIcon(Shown, hostIcon(state.off ? "states/layer-off" : "states/layer-on", state.off ? muted : text));
     item->setIcon(Thawed,
                   hostIcon(state.frozen ? "states/layer-frozen" : "states/layer-thawed", state.frozen ? text : muted));
-    item->setIcon(Unlocked, hostIcon(locked ? "states/layer-locked" : "states/layer-unlocked", locked ? text : muted));
+    item->setIcon(Unlocked, hostIcon(state.locked ? "states/layer-locked" : "states/layer-unlocked",
+                                     state.locked ? text : muted));
     item->setIcon(Colour, swatch(colourOfLayer(*drawing, name)));
     item->setText(Name, name + (emptier != nullptr ? QStringLiteral(" · ") + tr("emptied by updates") : QString()));
     item->setText(Things, QString::number(things[index]));
     item->setTextAlignment(Things, Qt::AlignRight | Qt::AlignVCenter);
     item->setToolTip(Shown, state.off ? tr("Off: click shows the layer") : tr("On: click hides the layer"));
     item->setToolTip(Thawed, state.frozen ? tr("Frozen: click thaws the layer") : tr("Click freezes the layer"));
-    item->setToolTip(Unlocked, locked ? tr("Locked: click unlocks the layer") : tr("Click locks the layer"));
+    item->setToolTip(Unlocked, state.locked ? tr("Locked: click unlocks the layer") : tr("Click locks the layer"));
     item->setToolTip(Colour, tr("Click changes the colour"));
     item->setToolTip(Name, name);
     item->setData(Name, kName, name);
-    item->setData(Name, kState, (state.off ? Off : 0) | (state.frozen ? Frozen : 0) | (locked ? Locked : 0));
+    item->setData(Name, kState, (state.off ? Off : 0) | (state.frozen ? Frozen : 0) | (state.locked ? Locked : 0));
     if (fromQt(name) == current) {
       QFont bold = item->font(Name);
       bold.setBold(true);
