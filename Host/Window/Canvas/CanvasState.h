@@ -50,6 +50,8 @@ struct CanvasView::State {
   /// What the next clicks are for instead of answers.
   enum class Task { None, ZoomWindow, Rectangle, Place };
 
+  /// Entities that are laid out before the next frame; more would keep the window waiting.
+  static constexpr std::size_t kMostAtOnce = 10'000;
   /// A space that a worker lays out: one that is not shown yet, or the one shown, after much of it has changed.
   struct LayingOut {
     std::unique_ptr<SpaceView> space;
