@@ -18,7 +18,7 @@ using Json = nlohmann::ordered_json;
 namespace {
 
 /// FNV-1a, 64 bits.
-std::string numberOf(const std::string& text) {
+std::string fingerprint(const std::string& text) {
   std::uint64_t hash = 0xCBF29CE484222325U;
   for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
   std::array<char, 17> digits{};
@@ -66,7 +66,7 @@ ResumeLog::ResumeLog(const RunOptions& options, const std::string& script) : cal
 std::string ResumeLog::howMade(const fs::path& drawing) const {
   std::string text = call_ + "\n" + drawing.string();
   for (const char* const name : kSettings) addFile(text, drawing.parent_path() / name);
-  return numberOf(text);
+  return fingerprint(text);
 }
 
 ResumeLog::Folder& ResumeLog::folderOf(const fs::path& output) {
@@ -75,10 +75,15 @@ ResumeLog::Folder& ResumeLog::folderOf(const fs::path& output) {
   if (!isNew) return found->second;
   std::ifstream stream(place / kName);
   for (std::string line; std::getline(stream, line);) {
-    const Json json = Json::parse(line, nullptr, false);  // the last line of a call that was killed may be cut
-    if (!json.is_object() || !json.contains("file")) continue;
-    found->second[json.value("file", "")] = {json.value("made", ""), json.value("size", std::uintmax_t{0}),
-                                             json.value("time", std::int64_t{0})};
+    // The last line of a call that was killed may be cut; what is not as add() writes it is no line of ours.
+    try {
+      const Json json = Json::parse(line);
+      found->second[json.at("file").get<std::string>()] = {json.at("made").get<std::string>(),
+                                                           json.at("size").get<std::uintmax_t>(),
+                                                           json.at("time").get<std::int64_t>()};
+    } catch (const Json::exception&) {
+      continue;
+    }
   }
   return found->second;
 }

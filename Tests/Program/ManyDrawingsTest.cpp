@@ -240,6 +240,10 @@ TEST_F(ManyDrawings, WhatIsUpToDateIsLeftAndAllIsReported) {
   write("out/plan.svg", read("out/plan.svg") + " ");
   EXPECT_EQ(made({"--width", "500"}),
             (Results{"b.dxf: up to date", "plan.dxf: done", "bad.dxf: the drawing could not be read"}));
+  // Lines that the program does not write so.
+  const char* const log = "out/.tolmex-resume.jsonl";
+  write(log, read(log) + R"({"file": 1, "made": [], "size": "x"})" + "\n[]\n{\"file\": \"pl");
+  EXPECT_EQ(made({"--width", "500"}), left);
 }
 
 }  // namespace
