@@ -77,15 +77,15 @@ qt=$here/build/windows-qt/installed
 if [[ $window == ON && ! -e $qt/.built ]]; then
   fetch qt6-base "$qt_version" "$here/build/windows-qt/source"
   # Of what may be left out, what the program does not use; never anything of the screen.
-  off=(network sql dbus testlib xml concurrent vulkan icu glib zstd brotli direct2d tuiotouch tabletevent undocommand wizard
-    mdiarea calendarwidget lcdnumber dial graphicsview tableview columnview vnc gif opengl
+  off=(network sql dbus testlib xml concurrent vulkan icu glib zstd brotli tuiotouch tabletevent undocommand wizard
+    mdiarea lcdnumber dial graphicsview columnview vnc gif opengl
     system_zlib system_png system_jpeg system_pcre2 system_freetype system_harfbuzz)
   off=("${off[@]/#/-DFEATURE_}")
   cmake -S build/windows-qt/source -B build/windows-qt/build "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$qt" \
     -DQT_HOST_PATH=/usr -DQT_HOST_PATH_CMAKE_DIR=/usr/lib/x86_64-linux-gnu/cmake -DINPUT_opengl=no \
     -DQT_BUILD_EXAMPLES=OFF -DQT_BUILD_TESTS=OFF -DQT_BUILD_TOOLS_WHEN_CROSSCOMPILING=OFF -DBUILD_WITH_PCH=OFF \
     "${off[@]/%/=OFF}" > build/windows-qt/log 2>&1
-  nice -n 5 cmake --build build/windows-qt/build -j "$jobs"
+  cmake --build build/windows-qt/build -j "$jobs"
   cmake --install build/windows-qt/build --strip > build/windows-qt/log
   touch "$qt/.built"
 fi
@@ -116,7 +116,7 @@ cp -u /usr/share/fonts/truetype/dejavu/DejaVuSans{,-Bold}.ttf "$out/bin/fonts/"
 if [[ $window == ON ]]; then
   cp -u "$qt"/bin/Qt6{Core,Gui,Widgets,PrintSupport}.dll "$out/bin/"
   mkdir -p "$out/bin/plugins"
-  cp -ru "$qt"/plugins/{platforms,styles,imageformats} "$out/bin/plugins/"
+  (cd "$qt/plugins" && cp -u --parents platforms/q{windows,offscreen}.dll styles/*.dll imageformats/*.dll "$out/bin/plugins/")
   printf '[Paths]\nPlugins = plugins\n' > "$out/bin/qt.conf"
 fi
 [[ $package == yes ]] || exit 0

@@ -8,6 +8,7 @@
 
 #include "Editor/InputSource.h"
 #include "Problems/Problem.h"
+#include "windef.h"
 
 namespace host::editor {
 
@@ -44,9 +45,9 @@ void printDialogLine(std::wstring_view text);
 /// A box with OK only: "[CAPTION] text" on a line of its own. Where the caption stands for failures the command fails.
 void showNotice(std::wstring_view caption, std::wstring_view text);
 /// The module that the document manager was given last to look dialogs and strings up in; null when there is none.
-void* topResource();
+HINSTANCE topResource();
 /// Names another one in its place.
-void setTopResource(void* module);
+void setTopResource(HINSTANCE module);
 /// The dialogs that stay open while commands run.
 class OpenDialogs {
  public:

@@ -106,7 +106,7 @@ void SetLastError(DWORD error) { lastError() = error; }
 BOOL GetModuleHandleExW(DWORD flags, LPCWSTR address, HMODULE* module) {
   if (module == nullptr) return FALSE;
   const bool isAsked = (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) != 0;
-  *module = const_cast<void*>(isAsked ? host::platform::baseOf(address) : nullptr);
+  *module = isAsked ? static_cast<HMODULE>(const_cast<void*>(host::platform::baseOf(address))) : nullptr;
   if (*module == nullptr) SetLastError(ERROR_MOD_NOT_FOUND);
   return *module != nullptr ? TRUE : FALSE;
 }

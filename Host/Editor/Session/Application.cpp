@@ -229,8 +229,8 @@ void printDialogLine(std::wstring_view text) { host().transcript().line(text); }
 
 void showNotice(std::wstring_view caption, std::wstring_view text) { host().showNotice(caption, text); }
 
-void* topResource() { return host().documents().topResource(); }
-void setTopResource(void* module) { host().documents().setTopResource(module); }
+HINSTANCE topResource() { return host().documents().topResource(); }
+void setTopResource(HINSTANCE module) { host().documents().setTopResource(module); }
 std::wstring_view programName() { return host().options().programName; }
 
 }  // namespace host::editor

@@ -8,6 +8,7 @@
 #define HostWindow HWND__
 #define HostDeviceContext HDC__
 #define HostBrush HBRUSH__
+#define HostModule HINSTANCE__
 #endif
 
 // ---- types ----------------------------------------------------------------------------------------------------------
@@ -15,6 +16,7 @@ struct HostWindow;
 struct HostDeviceContext;
 struct HostBrush;
 struct HostHook;
+struct HostModule;
 
 using BOOL = int;
 using BYTE = std::uint8_t;
@@ -40,7 +42,7 @@ using HBRUSH = HostBrush*;
 using HHOOK = HostHook*;
 using HGDIOBJ = void*;
 using HMENU = void*;
-using HINSTANCE = void*;  // where the loader put a module
+using HINSTANCE = HostModule*;  // where the loader put a module
 using HMODULE = HINSTANCE;
 using HRSRC = void*;
 using HGLOBAL = void*;
