@@ -5,9 +5,11 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Geometry/EntityPaths.h"
+#include "Geometry/Typefaces.h"
 
 namespace host::picture {
 
@@ -68,6 +70,24 @@ struct DisplayItem {
   std::uint32_t texture = kPlain;   // of a fill: into its textures; the colour's alpha is the image's
 };
 
+/// What letters say that are drawn together, a line of text or a part of one, and where they stand.
+struct Lettering {
+  std::wstring_view text;
+  geometry::Face face;
+  Point origin;             // on the base line
+  Point along, up;          // from there to the end of the line, and the height of capitals
+  bool hasStrokes = false;  // not all of the letters are outlines
+};
+
+/// The same among the items of a list.
+struct DisplayText {
+  std::uint32_t firstLetter = 0, letterCount = 0;  // in the list's letters
+  std::uint32_t item = 0;                          // the last one with letters of it
+  bool isTheItem = false;                          // that one is all of its letters, and nothing else
+  geometry::Face face;
+  Point origin, along, up;
+};
+
 /// What items belong to; zeros: to nothing.
 struct Origin {
   std::uint32_t layer = 0;
@@ -112,6 +132,8 @@ struct DisplayList {
   std::vector<DisplayItem> items;
   std::vector<Gradient> gradients;
   std::vector<Texture> textures;
+  std::wstring letters;
+  std::vector<DisplayText> texts;  // in the order of their items; only in lists whose readers want them
   DisplayNotes notes;
 };
 
@@ -134,6 +156,9 @@ class Canvas {
   /// Cuts what follows to the inside of a ring, until the matching end.
   virtual void beginClip(const std::vector<Point>& ring) = 0;
   virtual void endClip() = 0;
+  /// What is drawn in between are the letters of a text; canvases that nobody reads leave it out.
+  virtual void beginText() {}
+  virtual void endText(const Lettering&) {}
   /// Part of the picture drawn to from now on.
   virtual void setClip(const Box& clip) = 0;
 };
@@ -165,12 +190,16 @@ class BoundsCanvas final : public Canvas {
 /// Cuts what is drawn to the clip box and keeps it.
 class DisplayListCanvas final : public Canvas {
  public:
+  /// With `keepsTexts` the list says what its letters say, as far as they show.
+  explicit DisplayListCanvas(bool keepsTexts = false) : keepsTexts_(keepsTexts) {}
   void stroke(const std::vector<Point>& line, bool closed, const Pen& pen) override;
   void fill(const std::vector<std::vector<Point>>& rings, FillRule rule, Color color) override;
   void fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule, const Gradient& gradient) override;
   void fillImage(const std::vector<std::vector<Point>>& rings, const Texture& texture, std::uint8_t alpha) override;
   void beginClip(const std::vector<Point>& ring) override;
   void endClip() override;
+  void beginText() override;
+  void endText(const Lettering& lettering) override;
   void setClip(const Box& clip) override { clip_ = clip; }
   /// What the items that follow belong to. Those of different origins are never joined.
   void setOrigin(const Origin& origin) { origin_ = origin; }
@@ -186,6 +215,10 @@ class DisplayListCanvas final : public Canvas {
   Origin origin_, lastOrigin_;  // the latter: of the last item
   Box clip_;
   std::vector<Point> scratch_, scratch2_;
+  bool keepsTexts_ = false;
+  std::vector<curves::Polygon> clips_;  // of those that are open, where texts are kept
+  std::size_t textPoints_ = 0;          // where the points of the last text begin
+  bool isTextCut_ = false;              // by the clip box
 };
 
 }  // namespace host::picture

@@ -173,7 +173,7 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
     view.area = {std::max(view.area.minX, window.minX), std::max(view.area.minY, window.minY),
                  std::min(view.area.maxX, window.maxX), std::min(view.area.maxY, window.maxY)};
   }
-  DisplayListCanvas canvas;
+  DisplayListCanvas canvas(format == PictureFormat::Pdf);
   EntityPainter painter(db, options, glyphs, view, canvas);
   const bool hasNotes = !isRaster;
   if (hasNotes)

@@ -6,6 +6,7 @@
 #include <map>
 #include <regex>
 
+#include "Picture/PdfFile.h"
 #include "Picture/Rendered.h"
 
 namespace tests {
@@ -127,17 +128,6 @@ TEST(Layouts, AllOfThemAreThePagesOfOnePdf) {
   // Without plot settings worth the name it is drawn as large as it is.
   SmallDatabase plain(twoLayouts("72 1"));
   EXPECT_THAT(drawn(plain, sheetOptions(), PictureFormat::Svg), HasSubstr("viewBox=\"0 0 1600 "));
-}
-
-/// The content of a PDF's only page.
-std::string contentOf(const std::string& pdf) {
-  const std::size_t page = pdf.find("/Contents ");
-  const std::string object = "\n" + std::to_string(std::stoi(pdf.substr(page + 10))) + " 0 obj";
-  const std::size_t begin = pdf.find("stream\n", pdf.find(object)) + 7, end = pdf.find("\nendstream", begin);
-  QByteArray bytes("\0\0\0\1", 4);  // some length; the library makes more room
-  bytes.append(pdf.data() + begin, static_cast<qsizetype>(end - begin));
-  const QByteArray plain = qUncompress(bytes);
-  return plain.isEmpty() ? pdf.substr(begin, end - begin) : plain.toStdString();
 }
 
 std::string hexadecimal(const std::string& ascii) {

@@ -1,113 +1,27 @@
 #include "Picture/Formats/PdfWriter.h"
 
-#include <array>
+#include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <initializer_list>
 #include <map>
-#include <string_view>
 #include <vector>
 
+#include "Picture/Formats/PdfLetters.h"
+#include "Picture/Formats/PdfObjects.h"
 #include "Picture/Formats/PixelRows.h"
 #include "Picture/PaperSizes.h"
-#include "Text/Text.h"
 
 // References: ISO 32000-1, 7.5 (file structure), 8.4 and 8.5 (graphics state, paths), 8.7.4 (shadings), 8.9.5 (images),
-// 8.11 (optional content), 12.3.3 (outlines).
+// 8.11 (optional content), 9.3 (text state), 12.3.3 (outlines).
 namespace host::picture {
 namespace {
 
+using pdf::addNumber;
+using pdf::numbers;
+using pdf::Objects;
+using pdf::reference;
+
 constexpr double kPointsPerMm = 72 / kMmPerInch;
-
-/// At most so many decimals, no zeros at the end.
-void addNumber(std::string& out, double value, int decimals = 3) {
-  std::array<char, 64> text{};
-  int length = std::snprintf(text.data(), text.size(), "%.*f", decimals, value);
-  while (text[static_cast<std::size_t>(length - 1)] == '0') --length;
-  if (text[static_cast<std::size_t>(length - 1)] == '.') --length;
-  std::string_view figures(text.data(), static_cast<std::size_t>(length));
-  if (figures == "-0") figures = "0";
-  out += figures;
-}
-
-std::string numbers(std::initializer_list<double> values, int decimals = 3) {
-  std::string out;
-  for (const double value : values) {
-    if (!out.empty()) out += ' ';
-    addNumber(out, value, decimals);
-  }
-  return out;
-}
-
-/// Text as a string of UTF-16 with its mark, in hexadecimal.
-std::string pdfText(std::string_view utf8) {
-  std::string out = "<FEFF";
-  std::array<char, 8> digits{};
-  const auto unit = [&](char32_t value) {
-    std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(value));
-    out += digits.data();
-  };
-  for (const wchar_t c : text::fromUtf8(utf8)) {
-    const auto code = static_cast<char32_t>(c);
-    if (code < 0x10000) {
-      unit(code);
-    } else {
-      unit(0xD800 + ((code - 0x10000) >> 10));
-      unit(0xDC00 + ((code - 0x10000) & 0x3FF));
-    }
-  }
-  return out + ">";
-}
-
-std::string reference(std::size_t object) { return std::to_string(object) + " 0 R"; }
-
-/// The numbered objects of a file, and the file made of them.
-class Objects {
- public:
-  /// A number for an object that is given later.
-  std::size_t reserve() {
-    bodies_.emplace_back();
-    return bodies_.size();
-  }
-  void set(std::size_t object, std::string body) { bodies_[object - 1] = std::move(body); }
-  std::size_t add(std::string body) {
-    const std::size_t object = reserve();
-    set(object, std::move(body));
-    return object;
-  }
-  /// `entries`: of the stream's dictionary, without length and filter.
-  std::size_t addStream(const std::string& entries, const std::string& bytes) {
-    const std::string small = compressed(bytes);
-    const bool isSmaller = !small.empty() && small.size() < bytes.size();
-    return addRaw(entries + (isSmaller ? " /Filter /FlateDecode" : ""), isSmaller ? small : bytes);
-  }
-  std::size_t addRaw(const std::string& entries, const std::string& bytes) {
-    return add("<<" + entries + " /Length " + std::to_string(bytes.size()) + ">>\nstream\n" + bytes + "\nendstream");
-  }
-
-  std::string file(std::size_t catalogue, std::size_t information) const {
-    // The bytes of the second line tell programs that move files that this is no text.
-    std::string out = "%PDF-1.5\n%\xE2\xE3\xCF\xD3\n";
-    std::vector<std::size_t> places;
-    for (const std::string& body : bodies_) {
-      places.push_back(out.size());
-      out += std::to_string(places.size()) + " 0 obj\n" + body + "\nendobj\n";
-    }
-    const std::size_t table = out.size();
-    const std::string count = std::to_string(bodies_.size() + 1);
-    out += "xref\n0 " + count + "\n0000000000 65535 f \n";
-    std::array<char, 32> entry{};
-    for (const std::size_t place : places) {
-      std::snprintf(entry.data(), entry.size(), "%010zu 00000 n \n", place);
-      out += entry.data();
-    }
-    return out + "trailer\n<</Size " + count + " /Root " + reference(catalogue) + " /Info " + reference(information) +
-           ">>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";
-  }
-
- private:
-  std::vector<std::string> bodies_;
-};
+constexpr double kStretchSteps = 1e4;  // of the usual width
 
 /// Layers by their names, over all pages.
 class Layers {
@@ -116,7 +30,7 @@ class Layers {
 
   std::size_t group(const std::string& name) {
     const auto [entry, isNew] = groups_.try_emplace(name, 0);
-    if (isNew) entry->second = objects_.add("<</Type /OCG /Name " + pdfText(name) + ">>");
+    if (isNew) entry->second = objects_.add("<</Type /OCG /Name " + pdf::textString(name) + ">>");
     return entry->second;
   }
   /// Entry of the catalogue; empty without layers.
@@ -135,8 +49,8 @@ class Layers {
 /// The content of one page and the resources it names.
 class PageContent {
  public:
-  PageContent(Objects& objects, Layers& layers, const PdfPage& page)
-      : objects_(objects), layers_(layers), page_(page), list_(*page.list) {}
+  PageContent(Objects& objects, Layers& layers, pdf::Letters& letters, const PdfPage& page)
+      : objects_(objects), layers_(layers), letters_(letters), page_(page), list_(*page.list) {}
 
   std::string write(std::optional<std::uint32_t> background) {
     const double scale = kPointsPerMm * page_.page.widthMm / page_.page.widthPx;
@@ -147,7 +61,11 @@ class PageContent {
                fill_, "rg");
       out_ += "0 0 " + numbers({page_.page.widthPx, page_.page.heightPx}) + " re f\n";
     }
-    std::size_t run = 0;
+    if (!list_.texts.empty()) {
+      constexpr const char* kUnseen = " 1 Tf 3 Tr\n";
+      out_ += "/" + resource("Font", "T", letters_.font()) + kUnseen;
+    }
+    std::size_t run = 0, text = 0;
     std::uint32_t layer = 0;
     for (std::size_t i = 0; i < list_.items.size(); ++i) {
       for (; run < list_.notes.runs.size() && list_.notes.runs[run].firstItem <= i; ++run)
@@ -157,6 +75,7 @@ class PageContent {
       // Layers are told within clips, never across their edges.
       enterLayer(isEdge ? 0 : layer);
       paint(item);
+      for (; text < list_.texts.size() && list_.texts[text].item == i; ++text) write(list_.texts[text]);
     }
     enterLayer(0);
     return std::move(out_);
@@ -182,6 +101,7 @@ class PageContent {
     double width = -1;
     int alpha = 255;
     int isFlat = -1;
+    double stretch = 1;
   };
 
   void enterLayer(std::uint32_t layer) {
@@ -265,7 +185,7 @@ class PageContent {
   }
 
   void save() {
-    saved_.push_back({fill_, stroke_, width_, alpha_, isFlat_});
+    saved_.push_back({fill_, stroke_, width_, alpha_, isFlat_, stretch_});
     out_ += "q\n";
   }
   void restore() {
@@ -276,7 +196,29 @@ class PageContent {
     width_ = state.width;
     alpha_ = state.alpha;
     isFlat_ = state.isFlat;
+    stretch_ = state.stretch;
     saved_.pop_back();
+  }
+
+  /// What the letters say that were painted last, over them.
+  void write(const DisplayText& text) {
+    Point origin = text.origin, along = text.along;
+    // Of mirrored letters it runs the other way, so that readers find no mirror writing.
+    if (cross(along, text.up) > 0) {
+      origin = origin + along;
+      along = -along;
+    }
+    const pdf::Letters::Line line =
+        letters_.line(std::wstring_view(list_.letters).substr(text.firstLetter, text.letterCount));
+    const double size = length(text.up) / pdf::Letters::kCapitalHeight;
+    const double stretch = std::round(length(along) / (line.width * size) * kStretchSteps) / kStretchSteps;
+    // Nor letters on end or on each other, which have no direction.
+    if (line.codes.empty() || !std::isfinite(stretch) || !(stretch > 0) || !isFinite(origin)) return;
+    out_ += "BT\n";
+    if (stretch != stretch_) out_ += numbers({100 * (stretch_ = stretch)}, 2) + " Tz\n";
+    const Point right = along * (size / length(along)), up = text.up * (1 / pdf::Letters::kCapitalHeight);
+    out_ += numbers({right.x, right.y, up.x, up.y}, 4) + " " + numbers({origin.x, origin.y}, 2) + " Tm\n<" +
+            line.codes + "> Tj\nET\n";
   }
 
   void paint(const DisplayItem& item) {
@@ -375,6 +317,7 @@ class PageContent {
 
   Objects& objects_;
   Layers& layers_;
+  pdf::Letters& letters_;
   const PdfPage& page_;
   const DisplayList& list_;
   std::string out_;
@@ -385,7 +328,8 @@ class PageContent {
   Paint fill_, stroke_;
   double width_ = -1;
   int alpha_ = 255;
-  int isFlat_ = -1;  // not told yet
+  int isFlat_ = -1;     // not told yet
+  double stretch_ = 1;  // of texts along their lines
   std::vector<State> saved_;
 };
 
@@ -394,31 +338,33 @@ class PageContent {
 std::string writePdf(std::span<const PdfPage> pages, std::optional<std::uint32_t> background) {
   Objects objects;
   Layers layers(objects);
+  pdf::Letters letters(objects);
   const std::size_t catalogue = objects.reserve(), information = objects.reserve(), tree = objects.reserve();
   const std::size_t outlines = objects.reserve();
   std::string kids;
   std::vector<std::size_t> leaves;
   for (const PdfPage& page : pages) {
-    PageContent content(objects, layers, page);
+    PageContent content(objects, layers, letters, page);
     const std::size_t stream = objects.addStream("", content.write(background));
     leaves.push_back(objects.add("<</Type /Page /Parent " + reference(tree) + " /MediaBox [0 0 " +
                                  numbers({page.page.widthMm * kPointsPerMm, page.page.heightMm * kPointsPerMm}, 4) +
                                  "] /Resources " + content.resources() + " /Contents " + reference(stream) + ">>"));
     kids += (kids.empty() ? "" : " ") + reference(leaves.back());
   }
+  letters.finish();
   // Bookmarks stand one behind the other.
   std::vector<std::size_t> marks;
   for (std::size_t i = 0; i < pages.size(); ++i) marks.push_back(objects.reserve());
   for (std::size_t i = 0; i < pages.size(); ++i)
-    objects.set(marks[i], "<</Title " + pdfText(pages[i].name) + " /Parent " + reference(outlines) +
+    objects.set(marks[i], "<</Title " + pdf::textString(pages[i].name) + " /Parent " + reference(outlines) +
                               (i > 0 ? " /Prev " + reference(marks[i - 1]) : "") +
                               (i + 1 < pages.size() ? " /Next " + reference(marks[i + 1]) : "") + " /Dest [" +
                               reference(leaves[i]) + " /Fit]>>");
   objects.set(outlines, "<</Type /Outlines /First " + reference(marks.front()) + " /Last " + reference(marks.back()) +
                             " /Count " + std::to_string(marks.size()) + ">>");
   objects.set(tree, "<</Type /Pages /Kids [" + kids + "] /Count " + std::to_string(pages.size()) + ">>");
-  objects.set(information,
-              "<</Title " + pdfText(pages.front().list->notes.title) + " /Producer " + pdfText("tolmex") + ">>");
+  objects.set(information, "<</Title " + pdf::textString(pages.front().list->notes.title) + " /Producer " +
+                               pdf::textString("tolmex") + ">>");
   objects.set(catalogue, "<</Type /Catalog /Pages " + reference(tree) + " /Outlines " + reference(outlines) +
                              (pages.size() > 1 ? " /PageMode /UseOutlines" : "") +
                              " /ViewerPreferences <</DisplayDocTitle true /PrintScaling /None>>" + layers.properties() +

@@ -270,6 +270,8 @@ void PaintedDetails::text(const geometry::TextRun& run, const Transform& frame, 
   double x = run.x;
   const double along = run.height * run.widthFactor;
   glyphs_.layOut(run.text, run.face, letters_);
+  canvas_.beginText();
+  bool hasStrokes = false;
   for (const PlacedGlyph& letter : letters_) {
     const Glyph& glyph = *letter.glyph;
     const auto place = [&](Point p) {
@@ -280,6 +282,7 @@ void PaintedDetails::text(const geometry::TextRun& run, const Transform& frame, 
       scratch_.clear();
       for (const Point p : stroke) scratch_.push_back(place(p));
       canvas_.stroke(scratch_, false, pen);
+      hasStrokes = true;
     }
     for (const Glyph::Contour& contour : glyph.contours) {
       std::vector<Point>& ring = rings.emplace_back();
@@ -299,6 +302,9 @@ void PaintedDetails::text(const geometry::TextRun& run, const Transform& frame, 
     x += letter.advance * along * run.tracking;
   }
   canvas_.fill(rings, FillRule::Nonzero, pen.color);
+  const Point base = frame.plan({run.x, run.y, 0});
+  canvas_.endText({run.text, run.face, base, frame.plan({x, run.y, 0}) - base,
+                   frame.plan({run.x + run.height * slant, run.y + run.height, 0}) - base, hasStrokes});
 }
 
 void PaintedDetails::pattern(const std::vector<hatching::PatternLine>& families, const std::vector<Polygon>& loops,

@@ -56,6 +56,7 @@ void DisplayListCanvas::stroke(const std::vector<Point>& line, bool closed, cons
     addRing(line, closed);
     return;
   }
+  isTextCut_ = true;
   // Pieces inside, each as one open line.
   scratch_.clear();
   const auto finish = [&] {
@@ -91,9 +92,13 @@ void DisplayListCanvas::fill(const std::vector<std::vector<Point>>& rings, FillR
     if (ring.size() < 3) continue;
     Box box;
     for (const Point p : ring) box.add(p);
-    if (!box.intersects(clip)) continue;
+    if (!box.intersects(clip)) {
+      isTextCut_ = true;
+      continue;
+    }
     const std::vector<Point>* points = &ring;
     if (!clip.contains({box.minX, box.minY}) || !clip.contains({box.maxX, box.maxY})) {
+      isTextCut_ = true;
       clipPolygon(clip, ring, scratch_, scratch2_);
       if (scratch_.size() < 3) continue;
       points = &scratch_;
@@ -110,14 +115,41 @@ void DisplayListCanvas::fill(const std::vector<std::vector<Point>>& rings, FillR
 void DisplayListCanvas::beginClip(const std::vector<Point>& ring) {
   addItem({ItemKind::BeginClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
   addRing(ring, true);
+  if (keepsTexts_) clips_.push_back(ring);
 }
 
 void DisplayListCanvas::endClip() {
+  if (keepsTexts_) clips_.pop_back();
   if (list_.items.back().kind == ItemKind::BeginClip) {
     list_.items.pop_back();  // nothing shows inside
     return;
   }
   addItem({ItemKind::EndClip, {}, 0, static_cast<std::uint32_t>(list_.rings.size()), 0});
+}
+
+void DisplayListCanvas::beginText() {
+  textPoints_ = list_.points.size();
+  isTextCut_ = false;
+}
+
+void DisplayListCanvas::endText(const Lettering& lettering) {
+  if (!keepsTexts_) return;
+  // Text of which no letter shows would be found where nothing is seen.
+  const auto shows = [this](Point p) {
+    return std::ranges::all_of(clips_, [p](const curves::Polygon& ring) { return curves::isInsideRing(ring, p); });
+  };
+  if (std::none_of(list_.points.begin() + static_cast<std::ptrdiff_t>(textPoints_), list_.points.end(), shows)) return;
+  DisplayText text;
+  text.firstLetter = static_cast<std::uint32_t>(list_.letters.size());
+  text.letterCount = static_cast<std::uint32_t>(lettering.text.size());
+  list_.letters += lettering.text;
+  text.item = static_cast<std::uint32_t>(list_.items.size() - 1);
+  text.isTheItem = !lettering.hasStrokes && !isTextCut_;
+  text.face = lettering.face;
+  text.origin = lettering.origin;
+  text.along = lettering.along;
+  text.up = lettering.up;
+  list_.texts.push_back(text);
 }
 
 void DisplayListCanvas::fillGradient(const std::vector<std::vector<Point>>& rings, FillRule rule,
