@@ -62,6 +62,12 @@ class GlyphSource {
     std::vector<std::string> strokes;  // files of stroke fonts, the first of which is there
     bool isSlanted = false;            // the font itself is upright
     std::string name;
+    /// For readers that have fonts themselves: families whose letters look so, the one that is drawn first, the most
+    /// general last.
+    std::vector<std::string> families;
+    bool isBold = false, isItalic = false;
+    double emHeight = 1;   // when capitals are 1 high
+    double narrowing = 1;  // factor of the font's own widths
   };
   const Choice& choice(geometry::Face face);
 

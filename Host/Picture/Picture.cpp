@@ -173,7 +173,7 @@ Result<Composition> composePicture(const database::DrawingDatabase& db, const Pi
     view.area = {std::max(view.area.minX, window.minX), std::max(view.area.minY, window.minY),
                  std::min(view.area.maxX, window.maxX), std::min(view.area.maxY, window.maxY)};
   }
-  DisplayListCanvas canvas(format == PictureFormat::Pdf);
+  DisplayListCanvas canvas(format == PictureFormat::Pdf || options.hasRealText);
   EntityPainter painter(db, options, glyphs, view, canvas);
   const bool hasNotes = !isRaster;
   if (hasNotes)
@@ -328,6 +328,8 @@ Result<Picture> drawAllLayouts(const database::DrawingDatabase& db, const Pictur
 
 Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
   if (const std::string_view why = whyNot(format); !why.empty()) return problemOf(Code::OutputFailed, std::string(why));
+  if (options.hasRealText && format != PictureFormat::Svg && format != PictureFormat::Html)
+    return problemOf(Code::WrongUsage, "--real-text writes letters as text, so it goes with SVG and web pages only.");
   if (options.layout == kAllLayouts) {
     if (format == PictureFormat::Pdf) return drawAllLayouts(db, options);
     return problemOf(Code::WrongUsage, "--layout * makes a page of each layout, so it goes with PDF only.");

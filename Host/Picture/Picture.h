@@ -73,6 +73,7 @@ struct PictureOptions {
   std::string sheetFile;         // a drawing; empty: no sheet
   std::vector<std::pair<std::string, std::string>> fields;  // names of attributes, and what they are filled with
   std::string legendFile;                                   // own texts of the legend
+  bool hasRealText = false;                                 // SVG and web pages: letters are text where they can be
   bool hasWorldFile = false;                                // a file beside a PNG says where it lies
   std::string system;  // of the drawing's coordinates, "EPSG:3879": TIFF and PDF tell their places; empty: its own
 };

@@ -72,6 +72,10 @@ Result<> setSystem(PictureOptions& options, std::string_view text) {
   options.system = text;
   return {};
 }
+Result<> setRealText(PictureOptions& options, std::string_view) {
+  options.hasRealText = true;
+  return {};
+}
 Result<> setColors(PictureOptions& options, ColorMode mode) {
   if (options.colors != ColorMode::AsDrawn && options.colors != mode)
     return refusal("--grayscale excludes --monochrome");
@@ -102,6 +106,8 @@ constexpr std::array kRows = {
     OptionRow{"--worldfile", "", "beside a PNG a .pgw file that says where it lies", setWorldFile},
     OptionRow{"--crs", "NAME",
               "coordinate system of the drawing for TIFF and PDF, as EPSG:3879 [what the drawing tells]", setSystem},
+    OptionRow{"--real-text", "", "letters of SVG and web pages as text, except those that are strokes [outlines]",
+              setRealText},
     OptionRow{"--grayscale", "", "shades of grey", setGrayscale},
     OptionRow{"--monochrome", "", "one colour", setMonochrome},
 };

@@ -84,6 +84,8 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {"run plan.dxf --command REGEN --set LTSCALEE=1",
        "--set LTSCALEE=1: unknown system variable \"LTSCALEE\"; nearest: LTSCALE"},
       {"run plan.dxf --command REGEN --set LTSCALE=wide", "--set LTSCALE=wide: LTSCALE: needs a number"},
+      {"picture plan.dxf a.png --real-text",
+       "a.png: --real-text writes letters as text, so it goes with SVG and web pages only."},
       {"picture plan.dxf a.gif", "a.gif: a picture's name must end in .png, .svg, .pdf, .tif or .html"},
   };
   expectRefused(told, "tolmex: ", "\n");

@@ -25,6 +25,12 @@ constexpr std::string_view kSans = "Arial|Liberation Sans|Arimo|Nimbus Sans",
                            kNarrow = "Arial Narrow|Liberation Sans Narrow|Nimbus Sans Narrow",
                            kCalibri = "Calibri|Carlito", kCambria = "Cambria|Caladea";
 
+/// Generic families of CSS, of families that are no sans-serifs.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 8> kGeneral = {
+    std::pair{"Times New Roman", "serif"}, {"Cambria", "serif"},           {"Georgia", "serif"},
+    {"Bookman Old Style", "serif"},        {"Palatino Linotype", "serif"}, {"Century Schoolbook", "serif"},
+    {"Courier New", "monospace"},          {"Consolas", "monospace"}};
+
 /// Families behind the first have the same widths, or nearly so. The stroke fonts are those of a free CAD program, in
 /// its own format; the first ones in their rows come from the same drawings of letters as those they stand for.
 constexpr std::array kRows = {
@@ -110,6 +116,8 @@ StandIns standInsFor(const std::string& name) {
     StandIns found{split(row.families), split(row.strokes), row.isBold, row.isItalic};
     for (const auto& [family, thousandths] : kCapitals)
       if (!found.families.empty() && found.families.front() == family) found.capitalHeight = thousandths / 1000.0;
+    for (const auto& [family, general] : kGeneral)
+      if (!found.families.empty() && found.families.front() == family) found.general = general;
     if (!found.strokes.empty()) found.strokes.insert(found.strokes.end(), kMoreLetters.begin(), kMoreLetters.end());
     return found;
   }

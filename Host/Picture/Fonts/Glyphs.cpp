@@ -89,14 +89,24 @@ struct GlyphSource::Fonts {
     Choice own;
     own.isSlanted = face.isItalic;
     own.name = "DejaVu Sans";
+    own.isBold = face.isBold;
+    own.isItalic = face.isItalic;
+    own.emHeight = 1 / kCapitalHeight;
+    own.narrowing = kNarrowing;
+    own.families = {own.name, "sans-serif"};
     if (face.font == 0) return own;
     const StandIns standIns = standInsFor(text::toUtf8(geometry::fontName(face.font)));
     const bool isBold = face.isBold || standIns.isBold, isItalic = face.isItalic || standIns.isItalic;
     own.isSlanted = isItalic;
     for (const std::string& family : standIns.families)
       if (const auto file = findFont(family, isBold, isItalic))
-        if (OutlineFont* const font = outline(*file, standIns.capitalHeight))
-          return {font, {}, isItalic && !file->isItalic, file->family};
+        if (OutlineFont* const font = outline(*file, standIns.capitalHeight)) {
+          Choice found{font, {}, isItalic && !file->isItalic, file->family, {file->family}, isBold, isItalic};
+          if (standIns.families.front() != file->family) found.families.push_back(standIns.families.front());
+          found.families.emplace_back(standIns.general);
+          found.emHeight = font->emHeight();
+          return found;
+        }
     for (std::size_t i = 0; i < standIns.strokes.size(); ++i) {
       if (stroke(standIns.strokes[i]) == nullptr) continue;
       own.strokes.assign(standIns.strokes.begin() + static_cast<std::ptrdiff_t>(i), standIns.strokes.end());

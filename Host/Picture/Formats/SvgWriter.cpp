@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <string>
 
+#include "Picture/Fonts/Shaping.h"
+#include "Picture/Glyphs.h"
 #include "Picture/Images/RasterImage.h"
 #include "Text/Text.h"
 
@@ -158,6 +160,50 @@ void writeImage(Writer& writer, const Texture& texture, int alpha, const std::st
   writer.text(std::string(" xlink:href=\"data:image/") + (image.isJpeg ? "jpeg" : "png") + ";base64,");
   writer.base64(fileOf(image));
   writer.text("\"/></g>\n");
+}
+
+/// Families as a list of CSS; the last one is generic.
+std::string familyList(const std::vector<std::string>& families) {
+  std::string list;
+  for (const std::string& family : families) {
+    if (!list.empty()) list += ", ";
+    const bool isGeneric = &family == &families.back();
+    if (!isGeneric) list += '\'';
+    for (const char c : family)
+      if (c != '\'' && c != '\\') list += c;
+    if (!isGeneric) list += '\'';
+  }
+  return list;
+}
+
+/// A text in place of its outlines, which it covers where the reader has the font, and is as long as where it has not.
+/// False, and nothing is written, for letters without a width or on each other.
+bool writeText(Writer& writer, GlyphSource& glyphs, std::wstring_view letters, const DisplayText& text) {
+  const GlyphSource::Choice& font = glyphs.choice(text.face);
+  const double capitals = length(text.up);
+  const double width = glyphs.width(letters, text.face) * capitals / font.narrowing;
+  const Point right = text.along * (1 / width), down = text.up * (-1 / capitals);
+  if (!isFinite(right) || !isFinite(down) || cross(right, down) == 0) return false;
+  char matrix[256];
+  // Adding nothing makes no negative zeros.
+  std::snprintf(matrix, sizeof matrix, "<text transform=\"matrix(%.6g %.6g %.6g %.6g %.8g %.8g)\"", right.x + 0.0,
+                right.y + 0.0, down.x + 0.0, down.y + 0.0, text.origin.x, text.origin.y);
+  writer.text(matrix);
+  // The length is that with all blanks.
+  if (letters.front() == L' ' || letters.back() == L' ' || letters.find(L"  ") != std::wstring_view::npos)
+    writer.text(" xml:space=\"preserve\"");
+  writer.text(" font-family=\"");
+  writer.text(markupText(familyList(font.families)) + "\" font-size=\"");
+  writer.number(capitals * font.emHeight);
+  writer.text(font.isBold ? "\" font-weight=\"bold" : "");
+  writer.text(font.isItalic ? "\" font-style=\"italic" : "");
+  writer.text("\" textLength=\"");
+  writer.number(width);
+  writer.text("\" lengthAdjust=\"spacingAndGlyphs\"");
+  // What runs from the right begins there, as it does in drawings.
+  if (needsShaping(letters)) writer.text(" style=\"unicode-bidi:plaintext\"");
+  writer.text(">" + markupText(text::toUtf8(std::wstring(letters))) + "</text>");
+  return true;
 }
 
 void openGroup(Writer& writer, const DisplayItem& item, const std::string& gradient) {
@@ -327,9 +373,13 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
     last = nullptr;
   };
   OriginGroups origins(writer, list.notes, place.isInPage);
-  std::size_t clips = 0;
+  GlyphSource glyphs;
+  std::size_t clips = 0, texts = 0;
   for (const DisplayItem& item : list.items) {
-    const bool isChange = origins.changesAt(static_cast<std::size_t>(&item - list.items.data()));
+    const auto number = static_cast<std::size_t>(&item - list.items.data());
+    while (texts < list.texts.size() && list.texts[texts].item < number) ++texts;
+    const bool isText = texts < list.texts.size() && list.texts[texts].item == number && list.texts[texts].isTheItem;
+    const bool isChange = origins.changesAt(number);
     const bool isEdge = item.kind == ItemKind::BeginClip || item.kind == ItemKind::EndClip;
     if (isChange || isEdge) closeGroup();
     if (isEdge) {
@@ -355,7 +405,11 @@ std::string writeSvg(const DisplayList& list, const Page& page, std::optional<st
       openGroup(writer, item, id('g', item.gradient));
       last = &item;
     }
-    path(item);
+    const auto written = [&](const DisplayText& text) {
+      return writeText(writer, glyphs, std::wstring_view(list.letters).substr(text.firstLetter, text.letterCount),
+                       text);
+    };
+    if (!isText || !written(list.texts[texts])) path(item);
     writer.text("\n");
   }
   closeGroup();

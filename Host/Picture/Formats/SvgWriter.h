@@ -17,6 +17,7 @@ struct SvgPlace {
 
 /// Paths in hundredths of a pixel, grouped by their look; the page is as large as it is on paper. Where the list has
 /// notes, groups around these are named after layers, and groups in them have titles and descriptions of entities.
+/// Texts of the list stand in place of the outlines that are theirs alone.
 std::string writeSvg(const DisplayList& list, const Page& page, std::optional<std::uint32_t> background,
                      const SvgPlace& place = {});
 

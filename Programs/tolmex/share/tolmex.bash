@@ -1,7 +1,7 @@
 # Completion of tolmex in bash.
 _tolmex() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} call=${COMP_WORDS[1]:-}
-  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --handles --sheet --field --legend --worldfile --crs --lineweights --grayscale --monochrome'
+  local pictures='--width --dpi --paper --scale --window --all --background --layout --layers --handles --sheet --field --legend --worldfile --crs --real-text --lineweights --grayscale --monochrome'
   local words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then

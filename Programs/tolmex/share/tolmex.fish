@@ -46,6 +46,7 @@ for call in run picture
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l legend -r -d 'Own texts of the legend'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l worldfile -d 'A .pgw file beside a PNG'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l crs -x -a 'TM35FIN GK25 EPSG:3879' -d 'Coordinate system of the drawing'
+    complete -c tolmex -n "__fish_seen_subcommand_from $call" -l real-text -d 'Letters of an SVG as text'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l grayscale -d 'Shades of grey'
     complete -c tolmex -n "__fish_seen_subcommand_from $call" -l monochrome -d 'One colour'
 end
