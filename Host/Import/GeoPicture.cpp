@@ -5,7 +5,6 @@
 #include <gdal_priv.h>
 #include <gdal_utils.h>
 
-#include <cstdio>
 #include <memory>
 #include <vector>
 
@@ -95,68 +94,8 @@ Result<std::string> geoTiff(const std::string& png, const GeoPlace& place) {
   return bytes;
 }
 
-std::string numbers(const std::vector<double>& values, int decimals) {
-  std::string text;
-  char figure[64];
-  for (const double value : values) {
-    std::snprintf(figure, sizeof figure, "%.*f", decimals, value);
-    text += (text.empty() ? "" : " ") + std::string(figure);
-  }
-  return text;
-}
-
-std::string pdfString(const std::string& text) {
-  std::string out = "(";
-  for (const char c : text) {
-    if (c == '(' || c == ')' || c == '\\') out += '\\';
-    out += c;
-  }
-  return out + ")";
-}
-
-/// The first page of a PDF whose objects and table of places are plain text.
-struct PdfPage {
-  int object = 0;
-  std::string dictionary;  // "<< ... >>"
-  double left = 0, bottom = 0, right = 0, top = 0;
-  std::string trailer;  // its entries
-  std::size_t table = 0;
-};
-
-/// Number of an object that begins at "12 0 obj" right before `end`.
-int objectNumber(const std::string& pdf, std::size_t marker) {
-  const std::size_t line = pdf.rfind('\n', marker);
-  return std::atoi(pdf.c_str() + (line == std::string::npos ? 0 : line + 1));
-}
-
-std::optional<PdfPage> firstPage(const std::string& pdf) {
-  PdfPage page;
-  for (std::size_t at = 0; (at = pdf.find("/Type /Page", at)) != std::string::npos; ++at) {
-    if (pdf[at + 11] == 's') continue;
-    const std::size_t marker = pdf.rfind(" 0 obj", at), begin = pdf.rfind("<<", at), end = pdf.find("endobj", at);
-    if (marker == std::string::npos || begin == std::string::npos || begin < marker || end == std::string::npos)
-      return std::nullopt;
-    page.object = objectNumber(pdf, marker);
-    page.dictionary = pdf.substr(begin, pdf.rfind(">>", end) + 2 - begin);
-    break;
-  }
-  const std::size_t box = page.dictionary.find("/MediaBox");
-  if (page.object <= 0 || box == std::string::npos ||
-      std::sscanf(page.dictionary.c_str() + box, "/MediaBox [%lf %lf %lf %lf", &page.left, &page.bottom, &page.right,
-                  &page.top) != 4)
-    return std::nullopt;
-  const std::size_t trailer = pdf.rfind("trailer"), start = pdf.rfind("startxref");
-  if (trailer == std::string::npos || start == std::string::npos || start < trailer) return std::nullopt;
-  const std::size_t begin = pdf.find("<<", trailer), end = pdf.rfind(">>", start);
-  if (begin == std::string::npos || end == std::string::npos || end < begin) return std::nullopt;
-  page.trailer = pdf.substr(begin + 2, end - begin - 2);
-  page.table = static_cast<std::size_t>(std::atoll(pdf.c_str() + start + 9));
-  return page;
-}
-
-/// The measure of the part of the page that shows the drawing: ISO 32000-1 12.9 with the geospatial entries of ISO
-/// 32000-2 12.10. Corners are given in latitude and longitude of the system's own datum.
-Result<std::string> viewport(const GeoPlace& place, const PdfPage& page) {
+Result<GeoCorners> cornersOf(const GeoPlace& place) {
+  prepareLibrary();
   Result<OGRSpatialReference> system = systemOfName(place.system);
   if (!system) return system.problem();
   const std::unique_ptr<OGRSpatialReference> degrees(system->CloneGeogCS());
@@ -167,45 +106,21 @@ Result<std::string> viewport(const GeoPlace& place, const PdfPage& page) {
   if (toDegrees == nullptr) return failed(CPLGetLastErrorMsg());
   const auto& [left, top, right, bottom] = place.shown;
   const auto& t = place.transform;
-  std::vector<double> corners;  // lower left, upper left, upper right, lower right
+  GeoCorners corners;
+  std::size_t next = 0;
   for (const auto& [px, py] : {std::pair(left, bottom), {left, top}, {right, top}, {right, bottom}}) {
     double x = t[0] + t[1] * px + t[2] * py, y = t[3] + t[4] * px + t[5] * py;
     if (toDegrees->Transform(1, &x, &y) == FALSE) return failed("it lies outside its system");
-    corners.insert(corners.end(), {y, x});
+    corners.degrees[next++] = y;
+    corners.degrees[next++] = x;
   }
-  constexpr double kPointsPerPixel = 72.0 / 96;
-  const std::vector<double> box = {page.left + left * kPointsPerPixel, page.top - bottom * kPointsPerPixel,
-                                   page.left + right * kPointsPerPixel, page.top - top * kPointsPerPixel};
   char* text = nullptr;
   const char* const form[] = {"FORMAT=WKT1_ESRI", nullptr};
   system->exportToWkt(&text, form);
-  const std::string definition = text != nullptr ? text : "";
+  corners.definition = text != nullptr ? text : "";
   CPLFree(text);
-  const char* const code = system->GetAuthorityCode(nullptr);
-  return "/VP [<</Type /Viewport /Name (Layers) /BBox [" + numbers(box, 4) +
-         "] /Measure <</Type /Measure /Subtype /GEO /Bounds [0 0 0 1 1 1 1 0] /GPTS [" + numbers(corners, 10) +
-         "] /LPTS [0 0 0 1 1 1 1 0] /GCS <</Type /PROJCS " +
-         (code != nullptr ? "/EPSG " + std::string(code) + " " : std::string()) + "/WKT " + pdfString(definition) +
-         ">>>>>>]";
-}
-
-/// Adds a later version of the page to the file (ISO 32000-1 7.5.6): what stands there stays as it is.
-Result<std::string> geoPdf(const std::string& pdf, const GeoPlace& place) {
-  prepareLibrary();
-  const std::optional<PdfPage> page = firstPage(pdf);
-  if (!page) return failed("its page was not found");
-  Result<std::string> measure = viewport(place, *page);
-  if (!measure) return measure;
-  std::string bytes = pdf;
-  if (bytes.back() != '\n') bytes += '\n';
-  const std::size_t object = bytes.size();
-  bytes += std::to_string(page->object) + " 0 obj\n" + page->dictionary.substr(0, page->dictionary.size() - 2) + "\n" +
-           *measure + ">>\nendobj\n";
-  const std::size_t table = bytes.size();
-  char entry[32];
-  std::snprintf(entry, sizeof entry, "%010zu 00000 n \n", object);
-  return bytes + "xref\n" + std::to_string(page->object) + " 1\n" + entry + "trailer\n<<" + page->trailer + " /Prev " +
-         std::to_string(page->table) + ">>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";
+  if (const char* const code = system->GetAuthorityCode(nullptr); code != nullptr) corners.code = code;
+  return corners;
 }
 
 }  // namespace
@@ -216,7 +131,7 @@ extern "C" void tolmexGeoTiff(const std::string& picture, const host::import::Ge
   answer.emplace(host::import::geoTiff(picture, place));
 }
 
-extern "C" void tolmexGeoPdf(const std::string& picture, const host::import::GeoPlace& place,
-                             std::optional<host::Result<std::string>>& answer) {
-  answer.emplace(host::import::geoPdf(picture, place));
+extern "C" void tolmexGeoCorners(const host::import::GeoPlace& place,
+                                 std::optional<host::Result<host::import::GeoCorners>>& answer) {
+  answer.emplace(host::import::cornersOf(place));
 }

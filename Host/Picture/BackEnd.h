@@ -12,7 +12,8 @@ namespace host::picture {
 
 struct Page {
   double widthMm = 0, heightMm = 0;
-  double widthPx = 0, heightPx = 0;  // picture coordinates; whole numbers for PNG
+  double widthPx = 0, heightPx = 0;   // picture coordinates; whole numbers for PNG
+  std::optional<GeoMeasure> measure;  // formats that have none leave it out
 };
 
 /// Why pictures of a format cannot be had here; empty when they can.

@@ -291,6 +291,15 @@ double metresPerUnit(const database::DrawingDatabase& db) {
 
 namespace {
 
+/// Lets the page say where it lies on the Earth.
+Result<> measure(Composition& made, const PictureOptions& options) {
+  if (!options.measureOf) return {};
+  Result<std::optional<GeoMeasure>> place = options.measureOf(made.picture);
+  if (!place) return place.problem();
+  made.page.measure = std::move(*place);
+  return {};
+}
+
 /// A page for each layout in which something is visible.
 Result<Picture> drawAllLayouts(const database::DrawingDatabase& db, const PictureOptions& options) {
   std::vector<Composition> made;
@@ -310,6 +319,7 @@ Result<Picture> drawAllLayouts(const database::DrawingDatabase& db, const Pictur
       remark(failed->text);
       continue;
     }
+    if (const Result<> measured = measure(*page, own); !measured) return measured.problem();
     if (page->picture.remark) remark(page->picture.remark->text);
     made.push_back(std::move(page.value()));
   }
@@ -336,6 +346,8 @@ Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOp
   }
   Result<Composition> made = composePicture(db, options, format);
   if (!made) return made;
+  if (format == PictureFormat::Pdf)
+    if (const Result<> measured = measure(*made, options); !measured) return measured.problem();
   made->picture.bytes = renderPicture(made->list, made->page, options.background, format);
   if (made->picture.bytes.empty())
     return problemOf(Code::OutputFailed, "The picture could not be made; it may be too large for the memory.");

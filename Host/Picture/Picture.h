@@ -1,8 +1,10 @@
 // Pictures of drawings: PNG, SVG, PDF and web pages from one display list.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <span>
@@ -42,6 +44,20 @@ struct PlanFacts {
   std::vector<LegendRow> legend;
 };
 
+struct Picture;
+
+/// Where a part of a page lies on the Earth.
+struct GeoMeasure {
+  geometry::Box part;  // picture coordinates
+  /// Latitudes and longitudes, on the system's own datum, of the part's corners on the page: lower left, upper left,
+  /// upper right, lower right.
+  std::array<double, 8> corners{};
+  std::string code;        // of the system in the register of EPSG; empty: it has none
+  std::string definition;  // of the system, WKT
+};
+/// Asked of a picture that is laid out and has no bytes yet. Nothing: its place is not known.
+using MeasureOf = std::function<Result<std::optional<GeoMeasure>>(const Picture&)>;
+
 enum class LineweightMode { AsDrawn, Off, Factor };
 enum class ColorMode { AsDrawn, Grayscale, Monochrome };
 
@@ -75,7 +91,8 @@ struct PictureOptions {
   std::string legendFile;                                   // own texts of the legend
   bool hasRealText = false;                                 // SVG and web pages: letters are text where they can be
   bool hasWorldFile = false;                                // a file beside a PNG says where it lies
-  std::string system;  // of the drawing's coordinates, "EPSG:3879": TIFF and PDF tell their places; empty: its own
+  std::string system;   // of the drawing's coordinates, "EPSG:3879": TIFF and PDF tell their places; empty: its own
+  MeasureOf measureOf;  // of the pages of a PDF
 };
 
 struct Picture {

@@ -11,8 +11,8 @@ namespace tolmex {
 using host::Result;
 using host::geometry::Box;
 using host::geometry::GeoLocation;
+using host::picture::GeoMeasure;
 using host::picture::Picture;
-using host::picture::PictureFormat;
 using host::picture::PictureOptions;
 
 namespace {
@@ -47,30 +47,41 @@ std::string systemOfDrawing(const host::database::DrawingDatabase& drawing) {
   return location && location->isPlain() ? location->system : std::string();
 }
 
-Result<> giveItsPlace(Picture& picture, PictureFormat format, const PictureOptions& options,
-                      const host::database::DrawingDatabase& drawing) {
-  const bool isTiff = format == PictureFormat::Tiff;
-  if (!isTiff && format != PictureFormat::Pdf) return {};
+namespace {
+
+/// How coordinates of the drawing become those of the options' system, or of the drawing's own one; without a system
+/// where neither is known. A problem where nothing but the model has a place.
+Result<GeoLocation> locationOf(const PictureOptions& options, const host::database::DrawingDatabase& drawing) {
   const bool isModel = options.layout == PictureOptions{}.layout;
   if (!isModel && !options.system.empty())
     return host::problemOf(host::Code::WrongUsage,
                            "--crs: only the model has a place on the Earth, not layout \"" + options.layout + "\"");
   // Coordinates of another system than the drawing's own are those of the plan itself.
-  GeoLocation location = isModel ? host::geometry::geoLocation(drawing).value_or(GeoLocation{}) : GeoLocation{};
-  if (!options.system.empty()) {
-    location = {};
-    location.system = options.system;
-  }
-  std::string system = location.system;
-  if (system.empty() && isTiff && isModel) system = systemByCoordinates(picture.drawn);
-  if (system.empty() && !isTiff) return {};
-  const Result<void*> function =
-      functionOfLibrary("tolmeximport", isTiff ? host::import::kGeoTiffFunction : host::import::kGeoPdfFunction,
-                        isTiff ? "a picture in TIFF" : "--crs", "GDAL (Debian's libgdal-dev)");
-  if (!function) return !isTiff && options.system.empty() ? Result<>() : function.problem();
+  GeoLocation location =
+      isModel && options.system.empty() ? host::geometry::geoLocation(drawing).value_or(GeoLocation{}) : GeoLocation{};
+  if (!options.system.empty()) location.system = options.system;
+  return location;
+}
+
+template <class Function>
+Result<Function> functionOfImport(const char* name, const char* call) {
+  const Result<void*> function = functionOfLibrary("tolmeximport", name, call, "GDAL (Debian's libgdal-dev)");
+  if (!function) return function.problem();
+  return reinterpret_cast<Function>(*function);
+}
+
+}  // namespace
+
+Result<> makeTiff(Picture& picture, const PictureOptions& options, const host::database::DrawingDatabase& drawing) {
+  const Result<GeoLocation> location = locationOf(options, drawing);
+  if (!location) return location.problem();
+  std::string system = location->system;
+  if (system.empty() && options.layout == PictureOptions{}.layout) system = systemByCoordinates(picture.drawn);
+  const auto function =
+      functionOfImport<host::import::GeoTiffFunction>(host::import::kGeoTiffFunction, "a picture in TIFF");
+  if (!function) return function.problem();
   std::optional<Result<std::string>> answer;
-  reinterpret_cast<host::import::GeoreferenceFunction> (*function)(picture.bytes, placeOf(picture, location, system),
-                                                                   answer);
+  (*function)(picture.bytes, placeOf(picture, *location, system), answer);
   if (!*answer) return answer->problem();
   picture.bytes = std::move(**answer);
   if (system.empty() && !picture.remark)
@@ -78,6 +89,27 @@ Result<> giveItsPlace(Picture& picture, PictureFormat format, const PictureOptio
                                      "The TIFF has a place but no coordinate system: neither --crs nor the drawing "
                                      "tells it.");
   return {};
+}
+
+Result<std::optional<GeoMeasure>> measureOf(const Picture& picture, const PictureOptions& options,
+                                            const host::database::DrawingDatabase& drawing) {
+  std::optional<GeoMeasure> measure;
+  const Result<GeoLocation> location = locationOf(options, drawing);
+  if (!location) return location.problem();
+  if (location->system.empty()) return measure;
+  const auto function = functionOfImport<host::import::GeoCornersFunction>(host::import::kGeoCornersFunction, "--crs");
+  // A drawing's own place is told where that can be done.
+  if (!function && options.system.empty()) return measure;
+  if (!function) return function.problem();
+  const host::import::GeoPlace place = placeOf(picture, *location, location->system);
+  std::optional<Result<host::import::GeoCorners>> answer;
+  (*function)(place, answer);
+  if (!*answer) return answer->problem();
+  const auto& [left, top, right, bottom] = place.shown;
+  host::import::GeoCorners& corners = **answer;
+  measure =
+      GeoMeasure{{left, top, right, bottom}, corners.degrees, std::move(corners.code), std::move(corners.definition)};
+  return measure;
 }
 
 }  // namespace tolmex

@@ -1,6 +1,7 @@
 // Which coordinate system a plan has, and pictures that say where on the Earth they lie.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "Geometry/EntityPaths.h"
@@ -14,10 +15,13 @@ std::string systemByCoordinates(const host::geometry::Box& extents);
 /// The system that the drawing itself tells, in its GEODATA, where its coordinates are those of the system; else empty.
 std::string systemOfDrawing(const host::database::DrawingDatabase& drawing);
 
-/// Makes the TIFF of a picture that was drawn as PNG, and gives a PDF its place where a system was asked for or the
-/// drawing tells it.
-host::Result<> giveItsPlace(host::picture::Picture& picture, host::picture::PictureFormat format,
-                            const host::picture::PictureOptions& options,
-                            const host::database::DrawingDatabase& drawing);
+/// Makes the TIFF of a picture that was drawn as PNG.
+host::Result<> makeTiff(host::picture::Picture& picture, const host::picture::PictureOptions& options,
+                        const host::database::DrawingDatabase& drawing);
+
+/// The place of a PDF, where a system was asked for or the drawing tells it.
+host::Result<std::optional<host::picture::GeoMeasure>> measureOf(const host::picture::Picture& picture,
+                                                                 const host::picture::PictureOptions& options,
+                                                                 const host::database::DrawingDatabase& drawing);
 
 }  // namespace tolmex

@@ -123,10 +123,11 @@ Result<> writePicture(const host::database::DrawingDatabase& drawing, host::pict
       facts = planFacts(drawing, options.metresPerUnit);
       options.facts = &facts;
     }
+    options.measureOf = [&](const host::picture::Picture& laidOut) { return measureOf(laidOut, options, drawing); };
     Result<host::picture::Picture> made = host::picture::drawPicture(drawing, options, picture.format);
     if (!made) return inFile(made.problem());
-    if (const Result<> placed = giveItsPlace(*made, picture.format, options, drawing); !placed)
-      return inFile(placed.problem());
+    if (picture.format == PictureFormat::Tiff)
+      if (const Result<> placed = makeTiff(*made, options, drawing); !placed) return inFile(placed.problem());
     if (made->remark) complain(inFile(*made->remark));
     if (Result<> written = writeOutput(picture.file, made->bytes); !written) return written;
     if (!options.hasWorldFile || picture.format != PictureFormat::Png || isStandardStream(picture.file)) return {};

@@ -135,16 +135,24 @@ TEST_F(GeoPictures, PdfsHaveAMeasureAndStayVectors) {
   locate("geo.dxf", 2, 0, "1.0", "3879");
   ASSERT_EQ(call({"picture", "geo.dxf", "a.pdf", "--paper", "A3", "--scale", "1:500"}).status, 0);
   const std::string plain = read("plain.pdf"), placed = read("a.pdf");
-  EXPECT_TRUE(placed.starts_with(plain.substr(0, plain.rfind("%%EOF")))) << "the page stays as it is";
   EXPECT_EQ(plain.find("/GPTS"), std::string::npos);
-  EXPECT_THAT(placed.substr(plain.size()), HasSubstr("/Subtype /GEO"));
   EXPECT_THAT(placed, HasSubstr("/EPSG 3879"));
-  // The last table leads to the page.
+  // Nothing but the page's own entry is new.
+  const std::size_t viewport = placed.find(" /VP ["), end = placed.find(">>\nendobj", viewport);
+  ASSERT_NE(viewport, std::string::npos);
+  const std::string entry = placed.substr(viewport, end - viewport);
+  EXPECT_THAT(entry, HasSubstr("/Subtype /GEO"));
+  const auto objectsOf = [](const std::string& pdf) { return pdf.substr(0, pdf.rfind("\nxref\n")); };
+  EXPECT_EQ(objectsOf(placed.substr(0, viewport) + placed.substr(end)), objectsOf(plain)) << "the page stays as it is";
+  // The table leads to the page.
   const auto number = [&](std::size_t place) { return std::stoul(placed.substr(place)); };
   const std::size_t table = number(placed.rfind("startxref\n") + 10);
   EXPECT_EQ(placed.substr(table, 5), "xref\n");
-  const std::size_t page = number(table + 5), object = number(placed.find('\n', table + 5) + 1);
+  const std::size_t page = number(placed.find("/Kids [") + 7);
+  const std::size_t object = number(placed.find('\n', table + 5) + 1 + 20 * page);
   EXPECT_TRUE(placed.substr(object).starts_with(std::to_string(page) + " 0 obj"));
+  EXPECT_GT(viewport, object);
+  EXPECT_EQ(placed.find("endobj", object), end + 3);
   // Asked for by name.
   const Outcome asked = call({"picture", "plan.dxf", "b.pdf", "--crs", "GK25"});
   EXPECT_EQ(asked.status, 0) << asked.err;

@@ -20,7 +20,7 @@ std::string_view pageText() {
 
 std::string legendOf(const DisplayNotes& notes) {
   constexpr double kMmPerPixel = 25.4 / 96;
-  const Page small{kSwatchWidthPx * kMmPerPixel, kSwatchHeightPx * kMmPerPixel, kSwatchWidthPx, kSwatchHeightPx};
+  const Page small{kSwatchWidthPx * kMmPerPixel, kSwatchHeightPx * kMmPerPixel, kSwatchWidthPx, kSwatchHeightPx, {}};
   std::string rows;
   for (std::size_t i = 0; i < notes.swatches.size(); ++i) {
     const DisplayNotes::Swatch& swatch = notes.swatches[i];

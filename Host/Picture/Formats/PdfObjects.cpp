@@ -44,6 +44,15 @@ std::string textString(std::string_view utf8) {
   return out + ">";
 }
 
+std::string literal(std::string_view bytes) {
+  std::string out = "(";
+  for (const char c : bytes) {
+    if (c == '(' || c == ')' || c == '\\') out += '\\';
+    out += c;
+  }
+  return out + ")";
+}
+
 std::string reference(std::size_t object) { return std::to_string(object) + " 0 R"; }
 
 std::size_t Objects::reserve() {

@@ -18,6 +18,9 @@ void addUtf16(std::string& out, char32_t letter);
 /// Text as a string of UTF-16 with its mark, in hexadecimal.
 std::string textString(std::string_view utf8);
 
+/// Bytes as a string.
+std::string literal(std::string_view bytes);
+
 std::string reference(std::size_t object);
 
 /// The numbered objects of a file, and the file made of them.

@@ -333,6 +333,26 @@ class PageContent {
   std::vector<State> saved_;
 };
 
+/// The measure of the part of a page that shows the drawing: ISO 32000-1 12.9 with the geospatial entries of ISO
+/// 32000-2 12.10.
+std::string viewport(const Page& page) {
+  const GeoMeasure& measure = *page.measure;
+  const double scale = kPointsPerMm * page.widthMm / page.widthPx, top = kPointsPerMm * page.heightMm;
+  const geometry::Box& part = measure.part;
+  std::string corners;
+  for (const double degrees : measure.corners) {
+    if (!corners.empty()) corners += ' ';
+    addNumber(corners, degrees, 10);
+  }
+  // Corners of the part itself, in the order of those on the Earth.
+  constexpr const char* kCorners = "[0 0 0 1 1 1 1 0]";
+  return std::string(" /VP [<</Type /Viewport /Name (Layers) /BBox [") +
+         numbers({part.minX * scale, top - part.maxY * scale, part.maxX * scale, top - part.minY * scale}, 4) +
+         "] /Measure <</Type /Measure /Subtype /GEO /Bounds " + kCorners + " /GPTS [" + corners + "] /LPTS " +
+         kCorners + " /GCS <</Type /PROJCS " + (measure.code.empty() ? "" : "/EPSG " + measure.code + " ") + "/WKT " +
+         pdf::literal(measure.definition) + ">>>>>>]";
+}
+
 }  // namespace
 
 std::string writePdf(std::span<const PdfPage> pages, std::optional<std::uint32_t> background) {
@@ -348,7 +368,8 @@ std::string writePdf(std::span<const PdfPage> pages, std::optional<std::uint32_t
     const std::size_t stream = objects.addStream("", content.write(background));
     leaves.push_back(objects.add("<</Type /Page /Parent " + reference(tree) + " /MediaBox [0 0 " +
                                  numbers({page.page.widthMm * kPointsPerMm, page.page.heightMm * kPointsPerMm}, 4) +
-                                 "] /Resources " + content.resources() + " /Contents " + reference(stream) + ">>"));
+                                 "] /Resources " + content.resources() + " /Contents " + reference(stream) +
+                                 (page.page.measure ? viewport(page.page) : "") + ">>"));
     kids += (kids.empty() ? "" : " ") + reference(leaves.back());
   }
   letters.finish();
