@@ -1,4 +1,4 @@
-// What a PDF says: texts that readers find beneath the outlines of letters.
+// What a PDF says: texts that readers find over the outlines of letters.
 #include <gmock/gmock.h>
 
 #include <map>

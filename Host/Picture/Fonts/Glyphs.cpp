@@ -102,7 +102,8 @@ struct GlyphSource::Fonts {
       if (const auto file = findFont(family, isBold, isItalic))
         if (OutlineFont* const font = outline(*file, standIns.capitalHeight)) {
           Choice found{font, {}, isItalic && !file->isItalic, file->family, {file->family}, isBold, isItalic};
-          if (standIns.families.front() != file->family) found.families.push_back(standIns.families.front());
+          const std::string& named = standIns.families.front();
+          if (!text::equalFolded(text::fromUtf8(named), text::fromUtf8(file->family))) found.families.push_back(named);
           found.families.emplace_back(standIns.general);
           found.emHeight = font->emHeight();
           return found;

@@ -212,8 +212,10 @@ class PageContent {
         letters_.line(std::wstring_view(list_.letters).substr(text.firstLetter, text.letterCount));
     const double size = length(text.up) / pdf::Letters::kCapitalHeight;
     const double stretch = std::round(length(along) / (line.width * size) * kStretchSteps) / kStretchSteps;
-    // Nor letters on end or on each other, which have no direction.
-    if (line.codes.empty() || !std::isfinite(stretch) || !(stretch > 0) || !isFinite(origin)) return;
+    // Nor letters on end or on each other, which have no direction, nor any that would become points.
+    constexpr double kLeastSize = 1e-3;
+    if (line.codes.empty() || !(size >= kLeastSize) || !std::isfinite(stretch) || !(stretch > 0) || !isFinite(origin))
+      return;
     out_ += "BT\n";
     if (stretch != stretch_) out_ += numbers({100 * (stretch_ = stretch)}, 2) + " Tz\n";
     const Point right = along * (size / length(along)), up = text.up * (1 / pdf::Letters::kCapitalHeight);
