@@ -20,6 +20,9 @@ import zlib
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 ELEMENTS = "ASFALTTI NURMIKKO SORA METSA PENSAS PIHALAATTA POLKU AITA_LAUTA AITA_KIVI".split()
 MOST_PIXELS = 20
+# Outlines, and the strokes that Linux finds where they are installed.
+FONTS = [font for folder in ("fonts/truetype/dejavu", "fonts/truetype/liberation", "librecad/fonts")
+         for font in sorted(pathlib.Path("/usr/share", folder).glob("*.[tl][tf]f"))]
 
 faults: list[str] = []
 
@@ -30,8 +33,9 @@ def fault(case: str, text: str) -> None:
 
 
 class System:
-    def __init__(self, name: str, command: list[str], out: pathlib.Path):
+    def __init__(self, name: str, command: list[str], out: pathlib.Path, fonts: str):
         self.name, self.command, self.out = name, command, out
+        self.environment = {**os.environ, "FONTCONFIG_FILE": fonts}
         self.seconds = 0.0
 
     def run(self, folder: str, arguments: list, **options) -> subprocess.CompletedProcess:
@@ -39,7 +43,8 @@ class System:
         place.mkdir(parents=True, exist_ok=True)
         begin = time.monotonic()
         done = subprocess.run([*self.command, *map(str, arguments)], cwd=place, capture_output=True, timeout=300,
-                              stdin=None if "input" in options else subprocess.DEVNULL, **options)
+                              stdin=None if "input" in options else subprocess.DEVNULL,
+                              **{"env": self.environment, **options})
         self.seconds += time.monotonic() - begin
         return done
 
@@ -88,6 +93,12 @@ def differing_pixels(one: bytes, two: bytes) -> int:
     return sum(x[i:i + step] != y[i:i + step] for x, y in zip(a, b) if x != y for i in range(0, len(x), step))
 
 
+def uncompressed(pdf: bytes) -> list[bytes]:
+    """The streams of a page, which only a program with a library for it compresses."""
+    streams = re.findall(rb"<<([^\n]*?)/Length \d+[^\n]*>>\s*stream\n(.*?)\nendstream", pdf, flags=re.DOTALL)
+    return [zlib.decompress(data) if b"FlateDecode" in head else data for head, data in streams]
+
+
 def compare(systems: list[System], case: str, arguments: list, files: list[str], says: bool = True, **options) -> None:
     linux, windows = (system.run(case, arguments, **options) for system in systems)
     if linux.returncode != windows.returncode:
@@ -106,6 +117,8 @@ def compare(systems: list[System], case: str, arguments: list, files: list[str],
                 fault(case, f"{name}: {count} pixels differ")
             elif count:
                 print(f"  {case}: {name}: {count} pixels differ")
+        elif name.endswith(".pdf") and uncompressed(one) and uncompressed(one) == uncompressed(two):
+            continue
         elif one != two:
             lines = [i for i, (a, b) in enumerate(zip(one.split(b"\n"), two.split(b"\n")), 1) if a != b]
             fault(case, f"{name} differs in {len(lines)} lines, the first is {lines[0] if lines else 'behind the end'}")
@@ -113,6 +126,60 @@ def compare(systems: list[System], case: str, arguments: list, files: list[str],
 
 def windows_path(path: pathlib.Path) -> str:
     return "Z:" + str(path).replace("/", "\\")
+
+
+def make_program(windows: pathlib.Path, folder: pathlib.Path) -> pathlib.Path:
+    """The program as a user has it, in a folder with Finnish letters; beside it the fonts that are used on Linux."""
+    shutil.copytree(windows.parent, folder, copy_function=os.link, ignore=shutil.ignore_patterns("test_*", "dwg-reader"))
+    for font in FONTS:
+        if not (folder / "fonts" / font.name).exists():
+            shutil.copyfile(font, folder / "fonts" / font.name)
+    return folder / windows.name
+
+
+def make_font_configurations(out: pathlib.Path) -> list[str]:
+    """One folder of fonts for both systems, each with the file that names it there. Wine reads the one for Windows too,
+    on the side of Linux: so it has a name for both, and folders that do not begin with a slash are told to be meant so."""
+    folder = out / "Äidin fontit"
+    folder.mkdir()
+    for font in FONTS:
+        shutil.copyfile(font, folder / font.name)
+    named = []
+    for name, path in (("linux", str), ("windows", windows_path)):
+        file = out / f"{name} ö.conf"
+        file.write_text(f'<fontconfig><dir prefix="cwd">{path(folder)}</dir><cachedir>{path(out / name / "cache")}</cachedir>'
+                        "</fontconfig>\n", encoding="utf-8")
+        named.append(str(file))
+    return named
+
+
+def make_text_drawing(folder: pathlib.Path) -> None:
+    """Texts in fonts that drawings name: outlines, strokes, letters that join, run from the right, are nowhere."""
+    import ezdxf
+
+    drawing = ezdxf.new("R2010")
+    for number, font in enumerate(("arial.ttf", "arialbd.ttf", "timesi.ttf", "cour.ttf", "calibri.ttf", "DejaVu Serif.ttf",
+                                   "txt.shx", "romans.shx", "isocp.shx", "gothice.shx", "own.shx", "tuntematon ä.ttf")):
+        drawing.styles.add(f"S{number}", font=font)
+        drawing.modelspace().add_text("Äyräspuisto 12 m² – Åbo Ⓐ", height=2, dxfattribs={
+            "style": f"S{number}", "insert": (0, -4 * number), "oblique": 5 * (number % 3)})
+    for number, text in enumerate(("{\\fTimes New Roman|b1|i0;Kerrosala \\fCourier New|b0|i1;1 200 k-m²}",
+                                   "שלום 123 (Koivukatu) سلام عليكم", "a\u0301 o\u0308 漢字 Ѳ \u2316")):
+        drawing.modelspace().add_mtext(text, dxfattribs={"style": f"S{number}", "char_height": 2, "insert": (60, -8 * number)})
+    drawing.saveas(folder / "texts.dxf")
+
+
+def compare_fonts(systems: list["System"], out: pathlib.Path, pictures: list[str]) -> None:
+    """Texts with one folder of fonts, and with what the program for Windows finds by itself."""
+    make_text_drawing(out)
+    for picture in [*pictures, "out.pdf", "out.html"]:
+        compare(systems, "texts", ["picture", out / "texts.dxf", picture], [picture])
+    windows = systems[1]
+    bare = {name: value for name, value in windows.environment.items() if not name.startswith("FONTCONFIG")}
+    configured, alone = (windows.run("alone", ["picture", out / "texts.dxf", "out.svg"], env=environment)
+                         for environment in (windows.environment, bare))
+    if alone.returncode or alone.stderr != configured.stderr or windows.file("alone", "out.svg") != windows.file("texts", "out.svg"):
+        fault("alone", f"with the fonts beside the program another picture, or said: {alone.stderr!r}")
 
 
 def real_drawings(asked: list[pathlib.Path]) -> list[pathlib.Path]:
@@ -189,13 +256,10 @@ def main() -> int:
     shutil.rmtree(out, ignore_errors=True)
     out.mkdir(parents=True)
     wine = os.environ.get("WINELOADER") or shutil.which("wine64") or shutil.which("wine")
-    systems = [System("linux", [str(asked.linux.resolve())], out),
-               System("windows", [wine, str(asked.windows.resolve())], out)]
+    fonts = make_font_configurations(out)
+    systems = [System("linux", [str(asked.linux.resolve())], out, fonts[0]),
+               System("windows", [wine, str(make_program(asked.windows.resolve(), out / "Käyttäjä Äö"))], out, fonts[1])]
     windows = systems[1]
-    # Fonts that drawings name are found on Linux only; there it shall have no others than the program for Windows brings.
-    fonts = out / "fonts.conf"
-    fonts.write_text("<fontconfig><dir>/usr/share/fonts/truetype/dejavu</dir></fontconfig>\n")
-    os.environ["FONTCONFIG_FILE"] = str(fonts)
     examples, guide = ROOT / "examples", ROOT / "docs/guide"
     made = ["out.dxf", "out.svg"] + (["out.png"] if asked.pictures else [])
     outputs = ["--out", "out.dxf", "--picture", "out.svg"] + (["--picture", "out.png"] if asked.pictures else [])
@@ -220,8 +284,10 @@ def main() -> int:
     compare(systems, "sheet by name", ["picture", examples / "kortteli.dxf", "out.svg", "--sheet", out / "pieni sivu ä",
                                        *sheet[2:]], ["out.svg"])
     make_image_drawing(out)
-    for picture in ["out.svg"] + ["out.png"] * asked.pictures:
+    pictures = ["out.svg"] + ["out.png"] * asked.pictures
+    for picture in pictures:
         compare(systems, "images", ["picture", out / "images.dxf", picture], [picture])
+    compare_fonts(systems, out, pictures)
 
     # ---- streams, jobs, names, line ends: what the systems do differently underneath ----
     example = examples / "kortteli.dxf"
@@ -259,6 +325,8 @@ def main() -> int:
             (folder / "in.dxf").write_bytes(content)
         compare(systems, "names", ["run", pathlib.PurePath(name).with_name("in.dxf"), "--command", "TLM_MUOK_SORA",
                                    "--command", "ALL", "--command", "", "--out", name], [name])
+    compare(systems, "typed names", ["run", example, "--command", "SAVEAS", "--command", "Ääni ö.dxf",
+                                     "--command", "PICTURE", "--command", "kuva ä.svg"], ["Ääni ö.dxf", "kuva ä.svg"], says=False)
     for arguments in (["--version"], ["--help"], ["run", "no.dxf"], ["picture", example, "x.txt"], ["nonsense"],
                       ["run", example, "--out", "no folder/x.dxf"], ["run", example, "--script", "no.scr"],
                       ["run", examples, "--out", "x.dxf"]):

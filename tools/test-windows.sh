@@ -2,6 +2,7 @@
 # Builds the program for Windows and compares it under wine with the program for Linux, which must have been built
 # (build/release or build/debug). With the window only where tools/windows.sh has built Qt before: that takes an hour.
 # Arguments: --linux PROGRAM; the rest goes to tools/compare-windows.py (--drawings DIR, --buildings N).
+# Exit status 3 where wine, the compiler or the sources of libraries cannot be had, 1 when the comparison fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -15,7 +16,10 @@ for build in release debug; do
 done
 [[ -n $linux ]] || { echo "test-windows: build the program for Linux first: tools/test.sh" >&2; exit 2; }
 
-tools/install-deps.sh g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev xz-utils
+if ! tools/install-deps.sh g++-mingw-w64-x86-64-posix wine64 wine googletest dpkg-dev xz-utils; then
+  echo "test-windows: wine and the compiler for Windows cannot be had here" >&2
+  exit 3
+fi
 out=build/windows-plain
 options=(--no-window)
 compare=()
@@ -46,4 +50,5 @@ for test in "$out"/bin/test_*.exe; do
   "$wine" "$test" --gtest_brief=1 || status=1
 done
 /usr/bin/python3 tools/compare-windows.py "$linux" "$out/bin/tolmex.exe" build/windows-compared "${compare[@]}" "$@" || status=1
+[[ $status == 0 ]] || echo "test-windows: the program for Windows fails its tests or differs from the one for Linux" >&2
 exit "$status"

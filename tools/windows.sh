@@ -3,8 +3,8 @@
 # Usage: tools/windows.sh [--no-window] [--no-package] [--jobs N] [TARGET...]
 # --no-window    without the window, dialogs to be seen, and pictures in PNG: Qt is not built then
 # --no-package   the program only, in build/windows*/bin
-# Libraries that Debian has not built for Windows come from its source packages and are kept under build/: FreeType takes
-# half a minute, Qt the better part of an hour, once. docs/windows.md tells more.
+# Libraries that Debian has not built for Windows come from its source packages and are kept under build/: those of fonts
+# take two minutes, Qt the better part of an hour, once. docs/windows.md tells more.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 here=$PWD
@@ -25,13 +25,17 @@ while (($#)); do
   shift
 done
 
-packages=(g++-mingw-w64-x86-64-posix googletest dpkg-dev xz-utils)
+packages=(g++-mingw-w64-x86-64-posix googletest dpkg-dev xz-utils meson gperf pkg-config)
 [[ $package == no ]] || packages+=(nsis zip)
 [[ $window == OFF ]] || packages+=(qt6-base-dev qt6-base-dev-tools qt6-l10n-tools qt6-tools-dev-tools librsvg2-bin)
-tools/install-deps.sh "${packages[@]}"
+tools/install-deps.sh "${packages[@]}" || { echo "tools/windows.sh: the packages that it needs cannot be had here" >&2; exit 3; }
 
 # The upstream versions that all this was tried with; Debian's own changes to them may come and go.
 freetype_version=2.12.1
+expat_version=2.5.0
+fontconfig_version=2.14.1
+harfbuzz_version=6.0.0
+fribidi_version=1.0.8
 qt_version=6.4.2
 
 # fetch <package> <upstream version> <folder>: unpacks Debian's source package. Its places are the machine's own, read
@@ -45,33 +49,76 @@ fetch() {
   { cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2> /dev/null || true; } |
     sed -n 's/^deb /deb-src /p' > "$sources/parts/all.list"
   local apt=(-o Dir::Etc::SourceList=/dev/null -o "Dir::Etc::SourceParts=$sources/parts" -o "Dir::State::Lists=$sources/lists")
-  local fetched=no
-  apt-get "${apt[@]}" -qq update > /dev/null 2>&1 || true
-  local version
-  version=$(apt-cache "${apt[@]}" showsrc "$package" 2> /dev/null | sed -n 's/^Version: //p' | grep -F "$wanted" | sort -V | tail -1) || true
-  if [[ -n $version ]]; then
-    (cd "$sources/files" && apt-get "${apt[@]}" -qq source --download-only "$package=$version" > ../log 2>&1) && fetched=yes
-  fi
-  if [[ $fetched == no ]]; then
+  [[ -n ${updated:-} ]] || apt-get "${apt[@]}" -qq update > /dev/null 2>&1 || true
+  updated=yes
+  # The newest first; a mirror may name one that it no longer has.
+  local version dsc=
+  for version in $(apt-cache "${apt[@]}" showsrc "$package" 2> /dev/null | sed -n 's/^Version: //p' | grep -F "$wanted" | sort -Vru); do
+    (cd "$sources/files" && apt-get "${apt[@]}" -qq source --download-only "$package=$version" > ../log 2>&1) || continue
+    dsc=${package}_${version#*:}.dsc
+    break
+  done
+  if [[ -z $dsc ]]; then
     echo "tools/windows.sh: the source package $package $wanted cannot be had from this machine's Debian mirror" >&2
     exit 3
   fi
   rm -rf "$folder"
   mkdir -p "$(dirname "$folder")"
-  (cd "$sources/files" && dpkg-source --no-check -x "$package"_*.dsc "$folder" > ../log 2>&1)
+  (cd "$sources/files" && dpkg-source --no-check -x "$dsc" "$folder" > ../log 2>&1)
   touch "$folder/.unpacked"
 }
 
 cross=(-G Ninja -DCMAKE_BUILD_TYPE=Release "-DCMAKE_TOOLCHAIN_FILE=$here/cmake/mingw.cmake"
   -DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
 libraries=$here/build/windows-libraries
+# Their sources are Debian's; what they say while they are built lies in build/sources/<name>.log.
+# quietly <name> <command...>: shows what was said only when it fails.
+quietly() {
+  local log=$here/build/sources/$1.log
+  shift
+  "$@" >> "$log" 2>&1 || { tail -n 30 "$log" >&2; echo "tools/windows.sh: $* failed" >&2; exit 1; }
+}
+# licence <name>: keeps it for those who get the library; it is there once the library is.
+licence() {
+  mkdir -p "$libraries/licences"
+  cp "$here/build/sources/$1/debian/copyright" "$libraries/licences/$1.txt"
+}
+# with_cmake <name> <version> <folder in the source> <option...>, with_meson <name> <version> <option...>
+with_cmake() {
+  local name=$1 source=$here/build/sources/$1 version=$2 inner=$3
+  shift 3
+  [[ -e $libraries/licences/$name.txt ]] && return
+  fetch "$name" "$version" "$source"
+  quietly "$name" cmake -S "$source/$inner" -B "$source-build" "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$libraries" \
+    -DBUILD_SHARED_LIBS=OFF "$@"
+  quietly "$name" cmake --build "$source-build" --target install -j "$jobs"
+  licence "$name"
+}
+with_meson() {
+  local name=$1 source=$here/build/sources/$1 version=$2
+  shift 2
+  [[ -e $libraries/licences/$name.txt ]] && return
+  fetch "$name" "$version" "$source"
+  printf '%s\n' '[binaries]' "c = ['ccache', 'x86_64-w64-mingw32-gcc-posix']" "ar = 'x86_64-w64-mingw32-ar'" \
+    "strip = 'x86_64-w64-mingw32-strip'" "pkgconfig = 'pkg-config'" '[properties]' \
+    "pkg_config_libdir = '$libraries/lib/pkgconfig'" '[host_machine]' "system = 'windows'" "cpu_family = 'x86_64'" \
+    "cpu = 'x86_64'" "endian = 'little'" > "$here/build/sources/mingw.meson"
+  rm -rf "$source-build"
+  quietly "$name" meson setup "$source-build" "$source" --cross-file "$here/build/sources/mingw.meson" --prefix "$libraries" \
+    --libdir lib --buildtype release --default-library static --wrap-mode nofallback "$@"
+  quietly "$name" meson install -C "$source-build"
+  licence "$name"
+}
 
-if [[ ! -e $libraries/lib/libfreetype.a ]]; then
-  fetch freetype "$freetype_version" "$here/build/sources/freetype"
-  cmake -S build/sources/freetype -B build/sources/freetype-build "${cross[@]}" "-DCMAKE_INSTALL_PREFIX=$libraries" \
-    -DFT_DISABLE_ZLIB=ON -DFT_DISABLE_BZIP2=ON -DFT_DISABLE_PNG=ON -DFT_DISABLE_HARFBUZZ=ON -DFT_DISABLE_BROTLI=ON > build/sources/log
-  cmake --build build/sources/freetype-build --target install -j "$jobs" > build/sources/log
-fi
+with_cmake freetype "$freetype_version" . \
+  -DFT_DISABLE_ZLIB=ON -DFT_DISABLE_BZIP2=ON -DFT_DISABLE_PNG=ON -DFT_DISABLE_HARFBUZZ=ON -DFT_DISABLE_BROTLI=ON
+# Debian's changes ask for the value of XML_DTD, which expat's own file for CMake defines without one.
+with_cmake expat "$expat_version" expat -DEXPAT_DTD=OFF -DCMAKE_C_FLAGS=-DXML_DTD=1 \
+  -DEXPAT_BUILD_TOOLS=OFF -DEXPAT_BUILD_EXAMPLES=OFF -DEXPAT_BUILD_TESTS=OFF -DEXPAT_BUILD_DOCS=OFF
+with_cmake harfbuzz "$harfbuzz_version" . -DHB_BUILD_SUBSET=OFF
+with_meson fribidi "$fribidi_version" -Ddocs=false
+with_meson fontconfig "$fontconfig_version" \
+  -Ddoc=disabled -Dnls=disabled -Dtests=disabled -Dtools=disabled -Dcache-build=disabled
 
 qt=$here/build/windows-qt/installed
 if [[ $window == ON && ! -e $qt/.built ]]; then
@@ -133,6 +180,11 @@ fi
 find "$made" -name '*.dll' -o -name '*.exe' -o -name '*.arx' | xargs x86_64-w64-mingw32-strip --strip-unneeded
 cp -rL Host/Dwg/reader "$made/dwg-reader"
 cp -r examples docs README.md "$made/"
+cp -r "$libraries/licences" "$made/"
+[[ $window == OFF ]] || cp build/windows-qt/source/debian/copyright "$made/licences/qt6-base.txt"
+for package in gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev fonts-dejavu-core; do
+  cp "/usr/share/doc/$package/copyright" "$made/licences/$package.txt"
+done
 find "$made" -name '.stamp' -delete
 find "$made/examples" "$made/docs" -name '*.py' -delete
 (cd "$here/build/package" && zip -qr9 ../tolmex-windows.zip.part "$name" && mv ../tolmex-windows.zip.part ../tolmex-windows.zip)

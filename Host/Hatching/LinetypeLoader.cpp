@@ -33,7 +33,7 @@ Acad::ErrorStatus addLinetype(AcDbLinetypeTable& table, const Linetype& linetype
 Acad::ErrorStatus acdbLoadLineTypeFile(const ACHAR* name, const ACHAR* fileName, AcDbDatabase* db) {
   if (name == nullptr || fileName == nullptr || *name == 0) return Acad::eInvalidInput;
   if (db == nullptr) return Acad::eNoDatabase;
-  const std::optional<std::string> path = host::hatching::findSupportFile(fileName, db, false);
+  const std::optional<std::filesystem::path> path = host::hatching::findSupportFile(fileName, db, false);
   if (!path) return Acad::eFileNotFound;
   static host::hatching::DefinitionFiles<Linetype> files(host::hatching::parseLinetypeFile);
   const auto all = files.read(*path);

@@ -13,7 +13,7 @@ namespace {
 
 std::optional<Pattern> searchIn(const std::wstring& fileName, std::wstring_view name) {
   static DefinitionFiles<Pattern> files(parsePatternFile);
-  const std::optional<std::string> path = findSupportFile(fileName, nullptr, true);
+  const std::optional<std::filesystem::path> path = findSupportFile(fileName, nullptr, true);
   const auto patterns = path ? files.read(*path) : nullptr;
   if (patterns == nullptr) return std::nullopt;
   const auto found = std::find_if(patterns->begin(), patterns->end(), [&](const Pattern& pattern) {

@@ -4,12 +4,12 @@
 #include <fstream>
 #include <iterator>
 
-#include "Text/Text.h"
+#include "Text/FilePath.h"
 #include "dbapserv.h"
 
 namespace host::hatching {
 
-std::optional<std::string> findSupportFile(const std::wstring& name, AcDbDatabase* db, bool isPatternFile) {
+std::optional<std::filesystem::path> findSupportFile(const std::wstring& name, AcDbDatabase* db, bool isPatternFile) {
   AcDbHostApplicationServices* const services = acdbHostApplicationServices();
   if (services == nullptr) return std::nullopt;
   std::array<ACHAR, 4096> path{};
@@ -17,10 +17,10 @@ std::optional<std::string> findSupportFile(const std::wstring& name, AcDbDatabas
   if (services->findFile(path.data(), static_cast<int>(path.size()), name.c_str(), db, hint) != Acad::eOk) {
     return std::nullopt;
   }
-  return text::toUtf8(path.data());
+  return text::toPath(path.data());
 }
 
-std::optional<std::string> readTextFile(const std::string& path) {
+std::optional<std::string> readTextFile(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
   std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "Problems/Problem.h"
@@ -17,11 +17,11 @@ class AcDbDatabase;
 
 namespace host::hatching {
 
-/// Full path (UTF-8) of a file looked for in the current, the drawing's and the support folders; nothing when there is
+/// Full path of a file looked for in the current, the drawing's and the support folders; nothing when there is
 /// none.
-std::optional<std::string> findSupportFile(const std::wstring& name, AcDbDatabase* db, bool isPatternFile);
+std::optional<std::filesystem::path> findSupportFile(const std::wstring& name, AcDbDatabase* db, bool isPatternFile);
 /// Its bytes; nothing when it cannot be read.
-std::optional<std::string> readTextFile(const std::string& path);
+std::optional<std::string> readTextFile(const std::filesystem::path& path);
 
 /// Definitions of files by path, parsed once and again when a file has changed: commands ask for one after the other.
 template <class Definition>
@@ -32,7 +32,7 @@ class DefinitionFiles {
   explicit DefinitionFiles(Parse parse) : parse_(parse) {}
 
   /// Those of a file; null when it cannot be read. A damaged line costs its own definition only.
-  std::shared_ptr<const Definitions> read(const std::string& path) {
+  std::shared_ptr<const Definitions> read(const std::filesystem::path& path) {
     std::error_code error;
     const auto changed = std::filesystem::last_write_time(path, error);
     if (error) return nullptr;
@@ -54,7 +54,7 @@ class DefinitionFiles {
   };
   Parse parse_;
   std::mutex mutex_;
-  std::unordered_map<std::string, File> files_;
+  std::map<std::filesystem::path, File> files_;
 };
 
 }  // namespace host::hatching

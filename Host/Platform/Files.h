@@ -28,6 +28,9 @@ FileFacts factsOf(const std::filesystem::path& file);
 /// What lies in the folder, names without the folder, in no order; what has been read before an error stays.
 std::vector<std::filesystem::path> namesIn(const std::filesystem::path& folder, std::error_code& error);
 
+/// The path that a library gives which knows narrow text only: on Windows in the code page of the process.
+std::filesystem::path pathOfSystemText(const std::string& text);
+
 /// Opens a file that others may open meanwhile and that started programs do not inherit. The mode is fopen's.
 std::FILE* openShared(const std::filesystem::path& file, std::string mode);
 /// 0 when the file is there and can be accessed: 2 written, 4 read, the sum both.

@@ -36,6 +36,9 @@ bool hasDisplay();
 
 /// The folders where this system and this user keep fonts, the user's first.
 std::vector<std::filesystem::path> fontFolders();
+/// Fontconfig's configuration where the system has none: it names the folders of the system, of the user and beside the
+/// program. Empty where there is one, or the environment names one.
+std::string fontConfiguration();
 /// Where fonts of strokes may be.
 std::vector<std::filesystem::path> strokeFontFolders();
 

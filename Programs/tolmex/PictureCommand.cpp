@@ -1,5 +1,6 @@
 #include "PictureCommand.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -7,6 +8,7 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Outputs.h"
+#include "Platform/Paths.h"
 #include "Text/Text.h"
 
 namespace tolmex {
@@ -65,13 +67,14 @@ Result<> readOptions(PictureOptions& options, std::string_view line) {
 }
 
 void pictureCommand(Application& application, Prompter& prompter) {
-  const auto file = prompter.text(L"Enter name of picture file: ");
-  if (file.outcome == host::editor::Outcome::Cancel) return;
-  const std::string line = host::text::toUtf8(file.value);
+  const auto typed = prompter.text(L"Enter name of picture file: ");
+  if (typed.outcome == host::editor::Outcome::Cancel) return;
+  const std::string line = host::text::toUtf8(typed.value);
   const std::size_t behind = line.find(" --");
   std::string name = line.substr(0, behind);
   while (name.ends_with(' ')) name.pop_back();
   if (name.size() > 1 && name.front() == '"' && name.back() == '"') name = name.substr(1, name.size() - 2);
+  const std::filesystem::path file = host::platform::pathOf(name);
   const auto format = host::picture::formatOfFile(name);
   if (!format) {
     prompter.refuse(L"The picture's name must end in .png, .svg, .pdf, .tif or .html.");
@@ -86,12 +89,12 @@ void pictureCommand(Application& application, Prompter& prompter) {
       return;
     }
   }
-  if (const Result<> fit = checkOutputs({application.drawingFile()}, {name}); !fit) {
+  if (const Result<> fit = checkOutputs({application.drawingFile()}, {file}); !fit) {
     prompter.fail(fit.problem());
     return;
   }
   if (const Result<> written =
-          writePicture(*application.drawing(), options, {name, *format}, {application.drawingFile().parent_path()});
+          writePicture(*application.drawing(), options, {file, *format}, {application.drawingFile().parent_path()});
       !written) {
     complain(written.problem());
     prompter.fail(Code::OutputFailed, L"the picture could not be made");

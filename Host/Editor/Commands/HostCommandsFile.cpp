@@ -19,7 +19,7 @@ std::filesystem::path typedPath(const std::wstring& text) {
   std::size_t begin = 0, end = text.size();
   while (begin < end && text[begin] == L' ') ++begin;
   while (end > begin && text[end - 1] == L' ') --end;
-  return text::toUtf8(text.substr(begin, end - begin));
+  return platform::pathOf(text::toUtf8(text.substr(begin, end - begin)));
 }
 
 /// Nothing when the user cancelled, or gave no name, which has been refused.

@@ -50,7 +50,7 @@ std::vector<std::filesystem::path> Application::unsavedDrawings(Current current)
   std::vector<std::filesystem::path> unsaved;
   for (const auto& document : host().documents().all()) {
     if (current == Current::LeftOut && document.get() == host().documents().current()) continue;
-    if (document->drawing().isModified()) unsaved.emplace_back(text::toUtf8(document->fileName()));
+    if (document->drawing().isModified()) unsaved.push_back(platform::pathOf(text::toUtf8(document->fileName())));
   }
   return unsaved;
 }

@@ -5,6 +5,9 @@
 #include <memory>
 #include <string_view>
 
+#include "Platform/Files.h"
+#include "Platform/System.h"
+
 namespace host::picture {
 namespace {
 
@@ -28,7 +31,18 @@ Pattern outlines(bool isBold, bool isItalic) {
   return pattern;
 }
 
+/// Where the system brings no configuration, ours takes its place before the first search.
+void configure() {
+  const std::string configuration = platform::fontConfiguration();
+  if (configuration.empty()) return;
+  FcConfig* const config = FcConfigCreate();
+  FcConfigParseAndLoadFromMemory(config, bytesOf(configuration), FcFalse);
+  FcConfigSetCurrent(config);  // which searches the folders and keeps it
+  FcConfigDestroy(config);
+}
+
 Pattern bestMatch(const Pattern& pattern) {
+  [[maybe_unused]] static const bool isConfigured = (configure(), true);
   FcDefaultSubstitute(pattern.get());
   FcResult result = FcResultNoMatch;
   return Pattern(FcFontMatch(nullptr, pattern.get(), &result));
@@ -41,7 +55,7 @@ std::optional<FontFile> fileOf(const Pattern& match) {
   if (FcPatternGetString(match.get(), FC_FONTFORMAT, 0, &text) != FcResultMatch) return std::nullopt;
   if (const std::string format = textOf(text); format != "TrueType" && format != "CFF") return std::nullopt;
   if (FcPatternGetString(match.get(), FC_FILE, 0, &text) != FcResultMatch) return std::nullopt;
-  font.path = textOf(text);
+  font.path = platform::pathOfSystemText(textOf(text));
   if (FcPatternGetString(match.get(), FC_FAMILY, 0, &text) == FcResultMatch) font.family = textOf(text);
   FcPatternGetInteger(match.get(), FC_INDEX, 0, &font.index);
   int weight = FC_WEIGHT_REGULAR, slant = FC_SLANT_ROMAN;

@@ -1,13 +1,14 @@
 // The outline fonts of this machine. A build without fontconfig has a twin of the source that finds none.
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
 namespace host::picture {
 
 struct FontFile {
-  std::string path;
+  std::filesystem::path path;
   int index = 0;       // of the face in its file
   std::string family;  // as the font names itself
   bool isBold = false, isItalic = false;

@@ -61,7 +61,7 @@ struct GlyphSource::Fonts {
   OutlineFont regular{fontFile("DejaVuSans.ttf"), 0, kCapitalHeight, kNarrowing},
       bold{fontFile("DejaVuSans-Bold.ttf"), 0, kCapitalHeight, kNarrowing};
   std::map<std::uint64_t, Choice> choices;
-  std::map<std::tuple<std::string, int, double>, std::unique_ptr<OutlineFont>> outlines;
+  std::map<std::tuple<std::filesystem::path, int, double>, std::unique_ptr<OutlineFont>> outlines;
   std::map<std::string, std::unique_ptr<StrokeFont>> strokes;
   std::map<std::pair<char32_t, bool>, OutlineFont*> others;  // that have a letter; null for none
 

@@ -182,7 +182,7 @@ std::optional<PlotStyles> findPlotStyles(const std::string& styleSheet, const Pi
   std::vector<fs::path> folders = {options.drawingFolder.empty() ? "." : platform::pathOf(options.drawingFolder)};
   folders.insert(folders.end(), options.supportFolders.begin(), options.supportFolders.end());
   for (const fs::path& folder : folders) {
-    const auto file = fileIn(folder, name);
+    const auto file = fileIn(folder, platform::pathOf(name));
     if (!file) continue;
     const auto bytes = fileBytes(*file);
     Result<PlotStyles> styles =

@@ -35,6 +35,8 @@ std::vector<std::filesystem::path> namesIn(const std::filesystem::path& folder, 
   return names;
 }
 
+std::filesystem::path pathOfSystemText(const std::string& text) { return text; }
+
 std::FILE* openShared(const std::filesystem::path& file, std::string mode) {
   mode += 'e';  // not for the programs that this one starts
   return std::fopen(file.c_str(), mode.c_str());

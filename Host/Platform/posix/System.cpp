@@ -135,6 +135,8 @@ std::vector<std::filesystem::path> fontFolders() {
   return folders;
 }
 
+std::string fontConfiguration() { return {}; }
+
 std::vector<std::filesystem::path> strokeFontFolders() {
   std::vector<std::filesystem::path> folders;
   for (const std::filesystem::path& folder : fontFolders())

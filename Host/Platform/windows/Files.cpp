@@ -47,6 +47,13 @@ std::vector<std::filesystem::path> namesIn(const std::filesystem::path& folder, 
   return names;
 }
 
+std::filesystem::path pathOfSystemText(const std::string& text) {
+  const int length = static_cast<int>(text.size());
+  std::wstring wide(static_cast<std::size_t>(::MultiByteToWideChar(CP_ACP, 0, text.data(), length, nullptr, 0)), 0);
+  ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), static_cast<int>(wide.size()));
+  return wide;
+}
+
 std::FILE* openShared(const std::filesystem::path& file, std::string mode) {
   // Bytes are bytes; not for the programs that this one starts.
   if (mode.find('b') == std::string::npos) mode += 'b';

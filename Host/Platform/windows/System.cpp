@@ -65,7 +65,22 @@ std::vector<std::filesystem::path> fontFolders() {
   return folders;
 }
 
-std::vector<std::filesystem::path> strokeFontFolders() { return {}; }
+std::string fontConfiguration() {
+  for (const char* const name : {"FONTCONFIG_FILE", "FONTCONFIG_PATH"}) {
+    if (const auto value = environment(name); value && !value->empty()) return {};
+  }
+  // Fontconfig knows these names; the user's folder only behind the system's, with which it loads what it asks.
+  return "<fontconfig><dir>CUSTOMFONTDIR</dir><dir>WINDOWSFONTDIR</dir><dir>WINDOWSUSERFONTDIR</dir>"
+         "<cachedir>LOCAL_APPDATA_FONTCONFIG_CACHE</cachedir>"
+         "<cachedir>WINDOWSTEMPDIR_FONTCONFIG_CACHE</cachedir></fontconfig>";
+}
+
+std::vector<std::filesystem::path> strokeFontFolders() {
+  std::vector<std::filesystem::path> folders;
+  for (const char* const name : {"ProgramFiles", "ProgramFiles(x86)"})
+    if (const auto programs = environment(name)) folders.push_back(pathOf(*programs) / "LibreCAD/resources/fonts");
+  return folders;
+}
 
 bool Console::open() {
   // A program of windows has none of its own.
