@@ -14,6 +14,7 @@ import shutil
 import struct
 import subprocess
 import sys
+import tempfile
 import time
 import zlib
 
@@ -42,9 +43,9 @@ class System:
         place = self.out / self.name / folder
         place.mkdir(parents=True, exist_ok=True)
         begin = time.monotonic()
-        done = subprocess.run([*self.command, *map(str, arguments)], cwd=place, capture_output=True, timeout=300,
-                              stdin=None if "input" in options else subprocess.DEVNULL,
-                              **{"env": self.environment, **options})
+        defaults = {"env": self.environment, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE}
+        done = subprocess.run([*self.command, *map(str, arguments)], cwd=place, timeout=300,
+                              stdin=None if "input" in options else subprocess.DEVNULL, **{**defaults, **options})
         self.seconds += time.monotonic() - begin
         return done
 
@@ -234,7 +235,12 @@ def compare_held(windows: "System", wine: str, example: pathlib.Path) -> None:
             time.sleep(0.1)
             if len(before := (place / "out.dxf").read_bytes()) > 3:
                 break
-        done = windows.run("held", ["run", "in.dxf", "--command", "REGEN", "--out", "out.dxf"])
+        # Wine's desktop, which the first program with windows starts, lives as long as the holder does, and would keep
+        # the end of a pipe open.
+        with tempfile.TemporaryFile() as said:
+            done = windows.run("held", ["run", "in.dxf", "--command", "REGEN", "--out", "out.dxf"], stdout=said, stderr=said)
+            said.seek(0)
+            done.stderr = said.read()
         after = (place / "out.dxf").read_bytes()
         holder.communicate(b"\n")
     if done.returncode == 0 or b"another program has it open" not in done.stderr or before != after:
