@@ -51,6 +51,8 @@ class Application {
   database::DrawingDatabase* drawing() const;
   /// File of the current drawing; empty for a new one.
   std::filesystem::path drawingFile() const;
+  /// The folders of the drawing and of the options, in the order in which files that a drawing needs are looked for.
+  std::vector<std::filesystem::path> supportFolders() const;
   /// Opens what `content` holds as a further drawing that counts as changed. With `file` it is the drawing of that file
   /// (a recovery); without one it is a new drawing called `name`.
   Result<> openContent(const std::filesystem::path& content, const std::filesystem::path& file,

@@ -94,7 +94,7 @@ void pictureCommand(Application& application, Prompter& prompter) {
     return;
   }
   if (const Result<> written =
-          writePicture(*application.drawing(), options, {file, *format}, {application.drawingFile().parent_path()});
+          writePicture(*application.drawing(), options, {file, *format}, application.supportFolders());
       !written) {
     complain(written.problem());
     prompter.fail(Code::OutputFailed, L"the picture could not be made");

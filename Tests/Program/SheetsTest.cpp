@@ -29,8 +29,8 @@ TEST_F(Sheets, OfTheProgramAndOwnOnesAreFilled) {
   EXPECT_EQ(call(run).status, 0);
   EXPECT_EQ(read("b.pdf"), pdf);
   // And of a script.
-  EXPECT_EQ(call({"run", "plan.dxf", "--command", "PICTURE", "--command",
-                  "c.pdf --sheet A3-kaava --field \"otsikko=Koivukatu 4\u20138\" --field PAIVAYS=2.3.2026"})
+  EXPECT_EQ(call({"run", "plan.dxf", "--support", own, "--command", "PICTURE", "--command",
+                  "c.pdf --sheet mine --field \"otsikko=Koivukatu 4\u20138\" --field PAIVAYS=2.3.2026"})
                 .status,
             0);
   EXPECT_EQ(read("c.pdf"), pdf);

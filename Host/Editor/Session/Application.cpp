@@ -41,6 +41,13 @@ std::filesystem::path Application::drawingFile() const {
   return document != nullptr ? document->file() : std::filesystem::path();
 }
 
+std::vector<std::filesystem::path> Application::supportFolders() const {
+  std::vector<std::filesystem::path> folders = {drawingFile().parent_path()};
+  const auto& more = host().options().supportFolders;
+  folders.insert(folders.end(), more.begin(), more.end());
+  return folders;
+}
+
 Result<> Application::openContent(const std::filesystem::path& content, const std::filesystem::path& file,
                                   const std::filesystem::path& name) {
   return host().openContent(content, file, name);

@@ -197,6 +197,7 @@ ExportChoice ExportDialog::choice() const {
                               : toQt(engine_.application().currentLayoutName()).toStdString();
   choice.picture.metresPerUnit = picture::metresPerUnit(*engine_.drawing());
   picture::setDrawingFile(choice.picture, engine_.application().drawingFile());
+  choice.picture.supportFolders = engine_.application().supportFolders();
   if (area_->currentData() == "view") choice.picture.window = canvas_.visibleBox();
   if (area_->currentData() == "pick" && picked_) choice.picture.window = *picked_;
   if (choice.picture.paper) choice.picture.dpi = dpi_->value();
