@@ -159,7 +159,7 @@ void Letters::finish() {
   if (font_ == 0) return;
   std::string widths, map;
   for (std::size_t i = 1; i < widths_.size(); ++i) widths += (i > 1 ? " " : "") + std::to_string(widths_[i]);
-  std::array<char, 16> code{};
+  std::array<char, 32> code{};
   constexpr std::size_t kMostInBlock = 100;
   for (std::size_t i = 0; i < letters_.size(); ++i) {
     if (i % kMostInBlock == 0) {
