@@ -120,7 +120,7 @@ const Letters::Letter& Letters::letter(char32_t letter) {
 Letters::Line Letters::line(std::wstring_view text) {
   Line line;
   unsigned width = 0;
-  std::array<char, 8> digits{};
+  std::array<char, 16> digits{};
   for (const char32_t each : asTheyStand(text)) {
     const Letter& known = letter(each);
     if (known.code == 0) continue;

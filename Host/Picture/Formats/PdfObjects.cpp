@@ -28,7 +28,7 @@ std::string numbers(std::initializer_list<double> values, int decimals) {
 }
 
 void addUtf16(std::string& out, char32_t letter) {
-  std::array<char, 8> digits{};
+  std::array<char, 16> digits{};
   const auto unit = [&](char32_t value) {
     std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(value));
     out += digits.data();
