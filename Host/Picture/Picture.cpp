@@ -336,14 +336,18 @@ Result<Picture> drawAllLayouts(const database::DrawingDatabase& db, const Pictur
 
 }  // namespace
 
-Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
+Result<> checkFormat(const PictureOptions& options, PictureFormat format) {
   if (const std::string_view why = whyNot(format); !why.empty()) return problemOf(Code::OutputFailed, std::string(why));
   if (options.hasRealText && format != PictureFormat::Svg && format != PictureFormat::Html)
     return problemOf(Code::WrongUsage, "--real-text writes letters as text, so it goes with SVG and web pages only.");
-  if (options.layout == kAllLayouts) {
-    if (format == PictureFormat::Pdf) return drawAllLayouts(db, options);
+  if (options.layout == kAllLayouts && format != PictureFormat::Pdf)
     return problemOf(Code::WrongUsage, "--layout * makes a page of each layout, so it goes with PDF only.");
-  }
+  return {};
+}
+
+Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format) {
+  if (const Result<> fits = checkFormat(options, format); !fits) return fits.problem();
+  if (options.layout == kAllLayouts) return drawAllLayouts(db, options);
   Result<Composition> made = composePicture(db, options, format);
   if (!made) return made;
   if (format == PictureFormat::Pdf)

@@ -107,6 +107,9 @@ struct Picture {
 /// Takes folder and title from the drawing's file.
 void setDrawingFile(PictureOptions& options, const std::filesystem::path& file);
 
+/// Why no picture of the format can be made with the options: they go with others, or this program cannot make it.
+Result<> checkFormat(const PictureOptions& options, PictureFormat format);
+
 /// Draws one layout of a drawing: those of paper on their own paper, true to size, unless another is asked for. The
 /// same drawing and options give the same bytes. Fails when nothing visible lies in the area.
 Result<Picture> drawPicture(const database::DrawingDatabase& db, const PictureOptions& options, PictureFormat format);

@@ -90,6 +90,9 @@ struct PictureFile {
 /// ending that names a format, and those that contradict the formats.
 host::Result<PictureFile> pictureFile(const std::filesystem::path& file,
                                       const std::vector<host::picture::PictureFormat>& formats);
+/// The same pictures, when the options go with their formats and this program can make them.
+host::Result<std::vector<PictureFile>> fitting(std::vector<PictureFile> pictures,
+                                               const host::picture::PictureOptions& options);
 /// "out/plan.png" for "plans/plan.dxf".
 std::filesystem::path outputIn(const std::filesystem::path& folder, const std::filesystem::path& drawing,
                                std::string_view ending);

@@ -29,6 +29,8 @@ using host::picture::PictureFormat;
 
 namespace {
 
+std::string nameOf(const fs::path& picture) { return isStandardStream(picture) ? "standard output" : picture.string(); }
+
 /// The pictures a call asks for of one drawing.
 Result<std::vector<PictureFile>> picturesOf(const PictureCallOptions& options, const fs::path& drawing) {
   std::vector<PictureFile> pictures;
@@ -36,13 +38,13 @@ Result<std::vector<PictureFile>> picturesOf(const PictureCallOptions& options, c
     const Result<PictureFile> picture = pictureFile(options.out, options.formats);
     if (!picture) return picture;
     pictures.push_back(*picture);
-    return pictures;
+    return fitting(std::move(pictures), options.picture);
   }
   if (isStandardStream(drawing))
     return problemOf(Code::WrongUsage, "the drawing on standard input has no name for --out-dir; name the picture");
   for (const PictureFormat format : options.formats.empty() ? std::vector{PictureFormat::Png} : options.formats)
     pictures.push_back({outputIn(*options.folder, drawing, endingOf(format)), format});
-  return pictures;
+  return fitting(std::move(pictures), options.picture);
 }
 
 RunStatus writeAll(const host::database::DrawingDatabase& drawing, const PictureCallOptions& options,
@@ -101,11 +103,19 @@ Result<PictureFile> pictureFile(const fs::path& file, const std::vector<PictureF
   return PictureFile{file, *format};
 }
 
+Result<std::vector<PictureFile>> fitting(std::vector<PictureFile> pictures,
+                                         const host::picture::PictureOptions& options) {
+  for (const PictureFile& picture : pictures)
+    if (const Result<> fits = host::picture::checkFormat(options, picture.format); !fits)
+      return problemOf(fits.problem().code, nameOf(picture.file), fits.problem().text);
+  return pictures;
+}
+
 Result<> writePicture(const host::database::DrawingDatabase& drawing, host::picture::PictureOptions options,
                       const PictureFile& picture, const std::vector<fs::path>& folders) {
   options.metresPerUnit = host::picture::metresPerUnit(drawing);
   options.supportFolders = folders;
-  const std::string name = isStandardStream(picture.file) ? "standard output" : picture.file.string();
+  const std::string name = nameOf(picture.file);
   const auto inFile = [&name](Problem problem) {
     problem.file = name;
     return problem;

@@ -46,6 +46,9 @@ Result<PlanOutputs> outputsOf(const RunOptions& options, const fs::path& drawing
     if (!picture) return picture;
     outputs.pictures.push_back(*picture);
   }
+  Result<std::vector<PictureFile>> fit = fitting(std::move(outputs.pictures), options.picture);
+  if (!fit) return fit.problem();
+  outputs.pictures = std::move(fit.value());
   return outputs;
 }
 

@@ -86,6 +86,10 @@ TEST_F(Usage, WrongArgumentsAreNamedWithTheAcceptedForms) {
       {"run plan.dxf --command REGEN --set LTSCALE=wide", "--set LTSCALE=wide: LTSCALE: needs a number"},
       {"picture plan.dxf a.png --real-text",
        "a.png: --real-text writes letters as text, so it goes with SVG and web pages only."},
+      {"run plan.dxf --command REGEN --out b.dxf --picture a.svg --picture b.pdf --real-text",
+       "b.pdf: --real-text writes letters as text, so it goes with SVG and web pages only."},
+      {"run plan.dxf --command REGEN --out b.dxf --picture a.png --layout *",
+       "a.png: --layout * makes a page of each layout, so it goes with PDF only."},
       {"picture plan.dxf a.gif", "a.gif: a picture's name must end in .png, .svg, .pdf, .tif or .html"},
   };
   expectRefused(told, "tolmex: ", "\n");
