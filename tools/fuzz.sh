@@ -59,7 +59,8 @@ sums() {
 build() {
   [ "$builds" = yes ] || return 0
   tools/install-deps.sh clang libclang-rt-14-dev
-  [ -f build/fuzz/build.ninja ] || cmake --preset fuzz >/dev/null
+  # The preset holds the compiler's options: a folder made from an older one is configured anew.
+  [ build/fuzz/build.ninja -nt CMakePresets.json ] || cmake --preset fuzz >/dev/null
   local programs
   mapfile -t programs < <(printf 'fuzz_%s\n' "${targets[@]}" | sort -u)
   cmake --build build/fuzz --target "${programs[@]}"
@@ -68,20 +69,47 @@ build() {
 prepare() {
   mkdir -p "$into/corpus" "$into/finds"
   into=$(cd "$into" && pwd)
-  rm -rf "$into/bin" "$into/seeds"
+  rm -rf "${into:?}/bin" "$into/seeds"
   cp -a build/fuzz/bin "$into/bin"
   cp -a Tests/fuzz/corpus "$into/seeds"
 }
 
+# seeds_of TARGET SEEDS: the folders of the first inputs, those of the corpus in the repository.
+seeds_of() {
+  case $1 in
+    drawing) printf '%s\n' "$2/"{drawing,binary} ;;
+    illustration) printf '%s\n' "$2/"{plan,drawing,binary} ;;
+    *) printf '%s\n' "$2/$1" ;;
+  esac
+}
+
+# Every turn begins with all of a target's inputs: what adds nothing to the others has no place among them. A corpus
+# that has not doubled since the last time stays as it is. libFuzzer calls itself through a shell that splits paths at
+# blanks, so it gets relative ones.
+shrink_corpus() (
+  cd "$into"
+  old=corpus/$1 new=corpus/$1.small
+  mkdir -p "$old"
+  count=$(find "$old" -type f | wc -l)
+  [ "$count" -gt $((2 * $(cat "$old.count" 2>/dev/null || echo 500))) ] || return 0
+  mapfile -t seeds < <(seeds_of "$1" seeds)
+  rm -rf "$new"
+  mkdir "$new"
+  "bin/fuzz_$1" -merge=1 -timeout=100 -rss_limit_mb=3000 -detect_leaks=0 -max_len=2000 "$new" "${seeds[@]}" "$old" \
+    </dev/null >"log-$1.small" 2>&1 || return 0
+  left=$(find "$new" -type f | wc -l)
+  [ "$left" -gt 0 ] || return 0
+  echo "$left" >"$old.count"
+  rm -rf "$old"
+  mv "$new" "$old"
+)
+
 # one_process TARGET SECONDS: ends early when an input breaks something. Inputs are chosen without entropic weights, for
 # reckoning these takes longer than such small inputs do.
 one_process() {
-  local target=$1 log=$into/log-$1 seeds=("$into/seeds/$1") status=0 found=0 kept
-  case $target in
-    drawing) seeds+=("$into/seeds/binary") ;;
-    illustration) seeds=("$into/seeds/"{plan,drawing,binary}) ;;
-  esac
-  mkdir -p "$into/corpus/$target" "$into/finds/$target"
+  local target=$1 log=$into/log-$1 seeds status=0 found=0 kept
+  mapfile -t seeds < <(seeds_of "$target" "$into/seeds")
+  mkdir -p "$into/finds/$target"
   local TIMEFORMAT='%U %S'
   { time "$into/bin/fuzz_$target" -max_total_time="$2" -print_final_stats=1 -timeout=100 -rss_limit_mb=3000 \
     -entropic=0 -detect_leaks=0 -max_len=2000 -artifact_prefix="$into/finds/$target/" \
@@ -107,6 +135,7 @@ take_turns() {
   local end=$((SECONDS + seconds)) turn_end target tries
   while :; do
     for target in "${targets[@]}"; do
+      shrink_corpus "$target"
       turn_end=$((SECONDS + turn < end ? SECONDS + turn : end))
       for ((tries = 0; tries < 20 && SECONDS < turn_end; ++tries)); do
         one_process "$target" $((turn_end - SECONDS))

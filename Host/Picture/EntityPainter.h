@@ -126,6 +126,8 @@ class EntityPainter {
   bool isRepeating() const { return chain_.depth() > 1; }
   /// False, from then on, when the picture has no room for so much more.
   bool spendRepeats(std::size_t count);
+  /// The same for an outline of so many points.
+  bool spendPoints(std::size_t count);
   void paintViewport(const database::Slot& entity);
   void paintWire(const geometry::Wire& wire, const Place& place, const Style& style);
   void paintPoint(const AcGePoint3d& p, const Place& place, const Style& style);

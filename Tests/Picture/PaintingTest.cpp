@@ -60,6 +60,18 @@ TEST(Painting, DeeplyNestedBlocksAreShownOrTold) {
   }
 }
 
+TEST(Painting, ArraysWithoutEndAreCutShortAndTold) {
+  SmallDrawing drawing;
+  drawing.entity("HATCH", solidBox(0, 0, 2, 2), "8 0|62 1");
+  drawing.block("nothing").block("many").entity("INSERT", "2 nothing|10 0|20 0|70 30000|71 30000|44 1|45 1");
+  drawing.model().entity("INSERT", "2 many|10 0|20 0|70 30000|71 30000|44 1|45 1");
+  drawing.entity("HATCH", solidBox(8, 8, 10, 10), "8 0|62 3");
+  expectPixels(drawing, "1 1 ff0000|9 9 00ff00|5 5 ffffff");  // what stands in the model itself is all there
+  SmallDatabase db(drawing);
+  EXPECT_EQ(toldOf(drawPicture(*db, twentyByTwenty(), PictureFormat::Svg)),
+            "The drawing repeats blocks so often that part of it was left out.");
+}
+
 TEST(Painting, LayersAndBlocksGiveTheirColours) {
   SmallDrawing drawing;
   drawing.layer("0", "70 0|62 7")

@@ -25,12 +25,12 @@ using geometry::Transform;
 /// stands in the drawn space itself is drawn however much it is, and lets its references repeat more. Fuzz targets get
 /// there soon.
 #ifdef TOLMEX_SMALL_LIMITS
-constexpr std::size_t kMostRepeats = 2'000;
+constexpr std::size_t kMostRepeats = 100;
+constexpr std::size_t kRepeatsPerEntity = 2;
 #else
 constexpr std::size_t kMostRepeats = 2'000'000;
-#endif
 constexpr std::size_t kRepeatsPerEntity = 16;
-constexpr std::size_t kPointsPerRepeat = 64;
+#endif
 
 /// What a viewport shows where.
 struct ViewportTags {
@@ -229,6 +229,11 @@ bool EntityPainter::spendRepeats(std::size_t count) {
   return !cutShort_;
 }
 
+bool EntityPainter::spendPoints(std::size_t count) {
+  constexpr std::size_t kPointsPerRepeat = 64;
+  return !isRepeating() || spendRepeats(count / kPointsPerRepeat);
+}
+
 bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own) {
   const Surroundings inside{layer, own};
   const auto reference = geometry::readReference(entity);
@@ -382,8 +387,8 @@ void EntityPainter::strokeLine(const std::vector<Point>& line, bool closed, cons
 }
 
 void EntityPainter::paintWire(const geometry::Wire& wire, const Place& place, const Style& style) {
+  if (!spendPoints(wire.points.size())) return;
   if (wire.filled) return fillChains({wire.points}, place.toPicture, FillRule::EvenOdd, style.fill);
-  if (isRepeating() && !spendRepeats(wire.points.size() / kPointsPerRepeat)) return;
   if (!project(wire.points, place.toPicture, wire_.line)) return;
   wire_.closed = wire.closed;
   wire_.corners = wire.corners;

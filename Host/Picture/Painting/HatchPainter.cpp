@@ -85,6 +85,9 @@ void EntityPainter::paintHatch(const database::Slot& entity, const Place& place,
   const database::ObjectAxes axes(hatch.normal);
   const Transform plane = place.toPicture.after({axes.ax, axes.ay, axes.az, AcGePoint3d{} + axes.az * hatch.elevation});
   const std::vector<Polygon> loops = loopsOf ? loopsOf(plane) : geometry::filledLoops(hatch);
+  std::size_t points = 0;
+  for (const Polygon& loop : loops) points += loop.size();
+  if (!spendPoints(points)) return;
   const auto rings = [&] {
     std::vector<geometry::Chain> chains;
     for (const Polygon& loop : loops) {
