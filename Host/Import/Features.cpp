@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <system_error>
 
 #include "Import/BaseMap.h"
 #include "Import/Buildings.h"
@@ -118,6 +119,12 @@ class FeatureReader {
   }
 
   Result<> readSource(const std::filesystem::path& source) {
+    // GDAL takes other names, too: of databases, of addresses in the net. Here they are files and folders.
+    std::error_code failure;
+    if (!std::filesystem::exists(source, failure)) {
+      if (!failure) failure = std::make_error_code(std::errc::no_such_file_or_directory);
+      return unreadable(source, "cannot be opened: " + failure.message());
+    }
     CPLErrorReset();
     const BaseMapFile baseMap(source);
     const char* const kOpenOptions[] = {"WRITE_GFS=NO", nullptr};  // nothing is left beside the source

@@ -137,7 +137,19 @@ TEST_F(Import, RefusesRulesThatNobodyReads) {
   write("own.json", "{");
   EXPECT_THAT(refusal("own.json"), HasSubstr("own.json"));
   EXPECT_THAT(refusal("oms"), HasSubstr("shipped rules are kanta, mtk, osm, rekisteri"));
-  EXPECT_EQ(call({"import", "nowhere.geojson", "new.dxf", "--rules", "osm"}).status, 2);
+}
+
+TEST_F(Import, ReadsFilesOnly) {
+  write("empty.gpkg", "");
+  for (const auto& [source, why] : {std::pair{"nowhere.geojson", "cannot be opened: No such file or directory"},
+                                    {"/vsicurl/http://localhost:9/t.geojson", "cannot be opened: No such file"},
+                                    {"MEM:", "cannot be opened: No such file"},
+                                    {"empty.gpkg", "is no map data that can be read"}}) {
+    const Outcome refused = call({"import", source, "new.dxf", "--rules", "osm"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.err, testing::StartsWith(std::string("tolmex: ") + source + ": " + why));
+  }
+  EXPECT_FALSE(fs::exists(folder / "new.dxf"));
 }
 
 TEST_F(Import, RegistersTellFloorsInManyWays) {
