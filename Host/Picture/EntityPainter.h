@@ -169,6 +169,7 @@ class EntityPainter {
   geometry::ReferenceChain chain_;
   std::unordered_map<const database::BlockContents*, std::vector<database::Slot*>> orders_;
   std::size_t repeatsLeft_ = 0;
+  std::size_t pointsLeft_ = 0;
   bool cutShort_ = false;
   bool isInViewport_ = false;
   bool isInDimension_ = false;

@@ -72,6 +72,16 @@ TEST(Painting, ArraysWithoutEndAreCutShortAndTold) {
             "The drawing repeats blocks so often that part of it was left out.");
 }
 
+TEST(Painting, ManyReferencesToLargeBlocksAreAllDrawn) {
+  SmallDrawing drawing;
+  drawing.block("nothing").block("large").entity("INSERT", "2 nothing|10 0|20 0|70 30|71 30|44 1|45 1");
+  drawing.block("last").entity("HATCH", solidBox(8, 8, 10, 10), "8 0|62 3");
+  drawing.model();
+  for (int i = 0; i < 2500; ++i) drawing.entity("INSERT", "2 large|10 0|20 0");
+  drawing.entity("INSERT", "2 last|10 0|20 0");
+  expectPixels(drawing, "9 9 00ff00");
+}
+
 TEST(Painting, LayersAndBlocksGiveTheirColours) {
   SmallDrawing drawing;
   drawing.layer("0", "70 0|62 7")

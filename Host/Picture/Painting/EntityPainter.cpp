@@ -22,15 +22,16 @@ using geometry::Chain;
 using geometry::Transform;
 
 /// Nested arrays and viewports can ask for more than a picture can show; what comes after is left out, and said. What
-/// stands in the drawn space itself is drawn however much it is, and lets its references repeat more. Fuzz targets get
-/// there soon.
+/// stands in the drawn space itself is drawn however much it is, and lets its references repeat more: a plan may have a
+/// hundred thousand trees of a hundred lines. The bounds keep files that ask for much with few bytes to some gigabytes.
+/// Fuzz targets get there soon.
 #ifdef TOLMEX_SMALL_LIMITS
-constexpr std::size_t kMostRepeats = 100;
-constexpr std::size_t kRepeatsPerEntity = 2;
+constexpr std::size_t kFewestRepeats = 100, kMostRepeats = 100;
 #else
-constexpr std::size_t kMostRepeats = 2'000'000;
-constexpr std::size_t kRepeatsPerEntity = 16;
+constexpr std::size_t kFewestRepeats = 2'000'000, kMostRepeats = 20'000'000;
 #endif
+constexpr std::size_t kRepeatsPerReference = 1'000, kRepeatsPerEntity = 16;
+constexpr std::size_t kPointsPerEntity = 1'000, kFewestPoints = 16 * kFewestRepeats;
 
 /// What a viewport shows where.
 struct ViewportTags {
@@ -130,7 +131,9 @@ EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureO
 
 void EntityPainter::begin(const BlockContents& block, std::size_t entities) {
   chain_.enter(&block);
-  repeatsLeft_ = std::max(kMostRepeats, kRepeatsPerEntity * entities);
+  repeatsLeft_ =
+      std::max(std::clamp(kRepeatsPerReference * entities, kFewestRepeats, kMostRepeats), kRepeatsPerEntity * entities);
+  pointsLeft_ = std::max(kFewestPoints, kPointsPerEntity * entities);
 }
 
 void EntityPainter::paint(const BlockContents& block) {
@@ -230,8 +233,10 @@ bool EntityPainter::spendRepeats(std::size_t count) {
 }
 
 bool EntityPainter::spendPoints(std::size_t count) {
-  constexpr std::size_t kPointsPerRepeat = 64;
-  return !isRepeating() || spendRepeats(count / kPointsPerRepeat);
+  if (!isRepeating()) return true;
+  cutShort_ = cutShort_ || count > pointsLeft_;
+  if (!cutShort_) pointsLeft_ -= count;
+  return !cutShort_;
 }
 
 bool EntityPainter::paintReference(const Slot& entity, const Place& place, std::uint32_t layer, const Appearance& own) {
