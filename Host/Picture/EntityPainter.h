@@ -36,7 +36,7 @@ class EntityPainter {
   template <class Visit>
   void paintEach(const database::BlockContents& block, const Visit& visit) {
     const std::vector<database::Slot*>& order = drawOrder(block);
-    begin(block, order.size());
+    begin(block);
     for (const database::Slot* slot : order) {
       visit(*slot, true);
       paintOne(*slot);
@@ -48,7 +48,7 @@ class EntityPainter {
   template <class Wanted>
   void paintSome(const database::BlockContents& block, const Wanted& isWanted) {
     const std::vector<database::Slot*>& order = drawOrder(block);
-    begin(block, order.size());
+    begin(block);
     for (const database::Slot* slot : order)
       if (isWanted(*slot)) paintOne(*slot);
     chain_.leave();
@@ -56,7 +56,7 @@ class EntityPainter {
   /// The same, without what cannot show in the view's area.
   void paintInArea(const database::BlockContents& block);
   /// The same for single entities of one block, in any order, after `begin`.
-  void begin(const database::BlockContents& block, std::size_t entities);
+  void begin(const database::BlockContents& block);
   void paintOne(const database::Slot& entity) { paintEntity(entity, {view_.toPicture, {}}); }
   /// Texts in place of those of attributes; null for one that keeps its own.
   using AttributeText = std::function<const std::wstring*(const database::Slot& attribute)>;
@@ -124,10 +124,8 @@ class EntityPainter {
   void endClip(const Box& outerArea);
   /// Inside of a reference or a viewport.
   bool isRepeating() const { return chain_.depth() > 1; }
-  /// False, from then on, when the picture has no room for so much more.
-  bool spendRepeats(std::size_t count);
-  /// The same for an outline of so many points.
-  bool spendPoints(std::size_t count);
+  /// Takes what repeats from what is left of their pieces or points; false, from then on, when there is not so much.
+  bool spend(std::size_t& left, std::size_t count);
   void paintViewport(const database::Slot& entity);
   void paintWire(const geometry::Wire& wire, const Place& place, const Style& style);
   void paintPoint(const AcGePoint3d& p, const Place& place, const Style& style);

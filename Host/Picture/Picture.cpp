@@ -92,7 +92,7 @@ void addNotes(Composition& made, const database::DrawingDatabase& db, const Pict
     DisplayListCanvas canvas;
     EntityPainter painter(db, options, glyphs, view, canvas);
     if (sample == nullptr || !painter.isShown(*sample)) continue;
-    painter.begin(db.modelSpace(), db.modelSpace().entities.size());
+    painter.begin(db.modelSpace());
     painter.paintSwatch(*sample, {1, 1, kSwatchWidthPx - 1, kSwatchHeightPx - 1});
     notes.swatches.push_back(
         {text::toUtf8(row.name), text::toUtf8(row.amount), std::make_shared<const DisplayList>(canvas.take())});

@@ -129,8 +129,10 @@ EntityPainter::EntityPainter(const database::DrawingDatabase& db, const PictureO
     pointMark_.share = size == 0 ? kUsualShare : std::min(-size, kWholePercent) / kWholePercent;
 }
 
-void EntityPainter::begin(const BlockContents& block, std::size_t entities) {
+void EntityPainter::begin(const BlockContents& block) {
   chain_.enter(&block);
+  std::size_t entities = block.entities.size();
+  if (&block != &db_.modelSpace()) entities += db_.modelSpace().entities.size();  // viewports repeat the model
   repeatsLeft_ =
       std::max(std::clamp(kRepeatsPerReference * entities, kFewestRepeats, kMostRepeats), kRepeatsPerEntity * entities);
   pointsLeft_ = std::max(kFewestPoints, kPointsPerEntity * entities);
@@ -138,7 +140,7 @@ void EntityPainter::begin(const BlockContents& block, std::size_t entities) {
 
 void EntityPainter::paint(const BlockContents& block) {
   const std::vector<Slot*>& order = drawOrder(block);
-  begin(block, order.size());
+  begin(block);
   for (const Slot* slot : order) paintOne(*slot);
   chain_.leave();
 }
@@ -153,7 +155,7 @@ void EntityPainter::paintInArea(const BlockContents& block) {
   area.add(Point{(a.maxX + reach - t.origin.x) / t.x.x, (a.maxY + reach - t.origin.y) / t.y.y});
   EntityBounds bounds(db_);
   const std::vector<Slot*>& order = drawOrder(block);
-  begin(block, order.size());
+  begin(block);
   for (const Slot* slot : order)
     if (bounds.mayShowIn(*slot, area)) paintOne(*slot);
   chain_.leave();
@@ -190,7 +192,7 @@ EntityPainter::Style EntityPainter::styleOf(const Appearance& appearance, const 
 }
 
 void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
-  if (isRepeating() && !spendRepeats(1)) return;
+  if (!spend(repeatsLeft_, 1)) return;
   if (chain_.depth() <= (isInViewport_ ? 2U : 1U)) outermost_ = entity.handle;
   const std::uint32_t layer = appearances_.effectiveLayer(entity, place.surroundings);
   if (!appearances_.isShown(entity, layer)) {
@@ -226,16 +228,10 @@ void EntityPainter::paintEntity(const Slot& entity, const Place& place) {
   if (shape.image) paintImage(*shape.image, place, style);
 }
 
-bool EntityPainter::spendRepeats(std::size_t count) {
-  cutShort_ = cutShort_ || count > repeatsLeft_;
-  if (!cutShort_) repeatsLeft_ -= count;
-  return !cutShort_;
-}
-
-bool EntityPainter::spendPoints(std::size_t count) {
+bool EntityPainter::spend(std::size_t& left, std::size_t count) {
   if (!isRepeating()) return true;
-  cutShort_ = cutShort_ || count > pointsLeft_;
-  if (!cutShort_) pointsLeft_ -= count;
+  cutShort_ = cutShort_ || count > left;
+  if (!cutShort_) left -= count;
   return !cutShort_;
 }
 
@@ -275,7 +271,7 @@ void EntityPainter::paintContent(const geometry::BlockReference& reference, cons
   const std::int64_t columnStep = view_.boundsOnly ? std::max<std::int64_t>(reference.columns - 1, 1) : 1;
   for (std::int64_t row = 0; row < reference.rows && !cutShort_; row += rowStep)
     for (std::int64_t column = 0; column < reference.columns && !cutShort_; column += columnStep) {
-      if (!spendRepeats(1)) break;  // empty cells count, too
+      if (!spend(repeatsLeft_, 1)) break;  // empty cells count, too
       const Place cell{place.toPicture.after(reference.cell(column, row)), inside};
       for (const Slot* inner : drawOrder(*reference.block))
         if (geometry::isDrawnInReference(*inner)) paintEntity(*inner, cell);
@@ -392,7 +388,7 @@ void EntityPainter::strokeLine(const std::vector<Point>& line, bool closed, cons
 }
 
 void EntityPainter::paintWire(const geometry::Wire& wire, const Place& place, const Style& style) {
-  if (!spendPoints(wire.points.size())) return;
+  if (!spend(pointsLeft_, wire.points.size())) return;
   if (wire.filled) return fillChains({wire.points}, place.toPicture, FillRule::EvenOdd, style.fill);
   if (!project(wire.points, place.toPicture, wire_.line)) return;
   wire_.closed = wire.closed;

@@ -87,7 +87,7 @@ void EntityPainter::paintHatch(const database::Slot& entity, const Place& place,
   const std::vector<Polygon> loops = loopsOf ? loopsOf(plane) : geometry::filledLoops(hatch);
   std::size_t points = 0;
   for (const Polygon& loop : loops) points += loop.size();
-  if (!spendPoints(points)) return;
+  if (!spend(pointsLeft_, points)) return;
   const auto rings = [&] {
     std::vector<geometry::Chain> chains;
     for (const Polygon& loop : loops) {

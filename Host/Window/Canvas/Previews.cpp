@@ -248,7 +248,7 @@ const picture::Recording& Previews::block(const PreviewInput& input) {
   picture::Recorder recorder;
   picture::EntityPainter painter(*input.drawing, options, glyphs, view, recorder);
   recorder.begin(block_);
-  painter.begin(*contents, contents->entities.size());
+  painter.begin(*contents);
   for (const Slot* entity : contents->entities)
     if (!entity->isErased()) painter.paintOne(*entity);
   return block_;

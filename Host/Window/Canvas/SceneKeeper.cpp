@@ -76,7 +76,7 @@ struct SceneKeeper::Composer {
         layers_(keeper.drawing_),
         deviation_(curveDeviation),
         painter_(keeper.drawing_, options_, keeper.glyphs_, viewOf(keeper, curveDeviation), recorder_) {
-    painter_.begin(keeper.space_, keeper.space_.entities.size());
+    painter_.begin(keeper.space_);
   }
   static picture::View viewOf(const SceneKeeper& keeper, double deviation) {
     picture::View view;
