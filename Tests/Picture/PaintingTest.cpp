@@ -74,12 +74,22 @@ TEST(Painting, ArraysWithoutEndAreCutShortAndTold) {
 
 TEST(Painting, ManyReferencesToLargeBlocksAreAllDrawn) {
   SmallDrawing drawing;
+  drawing.block("*Paper_Space");
   drawing.block("nothing").block("large").entity("INSERT", "2 nothing|10 0|20 0|70 30|71 30|44 1|45 1");
   drawing.block("last").entity("HATCH", solidBox(8, 8, 10, 10), "8 0|62 3");
   drawing.model();
   for (int i = 0; i < 2500; ++i) drawing.entity("INSERT", "2 large|10 0|20 0");
   drawing.entity("INSERT", "2 last|10 0|20 0");
+  // A sheet has all of the model, though only two entities of its own.
+  drawing.entity("VIEWPORT", "10 10|20 10|40 30|41 20|68 1|69 1|12 10|22 10|16 0|26 0|36 1|45 20", "67 1|8 0");
+  drawing.entity("VIEWPORT", "10 10|20 10|40 20|41 20|68 2|69 2|12 20|22 20|16 0|26 0|36 1|17 0|27 0|45 40|51 0",
+                 "67 1|8 0");
+  drawing.objects("0 DICTIONARY|5 1A|330 C|100 AcDbDictionary|281 1|3 Model|350 22|3 Sheet|350 59")
+      .objects("0 LAYOUT|5 59|330 1A|100 AcDbPlotSettings|1 |100 AcDbLayout|1 Sheet|70 1|71 1|330 40000");
   expectPixels(drawing, "9 9 00ff00");
+  PictureOptions options = twentyByTwenty();
+  options.layout = "Sheet";
+  expectPixels(drawing, "4.5 4.5 00ff00", options);
 }
 
 TEST(Painting, LayersAndBlocksGiveTheirColours) {
